@@ -1,0 +1,41 @@
+// Storage that is given out in pieces and taken back as a whole.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace corvel {
+
+// Pieces come from blocks that grow from 16 KiB to 1 MiB; a larger request gets a block of its
+// own. Nothing is freed before the arena goes. Memory is not zeroed.
+class Arena {
+ public:
+  Arena() = default;
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+
+  // `alignment` is a power of two, at most that of std::max_align_t. Throws std::bad_alloc.
+  void* Allocate(std::size_t size, std::size_t alignment) {
+    const std::uintptr_t start = (next_ + (alignment - 1)) & ~(alignment - 1);
+    if (start + size <= end_) [[likely]] {
+      next_ = start + size;
+      return reinterpret_cast<void*>(start);
+    }
+    return AllocateFromNewBlock(size, alignment);
+  }
+
+  // Bytes taken from the system.
+  std::size_t ReservedBytes() const { return reserved_; }
+
+ private:
+  void* AllocateFromNewBlock(std::size_t size, std::size_t alignment);
+
+  std::uintptr_t next_ = 0;
+  std::uintptr_t end_ = 0;
+  std::size_t reserved_ = 0;
+  std::vector<std::unique_ptr<std::byte[]>> blocks_;
+};
+
+}  // namespace corvel

@@ -1,0 +1,79 @@
+// One opened model as the rest of the system sees it.
+//
+// This header is the one door upwards: the reader, the writer and the merge implement operations
+// that are declared here.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/main_container.h"
+#include "core/reporting.h"
+#include "core/text.h"
+
+namespace corvel {
+
+class Parser;
+struct HeaderToken;
+
+enum class MergeStatus : std::uint32_t { kNotMerged = 0, kMerged = 1, kFailed = 2 };
+
+// Owns the parser, for its whole life, and after parsing the container. A merge moves the
+// container of a document to the one that it was folded into; the getters go on working.
+class IfcDocument {
+ public:
+  // `ignoreEnumErrors`: unknown enumeration values are logged and replaced, not asked about.
+  IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, ProgressCallback progress);
+  ~IfcDocument();
+  IfcDocument(const IfcDocument&) = delete;
+  IfcDocument& operator=(const IfcDocument&) = delete;
+
+  // Names the inputs and the output of the run, which the temporary file of the reading never
+  // overwrites. Call before OpenFile.
+  void ReservePaths(std::vector<WideString> paths);
+  // Reads the whole file. `share`: number of documents of the run, for the progress. Nonzero on
+  // success; failures have been reported, and IsParsed and IsCancelled tell them apart.
+  int OpenFile(const WideString& path, int share);
+  // The schema identifier of a file without reading its model; empty (reported) without a HEADER.
+  WideString readSchemaIdentifier(const WideString& path);
+  // A blank entity of the file's schema, filed under the next free number. `name` in any case.
+  // Null (reported) for a class that the schema lacks.
+  IFC::IfcEntity* CreateESet(std::string name);
+  // Writes the model. 1: complete; 2: cancelled; 0: failed, and reported. In the last two cases no
+  // file is left.
+  int SaveFile(const WideString& path);
+
+  // Folds `source` into this document. `mergeLevel`: 0 merges no spatial objects by name, 1 sites,
+  // 2 also buildings, 3 also storeys; `nameAndGuid`: their GUIDs have to agree as well. Afterwards
+  // the container of `source` belongs to this document. What counts is `mergeStatus`.
+  bool MergeDocument(IfcDocument& source, unsigned mergeLevel, bool nameAndGuid);
+
+  WideString getFilePath() const;
+  HeaderToken* getHeader() const;  // null when the file had none
+  IFC::IfcEntity* getIfcUnitAssignment() const;
+  IFC::IfcEntity* getIfcProject() const;
+  WideString getSchemaIdentifier() const;
+  WideString getISO() const;
+  bool IsParsed() const;
+  // True also for a file that failed.
+  bool IsCancelled() const;
+  Parser& GetParser() const { return *parser_; }
+
+  std::unique_ptr<IFC::MainContainer> mainContainer;
+  // Every GUID made while merging; the entities point into these texts.
+  std::set<std::string> generatedGuids;
+  // Containers taken over by merging. Their pools hold entities and texts of this model.
+  std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
+  MergeStatus mergeStatus = MergeStatus::kNotMerged;
+  bool mergeable = false;
+
+ private:
+  ErrorReporter showError_;
+  ProgressCallback progress_;
+  std::unique_ptr<Parser> parser_;
+};
+
+}  // namespace corvel

@@ -1,0 +1,268 @@
+#include "core/main_container.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/entity_cast.h"
+#include "core/guid.h"
+#include "platform/platform.h"
+
+namespace IFC {
+
+namespace {
+
+using corvel::ToWide;
+using corvel::Widen;
+using corvel::WideString;
+using corvel::WideView;
+
+void ShowBox(const WideString& text) {
+  platform::Get().ShowMessageBox(u"Logfile error", text, platform::Buttons::kOk,
+                                 platform::Icon::kError);
+}
+
+// What AddEntity does with a class beyond filing it.
+enum Kind : std::ptrdiff_t { kPlain, kProject, kFirstList };
+
+struct ListOfClass {
+  WideView className;  // empty: the subtypes of IfcRelAssigns
+  std::vector<IfcEntity*> MainContainer::*list;
+};
+
+constexpr ListOfClass kLists[] = {
+    {u"IfcRelAggregates", &MainContainer::relAggregates},
+    {u"IfcRelContainedInSpatialStructure", &MainContainer::relContainedInSpatialStructure},
+    {u"IfcRelDefinesByProperties", &MainContainer::relDefinesByProperties},
+    {u"IfcRelDefinesByObject", &MainContainer::relDefinesByObject},
+    {u"IfcRelDefinesByType", &MainContainer::relDefinesByType},
+    {u"IfcDraughtingCalloutRelationship", &MainContainer::draughtingCalloutRelationship},
+    {u"IfcRelDecomposes", &MainContainer::relDecomposes},
+    {u"IfcDocumentInformationRelationship", &MainContainer::documentInformationRelationship},
+    {u"", &MainContainer::relAssigns},
+    {u"IfcRelVoidsElement", &MainContainer::relVoidsElement},
+    {u"IfcRelFillsElement", &MainContainer::relFillsElement},
+    {u"IfcRelSpaceBoundary", &MainContainer::relSpaceBoundary},
+    {u"IfcRelConnectsPathElements", &MainContainer::relConnectsPathElements},
+    {u"IfcRelAssociatesClassification", &MainContainer::relAssociatesClassification},
+    {u"IfcRelAssociatesMaterial", &MainContainer::relAssociatesMaterial},
+    {u"IfcRelAssociatesRepresentation", &MainContainer::relAssociatesRepresentation},
+    {u"IfcRelAssociatesLayer", &MainContainer::relAssociatesLayer},
+    {u"IfcRelAssociatesStyle", &MainContainer::relAssociatesStyle},
+};
+
+std::ptrdiff_t KindByName(IfcEntity* entity) {
+  const WideView name = entity->getClassName();
+  if (name == u"IfcProject") return kProject;
+  for (std::size_t i = 0; i < std::size(kLists); ++i) {
+    const bool matches = kLists[i].className.empty()
+                             ? corvel::EntityCast<VIfcRelAssigns>(entity) != nullptr
+                             : kLists[i].className == name;
+    if (matches) return kFirstList + static_cast<std::ptrdiff_t>(i);
+  }
+  return kPlain;
+}
+
+// The kind depends on the class alone, so the names are compared once per class.
+std::ptrdiff_t KindOf(IfcEntity* entity) {
+  static corvel::ClassMemory memory;
+  const std::type_info* const dynamicClass = &typeid(*entity);
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
+  const std::ptrdiff_t kind = KindByName(entity);
+  memory.Remember(dynamicClass, kind);
+  return kind;
+}
+
+}  // namespace
+
+std::uint32_t NextVisitGeneration() {
+  static std::uint32_t generation = 0;
+  return ++generation;
+}
+
+std::uint32_t MainContainer::uniqueMarker = 1;
+
+void MainContainer::ResetUniqueMarker() { uniqueMarker = 1; }
+
+MainContainer::MainContainer(corvel::ErrorReporter showError, corvel::ProgressCallback progress,
+                             std::uint64_t poolBlockSize)
+    : showError_(showError), progress_(progress), memoryPool_(poolBlockSize) {}
+
+MainContainer::~MainContainer() = default;
+
+bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number) {
+  if (entity == nullptr) return false;
+  if (originalEntities.Contains(number)) {
+    ShowBox(u"AddEntityByOrginalNumber method error: Entity with marker: " + ToWide(number) +
+            u" already exists.");
+    return false;
+  }
+  originalEntities.Set(number, entity);
+  AddEntity(entity);
+  return true;
+}
+
+// A clash is resolved once only.
+bool MainContainer::ChooseMarker(IfcEntity* entity) {
+  if (entity->marker != kUnfiled) {
+    uniqueMarker = std::max(uniqueMarker, entity->marker);
+  } else {
+    entity->SetMarker(uniqueMarker);
+    ++uniqueMarker;
+  }
+  if (!entities.Contains(entity->marker)) return true;
+  ++uniqueMarker;
+  entity->SetMarker(uniqueMarker);
+  return !entities.Contains(entity->marker);
+}
+
+void MainContainer::AddEntity(IfcEntity* entity) {
+  if (!ChooseMarker(entity)) {
+    ShowBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker));
+    return;
+  }
+  entities.Set(entity->marker, entity);
+  SortIntoList(entity);
+}
+
+void MainContainer::SortIntoList(IfcEntity* entity) {
+  const std::ptrdiff_t kind = KindOf(entity);
+  if (kind == kPlain) return;
+  if (kind == kProject) {
+    NoteProject(entity);
+  } else {
+    (this->*kLists[kind - kFirstList].list).push_back(entity);
+  }
+}
+
+void MainContainer::NoteProject(IfcEntity* entity) {
+  if (ifcTree != nullptr) {
+    ShowBox(u"MainContainer::AddEntity. IfcTree already exists.");
+    return;
+  }
+  ifcTree = std::make_unique<IfcTree>();
+  ifcTree->root = entity;
+  auto* const root = corvel::EntityCast<VirtualIfcRoot>(entity);
+  ifcTree->rootGuid = root != nullptr ? std::string(root->getGlobalId())
+                                      : std::to_string(reinterpret_cast<std::uintptr_t>(entity));
+}
+
+void MainContainer::EraseEntity(std::uint32_t marker) { entities.Remove(marker); }
+
+void MainContainer::OverwriteMarker(IfcEntity* entity, const IfcEntity* target) {
+  if (entity != target) entity->marker = target->marker;
+}
+
+void MainContainer::FillMarkers() {
+  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+    if (at.entity->marker != kDeleted) at.entity->SetMarker(at.number);
+  }
+}
+
+bool MainContainer::ResetAllMarkers() {
+  const std::uint32_t generation = NextVisitGeneration();
+  ChildQueue queue;
+  const auto reset = [&queue, generation](IfcEntity* entity) {
+    if (entity == nullptr || entity->visitStamp == generation) return;
+    entity->visitStamp = generation;
+    entity->marker = kUnfiled;
+    entity->collectChildren(queue);
+  };
+  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+    reset(at.entity);
+    while (!queue.IsEmpty()) reset(queue.TakeBack().entity);
+  }
+  return true;
+}
+
+// One tick for each hundredth (or whatever `to` - `from` is) of the entities.
+bool MainContainer::EmptyParents(int from, int to, int share, const WideString& text, bool flag) {
+  std::size_t block = entities.Size();
+  if (to > from) block /= static_cast<std::size_t>(to - from);
+  std::size_t count = block;
+  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+    at.entity->parents.Clear(parentStore_);
+    if (block == 0 || --count != 0 || from >= to) continue;
+    count = block;
+    ++from;
+    if (progress_ != nullptr && !progress_(from, share, &text, flag, to) &&
+        corvel::AskCancelQuestion(corvel::SharedCancelTexts())) {
+      return false;
+    }
+  }
+  return true;
+}
+
+int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, int to, int share,
+                                    const WideString& text, bool flag) {
+  if (rebuild) {
+    if (!EmptyParents(from, to, share, text, flag)) return 0;
+    parentsFilled_ = false;
+  }
+  if (parentsFilled_) return 1;
+  ChildQueue queue;
+  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+    at.entity->collectChildren(queue);
+    while (!queue.IsEmpty()) {
+      IfcEntity* const child = queue.TakeBack().entity;
+      if (child != nullptr) child->parents.Insert(at.entity, parentStore_);
+    }
+  }
+  parentsFilled_ = true;
+  return 1;
+}
+
+bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
+  entitiesGUIDmap.clear();
+  for (auto at = originalEntities.First(); at; at = originalEntities.Next(at.number)) {
+    if (at.entity->marker == kDeleted) continue;
+    auto* const root = corvel::EntityCast<VirtualIfcRoot>(at.entity);
+    if (root == nullptr) continue;
+    if (*root->getGlobalId() == 0) GiveMissingGuid(at.entity, root);
+    EnterGuid(filePath, root);
+  }
+  return true;
+}
+
+void MainContainer::GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root) {
+  const std::string guid = corvel::CreateGUID();
+  showError_("",
+             u"Object " + WideString(entity->getClassName()) +
+                 u" has no GUID. Generating new GUID: " + Widen(guid) + u"\n",
+             corvel::kReportLog);
+  root->setGlobalId(memoryPool_.InternNarrow(guid));
+}
+
+void MainContainer::EnterGuid(const WideString& filePath, VirtualIfcRoot* root) {
+  const char* const old = root->getGlobalId();
+  const bool isFirst = entitiesGUIDmap.try_emplace(old, root).second;
+  if (isFirst) return;
+  const char* const guid = CreateGUIDForDuplicate(filePath, old, root->marker);
+  root->setGlobalId(guid);
+  entitiesGUIDmap[guid] = root;
+  showError_("",
+             u"Object with GUID: \"" + Widen(old) +
+                 u"\" already exists. Multiple GUIDs are not allowed. New GUID will be created for "
+                 u"this object: \"" +
+                 Widen(guid) + u"\"\n",
+             corvel::kReportLog);
+}
+
+const char* MainContainer::CreateGUIDForDuplicate(const WideString& filePath, const char* oldGuid,
+                                                  std::uint32_t marker) {
+  const std::string guid = corvel::CreateGUID();
+  char* const stored = memoryPool_.AllocNarrow(guid.size());
+  std::copy_n(guid.c_str(), guid.size() + 1, stored);
+  generatedGUIDs[filePath + ToWide(marker) + Widen(oldGuid)] = guid;
+  return stored;
+}
+
+const char* MainContainer::CreateGUID() {
+  const std::string guid = corvel::CreateGUID();
+  if (guid.empty()) {
+    showError_("", u"CreateGUID function returned NULL", corvel::kReportShow);
+    return nullptr;
+  }
+  return memoryPool_.InternNarrow(guid);
+}
+
+}  // namespace IFC

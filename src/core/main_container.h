@@ -1,0 +1,130 @@
+// The store of one model: all its entities, their order, and every index on them.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/entity.h"
+#include "core/memory_pool.h"
+#include "core/number_table.h"
+#include "core/parent_store.h"
+#include "core/reporting.h"
+#include "core/root_interfaces.h"
+
+namespace IFC {
+
+// The record of the model's project, made for the first IfcProject.
+struct IfcTree {
+  IfcEntity* root = nullptr;
+  std::string rootGuid;  // of an entity without GUID: its address in decimal
+};
+
+// The next generation for IfcEntity::visitStamp.
+std::uint32_t NextVisitGeneration();
+
+// Two numbers tell an entity here. Its original number is the #number of the source file; it never
+// changes, and only `originalEntities` is keyed by it. Its marker is the number under which it is
+// filed in `entities` and written; a merge may give it a new one. The entities and their strings
+// live in the container's pool and go with it.
+class MainContainer {
+ public:
+  // `poolBlockSize`: bytes of a block of the string store. `progress` may be null.
+  MainContainer(corvel::ErrorReporter showError, corvel::ProgressCallback progress,
+                std::uint64_t poolBlockSize);
+  virtual ~MainContainer();
+  MainContainer(const MainContainer&) = delete;
+  MainContainer& operator=(const MainContainer&) = delete;
+
+  corvel::MemoryPool& Pool() { return memoryPool_; }
+  corvel::ParentStore& Parents() { return parentStore_; }
+
+  // Files an entity that was read as record `number`. False (a message box, nothing changed) when
+  // the number is taken; false for null.
+  bool AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number);
+  // Files an entity under its marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets
+  // one new number, and if that is taken too a message box tells that the entity is not filed.
+  void AddEntity(IfcEntity* entity);
+  bool HasEntityWithOrginalNumber(std::uint32_t number) const {
+    return originalEntities.Contains(number);
+  }
+  // Null when no record has the number.
+  IfcEntity* GetEntityByOrginalNumber(std::uint32_t number) const {
+    return originalEntities.Find(number);
+  }
+  // Takes the entry out of `entities`; the object and all other entries stay. Silent when missing.
+  void EraseEntity(std::uint32_t marker);
+  // Makes `entity` a stand-in for `target`: references to it are written with target's number.
+  void OverwriteMarker(IfcEntity* entity, const IfcEntity* target);
+
+  // Gives every entity of `entities` the number that it is filed under; deleted ones keep theirs.
+  void FillMarkers();
+  // Gives everything reachable from `entities` the marker 0. Always true.
+  bool ResetAllMarkers();
+  // Enters each entity of `entities` into the parents set of all that it refers to. `rebuild`
+  // empties the sets first, with ticks from `from` to `to`; without it a second call does nothing.
+  // 0 when the user cancelled, else 1. `reserved` is not looked at.
+  int FillParentsLists(bool rebuild, int reserved, int from, int to, int share,
+                       const corvel::WideString& text, bool flag);
+  // Rebuilds `entitiesGUIDmap` from `originalEntities`, in ascending number. An empty GUID and the
+  // second holder of a GUID get a new one; both are logged. Always true.
+  bool FillEntitiesGUIDmap(const corvel::WideString& filePath);
+  // A new GUID, interned. Null (reported) when none could be made.
+  const char* CreateGUID();
+  // A new GUID for an entity whose GUID is taken, kept in `generatedGUIDs`.
+  const char* CreateGUIDForDuplicate(const corvel::WideString& filePath, const char* oldGuid,
+                                     std::uint32_t marker);
+
+  // Starts the process-wide numbering at 1 again.
+  static void ResetUniqueMarker();
+  // The next free number, shared by all containers of the process: at least the highest marker
+  // that any of them has seen.
+  static std::uint32_t uniqueMarker;
+
+  corvel::NumberTable entities;          // by marker; every walk is in ascending order
+  corvel::NumberTable originalEntities;  // by original number
+  std::unordered_map<std::string_view, VirtualIfcRoot*> entitiesGUIDmap;
+  // File path + decimal marker + old GUID, to the new GUID.
+  std::unordered_map<corvel::WideString, std::string> generatedGUIDs;
+  std::unique_ptr<IfcTree> ifcTree;
+
+  // Relations by class, in order of filing.
+  std::vector<IfcEntity*> relAggregates;
+  std::vector<IfcEntity*> relContainedInSpatialStructure;
+  std::vector<IfcEntity*> relDefinesByProperties;
+  std::vector<IfcEntity*> relDefinesByObject;
+  std::vector<IfcEntity*> relDefinesByType;
+  std::vector<IfcEntity*> draughtingCalloutRelationship;
+  std::vector<IfcEntity*> relDecomposes;
+  std::vector<IfcEntity*> documentInformationRelationship;
+  std::vector<IfcEntity*> relAssigns;  // all subtypes of IfcRelAssigns
+  std::vector<IfcEntity*> relVoidsElement;
+  std::vector<IfcEntity*> relFillsElement;
+  std::vector<IfcEntity*> relSpaceBoundary;
+  std::vector<IfcEntity*> relConnectsPathElements;
+  std::vector<IfcEntity*> relAssociatesClassification;
+  std::vector<IfcEntity*> relAssociatesMaterial;
+  std::vector<IfcEntity*> relAssociatesRepresentation;
+  std::vector<IfcEntity*> relAssociatesLayer;
+  std::vector<IfcEntity*> relAssociatesStyle;
+
+ private:
+  bool ChooseMarker(IfcEntity* entity);
+  void SortIntoList(IfcEntity* entity);
+  void NoteProject(IfcEntity* entity);
+  bool EmptyParents(int from, int to, int share, const corvel::WideString& text, bool flag);
+  void GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root);
+  void EnterGuid(const corvel::WideString& filePath, VirtualIfcRoot* root);
+
+  corvel::ErrorReporter showError_;
+  corvel::ProgressCallback progress_;
+  corvel::MemoryPool memoryPool_;
+  corvel::ParentStore parentStore_;
+  bool parentsFilled_ = false;
+};
+
+}  // namespace IFC

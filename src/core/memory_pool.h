@@ -1,0 +1,103 @@
+// The storage of one model: its strings, each distinct text once, and its objects and aggregates.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "core/arena.h"
+#include "core/text.h"
+
+namespace corvel {
+
+// The empty texts of attributes that were never read. Equal in content to the pool's own.
+inline constexpr const char16_t* kEmptyWide = u"";
+inline constexpr const char* kEmptyNarrow = "";
+
+// One allocation of the string store.
+struct MemoryBlock {
+  std::unique_ptr<char[]> data;
+  std::uint64_t free = 0;  // bytes left
+};
+
+// A set of texts by content, each with the pointer that the model keeps.
+template <class Unit>
+class InternTable {
+ public:
+  // The stored pointer of `text`, null if there is none yet; then `slot` is where Enter puts it.
+  const Unit* Find(std::basic_string_view<Unit> text, std::uint64_t hash, std::size_t& slot) const;
+  void Enter(std::size_t slot, std::uint64_t hash, const Unit* stored, std::size_t length);
+  std::size_t Size() const { return used_; }
+  static std::uint64_t Hash(std::basic_string_view<Unit> text);
+  // Makes room for one more entry; slots found before are void then.
+  void ReserveOne();
+
+ private:
+  struct Entry {
+    const Unit* text = nullptr;
+    std::uint32_t length = 0;
+    std::uint32_t hash = 0;
+  };
+  std::vector<Entry> entries_;
+  std::size_t used_ = 0;
+};
+
+class MemoryPool {
+ public:
+  // `blockSize`: bytes of each block of the string store.
+  explicit MemoryPool(std::uint64_t blockSize);
+  ~MemoryPool();
+  MemoryPool(const MemoryPool&) = delete;
+  MemoryPool& operator=(const MemoryPool&) = delete;
+
+  // Room for `length` characters and a terminator; the caller copies text and terminator in.
+  // Throws std::runtime_error ("MemoryBlock error. ...") when the system has no memory.
+  char* AllocNarrow(std::uint64_t length);
+  char16_t* AllocWide(std::uint64_t length);
+
+  // The one stored copy of a text, NUL-ended. Equal texts give one pointer; a text read as narrow
+  // and as wide gives two.
+  const char* InternNarrow(std::string_view text);
+  const char16_t* InternWide(WideView text);
+
+  // The value of an absent string; never equal (as a pointer) to the interned empty text.
+  const char16_t* EmptyWide() const { return emptyWide_; }
+  const char* EmptyNarrow() const { return emptyNarrow_; }
+
+  // Objects and arrays of the model; they go with the pool and no destructor is run.
+  template <class T, class... Arguments>
+  T* New(Arguments&&... arguments) {
+    return ::new (objects_.Allocate(sizeof(T), alignof(T)))
+        T(std::forward<Arguments>(arguments)...);
+  }
+  template <class T>
+  T* NewArray(std::size_t count) {
+    static_assert(std::is_trivially_destructible_v<T>);
+    return static_cast<T*>(objects_.Allocate(count * sizeof(T), alignof(T)));
+  }
+
+  std::size_t BlockCount() const { return blocks_.size(); }
+  std::size_t ObjectBytes() const { return objects_.ReservedBytes(); }
+
+ private:
+  char* Take(std::uint64_t size);
+  void AddBlock(std::uint64_t size);
+
+  std::uint64_t blockSize_;
+  std::vector<std::unique_ptr<MemoryBlock>> blocks_;
+  MemoryBlock* current_ = nullptr;
+  char* next_ = nullptr;
+  InternTable<char16_t> wideStrings_;
+  InternTable<char> narrowStrings_;
+  char16_t emptyWide_[1] = {0};
+  char emptyNarrow_[1] = {0};
+  Arena objects_;
+};
+
+}  // namespace corvel

@@ -1,0 +1,27 @@
+// Where the parents sets of one container keep what does not fit into their word.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "core/arena.h"
+#include "core/parent_set.h"
+
+namespace corvel {
+
+// Blocks of 2, 4, 8 ... members; a block given back is used again for the next of its size.
+class ParentStore {
+ public:
+  ParentStore() = default;
+  ParentStore(const ParentStore&) = delete;
+  ParentStore& operator=(const ParentStore&) = delete;
+
+  ParentSet::Block* Take(unsigned sizeClass);
+  void GiveBack(ParentSet::Block* block);
+
+ private:
+  std::array<ParentSet::Block*, 32> free_{};
+  Arena arena_;
+};
+
+}  // namespace corvel
