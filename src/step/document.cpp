@@ -1,0 +1,89 @@
+#include "core/document.h"
+
+#include "step/reader/parser.h"
+#include "step/reader/schema_identifier.h"
+#include "step/writer/step_writer.h"
+
+namespace corvel {
+
+IfcDocument::IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, ProgressCallback progress)
+    : showError_(showError),
+      progress_(progress),
+      parser_(std::make_unique<Parser>(ignoreEnumErrors, showError, progress)) {}
+
+// Absorbed containers hold objects that this document's own container refers to.
+IfcDocument::~IfcDocument() {
+  parser_.reset();
+  mainContainer.reset();
+  absorbedContainers.clear();
+}
+
+void IfcDocument::ReservePaths(std::vector<WideString> paths) {
+  parser_->ReservePaths(std::move(paths));
+}
+
+int IfcDocument::OpenFile(const WideString& path, int share) {
+  const SchemaOfFile schema = ReadSchemaOfFile(path, showError_);
+  if (!schema.opened) return 0;
+  if (!parser_->SelectSchema(schema.identifier)) {
+    showError_("unknown_schema_identifier", u": " + schema.identifier, kReportShow);
+    return 0;
+  }
+  const bool parsed = parser_->ParseFile(path, share);
+  mainContainer = std::move(parser_->mainContainer);
+  return parsed ? 1 : 0;
+}
+
+WideString IfcDocument::readSchemaIdentifier(const WideString& path) {
+  return ReadSchemaOfFile(path, showError_).identifier;
+}
+
+IFC::IfcEntity* IfcDocument::CreateESet(std::string name) {
+  for (char& c : name) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  const EntityCreator create =
+      parser_->factories == nullptr ? nullptr : parser_->factories->Find(name);
+  if (create == nullptr) {
+    showError_(
+        "",
+        u"Creating eSet error. No eSet called: " + Widen(name) + u" exists in map of functions.",
+        kReportShow);
+    return nullptr;
+  }
+  IFC::IfcEntity* const entity = create(mainContainer->Pool());
+  mainContainer->AddEntity(entity);
+  return entity;
+}
+
+int IfcDocument::SaveFile(const WideString& path) {
+  try {
+    return StepWriter(showError_, progress_, *this, path).WriteFile();
+  } catch (...) {
+    return 0;
+  }
+}
+
+WideString IfcDocument::getFilePath() const { return parser_->filePath; }
+
+HeaderToken* IfcDocument::getHeader() const { return parser_->headerToken.get(); }
+
+IFC::IfcEntity* IfcDocument::getIfcUnitAssignment() const { return parser_->ifcUnitAssignment; }
+
+IFC::IfcEntity* IfcDocument::getIfcProject() const { return parser_->ifcProject; }
+
+WideString IfcDocument::getSchemaIdentifier() const {
+  if (parser_->headerToken == nullptr) {
+    showError_("", u"HeaderToken is NULL.", kReportShow);
+    return {};
+  }
+  return parser_->headerToken->schemaIdentifier;
+}
+
+WideString IfcDocument::getISO() const { return parser_->isoLine; }
+
+bool IfcDocument::IsParsed() const { return parser_->state == ParserState::kParsed; }
+
+bool IfcDocument::IsCancelled() const { return parser_->IsStopped(); }
+
+}  // namespace corvel

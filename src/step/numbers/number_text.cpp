@@ -1,0 +1,106 @@
+#include "step/numbers/number_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace corvel {
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// What from_chars leaves open when a number is out of range: too large or too small? Decided by the
+// power of ten of the first digit that is not 0.
+double OutOfRange(std::string_view number) {
+  const bool negative = number.front() == '-';
+  if (negative) number.remove_prefix(1);
+  long long power = 0;
+  bool seenPoint = false;
+  bool seenDigit = false;
+  std::size_t i = 0;
+  for (; i < number.size() && (IsDigit(number[i]) || number[i] == '.'); ++i) {
+    if (number[i] == '.') {
+      seenPoint = true;
+    } else if (seenDigit || number[i] != '0') {
+      seenDigit = true;
+      if (!seenPoint) ++power;
+    } else if (seenPoint) {
+      --power;
+    }
+  }
+  bool negativeExponent = false;
+  long long exponent = 0;
+  if (i < number.size() && (number[i] == 'e' || number[i] == 'E')) {
+    ++i;
+    if (i < number.size() && (number[i] == '-' || number[i] == '+')) {
+      negativeExponent = number[i++] == '-';
+    }
+    for (; i < number.size() && IsDigit(number[i]) && exponent < 1'000'000'000'000; ++i) {
+      exponent = exponent * 10 + (number[i] - '0');
+    }
+  }
+  power += negativeExponent ? -exponent : exponent;
+  const double magnitude = power > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+  return negative ? -magnitude : magnitude;
+}
+
+}  // namespace
+
+double ParseReal(std::string_view text) {
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    return OutOfRange(text.substr(0, static_cast<std::size_t>(end - text.data())));
+  }
+  return error == std::errc() ? value : 0.0;
+}
+
+std::int32_t ParseInteger(std::string_view text) {
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  constexpr std::int64_t kMost = std::int64_t{1} << 31;
+  std::int64_t value = 0;
+  for (const char digit : text) {
+    if (!IsDigit(digit)) break;
+    value = value * 10 + (digit - '0');
+    if (value > kMost) value = kMost;
+  }
+  if (negative) return static_cast<std::int32_t>(-value);
+  return static_cast<std::int32_t>(value == kMost ? kMost - 1 : value);
+}
+
+char* FormatInteger(std::int32_t value, char* to) {
+  return std::to_chars(to, to + kNumberRoom, value).ptr;
+}
+
+char* FormatUnsigned(std::uint32_t value, char* to) {
+  return std::to_chars(to, to + kNumberRoom, value).ptr;
+}
+
+char* FormatReal(double value, char* to) {
+  if (value >= -2147483648.0 && value <= 2147483647.0) {
+    const auto whole = static_cast<std::int32_t>(value);
+    if (static_cast<double>(whole) == value) {
+      to = FormatInteger(whole, to);
+      *to++ = '.';
+      return to;
+    }
+  }
+  char* const end =
+      std::to_chars(to, to + kNumberRoom, value, std::chars_format::scientific, 14).ptr;
+  char* exponent = to;
+  while (exponent != end && *exponent != 'e') ++exponent;
+  if (exponent == end) return end;  // an infinity or no number at all
+  char* mantissaEnd = exponent;
+  while (mantissaEnd[-1] == '0') --mantissaEnd;
+  *exponent = 'E';
+  while (exponent != end) *mantissaEnd++ = *exponent++;
+  return mantissaEnd;
+}
+
+char* FormatCount(double value, char* to) {
+  return std::to_chars(to, to + kNumberRoom, value, std::chars_format::general, 6).ptr;
+}
+
+}  // namespace corvel

@@ -1,0 +1,393 @@
+#include "step/reader/attribute_reader.h"
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
+
+#include "step/reader/parser.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr unsigned kDeepestValue = 1000;
+
+// Tokens that end something: no reader takes them as a value.
+bool Ends(const Token& token) {
+  return token.Is(TokenType::CloseBracketToken) || token.Is(TokenType::SemicolonToken) ||
+         token.Is(TokenType::EndOfFileToken);
+}
+
+// Takes the next token unless the record ends there.
+void TakeInRecord(Scanner& scanner) {
+  const TokenType type = scanner.PeekToken()->getType();
+  if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner.NextToken();
+}
+
+// Reports the next token as wrong, takes it unless it ends something, and asks whether to go on.
+void RejectToken(Parser& parser, const char16_t* expected) {
+  const Token& token = *parser.scanner->PeekToken();
+  const char16_t* const got = token.getName();
+  if (!Ends(token)) parser.scanner->NextToken();
+  parser.ExpectedArgumentError(expected, got, kReportShow);
+  parser.Cancel();
+}
+
+// As RejectToken for enumerations, which may be set to go on without a question.
+void RejectEnumToken(Parser& parser) {
+  if (!parser.ignoreEnumErrors) {
+    RejectToken(parser, u"EnumerationToken");
+    return;
+  }
+  const Token& token = *parser.scanner->PeekToken();
+  const char16_t* const got = token.getName();
+  if (!Ends(token)) parser.scanner->NextToken();
+  parser.ExpectedArgumentError(u"EnumerationToken", got, kReportLog);
+}
+
+bool IsNan(std::string_view word) {
+  constexpr auto same = [](char c, char lower) { return (c | 0x20) == lower; };
+  return word.size() == 3 && same(word[0], 'n') && same(word[1], 'a') && same(word[2], 'n');
+}
+
+bool TakeOpenBracket(Parser& parser) {
+  if (!parser.scanner->PeekToken()->Is(TokenType::OpenBracketToken)) return false;
+  parser.scanner->NextToken();
+  return true;
+}
+
+// --- Scalars without the tests that all readers begin with ---------------------------------------
+
+// Behind the word of `IFCREAL(1.5)`: only a token with a point is accepted inside.
+double ReadTypedReal(Parser& parser) {
+  Scanner& scanner = *parser.scanner;
+  if (TakeOpenBracket(parser) && scanner.PeekToken()->Is(TokenType::RealDataTypeToken)) {
+    const double value = scanner.NextToken()->real;
+    if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) scanner.NextToken();
+    return value;
+  }
+  RejectToken(parser, u"IfcInteger or IfcReal");
+  return 0.0;
+}
+
+std::int32_t CutToInteger(double value) {
+  if (std::isnan(value)) return 0;
+  constexpr double kLeast = std::numeric_limits<std::int32_t>::min();
+  constexpr double kMost = std::numeric_limits<std::int32_t>::max();
+  if (value <= kLeast) return std::numeric_limits<std::int32_t>::min();
+  if (value >= kMost) return std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(value);
+}
+
+// --- References ----------------------------------------------------------------------------------
+
+// A value inside a value inside a value: each level is a call of a reader.
+class DepthGuard {
+ public:
+  explicit DepthGuard(Parser& parser) : parser_(parser) {
+    if (parser_.valueDepth == kDeepestValue) {
+      throw std::runtime_error("Values are nested too deeply");
+    }
+    ++parser_.valueDepth;
+  }
+  ~DepthGuard() { --parser_.valueDepth; }
+  DepthGuard(const DepthGuard&) = delete;
+  DepthGuard& operator=(const DepthGuard&) = delete;
+
+ private:
+  Parser& parser_;
+};
+
+// The bracket behind a name that means nothing, so that the record can go on behind it.
+void SkipBracket(Scanner& scanner) {
+  if (!scanner.PeekToken()->Is(TokenType::OpenBracketToken)) return;
+  int depth = 0;
+  do {
+    const TokenType type = scanner.PeekToken()->getType();
+    if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) return;
+    if (type == TokenType::OpenBracketToken) ++depth;
+    if (type == TokenType::CloseBracketToken) --depth;
+    scanner.NextToken();
+  } while (depth > 0);
+}
+
+// `IFCLABEL('x')`, its name being the next token; `bracket` when an extra bracket stands around it.
+IFC::IfcEntity* ReadTypedValue(Parser& parser, bool bracket) {
+  Scanner& scanner = *parser.scanner;
+  const Token* const name = scanner.NextToken();
+  const EntityCreator create = parser.factories->Find(name->text);
+  if (create == nullptr) {
+    const WideString unknown = Widen(name->text);
+    SkipBracket(scanner);
+    if (bracket) TakeInRecord(scanner);
+    parser.showError("unknown_entity_name_in_schema", unknown, kReportShow);
+    return nullptr;
+  }
+  const DepthGuard depth(parser);
+  IFC::IfcEntity* const value = create(parser.Pool());
+  value->inlineValue = true;
+  TakeInRecord(scanner);  // (
+  value->read(parser);
+  TakeInRecord(scanner);  // )
+  if (bracket) TakeInRecord(scanner);
+  return value;
+}
+
+// Everything but `#12` and an absent value.
+IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
+  Scanner& scanner = *parser.scanner;
+  const TokenType type = scanner.PeekToken()->getType();
+  if (type == TokenType::EntityNameToken) return ReadTypedValue(parser, false);
+  if (type == TokenType::OpenBracketToken) {
+    scanner.NextToken();
+    const TokenType behind = scanner.PeekToken()->getType();
+    if (behind == TokenType::CloseBracketToken) {
+      scanner.NextToken();
+      return nullptr;
+    }
+    if (behind == TokenType::EntityNameToken) return ReadTypedValue(parser, true);
+  }
+  // A bare number means a parameter value, which nothing can take: the record is unreadable.
+  if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
+  if (type == TokenType::IntegerDataTypeToken) {
+    if (const EntityCreator create = parser.factories->Find("IFCDIMENSIONALEXPONENTS")) {
+      IFC::IfcEntity* const exponents = create(parser.Pool());
+      if (admitted.Admits(exponents)) {
+        scanner.NextToken();
+        return exponents;
+      }
+    }
+  }
+  constexpr const char16_t* kExpected = u"#, *, entity name, or number(real, integer)";
+  if (type == TokenType::OpenBracketToken) {  // already taken
+    parser.ExpectedArgumentError(kExpected, NameOf(type), kReportShow);
+    parser.Cancel();
+  } else {
+    RejectToken(parser, kExpected);
+  }
+  return nullptr;
+}
+
+// --- Aggregates ----------------------------------------------------------------------------------
+
+// Items are gathered on a stack of the parser (lists stand inside lists) and stored in one piece.
+template <class Item, class ReadItem>
+void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
+  Scanner& scanner = *parser.scanner;
+  if (!TakeOpenBracket(parser)) {
+    parser.ExpectedArgumentError(u"OpenBracketToken", scanner.PeekToken()->getName(), kReportShow);
+    parser.Cancel();
+    list.Clear();
+    return;
+  }
+  std::vector<Item>& gathered = parser.Scratch<Item>();
+  const std::size_t base = gathered.size();
+  std::size_t seen = 0;
+  for (; !IsListEnd(parser); ++seen) readItem(gathered);
+  if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) scanner.NextToken();
+  // Room for members that only the second pass can resolve.
+  list.Assign({gathered.data() + base, gathered.size() - base}, parser.Pool(), seen);
+  gathered.resize(base);
+}
+
+template <class Item, class ReadItem>
+void ReadValueList(Parser& parser, List<Item>& list, ReadItem readItem) {
+  if (parser.IsStopped() || IsAbsent(parser)) {
+    list.Clear();
+    return;
+  }
+  ReadItems(parser, list,
+            [&](std::vector<Item>& gathered) { gathered.push_back(readItem(parser)); });
+}
+
+// A list of lists: what is no inner list is a wrong token, and taken so that the list goes on.
+template <class Inner, class ReadInner>
+void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
+  if (parser.IsStopped() || IsAbsent(parser)) {
+    lists.Clear();
+    return;
+  }
+  ReadItems(parser, lists, [&](std::vector<Inner>& gathered) {
+    const TokenType type = parser.scanner->PeekToken()->getType();
+    if (type != TokenType::OpenBracketToken && type != TokenType::EmptyParameterToken) {
+      RejectToken(parser, u"OpenBracketToken");
+      return;
+    }
+    Inner inner;
+    readInner(inner);
+    gathered.push_back(inner);
+  });
+}
+
+}  // namespace
+
+bool IsAbsent(Parser& parser) {
+  if (parser.IsStopped()) return false;
+  const TokenType type = parser.scanner->PeekToken()->getType();
+  if (type == TokenType::EmptyParameterToken) {
+    parser.scanner->NextToken();
+    return true;
+  }
+  return type == TokenType::CloseBracketToken;
+}
+
+bool IsListEnd(Parser& parser) { return Ends(*parser.scanner->PeekToken()) || parser.IsStopped(); }
+
+double ReadReal(Parser& parser) {
+  if (parser.IsStopped() || IsAbsent(parser)) return 0.0;
+  Scanner& scanner = *parser.scanner;
+  const Token& token = *scanner.PeekToken();
+  if (token.Is(TokenType::RealDataTypeToken) || token.Is(TokenType::IntegerDataTypeToken)) {
+    return scanner.NextToken()->real;
+  }
+  if (token.Is(TokenType::EntityNameToken)) {
+    return IsNan(scanner.NextToken()->text) ? 0.0 : ReadTypedReal(parser);
+  }
+  RejectToken(parser, u"IfcInteger or IfcReal");
+  return 0.0;
+}
+
+std::int32_t ReadInteger(Parser& parser) {
+  if (parser.IsStopped() || IsAbsent(parser)) return 0;
+  Scanner& scanner = *parser.scanner;
+  const Token& token = *scanner.PeekToken();
+  if (token.Is(TokenType::IntegerDataTypeToken)) return scanner.NextToken()->integer;
+  if (token.Is(TokenType::RealDataTypeToken)) return CutToInteger(scanner.NextToken()->real);
+  if (token.Is(TokenType::EntityNameToken) && IsNan(token.text)) {
+    scanner.NextToken();
+    return 0;
+  }
+  RejectToken(parser, u"IfcInteger");
+  return 0;
+}
+
+std::int32_t ReadBinary(Parser& parser) {
+  if (parser.IsStopped() || IsAbsent(parser)) return 0;
+  if (parser.scanner->PeekToken()->Is(TokenType::IntegerDataTypeToken)) {
+    return parser.scanner->NextToken()->integer;
+  }
+  RejectToken(parser, u"IfcBinary");
+  return 0;
+}
+
+const char16_t* ReadString(Parser& parser) {
+  if (parser.IsStopped()) return kEmptyWide;
+  if (IsAbsent(parser)) return parser.Pool().EmptyWide();
+  Scanner& scanner = *parser.scanner;
+  // `IFCLABEL('x')` in the place of a string: its ")" stays, and reads as an absent value.
+  if (scanner.PeekToken()->Is(TokenType::EntityNameToken)) {
+    scanner.NextToken();
+    TakeOpenBracket(parser);
+  }
+  if (scanner.PeekToken()->Is(TokenType::WstringToken)) {
+    return parser.Pool().InternWide(scanner.NextToken()->wide);
+  }
+  RejectToken(parser, u"String");
+  return parser.Pool().EmptyWide();
+}
+
+const char* ReadGuid(Parser& parser) {
+  if (parser.IsStopped()) return kEmptyNarrow;
+  if (IsAbsent(parser)) return parser.Pool().EmptyNarrow();
+  if (!parser.scanner->PeekToken()->Is(TokenType::WstringToken)) {
+    RejectToken(parser, u"CharString");
+    return parser.Pool().EmptyNarrow();
+  }
+  Token& token = *parser.scanner->NextToken();
+  token.text.clear();
+  for (const char16_t unit : token.wide) token.text.push_back(static_cast<char>(unit & 0xFF));
+  return parser.Pool().InternNarrow(token.text);
+}
+
+std::int32_t ReadEnum(Parser& parser, const EnumTable& table) {
+  if (parser.IsStopped()) return table.Fallback();
+  if (!parser.scanner->PeekToken()->Is(TokenType::EnumerationToken)) {
+    RejectEnumToken(parser);
+    return table.Fallback();
+  }
+  const Token& token = *parser.scanner->NextToken();
+  if (const EnumRow* const row = table.FindByName(token.text)) return row->number;
+  parser.showError(
+      "", u"Enume " + WideString(table.name) + u" does not contain: \"" + Widen(token.text) + u"\"",
+      parser.ignoreEnumErrors ? kReportLog : kReportShow);
+  if (!parser.ignoreEnumErrors) parser.Cancel();
+  return table.Fallback();
+}
+
+std::int32_t ReadBoolean(Parser& parser) { return ReadEnum(parser, kBooleanDataType); }
+
+std::int32_t ReadLogical(Parser& parser) { return ReadEnum(parser, kLogicalDataType); }
+
+std::int32_t ReadBooleanValue(Parser& parser) {
+  return IsAbsent(parser) ? kBooleanDataType.Fallback() : ReadBoolean(parser);
+}
+
+std::int32_t ReadLogicalValue(Parser& parser) {
+  return IsAbsent(parser) ? kLogicalDataType.Fallback() : ReadLogical(parser);
+}
+
+IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
+  if (parser.IsStopped()) return nullptr;
+  Scanner& scanner = *parser.scanner;
+  const Token& token = *scanner.PeekToken();
+  if (token.Is(TokenType::IdentifierToken)) [[likely]] {
+    scanner.NextToken();
+    IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(token.number);
+    if (entity == nullptr) parser.forwardReference = true;
+    return admitted.Admits(entity) ? entity : nullptr;
+  }
+  if (IsAbsent(parser)) return nullptr;
+  IFC::IfcEntity* const value = ReadUnusualRef(parser, admitted);
+  return admitted.Admits(value) ? value : nullptr;
+}
+
+void ReadEntityRefList(Parser& parser, ClassTest& admitted, EntityList& list) {
+  if (parser.IsStopped() || IsAbsent(parser)) {
+    list.Clear();
+    return;
+  }
+  ReadItems(parser, list, [&](std::vector<IFC::IfcEntity*>& gathered) {
+    if (IFC::IfcEntity* const member = ReadEntityRef(parser, admitted)) gathered.push_back(member);
+  });
+}
+
+void ReadEntityRefLists(Parser& parser, ClassTest& admitted, List<EntityList>& lists) {
+  ReadLists(parser, lists, [&](EntityList& inner) { ReadEntityRefList(parser, admitted, inner); });
+}
+
+void ReadRealList(Parser& parser, List<double>& list) { ReadValueList(parser, list, ReadReal); }
+
+void ReadIntegerList(Parser& parser, List<std::int32_t>& list) {
+  ReadValueList(parser, list, ReadInteger);
+}
+
+void ReadBinaryList(Parser& parser, List<std::int32_t>& list) {
+  ReadValueList(parser, list, ReadBinary);
+}
+
+void ReadStringList(Parser& parser, List<const char16_t*>& list) {
+  ReadValueList(parser, list, ReadString);
+}
+
+void ReadBooleanList(Parser& parser, List<std::int32_t>& list) {
+  ReadValueList(parser, list, ReadBooleanValue);
+}
+
+void ReadLogicalList(Parser& parser, List<std::int32_t>& list) {
+  ReadValueList(parser, list, ReadLogicalValue);
+}
+
+void ReadEnumList(Parser& parser, const EnumTable& table, List<std::int32_t>& list) {
+  ReadValueList(parser, list, [&table](Parser& p) { return ReadEnum(p, table); });
+}
+
+void ReadRealLists(Parser& parser, List<List<double>>& lists) {
+  ReadLists(parser, lists, [&](List<double>& inner) { ReadRealList(parser, inner); });
+}
+
+void ReadIntegerLists(Parser& parser, List<List<std::int32_t>>& lists) {
+  ReadLists(parser, lists, [&](List<std::int32_t>& inner) { ReadIntegerList(parser, inner); });
+}
+
+}  // namespace corvel

@@ -1,0 +1,446 @@
+#include "step/reader/parser.h"
+
+#include <new>
+#include <stdexcept>
+#include <tuple>
+#include <utility>
+
+#include "core/entity_cast.h"
+#include "platform/file.h"
+#include "platform/platform.h"
+#include "step/log/ifc_log.h"
+#include "step/log/utilities.h"
+#include "step/reader/schema_identifier.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kBufferSize = 0xA00000;  // of the input, the temporary file and the pool
+constexpr std::uint64_t kTempKeepBack = 10;
+constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
+constexpr std::int64_t kReportNanoseconds = 50'000'000;
+constexpr std::int64_t kReportBytes = 0x10000;
+
+// The classes whose first object the parser remembers.
+enum SpecialClass : std::ptrdiff_t { kOrdinary, kUnitAssignment, kOwnerHistory, kProject, kSite };
+
+SpecialClass SpecialClassByName(const IFC::IfcEntity& entity) {
+  const WideView name = entity.getClassName();
+  if (name == u"IfcUnitAssignment") return kUnitAssignment;
+  if (name == u"IfcOwnerHistory") return kOwnerHistory;
+  if (name == u"IfcProject") return kProject;
+  if (name == u"IfcSite") return kSite;
+  return kOrdinary;
+}
+
+// Names are compared once per class.
+std::ptrdiff_t SpecialClassOf(const IFC::IfcEntity& entity) {
+  static ClassMemory memory;
+  const std::type_info* const dynamicClass = &typeid(entity);
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
+  const std::ptrdiff_t special = SpecialClassByName(entity);
+  memory.Remember(dynamicClass, special);
+  return special;
+}
+
+void KeepFirst(IFC::IfcEntity*& kept, IFC::IfcEntity* entity) {
+  if (kept == nullptr) kept = entity;
+}
+
+const char16_t* ShownName(WideView token) {
+  if (token == u"EmptyParameterToken") return u"empty argument";
+  if (token == u"EnumerationToken") return u"enumeration value";
+  if (token == u"EntityNameToken") return u"entity name";
+  if (token == u"CloseBracketToken") return u"closing bracket";
+  return nullptr;
+}
+
+WideString Shown(const char16_t* token) {
+  const char16_t* const shown = ShownName(token);
+  return shown != nullptr ? shown : token;
+}
+
+}  // namespace
+
+Parser::Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCallback ticks)
+    : ignoreEnumErrors(ignoreEnumErrorsOption), showError(reporter), progress(ticks) {
+  texts = &SharedCancelTexts();
+}
+
+Parser::~Parser() { RemoveTempFile(); }
+
+bool Parser::SelectSchema(const WideString& identifier) {
+  const auto schema = ChooseSchemaNamespace(identifier, showError);
+  if (!schema) return false;
+  factories = &FactoriesOf(*schema);
+  return true;
+}
+
+bool Parser::ParseFile(const WideString& path, int fileCount) {
+  percent_ = lastPercent_ = 0;
+  forwardReference = false;
+  if (!OpenInput(path) || !CheckTempFile()) {
+    state = ParserState::kFailed;
+    return false;
+  }
+  IfcLog& log = IfcLog::Instance();
+  log.SetFlushEveryLine(false);
+  ReportMemory();
+  bool done = false;
+  try {
+    done = ReadFile(fileCount);
+  } catch (const std::exception& error) {
+    showError("", Widen(error.what()), kReportShow);
+    state = ParserState::kFailed;
+    RemoveTempFile();
+  }
+  log.SetMuted(false);
+  return done;
+}
+
+bool Parser::OpenInput(const WideString& path) {
+  auto opened = std::make_unique<Scanner>(path, kBufferSize, showError);
+  if (!opened->IsOpen()) return false;
+  filePath = path;
+  tempPath = TempPathFor(*opened->Stream());
+  mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kBufferSize);
+  tempStream_ = std::make_unique<FileStream::OutpoutFileStream>(tempPath, showError, kBufferSize,
+                                                                kTempKeepBack);
+  StartPass(std::move(opened));
+  ReadHead();
+  return true;
+}
+
+// ISO line, ";", HEADER section, DATA. Nothing of the header is checked here.
+void Parser::ReadHead() {
+  isoLine = Widen(scanner->NextToken()->text);
+  scanner->NextToken();
+  headerToken = std::move(scanner->NextToken()->header);
+  scanner->NextToken();
+}
+
+// Beside the input: its name with the ending "_TEMP.ifc". A model or output of the run, and
+// anything that looks like a model, is never overwritten: the next free number is taken then.
+WideString Parser::TempPathFor(const FileStream::InputStream& stream) const {
+  WideString base = filePath;
+  if (stream.Extension() == u".olf") {
+    const WideString& container = stream.ContainerPath();
+    const WideString& entry = stream.EntryName();
+    base = container.substr(0, container.find_last_of(u"/\\") + 1) +
+           entry.substr(entry.find_last_of(u"/\\") + 1);
+  }
+  const std::size_t dot = base.find_last_of(u'.');
+  if (dot != WideString::npos) base.resize(dot);
+  WideString candidate = base + u"_TEMP.ifc";
+  for (std::uint32_t number = 2; !IsTempPathFree(candidate); ++number) {
+    candidate = base + u"_TEMP" + ToWide(number) + u".ifc";
+  }
+  return candidate;
+}
+
+bool Parser::IsTempPathFree(const WideString& candidate) const {
+  for (const WideString& reserved : reservedPaths_) {
+    if (candidate == reserved || platform::IsSameFile(candidate, reserved)) return false;
+  }
+  platform::File file;
+  char begin[3] = {};
+  return !file.Open(candidate, platform::OpenMode::kRead) || file.Read(begin, 3) != 3 ||
+         std::string_view(begin, 3) != "ISO";
+}
+
+bool Parser::CheckTempFile() {
+  if (tempStream_->IsOpen()) return true;
+  showError("", u"Unable to create copy of file: \"" + tempPath + u"\"", kReportShow);
+  scanner->ClearTokens();
+  return false;
+}
+
+void Parser::StartPass(std::unique_ptr<Scanner> passScanner) {
+  scanner = std::move(passScanner);
+  totalBytes_ = scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize();
+  reportedInPass_ = false;
+}
+
+bool Parser::ReadFile(int fileCount) {
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(u"Parsing file...");
+  if (!ReadFirstPart(fileCount)) return false;
+  log.LogText(u"Done.\n");
+  log.Flush();
+  scanner.reset();
+  tempStream_.reset();
+  if (!ReadSecondPart(fileCount)) {
+    state = ParserState::kCancelled;
+    RemoveTempFile();
+    return false;
+  }
+  log.LogText(u"Done.\n");
+  RemoveTempFile();
+  state = ParserState::kParsed;
+  return true;
+}
+
+bool Parser::ReadFirstPart(int fileCount) {
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(u"Reading first part of file...");
+  log.SetMuted(true);
+  log.SetFlushEveryLine(true);
+  for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
+       token = scanner->NextToken()) {
+    // Whatever stands between records is passed over.
+    if (token->Is(TokenType::IdentifierToken) && !ReadRecord(token->number, fileCount))
+      return false;
+  }
+  if (!CloseTempStream()) {
+    state = ParserState::kFailed;
+    return false;
+  }
+  return !IsStopped();
+}
+
+// False ends the pass.
+bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
+  IFC::IfcEntity* const entity = ReadNewEntity(number);
+  if (entity == nullptr || IsStopped()) {
+    FailRecord(number);
+    return false;
+  }
+  const bool filed = FileEntity(entity, number);
+  TakeRestOfRecord();
+  const std::uint32_t marker = entity->marker;
+  if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(u"SaveLineFSI");
+  if (filed) {
+    SaveForSecondPass();
+    log.LogText(u"AssignSpecIE.");
+    AssignSpecIE(entity);
+  }
+  forwardReference = false;
+  if (!ReportProgress(false, fileCount)) {
+    state = ParserState::kCancelled;
+    return false;
+  }
+  scanner->ClearTokens();
+  lastMarker_ = marker;
+  return true;
+}
+
+IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
+  scanner->NextToken();  // =
+  const Token* const name = scanner->NextToken();
+  if (!name->Is(TokenType::EntityNameToken)) {
+    ExpectedArgumentError(u"EntityNameToken", name->getName(), kReportShow);
+    return nullptr;
+  }
+  const EntityCreator create = factories->Find(name->text);
+  if (create == nullptr) {
+    showError("", u"Entity named: " + Widen(name->text) + u" not found.", kReportShow);
+    return nullptr;
+  }
+  IFC::IfcEntity* const entity = create(Pool());
+  entity->SetMarker(marker);
+  scanner->NextToken();  // (
+  return ReadArguments(entity);
+}
+
+IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {
+  WideString message;
+  try {
+    entity->read(*this);
+    return entity;
+  } catch (const std::bad_alloc&) {
+    message = u"Not enough memory space. Try to run 64-bit Orlenta";
+  } catch (const std::exception& error) {
+    const std::string_view what = error.what();
+    message = u"Error occurred while reading entity: #" + ToWide(entity->marker) + u".\n" +
+              (what.empty() ? WideString(u"Unknown exception") : Widen(what));
+  } catch (...) {
+    message = u"Unknown error occurred while reading entity: #" + ToWide(entity->marker);
+  }
+  state = ParserState::kFailed;
+  showError("", message, kReportShow);
+  ClearScratch();
+  return nullptr;
+}
+
+void Parser::ClearScratch() {
+  std::apply([](auto&... stacks) { (stacks.clear(), ...); }, scratch_);
+}
+
+bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
+  if (mainContainer->AddEntityByOrginalNumber(entity, marker)) return true;
+  showError("", u"Entity duplicated: #" + ToWide(marker), kReportShow);
+  Cancel();
+  return false;
+}
+
+// Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
+// was left in the middle of a string or bracket ends at its ";" all the same.
+void Parser::TakeRestOfRecord() {
+  for (;;) {
+    const TokenType type = scanner->NextToken()->getType();
+    if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) return;
+  }
+}
+
+// One unreadable record ends the whole read of the file.
+void Parser::FailRecord(std::uint32_t marker) {
+  CancelMode() = 2;
+  Cancel();
+  CancelMode() = 0;
+  showError("",
+            u"Unable to read entity, marker #" + ToWide(marker) + u". Parsing will be terminate.\n",
+            kReportShow);
+  state = ParserState::kFailed;
+  if (tempStream_ != nullptr && tempStream_->IsOpen()) tempStream_->Close();
+}
+
+bool Parser::CheckResources() {
+  IfcLog& log = IfcLog::Instance();
+  log.SetMuted(false);
+  ReportMemory();
+  log.LogText(u"System disk free space (GB): " + Widen(std::to_string(FreeDiskGB())));
+  if (!CheckDiskSpace()) {
+    CancelMode() = 2;
+    Cancel();
+    return false;
+  }
+  log.SetMuted(true);
+  return true;
+}
+
+void Parser::SaveForSecondPass() {
+  if (forwardReference) tempStream_->WriteNarrowString(scanner->Stream()->StatementText());
+}
+
+void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
+  switch (SpecialClassOf(*entity)) {
+    case kUnitAssignment:
+      if (ifcUnitAssignment == nullptr) unitAssignmentMarker = entity->marker;
+      KeepFirst(ifcUnitAssignment, entity);
+      break;
+    case kOwnerHistory: KeepFirst(ifcOwnerHistory, entity); break;
+    case kProject: KeepFirst(ifcProject, entity); break;
+    case kSite: KeepFirst(ifcSite, entity); break;
+    default: break;
+  }
+}
+
+bool Parser::ReadSecondPart(int fileCount) {
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(u"Reading second part of file...");
+  StartPass(std::make_unique<Scanner>(tempPath, kBufferSize, showError));
+  hundredth_ = 1;
+  for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
+       token = scanner->NextToken()) {
+    if (token->Is(TokenType::IdentifierToken) && !ReadRecordAgain(token->number)) break;
+    if (!ReportProgress(true, fileCount)) {
+      Cancel();
+      state = ParserState::kCancelled;
+      break;
+    }
+    scanner->ClearTokens();
+  }
+  ReportProgress(true, fileCount);
+  const bool done = scanner->IsOpen() && !IsStopped();
+  scanner.reset();
+  log.SetMuted(false);
+  return done;
+}
+
+// The object of the first pass takes all its attributes anew. False ends the pass.
+bool Parser::ReadRecordAgain(std::uint32_t marker) {
+  if (!PassHundredths(marker)) return false;
+  scanner->NextToken();  // =
+  scanner->NextToken();  // the name
+  IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);
+  scanner->NextToken();  // (
+  if (entity != nullptr) ReadArguments(entity);
+  TakeRestOfRecord();
+  return !IsStopped();
+}
+
+// At each hundredth of the number range: a trace of where the reading is, and the disk guard.
+bool Parser::PassHundredths(std::uint32_t marker) {
+  IfcLog& log = IfcLog::Instance();
+  while (hundredth_ < 101 && marker >= (hundredth_ * lastMarker_ + 99) / 100) {
+    const LogUnmuted unmuted(log);
+    log.LogReadingEntity(marker);
+    ++hundredth_;
+    if (CheckDiskSpace()) continue;
+    CancelMode() = 2;
+    Cancel();
+    break;
+  }
+  return !IsStopped();
+}
+
+// Throttled by time and by bytes.
+bool Parser::ReportProgress(bool secondPass, int fileCount) {
+  const std::int64_t now = platform::Get().MonotonicNanoseconds();
+  if (!reportedInPass_) {
+    reportedInPass_ = true;
+    lastReportTime_ = now - 1'000'000'000;
+    lastReportPosition_ = 0;
+  }
+  const std::int64_t position = scanner->Stream() == nullptr ? -1 : scanner->Stream()->Position();
+  if (position < lastReportPosition_) lastReportPosition_ = 0;
+  if (now - lastReportTime_ < kReportNanoseconds && position - lastReportPosition_ < kReportBytes) {
+    return true;
+  }
+  lastReportTime_ = now;
+  lastReportPosition_ = position;
+  percent_ = totalBytes_ >= 1 ? static_cast<int>(position * 100 / totalBytes_) : percent_ + 1;
+  if (percent_ < 0) percent_ = 0;
+  if (percent_ > 100) percent_ = 100;
+  if (percent_ < lastPercent_) lastPercent_ = 0;
+  if (percent_ <= lastPercent_) return true;
+  const int share = secondPass ? static_cast<int>(5.0 / fileCount) : 0;
+  const bool goOn = progress == nullptr || progress(percent_, share, nullptr, share >= 1, 100);
+  if (!goOn && Cancel()) return false;
+  lastPercent_ = percent_;
+  return true;
+}
+
+bool Parser::Cancel() {
+  const bool atEnd = scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
+  if (CancelMode() < 2 && !atEnd && !AskCancelQuestion(*texts)) return false;
+  CancelMode() = 2;
+  {
+    const LogUnmuted unmuted(IfcLog::Instance());
+    IfcLog::Instance().LogText(u"Parsing CANCELED");
+  }
+  if (scanner != nullptr) {
+    scanner->Stop();
+    scanner->ClearTokens();
+  }
+  RemoveTempFile();
+  return true;
+}
+
+int Parser::ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode) {
+  IfcLog& log = IfcLog::Instance();
+  log.LogLine(u"", false);
+  const int result =
+      showError("", u"Expected: " + Shown(expected) + u". Got: " + Shown(got) + u".\n", mode);
+  log.EndBlock();
+  return result;
+}
+
+bool Parser::CloseTempStream() {
+  if (tempStream_ == nullptr || !tempStream_->IsOpen()) return true;
+  const bool committed = tempStream_->Commit();
+  return tempStream_->Close() && committed;
+}
+
+// The file goes only while the stream is still there: a read that got as far as the second pass
+// leaves it, and the next read of the same model overwrites it.
+void Parser::RemoveTempFile() {
+  if (tempStream_ == nullptr) return;
+  if (tempStream_->IsOpen()) tempStream_->Close();
+  platform::RemoveFile(tempPath);
+}
+
+}  // namespace corvel

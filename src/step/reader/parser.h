@@ -1,0 +1,151 @@
+// Turns one STEP physical file into a populated container, in two passes.
+//
+// The first pass makes every object and reads its attributes; references to records further down
+// stay open, and the text of such records goes to a temporary file beside the input. The second
+// pass reads those records again, on the same objects. Nothing of the file is held whole.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "core/entity.h"
+#include "core/list.h"
+#include "core/main_container.h"
+#include "core/reporting.h"
+#include "core/text.h"
+#include "step/factories.h"
+#include "step/reader/scanner.h"
+#include "step/streams/outpout_file_stream.h"
+
+namespace corvel {
+
+enum class ParserState : std::uint32_t {
+  kNotFinished = 0,
+  kParsed = 1,
+  kFailed = 3,
+  kCancelled = 4
+};
+
+// Ends the reading of a record whose value has no meaning at all; the guard around `read` reports
+// "Unknown error occurred while reading entity".
+struct UnreadableRecord {};
+
+class Parser {
+ public:
+  // `ignoreEnumErrors`: an unknown enumeration value is logged and replaced by the fallback value.
+  Parser(bool ignoreEnumErrors, ErrorReporter showError, ProgressCallback progress);
+  ~Parser();
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
+
+  // Paths that the temporary file must not take: the inputs and the output of the run.
+  void ReservePaths(std::vector<WideString> paths) { reservedPaths_ = std::move(paths); }
+
+  // Chooses the classes of the file; call before ParseFile. False: no such release.
+  bool SelectSchema(const WideString& identifier);
+  // The whole read. `fileCount`: files of the running merge, for the progress. The result tells
+  // whether parsing finished; `state` tells failure from cancellation.
+  bool ParseFile(const WideString& path, int fileCount);
+
+  // Failed, cancelled, or the scanner has been stopped: every reader returns at once.
+  bool IsStopped() const {
+    return state == ParserState::kFailed || state == ParserState::kCancelled ||
+           (scanner != nullptr && scanner->IsStopped());
+  }
+  // Asks whether to stop (unless nobody is to be asked, or the input has ended anyway) and stops
+  // the scanner. True when the cancellation went ahead.
+  bool Cancel();
+  // Reports "Expected: ... Got: ..." with the names of tokens as users see them.
+  int ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode);
+
+  // Reads the attributes of `entity` behind its "(" under the guard that turns whatever goes wrong
+  // into a report. Null when it did.
+  IFC::IfcEntity* ReadArguments(IFC::IfcEntity* entity);
+
+  MemoryPool& Pool() { return mainContainer->Pool(); }
+
+  // Where list readers gather their items, as a stack: whoever takes it puts its size back. What an
+  // exception left there goes with the next record.
+  template <class Item>
+  std::vector<Item>& Scratch() {
+    return std::get<std::vector<Item>>(scratch_);
+  }
+
+  ParserState state = ParserState::kNotFinished;
+  bool ignoreEnumErrors;
+  // Set by the attribute readers when a referenced number is not filed yet.
+  bool forwardReference = false;
+  // How many typed values the current one stands in.
+  unsigned valueDepth = 0;
+  const FactoryTable* factories = nullptr;   // null until SelectSchema has accepted an identifier
+  std::unique_ptr<Scanner> scanner;          // null between the passes
+  std::unique_ptr<HeaderToken> headerToken;  // null if the file has no HEADER in its place
+  std::unique_ptr<IFC::MainContainer> mainContainer;  // handed to the document after ParseFile
+  WideString filePath;
+  WideString isoLine;  // "ISO-10303-21"
+  WideString tempPath;
+  ErrorReporter showError;
+  ProgressCallback progress;
+  const CancelTexts* texts = nullptr;
+
+  // The first of each class; null if there is none.
+  IFC::IfcEntity* ifcUnitAssignment = nullptr;
+  IFC::IfcEntity* ifcProject = nullptr;
+  IFC::IfcEntity* ifcSite = nullptr;
+  IFC::IfcEntity* ifcOwnerHistory = nullptr;
+  std::uint32_t unitAssignmentMarker = 0;
+
+  // GUID to entity. Empty after parsing; looked at by the merge only.
+  std::unordered_map<std::string, IFC::IfcEntity*> guidIndex;
+
+ private:
+  bool OpenInput(const WideString& path);
+  void ReadHead();
+  WideString TempPathFor(const FileStream::InputStream& stream) const;
+  bool IsTempPathFree(const WideString& candidate) const;
+  bool CheckTempFile();
+  bool ReadFile(int fileCount);
+  bool ReadFirstPart(int fileCount);
+  bool ReadRecord(std::uint32_t marker, int fileCount);
+  IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
+  bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
+  void FailRecord(std::uint32_t marker);
+  bool CheckResources();
+  void SaveForSecondPass();
+  void AssignSpecIE(IFC::IfcEntity* entity);
+  bool ReadSecondPart(int fileCount);
+  bool ReadRecordAgain(std::uint32_t marker);
+  bool PassHundredths(std::uint32_t marker);
+  void TakeRestOfRecord();
+  void StartPass(std::unique_ptr<Scanner> passScanner);
+  bool ReportProgress(bool secondPass, int fileCount);
+  void RemoveTempFile();
+  bool CloseTempStream();
+
+  void ClearScratch();
+
+  std::tuple<std::vector<IFC::IfcEntity*>, std::vector<double>, std::vector<std::int32_t>,
+             std::vector<const char16_t*>, std::vector<EntityList>, std::vector<List<double>>,
+             std::vector<List<std::int32_t>>>
+      scratch_;
+  std::vector<WideString> reservedPaths_;
+  std::unique_ptr<FileStream::OutpoutFileStream> tempStream_;
+  std::int64_t totalBytes_ = -1;
+  int percent_ = 0;
+  int lastPercent_ = 0;
+  std::uint64_t lastMarker_ = 0;  // of the first pass
+  std::uint64_t hundredth_ = 1;   // of the number range, second pass
+
+  // Throttle of ReportProgress; anew for each pass.
+  std::int64_t lastReportTime_ = 0;  // nanoseconds
+  std::int64_t lastReportPosition_ = 0;
+  bool reportedInPass_ = false;
+};
+
+}  // namespace corvel

@@ -1,0 +1,108 @@
+// From bytes to tokens, with one token of look-ahead.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/reporting.h"
+#include "core/text.h"
+#include "step/reader/token.h"
+#include "step/streams/input_stream.h"
+
+namespace corvel {
+
+// Reads loosely: a subset of ISO 10303-21 with shortcuts. Commas never reach a caller, a strange
+// byte becomes an UnknownSignToken, and the whole HEADER section comes as one token. End of input
+// inside anything ends that thing there.
+//
+// A token stays good until kTokensKept - 1 further ones have been made or ClearTokens is called.
+class Scanner {
+ public:
+  static constexpr std::size_t kTokensKept = 8;
+
+  // Chooses the stream by the extension of `path`. An unknown one is reported with the key
+  // "could_not_open_file_extension" and stops the scanner; `Stream()` is then null.
+  Scanner(const WideString& path, std::size_t bufferSize, ErrorReporter showError);
+  // For a stream that the caller has made.
+  Scanner(std::unique_ptr<FileStream::InputStream> stream, ErrorReporter showError);
+  ~Scanner();
+  Scanner(const Scanner&) = delete;
+  Scanner& operator=(const Scanner&) = delete;
+
+  // Never null. EndOfFileToken for ever once stopped.
+  Token* NextToken() {
+    if (stopped_) return StoppedToken();
+    if (Token* const peeked = lookAhead_) {
+      lookAhead_ = nullptr;
+      return peeked;
+    }
+    return MakeToken();
+  }
+  // The next token without taking it.
+  Token* PeekToken() {
+    if (stopped_) return StoppedToken();
+    if (lookAhead_ == nullptr) lookAhead_ = MakeToken();
+    return lookAhead_;
+  }
+  // Gives up all tokens, the look-ahead included.
+  void ClearTokens() { lookAhead_ = nullptr; }
+
+  // Null when the extension was not known.
+  FileStream::InputStream* Stream() { return stream_.get(); }
+  bool IsOpen() const { return stream_ != nullptr && stream_->IsOpen(); }
+
+  bool IsStopped() const { return stopped_; }
+  // From now on only EndOfFileToken is given.
+  void Stop() { stopped_ = true; }
+
+  // Line feeds met between tokens, plus 1.
+  std::uint32_t Line() const { return line_; }
+  // Commas and # of the current record.
+  std::uint32_t Argument() const { return argument_; }
+
+ private:
+  friend class HeaderReader;
+
+  Token* StoppedToken();
+  Token* MakeToken();
+  Token* ScanToken();
+  Token* Make(TokenType type);
+  Token* StopWith(const WideString& message);
+
+  bool HasByte() { return stream_->Cursor() != stream_->WindowEnd() || stream_->Refill(); }
+  unsigned char Byte() const { return static_cast<unsigned char>(*stream_->Cursor()); }
+  void TakeByte() { stream_->SetCursor(stream_->Cursor() + 1); }
+  // The next byte, taken; -1 at the end.
+  int NextByte();
+
+  bool SkipBlanks();
+  bool SkipComment();
+  template <class Accept>
+  void AppendWhile(std::string& text, Accept accept);
+
+  Token* Sign(TokenType type);
+  Token* ReadWord();
+  Token* ReadToSemicolon(TokenType type);
+  Token* ReadNumber();
+  Token* ReadIdentifier();
+  Token* ReadEnumeration();
+  Token* ReadSlash();
+  Token* ReadString();
+
+  std::unique_ptr<FileStream::InputStream> stream_;
+  std::array<Token, kTokensKept> tokens_;
+  std::size_t next_ = 0;
+  Token* lookAhead_ = nullptr;
+  std::uint32_t line_ = 1;
+  std::uint32_t argument_ = 0;
+  ErrorReporter showError_;
+  bool stopped_ = false;
+  bool afterSemicolon_ = false;
+  bool inHeader_ = false;
+};
+
+}  // namespace corvel

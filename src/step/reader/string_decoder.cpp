@@ -1,0 +1,164 @@
+#include "step/reader/string_decoder.h"
+
+#include "platform/platform.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr int kEnd = -1;
+
+bool IsPlain(char c) { return c >= 0 && c != '\'' && c != '\\'; }
+
+// The value of a digit as it is taken: nothing checks that it is one.
+std::uint32_t HexValue(int byte) {
+  const int upper = byte >= 'a' && byte <= 'z' ? byte - 32 : byte;
+  return static_cast<std::uint32_t>(upper < 'A' ? upper - '0' : upper - 55);
+}
+
+// One string. The code page of \S\ and \X\ lasts for the string.
+class Decoder {
+ public:
+  Decoder(FileStream::InputStream& stream, WideString& text) : stream_(stream), text_(text) {}
+
+  void Run() {
+    for (;;) {
+      TakePlainRun();
+      const int byte = Take();
+      if (byte == kEnd) return;
+      if (byte == '\'') {
+        if (Peek() != '\'') return;
+        Take();
+        text_.push_back(u'\'');
+      } else if (byte == '\\') {
+        TakeDirective();
+      } else if (byte > 127) {
+        text_.push_back(static_cast<char16_t>(kRawByteBase + byte));
+      } else {  // a plain byte at the border of two windows
+        text_.push_back(static_cast<char16_t>(byte));
+      }
+    }
+  }
+
+ private:
+  int Peek() {
+    if (stream_.Cursor() == stream_.WindowEnd() && !stream_.Refill()) return kEnd;
+    return static_cast<unsigned char>(*stream_.Cursor());
+  }
+  int Take() {
+    const int byte = Peek();
+    if (byte != kEnd) stream_.SetCursor(stream_.Cursor() + 1);
+    return byte;
+  }
+
+  // The usual case: everything up to the closing quote stands in the window.
+  void TakePlainRun() {
+    const char* const begin = stream_.Cursor();
+    const char* const windowEnd = stream_.WindowEnd();
+    const char* at = begin;
+    while (at != windowEnd && IsPlain(*at)) ++at;
+    text_.append(begin, at);
+    stream_.SetCursor(at);
+  }
+
+  void TakeDirective() {
+    switch (Peek()) {
+      case '\\':
+        Take();
+        text_.push_back(u'\\');
+        return;
+      case 'S': TakeShifted(); return;
+      case 'P': TakeCodePage(); return;
+      case 'X':
+        Take();
+        TakeHex();
+        return;
+      default: text_.push_back(u'\\');
+    }
+  }
+
+  // \S\c
+  void TakeShifted() {
+    Take();
+    if (Peek() != '\\') {
+      text_ += u"\\S";
+      return;
+    }
+    Take();
+    const int byte = Take();
+    if (byte != kEnd) AddByte(static_cast<std::uint8_t>(byte + 128));
+  }
+
+  // \Pc\ : page A is ISO 8859-1, B is 8859-2 and so on.
+  void TakeCodePage() {
+    Take();
+    const int page = Take();
+    if (page == kEnd) return;
+    codePage_ = static_cast<unsigned>(page) + 28526u;
+    if (Peek() == '\\') Take();
+  }
+
+  // Behind \X
+  void TakeHex() {
+    switch (Peek()) {
+      case '\\': {
+        Take();
+        const int high = Take();
+        const int low = high == kEnd ? kEnd : Take();
+        if (low != kEnd) AddByte(static_cast<std::uint8_t>(HexValue(high) * 16 + HexValue(low)));
+        return;
+      }
+      case '2':
+      case '4': TakeUnits(Take() == '2' ? 4 : 8); return;
+      default: return;  // the X is dropped
+    }
+  }
+
+  // Behind \X2 or \X4: digits up to the next "\" make units; a rest that makes no unit is dropped.
+  void TakeUnits(unsigned digitsPerGroup) {
+    if (Peek() == '\\') Take();
+    std::uint32_t group = 0;
+    unsigned digits = 0;
+    for (int byte = Take(); byte != kEnd; byte = Take()) {
+      if (byte == '\\') {
+        TakeEndOfUnits();
+        return;
+      }
+      group = group * 16 + HexValue(byte);
+      if (++digits == digitsPerGroup) {
+        AddGroup(group, digitsPerGroup);
+        group = digits = 0;
+      }
+    }
+  }
+
+  // The low half of a long group stands first, the high half only when it is not 0.
+  void AddGroup(std::uint32_t group, unsigned digits) {
+    text_.push_back(static_cast<char16_t>(group & 0xFFFF));
+    if (digits == 8 && group >> 16 != 0) text_.push_back(static_cast<char16_t>(group >> 16));
+  }
+
+  // The rest of \X0\ behind its first "\".
+  void TakeEndOfUnits() {
+    for (int i = 0; i < 3; ++i) Take();
+  }
+
+  // A byte below 128 is the same in every page; one that the page does not know stays what it is.
+  void AddByte(std::uint8_t byte) {
+    char16_t unit = byte;
+    if (byte > 127) unit = platform::Get().DecodeByte(codePage_, byte).value_or(unit);
+    text_.push_back(unit);
+  }
+
+  FileStream::InputStream& stream_;
+  WideString& text_;
+  unsigned codePage_ = 0;  // the system's own
+};
+
+}  // namespace
+
+void DecodeString(FileStream::InputStream& stream, WideString& text) {
+  Decoder(stream, text).Run();
+}
+
+}  // namespace corvel

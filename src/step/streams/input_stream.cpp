@@ -1,0 +1,74 @@
+#include "step/streams/input_stream.h"
+
+#include <cassert>
+
+namespace FileStream {
+
+namespace {
+
+// Extensions are ASCII; other characters have no case here, whatever the locale.
+char16_t ToLower(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
+
+}  // namespace
+
+corvel::WideString ExtensionOf(corvel::WideView path) {
+  // An entry of a container: the four characters before the bar, for extensions such as ".olf".
+  constexpr std::size_t kContainerExtension = 4;
+  const std::size_t bar = path.find(u'|');
+  corvel::WideView found;
+  if (bar != corvel::WideView::npos) {
+    const std::size_t start = bar > kContainerExtension ? bar - kContainerExtension : 0;
+    found = path.substr(start, bar - start);
+  } else if (const std::size_t dot = path.rfind(u'.'); dot != corvel::WideView::npos) {
+    found = path.substr(dot);
+  }
+  corvel::WideString extension(found);
+  for (char16_t& unit : extension) unit = ToLower(unit);
+  return extension;
+}
+
+InputStream::InputStream(const corvel::WideString& path, corvel::ErrorReporter showError)
+    : extension_(ExtensionOf(path)),
+      containerPath_(path.substr(0, path.find(u'|'))),
+      showError_(showError) {}
+
+int InputStream::GetChar() {
+  if (cursor_ == windowEnd_ && !Refill()) return IsOpen() ? -1 : 0;
+  return static_cast<signed char>(*cursor_++);
+}
+
+bool InputStream::Refill() {
+  assert(cursor_ == windowEnd_);
+  KeepConsumed();
+  return FillWindow();
+}
+
+std::string InputStream::StatementText() const {
+  std::string text = carriedText_;
+  text.append(statementStart_, cursor_);
+  return text;
+}
+
+std::string_view InputStream::StatementView() {
+  if (carriedText_.empty()) {
+    return {statementStart_, static_cast<std::size_t>(cursor_ - statementStart_)};
+  }
+  KeepConsumed();
+  return carriedText_;
+}
+
+void InputStream::SkipUncounted(std::size_t count) {
+  KeepConsumed();
+  cursor_ += count;
+  statementStart_ = deliveredStart_ = cursor_;
+}
+
+void InputStream::KeepConsumed() {
+  keptSemicolon_ = LastWasSemicolon();
+  carriedText_.append(statementStart_, cursor_);
+  statementStart_ = deliveredStart_ = cursor_;
+}
+
+}  // namespace FileStream

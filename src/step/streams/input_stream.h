@@ -1,0 +1,117 @@
+// Byte streams under the scanner.
+//
+// Two ways to read stand side by side: the virtual operations, one byte or block a call, and the
+// window, which lets the scanner run over the buffer without a call per byte. Both move the same
+// position, and both count towards the statement text.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/reporting.h"
+#include "core/text.h"
+
+namespace FileStream {
+
+class InputStream {
+ public:
+  InputStream(const InputStream&) = delete;
+  InputStream& operator=(const InputStream&) = delete;
+
+  // Up to `count` bytes into `destination`; gives how many. They do not enter the statement text.
+  virtual std::size_t Read(void* destination, std::size_t count) = 0;
+  // The next byte as a signed char, -1 at the end (a byte of 255 looks the same).
+  virtual int PeekChar() = 0;
+  // The next byte as a signed char, and moves on; refills when the window is used up. -1 at the end
+  // of the data, 0 when the stream is closed.
+  virtual int GetChar();
+  // Every byte delivered by GetChar or through the window since ClearStatementText.
+  virtual std::string StatementText() const;
+  virtual int Close() = 0;
+  virtual bool IsOpen() const = 0;
+  // The buffer is used up and the last refill found the end of the data.
+  virtual bool IsEof() const = 0;
+  // Offset of the next byte in the whole data, -1 when closed.
+  virtual std::int64_t Position() const = 0;
+  // Moves to the next entry of an archive; -1 on a plain file.
+  virtual int NextEntry() = 0;
+  // Size of the whole data, -1 when it cannot be told.
+  virtual std::int64_t TotalSize() const = 0;
+  virtual ~InputStream() = default;
+
+  // --- The window -------------------------------------------------------------------------------
+  // Bytes [Cursor(), WindowEnd()) are buffered and unread. Consume by SetCursor.
+  const char* Cursor() const { return cursor_; }
+  const char* WindowEnd() const { return windowEnd_; }
+  void SetCursor(const char* position) { cursor_ = position; }
+  // Call only with Cursor() == WindowEnd(). True: at least one new byte is in the window. False:
+  // end of data or closed. Pointers into the old window are void afterwards; the consumed part of
+  // the statement text is kept.
+  bool Refill();
+
+  // The statement text without a copy where it lies in one piece. Void after the next call of any
+  // operation that moves on.
+  std::string_view StatementView();
+
+  // Forgets the statement text: it starts anew at the cursor.
+  void ClearStatementText() {
+    carriedText_.clear();
+    statementStart_ = cursor_;
+  }
+  // True when the last byte delivered was a ";".
+  bool LastWasSemicolon() const {
+    return cursor_ != deliveredStart_ ? cursor_[-1] == ';' : keptSemicolon_;
+  }
+
+  // Lower-cased extension with its dot; the four characters before the "|" of `archive|entry`.
+  const corvel::WideString& Extension() const { return extension_; }
+  // The path up to the "|", or the whole path.
+  const corvel::WideString& ContainerPath() const { return containerPath_; }
+  // The part behind the "|" of an entry of a container; empty otherwise.
+  const corvel::WideString& EntryName() const { return entryName_; }
+
+ protected:
+  InputStream(const corvel::WideString& path, corvel::ErrorReporter showError);
+
+  // Brings the next block: sets the window by SetWindow. False: nothing more.
+  virtual bool FillWindow() = 0;
+  void SetWindow(const char* begin, const char* end) {
+    cursor_ = statementStart_ = deliveredStart_ = begin;
+    windowEnd_ = end;
+  }
+  // Empties the window, whose bytes may then go; what was consumed of it is kept.
+  void DropWindow() {
+    KeepConsumed();
+    SetWindow(nullptr, nullptr);
+  }
+  void ForgetSemicolon() {
+    deliveredStart_ = cursor_;
+    keptSemicolon_ = false;
+  }
+  // Moves over `count` bytes of the window that Read hands out: they neither enter the statement
+  // text nor count for LastWasSemicolon.
+  void SkipUncounted(std::size_t count);
+
+  corvel::WideString extension_;
+  corvel::WideString containerPath_;
+  corvel::WideString entryName_;
+  corvel::ErrorReporter showError_ = nullptr;
+
+ private:
+  const char* cursor_ = nullptr;
+  const char* windowEnd_ = nullptr;
+  // Copies what was consumed since the last call out of the window.
+  void KeepConsumed();
+
+  const char* statementStart_ = nullptr;
+  const char* deliveredStart_ = nullptr;  // bytes from here to the cursor were all delivered
+  std::string carriedText_;               // statement text that is no longer in the window
+  bool keptSemicolon_ = false;            // LastWasSemicolon as of deliveredStart_
+};
+
+// Lower-cased extension of a path with its dot, as the streams form it (see Extension()).
+corvel::WideString ExtensionOf(corvel::WideView path);
+
+}  // namespace FileStream

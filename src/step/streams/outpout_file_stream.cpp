@@ -1,0 +1,188 @@
+#include "step/streams/outpout_file_stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+#include <string_view>
+
+#include "step/streams/stream_buffer.h"
+
+namespace FileStream {
+
+OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
+                                     corvel::ErrorReporter showError, std::uint64_t blockSize,
+                                     std::uint64_t keepBack)
+    : OutpoutFileStream(path, showError, blockSize, keepBack, platform::OpenMode::kWrite,
+                        u". File path: ") {}
+
+OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
+                                     corvel::ErrorReporter showError, std::uint64_t blockSize,
+                                     std::uint64_t keepBack, platform::OpenMode mode,
+                                     const char16_t* openFailure)
+    : blockSize_(std::max<std::uint64_t>(blockSize, 1)),
+      keepBack_(keepBack),
+      reopenMode_(mode == platform::OpenMode::kWrite ? platform::OpenMode::kAppend : mode),
+      path_(path),
+      showError_(showError) {
+  open_ = file_.Open(path, mode);
+  if (open_) {
+    AllocateBlock();
+    return;
+  }
+  failed_ = true;
+  if (showError_ != nullptr) {
+    showError_("could_not_open_file", openFailure + path, corvel::kReportShow);
+  }
+}
+
+OutpoutFileStream::~OutpoutFileStream() { OutpoutFileStream::Close(); }
+
+// The buffer is larger than what FlushIfFull fills, by what the window may take beyond that.
+void OutpoutFileStream::AllocateBlock() {
+  const std::uint64_t size = blockSize_ + keepBack_ + kMaxReserve;
+  try {
+    buffer_ = AllocateBuffer(size);
+  } catch (const std::bad_alloc&) {
+  }
+  position_ = 0;
+  if (buffer_ != nullptr) {
+    window_ = buffer_.get();
+    windowCapacity_ = size;
+    FillMargin();
+  } else if (showError_ != nullptr) {
+    showError_("", u"Unable to alloc enought memory. Try to use 64-bit Orlenta.",
+               corvel::kReportShow);
+  }
+}
+
+void OutpoutFileStream::FreeBuffer() {
+  buffer_.reset();
+  window_ = nullptr;
+  position_ = windowCapacity_ = 0;
+}
+
+void OutpoutFileStream::FillMargin() {
+  if (keepBack_ == 0) return;
+  std::memset(window_, ' ', keepBack_ - 1);
+  window_[keepBack_ - 1] = '\n';
+}
+
+void OutpoutFileStream::Fail() {
+  if (failed_) return;
+  failed_ = true;
+  if (showError_ != nullptr) showError_("", u"Could not write to file", corvel::kReportShow);
+}
+
+void OutpoutFileStream::WriteOut(const void* bytes, std::uint64_t count) {
+  if (file_.Write(bytes, count) != count) Fail();
+}
+
+void OutpoutFileStream::WriteBuffer() {
+  // A position moved beyond the buffer stands for bytes that do not exist.
+  if (position_ > windowCapacity_) {
+    Fail();
+  } else {
+    WriteOut(window_, position_);
+  }
+}
+
+bool OutpoutFileStream::CloseFile() {
+  open_ = false;
+  if (file_.IsOpen() && !file_.Close()) Fail();
+  return !failed_;
+}
+
+void OutpoutFileStream::Write(const void* bytes, std::size_t count) { WriteOut(bytes, count); }
+
+bool OutpoutFileStream::Close() {
+  if (open_ && position_ > keepBack_) {
+    WriteBuffer();
+    StartBehindMargin();
+  }
+  return CloseFile();
+}
+
+bool OutpoutFileStream::Commit() {
+  if (!file_.IsOpen()) return !failed_;
+  WriteBuffer();
+  StartBehindMargin();
+  if (!file_.Sync()) Fail();
+  return !failed_;
+}
+
+void OutpoutFileStream::StartBehindMargin() {
+  if (window_ == nullptr) return;
+  FillMargin();
+  position_ = keepBack_;
+}
+
+bool OutpoutFileStream::Reopen() {
+  if (window_ == nullptr) AllocateBlock();
+  open_ = file_.Open(path_, reopenMode_);
+  failed_ = !open_;
+  if (!open_ && showError_ != nullptr) showError_("", u"Reopen failed.", corvel::kReportShow);
+  return open_;
+}
+
+void OutpoutFileStream::MovePosition(std::int64_t delta, int /*whence*/) {
+  const std::int64_t moved = static_cast<std::int64_t>(position_) + delta;
+  if (moved < 0) {
+    throw std::runtime_error("Write to file error. Unable to move pointer below 0.");
+  }
+  position_ = static_cast<std::uint64_t>(moved);
+}
+
+void OutpoutFileStream::FlushIfFull() {
+  if (window_ != nullptr && position_ >= blockSize_ + keepBack_) FlushWindow();
+}
+
+void OutpoutFileStream::FlushWindow() {
+  const bool writable = open_ && window_ != nullptr && position_ <= windowCapacity_;
+  const std::uint64_t due = position_ - std::min(position_, keepBack_);
+  if (!writable || file_.Write(window_, due) != due) {
+    ++failedWrites_;
+    open_ = false;
+    failed_ = true;
+    throw std::runtime_error("Unable to write to file");
+  }
+  std::memmove(window_, window_ + due, position_ - due);
+  position_ -= due;
+}
+
+// Stores the low byte of each unit, flushing at each point where a flush after every byte would.
+template <class Unit>
+void OutpoutFileStream::Store(const Unit* units, std::size_t count) {
+  const std::uint64_t fullAt = blockSize_ + keepBack_;
+  if (count != 0 && window_ == nullptr) FlushWindow();  // throws: there is nowhere to store
+  while (count != 0) {
+    FlushIfFull();  // the window or MovePosition may have filled it
+    const std::size_t part = std::min<std::uint64_t>(count, fullAt - position_);
+    if constexpr (sizeof(Unit) == 1) {
+      std::memcpy(window_ + position_, units, part);
+    } else {
+      char* const to = window_ + position_;
+      for (std::size_t i = 0; i < part; ++i) to[i] = static_cast<char>(units[i]);
+    }
+    position_ += part;
+    units += part;
+    count -= part;
+    FlushIfFull();
+  }
+}
+
+void OutpoutFileStream::WriteNarrowString(const std::string& text) {
+  Store(text.data(), text.size());
+}
+
+void OutpoutFileStream::WriteWideText(const char16_t* text) {
+  Store(text, corvel::WideView(text).size());
+}
+
+void OutpoutFileStream::WriteNarrowText(const char* text) { Store(text, std::strlen(text)); }
+
+void OutpoutFileStream::WriteWideString(const corvel::WideString& text) {
+  Store(text.data(), text.size());
+}
+
+}  // namespace FileStream

@@ -1,0 +1,88 @@
+// Writes a plain file through one buffer that keeps its tail, so that the position can go back.
+//
+// The buffer holds a block and a keep-back. A flush writes all but the last keep-back bytes and
+// moves these to the front, where MovePosition still reaches them; they go out with the next flush.
+// Right after opening, and again after Commit and Close, the front holds a margin of blanks that
+// ends in a line feed. The first text of a fresh stream overwrites it; after Commit and Close it
+// stays, and goes out in front of the text that follows.
+#pragma once
+
+#include <memory>
+
+#include "core/reporting.h"
+#include "platform/file.h"
+#include "step/streams/outpout_stream.h"
+
+namespace FileStream {
+
+class OutpoutFileStream : public OutpoutStream {
+ public:
+  // Empties or creates the file. A failure is reported with the key "could_not_open_file"; the
+  // stream is then not open and takes nothing. `showError` may be null.
+  OutpoutFileStream(const corvel::WideString& path, corvel::ErrorReporter showError,
+                    std::uint64_t blockSize, std::uint64_t keepBack);
+  // As Close.
+  ~OutpoutFileStream() override;
+
+  // A short write is reported and the stream goes on.
+  void Write(const void* bytes, std::size_t count) override;
+  // Writes the buffer when more than the keep-back stands in it, and drops it otherwise: a stream
+  // that received no more than that in all leaves an empty file unless Commit came before. Closes
+  // the file also when a failed flush has closed the stream. False when anything failed since the
+  // stream was opened.
+  bool Close() override;
+  bool IsOpen() const override { return open_; }
+  bool IsEof() const override { return file_.AtEnd(); }
+  void MovePosition(std::int64_t delta, int whence = 1) override;
+  void WriteNarrowString(const std::string& text) override;
+  void WriteWideText(const char16_t* text) override;
+  void WriteNarrowText(const char* text) override;
+  void WriteWideString(const corvel::WideString& text) override;
+  void FlushIfFull() override;
+
+  // Writes the whole buffer and hands the file to the disk. The position then stands behind a new
+  // margin, which goes out in front of whatever follows. False when that or anything before failed
+  // since the stream was opened.
+  bool Commit();
+  // Opens the file again for writing at its end, with the buffer as it stands. False, after the
+  // report "Reopen failed.", when it cannot be opened.
+  bool Reopen();
+
+  // Flushes that failed, Reopen or not.
+  std::uint32_t FailedWrites() const { return failedWrites_; }
+  const corvel::WideString& Path() const { return path_; }
+
+ protected:
+  // `openFailure` is what stands before the path in the report of a failed opening.
+  OutpoutFileStream(const corvel::WideString& path, corvel::ErrorReporter showError,
+                    std::uint64_t blockSize, std::uint64_t keepBack, platform::OpenMode mode,
+                    const char16_t* openFailure);
+
+  void FlushWindow() override;
+  // The steps of Close. A failure is reported the first time after an opening, when it is news.
+  void WriteBuffer();
+  bool CloseFile();
+  void FreeBuffer();
+
+ private:
+  void AllocateBlock();
+  void FillMargin();
+  void StartBehindMargin();
+  void WriteOut(const void* bytes, std::uint64_t count);
+  void Fail();
+  template <class Unit>
+  void Store(const Unit* units, std::size_t count);
+
+  platform::File file_;
+  std::unique_ptr<char[]> buffer_;
+  std::uint64_t blockSize_ = 0;
+  std::uint64_t keepBack_ = 0;
+  std::uint32_t failedWrites_ = 0;
+  bool open_ = false;
+  bool failed_ = false;  // since the last opening, and told
+  platform::OpenMode reopenMode_;
+  corvel::WideString path_;
+  corvel::ErrorReporter showError_ = nullptr;
+};
+
+}  // namespace FileStream

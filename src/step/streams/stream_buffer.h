@@ -1,0 +1,17 @@
+// Where the streams take their buffers from: one seam, so that tests can run out of memory.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace FileStream {
+
+// Gives `size` bytes, uninitialised, for delete[]. May give null or throw std::bad_alloc.
+using BufferAllocator = char* (*)(std::size_t size);
+
+// Puts `allocator` in the place of `new char[]` (null: that again) and gives what stood there.
+BufferAllocator ReplaceBufferAllocator(BufferAllocator allocator);
+
+std::unique_ptr<char[]> AllocateBuffer(std::size_t size);
+
+}  // namespace FileStream

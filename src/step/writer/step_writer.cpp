@@ -1,0 +1,174 @@
+#include "step/writer/step_writer.h"
+
+#include <stdexcept>
+
+#include "core/document.h"
+#include "core/main_container.h"
+#include "platform/file.h"
+#include "step/log/ifc_log.h"
+#include "step/reader/token.h"
+
+namespace corvel {
+
+namespace {
+constexpr std::uint64_t kBlockSize = 1'048'576;
+constexpr std::uint64_t kKeepBack = 4'096;
+}  // namespace
+
+StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, IfcDocument& document,
+                       WideString path)
+    : showError_(showError),
+      progress_(progress),
+      cancelTexts_(&SharedCancelTexts()),
+      document_(&document),
+      path_(std::move(path)) {}
+
+StepWriter::StepWriter(FileStream::OutpoutStream& stream) : stream_(&stream) {}
+
+StepWriter::~StepWriter() = default;
+
+int StepWriter::WriteFile() {
+  if (!OpenStream()) return 0;
+  try {
+    return WriteAll();
+  } catch (const std::exception& error) {
+    showError_("", Widen(error.what()), kReportShow);
+    return EndEarly(0);
+  }
+}
+
+bool StepWriter::OpenStream() {
+  const std::size_t dot = path_.find_last_of(u'.');
+  const WideString ending = dot == WideString::npos ? WideString() : path_.substr(dot);
+  if (ToLowerAscii(ending) != u".ifc") {
+    showError_("could_not_open_file_extension", u" " + path_, kReportShow);
+    return false;
+  }
+  ownStream_ =
+      std::make_unique<FileStream::OutpoutFileStream>(path_, showError_, kBlockSize, kKeepBack);
+  stream_ = ownStream_.get();
+  if (ownStream_->IsOpen() && document_->mainContainer != nullptr &&
+      document_->getHeader() != nullptr) {
+    return true;
+  }
+  showError_("could_not_open_file_write", u"File path: " + path_, kReportShow);
+  if (ownStream_->IsOpen()) EndEarly(0);
+  return false;
+}
+
+int StepWriter::WriteAll() {
+  const std::string iso = Narrow(document_->getISO());
+  stream_->WriteNarrowString(iso + ";\n");
+  WriteHeader();
+  Put("\nDATA;\n");
+  if (const int result = WriteData(); result != 1) return EndEarly(result);
+  stream_->WriteNarrowString("ENDSEC;\nEND-" + iso + ";\n");
+  return Finish();
+}
+
+// Every byte has to have reached the disk before the file counts as written.
+int StepWriter::Finish() {
+  const bool committed = ownStream_->Commit();
+  const bool closed = ownStream_->Close();
+  if (!committed || !closed) return EndEarly(0);
+  CleanUp();
+  return 1;
+}
+
+int StepWriter::EndEarly(int result) {
+  ownStream_->Close();
+  platform::RemoveFile(path_);
+  return result;
+}
+
+void StepWriter::WriteHeader() {
+  HeaderToken& header = *document_->getHeader();
+  Put("HEADER;\nFILE_DESCRIPTION (");
+  WriteHeaderList(header.fileDescription);
+  WriteText(header.implementationLevel.c_str());
+  stream_->StepBack(1);
+  Put(");\nFILE_NAME (");
+  WriteText(header.name.c_str());
+  WriteText(header.timeStamp.c_str());
+  WriteHeaderList(header.author);
+  WriteHeaderList(header.organization);
+  WriteText(header.preprocessorVersion.c_str());
+  WriteText(header.originatingSystem.c_str());
+  WriteText(header.authorization.c_str());
+  stream_->StepBack(1);
+  Put(");\nFILE_SCHEMA ((");
+  WriteText(header.schemaIdentifier.c_str());
+  stream_->StepBack(1);
+  Put("));\nENDSEC;\n");
+}
+
+// Empties the list: a second save of the document writes `()`.
+void StepWriter::WriteHeaderList(std::vector<WideString>& texts) {
+  Put("(");
+  for (const WideString& text : texts) WriteText(text.c_str());
+  if (!texts.empty()) stream_->StepBack(1);
+  Put("),");
+  texts.clear();
+}
+
+// 1: all entities are written. 0: one failed. 2: the user cancelled.
+int StepWriter::WriteData() {
+  IFC::MainContainer& container = *document_->mainContainer;
+  const std::size_t step = container.entities.Size() / 100;
+  std::size_t sinceTick = 0;
+  int percent = 0;
+  if (progress_ != nullptr) progress_(0, 0, nullptr, false, 100);
+  container.FillMarkers();
+  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+    if (!WriteGuarded(*at.entity)) return 0;
+    if (++sinceTick <= step) continue;
+    sinceTick = 0;
+    if (percent < 100) ++percent;
+    if (progress_ != nullptr && !progress_(percent, 0, nullptr, false, 100) &&
+        AskCancelQuestion(*cancelTexts_)) {
+      return 2;
+    }
+  }
+  return 1;
+}
+
+bool StepWriter::WriteGuarded(const IFC::IfcEntity& entity) {
+  try {
+    WriteEntityLine(entity);
+    return true;
+  } catch (const std::runtime_error& error) {
+    const std::string_view what = error.what();
+    showError_("",
+               u"Error occurred while writing entity: #" + ToWide(entity.marker) + u"." +
+                   (what.empty() ? WideString(u"Unknown exception") : Widen(what)),
+               kReportShow);
+  } catch (...) {
+    showError_("", u"Unknown error occurred while reading entity: #" + ToWide(entity.marker),
+               kReportShow);
+  }
+  return false;
+}
+
+// The units that were kept become the ones that their numbers find, and all markers go to 0.
+void StepWriter::CleanUp() {
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(u"END write output file");
+  log.LogText(u"############# CLEANING #############");
+  IFC::MainContainer& container = *document_->mainContainer;
+  if (IFC::IfcEntity* const assignment = document_->getIfcUnitAssignment()) {
+    IFC::ChildQueue units;
+    assignment->collectChildren(units);
+    log.LogText(u"Childrens: " + Widen(std::to_string(units.Size())));
+    while (!units.IsEmpty()) {
+      IFC::IfcEntity* const unit = units.TakeBack().entity;
+      if (unit != nullptr) container.originalEntities.Set(unit->marker, unit);
+    }
+    log.LogText(u"Processing ReplaceEntityInOrginalMap");
+    container.originalEntities.Set(assignment->marker, assignment);
+  }
+  log.LogText(u"ResetAllMarkers: " + Widen(std::to_string(container.entities.Size())));
+  container.ResetAllMarkers();
+  log.LogText(u"############# DONE #############");
+}
+
+}  // namespace corvel

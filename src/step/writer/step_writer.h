@@ -1,0 +1,95 @@
+// Writes one model as a STEP physical file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "core/entity.h"
+#include "core/list.h"
+#include "core/reporting.h"
+#include "step/enum_table.h"
+#include "step/streams/outpout_file_stream.h"
+
+namespace corvel {
+
+class IfcDocument;
+
+// Turns the objects of a document into bytes. Every value ends with a comma; whoever closes a group
+// takes the last comma back. Nothing here numbers or sorts: that is settled before.
+class StepWriter {
+ public:
+  // Borrows `document`. WriteFile chooses the stream by the ending of `path`; `showError` gets
+  // every failure once.
+  StepWriter(ErrorReporter showError, ProgressCallback progress, IfcDocument& document,
+             WideString path);
+  // For values and single lines: writes to a stream of the caller.
+  explicit StepWriter(FileStream::OutpoutStream& stream);
+  ~StepWriter();
+  StepWriter(const StepWriter&) = delete;
+  StepWriter& operator=(const StepWriter&) = delete;
+
+  // 1: the file is complete and closed. 2: the user cancelled. 0: it failed and was reported. In
+  // the last two cases no file is left at the path. Empties the lists of the header record, and
+  // leaves all markers 0.
+  int WriteFile();
+
+  // `#12=IFCWALL(...);` and a line feed; nothing for a deleted entity.
+  void WriteEntityLine(const IFC::IfcEntity& entity);
+
+  // --- Values ----------------------------------------------------------------------------------
+  void WriteText(const char16_t* text);  // 'text', encoded, up to the NUL
+  void WriteGuid(const char* guid);      // as WriteText, each byte a character
+  void WriteReal(double value);          // 3., 2.5E-05,
+  void WriteInteger(std::int32_t value);
+  void WriteCount(double value);  // six significant digits, no forced point: 3, 1e+06,
+  void WriteBinaryValue(std::int32_t value);
+  void WriteBoolean(std::int32_t value);  // .T., .F., and $, for any other number
+  void WriteLogical(std::int32_t value);
+  void WriteEnum(const EnumTable& table, std::int32_t value);
+  void WriteAbsent();  // $,
+
+  // `#12,`; a typed value in place; `*,` for null; `$,` for a deleted entity, and then true.
+  bool WriteEntityRef(const IFC::IfcEntity* entity);
+  // Deleted members vanish; `(),` when none is left.
+  void WriteEntityRefList(const EntityList& list);
+  void WriteEntityRefLists(const List<EntityList>& lists);
+
+  void WriteRealList(const List<double>& list);
+  void WriteIntegerList(const List<std::int32_t>& list);
+  void WriteBinaryList(const List<std::int32_t>& list);
+  void WriteStringList(const List<const char16_t*>& list);
+  void WriteBooleanList(const List<std::int32_t>& list);
+  void WriteLogicalList(const List<std::int32_t>& list);
+  void WriteEnumList(const EnumTable& table, const List<std::int32_t>& list);
+  void WriteRealLists(const List<List<double>>& lists);
+  void WriteIntegerLists(const List<List<std::int32_t>>& lists);
+
+ private:
+  template <class Item, class WriteItem>
+  void WriteGroup(const List<Item>& list, WriteItem writeItem);
+  void WriteUnits(WideView text);
+  void WriteRefNumber(std::uint32_t number);
+  void Put(std::string_view bytes);
+
+  bool OpenStream();
+  int WriteAll();
+  void WriteHeader();
+  void WriteHeaderList(std::vector<WideString>& texts);
+  int WriteData();
+  bool WriteGuarded(const IFC::IfcEntity& entity);
+  int Finish();
+  int EndEarly(int result);
+  void CleanUp();
+
+  ErrorReporter showError_ = nullptr;
+  ProgressCallback progress_ = nullptr;
+  const CancelTexts* cancelTexts_ = nullptr;
+  IfcDocument* document_ = nullptr;
+  WideString path_;
+  std::unique_ptr<FileStream::OutpoutFileStream> ownStream_;
+  FileStream::OutpoutStream* stream_ = nullptr;
+};
+
+}  // namespace corvel

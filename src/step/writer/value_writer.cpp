@@ -1,0 +1,237 @@
+// The values of StepWriter.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/entity_cast.h"
+#include "step/numbers/number_text.h"
+#include "step/writer/step_writer.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kLongestUnit = 12;  // \X2\00E9\X0\ has 12 bytes
+constexpr std::size_t kUnitsAtOnce = FileStream::OutpoutStream::kMaxReserve / kLongestUnit;
+
+bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+
+char* PutEscaped(char16_t unit, char* to) {
+  constexpr char kHex[] = "0123456789ABCDEF";
+  std::memcpy(to, "\\X2\\", 4);
+  for (int i = 0; i < 4; ++i) to[4 + i] = kHex[(unit >> (12 - 4 * i)) & 15];
+  std::memcpy(to + 8, "\\X0\\", 4);
+  return to + kLongestUnit;
+}
+
+// `before` tells a raw byte from the second half of a surrogate pair.
+char* PutUnit(char16_t unit, char16_t before, char* to) {
+  if (unit >= 32 && unit <= 126) {
+    if (unit == u'\'' || unit == u'\\') *to++ = static_cast<char>(unit);
+    *to++ = static_cast<char>(unit);
+    return to;
+  }
+  if (IsRawByte(unit) && !IsHighSurrogate(before)) {
+    *to++ = static_cast<char>(unit - kRawByteBase);
+    return to;
+  }
+  return PutEscaped(unit, to);
+}
+
+// "IFCWALL(" for each class, made once.
+const std::string& OpeningOf(const IFC::IfcEntity& entity) {
+  static ClassMemory memory;
+  static std::vector<std::string> openings;
+  const std::type_info* const dynamicClass = &typeid(entity);
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) {
+    return openings[static_cast<std::size_t>(*known)];
+  }
+  std::string opening = Narrow(entity.getClassName());
+  for (char& c : opening) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  opening.push_back('(');
+  memory.Remember(dynamicClass, static_cast<std::ptrdiff_t>(openings.size()));
+  return openings.emplace_back(std::move(opening));
+}
+
+}  // namespace
+
+void StepWriter::Put(std::string_view bytes) {
+  char* const to = stream_->Reserve(bytes.size());
+  std::copy(bytes.begin(), bytes.end(), to);
+  stream_->Advance(bytes.size());
+}
+
+void StepWriter::WriteUnits(WideView text) {
+  Put("'");
+  char16_t before = 0;
+  while (!text.empty()) {
+    const auto piece = text.substr(0, kUnitsAtOnce);
+    char* const begin = stream_->Reserve(FileStream::OutpoutStream::kMaxReserve);
+    char* end = begin;
+    for (const char16_t unit : piece) {
+      end = PutUnit(unit, before, end);
+      before = unit;
+    }
+    stream_->Advance(static_cast<std::size_t>(end - begin));
+    text.remove_prefix(piece.size());
+  }
+  Put("',");
+}
+
+void StepWriter::WriteText(const char16_t* text) { WriteUnits(text); }
+
+void StepWriter::WriteGuid(const char* guid) {
+  std::array<char16_t, 64> units;  // a GUID has 22 characters
+  const std::string_view text = guid;
+  if (text.size() > units.size()) {
+    WriteUnits(Widen(text));
+    return;
+  }
+  std::transform(text.begin(), text.end(), units.begin(),
+                 [](char c) { return static_cast<unsigned char>(c); });
+  WriteUnits({units.data(), text.size()});
+}
+
+void StepWriter::WriteReal(double value) {
+  char* const begin = stream_->Reserve(kNumberRoom + 1);
+  char* end = FormatReal(value, begin);
+  *end++ = ',';
+  stream_->Advance(static_cast<std::size_t>(end - begin));
+}
+
+void StepWriter::WriteInteger(std::int32_t value) {
+  char* const begin = stream_->Reserve(kNumberRoom + 1);
+  char* end = FormatInteger(value, begin);
+  *end++ = ',';
+  stream_->Advance(static_cast<std::size_t>(end - begin));
+}
+
+void StepWriter::WriteCount(double value) {
+  char* const begin = stream_->Reserve(kNumberRoom + 1);
+  char* end = FormatCount(value, begin);
+  *end++ = ',';
+  stream_->Advance(static_cast<std::size_t>(end - begin));
+}
+
+void StepWriter::WriteBinaryValue(std::int32_t value) { WriteInteger(value); }
+
+void StepWriter::WriteBoolean(std::int32_t value) { Put(kBooleanDataType.ToText(value)); }
+
+void StepWriter::WriteLogical(std::int32_t value) { Put(kLogicalDataType.ToText(value)); }
+
+void StepWriter::WriteEnum(const EnumTable& table, std::int32_t value) { Put(table.ToText(value)); }
+
+void StepWriter::WriteAbsent() { Put("$,"); }
+
+void StepWriter::WriteRefNumber(std::uint32_t number) {
+  char* const begin = stream_->Reserve(kNumberRoom + 2);
+  char* end = begin;
+  *end++ = '#';
+  end = FormatUnsigned(number, end);
+  *end++ = ',';
+  stream_->Advance(static_cast<std::size_t>(end - begin));
+}
+
+bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
+  if (entity == nullptr) {
+    Put("*,");
+    return false;
+  }
+  if (entity->marker == IFC::kDeleted) {
+    Put("$,");
+    return true;
+  }
+  if (!entity->inlineValue) {
+    // An object that was made in the place of a reference has neither number nor text.
+    if (entity->marker == IFC::kUnfiled) {
+      Put("*,");
+    } else {
+      WriteRefNumber(entity->marker);
+    }
+    return false;
+  }
+  Put(OpeningOf(*entity));
+  entity->write(*this);
+  stream_->StepBack(1);
+  Put("),");
+  return false;
+}
+
+void StepWriter::WriteEntityRefList(const EntityList& list) {
+  Put("(");
+  bool any = false;
+  for (const IFC::IfcEntity* const member : list) {
+    if (WriteEntityRef(member)) {
+      stream_->StepBack(2);
+    } else {
+      any = true;
+    }
+  }
+  if (any) stream_->StepBack(1);
+  Put("),");
+}
+
+template <class Item, class WriteItem>
+void StepWriter::WriteGroup(const List<Item>& list, WriteItem writeItem) {
+  Put("(");
+  for (const Item& item : list) writeItem(item);
+  if (!list.empty()) stream_->StepBack(1);
+  Put("),");
+}
+
+void StepWriter::WriteEntityRefLists(const List<EntityList>& lists) {
+  WriteGroup(lists, [this](const EntityList& inner) { WriteEntityRefList(inner); });
+}
+
+void StepWriter::WriteRealList(const List<double>& list) {
+  WriteGroup(list, [this](double value) { WriteReal(value); });
+}
+
+void StepWriter::WriteIntegerList(const List<std::int32_t>& list) {
+  WriteGroup(list, [this](std::int32_t value) { WriteInteger(value); });
+}
+
+void StepWriter::WriteBinaryList(const List<std::int32_t>& list) {
+  WriteGroup(list, [this](std::int32_t value) { WriteBinaryValue(value); });
+}
+
+void StepWriter::WriteStringList(const List<const char16_t*>& list) {
+  WriteGroup(list, [this](const char16_t* text) { WriteText(text); });
+}
+
+void StepWriter::WriteBooleanList(const List<std::int32_t>& list) {
+  WriteGroup(list, [this](std::int32_t value) { WriteBoolean(value); });
+}
+
+void StepWriter::WriteLogicalList(const List<std::int32_t>& list) {
+  WriteGroup(list, [this](std::int32_t value) { WriteLogical(value); });
+}
+
+void StepWriter::WriteEnumList(const EnumTable& table, const List<std::int32_t>& list) {
+  WriteGroup(list, [&](std::int32_t value) { WriteEnum(table, value); });
+}
+
+void StepWriter::WriteRealLists(const List<List<double>>& lists) {
+  WriteGroup(lists, [this](const List<double>& inner) { WriteRealList(inner); });
+}
+
+void StepWriter::WriteIntegerLists(const List<List<std::int32_t>>& lists) {
+  WriteGroup(lists, [this](const List<std::int32_t>& inner) { WriteIntegerList(inner); });
+}
+
+void StepWriter::WriteEntityLine(const IFC::IfcEntity& entity) {
+  if (entity.marker == IFC::kDeleted) return;
+  WriteRefNumber(entity.marker);
+  stream_->StepBack(1);
+  Put("=");
+  Put(OpeningOf(entity));
+  entity.write(*this);
+  stream_->StepBack(1);
+  Put(");\n");
+}
+
+}  // namespace corvel
