@@ -1,0 +1,77 @@
+"""The tables: enumerations and the registry of class names."""
+
+MASK_64 = (1 << 64) - 1
+
+
+def enumeration_declarations(names):
+    return [f'extern const corvel::EnumTable k{name};' for name in names]
+
+
+def enumeration_tables(schema, names):
+    lines = []
+    for name in names:
+        lines.append(f'static constexpr corvel::EnumRow k{name}Rows[] = {{')
+        for value in schema.enumerations[name].values:
+            flag = ', true' if value.read_only else ''
+            lines.append(f'    {{".{value.name}.,", {value.number}{flag}}},')
+        lines += ['};', f'const corvel::EnumTable k{name}{{u"{name}", k{name}Rows}};', '']
+    return lines[:-1]
+
+
+def fnv1a(key):
+    """The hash of corvel::Fnv1a."""
+    value = 0xcbf29ce484222325
+    for byte in key.encode('ascii'):
+        value = (value ^ byte) * 0x100000001b3 & MASK_64
+    return value
+
+
+def table_size(rows):
+    """A power of two that `rows` rows fill to one half at most."""
+    size = 1
+    while size < 2 * rows:
+        size *= 2
+    return size
+
+
+def laid_out(keys):
+    """The keys in the slots of an open hash table with linear probing; None in a free slot."""
+    slots = [None] * table_size(len(keys))
+    for key in keys:
+        at = fnv1a(key) & (len(slots) - 1)
+        while slots[at] is not None:
+            at = (at + 1) & (len(slots) - 1)
+        slots[at] = key
+    return slots
+
+
+def registry(class_names):
+    names = {name.upper(): name for name in class_names}
+    slots = laid_out(sorted(names))
+    lines = [f'static constexpr corvel::FactoryRow kSlots[{len(slots)}] = {{']
+    lines += ['    {},' if key is None else f'    {{"{key}", New{names[key]}}},' for key in slots]
+    return lines + ['};', f'const corvel::FactoryTable kFactories{{kSlots, {len(slots) - 1}, '
+                    f'{len(names)}}};']
+
+
+ALL_NAMESPACES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1',
+                  'IFC4X2', 'IFC4X3_ADD2', 'IFC4X4')
+
+
+def schema_registry(namespaces):
+    """The body of schema_registry.cpp for the releases of one build."""
+    lines = [f'namespace {name} {{ extern const corvel::FactoryTable kFactories; }}'
+             for name in namespaces]
+    lines += ['', 'namespace corvel {', '',
+              'const FactoryTable& FactoriesOf(SchemaNamespace schema) {', '  switch (schema) {']
+    for name in ALL_NAMESPACES:
+        lines.append(f'    case SchemaNamespace::{name}:')
+        lines.append(f'      return {name}::kFactories;' if name in namespaces
+                     else f'      throw std::logic_error("{name} is left out of this build");')
+    lines += ['  }', '  throw std::logic_error("no such schema namespace");', '}', '',
+              'std::string_view NameOf(SchemaNamespace schema) {', '  switch (schema) {']
+    for name in ALL_NAMESPACES:
+        lines += [f'    case SchemaNamespace::{name}:', f'      return "{name}";']
+    lines += ['  }', '  throw std::logic_error("no such schema namespace");', '}', '',
+              '}  // namespace corvel']
+    return lines
