@@ -1,0 +1,254 @@
+#include "merge/document_merge.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/entity_cast.h"
+#include "merge/duplicate_cleanup.h"
+#include "merge/merge_documents.h"
+#include "step/log/ifc_log.h"
+#include "step/reader/parser.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::uint32_t kTicksPerPass = 50;
+
+void Log(WideView text) { IfcLog::Instance().LogText(text); }
+
+WideString Decimal(std::size_t number) { return Widen(std::to_string(number)); }
+
+bool IsProject(const IFC::IfcEntity& entity) {
+  return WideView(entity.getClassName()) == u"IfcProject";
+}
+
+std::string_view GuidOf(IFC::VirtualIfcRoot& root) { return root.getGlobalId(); }
+
+}  // namespace
+
+DocumentMerge::DocumentMerge(IfcDocument& destination, IFC::MainContainer& source,
+                             const WideString& sourcePath, ErrorReporter showError,
+                             ProgressCallback progress)
+    : destination_(destination),
+      source_(source),
+      sourcePath_(sourcePath),
+      showError_(showError),
+      progress_(progress) {}
+
+bool DocumentMerge::Run(unsigned mergeLevel, bool nameAndGuid) {
+  if (!Prepare()) return false;
+  ChooseSpecificTypes(mergeLevel);
+  if (!PassOverSource() || !PassOverDestination()) return false;
+  MergeProjects();
+  if (!specificTypes_.empty()) {
+    // This way out leaves the status as it was, so that the fold counts as failed.
+    MergeSpecificObjects(nameAndGuid);
+    return true;
+  }
+  CleanUpDuplicates();
+  destination_.mergeStatus = MergeStatus::kMerged;
+  return true;
+}
+
+// Indexes and true markers for both models. From here on the destination's pools own everything.
+bool DocumentMerge::Prepare() {
+  IFC::MainContainer& container = *destination_.mainContainer;
+  const auto fail = [this] {
+    if (destination_.mergeStatus == MergeStatus::kNotMerged) {
+      destination_.mergeStatus = MergeStatus::kFailed;
+    }
+    return false;
+  };
+  prefix_ = u"1/3 ";
+  Log(u"Procesing EntitiesToDelete");
+  Log(u"Procesing FillEntitiesGUIDmap");
+  if (!source_.FillEntitiesGUIDmap(sourcePath_)) return fail();
+  Log(u"Procesing FillParentsLists");
+  source_.FillParentsLists(true, 0, 0, 100, 0, prefix_, false);
+  Log(u"Procesing FillMarkers");
+  source_.FillMarkers();
+  Log(u"Procesing FillEntitiesGUIDmap");
+  if (!container.FillEntitiesGUIDmap(destination_.getFilePath())) return fail();
+  prefix_ = u"2/3 ";
+  Log(u"Procesing FillParentsLists");
+  if (container.FillParentsLists(true, 0, 0, 100, 2, prefix_, true) == 0) return false;
+  Log(u"Procesing FillMarkers");
+  container.FillMarkers();
+  return true;
+}
+
+void DocumentMerge::ChooseSpecificTypes(unsigned mergeLevel) {
+  Log(u"Merging specific object into one");
+  if (mergeLevel >= 1) specificTypes_.insert(u"IfcSite");
+  if (mergeLevel > 1) specificTypes_.insert(u"IfcBuilding");
+  if (mergeLevel > 2) specificTypes_.insert(u"IfcBuildingStorey");
+}
+
+// The counter starts at 1, so that the first entity ticks; with a step of 0 it wraps and never
+// ticks again.
+bool DocumentMerge::PassOverSource() {
+  const std::size_t count = source_.entities.Size();
+  stepCounter_ = 1;
+  stepNumber_ = 0;
+  stepSize_ = static_cast<std::uint32_t>(count / kTicksPerPass);
+  prefix_ = u"3/3";
+  Log(u"Processing " + Decimal(count) + u" Entities");
+  for (auto at = source_.entities.First(); at; at = source_.entities.Next(at.number)) {
+    if (at.entity->marker == IFC::kDeleted) continue;
+    AddSourceEntity(at.entity);
+    if (!Tick()) return false;
+  }
+  return true;
+}
+
+void DocumentMerge::AddSourceEntity(IFC::IfcEntity* entity) {
+  if (sourceProject_ == nullptr && IsProject(*entity)) {
+    sourceProject_ = entity;  // the first one only: it gives way to the destination's
+  } else if (IsSpecific(*entity)) {
+    NoteSpecific(entity, &SpecificPair::source);
+  } else if (IFC::IfcEntity* const target = Colliding(entity)) {
+    ResolveCollision(entity, target);
+  } else {
+    destination_.mainContainer->AddEntity(entity);
+  }
+}
+
+bool DocumentMerge::IsSpecific(const IFC::IfcEntity& entity) const {
+  return !specificTypes_.empty() && specificTypes_.contains(entity.getClassName());
+}
+
+// The last object of a class and name stands for all of them.
+void DocumentMerge::NoteSpecific(IFC::IfcEntity* entity, IFC::IfcEntity* SpecificPair::*side) {
+  auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
+  if (root == nullptr) {
+    showError_("", u"Unable to cast source entity to IfcRoot", kReportShow);
+    return;
+  }
+  specificObjects_[entity->getClassName()][root->getName()].*side = entity;
+}
+
+// The entity that the destination's GUID index holds under the GUID of `entity`, or null.
+IFC::IfcEntity* DocumentMerge::Colliding(IFC::IfcEntity* entity) const {
+  const auto& index = destination_.GetParser().guidIndex;
+  if (index.empty()) return nullptr;
+  auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
+  if (root == nullptr) return nullptr;
+  const auto found = index.find(std::string(GuidOf(*root)));
+  return found == index.end() ? nullptr : found->second;
+}
+
+void DocumentMerge::ResolveCollision(IFC::IfcEntity* entity, IFC::IfcEntity* target) {
+  const bool generate = AskedGuidChoice() != kSkipSameGuids && !IsProject(*entity);
+  // What nothing refers to is kept with a new GUID in any case.
+  if (generate || entity->parents.IsEmpty()) {
+    AddWithNewGuid(entity);
+    return;
+  }
+  MergeParents(*entity, *target, destination_.mainContainer->Parents());
+  destination_.mainContainer->OverwriteMarker(entity, target);
+  deletedDuplicatedParents_.push_back(entity);
+}
+
+void DocumentMerge::AddWithNewGuid(IFC::IfcEntity* entity) {
+  IFC::MainContainer& container = *destination_.mainContainer;
+  if (const char* const guid = container.CreateGUID()) {
+    const std::string& kept = *destination_.generatedGuids.insert(guid).first;
+    EntityCast<IFC::VirtualIfcRoot>(entity)->setGlobalId(kept.c_str());
+  }
+  container.AddEntity(entity);
+}
+
+bool DocumentMerge::PassOverDestination() {
+  IFC::MainContainer& container = *destination_.mainContainer;
+  const std::size_t count = container.entities.Size();
+  stepSize_ = stepCounter_ = static_cast<std::uint32_t>(count / kTicksPerPass);
+  Log(u"Processing mainContainer " + Decimal(count) + u" Entities");
+  generation_ = IFC::NextVisitGeneration();
+  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+    if (at.entity->marker != IFC::kDeleted) {
+      if (destinationProject_ == nullptr && IsProject(*at.entity)) {
+        destinationProject_ = at.entity;
+      } else if (IsSpecific(*at.entity)) {
+        NoteSpecific(at.entity, &SpecificPair::destination);
+      }
+      RedirectChildren(at.entity);
+    }
+    if (!Tick()) return false;
+  }
+  Log(u"Adding new objects mainContainer 0");
+  return true;
+}
+
+// Everything below `entity` whose GUID the index holds for another object becomes a stand-in for
+// that one. What has been walked once would come out the same again.
+void DocumentMerge::RedirectChildren(IFC::IfcEntity* entity) {
+  if (destination_.GetParser().guidIndex.empty()) return;
+  if (entity->visitStamp == generation_) return;
+  entity->collectChildren(queue_);
+  while (!queue_.IsEmpty()) {
+    if (IFC::IfcEntity* const child = queue_.TakeBack().entity) RedirectChild(child);
+  }
+}
+
+void DocumentMerge::RedirectChild(IFC::IfcEntity* child) {
+  if (child->visitStamp == generation_) return;
+  child->visitStamp = generation_;
+  IFC::IfcEntity* const target = Colliding(child);
+  if (target != nullptr && child->marker != target->marker && target->marker != IFC::kDeleted) {
+    destination_.mainContainer->OverwriteMarker(child, target);
+  }
+  if (child->marker != IFC::kDeleted) child->collectChildren(queue_);
+}
+
+void DocumentMerge::MergeProjects() {
+  if (sourceProject_ != nullptr && destinationProject_ != nullptr) {
+    destination_.mainContainer->OverwriteMarker(sourceProject_, destinationProject_);
+    return;
+  }
+  showError_("", u"Unable to merge projects properly because couldn't find IfcProject entity.",
+             kReportShow);
+  // With no project to give way to, the source's own is kept like everything else.
+  if (sourceProject_ != nullptr) destination_.mainContainer->AddEntity(sourceProject_);
+}
+
+void DocumentMerge::MergeSpecificObjects(bool nameAndGuid) {
+  IFC::MainContainer& container = *destination_.mainContainer;
+  for (auto& [className, byName] : specificObjects_) {
+    for (auto& [name, pair] : byName) {
+      auto* const there = EntityCast<IFC::VirtualIfcRoot>(pair.destination);
+      auto* const here = EntityCast<IFC::VirtualIfcRoot>(pair.source);
+      if (there == nullptr && pair.source != nullptr) container.AddEntity(pair.source);
+      if (here == nullptr || there == nullptr) continue;
+      const bool same = WideView(here->getName()) == WideView(there->getName());
+      // Then the source's object stays outside, and references to it lead nowhere.
+      if (nameAndGuid && GuidOf(*here) != GuidOf(*there)) continue;
+      if (!same) continue;
+      MergeParents(*pair.source, *pair.destination, container.Parents());
+      container.OverwriteMarker(pair.source, pair.destination);
+    }
+  }
+}
+
+void DocumentMerge::CleanUpDuplicates() {
+  Log(u"######## STARTING DUPLICATE CLEANUP ########");
+  if (!specificTypes_.empty()) {
+    for (auto& [className, byName] : specificObjects_) {
+      for (auto& [name, pair] : byName) CheckEntityForDuplicates(pair.destination);
+    }
+  }
+  Log(u"######## DONE ########");
+  Log(u"Processing deletedDuplicatedParents");
+  for (IFC::IfcEntity* const entity : deletedDuplicatedParents_) DeleteDuplicatedParents(*entity);
+}
+
+// False when the user cancelled and meant it.
+bool DocumentMerge::Tick() {
+  if (--stepCounter_ != 0) return true;
+  stepCounter_ = stepSize_;
+  stepNumber_ = std::min(stepNumber_ + 1, 100);
+  if (progress_ == nullptr || progress_(stepNumber_, 0, &prefix_, false, 100)) return true;
+  return !AskCancelQuestion(SharedCancelTexts());
+}
+
+}  // namespace corvel

@@ -1,0 +1,99 @@
+#include "merge/duplicate_cleanup.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
+
+namespace corvel {
+
+namespace {
+
+bool IsDeleted(const IFC::IfcEntity& entity) { return entity.marker == IFC::kDeleted; }
+
+std::vector<IFC::IfcEntity*> ParentsOf(const IFC::IfcEntity& entity) {
+  const auto members = entity.parents.Members();
+  return {members.begin(), members.end()};
+}
+
+// True when every child of `a` is one of `b`.
+bool CoversChildrenOf(const IFC::IfcEntity& b, const IFC::IfcEntity& a) {
+  IFC::ChildQueue children;
+  a.collectChildren(children);
+  while (!children.IsEmpty()) {
+    IFC::IfcEntity* const child = children.TakeBack().entity;
+    if (child != nullptr && !ParentIncludesChild(b, child)) return false;
+  }
+  return true;
+}
+
+// The GUIDs that a relation holds beside that of `entity`, in order, joined by "|".
+std::string KeyOfOthers(const IFC::IfcEntity& relation, const IFC::IfcEntity& entity) {
+  IFC::ChildQueue children;
+  relation.collectChildren(children);
+  std::vector<std::string_view> guids;
+  while (!children.IsEmpty()) {
+    IFC::IfcEntity* const child = children.TakeBack().entity;
+    if (child == nullptr || child == &entity) continue;
+    if (auto* const root = EntityCast<IFC::VirtualIfcRoot>(child)) {
+      guids.push_back(root->getGlobalId());
+    }
+  }
+  std::sort(guids.begin(), guids.end());
+  std::string key;
+  for (const std::string_view guid : guids) {
+    if (!key.empty()) key.push_back('|');
+    key += guid;
+  }
+  return key;
+}
+
+}  // namespace
+
+void DeleteDuplicatedParents(IFC::IfcEntity& entity) {
+  const std::vector<IFC::IfcEntity*> parents = ParentsOf(entity);
+  for (std::size_t i = 0; i < parents.size(); ++i) {
+    const IFC::IfcEntity& first = *parents[i];
+    if (IsDeleted(first)) continue;
+    for (std::size_t j = i + 1; j < parents.size(); ++j) {
+      IFC::IfcEntity& second = *parents[j];
+      if (IsDeleted(second) || first.getClassName() != second.getClassName()) continue;
+      if (CoversChildrenOf(second, first)) second.marker = IFC::kDeleted;
+    }
+  }
+}
+
+bool ParentIncludesChild(const IFC::IfcEntity& relation, IFC::IfcEntity* child) {
+  auto* const childRoot = EntityCast<IFC::VirtualIfcRoot>(child);
+  IFC::ChildQueue members;
+  relation.collectChildren(members);
+  while (!members.IsEmpty()) {
+    IFC::IfcEntity* const member = members.TakeBack().entity;
+    if (member == nullptr) continue;
+    auto* const memberRoot = EntityCast<IFC::VirtualIfcRoot>(member);
+    const bool same = childRoot == nullptr || memberRoot == nullptr
+                          ? child->getClassName() == member->getClassName()
+                          : std::string_view(childRoot->getGlobalId()) == memberRoot->getGlobalId();
+    if (same) return true;
+  }
+  return false;
+}
+
+void CheckEntityForDuplicates(IFC::IfcEntity* entity) {
+  if (entity == nullptr) return;
+  std::map<std::string, std::vector<IFC::IfcEntity*>> groups;
+  for (IFC::IfcEntity* const parent : ParentsOf(*entity)) {
+    if (IsDeleted(*parent) || WideView(parent->getClassName()) != u"IfcRelAggregates") continue;
+    std::string key = KeyOfOthers(*parent, *entity);
+    if (!key.empty()) groups[std::move(key)].push_back(parent);
+  }
+  for (const auto& [key, relations] : groups) {
+    for (std::size_t i = 1; i < relations.size(); ++i) relations[i]->marker = IFC::kDeleted;
+  }
+}
+
+}  // namespace corvel
