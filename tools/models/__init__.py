@@ -1,0 +1,1 @@
+"""Parts of make_models.py: IFC models of our own making, for samples, tests and benchmarks."""
