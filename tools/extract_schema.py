@@ -210,8 +210,8 @@ def facts_of(text):
     for keyword, table in (('enumeration', reader.enumerations), ('select', reader.selects)):
         for name in sorted(table):
             lines += [f'{keyword} {name}'] + ['  ' + item for item in table[name]] + ['']
-    lines += [f'type {name} = {reader.types[name]}' for name in sorted(reader.types)]
-    lines.append('')
+    types = [f'type {name} = {reader.types[name]}' for name in sorted(reader.types)]
+    lines += types + [''] if types else []
     for name in sorted(reader.entities):
         abstract, supertype, attributes = reader.entities[name]
         lines.append(('abstract ' if abstract else '') + f'entity {name}'

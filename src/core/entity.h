@@ -28,7 +28,6 @@ inline constexpr std::uint32_t kLargestNumber = 4294967279u;     // the largest 
 // what its attributes point at.
 class IfcEntity {
  public:
-  virtual ~IfcEntity() = default;
   // The class's own name as the schema writes it, "IfcWall": one constant per class.
   virtual const char16_t* getClassName() const = 0;
   // Tells entities (true) from values (false).
@@ -61,6 +60,9 @@ class IfcEntity {
   corvel::ParentSet mergedParents;
 
  protected:
+  // Not virtual, since nothing is ever deleted through this class: with it every schema class would
+  // need two destructors and their thunks, two fifths of the code of a release.
+  ~IfcEntity() = default;
   IfcEntity() = default;
   // A copy is a new object: no marker, no parents.
   IfcEntity(const IfcEntity& /*other*/) noexcept {}
@@ -78,6 +80,9 @@ class IfcComplexType : public virtual IfcEntity {
   void read(corvel::Parser& /*parser*/) override {}
   void write(corvel::StepWriter& /*writer*/) const override {}
   bool hasNoLiveMembers() const override { return false; }
+
+ protected:
+  ~IfcComplexType() = default;
 };
 
 // Base of the typed values of every schema.
@@ -89,6 +94,9 @@ class IfcSimpleType : public virtual IfcEntity {
   void read(corvel::Parser& /*parser*/) override {}
   void write(corvel::StepWriter& /*writer*/) const override {}
   bool hasNoLiveMembers() const override { return false; }
+
+ protected:
+  ~IfcSimpleType() = default;
 };
 
 }  // namespace IFC

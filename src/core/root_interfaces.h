@@ -18,9 +18,15 @@ class VirtualIfcRoot : public virtual IfcEntity {
   virtual void setGlobalId(const char* globalId) = 0;
   // The text of `Name`, which means nothing when the name is absent.
   virtual const char16_t* getName() const = 0;
+
+ protected:
+  ~VirtualIfcRoot() = default;
 };
 
 // The subtypes of IfcRelAssigns.
-class VIfcRelAssigns : public virtual IfcEntity {};
+class VIfcRelAssigns : public virtual IfcEntity {
+ protected:
+  ~VIfcRelAssigns() = default;
+};
 
 }  // namespace IFC

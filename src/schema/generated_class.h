@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "core/entity.h"    // IWYU pragma: export
-#include "core/list.h"      // IWYU pragma: export
+#include "core/entity.h"  // IWYU pragma: export
+#include "core/list.h"    // IWYU pragma: export
 
 // Before the constructor of every generated class. Constructors of a chain of classes with virtual
 // bases set the table pointers again at each level, from tables made for that moment. Put into one

@@ -18,9 +18,9 @@
 namespace corvel {
 
 // --- Optional attributes, read -------------------------------------------------------------------
-// Absent (`$`, `*` or a record that ends early): `present` false and the value its default. Otherwise
-// `present` is true, save for a reference that comes back null (a number that is not filed yet, a
-// class that is not admitted): that one counts as absent.
+// Absent (`$`, `*` or a record that ends early): `present` false and the value its default.
+// Otherwise `present` is true, save for a reference that comes back null (a number that is not
+// filed yet, a class that is not admitted): that one counts as absent.
 void ReadOptionalEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*& value,
                            bool& present);
 void ReadOptionalReal(Parser& parser, double& value, bool& present);
@@ -74,8 +74,8 @@ void WriteOptionalIntegerLists(StepWriter& writer, const List<List<std::int32_t>
                                bool present);
 
 // --- References, walked --------------------------------------------------------------------------
-// A mandatory reference cannot be lost, and is skipped when null. An optional one that is present is
-// a child even when null. Members of lists can always be lost.
+// A mandatory reference cannot be lost, and is skipped when null. An optional one that is present
+// is a child even when null. Members of lists can always be lost.
 void CollectReference(IFC::ChildQueue& queue, IFC::IfcEntity* value);
 void CollectOptionalReference(IFC::ChildQueue& queue, IFC::IfcEntity* value, bool present);
 void CollectList(IFC::ChildQueue& queue, const EntityList& list);

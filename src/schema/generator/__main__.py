@@ -33,7 +33,8 @@ def load_schema(schema_path, overrides_path, namespace):
 def generate_release(arguments):
     from .bindings import bindings_for
     schema = load_schema(arguments.schema, arguments.overrides, arguments.namespace)
-    source = os.path.basename(arguments.schema)
+    source = ' and '.join(os.path.basename(path) for path in (arguments.schema,
+                                                              arguments.overrides))
     release = Release(schema, bindings_for(schema), arguments.shards, source)
     for name, text in release.files().items():
         write_if_changed(os.path.join(arguments.out, arguments.namespace, name), text)

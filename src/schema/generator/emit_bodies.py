@@ -10,7 +10,7 @@ def function(head, statements):
     return [head + ' {'] + ['  ' + statement for statement in statements if statement] + ['}']
 
 
-def class_name_function(name):
+def fixed_functions(name):
     return [f'const char16_t* {name}::getClassName() const {{ return u"{name}"; }}']
 
 
@@ -46,7 +46,7 @@ def slots(name, supertype, members):
 def entity_functions(schema, entity):
     members = [(attribute_kind(schema, entity, attribute), attribute.name, attribute.optional)
                for attribute in entity.attributes]
-    lines = class_name_function(entity.name) + slots(entity.name, entity.supertype, members)
+    lines = fixed_functions(entity.name) + slots(entity.name, entity.supertype, members)
     if needed := lives_on(schema, entity):
         lines += function(f'bool {entity.name}::hasNoLiveMembers() const',
                           [f'return corvel::NoneIsLive({needed.name});'])
@@ -56,7 +56,7 @@ def entity_functions(schema, entity):
 def value_functions(schema, name):
     kind = value_kind(schema, name)
     members = [] if kind.scalar == 'nothing' else [(kind, 'value', False)]
-    return class_name_function(name) + slots(name, None, members) + creator(name)
+    return fixed_functions(name) + slots(name, None, members) + creator(name)
 
 
 def interface_functions(name, bindings):

@@ -39,12 +39,13 @@ def class_head(name, bases):
         return [line]
     lines = [f'class {name}']
     for i, base in enumerate(bases):
-        lines.append(('    : ' if i == 0 else '      ') + base + (',' if i + 1 < len(bases) else ' {'))
+        begin, end = '    : ' if i == 0 else '      ', ',' if i + 1 < len(bases) else ' {'
+        lines.append(begin + base + end)
     return lines
 
 
 def constructor(name):
-    return [' public:', f'  CORVEL_CONSTRUCTOR {name}() {{}}']
+    return [' public:', f'  CORVEL_CONSTRUCTOR {name}() noexcept {{}}']
 
 
 def value_class(schema, name):

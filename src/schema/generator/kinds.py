@@ -36,7 +36,7 @@ class Kind:
     scalar: str                # a key of SCALARS
     depth: int = 0             # 0: the scalar itself; 1: a list; 2: a list of lists
     target: str = ''           # the class of a reference, the name of an enumeration
-    plain: bool = False        # a boolean or logical that is no value of a class: has no absent form
+    plain: bool = False        # a boolean or logical without a value class: has no absent form
     default: str = ''          # of the scalar, as C++
 
     def member_type(self):
@@ -139,7 +139,7 @@ def lives_on(schema, entity):
     level deep, that must have a member. None if there is none."""
     for attribute in entity.attributes:
         expression = attribute.type
-        if (expression.aggregate and not attribute.optional and not expression.of.aggregate
+        if (expression.aggregate and not attribute.optional
                 and is_reference(schema, expression.of.name)
                 and expression.low.isdigit() and int(expression.low) >= 1):
             return attribute

@@ -9,7 +9,7 @@ AGGREGATE = re.compile(r'(LIST|SET|ARRAY|BAG)(?: \[(\S+):(\S+)\])? OF (.+)\Z')
 
 
 class SchemaError(Exception):
-    """The facts, or the overrides, hold something that has no rule. The text says what and where."""
+    """The facts or the overrides hold something that has no rule; the text says what and where."""
 
 
 @dataclass(frozen=True)
@@ -175,6 +175,9 @@ def check_names(schema):
 
     for name, expression in schema.types.items():
         check_type(expression, name)
+    for name, enumeration in schema.enumerations.items():
+        if not enumeration.values:
+            raise SchemaError(f'{name} has no values')
     for name, members in schema.selects.items():
         for member in members:
             if member not in known:

@@ -11,13 +11,20 @@ def first_line(source):
 
 def header(source, namespace, includes, body):
     """A header: `includes` without quotes, `body` inside the namespace of the release."""
-    lines = [first_line(source), '#pragma once', '']
-    return '\n'.join(lines + include_lines(includes) + in_namespace(namespace, body)) + '\n'
+    # Nothing is deleted through a base class, so no destructor is virtual (see core/entity.h).
+    no_warning = ['#ifdef __GNUC__', '#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"',
+                  '#endif']
+    top = [first_line(source), '#pragma once', *no_warning, '']
+    return joined(top, namespace, includes, body)
 
 
 def source_file(source, namespace, includes, body):
-    lines = [first_line(source)]
-    return '\n'.join(lines + include_lines(includes) + in_namespace(namespace, body)) + '\n'
+    return joined([first_line(source)], namespace, includes, body)
+
+
+def joined(top, namespace, includes, body):
+    lines = top + include_lines(includes) + in_namespace(namespace, body)
+    return '\n'.join(lines).rstrip() + '\n'
 
 
 def include_lines(includes):
@@ -27,7 +34,11 @@ def include_lines(includes):
 
 
 def in_namespace(namespace, body):
-    return [f'namespace {namespace} {{', ''] + body + ['', f'}}  // namespace {namespace}']
+    """A blank line that begins the body is left to the line of the namespace."""
+    if not body:
+        return []
+    begin = [f'namespace {namespace} {{', ''] + body[body[0] == '':]
+    return begin + ['', f'}}  // namespace {namespace}']
 
 
 def write_if_changed(path, text):

@@ -1,7 +1,7 @@
 """Where the classes differ from the published text: the rules of overrides.txt.
 
-One rule per line, `RULE RELEASES ARGUMENTS -- REASON`, continued by indented lines. RELEASES is `*`,
-or names with commas. The rules:
+One rule per line, `RULE RELEASES ARGUMENTS -- REASON`, continued by indented lines. RELEASES is
+`*`, or names with commas. The rules:
 
     shared   * IfcUnit                     a select that is an interface of namespace IFC, and no
                                            class of the release

@@ -102,11 +102,9 @@ class Release:
                 'schema/generated_support.h']
 
     def entities_source(self, part):
-        body = []
-        for name in self.shards.parts[part]:
-            if name in self.targets:
-                body.append(class_test(self.schema, name))
-        for name in self.shards.parts[part]:
+        names = self.shards.parts[part]
+        body = [class_test(self.schema, name) for name in names if name in self.targets]
+        for name in names:
             body += [''] + entity_functions(self.schema, self.schema.entities[name])
         return self.source_file([self.inside(f'classes_{part:02}.h')] + self.body_includes(), body)
 
@@ -116,8 +114,8 @@ class Release:
                 if name not in self.schema.entities]
         for name in self.values:
             body += [''] + value_functions(self.schema, name)
-        includes = [self.inside('values.h'), 'schema/interfaces/interfaces.h']
-        return self.source_file(includes + self.body_includes(), body)
+        includes = [self.inside('values.h')] + self.body_includes()
+        return self.source_file(includes + ['schema/interfaces/interfaces.h'], body)
 
     def registry_source(self):
         body = ['extern const corvel::FactoryTable kFactories;'] + registry(self.class_names())

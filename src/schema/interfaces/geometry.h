@@ -24,6 +24,9 @@ class VirtualLocalPlacement : public virtual IfcEntity {
   // relative to nothing, or to a placement of another kind. Placements that go in a circle have no
   // last one; the first that the way comes to a second time stands for it, which may be this one.
   virtual VirtualLocalPlacement* getRootPlacement() = 0;
+
+ protected:
+  ~VirtualLocalPlacement() = default;
 };
 
 // IfcAxis2Placement3D.
@@ -35,6 +38,9 @@ class VirtualIfcAxis2Placement3D : public virtual IfcEntity {
   // Null when absent.
   virtual IfcEntity* getAxis() const = 0;
   virtual IfcEntity* getRefDirection() const = 0;
+
+ protected:
+  ~VirtualIfcAxis2Placement3D() = default;
 };
 
 // IfcCartesianPoint.
@@ -43,6 +49,9 @@ class VirtualIfcCartesianPoint : public virtual IfcEntity {
   // Takes all items of the vector and leaves it empty.
   virtual void setCoordinates(std::vector<double>&& coordinates, corvel::MemoryPool& pool) = 0;
   virtual std::vector<double> getCoordinates() const = 0;
+
+ protected:
+  ~VirtualIfcCartesianPoint() = default;
 };
 
 struct DirectionRatios {
@@ -59,6 +68,9 @@ class VirtualIfcDirection : public virtual IfcEntity {
   virtual DirectionRatios getDirectionRatios() const = 0;
   // The direction has three ratios afterwards, also when it was two-dimensional.
   virtual void setDirectionRatios(double x, double y, double z, corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VirtualIfcDirection() = default;
 };
 
 // IfcExtrudedAreaSolid and, from IFC4, its tapered subtype.
@@ -66,16 +78,25 @@ class VirtualGeometricRepresentation : public virtual IfcEntity {
  public:
   // Multiplies the depth of the extrusion; nothing else of the solid changes.
   virtual void scaleDepth(double factor) = 0;
+
+ protected:
+  ~VirtualGeometricRepresentation() = default;
 };
 
 // The subtypes of IfcConnectionGeometry. Only told by cast.
-class VIfcConnectionGeometry : public virtual IfcEntity {};
+class VIfcConnectionGeometry : public virtual IfcEntity {
+ protected:
+  ~VIfcConnectionGeometry() = default;
+};
 
 // What a bare number in place of a reference would be stored through. No class of any release has
 // it, which is why a record with such a number cannot be read.
 class VirtuaIfcParameterValue : public virtual IfcEntity {
  public:
   virtual void setParameterValue(double value) = 0;
+
+ protected:
+  ~VirtuaIfcParameterValue() = default;
 };
 
 }  // namespace IFC

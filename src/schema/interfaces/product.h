@@ -19,6 +19,9 @@ class VirtualIfcProduct : public virtual IfcEntity {
   // placement, say). A product without a placement gets a new blank one with the marker
   // kMadePlacement, by which the caller knows that it has to be filed.
   virtual VirtualLocalPlacement* getRootPlacement(corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VirtualIfcProduct() = default;
 };
 
 // IfcProject, which is no product in any release.
@@ -26,6 +29,9 @@ class IfcProjectVirtual : public virtual IfcEntity {
  public:
   // As the name of VirtualIfcRoot::setRootAttributes: null leaves the name as it is.
   virtual void setProjectName(const char16_t* name) = 0;
+
+ protected:
+  ~IfcProjectVirtual() = default;
 };
 
 // IfcSite.
@@ -33,6 +39,9 @@ class IfcSiteVirtual : public virtual IfcEntity {
  public:
   // The site has no shape of its own any more; what the shape consisted of is left alone.
   virtual void clearRepresentation() = 0;
+
+ protected:
+  ~IfcSiteVirtual() = default;
 };
 
 }  // namespace IFC

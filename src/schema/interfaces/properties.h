@@ -25,6 +25,9 @@ class Prototype : public virtual IfcEntity {
   // for everything but IfcPropertySingleValue, IfcPropertySet, IfcElementQuantity and the simple
   // quantities (IfcQuantityLength ...).
   virtual IfcEntity* clone(corvel::MemoryPool& pool) const = 0;
+
+ protected:
+  ~Prototype() = default;
 };
 
 // IfcProperty and its subtypes, and the classes of VQuantityProperty.
@@ -32,6 +35,9 @@ class VIfcProperty : public virtual Prototype {
  public:
   virtual corvel::WideString getPropertyName() const = 0;
   virtual void setPropertyName(const char16_t* name) = 0;
+
+ protected:
+  ~VIfcProperty() = default;
 };
 
 // IfcPropertySingleValue.
@@ -49,6 +55,9 @@ class VIfcPropertySingleValue : public virtual VIfcProperty {
                                   std::int32_t unitType, corvel::MemoryPool& pool) = 0;
   // Anything but an IfcUnit (null included) takes the unit away, and the result is false.
   virtual bool setUnit(IfcEntity* unit) = 0;
+
+ protected:
+  ~VIfcPropertySingleValue() = default;
 };
 
 // IfcQuantityLength, -Area, -Volume, -Count, -Weight, -Time, -Number. No class of IFC2X_FINAL and
@@ -61,6 +70,9 @@ class VQuantityProperty : public virtual VIfcProperty {
   // As in VIfcPropertySingleValue.
   virtual IfcEntity* setNewSIUnit(std::int32_t prefix, std::int32_t unitName, bool hasPrefix,
                                   std::int32_t unitType, corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VQuantityProperty() = default;
 };
 
 // IfcPropertySet.
@@ -72,6 +84,9 @@ class VirtualIfcPropertySet : public virtual Prototype {
   virtual IfcEntity* removePropertyByName(corvel::WideView name) = 0;
   // The members themselves are left alone.
   virtual void clearProperties() = 0;
+
+ protected:
+  ~VirtualIfcPropertySet() = default;
 };
 
 // IfcElementQuantity.
@@ -81,6 +96,9 @@ class VIfcElementQuantitySet : public virtual Prototype {
   virtual void addQuantity(IfcEntity* quantity, corvel::MemoryPool& pool) = 0;
   // As in VirtualIfcPropertySet.
   virtual IfcEntity* removePropertyByName(corvel::WideView name) = 0;
+
+ protected:
+  ~VIfcElementQuantitySet() = default;
 };
 
 // IfcRelDefinesByProperties and its subtypes.
@@ -95,6 +113,9 @@ class VirtualPropertyRelation : public virtual IfcEntity {
   virtual void collectRelatedObjects(std::vector<IfcEntity*>& objects) const = 0;
   // Takes the first related object with that GUID out of the list; true if there was one.
   virtual bool removeRelatedObjectByGlobalId(std::string_view globalId) = 0;
+
+ protected:
+  ~VirtualPropertyRelation() = default;
 };
 
 }  // namespace IFC

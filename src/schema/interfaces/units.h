@@ -17,13 +17,19 @@ namespace IFC {
 
 // Every unit of every release, and IfcUnitAssignment. It stands for the schemas' select of the same
 // name: an attribute of that type admits exactly the classes with this interface.
-class IfcUnit : public virtual IfcEntity {};
+class IfcUnit : public virtual IfcEntity {
+ protected:
+  ~IfcUnit() = default;
+};
 
 // IfcNamedUnit and its subtypes.
 class VIfcNamedUnit : public virtual IfcEntity {
  public:
   virtual void setUnitType(std::int32_t unitType) = 0;
   virtual corvel::WideString getUnitTypeText() const = 0;
+
+ protected:
+  ~VIfcNamedUnit() = default;
 };
 
 // IfcSIUnit.
@@ -36,6 +42,9 @@ class VIfcSIUnit : public virtual IfcEntity {
   virtual corvel::WideString getPrefixText() const = 0;
   virtual void setName(std::int32_t name) = 0;
   virtual void setPrefix(std::optional<std::int32_t> prefix) = 0;
+
+ protected:
+  ~VIfcSIUnit() = default;
 };
 
 // IfcConversionBasedUnit and, from IFC4, its subtype with an offset.
@@ -46,6 +55,9 @@ class VIfcConversionBasedUnit : public virtual IfcEntity {
   // text lives in the model's pool and is not null.
   virtual IfcEntity* setConversion(const char16_t* name, double factor, VIfcNamedUnit* unit,
                                    corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VIfcConversionBasedUnit() = default;
 };
 
 // IfcDerivedUnit.
@@ -56,15 +68,24 @@ class VIfcDerivedUnit : public virtual IfcEntity {
   // element without a unit.
   virtual IfcEntity* addElement(IfcEntity* unit, std::int32_t exponent,
                                 corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VIfcDerivedUnit() = default;
 };
 
 // IfcMonetaryUnit. Only told by cast.
-class VIfcMonetaryUnit : public virtual IfcEntity {};
+class VIfcMonetaryUnit : public virtual IfcEntity {
+ protected:
+  ~VIfcMonetaryUnit() = default;
+};
 
 // IfcUnitAssignment.
 class VirtualIfcUnitAssignment : public virtual IfcEntity {
  public:
   virtual void addUnit(IfcUnit* unit, corvel::MemoryPool& pool) = 0;
+
+ protected:
+  ~VirtualIfcUnitAssignment() = default;
 };
 
 }  // namespace IFC
