@@ -64,9 +64,7 @@ bool MakeFolder(const std::u16string& path);
 bool IsSameFile(const std::u16string& a, const std::u16string& b);
 
 // Index of the last "/" or "\" of a path; npos without one.
-inline std::size_t FindLastSeparator(std::u16string_view path) {
-  return path.find_last_of(u"/\\");
-}
+inline std::size_t FindLastSeparator(std::u16string_view path) { return path.find_last_of(u"/\\"); }
 // `folder` and `name` with one separator between them, whether `folder` ends in one or not.
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
 

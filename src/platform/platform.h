@@ -44,8 +44,8 @@ class Platform {
 
   // A modal box. On the terminal (see SetDialogs) it is one line `title: text` on standard error;
   // kOkCancel and kOk boxes answer kOk there, and yes/no boxes as SetAnswerPolicy tells.
-  virtual Answer ShowMessageBox(std::u16string_view title, std::u16string_view text, Buttons buttons,
-                                Icon icon) = 0;
+  virtual Answer ShowMessageBox(std::u16string_view title, std::u16string_view text,
+                                Buttons buttons, Icon icon) = 0;
   // True when a person, not the policy or a default, answered the last yes/no box.
   virtual bool LastAnswerWasAPersons() const = 0;
   // Opens a document, or starts a program with one parameter, as the desktop would. False: refused.

@@ -1,5 +1,5 @@
 // Message boxes as lines on the terminal, and the terminal itself. For the implementations of
-// Platform only.
+// Platform; programs without windows write their own lines by WriteStandardError.
 #pragma once
 
 #include <optional>

@@ -86,8 +86,8 @@ std::size_t File::Read(void* destination, std::size_t count) {
   std::size_t total = 0;
   while (IsOpen() && total < count) {
     const std::size_t wanted = std::min(count - total, kLargestTransfer);
-    const ssize_t taken = RetryInterrupted(
-        [&] { return ::read(static_cast<int>(handle_), bytes + total, wanted); });
+    const ssize_t taken =
+        RetryInterrupted([&] { return ::read(static_cast<int>(handle_), bytes + total, wanted); });
     if (taken <= 0) {
       (taken == 0 ? atEnd_ : readFailed_) = true;
       break;
@@ -102,8 +102,8 @@ std::size_t File::Write(const void* bytes, std::size_t count) {
   std::size_t total = 0;
   while (IsOpen() && total < count) {
     const std::size_t wanted = std::min(count - total, kLargestTransfer);
-    const ssize_t written = RetryInterrupted(
-        [&] { return ::write(static_cast<int>(handle_), from + total, wanted); });
+    const ssize_t written =
+        RetryInterrupted([&] { return ::write(static_cast<int>(handle_), from + total, wanted); });
     if (written <= 0) break;
     total += static_cast<std::size_t>(written);
   }

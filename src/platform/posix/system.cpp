@@ -64,7 +64,7 @@ class PosixPlatform final : public Platform {
     std::memcpy(&guid.data2, bytes.data() + 4, 2);
     std::memcpy(&guid.data3, bytes.data() + 6, 2);
     std::memcpy(guid.data4.data(), bytes.data() + 8, 8);
-    guid.data3 = static_cast<std::uint16_t>((guid.data3 & 0x0FFF) | 0x4000);           // version 4
+    guid.data3 = static_cast<std::uint16_t>((guid.data3 & 0x0FFF) | 0x4000);   // version 4
     guid.data4[0] = static_cast<std::uint8_t>((guid.data4[0] & 0x3F) | 0x80);  // its variant
     return guid;
   }

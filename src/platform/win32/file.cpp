@@ -78,9 +78,9 @@ bool File::Open(const std::u16string& path, OpenMode mode) {
   atEnd_ = readFailed_ = false;
   // A NUL would cut the name and lead to another file.
   if (path.find(u'\0') != std::u16string::npos) return false;
-  const HANDLE handle = ::CreateFileW(ToNative(path).c_str(), AccessOf(mode),
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CreationOf(mode),
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE handle =
+      ::CreateFileW(ToNative(path).c_str(), AccessOf(mode), FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, CreationOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
   handle_ = reinterpret_cast<std::intptr_t>(handle);
   return IsOpen();
 }

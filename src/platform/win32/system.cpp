@@ -73,10 +73,10 @@ class WindowsPlatform final : public Platform {
   // Documents are shown, programs started as their window was left.
   bool ShellOpen(const std::u16string& target, const std::u16string& parameter) override {
     constexpr INT_PTR kLargestFailure = 32;
-    const HINSTANCE result = ::ShellExecuteW(
-        nullptr, nullptr, ToNative(target).c_str(),
-        parameter.empty() ? nullptr : ToNative(parameter).c_str(), nullptr,
-        parameter.empty() ? SW_SHOW : SW_RESTORE);
+    const HINSTANCE result =
+        ::ShellExecuteW(nullptr, nullptr, ToNative(target).c_str(),
+                        parameter.empty() ? nullptr : ToNative(parameter).c_str(), nullptr,
+                        parameter.empty() ? SW_SHOW : SW_RESTORE);
     return reinterpret_cast<INT_PTR>(result) > kLargestFailure;
   }
 

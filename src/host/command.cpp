@@ -1,0 +1,71 @@
+#include "host/command.h"
+
+#include <utility>
+
+#include "host/command_line.h"
+#include "host/file_facts.h"
+#include "host/info_text.h"
+#include "host/model_run.h"
+#include "host/run_console.h"
+#include "platform/console.h"
+
+namespace corvel::host {
+
+namespace {
+
+constexpr ExitStatus Status(bool good) {
+  return good ? ExitStatus::kDone : ExitStatus::kNothingWritten;
+}
+
+ExitStatus RunModels(const CommandLine& line) {
+  platform::SetDialogs(platform::Dialogs::kTerminal);
+  platform::SetAnswerPolicy(line.answer);
+  platform::CatchInterrupts();
+  RunConsole console(RunConsole::StandardError(!line.quiet));
+  const ExitStatus status =
+      ModelRun({line.inputs, line.output, line.ignoreEnumErrors}, console).Run();
+  if (status == ExitStatus::kDone && !line.quiet) {
+    platform::WriteStandardOutput(line.output + u" was written.\n");
+  }
+  return status;
+}
+
+// Shows a file as soon as it is read; programs get all files in one object at the end.
+ExitStatus RunInfo(const CommandLine& line) {
+  RunConsole console(RunConsole::StandardError(false));
+  bool good = true;
+  std::vector<FileFacts> files;
+  for (const WideString& path : line.inputs) {
+    FileFacts facts = ReadFacts(path);
+    for (const WideString& problem : facts.problems) console.Say(path + u": " + problem);
+    good = good && facts.problems.empty();
+    if (line.json) {
+      files.push_back(std::move(facts));
+    } else if (facts.bytes != 0) {
+      good = platform::WriteStandardOutput(FactsAsText(facts)) && good;
+    }
+  }
+  if (line.json) good = platform::WriteStandardOutput(FromUtf8(FactsAsJson(files))) && good;
+  return Status(good);
+}
+
+ExitStatus Run(const CommandLine& line) {
+  return line.command == Command::kInfo ? RunInfo(line) : RunModels(line);
+}
+
+ExitStatus Run(const Explanation& explanation) {
+  return Status(platform::WriteStandardOutput(explanation.text));
+}
+
+ExitStatus Run(const UsageError& error) {
+  RunConsole(RunConsole::StandardError(false)).Say(error.text);
+  return ExitStatus::kWrongUsage;
+}
+
+}  // namespace
+
+ExitStatus RunCommand(const std::vector<WideString>& arguments) {
+  return std::visit([](const auto& order) { return Run(order); }, ParseCommandLine(arguments));
+}
+
+}  // namespace corvel::host

@@ -1,0 +1,15 @@
+// The program behind `main`.
+#pragma once
+
+#include <vector>
+
+#include "core/text.h"
+#include "host/exit_status.h"
+
+namespace corvel::host {
+
+// Runs the command that the arguments name (those behind the program's own name). Results go to
+// standard output, everything else to standard error.
+ExitStatus RunCommand(const std::vector<WideString>& arguments);
+
+}  // namespace corvel::host

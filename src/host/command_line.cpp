@@ -1,0 +1,173 @@
+#include "host/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
+
+#include "host/help_texts.h"
+#include "host/nearest_name.h"
+
+namespace corvel::host {
+
+namespace {
+
+using Outcome = std::variant<CommandLine, Explanation, UsageError>;
+
+struct CommandName {
+  const char* name;
+  Command command;
+};
+
+constexpr CommandName kCommands[] = {
+    {"merge", Command::kMerge}, {"resave", Command::kResave}, {"info", Command::kInfo}};
+
+// The words of one command before they are judged.
+struct Words {
+  std::vector<std::string> files;
+  std::string output;
+  std::string answer;
+  bool ignoreEnumErrors = false;
+  bool quiet = false;
+  bool json = false;
+  bool help = false;
+};
+
+const CommandName* FindCommand(std::string_view word) {
+  const auto* const found =
+      std::find_if(std::begin(kCommands), std::end(kCommands),
+                   [word](const CommandName& entry) { return entry.name == word; });
+  return found == std::end(kCommands) ? nullptr : found;
+}
+
+std::string Quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
+
+UsageError Wrong(const std::string& text) { return {FromUtf8(text)}; }
+
+// The error of one command, and where to read on.
+UsageError Wrong(const CommandName& command, const std::string& text) {
+  const std::string name = command.name;
+  return Wrong(name + ": " + text + "\nSee 'corvel " + name + " --help'.");
+}
+
+void AddOptions(CLI::App& app, Command command, Words& words) {
+  app.set_help_flag();  // the help texts are our own
+  app.allow_extras();
+  app.allow_windows_style_options(false);
+  app.add_option("FILE", words.files);
+  if (command == Command::kMerge) app.add_option("-o,--output", words.output);
+  if (command == Command::kInfo) app.add_flag("--json", words.json);
+  app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
+  app.add_flag("--quiet", words.quiet);
+  app.add_option("--answer", words.answer);
+  app.add_flag("-h,--help", words.help);
+}
+
+// Names that somebody who typed `word` may have meant: behind two dashes only long ones.
+std::vector<std::string> OptionNames(const CLI::App& app, std::string_view word) {
+  std::vector<std::string> names;
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    if (word.starts_with("--")) continue;
+    for (const std::string& name : option->get_snames()) names.push_back("-" + name);
+  }
+  return names;
+}
+
+// A word that looks like an option and is none.
+UsageError UnknownOption(const CommandName& command, const CLI::App& app, std::string_view word) {
+  const std::string_view name = word.substr(0, word.find('='));
+  return Wrong(command, "unknown option " + Quoted(name) + "; the nearest is " +
+                            Quoted(NearestName(name, OptionNames(app, name))) +
+                            ". (A file name that begins with '-' goes behind '--'.)");
+}
+
+std::optional<std::string> CountError(Command command, std::size_t files) {
+  switch (command) {
+    case Command::kMerge:
+      if (files < 2) return "two files or more are needed, and " + std::to_string(files) +
+                            (files == 1 ? " is given" : " are given");
+      break;
+    case Command::kResave:
+      if (files != 2) return "one input and one output are needed, and " + std::to_string(files) +
+                             (files == 1 ? " file is given" : " files are given");
+      break;
+    case Command::kInfo:
+      if (files == 0) return "a file is needed";
+      break;
+  }
+  return {};
+}
+
+std::optional<std::string> WordError(Command command, const CLI::App& app, const Words& words) {
+  const bool answerGiven = app.count("--answer") != 0;
+  if (answerGiven && words.answer != "yes" && words.answer != "no") {
+    return "--answer takes 'yes' or 'no', not " + Quoted(words.answer);
+  }
+  if (auto error = CountError(command, words.files.size())) return error;
+  if (command == Command::kMerge && app.count("--output") == 0) {
+    return "the output is missing: -o OUT";
+  }
+  return {};
+}
+
+CommandLine Understood(Command command, const Words& words) {
+  CommandLine line;
+  line.command = command;
+  for (const std::string& file : words.files) line.inputs.push_back(FromUtf8(file));
+  line.output = FromUtf8(words.output);
+  if (command == Command::kResave) {
+    line.output = std::move(line.inputs.back());
+    line.inputs.pop_back();
+  }
+  line.ignoreEnumErrors = words.ignoreEnumErrors;
+  line.quiet = words.quiet;
+  line.json = words.json;
+  if (!words.answer.empty()) {
+    line.answer = words.answer == "yes" ? platform::Answer::kYes : platform::Answer::kNo;
+  }
+  return line;
+}
+
+Outcome ParseCommand(const CommandName& command, std::vector<std::string> arguments) {
+  CLI::App app;
+  Words words;
+  AddOptions(app, command.command, words);
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // as the library takes them
+    app.parse(std::move(arguments));
+  } catch (const CLI::ParseError& error) {
+    return Wrong(command, error.what());
+  }
+  if (words.help) return Explanation{WideString(HelpOf(command.command))};
+  for (const std::string& extra : app.remaining()) {
+    if (extra != "--") return UnknownOption(command, app, extra);
+  }
+  if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);
+  return Understood(command.command, words);
+}
+
+Outcome ParseWithoutCommand(const std::string& word) {
+  if (word == "--help" || word == "-h") return Explanation{WideString(GeneralHelp())};
+  if (word == "--version") return Explanation{VersionText()};
+  std::vector<std::string> names;
+  for (const CommandName& command : kCommands) names.emplace_back(command.name);
+  const bool isOption = word.starts_with('-');
+  if (isOption) names = {"--help", "-h", "--version"};
+  const std::string kind = isOption ? "option before the command" : "command";
+  return Wrong("unknown " + kind + " " + Quoted(word) + "; the nearest is " +
+               Quoted(NearestName(word, names)) + ".\nSee 'corvel --help'.");
+}
+
+}  // namespace
+
+Outcome ParseCommandLine(const std::vector<WideString>& arguments) {
+  if (arguments.empty()) return Wrong("a command is needed.\nSee 'corvel --help'.");
+  std::vector<std::string> words;
+  for (const WideString& argument : arguments) words.push_back(ToUtf8(argument));
+  const CommandName* const command = FindCommand(words.front());
+  if (command == nullptr) return ParseWithoutCommand(words.front());
+  words.erase(words.begin());
+  return ParseCommand(*command, std::move(words));
+}
+
+}  // namespace corvel::host

@@ -1,0 +1,40 @@
+// What the user typed, understood.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "core/text.h"
+#include "platform/platform.h"
+
+namespace corvel::host {
+
+enum class Command { kMerge, kResave, kInfo };
+
+struct CommandLine {
+  Command command = Command::kMerge;
+  std::vector<WideString> inputs;  // merge: two or more; resave: one; info: one or more
+  WideString output;               // merge and resave
+  bool ignoreEnumErrors = false;
+  bool quiet = false;
+  bool json = false;                       // info
+  std::optional<platform::Answer> answer;  // kYes or kNo
+};
+
+// Text that was asked for: help or the version.
+struct Explanation {
+  WideString text;
+};
+
+// Wrong usage, as one or more lines without the name of the program.
+struct UsageError {
+  WideString text;
+};
+
+// `arguments`: those behind the program's own name.
+std::variant<CommandLine, Explanation, UsageError> ParseCommandLine(
+    const std::vector<WideString>& arguments);
+
+}  // namespace corvel::host

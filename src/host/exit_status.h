@@ -1,0 +1,14 @@
+// How a run ended, as the calling program sees it.
+#pragma once
+
+namespace corvel::host {
+
+enum class ExitStatus {
+  kDone = 0,              // written (or shown), and nothing was reported
+  kNothingWritten = 1,    // or, of `info`: a file had a problem
+  kWrongUsage = 2,
+  kCancelled = 3,         // nothing was written because the user wanted so
+  kWrittenWithReports = 4,
+};
+
+}  // namespace corvel::host

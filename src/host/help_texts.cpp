@@ -1,0 +1,189 @@
+#include "host/help_texts.h"
+
+namespace corvel::host {
+
+namespace {
+
+constexpr char16_t kGeneral[] =
+    uR"help(corvel - merges building models in the IFC format
+
+Usage:
+  corvel merge FILE FILE... -o OUT   fold all models into the first, write OUT
+  corvel resave IN OUT               read one model and write it back
+  corvel info FILE...                tell what files hold
+  corvel COMMAND --help              all about one command
+  corvel --help                      this text
+  corvel --version                   the version
+
+Models are STEP physical files (.ifc) of the releases IFC2X_FINAL,
+IFC2X2_PLATFORM, IFC2X2_FINAL, IFC2X3, IFC4, IFC4X1, IFC4X2, IFC4X3_ADD2 and
+IFC4X4.
+
+Exit status:
+  0    done: written (or shown), and nothing was reported
+  1    nothing was written; with info: a file had a problem
+  2    wrong usage
+  3    cancelled by the user, nothing was written
+  4    written, but errors or remarks were reported
+  130  interrupted a second time
+
+A file name that begins with "-" goes behind "--".
+)help";
+
+constexpr char16_t kMerge[] =
+    uR"help(corvel merge - folds several models into the first and writes one file
+
+Usage:
+  corvel merge FILE FILE... -o OUT [options] [--] [FILE...]
+
+Reads each FILE in the order given, folds all into the first, and writes OUT.
+The first FILE gives the header, the project and the units of the result: the
+projects of the other files give way to it, and everything else of them is
+added, with new numbers where theirs are taken. All files have to be of one
+release. The same file may be given twice.
+
+)help";
+
+constexpr char16_t kResave[] =
+    uR"help(corvel resave - reads one model and writes it back
+
+Usage:
+  corvel resave IN OUT [options]
+
+Reads IN and writes OUT with every record that was read, in order of their
+numbers, one record to a line.
+
+)help";
+
+constexpr char16_t kModelOptions[] =
+    uR"help(  --ignore-enum-errors    replace enumeration values that the release does
+                          not know, and log that, instead of asking whether
+                          to stop
+  --quiet                 no progress bars and no word about success; reports
+                          are shown still
+  --answer yes|no         answer every question so instead of asking. The
+                          question is always whether to stop.
+  -h, --help              this text
+
+Inputs and output have names that end in .ifc. OUT may be there already: it is
+then replaced. It must not be one of the inputs. Before anything is read, all
+files are looked at, and the run is refused with a message for each that is
+missing, a folder, empty or otherwise of no use.
+
+Progress is shown in two bars, of the whole run and of the step at work, where
+standard error is a terminal. Ctrl-C stops at the next tick of the progress;
+on a terminal you are asked whether to stop, and without one the answer is
+yes. A second Ctrl-C while the first has no answer yet ends the program at
+once with exit status 130.
+
+OUT is either complete or not there: whatever ends a run early removes what
+was written of it. (On Windows a second Ctrl-C may leave it unfinished.)
+
+Beside the inputs there are
+  NAME_IFC_LOG.txt        the log, beside the first input NAME.ifc. It is
+                          deleted at the end of a run in which nothing was
+                          reported. If it cannot be made, the run goes on, and
+                          all reports are shown.
+  NAME_TEMP.ifc           a working file beside each input NAME.ifc while the
+                          run lasts (NAME_TEMP2.ifc and so on where there is a
+                          model of that name), so that the folder of an input
+                          must be writable. Only a run that is ended by force
+                          leaves it behind.
+
+Exit status:
+  0    OUT was written, and nothing was reported
+  1    nothing was written, and a message tells why
+  2    wrong usage
+  3    cancelled: you stopped the run by Ctrl-C or by your own answer; nothing
+       was written
+  4    OUT was written, but something was reported. Everything that goes to
+       the log as a report counts, also what is not shown, such as
+       "IFC4X3_ADD2 is used instead" or a replaced enumeration value. The log
+       is kept, and its path is told.
+  130  interrupted a second time, nothing was written
+
+)help";
+
+constexpr char16_t kMergeExamples[] =
+    uR"help(Examples:
+  corvel merge architecture.ifc structure.ifc -o building.ifc
+  corvel merge --quiet --answer yes -o all.ifc a.ifc b.ifc c.ifc
+  corvel merge -o out.ifc -- -odd-name.ifc other.ifc
+)help";
+
+constexpr char16_t kResaveExamples[] =
+    uR"help(Examples:
+  corvel resave house.ifc house-clean.ifc
+  corvel resave --ignore-enum-errors draft.ifc readable.ifc
+)help";
+
+constexpr char16_t kInfo[] =
+    uR"help(corvel info - tells what model files hold
+
+Usage:
+  corvel info FILE... [--json]
+
+Shows for each FILE its size, the fields of its header, the release whose
+classes would serve it, the number of records, and the number of records per
+class, the most frequent class first and equal ones by name. The file is read
+once and no objects are made of it, so this works also on records that a merge
+would refuse. An instance of several classes at once counts as "(complex)", a
+record without a class name as "(nameless)".
+
+Options:
+  --json                  for programs, see below
+  -h, --help              this text
+  --quiet, --ignore-enum-errors, --answer yes|no
+                          taken as by the other commands; there is nothing
+                          that they change
+
+With --json one object goes to standard output:
+  {"files": [{
+    "file":     the name as given,
+    "bytes":    size,
+    "header":   null without a readable header, or an object with
+                "description" [], "implementationLevel", "name", "timeStamp",
+                "author" [], "organization" [], "preprocessorVersion",
+                "originatingSystem", "authorization", "schemaIdentifier",
+    "schema":   the release, such as "IFC2X3", or null when none serves it,
+    "records":  number of records,
+    "classes":  {"IFCWALL": number of records, ...}, in the order told above,
+    "remarks":  [texts worth knowing],
+    "problems": [texts; empty when the file can be read]
+  }, ...]}
+Bytes of the file that are no valid text stand there as U+FFFD.
+
+Files with problems get a message on standard error; the other files are shown
+all the same.
+
+Exit status:
+  0    all files were shown, and none has a problem
+  1    a file has a problem
+  2    wrong usage
+
+Examples:
+  corvel info house.ifc
+  corvel info --json *.ifc | jq '.files[] | {file, walls: .classes.IFCWALL}'
+)help";
+
+}  // namespace
+
+WideView GeneralHelp() { return kGeneral; }
+
+WideView HelpOf(Command command) {
+  static const WideString merge =
+      WideString(kMerge) + u"Options:\n  -o, --output OUT        the file to write; required\n" +
+      kModelOptions + kMergeExamples;
+  static const WideString resave =
+      WideString(kResave) + u"Options:\n" + kModelOptions + kResaveExamples;
+  switch (command) {
+    case Command::kMerge: return merge;
+    case Command::kResave: return resave;
+    case Command::kInfo: return kInfo;
+  }
+  return kGeneral;
+}
+
+WideString VersionText() { return u"corvel " + Widen(CORVEL_VERSION) + u"\n"; }
+
+}  // namespace corvel::host

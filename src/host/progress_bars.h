@@ -1,0 +1,34 @@
+// Two bars in the last two lines of a terminal.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "core/text.h"
+#include "host/progress_state.h"
+
+namespace corvel::host {
+
+// `text [#####.....]  50%` in exactly `columns` columns; without the bar where there is no room.
+WideString RenderBar(WideView text, int percent, int columns);
+
+// Draws in place. Erase before anything else is written to the terminal; the next Draw brings the
+// bars back below it.
+class ProgressBars {
+ public:
+  // `write` puts text on the terminal, `columns` asks for its width.
+  ProgressBars(std::function<void(WideView)> write, std::function<int()> columns);
+  ~ProgressBars() { Erase(); }
+  ProgressBars(const ProgressBars&) = delete;
+  ProgressBars& operator=(const ProgressBars&) = delete;
+
+  void Draw(const ProgressView& view);
+  void Erase();
+
+ private:
+  std::function<void(WideView)> write_;
+  std::function<int()> columns_;
+  WideString drawn_;  // empty: nothing is on the terminal
+};
+
+}  // namespace corvel::host

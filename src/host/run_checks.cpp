@@ -1,0 +1,126 @@
+#include "host/run_checks.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "platform/console.h"
+#include "platform/file.h"
+#include "platform/native_path.h"
+#include "step/streams/input_stream.h"
+
+namespace corvel::host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char16_t kEnding[] = u".ifc";
+
+fs::file_type TypeOf(const WideString& path) {
+  std::error_code ignored;
+  return fs::status(platform::NativePath(path), ignored).type();
+}
+
+bool HasModelEnding(const WideString& path) { return FileStream::ExtensionOf(path) == kEnding; }
+
+const char16_t* TroubleWithInputType(const WideString& path) {
+  switch (TypeOf(path)) {
+    case fs::file_type::regular: return nullptr;
+    case fs::file_type::not_found: return u"there is no such file";
+    case fs::file_type::directory: return u"this is a folder, not a model";
+    case fs::file_type::none: return u"this file cannot be reached";
+    default: return u"this is no ordinary file";
+  }
+}
+
+const char16_t* TroubleWithContent(const WideString& path) {
+  platform::File file;
+  if (!file.Open(path, platform::OpenMode::kRead)) return u"this file cannot be opened for reading";
+  return file.Size() == 0 ? u"this file is empty" : nullptr;
+}
+
+// A device may stand where the output goes: it takes bytes and keeps none.
+const char16_t* TroubleWithOutputType(const WideString& path) {
+  switch (TypeOf(path)) {
+    case fs::file_type::regular:
+    case fs::file_type::not_found:
+    case fs::file_type::character: return nullptr;
+    case fs::file_type::directory: return u"this is a folder; name a file in it";
+    case fs::file_type::none: return u"this file cannot be reached";
+    default: return u"this is no ordinary file";
+  }
+}
+
+bool FolderExists(const WideString& path) {
+  const fs::path folder = platform::NativePath(path).parent_path();
+  std::error_code ignored;
+  return folder.empty() || fs::is_directory(folder, ignored);
+}
+
+bool CanBeWritten(const WideString& path) {
+  const WideString target = FollowLinks(path);
+  platform::File file;
+  if (platform::FileExists(target)) return file.Open(target, platform::OpenMode::kAppend);
+  platform::SetUnfinishedFile(target);
+  const bool made = file.Open(target, platform::OpenMode::kWrite);
+  file.Close();
+  const bool removed = made && platform::RemoveFile(target);
+  platform::SetUnfinishedFile({});
+  return removed;
+}
+
+std::optional<WideString> Told(const char16_t* trouble) {
+  if (trouble == nullptr) return {};
+  return trouble;
+}
+
+}  // namespace
+
+std::optional<WideString> TroubleWithInput(const WideString& path) {
+  if (path.empty()) return u"the name of an input is empty";
+  if (const auto told = Told(TroubleWithInputType(path))) return told;
+  if (!HasModelEnding(path)) return u"the name of a model has to end in .ifc";
+  return Told(TroubleWithContent(path));
+}
+
+std::optional<WideString> TroubleWithOutput(const WideString& path,
+                                            const std::vector<WideString>& inputs) {
+  if (path.empty()) return u"the name of the output is empty";
+  if (!HasModelEnding(path)) return u"the name of the output has to end in .ifc";
+  if (const auto told = Told(TroubleWithOutputType(path))) return told;
+  if (!FolderExists(path)) return u"the folder for the output does not exist";
+  const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const WideString& input) {
+    return input == path || platform::IsSameFile(input, path);
+  });
+  if (isInput) return u"the output is also an input, and inputs are never overwritten";
+  if (!CanBeWritten(path)) return u"the output cannot be written there";
+  return {};
+}
+
+bool HasClosingLine(const WideString& path) {
+  constexpr std::int64_t kNear = 0x10000;
+  platform::File file;
+  if (!file.Open(path, platform::OpenMode::kRead)) return false;
+  const std::int64_t size = file.Size();
+  std::string end(static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, kNear)), '\0');
+  if (!file.Seek(size - static_cast<std::int64_t>(end.size()))) return false;
+  end.resize(file.Read(end.data(), end.size()));
+  return end.find("END-ISO") != std::string::npos;
+}
+
+WideString FollowLinks(const WideString& path) {
+  constexpr int kLongestChain = 40;
+  fs::path target = platform::NativePath(path);
+  std::error_code failure;
+  for (int i = 0; i < kLongestChain && fs::is_symlink(target, failure); ++i) {
+    const fs::path next = fs::read_symlink(target, failure);
+    if (failure) break;
+    target = target.parent_path() / next;  // an absolute `next` stands alone
+  }
+  return platform::FromNativePath(target);
+}
+
+}  // namespace corvel::host

@@ -1,0 +1,27 @@
+// What can be said against a run before anything is read.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/text.h"
+
+namespace corvel::host {
+
+// The reason why the model cannot be read; nothing when it can be opened and holds at least one
+// byte. Devices and pipes are refused: a model is read more than once.
+std::optional<WideString> TroubleWithInput(const WideString& path);
+
+// The reason why the output cannot be written; nothing when it can. An output that is there already
+// is left alone here, and one that could be made is not left behind.
+std::optional<WideString> TroubleWithOutput(const WideString& path,
+                                            const std::vector<WideString>& inputs);
+
+// True when the closing line of a STEP file stands near the end of the file at `path`. A file
+// without it was cut short, most likely, and the reader takes it without a word as far as it goes.
+bool HasClosingLine(const WideString& path);
+
+// Where a path leads when the links at its end are followed, whether or not something is there.
+WideString FollowLinks(const WideString& path);
+
+}  // namespace corvel::host

@@ -1,0 +1,110 @@
+#include "platform/console.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/utf8.h"
+
+namespace platform {
+
+namespace {
+
+constexpr int kInterruptedStatus = 130;
+
+// Touched by signal handlers: no more than lock-free atomics and plain bytes.
+std::atomic<bool> interrupted{false};
+std::atomic<bool> hasUnfinishedFile{false};
+char unfinishedFile[4096];
+
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void RemoveUnfinishedFile() {
+  if (hasUnfinishedFile.exchange(false)) ::unlink(unfinishedFile);
+}
+
+void OnInterrupt(int /*signal*/) {
+  if (!interrupted.exchange(true)) return;
+  RemoveUnfinishedFile();
+  ::_exit(kInterruptedStatus);
+}
+
+// The signal then does what it would have done.
+void OnRequestToEnd(int signal) {
+  RemoveUnfinishedFile();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+void Catch(int signal, void (*handler)(int)) {
+  struct sigaction present {};
+  if (::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = SA_RESTART;
+  ::sigemptyset(&action.sa_mask);
+  ::sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+std::vector<std::u16string> ProgramArguments(int count, char** arguments) {
+  std::vector<std::u16string> texts;
+  for (int i = 1; i < count; ++i) texts.push_back(FromUtf8(arguments[i]));
+  return texts;
+}
+
+// The system gives out the lowest free number.
+void KeepStandardStreams() {
+  int descriptor = ::open("/dev/null", O_RDWR);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);
+  if (descriptor >= 0) ::close(descriptor);
+}
+
+bool WriteStandardOutput(std::u16string_view text) {
+  const std::string bytes = ToUtf8(text);
+  return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() &&
+         std::fflush(stdout) == 0;
+}
+
+bool CanDrawOnTerminal() {
+  const char* const kind = std::getenv("TERM");
+  return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' &&
+         std::strcmp(kind, "dumb") != 0;
+}
+
+int TerminalColumns() {
+  constexpr int kUnknown = 80;
+  struct winsize size {};
+  const bool told = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+  return told ? size.ws_col : kUnknown;
+}
+
+void CatchInterrupts() {
+  Catch(SIGINT, OnInterrupt);
+  Catch(SIGTERM, OnRequestToEnd);
+  Catch(SIGHUP, OnRequestToEnd);
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+bool IsInterrupted() { return interrupted; }
+
+void ForgetInterrupt() { interrupted = false; }
+
+void SetUnfinishedFile(const std::u16string& path) {
+  hasUnfinishedFile = false;
+  const std::string name = ToUtf8(path);
+  if (name.empty() || name.size() >= sizeof unfinishedFile) return;
+  std::memcpy(unfinishedFile, name.c_str(), name.size() + 1);
+  hasUnfinishedFile = true;
+}
+
+}  // namespace platform
