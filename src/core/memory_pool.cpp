@@ -86,9 +86,9 @@ void MemoryPool::AddBlock(std::uint64_t size) {
                              error.what());
   }
   block->free = size;
-  current_ = block.get();
-  next_ = block->data.get();
   blocks_.push_back(std::move(block));
+  current_ = blocks_.back().get();
+  next_ = current_->data.get();
 }
 
 // A block never gets quite full: at exactly the remaining size a new one is taken. The rest of a
@@ -104,10 +104,9 @@ char* MemoryPool::Take(std::uint64_t size) {
 char* MemoryPool::AllocNarrow(std::uint64_t length) { return Take(length + 1); }
 
 char16_t* MemoryPool::AllocWide(std::uint64_t length) {
-  const std::uint64_t size = 2 * length + 2;
   const bool odd = reinterpret_cast<std::uintptr_t>(next_) % alignof(char16_t) != 0;
-  if (odd && size + 1 < current_->free) Take(1);
-  return reinterpret_cast<char16_t*>(Take(size));
+  if (odd && current_->free > 1) Take(1);
+  return reinterpret_cast<char16_t*>(Take(2 * length + 2));
 }
 
 const char* MemoryPool::InternNarrow(std::string_view text) {

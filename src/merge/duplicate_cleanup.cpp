@@ -15,9 +15,15 @@ namespace {
 
 bool IsDeleted(const IFC::IfcEntity& entity) { return entity.marker == IFC::kDeleted; }
 
+// By number: of two parents that say the same the later one goes, on every run, wherever the objects
+// lie in memory.
 std::vector<IFC::IfcEntity*> ParentsOf(const IFC::IfcEntity& entity) {
   const auto members = entity.parents.Members();
-  return {members.begin(), members.end()};
+  std::vector<IFC::IfcEntity*> parents(members.begin(), members.end());
+  std::stable_sort(
+      parents.begin(), parents.end(),
+      [](const IFC::IfcEntity* a, const IFC::IfcEntity* b) { return a->marker < b->marker; });
+  return parents;
 }
 
 // True when every child of `a` is one of `b`.
@@ -31,7 +37,7 @@ bool CoversChildrenOf(const IFC::IfcEntity& b, const IFC::IfcEntity& a) {
   return true;
 }
 
-// The GUIDs that a relation holds beside that of `entity`, in order, joined by "|".
+// The GUIDs that a relation holds beside that of `entity`, ascending, joined by "|".
 std::string KeyOfOthers(const IFC::IfcEntity& relation, const IFC::IfcEntity& entity) {
   IFC::ChildQueue children;
   relation.collectChildren(children);
@@ -45,9 +51,9 @@ std::string KeyOfOthers(const IFC::IfcEntity& relation, const IFC::IfcEntity& en
   }
   std::sort(guids.begin(), guids.end());
   std::string key;
-  for (const std::string_view guid : guids) {
-    if (!key.empty()) key.push_back('|');
-    key += guid;
+  for (std::size_t i = 0; i < guids.size(); ++i) {
+    if (i != 0) key.push_back('|');
+    key += guids[i];
   }
   return key;
 }

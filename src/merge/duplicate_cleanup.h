@@ -5,6 +5,8 @@
 
 namespace corvel {
 
+// "Earlier" and "first" below go by number, so that the outcome is the same on every run.
+
 // Among the parents of an entity that was folded onto another: marks as deleted each parent whose
 // class is that of an earlier parent and that covers all the children of that one. It may hold more
 // and goes all the same.

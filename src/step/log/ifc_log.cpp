@@ -65,9 +65,8 @@ void IfcLog::Open(const WideString& path) {
 void IfcLog::WriteDateLine() {
   const platform::LocalTime now = platform::Get().Now();
   char text[96];
-  const int length =
-      std::snprintf(text, sizeof text, "[%02d-%02d-%d    %02d:%02d:%02d]\r\n", now.day, now.month,
-                    now.year, now.hour, now.minute, now.second);
+  const int length = std::snprintf(text, sizeof text, "[%02d-%02d-%d    %02d:%02d:%02d]\r\n",
+                                   now.day, now.month, now.year, now.hour, now.minute, now.second);
   Guarded([&] {
     stream_->WriteNarrowString(std::string(text, static_cast<std::size_t>(length)));
     stream_->Commit();

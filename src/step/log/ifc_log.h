@@ -23,8 +23,8 @@ class IfcLog {
   IfcLog(const IfcLog&) = delete;
   IfcLog& operator=(const IfcLog&) = delete;
 
-  // Starts the log of the model at `path` with a line of date and time; goes on with the log that is
-  // there already, reopening it if a failed write closed it. Unmutes. Without a file that can be
+  // Starts the log of the model at `path` with a line of date and time; goes on with the log that
+  // is there already, reopening it if a failed write closed it. Unmutes. Without a file that can be
   // made, all other operations do nothing.
   void Open(const WideString& path);
   // Closes the file and forgets the stream; Path stays.

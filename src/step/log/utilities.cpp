@@ -114,7 +114,7 @@ void SaveLastPath(const WideString& folder, const WideString& path, ErrorReporte
 
 void OpenLastFile(const WideString& folder, ErrorReporter showError) {
   const WideString path = ReadLastPath(platform::JoinPath(folder, kLastPathName));
-  if (path.empty() || !CanBeRead(path)) {
+  if (!CanBeRead(path)) {
     showError("fail_to_open_last_created_file_message", u"", kReportShow);
     return;
   }

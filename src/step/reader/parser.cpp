@@ -68,7 +68,8 @@ Parser::Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCall
   texts = &SharedCancelTexts();
 }
 
-Parser::~Parser() { RemoveTempFile(); }
+// The file of a read that failed stays beside the input, where the next read overwrites it.
+Parser::~Parser() = default;
 
 bool Parser::SelectSchema(const WideString& identifier) {
   const auto schema = ChooseSchemaNamespace(identifier, showError);
@@ -94,6 +95,8 @@ bool Parser::ParseFile(const WideString& path, int fileCount) {
     showError("", Widen(error.what()), kReportShow);
     state = ParserState::kFailed;
     RemoveTempFile();
+    scanner.reset();  // in the second pass it is the one that has the file open
+    platform::RemoveFile(tempPath);
   }
   log.SetMuted(false);
   return done;
@@ -101,7 +104,10 @@ bool Parser::ParseFile(const WideString& path, int fileCount) {
 
 bool Parser::OpenInput(const WideString& path) {
   auto opened = std::make_unique<Scanner>(path, kBufferSize, showError);
-  if (!opened->IsOpen()) return false;
+  if (!opened->IsOpen()) {
+    if (opened->Stream() != nullptr) ReportUnopened(path);
+    return false;
+  }
   filePath = path;
   tempPath = TempPathFor(*opened->Stream());
   mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kBufferSize);
@@ -156,6 +162,10 @@ bool Parser::CheckTempFile() {
   return false;
 }
 
+void Parser::ReportUnopened(const WideString& path) {
+  showError("could_not_open_file", u". File path: " + path, kReportShow);
+}
+
 void Parser::StartPass(std::unique_ptr<Scanner> passScanner) {
   scanner = std::move(passScanner);
   totalBytes_ = scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize();
@@ -171,7 +181,7 @@ bool Parser::ReadFile(int fileCount) {
   scanner.reset();
   tempStream_.reset();
   if (!ReadSecondPart(fileCount)) {
-    state = ParserState::kCancelled;
+    if (state != ParserState::kFailed) state = ParserState::kCancelled;
     RemoveTempFile();
     return false;
   }
@@ -194,6 +204,7 @@ bool Parser::ReadFirstPart(int fileCount) {
   }
   if (!CloseTempStream()) {
     state = ParserState::kFailed;
+    RemoveTempFile();
     return false;
   }
   return !IsStopped();
@@ -218,12 +229,13 @@ bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
     AssignSpecIE(entity);
   }
   forwardReference = false;
+  lastMarker_ = marker;
+  // Before the progress: a cancellation that the user declines has looked at the next record.
+  scanner->ClearTokens();
   if (!ReportProgress(false, fileCount)) {
     state = ParserState::kCancelled;
     return false;
   }
-  scanner->ClearTokens();
-  lastMarker_ = marker;
   return true;
 }
 
@@ -241,7 +253,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   }
   IFC::IfcEntity* const entity = create(Pool());
   entity->SetMarker(marker);
-  scanner->NextToken();  // (
+  TakeOpenBracket();
   return ReadArguments(entity);
 }
 
@@ -274,6 +286,12 @@ bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
   showError("", u"Entity duplicated: #" + ToWide(marker), kReportShow);
   Cancel();
   return false;
+}
+
+// A record without one ends at its ";" all the same, which stays in place.
+void Parser::TakeOpenBracket() {
+  const TokenType type = scanner->PeekToken()->getType();
+  if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner->NextToken();
 }
 
 // Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
@@ -332,19 +350,23 @@ bool Parser::ReadSecondPart(int fileCount) {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"Reading second part of file...");
   StartPass(std::make_unique<Scanner>(tempPath, kBufferSize, showError));
+  if (!scanner->IsOpen()) {
+    ReportUnopened(tempPath);
+    state = ParserState::kFailed;
+  }
   hundredth_ = 1;
   for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
        token = scanner->NextToken()) {
     if (token->Is(TokenType::IdentifierToken) && !ReadRecordAgain(token->number)) break;
+    scanner->ClearTokens();
     if (!ReportProgress(true, fileCount)) {
       Cancel();
       state = ParserState::kCancelled;
       break;
     }
-    scanner->ClearTokens();
   }
   ReportProgress(true, fileCount);
-  const bool done = scanner->IsOpen() && !IsStopped();
+  const bool done = !IsStopped();
   scanner.reset();
   log.SetMuted(false);
   return done;
@@ -356,7 +378,7 @@ bool Parser::ReadRecordAgain(std::uint32_t marker) {
   scanner->NextToken();  // =
   scanner->NextToken();  // the name
   IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);
-  scanner->NextToken();  // (
+  TakeOpenBracket();
   if (entity != nullptr) ReadArguments(entity);
   TakeRestOfRecord();
   return !IsStopped();
@@ -405,8 +427,10 @@ bool Parser::ReportProgress(bool secondPass, int fileCount) {
 }
 
 bool Parser::Cancel() {
-  const bool atEnd = scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
-  if (CancelMode() < 2 && !atEnd && !AskCancelQuestion(*texts)) return false;
+  const auto atEnd = [this] {
+    return scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
+  };
+  if (CancelMode() < 2 && !atEnd() && !AskCancelQuestion(*texts)) return false;
   CancelMode() = 2;
   {
     const LogUnmuted unmuted(IfcLog::Instance());

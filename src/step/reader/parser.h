@@ -106,6 +106,7 @@ class Parser {
 
  private:
   bool OpenInput(const WideString& path);
+  void ReportUnopened(const WideString& path);
   void ReadHead();
   WideString TempPathFor(const FileStream::InputStream& stream) const;
   bool IsTempPathFree(const WideString& candidate) const;
@@ -122,6 +123,7 @@ class Parser {
   bool ReadSecondPart(int fileCount);
   bool ReadRecordAgain(std::uint32_t marker);
   bool PassHundredths(std::uint32_t marker);
+  void TakeOpenBracket();
   void TakeRestOfRecord();
   void StartPass(std::unique_ptr<Scanner> passScanner);
   bool ReportProgress(bool secondPass, int fileCount);

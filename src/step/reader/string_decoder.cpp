@@ -32,10 +32,8 @@ class Decoder {
         text_.push_back(u'\'');
       } else if (byte == '\\') {
         TakeDirective();
-      } else if (byte > 127) {
-        text_.push_back(static_cast<char16_t>(kRawByteBase + byte));
-      } else {  // a plain byte at the border of two windows
-        text_.push_back(static_cast<char16_t>(byte));
+      } else {
+        AddPlain(byte);
       }
     }
   }
@@ -59,6 +57,11 @@ class Decoder {
     while (at != windowEnd && IsPlain(*at)) ++at;
     text_.append(begin, at);
     stream_.SetCursor(at);
+  }
+
+  // A byte that stands for itself. Those above 127 are kept apart from decoded characters.
+  void AddPlain(int byte) {
+    text_.push_back(static_cast<char16_t>(byte > 127 ? kRawByteBase + byte : byte));
   }
 
   void TakeDirective() {
@@ -89,13 +92,23 @@ class Decoder {
     if (byte != kEnd) AddByte(static_cast<std::uint8_t>(byte + 128));
   }
 
-  // \Pc\ : page A is ISO 8859-1, B is 8859-2 and so on.
+  // \Pc\ : page A is ISO 8859-1, B is 8859-2 and so on. Without its second "\" it is text, as in
+  // a path that nobody has escaped.
   void TakeCodePage() {
     Take();
-    const int page = Take();
-    if (page == kEnd) return;
-    codePage_ = static_cast<unsigned>(page) + 28526u;
-    if (Peek() == '\\') Take();
+    const int page = Peek();
+    if (page == kEnd || page == '\'' || page == '\\') {
+      text_ += u"\\P";
+      return;
+    }
+    Take();
+    if (Peek() == '\\') {
+      Take();
+      codePage_ = static_cast<unsigned>(page) + 28526u;
+    } else {
+      text_ += u"\\P";
+      AddPlain(page);
+    }
   }
 
   // Behind \X

@@ -30,8 +30,8 @@ class OutpoutStream {
   // Moves the position; `whence` is ignored. Throws std::runtime_error below 0.
   virtual void MovePosition(std::int64_t delta, int whence = 1) = 0;
   virtual void WriteNarrowString(const std::string& text) = 0;
-  virtual void WriteWideText(const char16_t* text) = 0;    // up to the NUL
-  virtual void WriteNarrowText(const char* text) = 0;      // up to the NUL
+  virtual void WriteWideText(const char16_t* text) = 0;  // up to the NUL
+  virtual void WriteNarrowText(const char* text) = 0;    // up to the NUL
   virtual void WriteWideString(const corvel::WideString& text) = 0;
   // Writes out when the buffer is full. Throws std::runtime_error when the write comes short.
   virtual void FlushIfFull() = 0;
@@ -65,9 +65,9 @@ class OutpoutStream {
   // Makes room for at least kMaxReserve bytes by writing out all but the keep-back.
   virtual void FlushWindow() = 0;
 
-  char* window_ = nullptr;           // start of the buffer
-  std::uint64_t position_ = 0;       // next byte to be written, an index into the buffer
-  std::uint64_t windowCapacity_ = 0; // size of the buffer
+  char* window_ = nullptr;            // start of the buffer
+  std::uint64_t position_ = 0;        // next byte to be written, an index into the buffer
+  std::uint64_t windowCapacity_ = 0;  // size of the buffer
 };
 
 }  // namespace FileStream
