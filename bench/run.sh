@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Makes the models, measures reading, merging and writing, and prints one table: input per second of
+# processor time, and peak memory per input byte. Each figure is the median of five runs.
+#   bench/run.sh [SIZE...]      sizes of the models, 25MB 100MB unless told
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$here"
+sizes=("$@")
+[ "${#sizes[@]}" -gt 0 ] || sizes=(25MB 100MB)
+
+tools/setup.sh
+cmake --preset bench >/dev/null
+cmake --build --preset bench
+bench=build/bench/bench/corvel_job_bench
+models=build/bench/models
+mkdir -p "$models"
+
+for schema in IFC2X3 IFC4; do
+  for size in "${sizes[@]}"; do
+    model=$models/${schema}_$size.ifc
+    [ -f "$model" ] || python3 -B tools/make_models.py big --schema "$schema" --size "$size" \
+      --out "$model" --seed 1
+  done
+done
+
+python3 -B bench/table.py "$bench" "$models" "${sizes[@]}"
+if [ -x build/bench/bench/corvel_part_bench ]; then build/bench/bench/corvel_part_bench; fi
