@@ -9,10 +9,10 @@ sizes=("$@")
 [ "${#sizes[@]}" -gt 0 ] || sizes=(25MB 100MB)
 
 tools/setup.sh
-cmake --preset bench >/dev/null
-cmake --build --preset bench
-bench=build/bench/bench/corvel_job_bench
-models=build/bench/models
+cmake --preset release >/dev/null
+cmake --build --preset release --target corvel_benchmarks
+bench=build/release/bench/corvel_job_bench
+models=build/bench_models
 mkdir -p "$models"
 
 for schema in IFC2X3 IFC4; do
@@ -24,4 +24,4 @@ for schema in IFC2X3 IFC4; do
 done
 
 python3 -B bench/table.py "$bench" "$models" "${sizes[@]}"
-if [ -x build/bench/bench/corvel_part_bench ]; then build/bench/bench/corvel_part_bench; fi
+build/release/bench/corvel_part_bench

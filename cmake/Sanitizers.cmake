@@ -5,3 +5,8 @@ if(CORVEL_SANITIZE)
   add_compile_options(-fno-sanitize=vptr)
   add_link_options(-fsanitize=${CORVEL_SANITIZE})
 endif()
+
+# The fuzzer is led by the coverage of everything, not of the targets alone.
+if(CORVEL_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

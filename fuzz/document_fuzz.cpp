@@ -1,6 +1,6 @@
-// Any bytes behind a good header, as a model: reading ends with a model or with a report. What can be
-// read can be written and read again without a report, and the second output has the records of the
-// first. The first byte chooses the release.
+// Any bytes behind a good header, as a model: reading ends with a model or with a report. What can
+// be read can be written and read again without a report, and the second output has the records of
+// the first. The first byte chooses the release.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -25,8 +25,9 @@ int CountReport(const char*, const corvel::WideString&, int) {
 bool GoOn(int, int, const corvel::WideString*, bool, int) { return true; }
 
 std::string WithHeader(const char* schema, const std::string& records) {
-  return std::string("ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
-                     "FILE_NAME('','',(''),(''),'','','');\nFILE_SCHEMA(('") +
+  return std::string(
+             "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
+             "FILE_NAME('','',(''),(''),'','','');\nFILE_SCHEMA(('") +
          schema + "'));\nENDSEC;\nDATA;\n" + records + "\nENDSEC;\nEND-ISO-10303-21;\n";
 }
 

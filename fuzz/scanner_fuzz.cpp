@@ -1,5 +1,5 @@
-// Any bytes, in windows of any size: the scanner ends, and the borders of its windows do not show in
-// the tokens. The first byte of the input is the size of the windows.
+// Any bytes, in windows of any size: the scanner ends, and the borders of its windows do not show
+// in the tokens. The first byte of the input is the size of the windows.
 #include <cstdint>
 #include <cstdlib>
 #include <memory>

@@ -1,0 +1,69 @@
+// Interning, look-up by number and casts that remember.
+#include <benchmark/benchmark.h>
+
+#include <random>
+#include <vector>
+
+#include "core/entity_cast.h"
+#include "core/memory_pool.h"
+#include "core/number_table.h"
+#include "core/root_interfaces.h"
+#include "step/factories.h"
+
+namespace {
+
+constexpr std::uint64_t kPoolBlock = 0xA00000;
+
+void InternWide(benchmark::State& state) {
+  std::vector<corvel::WideString> texts;
+  for (std::uint32_t i = 0; i < 20000; ++i) {
+    texts.push_back(i % 5 == 0 ? u"Tag " + corvel::ToWide(i)
+                               : u"Reference " + corvel::ToWide(i % 50));
+  }
+  for (auto _ : state) {
+    corvel::MemoryPool pool(kPoolBlock);
+    for (const auto& text : texts) benchmark::DoNotOptimize(pool.InternWide(text));
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<long>(texts.size()));
+}
+BENCHMARK(InternWide);
+
+void FindNumber(benchmark::State& state) {
+  corvel::MemoryPool pool(kPoolBlock);
+  corvel::NumberTable table;
+  const auto create = corvel::FactoriesOf(corvel::SchemaNamespace::IFC4).Find("IFCCARTESIANPOINT");
+  constexpr std::uint32_t kCount = 100000;
+  for (std::uint32_t number = 1; number <= kCount; ++number) table.Set(number, create(pool));
+  std::mt19937 random(1);
+  std::vector<std::uint32_t> asked(4096);
+  for (auto& number : asked) number = static_cast<std::uint32_t>(random() % kCount + 1);
+  for (auto _ : state) {
+    for (const std::uint32_t number : asked) benchmark::DoNotOptimize(table.Find(number));
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<long>(asked.size()));
+}
+BENCHMARK(FindNumber);
+
+template <bool kRemembering>
+void CastToRoot(benchmark::State& state) {
+  corvel::MemoryPool pool(kPoolBlock);
+  const auto& factories = corvel::FactoriesOf(corvel::SchemaNamespace::IFC4);
+  std::vector<IFC::IfcEntity*> entities;
+  for (const char* name : {"IFCWALL", "IFCCARTESIANPOINT", "IFCPROPERTYSET", "IFCDOOR"}) {
+    for (int i = 0; i < 256; ++i) entities.push_back(factories.Find(name)(pool));
+  }
+  for (auto _ : state) {
+    for (IFC::IfcEntity* const entity : entities) {
+      if constexpr (kRemembering) {
+        benchmark::DoNotOptimize(corvel::EntityCast<IFC::VirtualIfcRoot>(entity));
+      } else {
+        benchmark::DoNotOptimize(dynamic_cast<IFC::VirtualIfcRoot*>(entity));
+      }
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<long>(entities.size()));
+}
+BENCHMARK(CastToRoot<true>)->Name("CastToRoot/remembering");
+BENCHMARK(CastToRoot<false>)->Name("CastToRoot/dynamic_cast");
+
+}  // namespace
