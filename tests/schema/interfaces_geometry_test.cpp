@@ -192,15 +192,13 @@ class PointInterface : public EachRelease {};
 RUN_FOR_EACH_RELEASE(PointInterface);
 
 TEST_P(PointInterface, CoordinatesAreReadInAnyNumber) {
-  EXPECT_EQ((std::vector{1.0, 2.5, -3.0}),
-            AddAs<IFC::VirtualIfcCartesianPoint>(1, "IFCCARTESIANPOINT((1.,2.5,-3.))")
-                .getCoordinates());
+  EXPECT_EQ(
+      (std::vector{1.0, 2.5, -3.0}),
+      AddAs<IFC::VirtualIfcCartesianPoint>(1, "IFCCARTESIANPOINT((1.,2.5,-3.))").getCoordinates());
   EXPECT_EQ((std::vector{1.0, 2.0}),
-            AddAs<IFC::VirtualIfcCartesianPoint>(2, "IFCCARTESIANPOINT((1.,2.))")
-                .getCoordinates());
-  EXPECT_TRUE(AddAs<IFC::VirtualIfcCartesianPoint>(3, "IFCCARTESIANPOINT(())")
-                  .getCoordinates()
-                  .empty());
+            AddAs<IFC::VirtualIfcCartesianPoint>(2, "IFCCARTESIANPOINT((1.,2.))").getCoordinates());
+  EXPECT_TRUE(
+      AddAs<IFC::VirtualIfcCartesianPoint>(3, "IFCCARTESIANPOINT(())").getCoordinates().empty());
 }
 
 TEST_P(PointInterface, CoordinatesAreReplacedByFewerOrMore) {

@@ -129,9 +129,8 @@ class IntegerCountInterface : public EachRelease {};
 RUN_FOR_RELEASES(IntegerCountInterface, IFC4X3_ADD2, IFC4X3_ADD2);
 
 // IfcQuantityTime is missing in one release and IfcQuantityNumber in all but one.
-constexpr const char* kQuantities[] = {"IFCQUANTITYAREA",   "IFCQUANTITYCOUNT",
-                                       "IFCQUANTITYLENGTH", "IFCQUANTITYNUMBER",
-                                       "IFCQUANTITYTIME",   "IFCQUANTITYVOLUME",
+constexpr const char* kQuantities[] = {"IFCQUANTITYAREA",   "IFCQUANTITYCOUNT", "IFCQUANTITYLENGTH",
+                                       "IFCQUANTITYNUMBER", "IFCQUANTITYTIME",  "IFCQUANTITYVOLUME",
                                        "IFCQUANTITYWEIGHT"};
 
 TEST_P(OldQuantityInterface, QuantitiesAreNoPropertiesButPrototypes) {
@@ -153,7 +152,7 @@ TEST_P(QuantityInterface, ValueIsReplaced) {
     property.setQuantityValue(7.0);
     EXPECT_EQ(pointless ? "'name','text',$,7" : "'name','text',$,7.", FirstWritten(4, &property));
     property.setQuantityValue(2.5);
-    const std::string written = !pointless                                          ? "2.5E+00"
+    const std::string written = !pointless                                           ? "2.5E+00"
                                 : countsInIntegers && quantity == "IFCQUANTITYCOUNT" ? "2"
                                                                                      : "2.5";
     EXPECT_EQ("'name','text',$," + written, FirstWritten(4, &property));
@@ -166,11 +165,16 @@ TEST_P(IntegerCountInterface, CountIsCutAndHeldTo32Bits) {
   const struct {
     double value;
     const char* written;
-  } cases[] = {{2.9, "2"},           {-2.9, "-2"},
-               {1e10, "2147483647"}, {-1e10, "-2147483648"},
-               {2147483647.0, "2147483647"}, {2147483648.0, "2147483647"},
-               {-2147483648.0, "-2147483648"}, {std::nan(""), "0"},
-               {infinity, "2147483647"}, {-infinity, "-2147483648"}};
+  } cases[] = {{2.9, "2"},
+               {-2.9, "-2"},
+               {1e10, "2147483647"},
+               {-1e10, "-2147483648"},
+               {2147483647.0, "2147483647"},
+               {2147483648.0, "2147483647"},
+               {-2147483648.0, "-2147483648"},
+               {std::nan(""), "0"},
+               {infinity, "2147483647"},
+               {-infinity, "-2147483648"}};
   for (const auto& one : cases) {
     count.setQuantityValue(one.value);
     EXPECT_EQ(std::string("'name','text',$,") + one.written, FirstWritten(4, &count)) << one.value;
@@ -217,8 +221,8 @@ TEST_P(PrototypeInterface, SingleValueIsCloned) {
 }
 
 TEST_P(PrototypeInterface, CloneGoesItsOwnWay) {
-  auto& original = AddAs<IFC::VIfcPropertySingleValue>(
-      1, "IFCPROPERTYSINGLEVALUE('name','text',IFCREAL(1.),$)");
+  auto& original =
+      AddAs<IFC::VIfcPropertySingleValue>(1, "IFCPROPERTYSINGLEVALUE('name','text',IFCREAL(1.),$)");
   auto* const copy = EntityCast<IFC::VIfcPropertySingleValue>(original.clone(Pool()));
   ASSERT_NE(nullptr, copy);
   copy->setPropertyName(u"copy");
@@ -264,8 +268,8 @@ TEST_P(PrototypeInterface, PropertySetsAndElementQuantitiesAreCloned) {
 TEST_P(PrototypeInterface, ClonedSetsHaveListsOfTheirOwn) {
   Add(1, "IFCPROPERTYSINGLEVALUE('a')");
   IfcEntity* const second = Add(2, "IFCPROPERTYSINGLEVALUE('b')");
-  auto& original = AddAs<IFC::VirtualIfcPropertySet>(
-      3, "IFCPROPERTYSET('guid',$,'name','text',(#1,#2))");
+  auto& original =
+      AddAs<IFC::VirtualIfcPropertySet>(3, "IFCPROPERTYSET('guid',$,'name','text',(#1,#2))");
   auto* const copy = EntityCast<IFC::VirtualIfcPropertySet>(original.clone(Pool()));
   ASSERT_NE(nullptr, copy);
   original.removePropertyByName(u"a");

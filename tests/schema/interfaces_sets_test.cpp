@@ -237,8 +237,8 @@ TEST_P(NewPropertyRelationInterface, SetOfPropertySetsBecomesNull) {
 
 TEST_P(OldPropertyRelationInterface, OverridingRelationIsAPropertyRelation) {
   Add(1, "IFCWALL('a')");
-  auto& relation = AddAs<IFC::VirtualPropertyRelation>(
-      2, "IFCRELOVERRIDESPROPERTIES('g',$,'n','d',(#1),$,())");
+  auto& relation =
+      AddAs<IFC::VirtualPropertyRelation>(2, "IFCRELOVERRIDESPROPERTIES('g',$,'n','d',(#1),$,())");
   relation.setRelatingProperty(Add(3, "IFCPROPERTYSET"));
   const std::string record = Written(&relation);
   EXPECT_EQ("(#1),#3,())", record.substr(record.find("(#")));

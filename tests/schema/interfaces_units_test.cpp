@@ -75,10 +75,10 @@ TEST_P(UnitInterface, PrefixIsSetAndTakenAway) {
 }
 
 TEST_P(UnitInterface, PrefixesAndNamesHaveOneNumberingInAllReleases) {
-  const char16_t* const prefixes[] = {
-      u".EXA.,",  u".PETA.,", u".TERA.,",  u".GIGA.,",  u".MEGA.,", u".KILO.,",
-      u".HECTO.,", u".DECA.,", u".DECI.,",  u".CENTI.,", u".MILLI.,", u".MICRO.,",
-      u".NANO.,", u".PICO.,", u".FEMTO.,", u".ATTO.,"};
+  const char16_t* const prefixes[] = {u".EXA.,",  u".PETA.,",  u".TERA.,",  u".GIGA.,",
+                                      u".MEGA.,", u".KILO.,",  u".HECTO.,", u".DECA.,",
+                                      u".DECI.,", u".CENTI.,", u".MILLI.,", u".MICRO.,",
+                                      u".NANO.,", u".PICO.,",  u".FEMTO.,", u".ATTO.,"};
   auto& unit = AddAs<IFC::VIfcSIUnit>(1, kMetre);
   std::int32_t number = 0;
   for (const char16_t* const prefix : prefixes) {

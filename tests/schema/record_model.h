@@ -154,11 +154,10 @@ inline std::string ReleaseName(const testing::TestParamInfo<Release>& tested) {
 }  // namespace corvel::test
 
 // `first` and `last` are values of SchemaNamespace.
-#define RUN_FOR_RELEASES(suite, first, last)                                            \
-  GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(suite);                                 \
-  INSTANTIATE_TEST_SUITE_P(                                                             \
-      Releases, suite,                                                                  \
-      testing::ValuesIn(corvel::test::ReleasesBuilt(corvel::SchemaNamespace::first,     \
-                                                    corvel::SchemaNamespace::last)),    \
-      corvel::test::ReleaseName)
+#define RUN_FOR_RELEASES(suite, first, last)                                                    \
+  GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(suite);                                         \
+  INSTANTIATE_TEST_SUITE_P(Releases, suite,                                                     \
+                           testing::ValuesIn(corvel::test::ReleasesBuilt(                       \
+                               corvel::SchemaNamespace::first, corvel::SchemaNamespace::last)), \
+                           corvel::test::ReleaseName)
 #define RUN_FOR_EACH_RELEASE(suite) RUN_FOR_RELEASES(suite, IFC2X_FINAL, IFC4X4)

@@ -52,7 +52,7 @@ def bindings_for(schema):
     return {name: candidates[name] for name in sorted(candidates) if name in schema.entities}
 
 
-# --- Root, product, project, site ------------------------------------------------------------------
+# --- Root, product, project, site -----------------------------------------------------------------
 def _product_bindings():
     return {
         'IfcRoot': [Binding('IFC::VirtualIfcRoot', (
@@ -78,7 +78,7 @@ def _product_bindings():
     }
 
 
-# --- Properties and quantities ---------------------------------------------------------------------
+# --- Properties and quantities --------------------------------------------------------------------
 def _prototype(call):
     return Binding('IFC::Prototype',
                    (Method('IFC::IfcEntity* clone(corvel::MemoryPool& pool) const', call),))
@@ -165,7 +165,7 @@ def _quantity_bindings(schema):
     return bindings
 
 
-# --- Relations -------------------------------------------------------------------------------------
+# --- Relations ------------------------------------------------------------------------------------
 def _declares(schema, class_name, attribute_name):
     entity = schema.entities.get(class_name)
     return entity is not None and any(a.name == attribute_name for a in entity.attributes)
@@ -195,7 +195,7 @@ def _relation_bindings(schema):
     return bindings
 
 
-# --- Units -----------------------------------------------------------------------------------------
+# --- Units ----------------------------------------------------------------------------------------
 _UNIT = Binding('IFC::IfcUnit')
 _SET_UNIT_TYPE = Method('void setUnitType(std::int32_t unitType)', 'UnitType = unitType;')
 
@@ -240,7 +240,7 @@ def _unit_bindings():
     }
 
 
-# --- Placements and shapes -------------------------------------------------------------------------
+# --- Placements and shapes ------------------------------------------------------------------------
 def _geometry_bindings():
     connection = [Binding('IFC::VIfcConnectionGeometry')]
     return {
