@@ -92,6 +92,7 @@ bool ModelRun::Write() {
   if (order_.inputs.size() > 1 && !Fold()) return false;
   const bool saved = Save();
   console_.Progress().SetTexts(TextOf("progress_bar_overall_progress"), TextOf("finalizing"));
+  console_.Tick(100, 0, nullptr, false, 100);
   return saved;
 }
 

@@ -27,7 +27,6 @@ constexpr Text kTexts[] = {
     {"progress_bar_cancel_message", u"Are you sure you want to cancel?"},
     // Progress.
     {"btn_merge", u"Merging"},
-    {"checking_files", u"Checking files"},
     {"exporting_file_as", u"Writing"},
     {"finalizing", u"Finishing"},
     {"progress_bar_overall_progress", u"Overall progress"},
@@ -36,7 +35,6 @@ constexpr Text kTexts[] = {
     {"file_was_cut_short",
      u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short."},
     // End of a run.
-    {"combining_failed", u"The models could not be merged."},
     {"merge_combine_log", u"More is told in the log:"},
 };
 

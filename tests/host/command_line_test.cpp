@@ -1,0 +1,224 @@
+#include "host/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/help_texts.h"
+
+namespace corvel::host {
+
+namespace {
+
+using Arguments = std::vector<WideString>;
+
+CommandLine Parsed(const Arguments& arguments) {
+  auto outcome = ParseCommandLine(arguments);
+  if (const auto* const error = std::get_if<UsageError>(&outcome)) {
+    ADD_FAILURE() << ToUtf8(error->text);
+  }
+  return std::holds_alternative<CommandLine>(outcome) ? std::get<CommandLine>(outcome)
+                                                      : CommandLine{};
+}
+
+std::string ErrorOf(const Arguments& arguments) {
+  const auto outcome = ParseCommandLine(arguments);
+  const auto* const error = std::get_if<UsageError>(&outcome);
+  return error == nullptr ? "(no error)" : ToUtf8(error->text);
+}
+
+WideString Explained(const Arguments& arguments) {
+  const auto outcome = ParseCommandLine(arguments);
+  const auto* const explanation = std::get_if<Explanation>(&outcome);
+  return explanation == nullptr ? u"(no explanation)" : explanation->text;
+}
+
+}  // namespace
+
+TEST(CommandLine, MergeTakesFilesAndAnOutput) {
+  const CommandLine line = Parsed({u"merge", u"a.ifc", u"b.ifc", u"-o", u"out.ifc", u"c.ifc"});
+  EXPECT_EQ(Command::kMerge, line.command);
+  EXPECT_EQ((Arguments{u"a.ifc", u"b.ifc", u"c.ifc"}), line.inputs);
+  EXPECT_EQ(u"out.ifc", line.output);
+  EXPECT_FALSE(line.ignoreEnumErrors);
+  EXPECT_FALSE(line.quiet);
+  EXPECT_FALSE(line.answer.has_value());
+}
+
+TEST(CommandLine, ResaveTakesTheLastFileAsOutput) {
+  const CommandLine line = Parsed({u"resave", u"in.ifc", u"out.ifc"});
+  EXPECT_EQ(Command::kResave, line.command);
+  EXPECT_EQ((Arguments{u"in.ifc"}), line.inputs);
+  EXPECT_EQ(u"out.ifc", line.output);
+}
+
+TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
+  EXPECT_EQ((Arguments{u"a.ifc"}), Parsed({u"info", u"a.ifc"}).inputs);
+  const CommandLine line = Parsed({u"info", u"a.ifc", u"--json", u"b.ifc"});
+  EXPECT_EQ(Command::kInfo, line.command);
+  EXPECT_EQ((Arguments{u"a.ifc", u"b.ifc"}), line.inputs);
+  EXPECT_TRUE(line.json);
+}
+
+TEST(CommandLine, EveryCommandTakesTheCommonOptions) {
+  for (const Arguments& words : {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
+                                 Arguments{u"resave", u"a.ifc", u"b.ifc"},
+                                 Arguments{u"info", u"a.ifc"}}) {
+    Arguments all = words;
+    all.insert(all.end(), {u"--quiet", u"--ignore-enum-errors", u"--answer", u"no"});
+    const CommandLine line = Parsed(all);
+    EXPECT_TRUE(line.quiet);
+    EXPECT_TRUE(line.ignoreEnumErrors);
+    EXPECT_EQ(platform::Answer::kNo, line.answer);
+  }
+}
+
+TEST(CommandLine, OptionsMayStandAnywhereAndTakeTheirValueBehindAnEqualSign) {
+  const CommandLine line =
+      Parsed({u"merge", u"--answer=yes", u"--output=c.ifc", u"a.ifc", u"--quiet", u"b.ifc"});
+  EXPECT_EQ((Arguments{u"a.ifc", u"b.ifc"}), line.inputs);
+  EXPECT_EQ(u"c.ifc", line.output);
+  EXPECT_EQ(platform::Answer::kYes, line.answer);
+}
+
+TEST(CommandLine, BehindTwoDashesEverythingIsAFile) {
+  const CommandLine line =
+      Parsed({u"merge", u"-o", u"c.ifc", u"--", u"-a.ifc", u"--quiet", u"--", u"info"});
+  EXPECT_EQ((Arguments{u"-a.ifc", u"--quiet", u"--", u"info"}), line.inputs);
+  EXPECT_FALSE(line.quiet);
+}
+
+TEST(CommandLine, TheOutputMayBeginWithADash) {
+  EXPECT_EQ(u"-c.ifc", Parsed({u"merge", u"a.ifc", u"b.ifc", u"-o", u"-c.ifc"}).output);
+  EXPECT_EQ(u"-b.ifc", Parsed({u"resave", u"--", u"-a.ifc", u"-b.ifc"}).output);
+}
+
+TEST(CommandLine, AFileMayHaveTheNameOfACommand) {
+  EXPECT_EQ((Arguments{u"merge", u"info"}),
+            Parsed({u"merge", u"merge", u"info", u"-o", u"c.ifc"}).inputs);
+}
+
+TEST(CommandLine, NamesOfAnyKindComeThroughAsTheyAre) {
+  const WideString accents = u"B\u00fcro \u4e2d.ifc";
+  const WideString noText = WideString(u"a") + char16_t{0xDCE9} + u".ifc";
+  const CommandLine line = Parsed({u"info", accents, noText, u"", u"[a,b].ifc", u"/c:ifc"});
+  EXPECT_EQ((Arguments{accents, noText, u"", u"[a,b].ifc", u"/c:ifc"}), line.inputs);
+}
+
+TEST(CommandLine, AWrongOptionNamesItselfAndTheNearestRightOne) {
+  EXPECT_EQ(
+      "merge: unknown option '--quite'; the nearest is '--quiet'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a.ifc", u"--quite", u"b.ifc"}));
+  EXPECT_EQ(
+      "info: unknown option '--jsn'; the nearest is '--json'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel info --help'.",
+      ErrorOf({u"info", u"--jsn"}));
+}
+
+TEST(CommandLine, TheValueOfAWrongOptionIsNoPartOfItsName) {
+  EXPECT_EQ(
+      "resave: unknown option '--anser'; the nearest is '--answer'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a", u"b", u"--anser=yes"}));
+}
+
+TEST(CommandLine, AnOptionOfAnotherCommandIsWrong) {
+  EXPECT_EQ(
+      "merge: unknown option '--json'; the nearest is '--help'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a", u"b", u"-o", u"c", u"--json"}));
+}
+
+TEST(CommandLine, AWrongCommandNamesItselfAndTheNearestRightOne) {
+  EXPECT_EQ("unknown command 'mrege'; the nearest is 'merge'.\nSee 'corvel --help'.",
+            ErrorOf({u"mrege", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"}));
+  EXPECT_EQ("unknown command 'INFO'; the nearest is 'info'.\nSee 'corvel --help'.",
+            ErrorOf({u"INFO", u"a.ifc"}));
+}
+
+TEST(CommandLine, AnOptionBeforeTheCommandIsWrong) {
+  EXPECT_EQ("unknown option before the command '--versoin'; the nearest is '--version'.\n"
+            "See 'corvel --help'.",
+            ErrorOf({u"--versoin"}));
+}
+
+TEST(CommandLine, NothingAtAllIsWrong) {
+  EXPECT_EQ("a command is needed.\nSee 'corvel --help'.", ErrorOf({}));
+}
+
+TEST(CommandLine, TheNumberOfFilesHasToFit) {
+  EXPECT_EQ("merge: two files or more are needed, and 1 is given\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a.ifc", u"-o", u"c.ifc"}));
+  EXPECT_EQ("merge: two files or more are needed, and 0 are given\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge"}));
+  EXPECT_EQ(
+      "resave: one input and one output are needed, and 1 file is given\n"
+      "See 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a.ifc"}));
+  EXPECT_EQ(
+      "resave: one input and one output are needed, and 3 files are given\n"
+      "See 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"c.ifc"}));
+  EXPECT_EQ("info: a file is needed\nSee 'corvel info --help'.", ErrorOf({u"info"}));
+}
+
+TEST(CommandLine, MergeWithoutAnOutputIsWrong) {
+  EXPECT_EQ("merge: the output is missing: -o OUT\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a.ifc", u"b.ifc"}));
+}
+
+TEST(CommandLine, AnAnswerIsYesOrNo) {
+  EXPECT_EQ(
+      "merge: --answer takes 'yes' or 'no', not 'maybe'\nSee 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--answer", u"maybe"}));
+}
+
+TEST(CommandLine, AnOptionWithoutItsValueIsNamed) {
+  const std::string error = ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o"});
+  EXPECT_NE(std::string::npos, error.find("--output")) << error;
+  EXPECT_NE(std::string::npos, error.find("See 'corvel merge --help'.")) << error;
+}
+
+TEST(CommandLine, HelpComesBeforeWhatElseIsWrong) {
+  EXPECT_EQ(HelpOf(Command::kMerge), Explained({u"merge", u"--help"}));
+  EXPECT_EQ(HelpOf(Command::kMerge), Explained({u"merge", u"a.ifc", u"--wrong", u"-h"}));
+  EXPECT_EQ(HelpOf(Command::kResave), Explained({u"resave", u"--help"}));
+  EXPECT_EQ(HelpOf(Command::kInfo), Explained({u"info", u"--help"}));
+  EXPECT_EQ(GeneralHelp(), Explained({u"--help"}));
+  EXPECT_EQ(GeneralHelp(), Explained({u"-h"}));
+  EXPECT_EQ(VersionText(), Explained({u"--version"}));
+}
+
+// Every option that a command takes stands in its help.
+TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
+  for (const Command command : {Command::kMerge, Command::kResave, Command::kInfo}) {
+    const std::string help = ToUtf8(HelpOf(command));
+    for (const char* const word :
+         {"Usage:", "--ignore-enum-errors", "--quiet", "--answer yes|no", "-h, --help",
+          "Exit status:", "Examples:", "  0   ", "  1   ", "  2   "}) {
+      EXPECT_NE(std::string::npos, help.find(word)) << word;
+    }
+  }
+  EXPECT_NE(WideView::npos, HelpOf(Command::kMerge).find(u"-o, --output OUT"));
+  EXPECT_NE(WideView::npos, HelpOf(Command::kInfo).find(u"--json"));
+  for (const Command command : {Command::kMerge, Command::kResave}) {
+    EXPECT_NE(WideView::npos, HelpOf(command).find(u"  3   "));
+    EXPECT_NE(WideView::npos, HelpOf(command).find(u"  4   "));
+  }
+}
+
+TEST(HelpTexts, NoLineIsLongerThanATerminal) {
+  for (const WideView help : {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave),
+                              HelpOf(Command::kInfo)}) {
+    WideView rest = help;
+    while (!rest.empty()) {
+      const WideView line = rest.substr(0, rest.find(u'\n'));
+      EXPECT_LE(line.size(), 79u) << ToUtf8(line);
+      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+    EXPECT_EQ(u'\n', help.back());
+  }
+}
+
+}  // namespace corvel::host

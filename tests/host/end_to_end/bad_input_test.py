@@ -1,0 +1,397 @@
+"""Whatever comes in, a run ends with a message and leaves nothing half done."""
+
+import os
+import random
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from support import (DONE, LONGEST_RUN, NOTHING_WRITTEN, PROGRAM, WITH_REPORTS, CorvelTest,
+                     data_limit, large_model, model, project)
+
+LOG = ' More is told in the log: a_IFC_LOG.txt\n'
+NO_HEADER = 'Unable to read header token. No schema identifier can be read.'
+
+# One of each kind of value, references in both directions, strings with escapes.
+SMALL = project(
+    '#2=IFCOWNERHISTORY(#3,#4,$,.ADDED.,$,$,$,1700000000);',
+    "#3=IFCPERSONANDORGANIZATION(#5,#6,$);",
+    "#4=IFCAPPLICATION(#6,'1','it''s \\X2\\00FC\\X0\\','x');",
+    "#5=IFCPERSON($,'n',$,('a','b'),$,$,$,$);",
+    "#6=IFCORGANIZATION($,'o',$,$,$);",
+    "#7=IFCPROPERTYSINGLEVALUE('p',$,IFCLENGTHMEASURE(1.5E-3),$);",
+    '#8=IFCPOLYLINE((#9,#10));',
+    '#9=IFCCARTESIANPOINT((0.,-1.,2.5));',
+    '#10=IFCCARTESIANPOINT((1.,2.));').replace(b"$,'P',$", b"#2,'P',$")
+
+
+class Refused(CorvelTest):
+    """Before anything is read: a message for the file, and not even a log."""
+
+    def assert_refused(self, message, *arguments):
+        before = self.names()
+        self.assert_ended(self.run_corvel(*arguments), NOTHING_WRITTEN, out='',
+                          err=f'corvel: {message}\ncorvel: Nothing was written.\n')
+        self.assertEqual(before, self.names())
+
+    def setUp(self):
+        super().setUp()
+        self.write('a.ifc', project())
+
+    def test_a_missing_file(self):
+        self.assert_refused('none.ifc: there is no such file', 'resave', 'none.ifc', 'out.ifc')
+        self.assert_refused('none.ifc: there is no such file', 'merge', 'a.ifc', 'none.ifc', '-o',
+                            'out.ifc')
+
+    def test_a_folder(self):
+        os.mkdir(self.path('folder.ifc'))
+        self.assert_refused('folder.ifc: this is a folder, not a model', 'resave', 'folder.ifc',
+                            'out.ifc')
+
+    def test_an_empty_file(self):
+        self.write('empty.ifc', b'')
+        self.assert_refused('empty.ifc: this file is empty', 'merge', 'empty.ifc', 'a.ifc', '-o',
+                            'out.ifc')
+
+    def test_a_file_of_another_kind(self):
+        self.write('a.txt', project())
+        self.assert_refused('a.txt: the name of a model has to end in .ifc', 'resave', 'a.txt',
+                            'out.ifc')
+
+    def test_a_log_that_is_named_as_a_model_is_not_overwritten(self):
+        self.write('a_IFC_LOG.txt', b'kept')
+        self.assert_refused('a_IFC_LOG.txt: the name of a model has to end in .ifc', 'merge',
+                            'a.ifc', 'a_IFC_LOG.txt', '-o', 'out.ifc')
+        self.assertEqual(b'kept', self.read('a_IFC_LOG.txt'))
+
+    def test_a_pipe_that_nobody_writes_to(self):
+        os.mkfifo(self.path('pipe.ifc'))
+        self.assert_refused('pipe.ifc: this is no ordinary file', 'resave', 'pipe.ifc', 'out.ifc')
+        self.assert_refused('pipe.ifc: this is no ordinary file', 'resave', 'a.ifc', 'pipe.ifc')
+
+    def test_an_output_that_is_an_input(self):
+        before = self.read('a.ifc')
+        os.link(self.path('a.ifc'), self.path('hard.ifc'))
+        os.symlink('a.ifc', self.path('soft.ifc'))
+        for name in ('a.ifc', './a.ifc', 'hard.ifc', 'soft.ifc'):
+            with self.subTest(name):
+                self.assert_refused(
+                    f'{name}: the output is also an input, and inputs are never overwritten',
+                    'resave', 'a.ifc', name)
+        self.assertEqual(before, self.read('a.ifc'))
+
+    def test_an_output_that_cannot_be(self):
+        os.mkdir(self.path('folder.ifc'))
+        for name, message in (
+                ('none/out.ifc', 'the folder for the output does not exist'),
+                ('folder.ifc', 'this is a folder; name a file in it'),
+                ('out.txt', 'the name of the output has to end in .ifc'),
+                ('out', 'the name of the output has to end in .ifc'),
+                ('/proc/out.ifc', 'the output cannot be written there')):
+            with self.subTest(name):
+                self.assert_refused(f'{name}: {message}', 'resave', 'a.ifc', name)
+
+    def test_all_that_is_wrong_is_told_at_once(self):
+        self.assert_refused(
+            'x.ifc: there is no such file\ncorvel: y.ifc: there is no such file\n'
+            'corvel: out: the name of the output has to end in .ifc',
+            'merge', 'x.ifc', 'a.ifc', 'y.ifc', '-o', 'out')
+
+    def test_an_empty_name(self):
+        self.assert_refused(': the name of an input is empty', 'resave', '', 'out.ifc')
+        self.assert_refused(': the name of the output is empty', 'resave', 'a.ifc', '')
+
+
+class Unreadable(CorvelTest):
+
+    def assert_unreadable(self, content, *messages):
+        """Each message is a line with the name of the file; the log is kept, nothing else."""
+        self.write('a.ifc', content)
+        lines = ''.join(f'corvel: a.ifc: {message}\n' for message in messages)
+        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
+                          err=lines + 'corvel: Nothing was written.' + LOG)
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+
+    def test_a_file_that_is_no_step_file(self):
+        self.assert_unreadable(b'hello\n', NO_HEADER, 'Unknown schema identifier:')
+
+    def test_a_file_with_a_byte_order_mark(self):
+        self.assert_unreadable(b'\xef\xbb\xbf' + SMALL, NO_HEADER, 'Unknown schema identifier:')
+
+    def test_an_unknown_schema(self):
+        self.assert_unreadable(project(schema='IFC5'), 'Unknown schema identifier: IFC5')
+
+    def test_a_schema_that_would_move_the_cursor(self):
+        self.assert_unreadable(project(schema='\x1b[2J'), 'Unknown schema identifier: ?[2J')
+
+    def test_an_unknown_class(self):
+        self.assert_unreadable(
+            project('#2=IFCSPACESHIP($);'), 'Entity named: IFCSPACESHIP not found.',
+            'Unable to read entity, marker #2. Parsing will be terminate.')
+
+    def test_a_complex_instance(self):
+        self.assert_unreadable(
+            project('#2=(IFCNAMEDUNIT(*,.LENGTHUNIT.)IFCSIUNIT($,.METRE.));'),
+            'Expected: entity name. Got: OpenBracketToken.',
+            'Unable to read entity, marker #2. Parsing will be terminate.')
+
+    def test_a_number_that_is_too_large(self):
+        self.assert_unreadable(project('#4294967280=IFCWALL();'), 'stoul argument out of range')
+
+    def test_a_bad_later_file_of_a_merge(self):
+        self.write('a.ifc', project())
+        self.write('b.ifc', project('#2=IFCSPACESHIP($);'))
+        self.assert_ended(
+            self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), NOTHING_WRITTEN, out='',
+            err='corvel: b.ifc: Entity named: IFCSPACESHIP not found.\n'
+                'corvel: b.ifc: Unable to read entity, marker #2. Parsing will be terminate.\n'
+                'corvel: Nothing was written.' + LOG)
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'b.ifc'], self.names())
+
+    def test_every_file_without_a_release_is_told_before_any_is_read(self):
+        self.write('a.ifc', project('#2=IFCSPACESHIP($);'))
+        self.write('b.ifc', project(schema='IFC5'))
+        self.write('c.ifc', b'hello')
+        self.assert_ended(
+            self.run_corvel('merge', 'a.ifc', 'b.ifc', 'c.ifc', '-o', 'out.ifc'), NOTHING_WRITTEN,
+            err='corvel: b.ifc: Unknown schema identifier: IFC5\n'
+                f'corvel: c.ifc: {NO_HEADER}\n'
+                'corvel: c.ifc: Unknown schema identifier:\n'
+                'corvel: Nothing was written.' + LOG)
+
+    def test_models_of_different_releases(self):
+        self.write('a.ifc', project())
+        self.write('b.ifc', project(schema='IFC2X3'))
+        self.assert_ended(
+            self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), NOTHING_WRITTEN, out='',
+            err='corvel: Models of different releases cannot be merged: a.ifc is IFC4, b.ifc is '
+                'IFC2X3.\ncorvel: Nothing was written.' + LOG)
+
+    def test_an_output_that_is_there_survives_a_run_that_fails_before_writing(self):
+        self.write('a.ifc', project('#2=IFCSPACESHIP($);'))
+        self.write('out.ifc', b'kept')
+        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN)
+        self.assertEqual(b'kept', self.read('out.ifc'))
+
+
+class Damaged(CorvelTest):
+    """No sensible outcome is prescribed, but order is kept."""
+
+    def assert_orderly(self, content, what):
+        self.write('a.ifc', content)
+        try:
+            ended = self.run_corvel('resave', 'a.ifc', 'out.ifc')
+        except subprocess.TimeoutExpired:
+            self.fail(f'hangs on {what}')
+        names = set(self.names())
+        self.assertIn(ended.status, (DONE, NOTHING_WRITTEN, WITH_REPORTS), (what, ended.err))
+        written = {'out.ifc'} if ended.status != NOTHING_WRITTEN else set()
+        # Refusals before the log is opened leave none; a run without reports deletes it.
+        self.assertEqual({'a.ifc'} | written, names - {'a_IFC_LOG.txt'}, what)
+        if ended.status != DONE:
+            self.assertIn('a.ifc: ', ended.err, what)
+        if ended.status == NOTHING_WRITTEN:
+            self.assertIn('corvel: Nothing was written.', ended.err, what)
+        else:
+            # The closing line repeats the first word of the input, whatever that is.
+            self.assertRegex(self.read('out.ifc'), rb'(?s)^ISO.*\nENDSEC;\nEND-ISO[^\n]*;\n$', what)
+        for name in names - {'a.ifc'}:
+            os.remove(self.path(name))
+        return ended.status
+
+    def test_cut_at_every_byte(self):
+        statuses = [self.assert_orderly(SMALL[:size], f'the first {size} bytes')
+                    for size in range(len(SMALL) + 1)]
+        whole = SMALL.index(b'END-ISO') + len(b'END-ISO')
+        self.assertEqual({DONE}, set(statuses[whole:]))
+        self.assertNotIn(DONE, statuses[:whole])
+        # Without a readable schema identifier there is no model at all.
+        schema = SMALL.index(b"'IFC4'") + len(b"'IFC4")
+        self.assertEqual({NOTHING_WRITTEN}, set(statuses[:schema]))
+        # Between two records nothing is lost of those that are there.
+        self.assertEqual(WITH_REPORTS, statuses[SMALL.index(b'\n#2=') + 1])
+
+    def test_a_cut_file_is_told_and_written_as_far_as_it_goes(self):
+        self.write('a.ifc', SMALL[:SMALL.index(b'\n#2=')])
+        self.assert_ended(
+            self.run_corvel('resave', 'a.ifc', 'out.ifc'), WITH_REPORTS,
+            err='corvel: a.ifc: The closing line END-ISO-10303-21; is missing: the file seems to '
+                'be cut short.\n'
+                'corvel: out.ifc was written, but there is 1 report.' + LOG)
+
+    def test_random_bytes(self):
+        source = random.Random(1)
+        for number in range(30):
+            self.assertEqual(NOTHING_WRITTEN,
+                             self.assert_orderly(source.randbytes(source.randrange(1, 5000)),
+                                                 f'random file {number}'))
+
+    def test_random_bytes_behind_a_header(self):
+        source = random.Random(2)
+        head = SMALL[:SMALL.index(b'DATA;\n') + 6]
+        for number in range(40):
+            self.assert_orderly(head + source.randbytes(source.randrange(1, 3000)),
+                                f'random data {number}')
+
+    def test_random_changes(self):
+        source = random.Random(3)
+        alphabet = b"#()=,;'*$./\\X0123456789EABC\n \xff\x00-"
+        for number in range(150):
+            content = bytearray(SMALL)
+            for _ in range(source.randrange(1, 5)):
+                content[source.randrange(len(content))] = source.choice(alphabet)
+            self.assert_orderly(bytes(content), f'change {number}: {bytes(content)!r}')
+
+    def test_values_nested_without_end(self):
+        deep = '(' * 100000
+        self.assert_orderly(project(f'#2=IFCPOLYLINE({deep}'), 'open brackets')
+        deep = 'IFCLABEL(' * 100000
+        self.assert_orderly(project(f"#2=IFCPROPERTYSINGLEVALUE('p',$,{deep}"), 'open values')
+
+    def test_comments_and_commas_without_end(self):
+        self.assert_orderly(project('#2=IFCPOLYLINE((' + '/**/,' * 300000), 'comments')
+
+    def test_a_string_without_end(self):
+        self.assert_orderly(project("#2=IFCPERSON('" + 'x' * 3000000), 'a string')
+
+
+class FullDisk(CorvelTest):
+
+    def test_a_device_that_takes_nothing(self):
+        self.write('a.ifc', project())
+        os.symlink('/dev/full', self.path('out.ifc'))
+        self.assert_ended(
+            self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
+            err='corvel: out.ifc: Could not write to file\ncorvel: Nothing was written.' + LOG)
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertTrue(os.path.exists('/dev/full'))
+
+    def large(self):
+        self.write('a.ifc', large_model(4))
+
+    def assert_nothing_is_written(self, ended, output):
+        self.assert_ended(ended, NOTHING_WRITTEN, out='')
+        self.assertRegex(ended.err, rf'^corvel: {output}: Error occurred while writing entity: '
+                                    r'#\d+\.Unable to write to file\n')
+        self.assertTrue(ended.err.endswith('corvel: Nothing was written.' + LOG), ended.err)
+
+    def test_a_disk_that_gets_full_in_the_middle(self):
+        self.large()
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', preexec_fn=data_limit(2500000))
+        self.assert_nothing_is_written(ended, 'out.ifc')
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+
+    def test_the_file_behind_a_link_goes_too(self):
+        self.large()
+        os.mkdir(self.path('sub'))
+        os.symlink('sub/target.ifc', self.path('out.ifc'))
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', preexec_fn=data_limit(2500000))
+        self.assert_nothing_is_written(ended, 'out.ifc')
+        self.assertEqual([], os.listdir(os.path.join(self.folder, 'sub')))
+
+    def test_a_working_file_that_does_not_fit(self):
+        # Every record refers forward, so that all of them go to the working file.
+        lines = [f'#{n}=IFCPOLYLINE((#{n + 1},#{n + 1}));' for n in range(1, 200000)]
+        self.write('a.ifc', model('\n'.join(lines)))
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', preexec_fn=data_limit(1000000))
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertIn('corvel: a.ifc: ', ended.err)
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+
+
+class NoRights(CorvelTest):
+    """As a user to whom the rights of files apply."""
+
+    NOBODY = 65534
+
+    def run_limited(self, *arguments):
+        options = {}
+        if os.geteuid() == 0:
+            options = {'user': self.NOBODY, 'group': self.NOBODY, 'extra_groups': []}
+        return self.run_corvel(*arguments, **options)
+
+    def setUp(self):
+        super().setUp()
+        self.write('a.ifc', project())
+        probe = self.run_limited('--version') if self.program_can_be_run() else None
+        if probe is None or probe.status != DONE:
+            self.skipTest('another user cannot run the program')
+
+    def program_can_be_run(self):
+        try:
+            self.run_limited('--version')
+            return True
+        except PermissionError:
+            return False
+
+    def tearDown(self):
+        os.chmod(self.folder, 0o755)
+
+    def test_an_input_that_may_not_be_read(self):
+        os.chmod(self.folder, 0o777)
+        os.chmod(self.path('a.ifc'), 0)
+        self.assert_ended(self.run_limited('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN,
+                          err='corvel: a.ifc: this file cannot be opened for reading\n'
+                              'corvel: Nothing was written.\n')
+
+    def test_a_folder_of_the_output_that_may_not_be_written(self):
+        os.chmod(self.folder, 0o777)
+        os.mkdir(self.path('sub'))
+        os.chmod(self.path('sub'), 0o555)
+        self.assert_ended(self.run_limited('resave', 'a.ifc', 'sub/out.ifc'), NOTHING_WRITTEN,
+                          err='corvel: sub/out.ifc: the output cannot be written there\n'
+                              'corvel: Nothing was written.\n')
+        self.assertEqual(['a.ifc', 'sub'], self.names())
+
+    def test_an_output_that_may_not_be_replaced(self):
+        os.chmod(self.folder, 0o755)
+        self.write('out.ifc', b'kept')
+        os.chmod(self.path('out.ifc'), 0o444)
+        ended = self.run_limited('resave', 'a.ifc', 'out.ifc')
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertIn('corvel: out.ifc: the output cannot be written there\n', ended.err)
+        self.assertEqual(b'kept', self.read('out.ifc'))
+
+    def test_a_folder_of_the_input_that_may_not_be_written(self):
+        os.chmod(self.folder, 0o555)
+        target = tempfile.mkdtemp(prefix='corvel_host_')
+        self.addCleanup(shutil.rmtree, target)
+        os.chmod(target, 0o777)
+        ended = self.run_limited('resave', 'a.ifc', os.path.join(target, 'out.ifc'))
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertIn('Log file error: Could not create log file: a_IFC_LOG.txt\n', ended.err)
+        self.assertIn('corvel: a.ifc: Unable to create copy of file: "a_TEMP.ifc"\n', ended.err)
+        self.assertTrue(ended.err.endswith('corvel: Nothing was written.\n'), ended.err)
+        self.assertEqual([], os.listdir(target))
+
+
+class Memory(CorvelTest):
+
+    def test_too_little_of_it_is_told(self):
+        import resource
+        self.write('a.ifc', large_model(12))
+
+        def limited(megabytes):
+            limit = (megabytes << 20, megabytes << 20)
+            return lambda: resource.setrlimit(resource.RLIMIT_AS, limit)
+
+        def starts(megabytes):
+            return self.run_corvel('--version', preexec_fn=limited(megabytes)).status == DONE
+
+        least = next(megabytes for megabytes in range(16, 1024, 4) if starts(megabytes))
+        for megabytes in range(least, least + 80, 4):
+            with self.subTest(megabytes):
+                ended = self.run_corvel('resave', 'a.ifc', 'out.ifc',
+                                        preexec_fn=limited(megabytes))
+                self.assertIn(ended.status, (DONE, NOTHING_WRITTEN), ended.err)
+                self.assertEqual(ended.status == DONE, 'out.ifc' in self.names())
+                if ended.status == NOTHING_WRITTEN:
+                    self.assertRegex(ended.err, '(?i)memory|alloc')
+                else:
+                    os.remove(self.path('out.ifc'))
+                self.assertNotIn('a_TEMP.ifc', self.names())
+
+
+if __name__ == '__main__':
+    unittest.main()

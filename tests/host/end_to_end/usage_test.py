@@ -1,0 +1,57 @@
+"""Wrong usage and help. The words of every error are held by the unit tests."""
+
+import pathlib
+import re
+import unittest
+
+from support import DONE, WRONG_USAGE, CorvelTest
+
+
+class Usage(CorvelTest):
+
+    def test_help_and_version_go_to_standard_output(self):
+        for arguments in (('--help',), ('-h',), ('--version',), ('merge', '--help'),
+                          ('resave', '--help'), ('info', '--help')):
+            with self.subTest(arguments):
+                ended = self.run_corvel(*arguments)
+                self.assert_ended(ended, DONE, err='')
+                self.assertTrue(ended.out.startswith('corvel '), ended.out)
+
+    def test_wrong_usage_goes_to_standard_error_and_ends_with_2(self):
+        for arguments, begin in (
+                ((), 'corvel: a command is needed.\n'),
+                (('mrege',), "corvel: unknown command 'mrege'; the nearest is 'merge'.\n"),
+                (('merge', '--quite', 'a', 'b'),
+                 "corvel: merge: unknown option '--quite'; the nearest is '--quiet'. "),
+                (('merge', 'a.ifc', '-o', 'b.ifc'),
+                 'corvel: merge: two files or more are needed, and 1 is given\n'),
+                (('resave', 'a.ifc'),
+                 'corvel: resave: one input and one output are needed, and 1 file is given\n'),
+                (('info', '--answer', 'perhaps', 'a.ifc'),
+                 "corvel: info: --answer takes 'yes' or 'no', not 'perhaps'\n")):
+            with self.subTest(arguments):
+                ended = self.run_corvel(*arguments)
+                self.assert_ended(ended, WRONG_USAGE, out='')
+                self.assertTrue(ended.err.startswith(begin), ended.err)
+                self.assertRegex(ended.err, r"See 'corvel .*--help'\.\n$")
+
+    def test_nothing_is_read_or_made(self):
+        self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--wrong')
+        self.assertEqual([], self.names())
+
+
+class Texts(unittest.TestCase):
+
+    def test_every_key_that_the_engine_reports_has_a_text(self):
+        sources = pathlib.Path(__file__).parents[3] / 'src'
+        keys = set()
+        for layer in ('core', 'step', 'schema', 'merge'):
+            for file in (sources / layer).rglob('*.cpp'):
+                keys |= set(re.findall(r'howError_?\(\s*"(\w+)"', file.read_text('utf-8')))
+        self.assertIn('could_not_open_file', keys)
+        texts = (sources / 'host' / 'texts.cpp').read_text('utf-8')
+        self.assertEqual([], [key for key in sorted(keys) if f'{{"{key}",' not in texts])
+
+
+if __name__ == '__main__':
+    unittest.main()

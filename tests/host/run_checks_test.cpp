@@ -1,0 +1,119 @@
+#include "host/run_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/temporary_folder.h"
+
+namespace corvel::host {
+
+namespace {
+
+using Trouble = std::optional<WideString>;
+namespace fs = std::filesystem;
+
+class RunChecks : public testing::Test {
+ protected:
+  Trouble OutputTrouble(std::string_view name) const {
+    return TroubleWithOutput(folder.Path(name), inputs);
+  }
+
+  const test::TemporaryFolder folder;
+  const std::vector<WideString> inputs{folder.Write("in.ifc", "ISO")};
+};
+
+}  // namespace
+
+TEST_F(RunChecks, AFileWithBytesIsAnInput) {
+  EXPECT_EQ(Trouble(), TroubleWithInput(inputs[0]));
+  EXPECT_EQ(Trouble(), TroubleWithInput(folder.Write("UPPER.IFC", "x")));
+}
+
+TEST_F(RunChecks, WhatIsNoInputIsToldWhy) {
+  EXPECT_EQ(u"the name of an input is empty", TroubleWithInput(u""));
+  EXPECT_EQ(u"there is no such file", TroubleWithInput(folder.Path("none.ifc")));
+  EXPECT_EQ(u"this is a folder, not a model", TroubleWithInput(folder.Path()));
+  EXPECT_EQ(u"this file is empty", TroubleWithInput(folder.Write("empty.ifc", "")));
+  EXPECT_EQ(u"the name of a model has to end in .ifc",
+            TroubleWithInput(folder.Write("in.txt", "ISO")));
+}
+
+#ifndef _WIN32
+// Opening a pipe that nobody writes to would wait for ever.
+TEST_F(RunChecks, DevicesAndPipesAreNoInputs) {
+  fs::create_symlink("/dev/zero", folder.Native("zero.ifc"));
+  EXPECT_EQ(u"this is no ordinary file", TroubleWithInput(folder.Path("zero.ifc")));
+}
+
+TEST_F(RunChecks, ALinkWithoutATargetIsNoFile) {
+  fs::create_symlink("nowhere.ifc", folder.Native("link.ifc"));
+  EXPECT_EQ(u"there is no such file", TroubleWithInput(folder.Path("link.ifc")));
+}
+
+TEST_F(RunChecks, ALinkToAnInputIsThatInput) {
+  fs::create_symlink("in.ifc", folder.Native("soft.ifc"));
+  fs::create_hard_link(folder.Native("in.ifc"), folder.Native("hard.ifc"));
+  EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",
+            OutputTrouble("soft.ifc"));
+  EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",
+            OutputTrouble("hard.ifc"));
+}
+
+TEST_F(RunChecks, AnOutputBehindALinkIsLookedAtAndNotMade) {
+  fs::create_directory(folder.Native("sub"));
+  fs::create_symlink("sub/real.ifc", folder.Native("link.ifc"));
+  EXPECT_EQ(Trouble(), OutputTrouble("link.ifc"));
+  EXPECT_TRUE(fs::is_symlink(folder.Native("link.ifc")));
+  EXPECT_FALSE(folder.Has("sub/real.ifc"));
+}
+
+TEST_F(RunChecks, LinksAreFollowedToTheirEnd) {
+  fs::create_symlink("b.ifc", folder.Native("a.ifc"));
+  fs::create_symlink(folder.Native("c.ifc"), folder.Native("b.ifc"));
+  EXPECT_EQ(folder.Path("c.ifc"), FollowLinks(folder.Path("a.ifc")));
+  EXPECT_EQ(folder.Path("none.ifc"), FollowLinks(folder.Path("none.ifc")));
+}
+
+TEST_F(RunChecks, LinksInACircleHaveNoEnd) {
+  fs::create_symlink("b.ifc", folder.Native("a.ifc"));
+  fs::create_symlink("a.ifc", folder.Native("b.ifc"));
+  FollowLinks(folder.Path("a.ifc"));
+  EXPECT_EQ(u"this file cannot be reached", TroubleWithInput(folder.Path("a.ifc")));
+  EXPECT_EQ(u"this file cannot be reached", OutputTrouble("a.ifc"));
+}
+#endif
+
+TEST_F(RunChecks, TheClosingLineStandsNearTheEnd) {
+  const auto closed = [this](const std::string& bytes) {
+    return HasClosingLine(folder.Write("end.ifc", bytes));
+  };
+  EXPECT_TRUE(closed("ENDSEC;\nEND-ISO-10303-21;\n"));
+  EXPECT_TRUE(closed("ENDSEC;\nEND-ISO-10303-21;" + std::string(1000, '\0')));
+  EXPECT_TRUE(closed(std::string(1 << 20, ' ') + "END-ISO-10303-21;"));
+  EXPECT_FALSE(closed("ENDSEC;\nEND-IS"));
+  EXPECT_FALSE(closed("END-ISO-10303-21;" + std::string(1 << 20, ' ')));
+  EXPECT_FALSE(closed(""));
+  EXPECT_FALSE(HasClosingLine(folder.Path("none.ifc")));
+}
+
+TEST_F(RunChecks, AnOutputMayBeNewOrThereAlready) {
+  EXPECT_EQ(Trouble(), OutputTrouble("new.ifc"));
+  EXPECT_FALSE(folder.Has("new.ifc"));
+  folder.Write("old.ifc", "kept");
+  EXPECT_EQ(Trouble(), OutputTrouble("old.ifc"));
+  EXPECT_EQ("kept", folder.Read("old.ifc"));
+}
+
+TEST_F(RunChecks, WhatIsNoOutputIsToldWhy) {
+  fs::create_directory(folder.Native("sub.ifc"));
+  EXPECT_EQ(u"the name of the output is empty", TroubleWithOutput(u"", inputs));
+  EXPECT_EQ(u"the name of the output has to end in .ifc", OutputTrouble("out.ifczip"));
+  EXPECT_EQ(u"the name of the output has to end in .ifc", OutputTrouble("out"));
+  EXPECT_EQ(u"this is a folder; name a file in it", OutputTrouble("sub.ifc"));
+  EXPECT_EQ(u"the folder for the output does not exist", OutputTrouble("none/out.ifc"));
+  EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",
+            OutputTrouble("in.ifc"));
+}
+
+}  // namespace corvel::host
