@@ -84,11 +84,11 @@ Beside the inputs there are
                           deleted at the end of a run in which nothing was
                           reported. If it cannot be made, the run goes on, and
                           all reports are shown.
-  NAME_TEMP.ifc           a working file beside each input NAME.ifc while the
-                          run lasts (NAME_TEMP2.ifc and so on where there is a
-                          model of that name), so that the folder of an input
-                          must be writable. Only a run that is ended by force
-                          leaves it behind.
+  NAME_TEMP.ifc           a working file beside each input NAME.ifc, so that
+                          the folder of an input must be writable. It stays
+                          when the input was read to its end, and the next
+                          reading overwrites it. A model of that name is never
+                          overwritten: NAME_TEMP2.ifc and so on is taken then.
 
 Exit status:
   0    OUT was written, and nothing was reported

@@ -54,13 +54,13 @@ ExitStatus ModelRun::Run() {
       StartAnew();
       written = Write();
     } catch (const std::bad_alloc&) {
-      CleanUp();
+      documents_.clear();
       console_.Report("", u"Not enough memory for these models.", kReportShow);
     } catch (const std::exception& error) {
       console_.Report("", Widen(error.what()), kReportShow);
     }
     console_.SetFileAtWork({});
-    CleanUp();
+    documents_.clear();
     console_.EraseBars();
   }
   const ExitStatus status = Conclude(written);
@@ -194,16 +194,6 @@ bool ModelRun::Save() {
   output.Complete();
   Log(u"Saving DONE");
   return true;
-}
-
-// A reading that was not cut short leaves its working file behind, which looks like a model to the
-// next `*.ifc`.
-void ModelRun::CleanUp() {
-  for (const auto& document : documents_) {
-    const WideString& workingFile = document->GetParser().tempPath;
-    if (!workingFile.empty()) platform::RemoveFile(workingFile);
-  }
-  documents_.clear();
 }
 
 ExitStatus ModelRun::Conclude(bool written) {

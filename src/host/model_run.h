@@ -41,7 +41,6 @@ class ModelRun {
   bool Read(const WideString& path);
   bool Fold();
   bool Save();
-  void CleanUp();
   ExitStatus Conclude(bool written);
 
   ModelOrder order_;

@@ -390,7 +390,6 @@ class Memory(CorvelTest):
                     self.assertRegex(ended.err, '(?i)memory|alloc')
                 else:
                     os.remove(self.path('out.ifc'))
-                self.assertNotIn('a_TEMP.ifc', self.names())
 
 
 if __name__ == '__main__':

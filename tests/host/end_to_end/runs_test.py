@@ -220,7 +220,7 @@ class Names(CorvelTest):
         self.write('b.ifc', model(POINT))
         self.assert_ended(self.run_corvel('merge', 'sub/a.ifc', './b.ifc', '-o', 'sub/out.ifc'),
                           WITH_REPORTS)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'],
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'a_TEMP.ifc', 'out.ifc'],
                          sorted(os.listdir(os.path.join(self.folder, 'sub'))))
         self.assertEqual(['b.ifc', 'sub'], self.names())
 
@@ -231,6 +231,18 @@ class Names(CorvelTest):
         self.assert_ended(self.run_corvel('resave', 'a.ifc', 'a_TEMP2.ifc'), DONE)
         self.assertEqual(kept, self.read('a_TEMP.ifc'))
         self.assertEqual(['a.ifc', 'a_TEMP.ifc', 'a_TEMP2.ifc'], self.names())
+
+    def test_the_working_file_of_a_complete_reading_stays_and_is_overwritten(self):
+        self.write('a.ifc', project('#2=IFCPOLYLOOP((#3));', '#3=IFCCARTESIANPOINT((0.,1.));'))
+        for _ in range(2):
+            self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE)
+            self.assertEqual(['a_TEMP.ifc'], self.working_files())
+            self.assertIn(b'#2=IFCPOLYLOOP((#3));', self.read('a_TEMP.ifc'))
+
+    def test_the_working_file_of_a_failed_reading_is_gone(self):
+        self.write('a.ifc', project('#2=IFCNOSUCHCLASS();'))
+        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN)
+        self.assertEqual([], self.working_files())
 
     def test_an_output_of_the_name_of_the_working_file_is_no_trouble(self):
         self.write('a.ifc', project(POINT))
