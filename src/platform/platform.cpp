@@ -6,12 +6,12 @@ namespace platform {
 
 namespace {
 
-Platform* replacement = nullptr;
+Platform* inPlace = nullptr;  // null: the system's own
 
 }  // namespace
 
-Platform& Get() { return replacement != nullptr ? *replacement : System(); }
+Platform& Get() { return inPlace != nullptr ? *inPlace : System(); }
 
-Platform* Replace(Platform* other) { return std::exchange(replacement, other); }
+Platform* Replace(Platform* replacement) { return std::exchange(inPlace, replacement); }
 
 }  // namespace platform

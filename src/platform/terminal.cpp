@@ -5,7 +5,7 @@ namespace platform {
 namespace {
 
 std::optional<Answer> answerPolicy;
-Dialogs dialogs = Dialogs::kWindows;
+Dialogs currentDialogs = Dialogs::kWindows;
 
 std::optional<Answer> ParseAnswer(std::string line) {
   for (char& c : line) {
@@ -30,9 +30,9 @@ std::optional<Answer> AskAPerson() {
 
 void SetAnswerPolicy(std::optional<Answer> policy) { answerPolicy = policy; }
 
-void SetDialogs(Dialogs where) { dialogs = where; }
+void SetDialogs(Dialogs dialogs) { currentDialogs = dialogs; }
 
-Dialogs CurrentDialogs() { return dialogs; }
+Dialogs CurrentDialogs() { return currentDialogs; }
 
 TerminalAnswer ShowBoxOnTerminal(std::u16string_view title, std::u16string_view text,
                                  Buttons buttons) {

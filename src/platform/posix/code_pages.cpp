@@ -33,6 +33,7 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open fails with
   bool IsOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
   // 0 when the byte alone is not one character of 16 bits.

@@ -97,8 +97,7 @@ void IfcLog::EndBlock() {
   indent_.erase(tab == WideString::npos ? 0 : tab);
 }
 
-void IfcLog::LogReadingEntity(std::uint32_t marker) {
-  if (muted_) return;
+void IfcLog::CountReadingEntity(std::uint32_t marker) {
   if (readingCalls_ < kSilentReadingCalls) {
     ++readingCalls_;
     return;

@@ -41,7 +41,9 @@ class IfcLog {
   // Takes the last tab off the indent.
   void EndBlock();
   // One call in 101 writes `Reading entity: #` and the number, with no indent and no line end.
-  void LogReadingEntity(std::uint32_t marker);
+  void LogReadingEntity(std::uint32_t marker) {
+    if (!muted_) CountReadingEntity(marker);
+  }
   // Hands all that was logged to the disk.
   void Flush();
 
@@ -61,6 +63,7 @@ class IfcLog {
 
  private:
   void Append(WideView message, WideView lineEnd, bool indentAfter);
+  void CountReadingEntity(std::uint32_t marker);
   bool StreamIsReady();
   template <class WriteBytes>
   void Guarded(WriteBytes writeBytes);

@@ -53,7 +53,7 @@ WideString ReadLastPath(const WideString& path) {
   if (!file.Open(path, platform::OpenMode::kRead)) return {};
   std::array<char16_t, kLongestPath> units{};
   const std::size_t bytes = file.Read(units.data(), sizeof units);
-  return WideString(units.data(), bytes / sizeof(char16_t));
+  return {units.data(), bytes / sizeof(char16_t)};
 }
 
 bool CanBeRead(const WideString& path) {

@@ -1,0 +1,173 @@
+// What all input streams share: names out of the path, the window and the statement text.
+#include "step/streams/input_stream.h"
+
+#include <gtest/gtest.h>
+
+#include "support/memory_streams.h"
+
+namespace FileStream {
+namespace {
+
+using corvel::test::MemoryInputStream;
+
+// Takes `count` bytes through the window, refilling when it is used up.
+std::string TakeByWindow(InputStream& stream, std::size_t count) {
+  std::string taken;
+  while (taken.size() < count && (stream.Cursor() != stream.WindowEnd() || stream.Refill())) {
+    taken.push_back(*stream.Cursor());
+    stream.SetCursor(stream.Cursor() + 1);
+  }
+  return taken;
+}
+
+std::string TakeByChar(InputStream& stream, std::size_t count) {
+  std::string taken;
+  for (std::size_t i = 0; i < count; ++i) taken.push_back(static_cast<char>(stream.GetChar()));
+  return taken;
+}
+
+TEST(ExtensionOf, ItIsTheTextFromTheLastDotInLowerCase) {
+  EXPECT_EQ(u".ifc", ExtensionOf(u"C:\\m\\a.ifc"));
+  EXPECT_EQ(u".ifczip", ExtensionOf(u"/m/a.b.IFCZip"));
+  EXPECT_EQ(u".", ExtensionOf(u"a."));
+}
+
+TEST(ExtensionOf, WithoutADotItIsEmpty) {
+  EXPECT_EQ(u"", ExtensionOf(u"model"));
+  EXPECT_EQ(u"", ExtensionOf(u""));
+}
+
+TEST(ExtensionOf, OfAContainerEntryItIsTheFourCharactersBeforeTheBar) {
+  EXPECT_EQ(u".olf", ExtensionOf(u"a.OLF|sub/model.ifc"));
+  EXPECT_EQ(u".olf", ExtensionOf(u"a.olf|x|y.ifc"));
+  EXPECT_EQ(u"chiv", ExtensionOf(u"a.archiv|model.ifc"));
+  EXPECT_EQ(u"ab", ExtensionOf(u"AB|model.ifc"));
+}
+
+TEST(InputStream, ThePathIsSplitAtTheFirstBar) {
+  const MemoryInputStream entry("", 1, u"D:\\a.olf|sub/model.ifc");
+  EXPECT_EQ(u"D:\\a.olf", entry.ContainerPath());
+  EXPECT_EQ(u".olf", entry.Extension());
+  const MemoryInputStream plain("", 1, u"D:\\a.ifc");
+  EXPECT_EQ(u"D:\\a.ifc", plain.ContainerPath());
+  EXPECT_EQ(u"", plain.EntryName());
+}
+
+TEST(InputStream, CharactersAndWindowMoveOnePosition) {
+  MemoryInputStream stream("abcdefghij", 3);
+  EXPECT_EQ("ab", TakeByChar(stream, 2));
+  EXPECT_EQ("cd", TakeByWindow(stream, 2));
+  EXPECT_EQ('e', stream.PeekChar());
+  EXPECT_EQ("efg", TakeByChar(stream, 3));
+  EXPECT_EQ(7, stream.Position());
+  EXPECT_EQ("hij", TakeByWindow(stream, 99));
+  EXPECT_EQ(-1, stream.GetChar());
+}
+
+TEST(InputStream, BytesFrom128AreNegative) {
+  MemoryInputStream stream("\x80\xFE\xFF");
+  EXPECT_EQ(-128, stream.GetChar());
+  EXPECT_EQ(-2, stream.PeekChar());
+  EXPECT_EQ(-2, stream.GetChar());
+  EXPECT_EQ(-1, stream.GetChar()) << "a byte of 255 looks like the end";
+  EXPECT_EQ(3, stream.Position());
+}
+
+TEST(StatementText, ItHoldsAllDeliveredBytesWhateverTheWindows) {
+  const std::string text = "#1=IFCWALL($);\n#2=IFCDOOR();";
+  for (std::size_t window = 1; window <= text.size() + 1; ++window) {
+    for (std::size_t byWindow = 0; byWindow <= text.size(); ++byWindow) {
+      MemoryInputStream stream(text, window);
+      TakeByWindow(stream, byWindow);
+      TakeByChar(stream, text.size() - byWindow);
+      ASSERT_EQ(text, stream.StatementText()) << window << " " << byWindow;
+      ASSERT_EQ(text, stream.StatementView()) << window << " " << byWindow;
+    }
+  }
+}
+
+TEST(StatementText, ClearingStartsItAnewAtTheCursor) {
+  for (std::size_t window = 1; window <= 12; ++window) {
+    MemoryInputStream stream("first;second;", window);
+    TakeByWindow(stream, 6);
+    stream.ClearStatementText();
+    EXPECT_EQ("", stream.StatementText());
+    TakeByChar(stream, 7);
+    EXPECT_EQ("second;", stream.StatementText()) << window;
+  }
+}
+
+TEST(StatementText, PeekingAddsNothing) {
+  MemoryInputStream stream("ab", 1);
+  stream.PeekChar();
+  stream.GetChar();
+  stream.PeekChar();
+  EXPECT_EQ("a", stream.StatementText());
+}
+
+TEST(StatementText, BytesOfReadStayOutOfIt) {
+  for (std::size_t window = 1; window <= 9; ++window) {
+    MemoryInputStream stream("ab--cd--", window);
+    char skipped[2];
+    TakeByWindow(stream, 2);
+    EXPECT_EQ(2u, stream.Read(skipped, 2));
+    TakeByChar(stream, 2);
+    EXPECT_EQ(2u, stream.Read(skipped, 2));
+    EXPECT_EQ("abcd", stream.StatementText()) << window;
+    EXPECT_EQ(8, stream.Position());
+  }
+}
+
+TEST(StatementText, ItOutlivesTheStreamsEnd) {
+  MemoryInputStream stream("abc", 2);
+  TakeByWindow(stream, 3);
+  EXPECT_FALSE(stream.Refill());
+  EXPECT_EQ("abc", stream.StatementText());
+  stream.Close();
+  EXPECT_EQ("abc", stream.StatementText());
+}
+
+TEST(StatementView, ItLiesInTheWindowAsLongAsNoRefillCameBetween) {
+  MemoryInputStream stream("abcdef", 4);
+  TakeByWindow(stream, 3);
+  EXPECT_EQ(stream.Cursor(), stream.StatementView().end());
+  TakeByWindow(stream, 2);
+  EXPECT_EQ("abcde", stream.StatementView());
+  EXPECT_EQ("abcde", stream.StatementView()) << "asking changes nothing";
+  TakeByWindow(stream, 1);
+  EXPECT_EQ("abcdef", stream.StatementText());
+}
+
+TEST(LastWasSemicolon, OnlyTheLastDeliveredByteCounts) {
+  for (std::size_t window = 1; window <= 5; ++window) {
+    MemoryInputStream stream("a;b;", window);
+    EXPECT_FALSE(stream.LastWasSemicolon());
+    TakeByChar(stream, 2);
+    EXPECT_TRUE(stream.LastWasSemicolon());
+    stream.PeekChar();
+    stream.ClearStatementText();
+    EXPECT_TRUE(stream.LastWasSemicolon());
+    TakeByWindow(stream, 1);
+    EXPECT_FALSE(stream.LastWasSemicolon());
+    TakeByWindow(stream, 1);
+    EXPECT_TRUE(stream.LastWasSemicolon());
+    EXPECT_FALSE(stream.Refill());
+    EXPECT_TRUE(stream.LastWasSemicolon()) << "the end of the data is no byte";
+  }
+}
+
+TEST(LastWasSemicolon, BytesOfReadDoNotCount) {
+  for (std::size_t window = 1; window <= 5; ++window) {
+    MemoryInputStream stream("a;;b", window);
+    char skipped;
+    TakeByChar(stream, 1);
+    stream.Read(&skipped, 1);
+    EXPECT_FALSE(stream.LastWasSemicolon());
+    TakeByChar(stream, 1);
+    stream.Read(&skipped, 1);
+    EXPECT_TRUE(stream.LastWasSemicolon());
+  }
+}
+
+}  // namespace
+}  // namespace FileStream

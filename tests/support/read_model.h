@@ -1,0 +1,158 @@
+// A document on its way from the text of its records through a file, well or badly, and the base of
+// tests on that way. What only needs a good model has it shorter in model.h.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/document.h"
+#include "core/entity_cast.h"
+#include "core/main_container.h"
+#include "step/log/utilities.h"
+#include "step/reader/parser.h"
+#include "step/writer/step_writer.h"
+#include "support/memory_streams.h"
+#include "support/recorded_progress.h"
+#include "support/recorded_reports.h"
+#include "support/temporary_folder.h"
+#include "support/test_platform.h"
+
+namespace corvel::test {
+
+// A STEP file with these records, which stand as they are behind "DATA;\n". Its header is written
+// as the writer writes it.
+inline std::string FileOf(std::string_view records, std::string_view schema = "IFC4") {
+  std::string text =
+      "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION (('v'),'2;1');\n"
+      "FILE_NAME ('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA (('";
+  text.append(schema).append("'));\nENDSEC;\n\nDATA;\n").append(records);
+  return text + "\nENDSEC;\nEND-ISO-10303-21;\n";
+}
+
+struct ReadOptions {
+  std::string schema = "IFC4";
+  bool ignoreEnumErrors = false;
+  std::string fileName = "model.ifc";
+  int fileCount = 1;
+};
+
+// Reports and ticks go to RecordedReports and RecordedProgress.
+class ReadModel {
+ public:
+  explicit ReadModel(std::string_view records, ReadOptions options = {})
+      : ReadModel(std::move(options)) {
+    Read(FileOf(records, options_.schema));
+  }
+  // From all bytes of a file.
+  static ReadModel OfFile(std::string_view bytes, ReadOptions options = {}) {
+    ReadModel model(std::move(options));
+    model.Read(bytes);
+    return model;
+  }
+
+  // What OpenFile said.
+  bool IsRead() const { return read_; }
+  IfcDocument& Document() { return *document_; }
+  Parser& GetParser() { return document_->GetParser(); }
+  IFC::MainContainer& Container() { return *document_->mainContainer; }
+  TemporaryFolder& Folder() { return *folder_; }
+
+  // By the number in the file; null if there is none.
+  IFC::IfcEntity* operator[](std::uint32_t number) {
+    return Container().GetEntityByOrginalNumber(number);
+  }
+  template <class Interface>
+  Interface* As(std::uint32_t number) {
+    return EntityCast<Interface>((*this)[number]);
+  }
+
+  // "#1=IFCWALL(...);" as it is written, without the line end; empty for a deleted entity.
+  std::string Line(std::uint32_t number) {
+    MemoryOutpoutStream stream;
+    StepWriter(stream).WriteEntityLine(*(*this)[number]);
+    std::string line = stream.Text();
+    if (!line.empty()) line.pop_back();
+    return line;
+  }
+  // All lines in the order of the output, each with its line end.
+  std::string Lines() {
+    MemoryOutpoutStream stream;
+    StepWriter writer(stream);
+    const NumberTable& entities = Container().entities;
+    for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+      writer.WriteEntityLine(*at.entity);
+    }
+    return stream.Text();
+  }
+  // All bytes that SaveFile leaves; it has to succeed.
+  std::string Saved() {
+    EXPECT_EQ(1, document_->SaveFile(folder_->Path("saved.ifc")));
+    return folder_->Read("saved.ifc");
+  }
+
+ private:
+  explicit ReadModel(ReadOptions options)
+      : options_(std::move(options)),
+        folder_(std::make_unique<TemporaryFolder>()),
+        document_(std::make_unique<IfcDocument>(
+            options_.ignoreEnumErrors, RecordedReports::Reporter, RecordedProgress::Callback)) {}
+
+  void Read(std::string_view bytes) {
+    const WideString path = folder_->Write(options_.fileName, bytes);
+    read_ = document_->OpenFile(path, options_.fileCount) != 0;
+  }
+
+  ReadOptions options_;
+  std::unique_ptr<TemporaryFolder> folder_;
+  std::unique_ptr<IfcDocument> document_;
+  bool read_ = false;
+};
+
+// A machine of its own, and the process-wide values as at the start of a run.
+class ReadTest : public testing::Test {
+ protected:
+  ReadTest() {
+    CancelMode() = 0;
+    IFC::MainContainer::ResetUniqueMarker();
+  }
+  ~ReadTest() override {
+    CancelMode() = 0;
+    IFC::MainContainer::ResetUniqueMarker();
+    MemoryReportOutput() = outputBefore_;
+  }
+
+  // The next `count` boxes are answered with No; without a word a question gets a Yes.
+  void AnswerNo(std::size_t count) {
+    platform_.answers.insert(platform_.answers.end(), count, platform::Answer::kNo);
+  }
+  // How often the question of a cancellation has been asked.
+  std::size_t QuestionsAsked() const {
+    std::size_t count = 0;
+    for (const TestPlatform::Box& box : platform_.boxes) {
+      if (box.buttons == platform::Buttons::kYesNo) ++count;
+    }
+    return count;
+  }
+  // The messages that were shown or logged, in order.
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> messages;
+    for (const Report& report : *reports_) messages.push_back(Narrow(report.message));
+    return messages;
+  }
+
+  TestPlatform platform_;
+  RecordedReports reports_;
+  RecordedProgress progress_;
+
+ private:
+  std::FILE* outputBefore_ = std::exchange(MemoryReportOutput(), nullptr);
+};
+
+}  // namespace corvel::test
