@@ -37,7 +37,8 @@ ExitStatus RunInfo(const CommandLine& line) {
   std::vector<FileFacts> files;
   for (const WideString& path : line.inputs) {
     FileFacts facts = ReadFacts(path);
-    for (const WideString& problem : facts.problems) console.Say(path + u": " + problem);
+    for (const WideString& problem : facts.problems)
+      console.Say(WideString(path).append(u": ").append(problem));
     good = good && facts.problems.empty();
     if (line.json) {
       files.push_back(std::move(facts));

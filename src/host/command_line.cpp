@@ -84,12 +84,16 @@ UsageError UnknownOption(const CommandName& command, const CLI::App& app, std::s
 std::optional<std::string> CountError(Command command, std::size_t files) {
   switch (command) {
     case Command::kMerge:
-      if (files < 2) return "two files or more are needed, and " + std::to_string(files) +
-                            (files == 1 ? " is given" : " are given");
+      if (files < 2) {
+        return "two files or more are needed, and " + std::to_string(files) +
+               (files == 1 ? " is given" : " are given");
+      }
       break;
     case Command::kResave:
-      if (files != 2) return "one input and one output are needed, and " + std::to_string(files) +
-                             (files == 1 ? " file is given" : " files are given");
+      if (files != 2) {
+        return "one input and one output are needed, and " + std::to_string(files) +
+               (files == 1 ? " file is given" : " files are given");
+      }
       break;
     case Command::kInfo:
       if (files == 0) return "a file is needed";
@@ -163,6 +167,7 @@ Outcome ParseWithoutCommand(const std::string& word) {
 Outcome ParseCommandLine(const std::vector<WideString>& arguments) {
   if (arguments.empty()) return Wrong("a command is needed.\nSee 'corvel --help'.");
   std::vector<std::string> words;
+  words.reserve(arguments.size());
   for (const WideString& argument : arguments) words.push_back(ToUtf8(argument));
   const CommandName* const command = FindCommand(words.front());
   if (command == nullptr) return ParseWithoutCommand(words.front());

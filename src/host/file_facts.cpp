@@ -91,7 +91,7 @@ void ReadOpened(Scanner& scanner, FileFacts& facts) {
   facts.bytes = scanner.Stream()->TotalSize();
   facts.header = ReadHeader(scanner);
   if (facts.header == nullptr) {
-    facts.problems.push_back(u"Unable to read header token. No schema identifier can be read.");
+    facts.problems.emplace_back(u"Unable to read header token. No schema identifier can be read.");
     return;
   }
   const WideString& identifier = facts.header->schemaIdentifier;

@@ -29,9 +29,8 @@ WideString Listed(const std::vector<WideString>& texts) {
 
 WideString HeaderLines(const HeaderToken& header) {
   return Line(u"description", Listed(header.fileDescription)) +
-         Line(u"implementation level", header.implementationLevel) +
-         Line(u"name", header.name) + Line(u"time stamp", header.timeStamp) +
-         Line(u"author", Listed(header.author)) +
+         Line(u"implementation level", header.implementationLevel) + Line(u"name", header.name) +
+         Line(u"time stamp", header.timeStamp) + Line(u"author", Listed(header.author)) +
          Line(u"organization", Listed(header.organization)) +
          Line(u"preprocessor version", header.preprocessorVersion) +
          Line(u"originating system", header.originatingSystem) +

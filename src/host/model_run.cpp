@@ -146,11 +146,10 @@ bool ModelRun::Read(const WideString& path) {
   const int fileCount = static_cast<int>(order_.inputs.size());
   console_.SetFileAtWork(path);
   console_.Progress().StartStage(kReadingWeight / fileCount);
-  console_.Progress().SetTexts(TextOf("progress_bar_overall_progress"),
-                               Step("reading_file", path));
+  console_.Progress().SetTexts(TextOf("progress_bar_overall_progress"), Step("reading_file", path));
   Log(u"Reading file: " + path);
-  documents_.push_back(std::make_unique<IfcDocument>(order_.ignoreEnumErrors,
-                                                     RunConsole::Reporter, RunConsole::Ticks));
+  documents_.push_back(std::make_unique<IfcDocument>(order_.ignoreEnumErrors, RunConsole::Reporter,
+                                                     RunConsole::Ticks));
   IfcDocument& document = *documents_.back();
   std::vector<WideString> reserved = order_.inputs;
   reserved.push_back(order_.output);

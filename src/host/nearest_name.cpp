@@ -16,8 +16,7 @@ std::size_t EditDistance(std::string_view from, std::string_view to) {
     for (std::size_t j = 1; j <= to.size(); ++j) {
       const bool same = from[i - 1] == to[j - 1];
       row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (same ? 0 : 1)});
-      const bool swapped =
-          i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
+      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
       if (swapped) row[j] = std::min(row[j], before[j - 2] + 1);
     }
     before.swap(last);

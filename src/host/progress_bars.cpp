@@ -36,8 +36,7 @@ WideString RenderBar(WideView text, int percent, int columns) {
   const bool hasBar = columns >= kLeastForBar;
   const int barWidth = hasBar ? columns / 3 : 0;
   const WideString bar = hasBar ? BarText(percent, barWidth) : WideString();
-  const int textColumns =
-      std::max(columns - kPercentColumns - static_cast<int>(bar.size()), 0);
+  const int textColumns = std::max(columns - kPercentColumns - static_cast<int>(bar.size()), 0);
   return FitToColumns(shown, static_cast<std::size_t>(textColumns)) + bar + PercentText(percent);
 }
 

@@ -81,7 +81,7 @@ std::optional<WideString> Told(const char16_t* trouble) {
 
 std::optional<WideString> TroubleWithInput(const WideString& path) {
   if (path.empty()) return u"the name of an input is empty";
-  if (const auto told = Told(TroubleWithInputType(path))) return told;
+  if (auto told = Told(TroubleWithInputType(path))) return told;
   if (!HasModelEnding(path)) return u"the name of a model has to end in .ifc";
   return Told(TroubleWithContent(path));
 }
@@ -90,7 +90,7 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs) {
   if (path.empty()) return u"the name of the output is empty";
   if (!HasModelEnding(path)) return u"the name of the output has to end in .ifc";
-  if (const auto told = Told(TroubleWithOutputType(path))) return told;
+  if (auto told = Told(TroubleWithOutputType(path))) return told;
   if (!FolderExists(path)) return u"the folder for the output does not exist";
   const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const WideString& input) {
     return input == path || platform::IsSameFile(input, path);

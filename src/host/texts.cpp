@@ -15,8 +15,7 @@ struct Text {
 constexpr Text kTexts[] = {
     // Reports: they stand before a message, with a blank between.
     {"could_not_open_file", u"Could not open the file"},
-    {"could_not_open_file_extension",
-     u"Could not open a file whose name does not end in .ifc:"},
+    {"could_not_open_file_extension", u"Could not open a file whose name does not end in .ifc:"},
     {"could_not_open_file_write", u"Could not open the file for writing."},
     {"fail_to_open_last_created_file_message", u"Could not open the last created file."},
     {"unknown_entity_name_in_schema", u"The schema has no class named"},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "core/entity_cast.h"
 #include "merge/duplicate_cleanup.h"
@@ -28,11 +29,11 @@ std::string_view GuidOf(IFC::VirtualIfcRoot& root) { return root.getGlobalId(); 
 }  // namespace
 
 DocumentMerge::DocumentMerge(IfcDocument& destination, IFC::MainContainer& source,
-                             const WideString& sourcePath, ErrorReporter showError,
+                             WideString sourcePath, ErrorReporter showError,
                              ProgressCallback progress)
     : destination_(destination),
       source_(source),
-      sourcePath_(sourcePath),
+      sourcePath_(std::move(sourcePath)),
       showError_(showError),
       progress_(progress) {}
 

@@ -19,7 +19,7 @@ namespace corvel {
 class DocumentMerge {
  public:
   // `source` is already owned by the destination's list of absorbed containers.
-  DocumentMerge(IfcDocument& destination, IFC::MainContainer& source, const WideString& sourcePath,
+  DocumentMerge(IfcDocument& destination, IFC::MainContainer& source, WideString sourcePath,
                 ErrorReporter showError, ProgressCallback progress);
 
   // As IfcDocument::MergeDocument.

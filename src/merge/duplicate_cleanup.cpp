@@ -15,8 +15,8 @@ namespace {
 
 bool IsDeleted(const IFC::IfcEntity& entity) { return entity.marker == IFC::kDeleted; }
 
-// By number: of two parents that say the same the later one goes, on every run, wherever the objects
-// lie in memory.
+// By number: of two parents that say the same the later one goes, on every run, wherever the
+// objects lie in memory.
 std::vector<IFC::IfcEntity*> ParentsOf(const IFC::IfcEntity& entity) {
   const auto members = entity.parents.Members();
   std::vector<IFC::IfcEntity*> parents(members.begin(), members.end());
@@ -46,7 +46,7 @@ std::string KeyOfOthers(const IFC::IfcEntity& relation, const IFC::IfcEntity& en
     IFC::IfcEntity* const child = children.TakeBack().entity;
     if (child == nullptr || child == &entity) continue;
     if (auto* const root = EntityCast<IFC::VirtualIfcRoot>(child)) {
-      guids.push_back(root->getGlobalId());
+      guids.emplace_back(root->getGlobalId());
     }
   }
   std::sort(guids.begin(), guids.end());

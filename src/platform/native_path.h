@@ -11,9 +11,9 @@ namespace platform {
 // Names that are no valid text survive: on POSIX systems the bytes go through as they are.
 inline std::filesystem::path NativePath(std::u16string_view path) {
 #ifdef _WIN32
-  return std::filesystem::path(path);
+  return {path};
 #else
-  return std::filesystem::path(ToUtf8(path));
+  return {ToUtf8(path)};
 #endif
 }
 

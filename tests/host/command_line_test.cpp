@@ -61,9 +61,9 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
 }
 
 TEST(CommandLine, EveryCommandTakesTheCommonOptions) {
-  for (const Arguments& words : {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
-                                 Arguments{u"resave", u"a.ifc", u"b.ifc"},
-                                 Arguments{u"info", u"a.ifc"}}) {
+  for (const Arguments& words :
+       {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
+        Arguments{u"resave", u"a.ifc", u"b.ifc"}, Arguments{u"info", u"a.ifc"}}) {
     Arguments all = words;
     all.insert(all.end(), {u"--quiet", u"--ignore-enum-errors", u"--answer", u"no"});
     const CommandLine line = Parsed(all);
@@ -138,9 +138,10 @@ TEST(CommandLine, AWrongCommandNamesItselfAndTheNearestRightOne) {
 }
 
 TEST(CommandLine, AnOptionBeforeTheCommandIsWrong) {
-  EXPECT_EQ("unknown option before the command '--versoin'; the nearest is '--version'.\n"
-            "See 'corvel --help'.",
-            ErrorOf({u"--versoin"}));
+  EXPECT_EQ(
+      "unknown option before the command '--versoin'; the nearest is '--version'.\n"
+      "See 'corvel --help'.",
+      ErrorOf({u"--versoin"}));
 }
 
 TEST(CommandLine, NothingAtAllIsWrong) {
@@ -169,9 +170,8 @@ TEST(CommandLine, MergeWithoutAnOutputIsWrong) {
 }
 
 TEST(CommandLine, AnAnswerIsYesOrNo) {
-  EXPECT_EQ(
-      "merge: --answer takes 'yes' or 'no', not 'maybe'\nSee 'corvel merge --help'.",
-      ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--answer", u"maybe"}));
+  EXPECT_EQ("merge: --answer takes 'yes' or 'no', not 'maybe'\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--answer", u"maybe"}));
 }
 
 TEST(CommandLine, AnOptionWithoutItsValueIsNamed) {
@@ -209,8 +209,8 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
 }
 
 TEST(HelpTexts, NoLineIsLongerThanATerminal) {
-  for (const WideView help : {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave),
-                              HelpOf(Command::kInfo)}) {
+  for (const WideView help :
+       {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave), HelpOf(Command::kInfo)}) {
     WideView rest = help;
     while (!rest.empty()) {
       const WideView line = rest.substr(0, rest.find(u'\n'));

@@ -17,7 +17,8 @@ std::string HeaderOf(const std::string& schema) {
   return "ISO-10303-21;\nHEADER;\n"
          "FILE_DESCRIPTION(('view','more'),'2;1');\n"
          "FILE_NAME('n.ifc','2024-01-02T03:04:05',('A','B'),('O'),'pre','sys','auth');\n"
-         "FILE_SCHEMA(('" + schema + "'));\nENDSEC;\nDATA;\n";
+         "FILE_SCHEMA(('" +
+         schema + "'));\nENDSEC;\nDATA;\n";
 }
 
 std::string ModelOf(const std::string& records, const std::string& schema = "IFC4") {
@@ -48,9 +49,9 @@ TEST(FileFacts, HeaderFieldsAreTold) {
 }
 
 TEST(FileFacts, ClassesAreSortedByCountThenName) {
-  const FileFacts facts = FactsOf(
-      ModelOf("#1=IFCWALL('a');#2=IFCDOOR();#3=IFCBEAM();#4=IFCDOOR();\n"
-              "#5 = IFCWALL ( );#6=IFCWALL();"));
+  const FileFacts facts =
+      FactsOf(ModelOf("#1=IFCWALL('a');#2=IFCDOOR();#3=IFCBEAM();#4=IFCDOOR();\n"
+                      "#5 = IFCWALL ( );#6=IFCWALL();"));
   EXPECT_EQ(6u, facts.records);
   EXPECT_EQ((Classes{{"IFCWALL", 3}, {"IFCDOOR", 2}, {"IFCBEAM", 1}}), facts.classes);
 }
@@ -88,9 +89,8 @@ TEST(FileFacts, NonsenseInsideARecordDoesNotMatter) {
 TEST(FileFacts, AReplacedSchemaIsARemarkAndNoProblem) {
   const FileFacts facts = FactsOf(ModelOf("", "IFC4X3_RC4"));
   EXPECT_EQ(SchemaNamespace::IFC4X3_ADD2, facts.schema);
-  EXPECT_EQ(
-      Texts{u"Schema identifier: IFC4X3_RC4 is not supported. IFC4X3_ADD2 is used instead."},
-      facts.remarks);
+  EXPECT_EQ(Texts{u"Schema identifier: IFC4X3_RC4 is not supported. IFC4X3_ADD2 is used instead."},
+            facts.remarks);
   EXPECT_EQ(Texts{}, facts.problems);
 }
 

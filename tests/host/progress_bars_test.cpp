@@ -31,7 +31,9 @@ TEST(RenderBar, WithoutRoomThereIsNoBar) {
 }
 
 TEST(RenderBar, ControlCharactersOfANameDoNotReachTheTerminal) {
-  EXPECT_EQ(u"a?b                    [#######.......]  50%", RenderBar(u"a\x1b" u"b", 50, 44));
+  EXPECT_EQ(u"a?b                    [#######.......]  50%", RenderBar(u"a\x1b"
+                                                                       u"b",
+                                                                       50, 44));
 }
 
 class ProgressBarsTest : public testing::Test {

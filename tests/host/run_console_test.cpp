@@ -135,7 +135,10 @@ TEST_F(RunConsoleTest, BarsGiveWayToALineAndComeBack) {
   const WideString bars = Take();
   EXPECT_NE(WideString::npos, bars.find(u"Step")) << ToUtf8(bars);
   console.Say(u"hello");
-  EXPECT_EQ(u"\r\x1b[2K\x1b[A\x1b[2K" u"corvel: hello\n", Take());
+  EXPECT_EQ(
+      u"\r\x1b[2K\x1b[A\x1b[2K"
+      u"corvel: hello\n",
+      Take());
   console.Tick(10, 0, nullptr, false, 100);
   EXPECT_EQ(bars, Take());
 }

@@ -1,7 +1,7 @@
 #include "platform/console.h"
 
-#include <windows.h>
 #include <shellapi.h>
+#include <windows.h>
 
 #include <atomic>
 #include <cstdio>

@@ -38,8 +38,8 @@ struct UnreadableRecord {};
 
 class Parser {
  public:
-  // `ignoreEnumErrors`: an unknown enumeration value is logged and replaced by the fallback value.
-  Parser(bool ignoreEnumErrors, ErrorReporter showError, ProgressCallback progress);
+  // `ignoreEnumErrorsOption`: an unknown enumeration value is logged and replaced by the fallback value.
+  Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCallback ticks);
   ~Parser();
   Parser(const Parser&) = delete;
   Parser& operator=(const Parser&) = delete;
@@ -113,7 +113,7 @@ class Parser {
   bool CheckTempFile();
   bool ReadFile(int fileCount);
   bool ReadFirstPart(int fileCount);
-  bool ReadRecord(std::uint32_t marker, int fileCount);
+  bool ReadRecord(std::uint32_t number, int fileCount);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
   void FailRecord(std::uint32_t marker);

@@ -1,7 +1,6 @@
 // The values of StepWriter.
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -20,9 +19,11 @@ bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
 char* PutEscaped(char16_t unit, char* to) {
   constexpr char kHex[] = "0123456789ABCDEF";
-  std::memcpy(to, "\\X2\\", 4);
+  constexpr std::string_view kBegin = "\\X2\\";
+  constexpr std::string_view kEnd = "\\X0\\";
+  std::copy(kBegin.begin(), kBegin.end(), to);
   for (int i = 0; i < 4; ++i) to[4 + i] = kHex[(unit >> (12 - 4 * i)) & 15];
-  std::memcpy(to + 8, "\\X0\\", 4);
+  std::copy(kEnd.begin(), kEnd.end(), to + 8);
   return to + kLongestUnit;
 }
 

@@ -1,0 +1,61 @@
+"""The layers: includes point down, and what belongs to one layer stays there."""
+import re
+import sys
+import unittest
+from pathlib import Path
+
+SOURCE = Path(__file__).resolve().parents[2] / 'src'
+
+# Each layer with those that it may include beside itself.
+LAYERS = {
+    'platform': [],
+    'core': ['platform'],
+    'step': ['platform', 'core'],
+    'schema': ['platform', 'core', 'step'],
+    'merge': ['platform', 'core', 'step', 'schema'],
+    'host': ['platform', 'core', 'step', 'schema', 'merge'],
+}
+RELEASES = ['IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1', 'IFC4X2',
+            'IFC4X3_ADD2', 'IFC4X4']
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+SYSTEM_INCLUDE = re.compile(
+    r'^\s*#\s*include\s+<(windows\.h|unistd\.h|sys/|fcntl\.h|dlfcn\.h|signal\.h|shlobj|shellapi|io\.h)',
+    re.MULTILINE)
+
+
+def sources(layer):
+    return sorted(p for p in (SOURCE / layer).rglob('*') if p.suffix in ('.h', '.cpp'))
+
+
+class Layers(unittest.TestCase):
+
+    def test_EveryLayerOfTheSourceFolderIsKnown(self):
+        folders = {p.name for p in SOURCE.iterdir() if p.is_dir()}
+        self.assertEqual(folders, set(LAYERS))
+
+    def test_IncludesPointDown(self):
+        for layer, below in LAYERS.items():
+            for path in sources(layer):
+                for included in INCLUDE.findall(path.read_text(encoding='utf-8')):
+                    with self.subTest(file=str(path.relative_to(SOURCE)), included=included):
+                        target = included.split('/')[0]
+                        self.assertIn(target, [layer] + below)
+
+    def test_TheEngineNamesNoClassOfARelease(self):
+        qualified = re.compile(r'\b(%s)::Ifc|using namespace (%s)\b' % (('|'.join(RELEASES),) * 2))
+        for layer in ('platform', 'core', 'step', 'merge', 'host'):
+            for path in sources(layer):
+                with self.subTest(file=str(path.relative_to(SOURCE))):
+                    self.assertIsNone(qualified.search(path.read_text(encoding='utf-8')))
+
+    def test_OnlyThePlatformLayerIncludesSystemHeaders(self):
+        for layer in LAYERS:
+            if layer == 'platform':
+                continue
+            for path in sources(layer):
+                with self.subTest(file=str(path.relative_to(SOURCE))):
+                    self.assertIsNone(SYSTEM_INCLUDE.search(path.read_text(encoding='utf-8')))
+
+
+if __name__ == '__main__':
+    sys.exit(unittest.main())

@@ -1,0 +1,165 @@
+#include "core/number_table.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <vector>
+
+namespace corvel {
+namespace {
+
+constexpr std::uint32_t kMost = 4294967295u;
+
+// Entities that nobody looks at.
+IFC::IfcEntity* Fake(std::uint64_t id) { return reinterpret_cast<IFC::IfcEntity*>(id * 16); }
+
+using Pairs = std::vector<std::pair<std::uint32_t, IFC::IfcEntity*>>;
+
+Pairs Walked(const NumberTable& table) {
+  Pairs pairs;
+  for (auto at = table.First(); at; at = table.Next(at.number)) {
+    pairs.emplace_back(at.number, at.entity);
+  }
+  return pairs;
+}
+
+TEST(NumberTable, AnEmptyOneHasNothing) {
+  NumberTable table;
+  EXPECT_EQ(0u, table.Size());
+  EXPECT_FALSE(table.First());
+  EXPECT_FALSE(table.Next(0));
+  EXPECT_FALSE(table.Contains(0));
+  EXPECT_FALSE(table.Remove(1));
+  EXPECT_EQ(nullptr, table.Find(kMost));
+}
+
+TEST(NumberTable, TheSmallestAndTheLargestNumberAreKeysLikeAnyOther) {
+  NumberTable table;
+  table.Set(kMost, Fake(2));
+  table.Set(0, Fake(1));
+  EXPECT_EQ((Pairs{{0, Fake(1)}, {kMost, Fake(2)}}), Walked(table));
+  EXPECT_FALSE(table.Next(kMost));
+  EXPECT_TRUE(table.Remove(kMost));
+  EXPECT_EQ((Pairs{{0, Fake(1)}}), Walked(table));
+}
+
+TEST(NumberTable, SetReplacesAndCountsOnce) {
+  NumberTable table;
+  table.Set(7, Fake(1));
+  table.Set(7, Fake(2));
+  EXPECT_EQ(1u, table.Size());
+  EXPECT_EQ(Fake(2), table.Find(7));
+}
+
+TEST(NumberTable, ClearForgetsAllAndTheTableServesOn) {
+  NumberTable table;
+  for (std::uint32_t number = 1; number < 3000; ++number) table.Set(number, Fake(number));
+  table.Clear();
+  EXPECT_EQ(0u, table.Size());
+  EXPECT_FALSE(table.First());
+  table.Set(5, Fake(5));
+  EXPECT_EQ((Pairs{{5, Fake(5)}}), Walked(table));
+}
+
+TEST(NumberTable, NumbersOfARunOf512TurnDenseWithoutALoss) {
+  for (std::uint32_t start : {0u, 512u, 4294966784u}) {
+    NumberTable table;
+    Pairs expected;
+    for (std::uint32_t i = 0; i < 512; ++i) {
+      const std::uint32_t number = start + (i * 37) % 512;  // each once, in no order
+      table.Set(number, Fake(1 + std::uint64_t{number}));
+      ASSERT_EQ(i + 1, table.Size());
+    }
+    for (std::uint32_t i = 0; i < 512; ++i) {
+      expected.emplace_back(start + i, Fake(1 + std::uint64_t{start} + i));
+    }
+    EXPECT_EQ(expected, Walked(table));
+  }
+}
+
+// Numbers as they come up: dense runs, wide gaps, the ends of the range and of the pages.
+std::uint32_t AnyNumber(std::mt19937& random) {
+  const auto any = static_cast<std::uint32_t>(random());
+  switch (random() % 6) {
+    case 0: return any % 64;
+    case 1: return any % 4096;
+    case 2: return 1000000 + any % 600;
+    case 3: return kMost - any % 700;
+    case 4: return ((any >> 18) << 18) + 0x3FFFF + any % 3;
+    default: return any;
+  }
+}
+
+TEST(NumberTable, ItDoesWhatAMapDoes) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    std::mt19937 random(seed);
+    NumberTable table;
+    std::map<std::uint32_t, IFC::IfcEntity*> model;
+    for (int step = 0; step < 6000; ++step) {
+      const std::uint32_t number = AnyNumber(random);
+      switch (random() % 5) {
+        case 0:
+        case 1:
+        case 2:
+          table.Set(number, Fake(1 + random() % 1000));
+          model[number] = table.Find(number);
+          break;
+        case 3: ASSERT_EQ(model.erase(number) != 0, table.Remove(number)); break;
+        default: {
+          const auto expected = model.lower_bound(number);
+          const auto found = table.AtOrAfter(number);
+          ASSERT_EQ(expected != model.end(), static_cast<bool>(found)) << number;
+          if (found) {
+            ASSERT_EQ(expected->first, found.number);
+            ASSERT_EQ(expected->second, found.entity);
+          }
+        }
+      }
+      ASSERT_EQ(model.size(), table.Size());
+      const auto at = model.find(number);
+      ASSERT_EQ(at == model.end() ? nullptr : at->second, table.Find(number));
+    }
+    ASSERT_EQ(Pairs(model.begin(), model.end()), Walked(table));
+  }
+}
+
+// Entries may come and go while the table is walked, the entry at hand among them.
+TEST(NumberTable, AWalkSeesWhatIsAddedAheadAndNotWhatIsRemoved) {
+  for (unsigned seed = 1; seed <= 50; ++seed) {
+    std::mt19937 random(seed);
+    NumberTable table;
+    std::map<std::uint32_t, IFC::IfcEntity*> model;
+    for (int i = 0; i < 200; ++i) {
+      const std::uint32_t number = AnyNumber(random);
+      table.Set(number, Fake(1));
+      model[number] = Fake(1);
+    }
+    int budget = 500;
+    auto expected = model.begin();
+    auto at = table.First();
+    while (at) {
+      ASSERT_NE(model.end(), expected);
+      ASSERT_EQ(expected->first, at.number);
+      if (budget-- > 0) {
+        const std::uint32_t number =
+            random() % 3 != 0
+                ? AnyNumber(random)
+                : at.number + static_cast<std::uint32_t>(random() % 3 == 0 ? 0 : random() % 50);
+        if (random() % 2 == 0) {
+          table.Set(number, Fake(2));
+          model[number] = Fake(2);
+        } else {
+          table.Remove(number);
+          model.erase(number);
+        }
+      }
+      expected = model.upper_bound(at.number);
+      at = table.Next(at.number);
+    }
+    ASSERT_EQ(model.end(), expected);
+  }
+}
+
+}  // namespace
+}  // namespace corvel

@@ -1,0 +1,329 @@
+#include "step/reader/parser.h"
+
+#include <gtest/gtest.h>
+
+#include "schema/interfaces/interfaces.h"
+#include "support/read_model.h"
+
+namespace corvel {
+namespace {
+
+using namespace std::string_literals;
+using test::FileOf;
+using Model = test::ReadModel;
+using test::Report;
+
+class ParserPasses : public test::ReadTest {
+ protected:
+  // A model must be read without a word.
+  void ExpectRead(Model& model) {
+    EXPECT_TRUE(model.IsRead());
+    EXPECT_EQ(ParserState::kParsed, model.GetParser().state);
+    EXPECT_EQ(std::vector<std::string>{}, Messages());
+    EXPECT_TRUE(platform_.boxes.empty());
+  }
+};
+
+TEST_F(ParserPasses, RecordsInDependencyOrderNeedOnePass) {
+  Model model(
+      "#1=IFCCARTESIANPOINT((0.,0.,0.));\n"
+      "#2=IFCAXIS2PLACEMENT3D(#1,$,$);\n"
+      "#3=IFCLOCALPLACEMENT($,#2);");
+  ExpectRead(model);
+  EXPECT_EQ("", model.Folder().Read("model_TEMP.ifc"));
+  EXPECT_EQ("#3=IFCLOCALPLACEMENT($,#2);", model.Line(3));
+}
+
+TEST_F(ParserPasses, ForwardReferencesAreResolvedInTheSecondPass) {
+  Model model(
+      "#3=IFCLOCALPLACEMENT($,#2);\n"
+      "#2=IFCAXIS2PLACEMENT3D(#1,$,$);\n"
+      "#1=IFCCARTESIANPOINT((0.,0.,0.));");
+  ExpectRead(model);
+  EXPECT_EQ("\n#3=IFCLOCALPLACEMENT($,#2);\n#2=IFCAXIS2PLACEMENT3D(#1,$,$);",
+            model.Folder().Read("model_TEMP.ifc"));
+  EXPECT_EQ(
+      "#1=IFCCARTESIANPOINT((0.,0.,0.));\n"
+      "#2=IFCAXIS2PLACEMENT3D(#1,$,$);\n"
+      "#3=IFCLOCALPLACEMENT($,#2);\n",
+      model.Lines());
+}
+
+TEST_F(ParserPasses, AForwardReferenceInAnOptionalAttributeIsPresentInTheEnd) {
+  Model model(
+      "#1=IFCLOCALPLACEMENT(#2,#3);#2=IFCLOCALPLACEMENT($,#3);"
+      "#3=IFCAXIS2PLACEMENT3D(#4,$,$);#4=IFCCARTESIANPOINT((0.,0.));");
+  ExpectRead(model);
+  EXPECT_EQ("#1=IFCLOCALPLACEMENT(#2,#3);", model.Line(1));
+}
+
+TEST_F(ParserPasses, ARecordThatRefersToItselfIsCompletedInTheSecondPass) {
+  Model model("#1=IFCLOCALPLACEMENT(#1,$);");
+  ExpectRead(model);
+  EXPECT_EQ("\n#1=IFCLOCALPLACEMENT(#1,$);", model.Folder().Read("model_TEMP.ifc"));
+  EXPECT_EQ("#1=IFCLOCALPLACEMENT(#1,*);", model.Line(1));
+}
+
+TEST_F(ParserPasses, AListWithAForwardReferenceIsReplacedByTheFullOne) {
+  Model model(
+      "#1=IFCCARTESIANPOINT((1.,0.));\n#2=IFCPOLYLINE((#1,#3,#1,#4));\n"
+      "#3=IFCCARTESIANPOINT((3.,0.));\n#4=IFCCARTESIANPOINT((4.,0.));");
+  ExpectRead(model);
+  EXPECT_EQ("\n#2=IFCPOLYLINE((#1,#3,#1,#4));", model.Folder().Read("model_TEMP.ifc"));
+  EXPECT_EQ("#2=IFCPOLYLINE((#1,#3,#1,#4));", model.Line(2));
+}
+
+TEST_F(ParserPasses, ListsOfListsAreReplacedToo) {
+  const std::string surface =
+      "#1=IFCBSPLINESURFACEWITHKNOTS(1,1,((#2,#3),(#4,#5)),.PLANE_SURF.,.F.,.F.,.F.,(2,2),(2,2),"
+      "(0.,1.),(0.,1.),.UNSPECIFIED.);";
+  Model model(surface +
+              "#2=IFCCARTESIANPOINT((2.));#3=IFCCARTESIANPOINT((3.));"
+              "#4=IFCCARTESIANPOINT((4.));#5=IFCCARTESIANPOINT((5.));");
+  ExpectRead(model);
+  EXPECT_EQ(surface, model.Line(1));
+}
+
+TEST_F(ParserPasses, ADanglingReferenceIsLostWithoutAWord) {
+  Model model(
+      "#1=IFCLOCALPLACEMENT(#8,#9);\n#2=IFCPOLYLINE((#9,#3));\n#3=IFCCARTESIANPOINT((0.));");
+  ExpectRead(model);
+  EXPECT_EQ("#1=IFCLOCALPLACEMENT($,*);", model.Line(1));
+  EXPECT_EQ("#2=IFCPOLYLINE((#3));", model.Line(2));
+}
+
+TEST_F(ParserPasses, AReferenceToAnotherClassIsLostWithoutAWord) {
+  Model model(
+      "#1=IFCCARTESIANPOINT((0.));\n#2=IFCLOCALPLACEMENT(#1,#1);\n#3=IFCPOLYLINE((#2,#1));");
+  ExpectRead(model);
+  EXPECT_EQ("#2=IFCLOCALPLACEMENT($,*);", model.Line(2));
+  EXPECT_EQ("#3=IFCPOLYLINE((#1));", model.Line(3));
+}
+
+TEST_F(ParserPasses, AForwardReferenceInATypedValueCounts) {
+  Model model(
+      "#1=IFCRELDEFINESBYPROPERTIES('g',$,$,$,(),IFCPROPERTYSETDEFINITIONSET((#2)));\n"
+      "#2=IFCPROPERTYSET('h',$,$,$,());");
+  ExpectRead(model);
+  EXPECT_EQ("#1=IFCRELDEFINESBYPROPERTIES('g',$,$,$,(),IFCPROPERTYSETDEFINITIONSET((#2)));",
+            model.Line(1));
+}
+
+TEST_F(ParserPasses, PlainValuesAreTheSameAfterTheSecondPass) {
+  Model model(
+      "#1=IFCWALL('g',#9,'name','a description',$,#8,$,'tag',.SHEAR.);\n"
+      "#8=IFCLOCALPLACEMENT($,$);\n#9=IFCOWNERHISTORY($,$,$,.ADDED.,$,$,$,0);");
+  ExpectRead(model);
+  EXPECT_EQ("#1=IFCWALL('g',#9,'name','a description',$,#8,$,'tag',.SHEAR.);", model.Line(1));
+}
+
+TEST_F(ParserPasses, AModelOfForwardReferencesOnlyIsLargerThanAnyBuffer) {
+  constexpr unsigned kCount = 100'000;
+  const std::string padding(80, 'd');
+  std::string records;
+  std::string expected;
+  for (unsigned number = 1; number <= kCount; ++number) {
+    const std::string record =
+        "#" + std::to_string(number) + "=IFCLOCALPLACEMENT(#" + std::to_string(number + 1);
+    records += "\n" + record + ",$)/*" + padding + "*/;";
+    expected += record + ",*);\n";
+  }
+  ASSERT_GT(records.size(), std::size_t{0xA00000} + 1000);
+  Model model(records.substr(1) + "\n#100001=IFCLOCALPLACEMENT($,$);");
+  ExpectRead(model);
+  EXPECT_TRUE(records == model.Folder().Read("model_TEMP.ifc"));
+  EXPECT_TRUE(expected + "#100001=IFCLOCALPLACEMENT($,*);\n" == model.Lines());
+}
+
+// --- The form of the file
+// --------------------------------------------------------------------------
+
+constexpr const char* kThree =
+    "#1=IFCPERSON('a',$,$,$,$,$,$,$);\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n"
+    "#3=IFCPERSON('c',$,$,$,$,$,$,$);\n";
+
+class ParserForms : public ParserPasses {
+ protected:
+  void ExpectThree(const std::string& records) {
+    Model model(records);
+    ExpectRead(model);
+    EXPECT_EQ(kThree, model.Lines());
+  }
+};
+
+TEST_F(ParserForms, SeveralRecordsOnALine) {
+  ExpectThree(
+      "#1=IFCPERSON('a',$,$,$,$,$,$,$);#2=IFCPERSON('b',$,$,$,$,$,$,$);"
+      "#3=IFCPERSON('c',$,$,$,$,$,$,$);");
+}
+
+TEST_F(ParserForms, ARecordOverManyLines) {
+  ExpectThree(
+      "\n\n#1\n=\nIFCPERSON\n(\n'a'\n,\n$\n,$,$,$,\n$,$,$\n)\n;\n"
+      "  #2 = IFCPERSON ( 'b' , $ , $ , $ , $ , $ , $ , $ ) ;\t"
+      "#3=/* a\n comment */IFC_PERSON('c',$,$,/*;*/$,$,$,$,$);");
+}
+
+TEST_F(ParserForms, LineEndsOfAnySystem) {
+  std::string carriage;
+  std::string both;
+  for (const char c : std::string(kThree)) {
+    carriage.push_back(c == '\n' ? '\r' : c);
+    both += c == '\n' ? "\r\n"s : std::string(1, c);
+  }
+  ExpectThree(carriage);
+  ExpectThree(both);
+}
+
+TEST_F(ParserForms, NumbersOutOfOrder) {
+  ExpectThree(
+      "#3=IFCPERSON('c',$,$,$,$,$,$,$);#1=IFCPERSON('a',$,$,$,$,$,$,$);"
+      "#2=IFCPERSON('b',$,$,$,$,$,$,$);");
+}
+
+TEST_F(ParserForms, WhatStandsBetweenRecordsIsPassedOver) {
+  ExpectThree(
+      "garbage 1.5, .X. 'string' ) ( $;#1=IFCPERSON('a',$,$,$,$,$,$,$);&;\n"
+      "ENDSEC;\nDATA;\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n;;\n"
+      "#3=IFCPERSON('c',$,$,$,$,$,$,$);");
+}
+
+TEST_F(ParserForms, AFileThatEndsWithItsLastRecord) {
+  std::string bytes = FileOf(kThree);
+  bytes.resize(bytes.rfind("$);") + 3);
+  Model model = Model::OfFile(bytes);
+  ExpectRead(model);
+  EXPECT_EQ(kThree, model.Lines());
+}
+
+TEST_F(ParserForms, AFileWithoutAModel) {
+  Model model("");
+  ExpectRead(model);
+  EXPECT_EQ("", model.Lines());
+}
+
+TEST_F(ParserForms, TheLargestNumberIsANumberLikeAnyOther) {
+  Model model(
+      "#4294967279=IFCPOLYLINE((#7,#4294967278));#4294967278=IFCCARTESIANPOINT((1.));"
+      "#7=IFCCARTESIANPOINT((2.));");
+  ExpectRead(model);
+  EXPECT_EQ(
+      "#7=IFCCARTESIANPOINT((2.));\n#4294967278=IFCCARTESIANPOINT((1.));\n"
+      "#4294967279=IFCPOLYLINE((#7,#4294967278));\n",
+      model.Lines());
+}
+
+TEST_F(ParserForms, AStringOfAMebibyteComesBack) {
+  std::string text;
+  for (int i = 0; i < 1 << 17; ++i) text += "12345\xE4''";
+  Model model("#1=IFCPERSON('" + text + "',$,$,$,$,$,$,$);");
+  ExpectRead(model);
+  EXPECT_TRUE("#1=IFCPERSON('" + text + "',$,$,$,$,$,$,$);" == model.Line(1));
+}
+
+TEST_F(ParserForms, MissingArgumentsAreAbsentAndSurplusOnesAreDropped) {
+  Model model(
+      "#1=IFCPERSON('a');\n#2=IFCPERSON('b',$,$,$,$,$,$,$,'i',#3,(4,(5)),IFCLABEL('x'));\n"
+      "#3=IFCPERSON();");
+  ExpectRead(model);
+  EXPECT_EQ(
+      "#1=IFCPERSON('a',$,$,$,$,$,$,$);\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n"
+      "#3=IFCPERSON($,$,$,$,$,$,$,$);\n",
+      model.Lines());
+}
+
+TEST_F(ParserForms, SurplusArgumentsDoNotMakeTheirRecordAForwardOne) {
+  Model model("#1=IFCPERSON('a',$,$,$,$,$,$,$,#9);\n#9=IFCPERSON();");
+  ExpectRead(model);
+  EXPECT_EQ("", model.Folder().Read("model_TEMP.ifc"));
+}
+
+TEST_F(ParserForms, SurplusArgumentsAreDroppedInTheSecondPassToo) {
+  Model model(
+      "#1=IFCLOCALPLACEMENT($,#3,#2,'x');\n#2=IFCLOCALPLACEMENT($,#3,(#1));\n"
+      "#3=IFCAXIS2PLACEMENT3D($,$,$);");
+  ExpectRead(model);
+  EXPECT_EQ("#1=IFCLOCALPLACEMENT($,#3);", model.Line(1));
+  EXPECT_EQ("#2=IFCLOCALPLACEMENT($,#3);", model.Line(2));
+}
+
+TEST_F(ParserForms, ARecordWithoutBracketsDoesNotSwallowTheNextOne) {
+  AnswerNo(100);
+  Model model("#1=IFCCARTESIANPOINT;\n#2=IFCPERSON('b',$,$,$,$,$,$,$);");
+  EXPECT_TRUE(model.IsRead());
+  EXPECT_EQ("#1=IFCCARTESIANPOINT(());\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n", model.Lines());
+  EXPECT_EQ((std::vector<std::string>{"Expected: OpenBracketToken. Got: SemicolonToken.\n"}),
+            Messages());
+}
+
+TEST_F(ParserForms, NumberZeroShowsABoxAndGetsTheNextFreeNumber) {
+  Model model("#5=IFCPERSON('a',$,$,$,$,$,$,$);#0=IFCPERSON('z',$,$,$,$,$,$,$);");
+  EXPECT_TRUE(model.IsRead());
+  EXPECT_EQ(std::vector<std::string>{}, Messages());
+  ASSERT_EQ(1u, platform_.boxes.size());
+  EXPECT_EQ(u"SetMarker error: Marker has to be > 0", platform_.boxes[0].text);
+  ASSERT_NE(nullptr, model[0]);
+  EXPECT_EQ(7u, model[0]->marker)
+      << "5 was the highest so far, is offered and is taken; 6 is skipped";
+  EXPECT_EQ("#7=IFCPERSON('z',$,$,$,$,$,$,$);", model.Line(0));
+}
+
+// --- What the parser keeps
+// -------------------------------------------------------------------------
+
+TEST_F(ParserPasses, KeepsTheHeadOfTheFileAndItsPaths) {
+  Model model(kThree);
+  const Parser& parser = model.GetParser();
+  EXPECT_EQ(u"ISO-10303-21", parser.isoLine);
+  ASSERT_NE(nullptr, parser.headerToken);
+  EXPECT_EQ(u"n", parser.headerToken->name);
+  EXPECT_EQ(model.Folder().Path("model.ifc"), parser.filePath);
+  EXPECT_EQ(model.Folder().Path("model_TEMP.ifc"), parser.tempPath);
+  EXPECT_EQ(nullptr, parser.scanner);
+  EXPECT_EQ(nullptr, parser.mainContainer) << "the document has it";
+  EXPECT_TRUE(parser.guidIndex.empty());
+}
+
+TEST_F(ParserPasses, KeepsTheFirstObjectOfEachSpecialClass) {
+  Model model(
+      "#1=IFCOWNERHISTORY($,$,$,.ADDED.,$,$,$,1);#2=IFCOWNERHISTORY($,$,$,.ADDED.,$,$,$,2);\n"
+      "#3=IFCPROJECT('p',$,$,$,$,$,$,$,$);#4=IFCPROJECT('q',$,$,$,$,$,$,$,$);\n"
+      "#15=IFCUNITASSIGNMENT(());#6=IFCUNITASSIGNMENT(());\n"
+      "#7=IFCSITE('s',$,$,$,$,$,$,$,$,$,$,$,$,$);#8=IFCSITE('t',$,$,$,$,$,$,$,$,$,$,$,$,$);");
+  EXPECT_TRUE(model.IsRead());
+  EXPECT_EQ(model[1], model.GetParser().ifcOwnerHistory);
+  EXPECT_EQ(model[3], model.GetParser().ifcProject);
+  EXPECT_EQ(model[15], model.GetParser().ifcUnitAssignment);
+  EXPECT_EQ(model[7], model.GetParser().ifcSite);
+  EXPECT_EQ(15u, model.GetParser().unitAssignmentMarker);
+  EXPECT_EQ(model[3], model.Document().getIfcProject());
+  EXPECT_EQ(model[15], model.Document().getIfcUnitAssignment());
+}
+
+TEST_F(ParserPasses, KeepsNothingOfAModelWithoutSpecialClasses) {
+  Model model(kThree);
+  EXPECT_EQ(nullptr, model.GetParser().ifcOwnerHistory);
+  EXPECT_EQ(nullptr, model.GetParser().ifcProject);
+  EXPECT_EQ(nullptr, model.GetParser().ifcUnitAssignment);
+  EXPECT_EQ(nullptr, model.GetParser().ifcSite);
+  EXPECT_EQ(0u, model.GetParser().unitAssignmentMarker);
+}
+
+TEST_F(ParserPasses, EqualTextsOfAModelAreOnePointer) {
+  Model model("#1=IFCWALL('g',$,'wall',$,$,$,$,$,$);#2=IFCWALL('h',$,'wall',$,$,$,$,$,$);");
+  ExpectRead(model);
+  EXPECT_EQ(model.As<IFC::VirtualIfcRoot>(1)->getName(),
+            model.As<IFC::VirtualIfcRoot>(2)->getName());
+}
+
+TEST_F(ParserPasses, ASecondDocumentIsReadUnderTheSameNumbers) {
+  Model first(kThree);
+  Model second(kThree);
+  ExpectRead(first);
+  ExpectRead(second);
+  EXPECT_EQ(kThree, first.Lines());
+  EXPECT_EQ(kThree, second.Lines());
+}
+
+}  // namespace
+}  // namespace corvel

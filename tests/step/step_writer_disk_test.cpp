@@ -1,0 +1,164 @@
+// Outputs that the disk does not take. POSIX only: that is where it can be brought about.
+#ifndef _WIN32
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/posix_faults.h"
+#include "support/read_model.h"
+
+namespace corvel {
+namespace {
+
+using Model = test::ReadModel;
+using test::RecordedProgress;
+using test::RecordedReports;
+using test::Report;
+
+class OutputDisk : public test::ReadTest {
+ protected:
+  // About 2.5 MB: two flushes while it is written, the rest at its end.
+  static std::string LargeRecords() {
+    std::string records;
+    const std::string text(1000, 'x');
+    for (unsigned number = 1; number <= 2400; ++number) {
+      records += "#" + std::to_string(number) + "=IFCPERSON('" + text + "',$,$,$,$,$,$,$);\n";
+    }
+    return records;
+  }
+
+  void ExpectFailed(Model& model, const Report& report) {
+    EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+    EXPECT_EQ(std::vector<Report>{report}, *reports_);
+    EXPECT_FALSE(
+        std::filesystem::exists(std::filesystem::symlink_status(model.Folder().Native("out.ifc"))));
+  }
+};
+
+TEST_F(OutputDisk, FullAtTheEndOfASmallFile) {
+  Model model("#1=IFCPERSON();");
+  for (const unsigned limit : {0u, 1u, 100u}) {
+    const RecordedReports fresh;
+    const test::FileSizeLimit full(limit);
+    ExpectFailed(model, {"", u"Could not write to file", 0});
+  }
+}
+
+TEST_F(OutputDisk, FullWhileEntitiesAreWritten) {
+  Model model(LargeRecords());
+  ASSERT_TRUE(model.IsRead());
+  for (const unsigned limit : {500'000u, 1'500'000u}) {
+    const RecordedReports fresh;
+    {
+      const test::FileSizeLimit full(limit);
+      EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+    }
+    ASSERT_EQ(1u, reports_->size());
+    const Report& report = reports_->front();
+    EXPECT_EQ("", report.key);
+    EXPECT_EQ(0, report.mode);
+    EXPECT_TRUE(report.message.starts_with(u"Error occurred while writing entity: #"))
+        << Narrow(report.message);
+    EXPECT_TRUE(report.message.ends_with(u".Unable to write to file"));
+    EXPECT_FALSE(model.Folder().Has("out.ifc"));
+  }
+}
+
+TEST_F(OutputDisk, FullBehindTheLastEntity) {
+  Model model(LargeRecords());
+  const test::FileSizeLimit full(2'400'000);
+  ExpectFailed(model, {"", u"Could not write to file", 0});
+}
+
+TEST_F(OutputDisk, EveryLimitBelowTheSizeFailsOnceAndLeavesNothing) {
+  Model model(LargeRecords());
+  EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("whole.ifc")));
+  const auto size = static_cast<rlim_t>(model.Folder().Read("whole.ifc").size());
+  for (rlim_t limit = 0; limit < size; limit += size / 23) {
+    const RecordedReports fresh;
+    {
+      const test::FileSizeLimit full(limit);
+      EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc"))) << limit;
+    }
+    EXPECT_EQ(1u, reports_->size()) << limit;
+    EXPECT_FALSE(model.Folder().Has("out.ifc")) << limit;
+  }
+  // Nothing of this has harmed the model; the lists of the header alone are gone.
+  EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+}
+
+TEST_F(OutputDisk, FullWithAFileThatWasThereBefore) {
+  Model model("#1=IFCPERSON();");
+  model.Folder().Write("out.ifc", "an older file");
+  const test::FileSizeLimit full(10);
+  ExpectFailed(model, {"", u"Could not write to file", 0});
+}
+
+TEST_F(OutputDisk, ALinkToTheFullDeviceGoesAndTheDeviceStays) {
+  Model model("#1=IFCPERSON();");
+  test::LinkToFullDevice(model.Folder().Path("out.ifc"));
+  ExpectFailed(model, {"", u"Could not write to file", 0});
+  EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+}
+
+TEST_F(OutputDisk, AFullDeviceUnderALargeFile) {
+  Model model(LargeRecords());
+  test::LinkToFullDevice(model.Folder().Path("out.ifc"));
+  EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+  ASSERT_EQ(1u, reports_->size());
+  EXPECT_TRUE(reports_->front().message.ends_with(u".Unable to write to file"));
+  EXPECT_FALSE(model.Folder().Has("out.ifc"));
+}
+
+TEST_F(OutputDisk, AReadOnlyFolder) {
+  Model model("#1=IFCPERSON();");
+  std::filesystem::permissions(model.Folder().Native(""), std::filesystem::perms(0555));
+  const WideString path = model.Folder().Path("out.ifc");
+  {
+    const test::OrdinaryUser user;
+    EXPECT_EQ(0, model.Document().SaveFile(path));
+  }
+  std::filesystem::permissions(model.Folder().Native(""), std::filesystem::perms(0755));
+  EXPECT_EQ((std::vector<Report>{{"could_not_open_file", u". File path: " + path, 0},
+                                 {"could_not_open_file_write", u"File path: " + path, 0}}),
+            *reports_);
+  EXPECT_FALSE(model.Folder().Has("out.ifc"));
+}
+
+WideString& StolenPath() {
+  static WideString path;
+  return path;
+}
+
+bool Steal(int value, int, const WideString*, bool, int) {
+  if (value == 1) {
+    EXPECT_TRUE(test::StealDescriptor(StolenPath()));
+  }
+  return true;
+}
+
+TEST_F(OutputDisk, AHandleThatGoesBadFailsTheSave) {
+  test::TemporaryFolder folder;
+  IfcDocument document(false, RecordedReports::Reporter, Steal);
+  StolenPath() = folder.Path("out.ifc");
+  document.GetParser().progress = nullptr;  // so that the only tick of 1 is the writer's
+  ASSERT_NE(0, document.OpenFile(folder.Write("a.ifc", test::FileOf("#1=IFCPERSON();")), 1));
+  EXPECT_EQ(0, document.SaveFile(StolenPath()));
+  EXPECT_EQ((std::vector<Report>{{"", u"Could not write to file", 0}}), *reports_);
+  EXPECT_FALSE(folder.Has("out.ifc"));
+}
+
+TEST_F(OutputDisk, ACancelledFileGoesAlsoWhenTheDiskIsFull) {
+  Model model("#1=IFCPERSON();");
+  progress_.Forget();
+  progress_.CancelAt(1);
+  const test::FileSizeLimit full(1);
+  EXPECT_EQ(2, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+  EXPECT_FALSE(model.Folder().Has("out.ifc"));
+}
+
+}  // namespace
+}  // namespace corvel
+
+#endif
