@@ -115,7 +115,7 @@ EXAMPLES = (
             ['#1=IFCPRESENTATIONSTYLEASSIGNMENT((#2,IFCNULLSTYLE)));', '#2=IFCNULLSTYLE);'],
             RELEASES[2:7]),
     Example(['#1=IFCVERTEX();', '#2=IFCEDGE(IFCVERTEX(),#1);'],
-            ['#1=IFCVERTEX);', '#2=IFCEDGE(IFCVERTEX),#1);']),
+            ['#1=IFCVERTEX();', '#2=IFCEDGE(IFCVERTEX(),#1);']),
     # --- What ends the reading -----------------------------------------------------------------
     Example(['#1=IFCTRIMMEDCURVE($,(0.5),(1.),.T.,.CARTESIAN.);'], None,
             reports=['Unknown error occurred while reading entity: #1',

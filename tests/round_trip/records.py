@@ -30,8 +30,9 @@ class Record:
         return (f'#{self.number}{gap()}={gap()} _{name}{gap()}({self.given} /* ; */){gap()};')
 
     def written_line(self):
-        """A class without values has no last comma that could be taken back: its bracket goes."""
-        bracket = '(' if self.written else ''
+        """The value class without a value has no last comma that could be taken back: its bracket
+        goes."""
+        bracket = '' if self.name == 'IFCNULLSTYLE' else '('
         return f'#{self.number}={self.name}{bracket}{self.written});'
 
 

@@ -56,6 +56,8 @@ class OutpoutStream {
       bytes.remove_prefix(part);
     }
   }
+  // The byte in front of the position; something has been written.
+  char LastByte() const { return window_[position_ - 1]; }
   // MovePosition(-count) without the call, for bytes that are surely in the window.
   void StepBack(std::size_t count) { position_ -= count; }
 

@@ -71,6 +71,7 @@ class StepWriter {
   void WriteGroup(const List<Item>& list, WriteItem writeItem);
   void WriteUnits(WideView text);
   void WriteRefNumber(std::uint32_t number);
+  void WriteCall(const IFC::IfcEntity& entity);
   void Put(std::string_view bytes);
 
   bool OpenStream();

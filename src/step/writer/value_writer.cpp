@@ -155,11 +155,20 @@ bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
     }
     return false;
   }
-  Put(OpeningOf(*entity));
-  entity->write(*this);
-  stream_->StepBack(1);
-  Put("),");
+  WriteCall(*entity);
+  Put(",");
   return false;
+}
+
+// `IFCWALL(...)`. Taking the last comma back takes the bracket of the value class without a value,
+// `IFCNULLSTYLE)`, as that class is always written; an entity class without attributes, such
+// as IfcVertex, keeps it.
+void StepWriter::WriteCall(const IFC::IfcEntity& entity) {
+  Put(OpeningOf(entity));
+  entity.write(*this);
+  const bool isEmptyEntity = stream_->LastByte() == '(' && entity.isComplexType();
+  if (!isEmptyEntity) stream_->StepBack(1);
+  Put(")");
 }
 
 void StepWriter::WriteEntityRefList(const EntityList& list) {
@@ -229,10 +238,8 @@ void StepWriter::WriteEntityLine(const IFC::IfcEntity& entity) {
   WriteRefNumber(entity.marker);
   stream_->StepBack(1);
   Put("=");
-  Put(OpeningOf(entity));
-  entity.write(*this);
-  stream_->StepBack(1);
-  Put(");\n");
+  WriteCall(entity);
+  Put(";\n");
 }
 
 }  // namespace corvel
