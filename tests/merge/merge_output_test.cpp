@@ -12,7 +12,7 @@
 
 #include "graph_document.h"
 #include "merge/merge_documents.h"
-#include "step/log/utilities.h"
+#include "support/quiet_reading.h"
 #include "support/temporary_folder.h"
 
 namespace corvel {
@@ -34,7 +34,7 @@ std::string Sample(const std::string& name) {
 std::unique_ptr<IfcDocument> Open(const WideString& path) {
   auto document =
       std::make_unique<IfcDocument>(false, RecordedReports::Reporter, RecordedProgress::Callback);
-  MemoryReportOutput() = nullptr;
+  const test::QuietReading quiet;
   EXPECT_NE(0, document->OpenFile(path, 2));
   document->mergeable = true;
   return document;

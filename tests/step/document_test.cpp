@@ -12,6 +12,7 @@
 #include "core/entity_cast.h"
 #include "step/reader/parser.h"
 #include "support/model.h"
+#include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
 #include "support/temporary_folder.h"
@@ -22,6 +23,7 @@ namespace {
 
 using test::Model;
 using test::ModelFile;
+using test::QuietReading;
 using test::RecordedProgress;
 using test::RecordedReports;
 using test::Report;
@@ -32,17 +34,11 @@ using Reports = std::vector<Report>;
 
 class Document : public testing::Test {
  protected:
-  Document() {
-    MemoryReportOutput() = nullptr;
-    IFC::MainContainer::ResetUniqueMarker();
-    CancelMode() = 0;
-  }
-  ~Document() override {
-    IFC::MainContainer::ResetUniqueMarker();
-    CancelMode() = 0;
-  }
+  Document() { IFC::MainContainer::ResetUniqueMarker(); }
+  ~Document() override { IFC::MainContainer::ResetUniqueMarker(); }
   int Open(std::string_view file) { return document_.OpenFile(folder_.Write("a.ifc", file), 1); }
 
+  QuietReading quiet_;
   TestPlatform system_;
   RecordedReports reports_;
   RecordedProgress progress_;

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "core/document.h"
-#include "step/log/utilities.h"
 #include "step/writer/step_writer.h"
 #include "support/memory_streams.h"
+#include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
 #include "support/temporary_folder.h"
@@ -32,7 +32,7 @@ class Model {
   explicit Model(std::string_view records, std::string_view fileName = "model.ifc",
                  std::string_view schema = "IFC4")
       : document_(false, RecordedReports::Reporter, RecordedProgress::Callback) {
-    MemoryReportOutput() = nullptr;
+    const QuietReading quiet;
     if (document_.OpenFile(folder_.Write(fileName, ModelFile(records, schema)), 1) == 0) {
       throw std::runtime_error("unreadable model " + std::string(fileName));
     }

@@ -38,7 +38,7 @@ struct UnreadableRecord {};
 
 class Parser {
  public:
-  // `ignoreEnumErrorsOption`: an unknown enumeration value is logged and replaced by the fallback value.
+  // `ignoreEnumErrorsOption`: an unknown enumeration value is logged and replaced by the fallback.
   Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCallback ticks);
   ~Parser();
   Parser(const Parser&) = delete;

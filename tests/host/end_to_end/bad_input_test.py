@@ -379,7 +379,9 @@ class Memory(CorvelTest):
         def starts(megabytes):
             return self.run_corvel('--version', preexec_fn=limited(megabytes)).status == DONE
 
-        least = next(megabytes for megabytes in range(16, 1024, 4) if starts(megabytes))
+        least = next((megabytes for megabytes in range(16, 1024, 4) if starts(megabytes)), None)
+        if least is None:
+            self.skipTest('the program does not start in a gigabyte, as with a sanitizer')
         for megabytes in range(least, least + 80, 4):
             with self.subTest(megabytes):
                 ended = self.run_corvel('resave', 'a.ifc', 'out.ifc',
