@@ -148,6 +148,21 @@ TEST(CodePages, LatinOneIsTheFirst256Characters) {
   }
 }
 
+TEST(CodePages, TheGreekAndTheHebrewPageAreOfTheEditionsThatWindowsHas) {
+  EXPECT_EQ(u'\u02BD', Decoded(28597, 0xA1));
+  EXPECT_EQ(u'\u02BC', Decoded(28597, 0xA2));
+  for (const unsigned byte : {0xA4u, 0xA5u, 0xAAu}) EXPECT_FALSE(Decoded(28597, byte)) << byte;
+  EXPECT_EQ(u'\u203E', Decoded(28598, 0xAF));
+  for (const unsigned byte : {0xFDu, 0xFEu}) EXPECT_FALSE(Decoded(28598, byte)) << byte;
+}
+
+TEST(CodePages, ThePartsOfTheStandardAreThoseThatWindowsHas) {
+  for (unsigned page = 28580; page < 28620; ++page) {
+    const bool known = (page >= 28591 && page <= 28599) || page == 28603 || page == 28605;
+    EXPECT_EQ(known, Decoded(page, 0xE6).has_value()) << page;
+  }
+}
+
 TEST(CodePages, WhatAPageDoesNotHoldIsNothing) {
   EXPECT_FALSE(Decoded(28597, 0xFF));
   EXPECT_FALSE(Decoded(28598, 0xC0));

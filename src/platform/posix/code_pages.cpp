@@ -12,15 +12,29 @@ namespace {
 
 constexpr unsigned kDefaultPage = 1252;  // what a Western Windows takes
 constexpr unsigned kFirstIsoPage = 28591;
-constexpr unsigned kLastIsoPage = 28606;
+
+// Windows has these parts of ISO 8859 and no others.
+constexpr bool IsIsoPage(unsigned codePage) {
+  return (codePage >= kFirstIsoPage && codePage <= 28599) || codePage == 28603 || codePage == 28605;
+}
+
+// Windows keeps to earlier editions of the Greek and the Hebrew part than C libraries do, and a
+// file has to give the same texts on every system. 0: the page has no such character.
+struct Deviation {
+  unsigned codePage;
+  std::uint8_t byte;
+  char16_t unit;
+};
+constexpr Deviation kWindowsDeviations[] = {
+    {28597, 0xA1, u'\u02BD'}, {28597, 0xA2, u'\u02BC'}, {28597, 0xA4, 0}, {28597, 0xA5, 0},
+    {28597, 0xAA, 0},         {28598, 0xAF, u'\u203E'}, {28598, 0xFD, 0}, {28598, 0xFE, 0},
+};
 
 // Characters of the bytes 128..255; 0 where the page has none.
 using Table = std::array<char16_t, 128>;
 
 std::string NameOf(unsigned codePage) {
-  if (codePage >= kFirstIsoPage && codePage <= kLastIsoPage) {
-    return "ISO-8859-" + std::to_string(codePage - kFirstIsoPage + 1);
-  }
+  if (IsIsoPage(codePage)) return "ISO-8859-" + std::to_string(codePage - kFirstIsoPage + 1);
   return "CP" + std::to_string(codePage);
 }
 
@@ -60,6 +74,9 @@ Table TableOf(unsigned codePage) {
   if (!converter.IsOpen()) return table;
   for (unsigned byte = 128; byte < 256; ++byte) {
     table[byte - 128] = converter.Convert(static_cast<std::uint8_t>(byte));
+  }
+  for (const Deviation& deviation : kWindowsDeviations) {
+    if (deviation.codePage == codePage) table[deviation.byte - 128u] = deviation.unit;
   }
   return table;
 }

@@ -1,7 +1,8 @@
 #include "platform/console.h"
 
-#include <shellapi.h>
 #include <windows.h>
+
+#include <shellapi.h>
 
 #include <atomic>
 #include <cstdio>

@@ -5,14 +5,17 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/win32/wide.h"
+#include "platform/win32/long_path.h"
 
 namespace platform {
 
 namespace {
 
 constexpr std::intptr_t kClosed = -1;  // INVALID_HANDLE_VALUE
-constexpr std::size_t kLargestTransfer = std::size_t{1} << 30;
+
+// Callers offer buffers of many megabytes for files of a few kilobytes. The system looks at every
+// page that is offered to it before it reads, so it gets them piece by piece.
+constexpr std::size_t kLargestTransfer = std::size_t{256} << 10;
 
 HANDLE HandleOf(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
@@ -38,14 +41,14 @@ DWORD CreationOf(OpenMode mode) {
 }
 
 bool HasAttributes(const std::u16string& path, bool folder) {
-  const DWORD attributes = ::GetFileAttributesW(ToNative(path).c_str());
+  const DWORD attributes = ::GetFileAttributesW(PathForSystem(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return false;
   return ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) == folder;
 }
 
 // What tells one file from all others; false when there is none at `path`.
 bool IdentityOf(const std::u16string& path, BY_HANDLE_FILE_INFORMATION& identity) {
-  const HANDLE handle = ::CreateFileW(ToNative(path).c_str(), FILE_READ_ATTRIBUTES,
+  const HANDLE handle = ::CreateFileW(PathForSystem(path).c_str(), FILE_READ_ATTRIBUTES,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (handle == INVALID_HANDLE_VALUE) return false;
@@ -79,7 +82,7 @@ bool File::Open(const std::u16string& path, OpenMode mode) {
   // A NUL would cut the name and lead to another file.
   if (path.find(u'\0') != std::u16string::npos) return false;
   const HANDLE handle =
-      ::CreateFileW(ToNative(path).c_str(), AccessOf(mode), FILE_SHARE_READ | FILE_SHARE_WRITE,
+      ::CreateFileW(PathForSystem(path).c_str(), AccessOf(mode), FILE_SHARE_READ | FILE_SHARE_WRITE,
                     nullptr, CreationOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
   handle_ = reinterpret_cast<std::intptr_t>(handle);
   return IsOpen();
@@ -148,14 +151,16 @@ bool File::Close() {
   return handle == kClosed || ::CloseHandle(HandleOf(handle)) != 0;
 }
 
-bool RemoveFile(const std::u16string& path) { return ::DeleteFileW(ToNative(path).c_str()) != 0; }
+bool RemoveFile(const std::u16string& path) {
+  return ::DeleteFileW(PathForSystem(path).c_str()) != 0;
+}
 
 bool FileExists(const std::u16string& path) { return HasAttributes(path, false); }
 
 bool IsFolder(const std::u16string& path) { return HasAttributes(path, true); }
 
 bool MakeFolder(const std::u16string& path) {
-  return ::CreateDirectoryW(ToNative(path).c_str(), nullptr) != 0;
+  return ::CreateDirectoryW(PathForSystem(path).c_str(), nullptr) != 0;
 }
 
 bool IsSameFile(const std::u16string& a, const std::u16string& b) {

@@ -10,6 +10,7 @@
 
 #include "platform/platform.h"
 #include "platform/terminal.h"
+#include "platform/win32/module_path.h"
 #include "platform/win32/wide.h"
 
 namespace platform {
@@ -80,16 +81,7 @@ class WindowsPlatform final : public Platform {
     return reinterpret_cast<INT_PTR>(result) > kLargestFailure;
   }
 
-  // Grows its buffer until the path fits: the system cuts what is longer without a word.
-  std::u16string ExecutablePath() override {
-    std::wstring path(MAX_PATH, L'\0');
-    while (true) {
-      const auto size = static_cast<DWORD>(path.size());
-      const DWORD length = ::GetModuleFileNameW(nullptr, path.data(), size);
-      if (length < size) return FromNative(path.substr(0, length));
-      path.resize(2 * path.size());
-    }
-  }
+  std::u16string ExecutablePath() override { return PathOfModule(nullptr); }
 
   std::uint64_t FreeSystemDiskBytes() override {
     ULARGE_INTEGER available{};
