@@ -1,0 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/HeaderFolder.cmake)
+if(NOT TARGET CLI11::CLI11)
+  corvel_link_headers(CLI11 CLI/CLI.hpp)
+endif()
+set(CLI11_FOUND TRUE)

@@ -1,0 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/HeaderFolder.cmake)
+if(NOT TARGET nlohmann_json::nlohmann_json)
+  corvel_link_headers(nlohmann_json nlohmann/json.hpp)
+endif()
+set(nlohmann_json_FOUND TRUE)
