@@ -51,11 +51,14 @@ class IfcDocument {
   // the container of `source` belongs to this document. What counts is `mergeStatus`.
   bool MergeDocument(IfcDocument& source, unsigned mergeLevel, bool nameAndGuid);
 
-  WideString getFilePath() const;
+  WideString getFilePath() const;  // what OpenFile was given, opened or not
   HeaderToken* getHeader() const;  // null when the file had none
   IFC::IfcEntity* getIfcUnitAssignment() const;
   IFC::IfcEntity* getIfcProject() const;
   WideString getSchemaIdentifier() const;
+  // The identifier that OpenFile found; empty without one. Unlike the getter above it reports
+  // nothing when the file had no header or was not read.
+  const WideString& KnownSchemaIdentifier() const { return knownSchemaIdentifier_; }
   WideString getISO() const;
   bool IsParsed() const;
   // True also for a file that failed.
@@ -69,11 +72,13 @@ class IfcDocument {
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
   bool mergeable = false;
+  std::uint64_t hostProject = 0;  // handle of the host's project that the file belongs to
 
  private:
   ErrorReporter showError_;
   ProgressCallback progress_;
   std::unique_ptr<Parser> parser_;
+  WideString knownSchemaIdentifier_;
 };
 
 }  // namespace corvel

@@ -10,8 +10,16 @@ CancelTexts& SharedCancelTexts() {
 }
 
 bool AskCancelQuestion(const CancelTexts& texts) {
-  return platform::Get().ShowMessageBox(texts.caption, texts.prompt, platform::Buttons::kYesNo,
-                                        platform::Icon::kQuestion) == platform::Answer::kYes;
+  const platform::Answer answer = platform::Get().ShowMessageBox(
+      texts.caption, texts.prompt, platform::Buttons::kYesNo, platform::Icon::kQuestion);
+  if (answer != platform::Answer::kYes) return false;
+  CancelWasConfirmed() = true;
+  return true;
+}
+
+bool& CancelWasConfirmed() {
+  static bool confirmed = false;
+  return confirmed;
 }
 
 int& CancelMode() {

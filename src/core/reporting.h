@@ -30,6 +30,10 @@ CancelTexts& SharedCancelTexts();
 // Shows the cancel question and gives true for Yes. It does not look at `CancelMode`.
 bool AskCancelQuestion(const CancelTexts& texts);
 
+// Raised by each Yes to that question, so that a run can end although the operation that was
+// stopped tells nobody. Process-wide; whoever starts a run takes it down.
+bool& CancelWasConfirmed();
+
 // Process-wide word: below 2 the user is asked before a reading ends early, 2 ends it unasked.
 int& CancelMode();
 

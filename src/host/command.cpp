@@ -22,8 +22,8 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ExitStatus status =
-      ModelRun({line.inputs, line.output, line.ignoreEnumErrors}, console).Run();
+  const ModelOrder order{line.inputs, line.output, line.ignoreEnumErrors, line.userFolder};
+  const ExitStatus status = ModelRun(order, console).Run();
   if (status == ExitStatus::kDone && !line.quiet) {
     platform::WriteStandardOutput(line.output + u" was written.\n");
   }

@@ -26,6 +26,7 @@ struct Words {
   std::vector<std::string> files;
   std::string output;
   std::string answer;
+  std::string userFolder;
   bool ignoreEnumErrors = false;
   bool quiet = false;
   bool json = false;
@@ -59,6 +60,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--quiet", words.quiet);
   app.add_option("--answer", words.answer);
+  app.add_option("--user-folder", words.userFolder);
   app.add_flag("-h,--help", words.help);
 }
 
@@ -107,6 +109,9 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   if (answerGiven && words.answer != "yes" && words.answer != "no") {
     return "--answer takes 'yes' or 'no', not " + Quoted(words.answer);
   }
+  if (app.count("--user-folder") != 0 && words.userFolder.empty()) {
+    return "--user-folder takes the name of a folder";
+  }
   if (auto error = CountError(command, words.files.size())) return error;
   if (command == Command::kMerge && app.count("--output") == 0) {
     return "the output is missing: -o OUT";
@@ -123,6 +128,7 @@ CommandLine Understood(Command command, const Words& words) {
     line.output = std::move(line.inputs.back());
     line.inputs.pop_back();
   }
+  if (!words.userFolder.empty()) line.userFolder = FromUtf8(words.userFolder);
   line.ignoreEnumErrors = words.ignoreEnumErrors;
   line.quiet = words.quiet;
   line.json = words.json;

@@ -21,6 +21,7 @@ struct CommandLine {
   bool quiet = false;
   bool json = false;                       // info
   std::optional<platform::Answer> answer;  // kYes or kNo
+  std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
 };
 
 // Text that was asked for: help or the version.

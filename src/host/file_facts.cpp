@@ -6,7 +6,6 @@
 
 #include "host/record_skipper.h"
 #include "host/run_checks.h"
-#include "host/texts.h"
 #include "platform/file.h"
 #include "step/reader/scanner.h"
 #include "step/reader/schema_identifier.h"
@@ -70,7 +69,7 @@ void ReadRecords(Scanner& scanner, FileFacts& facts, ClassCounts& counts) {
     facts.problems.push_back(u"The file ends inside of record #" + ToWide(number) + u".");
     return;
   }
-  if (!closed && !scanner.IsStopped()) facts.problems.push_back(TextOf("file_was_cut_short"));
+  if (!closed && !scanner.IsStopped()) facts.problems.push_back(kCutShort);
 }
 
 void ListClasses(const ClassCounts& counts, FileFacts& facts) {
@@ -100,7 +99,7 @@ void ReadOpened(Scanner& scanner, FileFacts& facts) {
     facts.schema = ChooseSchemaNamespace(identifier, Hear);
   }
   if (!facts.schema) {
-    facts.problems.push_back(TextOf("unknown_schema_identifier") + u": " + identifier);
+    facts.problems.push_back(u"Unknown schema identifier: " + identifier);
   }
   ClassCounts counts;
   ReadRecords(scanner, facts, counts);
@@ -121,7 +120,7 @@ FileFacts ReadFacts(const WideString& path) {
     const Hearing problems(facts.problems);
     ReadOpened(scanner, facts);
   } else {
-    facts.problems.push_back(TextOf("could_not_open_file"));
+    facts.problems.push_back(u"Could not open the file");
   }
   return facts;
 }

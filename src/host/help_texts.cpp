@@ -40,7 +40,11 @@ Reads each FILE in the order given, folds all into the first, and writes OUT.
 The first FILE gives the header, the project and the units of the result: the
 projects of the other files give way to it, and everything else of them is
 added, with new numbers where theirs are taken. All files have to be of one
-release. The same file may be given twice.
+schema; those of another than the first are left out, with a report. The same
+file may be given twice.
+
+The plug-in of the viewer does the work, so that its config.txt counts here as
+well: the choices made in its options window are yours.
 
 )help";
 
@@ -63,6 +67,8 @@ constexpr char16_t kModelOptions[] =
                           are shown still
   --answer yes|no         answer every question so instead of asking. The
                           question is always whether to stop.
+  --user-folder DIR       where config.txt and LastPath.txt lie, in the place
+                          of Orlenta/plugins/corvel in your local data folder
   -h, --help              this text
 
 Inputs and output have names that end in .ifc. OUT may be there already: it is
@@ -94,8 +100,8 @@ Exit status:
   0    OUT was written, and nothing was reported
   1    nothing was written, and a message tells why
   2    wrong usage
-  3    cancelled: you stopped the run by Ctrl-C or by your own answer; nothing
-       was written
+  3    cancelled: the question whether to stop was answered with yes, by you,
+       by --answer or by itself; nothing was written
   4    OUT was written, but something was reported. Everything that goes to
        the log as a report counts, also what is not shown, such as
        "IFC4X3_ADD2 is used instead" or a replaced enumeration value. The log
@@ -133,7 +139,7 @@ record without a class name as "(nameless)".
 Options:
   --json                  for programs, see below
   -h, --help              this text
-  --quiet, --ignore-enum-errors, --answer yes|no
+  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR
                           taken as by the other commands; there is nothing
                           that they change
 

@@ -5,9 +5,17 @@
 #include <string_view>
 
 #include "core/text.h"
-#include "host/progress_state.h"
 
 namespace corvel::host {
+
+// What is to be seen: the whole run above, the step at work below. Percents are 0..100.
+struct ProgressView {
+  int overall = 0;
+  int step = 0;
+  WideString overallText;
+  WideString stepText;
+  bool operator==(const ProgressView&) const = default;
+};
 
 // `text [#####.....]  50%` in exactly `columns` columns; without the bar where there is no room.
 WideString RenderBar(WideView text, int percent, int columns);

@@ -10,6 +10,7 @@
 #include "platform/file.h"
 #include "platform/native_path.h"
 #include "step/streams/input_stream.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel::host {
 
@@ -109,18 +110,6 @@ bool HasClosingLine(const WideString& path) {
   if (!file.Seek(size - static_cast<std::int64_t>(end.size()))) return false;
   end.resize(file.Read(end.data(), end.size()));
   return end.find("END-ISO") != std::string::npos;
-}
-
-WideString FollowLinks(const WideString& path) {
-  constexpr int kLongestChain = 40;
-  fs::path target = platform::NativePath(path);
-  std::error_code failure;
-  for (int i = 0; i < kLongestChain && fs::is_symlink(target, failure); ++i) {
-    const fs::path next = fs::read_symlink(target, failure);
-    if (failure) break;
-    target = target.parent_path() / next;  // an absolute `next` stands alone
-  }
-  return platform::FromNativePath(target);
 }
 
 }  // namespace corvel::host

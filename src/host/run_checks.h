@@ -17,11 +17,12 @@ std::optional<WideString> TroubleWithInput(const WideString& path);
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs);
 
+// What is said of a file without its closing line.
+inline constexpr char16_t kCutShort[] =
+    u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short.";
+
 // True when the closing line of a STEP file stands near the end of the file at `path`. A file
 // without it was cut short, most likely, and the reader takes it without a word as far as it goes.
 bool HasClosingLine(const WideString& path);
-
-// Where a path leads when the links at its end are followed, whether or not something is there.
-WideString FollowLinks(const WideString& path);
 
 }  // namespace corvel::host

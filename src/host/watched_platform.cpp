@@ -14,7 +14,7 @@ WatchedPlatform::~WatchedPlatform() { platform::Replace(before_); }
 platform::Answer WatchedPlatform::ShowMessageBox(std::u16string_view title,
                                                  std::u16string_view text,
                                                  platform::Buttons buttons, platform::Icon icon) {
-  if (const std::optional<platform::Answer> known = listener_.before(buttons)) return *known;
+  if (const std::optional<platform::Answer> known = listener_.before(buttons, icon)) return *known;
   const platform::Answer answer = system_.ShowMessageBox(title, text, buttons, icon);
   listener_.shown(buttons, answer, system_.LastAnswerWasAPersons());
   return answer;

@@ -15,7 +15,7 @@ class WatchedPlatform final : public platform::Platform {
   // was shown.
   struct Listener {
     // Before a box. An answer given here stands, and the box is not shown.
-    std::function<std::optional<platform::Answer>(platform::Buttons)> before;
+    std::function<std::optional<platform::Answer>(platform::Buttons, platform::Icon)> before;
     std::function<void(platform::Buttons, platform::Answer, bool byAPerson)> shown;
   };
 

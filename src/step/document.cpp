@@ -3,6 +3,7 @@
 #include "step/reader/parser.h"
 #include "step/reader/schema_identifier.h"
 #include "step/writer/step_writer.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -23,8 +24,10 @@ void IfcDocument::ReservePaths(std::vector<WideString> paths) {
 }
 
 int IfcDocument::OpenFile(const WideString& path, int share) {
+  parser_->filePath = path;
   const SchemaOfFile schema = ReadSchemaOfFile(path, showError_);
   if (!schema.opened) return 0;
+  knownSchemaIdentifier_ = schema.identifier;
   if (!parser_->SelectSchema(schema.identifier)) {
     showError_("unknown_schema_identifier", u": " + schema.identifier, kReportShow);
     return 0;
@@ -58,7 +61,11 @@ IFC::IfcEntity* IfcDocument::CreateESet(std::string name) {
 
 int IfcDocument::SaveFile(const WideString& path) {
   try {
-    return StepWriter(showError_, progress_, *this, path).WriteFile();
+    UnfinishedOutput output(path);
+    const int result = StepWriter(showError_, progress_, *this, path).WriteFile();
+    constexpr int kComplete = 1;
+    if (result == kComplete) output.Complete();
+    return result;
   } catch (...) {
     return 0;
   }

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "step/writer/unfinished_output.h"
 #include "support/temporary_folder.h"
 
 namespace corvel::host {

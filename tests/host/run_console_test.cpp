@@ -5,9 +5,8 @@
 #include <csignal>
 #include <utility>
 
+#include "core/reporting.h"
 #include "platform/console.h"
-#include "step/log/ifc_log.h"
-#include "support/temporary_folder.h"
 #include "support/test_platform.h"
 
 namespace corvel::host {
@@ -16,122 +15,30 @@ namespace {
 
 class RunConsoleTest : public testing::Test {
  protected:
-  RunConsoleTest() { CancelMode() = 0; }
-  ~RunConsoleTest() override {
-    IfcLog::Instance().Close();
-    CancelMode() = 0;
-  }
+  RunConsoleTest() { CancelWasConfirmed() = false; }
 
-  void OpenLog() { IfcLog::Instance().Open(folder.Path("a.ifc")); }
-  // What is in the log without its margins.
-  std::string LogText() {
-    IfcLog::Instance().Close();
-    std::string text;
-    for (const char c : folder.Read("a_IFC_LOG.txt")) {
-      if (c != ' ' && c != '\n' && c != '\r') text.push_back(c);
-    }
-    return text.substr(text.find(']') + 1);
-  }
   WideString Take() { return std::exchange(written, {}); }
+  bool Draw() { return console.Draw({10, 20, u"All", u"Step"}); }
 
   test::TestPlatform platform;
-  const test::TemporaryFolder folder;
   WideString written;
   RunConsole console{{[this](WideView text) { written += text; }, [] { return 60; }, true}};
 };
 
 }  // namespace
 
-TEST_F(RunConsoleTest, AReportIsShownWithTheFileAtWork) {
-  OpenLog();
-  console.SetFileAtWork(u"a.ifc");
-  EXPECT_EQ(0, RunConsole::Reporter("", u"Entity named: IFCFOO not found.", kReportShow));
-  EXPECT_EQ(u"corvel: a.ifc: Entity named: IFCFOO not found.\n", Take());
-  console.SetFileAtWork(u"");
-  console.Report("", u"Parsing will be terminate.\n", kReportShow);
+TEST_F(RunConsoleTest, ALineNamesTheProgramAndHasNoBlankEnd) {
+  console.Say(u"Parsing will be terminate.\n \n");
   EXPECT_EQ(u"corvel: Parsing will be terminate.\n", Take());
 }
 
-TEST_F(RunConsoleTest, TheTextOfTheKeyStandsBeforeTheMessage) {
-  OpenLog();
-  console.Report("unknown_entity_name_in_schema", u"IFCFOO", kReportShow);
-  EXPECT_EQ(u"corvel: The schema has no class named IFCFOO\n", Take());
-  console.Report("unknown_schema_identifier", u": IFC5", kReportShow);
-  EXPECT_EQ(u"corvel: Unknown schema identifier: IFC5\n", Take());
-  console.Report("could_not_open_file_extension", u" a.txt", kReportShow);
-  EXPECT_EQ(u"corvel: Could not open a file whose name does not end in .ifc: a.txt\n", Take());
-}
-
-TEST_F(RunConsoleTest, TheLogHasEveryReportAsItWasMade) {
-  OpenLog();
-  console.Report("unknown_schema_identifier", u": IFC5", kReportShow);
-  console.Report("", u"|collected", kReportCollect);
-  console.Report("", u"|logged", kReportLog);
-  EXPECT_EQ("Unknownschemaidentifier:IFC5|collected|logged", LogText());
-}
-
-TEST_F(RunConsoleTest, ReportsGoPastTheMutingAndLeaveIt) {
-  OpenLog();
-  IfcLog::Instance().SetMuted(true);
-  console.Report("", u"heard", kReportLog);
-  EXPECT_TRUE(IfcLog::Instance().IsMuted());
-  IfcLog::Instance().LogText(u"unheard");
-  IfcLog::Instance().SetMuted(false);
-  EXPECT_EQ("heard", LogText());
-}
-
-TEST_F(RunConsoleTest, CollectedReportsAreShownWithTheNextShownOne) {
-  OpenLog();
-  console.Report("", u"first\n", kReportCollect);
-  console.Report("", u"second", kReportCollect);
-  EXPECT_EQ(u"", Take());
-  console.Report("", u"third", kReportShow);
-  EXPECT_EQ(u"corvel: first\nsecond\nthird\n", Take());
-  console.Report("", u"fourth", kReportShow);
-  EXPECT_EQ(u"corvel: fourth\n", Take());
-}
-
-TEST_F(RunConsoleTest, WhatIsOnlyLoggedIsNotShown) {
-  OpenLog();
-  console.Report("", u"quiet", kReportLog);
-  EXPECT_EQ(u"", Take());
-}
-
-TEST_F(RunConsoleTest, WithoutALogEveryReportIsShown) {
-  console.Report("", u"one", kReportLog);
-  console.Report("", u"two", kReportCollect);
-  EXPECT_EQ(u"corvel: one\ncorvel: two\n", Take());
-}
-
-TEST_F(RunConsoleTest, EveryModeCountsAndMessageBoxesDoNot) {
-  OpenLog();
-  console.Report("", u"a", kReportShow);
-  console.Report("", u"b", kReportCollect);
-  console.Report("", u"c", kReportLog);
-  ::platform::Get().ShowMessageBox(u"t", u"x", ::platform::Buttons::kOk, ::platform::Icon::kError);
-  EXPECT_EQ(3u, console.ReportCount());
-  EXPECT_EQ(1u, platform.boxes.size());
-}
-
-TEST_F(RunConsoleTest, ACancelModeOfOneHoldsReportsBack) {
-  OpenLog();
-  CancelMode() = 1;
-  console.Report("", u"held", kReportShow);
-  EXPECT_EQ(u"", Take());
-  CancelMode() = 2;
-  console.Report("", u"shown", kReportShow);
-  EXPECT_EQ(u"corvel: shown\n", Take());
-}
-
 TEST_F(RunConsoleTest, ControlCharactersOfAModelDoNotReachTheTerminal) {
-  OpenLog();
-  console.Report("unknown_schema_identifier", u": \x1b[2J", kReportShow);
+  console.Say(u"Unknown schema identifier: \x1b[2J");
   EXPECT_EQ(u"corvel: Unknown schema identifier: ?[2J\n", Take());
 }
 
 TEST_F(RunConsoleTest, BarsGiveWayToALineAndComeBack) {
-  console.Progress().SetTexts(u"All", u"Step");
-  EXPECT_TRUE(RunConsole::Ticks(10, 0, nullptr, false, 100));
+  EXPECT_TRUE(Draw());
   const WideString bars = Take();
   EXPECT_NE(WideString::npos, bars.find(u"Step")) << ToUtf8(bars);
   console.Say(u"hello");
@@ -139,42 +46,54 @@ TEST_F(RunConsoleTest, BarsGiveWayToALineAndComeBack) {
       u"\r\x1b[2K\x1b[A\x1b[2K"
       u"corvel: hello\n",
       Take());
-  console.Tick(10, 0, nullptr, false, 100);
+  Draw();
   EXPECT_EQ(bars, Take());
 }
 
 TEST_F(RunConsoleTest, BarsGiveWayToAMessageBox) {
-  console.Tick(10, 0, nullptr, false, 100);
+  Draw();
   Take();
   ::platform::Get().ShowMessageBox(u"t", u"x", ::platform::Buttons::kOk, ::platform::Icon::kError);
   EXPECT_EQ(u"\r\x1b[2K\x1b[A\x1b[2K", Take());
+  EXPECT_EQ(1u, platform.boxes.size());
 }
 
-TEST_F(RunConsoleTest, AnAutomaticYesIsNoWishOfTheUser) {
+TEST_F(RunConsoleTest, AnAutomaticYesIsToldAndCancels) {
   platform.answersAreAPersons = false;
   EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
-  EXPECT_FALSE(console.WasCancelled());
+  EXPECT_TRUE(console.WasCancelled());
   EXPECT_EQ(u"corvel: Yes, as nobody is asked.\n", Take());
 }
 
-TEST_F(RunConsoleTest, AYesOfAPersonCancels) {
-  platform.answersAreAPersons = true;
+TEST_F(RunConsoleTest, AYesOfAPersonCancelsWithoutAnotherWord) {
   EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
-  EXPECT_TRUE(console.CancelIsConfirmed());
+  EXPECT_TRUE(console.WasCancelled());
   EXPECT_EQ(u"", Take());
 }
 
-TEST_F(RunConsoleTest, ANoOfAPersonDoesNot) {
+TEST_F(RunConsoleTest, ANoDoesNotCancel) {
   platform.answers = {::platform::Answer::kNo};
   EXPECT_FALSE(AskCancelQuestion(SharedCancelTexts()));
   EXPECT_FALSE(console.WasCancelled());
+  EXPECT_TRUE(Draw());
 }
 
-TEST_F(RunConsoleTest, TheCancelQuestionHasItsTexts) {
+TEST_F(RunConsoleTest, AfterAYesNobodyIsAskedAgainAndTicksSayStop) {
   AskCancelQuestion(SharedCancelTexts());
-  ASSERT_EQ(1u, platform.boxes.size());
-  EXPECT_EQ(u"Cancel", platform.boxes[0].title);
-  EXPECT_EQ(u"Are you sure you want to cancel?", platform.boxes[0].text);
+  EXPECT_FALSE(Draw());
+  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_EQ(1u, platform.boxes.size());
+}
+
+TEST_F(RunConsoleTest, TheLogQuestionIsAnsweredWithNoUnshown) {
+  EXPECT_FALSE(console.LogWasOffered());
+  EXPECT_EQ(::platform::Answer::kNo, ::platform::Get().ShowMessageBox(
+                                         u"Corvel", u"Open the log?", ::platform::Buttons::kYesNo,
+                                         ::platform::Icon::kInformation));
+  EXPECT_TRUE(console.LogWasOffered());
+  EXPECT_FALSE(console.WasCancelled());
+  EXPECT_TRUE(platform.boxes.empty());
+  EXPECT_EQ(u"", Take());
 }
 
 #ifndef _WIN32
@@ -186,31 +105,20 @@ class Interrupted : public RunConsoleTest {
     platform.answersAreAPersons = false;
   }
   ~Interrupted() override { ::platform::ForgetInterrupt(); }
-  bool Tick() { return console.Tick(1, 0, nullptr, false, 100); }
 };
 
-TEST_F(Interrupted, TheNextTickSaysCancel) {
-  EXPECT_FALSE(Tick());
-  EXPECT_TRUE(console.WasCancelled());
-  EXPECT_FALSE(console.CancelIsConfirmed());
-}
-
-TEST_F(Interrupted, AnAutomaticYesConfirmsItAndNobodyIsAskedAgain) {
-  Tick();
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
-  EXPECT_TRUE(console.CancelIsConfirmed());
-  EXPECT_FALSE(Tick());
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
-  EXPECT_EQ(1u, platform.boxes.size());
+TEST_F(Interrupted, TheNextTickSaysStop) {
+  EXPECT_FALSE(Draw());
+  EXPECT_FALSE(console.WasCancelled());
 }
 
 TEST_F(Interrupted, ANoTakesItBack) {
-  Tick();
+  Draw();
   platform.answers = {::platform::Answer::kNo};
   EXPECT_FALSE(AskCancelQuestion(SharedCancelTexts()));
   EXPECT_FALSE(console.WasCancelled());
   EXPECT_FALSE(::platform::IsInterrupted());
-  EXPECT_TRUE(Tick());
+  EXPECT_TRUE(Draw());
 }
 #endif
 

@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::uint32_t kDeleted = 0xFFFFFFF7u;
 
-TestPlatform::Box ErrorBox(const WideString& text) {
-  return {u"Logfile error", text, platform::Buttons::kOk, platform::Icon::kError};
-}
-
 std::vector<LiteralEntity*> InOrderOfNumbers(const std::set<LiteralEntity*>& set) {
   std::vector<LiteralEntity*> sorted(set.begin(), set.end());
   std::sort(sorted.begin(), sorted.end(),
@@ -37,7 +33,7 @@ bool ParentIncludesChild(const LiteralEntity* relation, const LiteralEntity* chi
 
 void LiteralMerge::SetMarker(LiteralEntity* entity, std::uint32_t value) {
   if (value == 0) {
-    world_.boxes.push_back(ErrorBox(u"SetMarker error: Marker has to be > 0"));
+    world_.boxes.push_back(LogfileErrorBox(u"SetMarker error: Marker has to be > 0"));
   } else {
     entity->marker = value;
   }
@@ -58,14 +54,14 @@ void LiteralMerge::AddEntity(LiteralContainer& container, LiteralEntity* entity)
   if (container.entities.contains(entity->marker)) {
     Road("number clash that stays");
     world_.boxes.push_back(
-        ErrorBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker)));
+        LogfileErrorBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker)));
     return;
   }
   container.entities[entity->marker] = entity;
   if (entity->className != u"IfcProject") return;
   if (container.hasTree) {
     Road("second tree");
-    world_.boxes.push_back(ErrorBox(u"MainContainer::AddEntity. IfcTree already exists."));
+    world_.boxes.push_back(LogfileErrorBox(u"MainContainer::AddEntity. IfcTree already exists."));
   }
   container.hasTree = true;
 }
@@ -109,8 +105,7 @@ void LiteralMerge::FillEntitiesGuidMap(LiteralContainer& container, const WideSt
 bool LiteralMerge::GoesOnAfterTick(const Tick& tick) {
   world_.ticks.push_back(tick);
   if (world_.ticks.size() - 1 != world_.cancelAt) return true;
-  world_.boxes.push_back({u"Cancel", u"Are you sure you want to cancel?", platform::Buttons::kYesNo,
-                          platform::Icon::kQuestion});
+  world_.boxes.push_back(CancelQuestionBox());
   return !world_.userMeansIt;
 }
 

@@ -42,6 +42,13 @@ class Collisions : public testing::Test {
                      std::initializer_list<IFC::IfcEntity*> members) {
     return second_.AddRelation<Aggregates>(number, guid, members);
   }
+  // A wall #6 of the destination that a relation refers to and whose GUID leads to the target.
+  Wall& AddIndexedChild() {
+    Wall& child = first_.AddRoot<Wall>(6, "other");
+    first_.AddRelation<Aggregates>(7, "r", {&child});
+    first_.GuidIndex()["other"] = &target_;
+    return child;
+  }
 
   MergeWorld world_;
   GraphDocument first_{u"first.ifc"};
@@ -196,18 +203,14 @@ TEST_F(Collisions, AChildWithAnIndexedGuidBecomesAStandIn) {
 }
 
 TEST_F(Collisions, AnObjectOfTheDestinationBecomesAStandInAsWell) {
-  Wall& other = first_.AddRoot<Wall>(6, "other");
-  first_.AddRelation<Aggregates>(7, "r", {&other});
-  first_.GuidIndex()["other"] = &target_;
+  Wall& other = AddIndexedChild();
   Merge();
   EXPECT_EQ(5u, other.marker);
   EXPECT_EQ(&other, first_.At(6));  // filed all the same
 }
 
 TEST_F(Collisions, ADeletedTargetTakesNobodyOn) {
-  Wall& other = first_.AddRoot<Wall>(6, "other");
-  first_.AddRelation<Aggregates>(7, "r", {&other});
-  first_.GuidIndex()["other"] = &target_;
+  Wall& other = AddIndexedChild();
   target_.marker = IFC::kDeleted;
   Merge();
   EXPECT_EQ(6u, other.marker);
@@ -217,11 +220,9 @@ TEST_F(Collisions, ADeletedChildIsRevivedByALiveTargetAndWalked) {
   Graph graph;
   Wall& below = graph.AddRoot<Wall>("below");
   below.marker = 77;
-  Wall& deleted = first_.AddRoot<Wall>(6, "other");
+  Wall& deleted = AddIndexedChild();
   deleted.RefersTo(&below);
   deleted.marker = IFC::kDeleted;
-  first_.AddRelation<Aggregates>(7, "r", {&deleted});
-  first_.GuidIndex()["other"] = &target_;
   first_.GuidIndex()["below"] = &target_;
   Merge();
   EXPECT_EQ(5u, deleted.marker);
@@ -255,7 +256,7 @@ TEST_F(Collisions, RelationsThatSayTheSameOfAFoldedObjectAreThinnedOut) {
 }
 
 // A later version of a model on top of the earlier one, with the index of the earlier.
-TEST_F(Collisions, TwoVersionsOfOneModelUnderSkip) {
+TEST_F(Collisions, OfALaterVersionUnderSkipNewObjectsAndAllRelationsAreAdded) {
   IFC::MainContainer::ResetUniqueMarker();
   Model first(
       "#1=IFCPROJECT('p',$,'P',$,$,$,$,$,$);\n"

@@ -57,6 +57,14 @@ class Fold : public testing::Test {
     return MergeDocuments(all, {}, {});
   }
 
+  // Three documents of two entities each, of which the last two may be merged.
+  void FillThree() {
+    Fill(first_, 1, 2);
+    Fill(second_, 101, 2);
+    Fill(third_, 201, 2);
+    second_->mergeable = third_->mergeable = true;
+  }
+
   MergeWorld world_;
   GraphDocument first_{u"C:\\models\\first.ifc"};
   GraphDocument second_{u"C:\\models\\second.ifc"};
@@ -166,18 +174,12 @@ TEST_F(Fold, CancelAnsweredWithNoGoesOn) {
   world_.system.userMeansToCancel = false;
   world_.progress.CancelAt(70);
   EXPECT_TRUE(first_->MergeDocument(*second_, 0, false));
-  EXPECT_EQ((std::vector<test::TestPlatform::Box>{{u"Cancel", u"Are you sure you want to cancel?",
-                                                   platform::Buttons::kYesNo,
-                                                   platform::Icon::kQuestion}}),
-            world_.system.boxes);
+  EXPECT_EQ(std::vector{test::CancelQuestionBox()}, world_.system.boxes);
   EXPECT_EQ(MergeStatus::kMerged, first_->mergeStatus);
 }
 
 TEST_F(Fold, TheFirstDocumentIsTheResult) {
-  Fill(first_, 1, 2);
-  Fill(second_, 101, 2);
-  Fill(third_, 201, 2);
-  second_->mergeable = third_->mergeable = true;
+  FillThree();
   EXPECT_EQ(&*first_, MergeAll({&first_, &second_, &third_}));
   EXPECT_EQ((Numbers{1, 2, 102, 202}), first_.Numbers());
   EXPECT_EQ(nullptr, second_->mainContainer);
@@ -185,10 +187,8 @@ TEST_F(Fold, TheFirstDocumentIsTheResult) {
 }
 
 TEST_F(Fold, WhatIsNotMergeableIsLeftAlone) {
-  Fill(first_, 1, 2);
-  Fill(second_, 101, 2);
-  Fill(third_, 201, 2);
-  third_->mergeable = true;
+  FillThree();
+  second_->mergeable = false;
   EXPECT_EQ(&*first_, MergeAll({&first_, &second_, &third_}));
   EXPECT_EQ((Numbers{1, 2, 202}), first_.Numbers());
   EXPECT_NE(nullptr, second_->mainContainer);
@@ -239,10 +239,7 @@ TEST_F(Fold, ACancelAfterAMergeLeavesItStanding) {
 }
 
 TEST_F(Fold, EachDocumentIsAnnouncedBeforeItsTurn) {
-  Fill(first_, 1, 2);
-  Fill(second_, 101, 2);
-  Fill(third_, 201, 2);
-  second_->mergeable = third_->mergeable = true;
+  FillThree();
   std::vector<std::pair<WideString, std::size_t>> announced;
   MergeDocuments({&*first_, &*second_, &*third_}, {}, [&](const IfcDocument& document) {
     announced.emplace_back(document.getFilePath(), first_.Numbers().size());
@@ -292,7 +289,7 @@ constexpr char kEnd[] =
     "######## DONE ########"
     "Processing deletedDuplicatedParents";
 
-TEST_F(Fold, TheLogOfAMerge) {
+TEST_F(Fold, TheLogOfAMergeHoldsItsStages) {
   Fill(first_, 1, 2);
   Fill(second_, 101, 3);
   Fill(third_, 201, 5);
@@ -341,7 +338,7 @@ TEST_F(Fold, TheLogOfACancelledMergeEndsWhereItWas) {
       }));
 }
 
-TEST_F(Fold, TheLogOfARunWithNothingToMerge) {
+TEST_F(Fold, TheLogOfARunWithNothingToMergeHoldsTheResultOnly) {
   const TemporaryFolder folder;
   EXPECT_EQ("Merging result: False ", LogOf(folder, [&] { MergeAll({&first_, &second_}); }));
 }

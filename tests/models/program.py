@@ -17,9 +17,10 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 SAMPLES = os.path.join(ROOT, 'samples')
 # Models of other makers. They are no part of the repository; tests on them skip where they are not
 # there.
-REAL_MODELS = os.path.join(os.path.dirname(ROOT), 'shared', 'samples')
+REAL_MODELS = os.environ.get(
+    'CORVEL_REAL_MODELS', os.path.join(os.path.dirname(ROOT), 'shared', 'samples'))
 
-DONE, NOTHING_WRITTEN, WRITTEN_WITH_REPORTS = 0, 1, 4
+DONE, NOTHING_WRITTEN, CANCELLED, WRITTEN_WITH_REPORTS = 0, 1, 3, 4
 # Shown for each project but the first of a model, and no reason to give it up.
 SECOND_PROJECT = 'Logfile error: MainContainer::AddEntity. IfcTree already exists.\n'
 

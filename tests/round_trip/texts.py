@@ -158,8 +158,17 @@ def raw_byte(byte):
     return Field(chr(byte), chr(byte))
 
 
+# Where Windows keeps to earlier editions of ISO 8859 than Python does. 0: no such character.
+WINDOWS_DEVIATIONS = {
+    'iso8859_7': {0xA1: 0x02BD, 0xA2: 0x02BC, 0xA4: 0, 0xA5: 0, 0xAA: 0},
+    'iso8859_8': {0xAF: 0x203E, 0xFD: 0, 0xFE: 0}}
+
+
 def decoded_byte(byte, page):
     """The character that a byte is in a code page; one that the page lacks stays its number."""
+    deviation = WINDOWS_DEVIATIONS.get(page, {}).get(byte)
+    if deviation is not None:
+        return deviation or byte
     try:
         return ord(bytes([byte]).decode(page))
     except UnicodeDecodeError:

@@ -1,10 +1,13 @@
-// Readers of scalars and of aggregates of them. References: entity_ref_reader_test.cpp.
+// Readers of single values. Lists of them: list_reader_test.cpp; references:
+// entity_ref_reader_test.cpp.
 #include "step/reader/attribute_reader.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "IFC4/enums.h"
 #include "support/attribute_source.h"
@@ -14,51 +17,54 @@ namespace {
 
 using namespace std::string_literals;
 using test::TokenList;
-using test::Visible;
 using Texts = std::vector<std::string>;
+
+// A token that a reader cannot take, and how messages name it.
+struct WrongToken {
+  std::string text;
+  std::string name;
+};
+
+const WrongToken kString{"'x'", "WStringToken"};
+const WrongToken kInteger{"7", "IntegerDataTypeToken"};
+const WrongToken kReal{"1.5", "RealDataTypeToken"};
+const WrongToken kIdentifier{"#1", "IdentifierToken"};
+const WrongToken kEnumeration{".T.", "enumeration value"};
+const WrongToken kWord{"WORD", "entity name"};
+const WrongToken kDollar{"$", "empty argument"};
+const WrongToken kStar{"*", "empty argument"};
+const WrongToken kOpenBracket{"(", "OpenBracketToken"};
+const WrongToken kCloseBracket{")", "closing bracket"};
+const WrongToken kSemicolon{";", "SemicolonToken"};
+const WrongToken kEqual{"=", "EqualToken"};
+const WrongToken kStrange{"&", "UnknownSignToken"};
+
+using WrongTokens = std::vector<WrongToken>;
 
 class AttributeReader : public test::AttributeTest {
  protected:
-  // `read` meets a token that it cannot take: it says so once, asks, and gives its default. What
-  // ends something stays, all else goes.
+  // `read` meets a token that it cannot take: it says so once and asks. When the user goes on, it
+  // gives its default, what ends something stays, and all else is taken; otherwise the read ends.
   template <class Read>
-  void ExpectWrongTokens(const Texts& texts, const std::string& expected, Read read) {
-    for (const std::string& text : texts) {
+  void ExpectWrongTokens(const WrongTokens& tokens, const std::string& expected, Read read) {
+    for (const WrongToken& token : tokens) {
+      const Texts message{"0: Expected: " + expected + ". Got: " + token.name + ".\n"};
       AnswerNo(1);
-      Parser& parser = On(text + ",7");
-      const Token& token = *parser.scanner->PeekToken();
-      const WideString name = token.getName();
-      const bool stays = token.Is(TokenType::SemicolonToken) ||
-                         token.Is(TokenType::CloseBracketToken) ||
-                         token.Is(TokenType::EndOfFileToken);
-      const std::string kept = Visible(token);
-      read(parser);
-      const std::string shown = name == u"EnumerationToken"      ? "enumeration value"
-                                : name == u"EntityNameToken"     ? "entity name"
-                                : name == u"EmptyParameterToken" ? "empty argument"
-                                : name == u"CloseBracketToken"   ? "closing bracket"
-                                                                 : Narrow(name);
-      EXPECT_EQ((Texts{"0: Expected: " + expected + ". Got: " + shown + ".\n"}), Reported())
-          << text;
-      EXPECT_EQ((stays ? TokenList{kept, "integer 7"} : TokenList{"integer 7"}), Rest()) << text;
+      read(On(token.text + ",7"));
+      EXPECT_EQ(message, Reported()) << token.text;
+      const bool stays = token.text == ";" || token.text == ")";
+      EXPECT_EQ((stays ? TokenList{token.text, "integer 7"} : TokenList{"integer 7"}), Rest())
+          << token.text;
       EXPECT_EQ(0u, platform_.answers.size()) << "the user has been asked";
+
+      read(On(token.text + ",7"));
+      EXPECT_EQ(message, Reported()) << token.text;
+      EXPECT_TRUE(parser_.IsStopped()) << token.text;
     }
-  }
-  // A stopped reader gives its value and touches nothing.
-  template <class Read>
-  void ExpectUntouchedWhenStopped(Read read) {
-    read(Stopped("$,7"));
-    EXPECT_EQ((TokenList{"$", "integer 7"}), Rest());
-    EXPECT_EQ(Texts{}, Reported());
-    Parser& parser = On("$,7");
-    parser.scanner->Stop();
-    read(parser);
-    EXPECT_EQ(Texts{}, Reported());
   }
 };
 
-// --- Absence
-// -----------------------------------------------------------------------------------------
+// --- Absence -------------------------------------------------------------------------------------
 
 TEST_F(AttributeReader, IsAbsentTakesADollarOrAStar) {
   EXPECT_TRUE(IsAbsent(On("$,7")));
@@ -92,8 +98,7 @@ TEST_F(AttributeReader, AListEndsAtItsBracketAndWithTheRecordAndTheInput) {
   EXPECT_TRUE(IsListEnd(Stopped("7")));
 }
 
-// --- Reals
-// -------------------------------------------------------------------------------------------
+// --- Reals ---------------------------------------------------------------------------------------
 
 TEST_F(AttributeReader, RealsAndIntegersAreReals) {
   EXPECT_EQ(1.5, ReadReal(On("1.5,$")));
@@ -141,13 +146,13 @@ TEST_F(AttributeReader, ATypedRealThatIsNotThereLeavesWhatEnds) {
 }
 
 TEST_F(AttributeReader, NothingElseIsAReal) {
-  ExpectWrongTokens({"'x'", "#1", ".T.", "(", ";", "=", "&"}, "IfcInteger or IfcReal",
-                    [](Parser& parser) { EXPECT_EQ(0.0, ReadReal(parser)); });
+  ExpectWrongTokens(
+      {kString, kIdentifier, kEnumeration, kOpenBracket, kSemicolon, kEqual, kStrange},
+      "IfcInteger or IfcReal", [](Parser& parser) { EXPECT_EQ(0.0, ReadReal(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(0.0, ReadReal(parser)); });
 }
 
-// --- Integers
-// ------------------------------------------------------------------------------------------
+// --- Integers ------------------------------------------------------------------------------------
 
 TEST_F(AttributeReader, RealsInIntegersAreCut) {
   EXPECT_EQ(7, ReadInteger(On("7)")));
@@ -175,8 +180,15 @@ TEST_F(AttributeReader, AnAbsentIntegerIsZero) {
 }
 
 TEST_F(AttributeReader, NothingElseIsAnInteger) {
-  ExpectWrongTokens({"'x'", "#1", ".T.", "(", ";", "=", "IFCINTEGER", "NANO"}, "IfcInteger",
-                    [](Parser& parser) { EXPECT_EQ(0, ReadInteger(parser)); });
+  ExpectWrongTokens({kString,
+                     kIdentifier,
+                     kEnumeration,
+                     kOpenBracket,
+                     kSemicolon,
+                     kEqual,
+                     kWord,
+                     {"NANO", "entity name"}},
+                    "IfcInteger", [](Parser& parser) { EXPECT_EQ(0, ReadInteger(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(0, ReadInteger(parser)); });
 }
 
@@ -184,13 +196,17 @@ TEST_F(AttributeReader, BinariesAreIntegersOnly) {
   EXPECT_EQ(101, ReadBinary(On("101)")));
   EXPECT_EQ(0, ReadBinary(On("$)")));
   EXPECT_EQ(0, ReadBinary(On(")")));
-  ExpectWrongTokens({"1.5", "'x'", "NAN", ".T.", "\"", ";"}, "IfcBinary",
-                    [](Parser& parser) { EXPECT_EQ(0, ReadBinary(parser)); });
+  ExpectWrongTokens({kReal,
+                     kString,
+                     {"NAN", "entity name"},
+                     kEnumeration,
+                     {"\"", "UnknownSignToken"},
+                     kSemicolon},
+                    "IfcBinary", [](Parser& parser) { EXPECT_EQ(0, ReadBinary(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(0, ReadBinary(parser)); });
 }
 
-// --- Texts
-// ---------------------------------------------------------------------------------------------
+// --- Texts ---------------------------------------------------------------------------------------
 
 TEST_F(AttributeReader, EqualTextsAreOnePointer) {
   const char16_t* const first = ReadString(On("'wall'"));
@@ -214,9 +230,12 @@ TEST_F(AttributeReader, ATypedTextLeavesItsBracket) {
 }
 
 TEST_F(AttributeReader, NothingElseIsAText) {
-  ExpectWrongTokens({"7", "1.5", "#1", ".T.", "(", ";", "="}, "String",
-                    [](Parser& parser) { EXPECT_EQ(u""s, ReadString(parser)); });
+  ExpectWrongTokens({kInteger, kReal, kIdentifier, kEnumeration, kOpenBracket, kSemicolon, kEqual},
+                    "String", [](Parser& parser) { EXPECT_EQ(u""s, ReadString(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(u""s, ReadString(parser)); });
+}
+
+TEST_F(AttributeReader, ATypedTextThatIsNotThereIsAWrongToken) {
   AnswerNo(1);
   EXPECT_EQ(u""s, ReadString(On("IFCLABEL(7),8")));
   EXPECT_EQ((Texts{"0: Expected: String. Got: IntegerDataTypeToken.\n"}), Reported());
@@ -230,13 +249,12 @@ TEST_F(AttributeReader, AGuidIsTheLowByteOfEachCharacter) {
 }
 
 TEST_F(AttributeReader, NothingElseIsAGuid) {
-  ExpectWrongTokens({"7", "#1", ".T.", "(", ";", "IFCGLOBALLYUNIQUEID"}, "CharString",
-                    [](Parser& parser) { EXPECT_EQ(""s, ReadGuid(parser)); });
+  ExpectWrongTokens({kInteger, kIdentifier, kEnumeration, kOpenBracket, kSemicolon, kWord},
+                    "CharString", [](Parser& parser) { EXPECT_EQ(""s, ReadGuid(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(""s, ReadGuid(parser)); });
 }
 
-// --- Booleans and enumerations
-// ---------------------------------------------------------------------------
+// --- Booleans and enumerations -------------------------------------------------------------------
 
 TEST_F(AttributeReader, TrueIsZero) {
   EXPECT_EQ(0, ReadBoolean(On(".T.")));
@@ -265,11 +283,13 @@ TEST_F(AttributeReader, UnknownTextsAreNamedWithTheirEnumeration) {
 
 TEST_F(AttributeReader, AnUnknownTextEndsTheReadWhenTheUserAgrees) {
   EXPECT_EQ(IFC4::kIfcWallTypeEnum.Fallback(), ReadEnum(On(".X."), IFC4::kIfcWallTypeEnum));
+  EXPECT_EQ((Texts{"0: Enume IfcWallTypeEnum does not contain: \"X\""}), Reported());
   EXPECT_TRUE(parser_.IsStopped());
 }
 
-TEST_F(AttributeReader, EnumerationsHaveNoAbsentForm) {
-  const Texts wrong{"$", "*", ")", "7", "'T'", "T", "(", ";", "#1"};
+TEST_F(AttributeReader, NothingElseIsAnEnumerationNotEvenAnAbsentOne) {
+  const WrongTokens wrong{kDollar, kStar,        kCloseBracket, kInteger,   kString,
+                          kWord,   kOpenBracket, kSemicolon,    kIdentifier};
   ExpectWrongTokens(wrong, "enumeration value",
                     [](Parser& parser) { EXPECT_EQ(1, ReadBoolean(parser)); });
   ExpectWrongTokens(wrong, "enumeration value",
@@ -309,161 +329,6 @@ TEST_F(AttributeReader, AMandatoryBooleanValueMayBeAbsent) {
   EXPECT_EQ(Texts{}, Reported());
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(1, ReadBooleanValue(parser)); });
   ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(2, ReadLogicalValue(parser)); });
-}
-
-// --- Aggregates
-// --------------------------------------------------------------------------------------------
-
-// All items of a list of numbers: "0 1.5 3".
-template <class Item>
-std::string Items(const List<Item>& list) {
-  std::string shown;
-  for (const Item& item : list) shown += (shown.empty() ? "" : " ") + Visible(double(item));
-  return shown;
-}
-template <class Item>
-std::string Items(const List<List<Item>>& lists) {
-  std::string shown;
-  for (const List<Item>& list : lists) shown += "(" + Items(list) + ")";
-  return shown;
-}
-
-TEST_F(AttributeReader, ListsOfNumbers) {
-  List<double> reals;
-  ReadRealList(On("(1.5,2,NAN,IFCREAL(2.5)),7"), reals);
-  EXPECT_EQ("1.5 2 0 2.5", Items(reals));
-  EXPECT_EQ(TokenList{"integer 7"}, Rest());
-  List<std::int32_t> integers;
-  ReadIntegerList(On("(1,-2.5,99999999999)"), integers);
-  EXPECT_EQ("1 -2 2147483647", Items(integers));
-  ReadBinaryList(On("(0,1,101)"), integers);
-  EXPECT_EQ("0 1 101", Items(integers));
-  EXPECT_EQ(Texts{}, Reported());
-}
-
-TEST_F(AttributeReader, ListsOfTextsAndEnumerations) {
-  List<const char16_t*> texts;
-  ReadStringList(On("('a','')"), texts);
-  ASSERT_EQ(2u, texts.size());
-  EXPECT_EQ(u"a"s, texts[0]);
-  List<std::int32_t> numbers;
-  ReadBooleanList(On("(.T.,.F.)"), numbers);
-  EXPECT_EQ("0 1", Items(numbers));
-  ReadLogicalList(On("(.T.,.F.,.U.)"), numbers);
-  EXPECT_EQ("0 1 2", Items(numbers));
-  ReadEnumList(On("(.U.,.T.)"), kLogicalDataType, numbers);
-  EXPECT_EQ("2 0", Items(numbers));
-  EXPECT_EQ(Texts{}, Reported());
-}
-
-TEST_F(AttributeReader, ADollarInAListIsTheDefaultOfTheElementAndStays) {
-  List<double> reals;
-  ReadRealList(On("(1.5,$,*)"), reals);
-  EXPECT_EQ("1.5 0 0", Items(reals));
-  List<std::int32_t> numbers;
-  ReadBooleanList(On("($,.T.)"), numbers);
-  EXPECT_EQ("1 0", Items(numbers));
-  List<const char16_t*> texts;
-  ReadStringList(On("($)"), texts);
-  ASSERT_EQ(1u, texts.size());
-  EXPECT_EQ(u""s, texts[0]);
-  List<List<double>> lists;
-  ReadRealLists(On("((1.),$,())"), lists);
-  EXPECT_EQ("(1)()()", Items(lists));
-  EXPECT_EQ(Texts{}, Reported());
-}
-
-TEST_F(AttributeReader, AnAbsentListIsEmptyAndSoIsAnEmptyOne) {
-  List<double> reals;
-  for (const std::string text : {"$", "*", ")", "()"}) {
-    ReadRealList(On("(1.,2.)"), reals);
-    ReadRealList(On(text), reals);
-    EXPECT_TRUE(reals.empty()) << text;
-  }
-  EXPECT_EQ(Texts{}, Reported());
-}
-
-TEST_F(AttributeReader, ListsOfLists) {
-  List<List<double>> reals;
-  ReadRealLists(On("((1.,2.),(),(3.)),7"), reals);
-  EXPECT_EQ("(1 2)()(3)", Items(reals));
-  EXPECT_EQ(TokenList{"integer 7"}, Rest());
-  List<List<std::int32_t>> integers;
-  ReadIntegerLists(On("((1,2),(3))"), integers);
-  EXPECT_EQ("(1 2)(3)", Items(integers));
-  ReadIntegerLists(On("$"), integers);
-  EXPECT_TRUE(integers.empty());
-}
-
-TEST_F(AttributeReader, AListWithoutABracketIsAWrongTokenThatStays) {
-  for (const std::string text : {"7", "'x'", "#1", ".T.", ";"}) {
-    AnswerNo(1);
-    List<double> reals;
-    ReadRealList(On("(1.)"), reals);
-    const std::string name = Narrow(On(text).scanner->PeekToken()->getName());
-    ReadRealList(parser_, reals);
-    EXPECT_TRUE(reals.empty());
-    EXPECT_EQ((Texts{"0: Expected: OpenBracketToken. Got: " +
-                     (name == "EnumerationToken" ? "enumeration value" : name) + ".\n"}),
-              Reported());
-    EXPECT_EQ(1u, Rest().size());
-  }
-}
-
-TEST_F(AttributeReader, WhatIsNoInnerListIsTakenSoThatTheOthersAreRead) {
-  AnswerNo(1);
-  List<List<double>> lists;
-  ReadRealLists(On("((1.),7,(2.)),8"), lists);
-  EXPECT_EQ("(1)(2)", Items(lists));
-  EXPECT_EQ((Texts{"0: Expected: OpenBracketToken. Got: IntegerDataTypeToken.\n"}), Reported());
-  EXPECT_EQ(TokenList{"integer 8"}, Rest());
-}
-
-TEST_F(AttributeReader, AWrongElementIsItsDefaultWhenTheUserGoesOn) {
-  AnswerNo(2);
-  List<std::int32_t> integers;
-  ReadIntegerList(On("(1,'x',(,3)"), integers);
-  EXPECT_EQ("1 0 0 3", Items(integers));
-  EXPECT_EQ(2u, Reported().size());
-}
-
-TEST_F(AttributeReader, AListEndsWithTheRecordOrTheInput) {
-  List<double> reals;
-  ReadRealList(On("(1,2;#3=A();"), reals);
-  EXPECT_EQ("1 2", Items(reals));
-  EXPECT_EQ(";", Rest().front());
-  ReadRealList(On("(1,2"), reals);
-  EXPECT_EQ("1 2", Items(reals));
-  List<List<double>> lists;
-  ReadRealLists(On("((1,2;"), lists);
-  EXPECT_EQ("(1 2)", Items(lists));
-  ReadRealLists(On("((1),(2"), lists);
-  EXPECT_EQ("(1)(2)", Items(lists));
-  EXPECT_EQ(Texts{}, Reported());
-}
-
-TEST_F(AttributeReader, AListEndsWhereTheUserStopsTheRead) {
-  List<std::int32_t> integers;
-  ReadIntegerList(On("(1,'x',3)"), integers);
-  EXPECT_TRUE(parser_.IsStopped());
-  EXPECT_EQ(1u, Reported().size());
-  ExpectUntouchedWhenStopped([](Parser& parser) {
-    List<double> reals;
-    ReadRealList(parser, reals);
-    EXPECT_TRUE(reals.empty());
-    List<List<double>> lists;
-    ReadRealLists(parser, lists);
-    EXPECT_TRUE(lists.empty());
-  });
-}
-
-TEST_F(AttributeReader, AListOfAMillionNumbers) {
-  std::string text = "(0";
-  for (int i = 1; i < 1'000'000; ++i) text += ",1";
-  List<std::int32_t> integers;
-  ReadIntegerList(On(text + "),7"), integers);
-  EXPECT_EQ(1'000'000u, integers.size());
-  EXPECT_EQ(TokenList{"integer 7"}, Rest());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ namespace corvel {
 namespace {
 
 using namespace std::string_literals;
+using test::ReferenceTo;
 using test::TokenList;
 using Texts = std::vector<std::string>;
 
@@ -28,13 +29,13 @@ class EntityRefReader : public test::AttributeTest {
     return ReadEntityRef(On(text), IFC4::isIfcValue);
   }
   // The value as it is written back.
-  std::string WrittenValue(const std::string& text) { return Written(Value(text)); }
+  std::string WrittenValue(const std::string& text) { return ReferenceTo(Value(text)); }
   std::string Points(const std::string& text) {
     EntityList list;
     ReadEntityRefList(On(text), IFC4::isIfcCartesianPoint, list);
     std::string shown;
     for (const IFC::IfcEntity* const member : list) {
-      shown += (shown.empty() ? "" : " ") + Written(member);
+      shown += (shown.empty() ? "" : " ") + ReferenceTo(member);
     }
     return shown;
   }
@@ -43,8 +44,7 @@ class EntityRefReader : public test::AttributeTest {
   IFC::IfcEntity* wall_;
 };
 
-// --- Numbers
-// -----------------------------------------------------------------------------------------
+// --- Numbers -------------------------------------------------------------------------------------
 
 TEST_F(EntityRefReader, ANumberThatIsFiledGivesItsObject) {
   EXPECT_EQ(point_, Point("#1,7"));
@@ -74,8 +74,7 @@ TEST_F(EntityRefReader, AnAbsentReferenceIsNull) {
   EXPECT_EQ(Texts{}, Reported());
 }
 
-// --- Typed values
-// --------------------------------------------------------------------------------------
+// --- Typed values --------------------------------------------------------------------------------
 
 TEST_F(EntityRefReader, ATypedValueIsANewInlineObject) {
   IFC::IfcEntity* const value = Value("IFCTEXT('a'),7");
@@ -101,7 +100,7 @@ TEST_F(EntityRefReader, TypedValuesOfEveryGroupComeBack) {
   EXPECT_EQ(Texts{}, Reported());
 }
 
-TEST_F(EntityRefReader, CountsKeepSixDigits) {
+TEST_F(EntityRefReader, ACountKeepsSixDigits) {
   EXPECT_EQ("IFCCOUNTMEASURE(1.23457e+06)", WrittenValue("IFCCOUNTMEASURE(1234567.)"));
 }
 
@@ -120,7 +119,7 @@ TEST_F(EntityRefReader, AnExtraBracketAroundAValueIsTakenAndNotWritten) {
 }
 
 TEST_F(EntityRefReader, AnEntityMayStandInlineToo) {
-  EXPECT_EQ("IFCCARTESIANPOINT((1.))", Written(Point("IFCCARTESIANPOINT((1.)),7")));
+  EXPECT_EQ("IFCCARTESIANPOINT((1.))", ReferenceTo(Point("IFCCARTESIANPOINT((1.)),7")));
   EXPECT_EQ(TokenList{"integer 7"}, Rest());
 }
 
@@ -139,7 +138,7 @@ TEST_F(EntityRefReader, TheValuelessStyleLeavesItsBracketAndLosesTheOther) {
   IFC::IfcEntity* const style =
       ReadEntityRef(On("IFCNULLSTYLE(.NULL.),7"), IFC4::isIfcPresentationStyleSelect);
   EXPECT_EQ((TokenList{")", "integer 7"}), Rest());
-  EXPECT_EQ("IFCNULLSTYLE)", Written(style));
+  EXPECT_EQ("IFCNULLSTYLE)", ReferenceTo(style));
 }
 
 TEST_F(EntityRefReader, AValueMayHoldReferences) {
@@ -147,12 +146,11 @@ TEST_F(EntityRefReader, AValueMayHoldReferences) {
                                             IFC4::isIfcPropertySetDefinitionSelect);
   ASSERT_NE(nullptr, set);
   EXPECT_TRUE(parser_.forwardReference);
-  EXPECT_EQ("IFCPROPERTYSETDEFINITIONSET(())", Written(set));
+  EXPECT_EQ("IFCPROPERTYSETDEFINITIONSET(())", ReferenceTo(set));
   EXPECT_EQ(TokenList{"integer 7"}, Rest());
 }
 
-// --- Names that mean nothing
-// -----------------------------------------------------------------------------
+// --- Names that mean nothing ---------------------------------------------------------------------
 
 TEST_F(EntityRefReader, AnUnknownNameIsReportedAndItsBracketTaken) {
   EXPECT_EQ(nullptr, Value("IFCNOTHING('x',(1,(2)),.T.),7"));
@@ -180,11 +178,10 @@ TEST_F(EntityRefReader, AnUnknownNameTakesNothingBeyondItsRecord) {
   EXPECT_EQ(nullptr, Value("(IFCNOTHING(1);#2"));
   EXPECT_EQ((TokenList{";", "#2"}), Rest());
   EXPECT_EQ(nullptr, Value("IFCNOTHING("));
-  EXPECT_EQ(4u, Reported().size());
+  EXPECT_EQ(Texts(4, "0: unknown_entity_name_in_schema IFCNOTHING"), Reported());
 }
 
-// --- Bare numbers
-// ------------------------------------------------------------------------------------------
+// --- Bare numbers --------------------------------------------------------------------------------
 
 TEST_F(EntityRefReader, ABareRealMakesTheRecordUnreadable) {
   EXPECT_THROW(Value("0.5,7"), UnreadableRecord);
@@ -197,7 +194,7 @@ TEST_F(EntityRefReader, ABareIntegerStandsForDimensions) {
   EXPECT_EQ(u"IfcDimensionalExponents"s, exponents->getClassName());
   EXPECT_FALSE(exponents->inlineValue);
   EXPECT_EQ(0u, exponents->marker);
-  EXPECT_EQ("*", Written(exponents)) << "neither inline nor numbered";
+  EXPECT_EQ("*", ReferenceTo(exponents)) << "neither inline nor numbered";
   EXPECT_EQ(TokenList{"integer 7"}, Rest());
 }
 
@@ -208,33 +205,42 @@ TEST_F(EntityRefReader, ABareIntegerIsNothingElse) {
   EXPECT_EQ(TokenList{"integer 7"}, Rest());
 }
 
-// --- Wrong tokens
-// --------------------------------------------------------------------------------------------
+// --- Wrong tokens --------------------------------------------------------------------------------
 
 TEST_F(EntityRefReader, NothingElseIsAReference) {
-  struct Wrong {
-    std::string text, shown;
+  const struct {
+    std::string text;
+    std::string name;
     TokenList rest;
-  };
-  for (const Wrong& wrong :
-       {Wrong{"'x',7", "WStringToken", {"integer 7"}},
-        Wrong{".T.,7", "enumeration value", {"integer 7"}},
-        Wrong{"=7", "EqualToken", {"integer 7"}}, Wrong{"&7", "UnknownSignToken", {"integer 7"}},
-        Wrong{";7", "SemicolonToken", {";", "integer 7"}}, Wrong{"", "EndOfFileToken", {}},
-        Wrong{"(#1),7", "OpenBracketToken", {"#1", ")", "integer 7"}},
-        Wrong{"((IFCREAL(1.))),7",
-              "OpenBracketToken",
-              {"(", "word IFCREAL", "(", "real 1", ")", ")", ")", "integer 7"}},
-        Wrong{"(0.5),7", "OpenBracketToken", {"real 0.5", ")", "integer 7"}}}) {
-    platform_.answers.clear();
+  } cases[] = {{"'x',7", "WStringToken", {"integer 7"}},
+               {".T.,7", "enumeration value", {"integer 7"}},
+               {"=7", "EqualToken", {"integer 7"}},
+               {"&7", "UnknownSignToken", {"integer 7"}},
+               {";7", "SemicolonToken", {";", "integer 7"}},
+               {"(#1),7", "OpenBracketToken", {"#1", ")", "integer 7"}},
+               {"(0.5),7", "OpenBracketToken", {"real 0.5", ")", "integer 7"}},
+               {"((#1)),7", "OpenBracketToken", {"(", "#1", ")", ")", "integer 7"}}};
+  for (const auto& [text, name, rest] : cases) {
     AnswerNo(1);
-    EXPECT_EQ(nullptr, Point(wrong.text));
-    EXPECT_EQ((Texts{kExpected + wrong.shown + ".\n"}), Reported());
-    const bool atEnd = wrong.text.empty();
-    EXPECT_EQ(atEnd ? 1u : 0u, platform_.answers.size())
-        << "asked, but not at the end of the input";
-    EXPECT_EQ(wrong.rest, Rest()) << wrong.text;
+    EXPECT_EQ(nullptr, Point(text));
+    EXPECT_EQ((Texts{kExpected + name + ".\n"}), Reported());
+    EXPECT_EQ(0u, platform_.answers.size()) << "the user has been asked";
+    EXPECT_EQ(rest, Rest()) << text;
   }
+}
+
+TEST_F(EntityRefReader, AWrongTokenEndsTheReadWhenTheUserAgrees) {
+  EXPECT_EQ(nullptr, Point("'x',7"));
+  EXPECT_EQ((Texts{kExpected + "WStringToken.\n"s}), Reported());
+  EXPECT_EQ(1u, QuestionsAsked());
+  EXPECT_TRUE(parser_.IsStopped());
+}
+
+TEST_F(EntityRefReader, AtTheEndOfTheInputTheReadEndsWithoutAQuestion) {
+  EXPECT_EQ(nullptr, Point(""));
+  EXPECT_EQ((Texts{kExpected + "EndOfFileToken.\n"s}), Reported());
+  EXPECT_EQ(0u, QuestionsAsked());
+  EXPECT_TRUE(parser_.IsStopped());
 }
 
 TEST_F(EntityRefReader, AStoppedReaderTouchesNothing) {
@@ -246,8 +252,7 @@ TEST_F(EntityRefReader, AStoppedReaderTouchesNothing) {
   EXPECT_EQ((TokenList{"(", "#1", ")", "integer 7"}), Rest());
 }
 
-// --- Lists
-// ------------------------------------------------------------------------------------------------------
+// --- Lists ---------------------------------------------------------------------------------------
 
 TEST_F(EntityRefReader, ListsLeaveOutWhatComesBackNull) {
   EXPECT_EQ("#1 #1", Points("(#1,$,#1),7"));
@@ -278,8 +283,8 @@ TEST_F(EntityRefReader, EntitiesAndValuesStandSideBySide) {
   EntityList list;
   ReadEntityRefList(On("(#1,IFCPARAMETERVALUE(0.5)),7"), IFC4::isIfcTrimmingSelect, list);
   ASSERT_EQ(2u, list.size());
-  EXPECT_EQ("#1", Written(list[0]));
-  EXPECT_EQ("IFCPARAMETERVALUE(5.E-01)", Written(list[1]));
+  EXPECT_EQ("#1", ReferenceTo(list[0]));
+  EXPECT_EQ("IFCPARAMETERVALUE(5.E-01)", ReferenceTo(list[1]));
 }
 
 TEST_F(EntityRefReader, AListWithoutABracketStays) {
@@ -297,7 +302,7 @@ TEST_F(EntityRefReader, AListOfReferencesEndsWithTheRecordOrTheInput) {
   EXPECT_EQ(Texts{}, Reported());
 }
 
-TEST_F(EntityRefReader, ListsOfLists) {
+TEST_F(EntityRefReader, ListsOfReferencesMayStandInLists) {
   List<EntityList> lists;
   ReadEntityRefLists(On("((#1,#1),$,(),(#9,#1)),7"), IFC4::isIfcCartesianPoint, lists);
   ASSERT_EQ(4u, lists.size());
@@ -314,7 +319,7 @@ TEST_F(EntityRefReader, AListInsideAListOfTheSameKindKeepsBoth) {
   ReadEntityRefList(On("(#3,IFCPROPERTYSETDEFINITIONSET((#3,#3)),#3),7"),
                     IFC4::isIfcPropertySetDefinitionSelect, list);
   ASSERT_EQ(3u, list.size());
-  EXPECT_EQ("IFCPROPERTYSETDEFINITIONSET((#3,#3))", Written(list[1]));
+  EXPECT_EQ("IFCPROPERTYSETDEFINITIONSET((#3,#3))", ReferenceTo(list[1]));
   EXPECT_EQ(list[0], list[2]);
 }
 

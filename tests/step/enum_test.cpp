@@ -53,8 +53,7 @@ TEST(EnumTable, TrueIsZero) {
   EXPECT_EQ(2, kLogicalDataType.Fallback());
 }
 
-// --- Tables of the releases
-// ------------------------------------------------------------------------
+// --- Tables of the releases ----------------------------------------------------------------------
 
 TEST(SchemaEnums, IceIsAnActionSource) {
   const EnumTable& table = IFC4::kIfcActionSourceTypeEnum;

@@ -7,10 +7,14 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <limits>
 #include <locale>
 #include <random>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "support/token_list.h"
 
@@ -18,6 +22,7 @@ namespace corvel {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::int32_t kLeastInteger = std::numeric_limits<std::int32_t>::min();
 
 std::string Real(double value) {
   char text[kNumberRoom];
@@ -50,28 +55,63 @@ class RandomDoubles {
   std::mt19937_64 random_{20240307};
 };
 
+// Not every C library tells the sign of what is no number.
+std::string NotANumber(double value) { return std::signbit(value) ? "-nan" : "nan"; }
+
 // The same bits, or neither is a number.
 void ExpectSame(double expected, double got, const std::string& text) {
   ASSERT_EQ(std::bit_cast<std::uint64_t>(expected), std::bit_cast<std::uint64_t>(got)) << text;
 }
 
+template <class Number>
+struct Reading {
+  std::string text;
+  Number number;
+};
+
+template <class Number>
+void ExpectRead(Number (*parse)(std::string_view),
+                std::initializer_list<Reading<std::type_identity_t<Number>>> cases) {
+  for (const auto& [text, number] : cases) EXPECT_EQ(number, parse(text)) << text;
+}
+
+struct Writing {
+  double number;
+  const char* text;
+};
+
+void ExpectWritten(std::string (*format)(double), std::initializer_list<Writing> cases) {
+  for (const auto& [number, text] : cases) EXPECT_EQ(text, format(number));
+}
+
+// Two ways to write a number agree on `count` numbers of each kind.
+void ExpectAgreement(int count, std::string (*format)(double), std::string (*literally)(double)) {
+  RandomDoubles random;
+  for (int i = 0; i < count; ++i) {
+    for (const double value : {random.Any(), random.Whole(), random.Decimal()}) {
+      ASSERT_EQ(literally(value), format(value)) << test::Visible(value);
+    }
+  }
+}
+
 // --- ParseReal -----------------------------------------------------------------------------------
 
 TEST(ParseReal, TakesTheLongestBeginningThatIsANumber) {
-  EXPECT_EQ(1.0, ParseReal("1."));
-  EXPECT_EQ(-0.5, ParseReal("-.5"));
-  EXPECT_EQ(150.0, ParseReal("1.5E+2"));
-  EXPECT_EQ(150.0, ParseReal("1.5e2"));
-  EXPECT_EQ(1.5, ParseReal("1.5E"));
-  EXPECT_EQ(1.5, ParseReal("1.5E+"));
-  EXPECT_EQ(1.5, ParseReal("1.5D+3"));
-  EXPECT_EQ(1.5, ParseReal("1.5 /* x */"));
-  EXPECT_EQ(1.5, ParseReal("1.5.7"));
-  EXPECT_EQ(0.0, ParseReal("-."));
-  EXPECT_EQ(0.0, ParseReal("."));
-  EXPECT_EQ(0.0, ParseReal(""));
-  EXPECT_TRUE(std::signbit(ParseReal("-0.")));
+  ExpectRead(ParseReal, {{"1.", 1.0},
+                         {"-.5", -0.5},
+                         {"1.5E+2", 150.0},
+                         {"1.5e2", 150.0},
+                         {"1.5E", 1.5},
+                         {"1.5E+", 1.5},
+                         {"1.5D+3", 1.5},
+                         {"1.5 /* x */", 1.5},
+                         {"1.5.7", 1.5},
+                         {"-.", 0.0},
+                         {".", 0.0},
+                         {"", 0.0}});
 }
+
+TEST(ParseReal, KeepsTheSignOfZero) { EXPECT_TRUE(std::signbit(ParseReal("-0."))); }
 
 TEST(ParseReal, AgreesWithTheCLibraryOnEdges) {
   for (const char* const text : {"1.7976931348623157E+308",
@@ -145,18 +185,18 @@ TEST(ParseReal, AgreesWithTheCLibraryOnRandomTexts) {
 // --- ParseInteger --------------------------------------------------------------------------------
 
 TEST(ParseInteger, TakesDigitsAndSaturates) {
-  EXPECT_EQ(0, ParseInteger(""));
-  EXPECT_EQ(0, ParseInteger("-"));
-  EXPECT_EQ(0, ParseInteger("-0"));
-  EXPECT_EQ(12, ParseInteger("0012"));
-  EXPECT_EQ(2147483646, ParseInteger("2147483646"));
-  EXPECT_EQ(2147483647, ParseInteger("2147483647"));
-  EXPECT_EQ(2147483647, ParseInteger("2147483648"));
-  EXPECT_EQ(2147483647, ParseInteger("99999999999999999999999999"));
-  EXPECT_EQ(-2147483647, ParseInteger("-2147483647"));
-  EXPECT_EQ(-2147483647 - 1, ParseInteger("-2147483648"));
-  EXPECT_EQ(-2147483647 - 1, ParseInteger("-2147483649"));
-  EXPECT_EQ(-2147483647 - 1, ParseInteger("-" + std::string(10'000, '9')));
+  ExpectRead(ParseInteger, {{"", 0},
+                            {"-", 0},
+                            {"-0", 0},
+                            {"0012", 12},
+                            {"2147483646", 2147483646},
+                            {"2147483647", 2147483647},
+                            {"2147483648", 2147483647},
+                            {"99999999999999999999999999", 2147483647},
+                            {"-2147483647", -2147483647},
+                            {"-2147483648", kLeastInteger},
+                            {"-2147483649", kLeastInteger},
+                            {"-" + std::string(10'000, '9'), kLeastInteger}});
 }
 
 TEST(ParseInteger, AgreesWithClampingALargerInteger) {
@@ -173,6 +213,7 @@ TEST(ParseInteger, AgreesWithClampingALargerInteger) {
 
 // The rule, step by step.
 std::string LiteralReal(double value) {
+  if (std::isnan(value)) return NotANumber(value);
   const bool fits = value >= -2147483648.0 && value <= 2147483647.0;
   if (fits && static_cast<double>(static_cast<std::int32_t>(value)) == value) {
     return std::to_string(static_cast<std::int32_t>(value)) + ".";
@@ -188,44 +229,44 @@ std::string LiteralReal(double value) {
 }
 
 TEST(FormatReal, WholeNumbersOf32BitsHaveAPointAndNoExponent) {
-  EXPECT_EQ("0.", Real(0.0));
-  EXPECT_EQ("0.", Real(-0.0));
-  EXPECT_EQ("1.", Real(1.0));
-  EXPECT_EQ("3.", Real(3.0));
-  EXPECT_EQ("-12.", Real(-12.0));
-  EXPECT_EQ("2147483647.", Real(2147483647.0));
-  EXPECT_EQ("-2147483648.", Real(-2147483648.0));
+  ExpectWritten(Real, {{0.0, "0."},
+                       {-0.0, "0."},
+                       {1.0, "1."},
+                       {3.0, "3."},
+                       {-12.0, "-12."},
+                       {2147483647.0, "2147483647."},
+                       {-2147483648.0, "-2147483648."}});
 }
 
 TEST(FormatReal, EverythingElseIsScientific) {
-  EXPECT_EQ("2.147483648E+09", Real(2147483648.0));
-  EXPECT_EQ("-2.147483649E+09", Real(-2147483649.0));
-  EXPECT_EQ("3.E+09", Real(3000000000.0));
-  EXPECT_EQ("1.E+30", Real(1e30));
-  EXPECT_EQ("1.5E+00", Real(1.5));
-  EXPECT_EQ("1.E-03", Real(0.001));
-  EXPECT_EQ("2.5E-05", Real(2.5e-5));
-  EXPECT_EQ("-2.5E-05", Real(-2.5e-5));
-  EXPECT_EQ("1.23456789012346E+02", Real(123.456789012345678));
-  EXPECT_EQ("1.E+100", Real(1e100));
-  EXPECT_EQ("1.E+00", Real(1.0000000000000002)) << "15 digits survive";
-  EXPECT_EQ("4.94065645841247E-324", Real(4.9406564584124654e-324));
-  EXPECT_EQ("1.79769313486232E+308", Real(std::numeric_limits<double>::max()));
+  ExpectWritten(Real, {{2147483648.0, "2.147483648E+09"},
+                       {-2147483649.0, "-2.147483649E+09"},
+                       {3000000000.0, "3.E+09"},
+                       {1e30, "1.E+30"},
+                       {1.5, "1.5E+00"},
+                       {0.001, "1.E-03"},
+                       {2.5e-5, "2.5E-05"},
+                       {-2.5e-5, "-2.5E-05"},
+                       {123.456789012345678, "1.23456789012346E+02"},
+                       {1e100, "1.E+100"},
+                       {4.9406564584124654e-324, "4.94065645841247E-324"},
+                       {std::numeric_limits<double>::max(), "1.79769313486232E+308"}});
 }
 
 TEST(FormatReal, WhatIsNoNumberHasNoExponent) {
   EXPECT_EQ("inf", Real(kInfinity));
   EXPECT_EQ("-inf", Real(-kInfinity));
   EXPECT_EQ("nan", Real(std::numeric_limits<double>::quiet_NaN()));
+  EXPECT_EQ("-nan", Real(-std::numeric_limits<double>::quiet_NaN()));
+}
+
+TEST(FormatReal, KeepsFifteenSignificantDigits) {
+  EXPECT_EQ("1.E+00", Real(1.0000000000000002));
+  EXPECT_EQ("1.00000000000001E+00", Real(1.00000000000001));
 }
 
 TEST(FormatReal, AgreesWithTheLiteralRuleOnMillionsOfNumbers) {
-  RandomDoubles random;
-  for (int i = 0; i < 700'000; ++i) {
-    for (const double value : {random.Any(), random.Whole(), random.Decimal()}) {
-      if (Real(value) != LiteralReal(value)) FAIL() << test::Visible(value);
-    }
-  }
+  ExpectAgreement(700'000, Real, LiteralReal);
 }
 
 TEST(FormatReal, WhatIsWrittenReadsAsTheSameText) {
@@ -243,6 +284,7 @@ TEST(FormatReal, WhatIsWrittenReadsAsTheSameText) {
 // --- FormatCount ---------------------------------------------------------------------------------
 
 std::string StreamCount(double value) {
+  if (std::isnan(value)) return NotANumber(value);
   std::ostringstream stream;
   stream.imbue(std::locale::classic());
   stream << value;
@@ -250,27 +292,22 @@ std::string StreamCount(double value) {
 }
 
 TEST(FormatCount, HasSixDigitsAndNoForcedPoint) {
-  EXPECT_EQ("3", Count(3.0));
-  EXPECT_EQ("0", Count(0.0));
-  EXPECT_EQ("-0", Count(-0.0));
-  EXPECT_EQ("0.5", Count(0.5));
-  EXPECT_EQ("999999", Count(999999.0));
-  EXPECT_EQ("1e+06", Count(1000000.0));
-  EXPECT_EQ("1e+06", Count(999999.5));
-  EXPECT_EQ("1.23457e+06", Count(1234567.0));
-  EXPECT_EQ("0.0001", Count(0.0001));
-  EXPECT_EQ("1e-05", Count(0.00001));
+  ExpectWritten(Count, {{3.0, "3"},
+                        {0.0, "0"},
+                        {-0.0, "-0"},
+                        {0.5, "0.5"},
+                        {999999.0, "999999"},
+                        {1000000.0, "1e+06"},
+                        {999999.5, "1e+06"},
+                        {1234567.0, "1.23457e+06"},
+                        {0.0001, "0.0001"},
+                        {0.00001, "1e-05"}});
 }
 
 TEST(FormatCount, AgreesWithAStream) {
-  RandomDoubles random;
   EXPECT_EQ(StreamCount(kInfinity), Count(kInfinity));
   EXPECT_EQ(StreamCount(-kInfinity), Count(-kInfinity));
-  for (int i = 0; i < 200'000; ++i) {
-    for (const double value : {random.Any(), random.Whole(), random.Decimal()}) {
-      if (Count(value) != StreamCount(value)) FAIL() << test::Visible(value);
-    }
-  }
+  ExpectAgreement(200'000, Count, StreamCount);
 }
 
 // --- Integers ------------------------------------------------------------------------------------
@@ -283,7 +320,7 @@ TEST(FormatInteger, WritesTheWholeRange) {
   EXPECT_EQ("0", integer(0));
   EXPECT_EQ("-1", integer(-1));
   EXPECT_EQ("2147483647", integer(2147483647));
-  EXPECT_EQ("-2147483648", integer(-2147483647 - 1));
+  EXPECT_EQ("-2147483648", integer(kLeastInteger));
 }
 
 TEST(FormatUnsigned, WritesTheWholeRange) {

@@ -1,19 +1,26 @@
 // Every way in which the reading of a file ends early, with the words of each.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <memory>
 #include <new>
-#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "support/graph.h"
+#include "support/memory_streams.h"
 #include "support/read_model.h"
 #include "support/test_factories.h"
+#include "support/throwing_entities.h"
 
 namespace corvel {
 namespace {
 
 using namespace std::string_literals;
 using test::Create;
-using test::FileOf;
+using test::ErrorWithoutText;
+using test::ErrorWithText;
+using test::ModelFile;
 using Model = test::ReadModel;
 using test::RecordedProgress;
 using test::RecordedReports;
@@ -21,6 +28,7 @@ using test::Report;
 using test::TemporaryFolder;
 using test::TestFactories;
 using test::TestPlatform;
+using test::ThrowingOnRead;
 using Texts = std::vector<std::string>;
 
 std::string Terminated(unsigned number) {
@@ -51,7 +59,7 @@ class ParserFailures : public test::ReadTest {
 
 constexpr const char* kGood = "#1=IFCPERSON('a',$,$,$,$,$,$,$);\n";
 
-TEST_F(ParserFailures, AClassThatTheSchemaLacks) {
+TEST_F(ParserFailures, AClassThatTheSchemaLacksEndsTheRead) {
   ExpectFailed(kGood + "#2=IFCNOTHING('x');\n#3=IFCPERSON();"s, 2,
                {"Entity named: IFCNOTHING not found."});
 }
@@ -64,12 +72,12 @@ TEST_F(ParserFailures, TheNameOfASelectIsNoClass) {
   ExpectFailed("#7=IFCVALUE('x');", 7, {"Entity named: IFCVALUE not found."});
 }
 
-TEST_F(ParserFailures, AComplexInstance) {
+TEST_F(ParserFailures, AComplexInstanceEndsTheRead) {
   ExpectFailed(kGood + "#2=(IFCPERSON()IFCROOT());"s, 2,
                {"Expected: entity name. Got: OpenBracketToken.\n"});
 }
 
-TEST_F(ParserFailures, AnythingElseWhereTheNameIsDue) {
+TEST_F(ParserFailures, ATokenThatIsNoNameEndsTheRead) {
   ExpectFailed("#1='IFCPERSON'();", 1, {"Expected: entity name. Got: WStringToken.\n"});
   ExpectFailed("#2=;", 2, {"Expected: entity name. Got: SemicolonToken.\n"});
   ExpectFailed("#3=$();", 3, {"Expected: entity name. Got: empty argument.\n"});
@@ -78,26 +86,26 @@ TEST_F(ParserFailures, AnythingElseWhereTheNameIsDue) {
   ExpectFailed("#6 IFCPERSON();", 6, {"Expected: entity name. Got: OpenBracketToken.\n"});
 }
 
-TEST_F(ParserFailures, ABareRealWhereAReferenceStands) {
+TEST_F(ParserFailures, ABareRealInThePlaceOfAReferenceEndsTheRead) {
   ExpectFailed("#1=IFCLOCALPLACEMENT($,0.5);", 1,
                {"Unknown error occurred while reading entity: #1"});
 }
 
-TEST_F(ParserFailures, ABadNumberInsideARecord) {
+TEST_F(ParserFailures, ABadNumberInsideARecordEndsTheRead) {
   const std::string ended =
       "Expected: #, *, entity name, or number(real, integer). Got: EndOfFileToken.\n";
   ExpectFailed("#1=IFCLOCALPLACEMENT($,#4294967280);", 1, {"stoul argument out of range", ended});
   ExpectFailed("#2=IFCLOCALPLACEMENT($,#);", 2, {"invalid stoul argument", ended});
 }
 
-TEST_F(ParserFailures, ABadNumberBehindTheAttributesOfARecord) {
+TEST_F(ParserFailures, ABadNumberBehindTheAttributesOfARecordEndsTheReadToo) {
   Model model("#1=IFCLOCALPLACEMENT($,$,#);#2=IFCPERSON();");
   EXPECT_FALSE(model.IsRead());
   EXPECT_EQ((Texts{"invalid stoul argument"}), Messages());
   EXPECT_TRUE(model.Document().IsCancelled());
 }
 
-TEST_F(ParserFailures, ValuesThatAreNestedTooDeeply) {
+TEST_F(ParserFailures, ValuesNestedDeeperThanAThousandEndTheRead) {
   const auto nested = [](int depth) {
     std::string value;
     for (int i = 0; i < depth; ++i) value += "IFCPROPERTYSETDEFINITIONSET((";
@@ -112,7 +120,7 @@ TEST_F(ParserFailures, ValuesThatAreNestedTooDeeply) {
   }
 }
 
-TEST_F(ParserFailures, BracketsThatAreNestedDeeplyNeedNoStack) {
+TEST_F(ParserFailures, BracketsMayBeNestedToAnyDepth) {
   const std::string brackets(200'000, '(');
   AnswerNo(10);
   Model model("#1=IFCPERSON('a',$,$,$,$,$,$,$," + brackets + ");#2=IFCPERSON('b',$,$,$,$,$,$,$);");
@@ -120,45 +128,60 @@ TEST_F(ParserFailures, BracketsThatAreNestedDeeplyNeedNoStack) {
   EXPECT_EQ("#2=IFCPERSON('b',$,$,$,$,$,$,$);", model.Line(2));
 }
 
-// --- Exceptions out of `read`
-// ------------------------------------------------------------------------
+// --- Exceptions out of `read` --------------------------------------------------------------------
 
-template <class Exception>
-class Throwing final : public test::GraphNode {
- public:
-  const char16_t* getClassName() const override { return u"Throwing"; }
-  void read(Parser&) override { throw Exception(); }
-};
-struct WithText : std::runtime_error {
-  WithText() : runtime_error("text of it") {}
-};
-struct WithoutText : std::runtime_error {
-  WithoutText() : runtime_error("") {}
-};
 class Harmless final : public test::GraphNode {
  public:
   const char16_t* getClassName() const override { return u"Harmless"; }
 };
 
+// Is read once without harm, and throws the second time.
+class ThrowingLater final : public test::GraphNode {
+ public:
+  const char16_t* getClassName() const override { return u"ThrowingLater"; }
+  void read(Parser& parser) override {
+    if (reads_++ != 0) throw ErrorWithText();
+    parser.forwardReference = true;
+  }
+
+ private:
+  int reads_ = 0;
+};
+
+// From its reading on, memory is short: there is just what stands in the scanner's buffer.
+class Starving final : public test::GraphNode {
+ public:
+  const char16_t* getClassName() const override { return u"Starving"; }
+  void read(Parser& parser) override {
+    parser.scanner =
+        std::make_unique<Scanner>(std::make_unique<test::BreakingInputStream<std::bad_alloc>>(");"),
+                                  RecordedReports::Reporter);
+  }
+};
+
 class ParserExceptions : public ParserFailures {
  protected:
+  bool Parse(const std::string& records) {
+    parser_.factories = &factories_.Table();
+    return parser_.ParseFile(folder_.Write("a.ifc", ModelFile(records)), 1);
+  }
   // What is reported when the record is an object of `name`.
   Texts MessagesOf(const std::string& name) {
-    TemporaryFolder folder;
-    Parser parser(false, RecordedReports::Reporter, RecordedProgress::Callback);
-    parser.factories = &factories_.Table();
-    EXPECT_FALSE(
-        parser.ParseFile(folder.Write("a.ifc", FileOf("#3=HARMLESS();#5=" + name + "(1);")), 1));
-    EXPECT_EQ(ParserState::kFailed, parser.state);
-    EXPECT_EQ((std::vector<std::string>{"a.ifc"}), folder.Names());
+    EXPECT_FALSE(Parse("#3=HARMLESS();#5=" + name + "(1);"));
+    EXPECT_EQ(ParserState::kFailed, parser_.state);
+    EXPECT_EQ(Texts{"a.ifc"}, folder_.Names());
     return Messages();
   }
 
   TestFactories factories_{{"HARMLESS", Create<Harmless>},
-                           {"WITHTEXT", Create<Throwing<WithText>>},
-                           {"WITHOUTTEXT", Create<Throwing<WithoutText>>},
-                           {"MEMORY", Create<Throwing<std::bad_alloc>>},
-                           {"ANYTHING", Create<Throwing<int>>}};
+                           {"WITHTEXT", Create<ThrowingOnRead<ErrorWithText>>},
+                           {"WITHOUTTEXT", Create<ThrowingOnRead<ErrorWithoutText>>},
+                           {"MEMORY", Create<ThrowingOnRead<std::bad_alloc>>},
+                           {"ANYTHING", Create<ThrowingOnRead<int>>},
+                           {"LATER", Create<ThrowingLater>},
+                           {"STARVING", Create<Starving>}};
+  TemporaryFolder folder_;
+  Parser parser_{false, RecordedReports::Reporter, RecordedProgress::Callback};
 };
 
 TEST_F(ParserExceptions, AStandardExceptionIsReportedWithItsText) {
@@ -171,43 +194,34 @@ TEST_F(ParserExceptions, AStandardExceptionWithoutATextIsUnknown) {
             MessagesOf("WITHOUTTEXT"));
 }
 
-TEST_F(ParserExceptions, RunningOutOfMemory) {
+TEST_F(ParserExceptions, RunningOutOfMemoryHasItsOwnWords) {
   EXPECT_EQ((Texts{"Not enough memory space. Try to run 64-bit Orlenta", Terminated(5)}),
             MessagesOf("MEMORY"));
 }
 
-TEST_F(ParserExceptions, AnythingElse) {
+TEST_F(ParserExceptions, WhatIsNoStandardExceptionIsUnknown) {
   EXPECT_EQ((Texts{"Unknown error occurred while reading entity: #5", Terminated(5)}),
             MessagesOf("ANYTHING"));
 }
 
-// Is read once without harm, and throws the second time.
-class ThrowingLater final : public test::GraphNode {
- public:
-  const char16_t* getClassName() const override { return u"ThrowingLater"; }
-  void read(Parser& parser) override {
-    if (reads_++ != 0) throw WithText();
-    parser.forwardReference = true;
-  }
-
- private:
-  int reads_ = 0;
-};
-
 TEST_F(ParserExceptions, InTheSecondPassTheyEndTheReadAsFailed) {
-  const TestFactories factories{{"LATER", Create<ThrowingLater>}};
-  TemporaryFolder folder;
-  Parser parser(false, RecordedReports::Reporter, RecordedProgress::Callback);
-  parser.factories = &factories.Table();
-  EXPECT_FALSE(parser.ParseFile(folder.Write("a.ifc", FileOf("#5=LATER();#6=LATER();")), 1));
+  EXPECT_FALSE(Parse("#5=LATER();#6=LATER();"));
   EXPECT_EQ((Texts{"Error occurred while reading entity: #5.\ntext of it"}), Messages());
-  EXPECT_EQ(ParserState::kFailed, parser.state) << "not merely cancelled";
-  EXPECT_EQ(nullptr, parser.scanner);
-  EXPECT_EQ((std::vector<std::string>{"a.ifc", "a_TEMP.ifc"}), folder.Names());
+  EXPECT_EQ(ParserState::kFailed, parser_.state) << "not merely cancelled";
+  EXPECT_EQ(nullptr, parser_.scanner);
+  EXPECT_EQ((Texts{"a.ifc", "a_TEMP.ifc"}), folder_.Names());
 }
 
-// --- Two records with one number
-// -----------------------------------------------------------------------
+TEST_F(ParserExceptions, AScannerThatRunsOutOfMemoryEndsThePassUnfinished) {
+  EXPECT_FALSE(Parse("#5=STARVING();#6=HARMLESS();"));
+  EXPECT_EQ((std::vector<Report>{{"", u"Not enough memory space. Try to run 64-bit Orlenta", 0}}),
+            *reports_);
+  EXPECT_EQ(ParserState::kNotFinished, parser_.state);
+  EXPECT_TRUE(parser_.IsStopped());
+  EXPECT_EQ(0u, QuestionsAsked());
+}
+
+// --- Two records with one number -----------------------------------------------------------------
 
 constexpr const char* kDuplicates =
     "#1=IFCLOCALPLACEMENT(#3,$);\n#2=IFCPERSON('first',$,$,$,$,$,$,$);\n"
@@ -218,8 +232,9 @@ TEST_F(ParserFailures, ADuplicatedNumberKeepsTheFirstRecordWhenTheUserGoesOn) {
   Model model(kDuplicates);
   EXPECT_TRUE(model.IsRead());
   ASSERT_EQ(2u, platform_.boxes.size());
-  EXPECT_EQ(u"AddEntityByOrginalNumber method error: Entity with marker: 2 already exists.",
-            platform_.boxes[0].text);
+  EXPECT_EQ(test::LogfileErrorBox(
+                u"AddEntityByOrginalNumber method error: Entity with marker: 2 already exists."),
+            platform_.boxes[0]);
   EXPECT_EQ((std::vector<Report>{{"", u"Entity duplicated: #2", 0}}), *reports_);
   EXPECT_EQ(1u, QuestionsAsked());
   EXPECT_EQ(
@@ -250,8 +265,7 @@ TEST_F(ParserFailures, ADuplicatedProjectIsNotTheProject) {
   EXPECT_EQ(model[3], model.GetParser().ifcProject);
 }
 
-// --- Wrong values
-// ------------------------------------------------------------------------------------
+// --- Wrong values --------------------------------------------------------------------------------
 
 TEST_F(ParserFailures, AWrongValueEndsTheReadWhenTheUserAgrees) {
   Model model("#1=IFCPERSON(.A.,'b',$,$,$,$,$,$);#2=IFCPERSON();");
@@ -289,7 +303,7 @@ TEST_F(ParserFailures, NobodyIsAskedOnceTheRunIsToStop) {
 }
 
 TEST_F(ParserFailures, NobodyIsAskedAtTheEndOfTheInput) {
-  const std::string bytes = FileOf("#1=IFCCARTESIANPOINT(");
+  const std::string bytes = ModelFile("#1=IFCCARTESIANPOINT(");
   Model model = Model::OfFile(bytes.substr(0, bytes.rfind('(') + 1));
   EXPECT_FALSE(model.IsRead());
   EXPECT_EQ(0u, QuestionsAsked());
@@ -297,18 +311,18 @@ TEST_F(ParserFailures, NobodyIsAskedAtTheEndOfTheInput) {
             Messages());
 }
 
-// --- The names of tokens in messages
-// -------------------------------------------------------------------
+// --- The names of tokens in messages -------------------------------------------------------------
 
 TEST_F(ParserFailures, FourKindsOfTokensHaveANameForUsers) {
   Parser parser(false, RecordedReports::Reporter, nullptr);
+  const std::map<WideString, WideString> namesForUsers{{u"EmptyParameterToken", u"empty argument"},
+                                                       {u"EnumerationToken", u"enumeration value"},
+                                                       {u"EntityNameToken", u"entity name"},
+                                                       {u"CloseBracketToken", u"closing bracket"}};
   for (unsigned type = 0; type <= 24; ++type) {
     const WideString name = NameOf(static_cast<TokenType>(type));
-    WideString shown = name;
-    if (name == u"EmptyParameterToken") shown = u"empty argument";
-    if (name == u"EnumerationToken") shown = u"enumeration value";
-    if (name == u"EntityNameToken") shown = u"entity name";
-    if (name == u"CloseBracketToken") shown = u"closing bracket";
+    const auto forUsers = namesForUsers.find(name);
+    const WideString& shown = forUsers == namesForUsers.end() ? name : forUsers->second;
     RecordedReports reports;
     EXPECT_EQ(0, parser.ExpectedArgumentError(name.c_str(), u"IfcReal", 2));
     parser.ExpectedArgumentError(u"#, *", name.c_str(), 0);
@@ -318,8 +332,7 @@ TEST_F(ParserFailures, FourKindsOfTokensHaveANameForUsers) {
   }
 }
 
-// --- Opening
-// -------------------------------------------------------------------------------------------
+// --- Opening -------------------------------------------------------------------------------------
 
 TEST_F(ParserFailures, AFileThatCannotBeOpenedFailsTheRead) {
   TemporaryFolder folder;

@@ -13,7 +13,7 @@ namespace corvel {
 namespace {
 
 using namespace std::string_literals;
-using test::FileOf;
+using test::ModelFile;
 using Model = test::ReadModel;
 using test::RecordedProgress;
 using test::RecordedReports;
@@ -36,23 +36,22 @@ class TemporaryFile : public test::ReadTest {
   TemporaryFolder folder_;
 };
 
-// --- Its name
-// --------------------------------------------------------------------------------------
+// --- Its name ------------------------------------------------------------------------------------
 
 TEST_F(TemporaryFile, HasTheNameOfTheInputWithAnotherEnding) {
-  folder_.Write("a.b.IFC", FileOf(kForward));
+  folder_.Write("a.b.IFC", ModelFile(kForward));
   EXPECT_TRUE(Read("a.b.IFC"));
   EXPECT_EQ((Names{"a.b.IFC", "a.b_TEMP.ifc"}), folder_.Names());
 }
 
 TEST_F(TemporaryFile, LiesBesideTheInputAlsoInAFolderWithAPoint) {
-  folder_.Write("x.y/model.ifc", FileOf(kForward));
+  folder_.Write("x.y/model.ifc", ModelFile(kForward));
   EXPECT_TRUE(Read("x.y/model.ifc"));
   EXPECT_TRUE(folder_.Has("x.y/model_TEMP.ifc"));
 }
 
 TEST_F(TemporaryFile, ReplacesTheOneOfAnEarlierRead) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   folder_.Write("model_TEMP.ifc", "#77=IFCWALL();" + std::string(1000, ' '));
   EXPECT_TRUE(Read("model.ifc"));
   EXPECT_EQ("\n#1=IFCLOCALPLACEMENT(#2,$);", folder_.Read("model_TEMP.ifc"));
@@ -60,7 +59,7 @@ TEST_F(TemporaryFile, ReplacesTheOneOfAnEarlierRead) {
 }
 
 TEST_F(TemporaryFile, NeverReplacesAnInputOrOutputOfTheRun) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   folder_.Write("model_TEMP.ifc", "any bytes");
   EXPECT_TRUE(Read("model.ifc", {folder_.Path("model.ifc"), folder_.Path("model_TEMP.ifc"),
                                  folder_.Path("model_TEMP2.ifc")}));
@@ -69,7 +68,7 @@ TEST_F(TemporaryFile, NeverReplacesAnInputOrOutputOfTheRun) {
 }
 
 TEST_F(TemporaryFile, NeverReplacesWhatLooksLikeAModel) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   folder_.Write("model_TEMP.ifc", "ISO-10303-21;");
   folder_.Write("model_TEMP2.ifc", "ISO");
   EXPECT_TRUE(Read("model.ifc"));
@@ -79,13 +78,13 @@ TEST_F(TemporaryFile, NeverReplacesWhatLooksLikeAModel) {
 }
 
 TEST_F(TemporaryFile, AnInputThatIsCalledLikeOneIsReadLikeAnyOther) {
-  folder_.Write("model_TEMP.ifc", FileOf(kForward));
+  folder_.Write("model_TEMP.ifc", ModelFile(kForward));
   EXPECT_TRUE(Read("model_TEMP.ifc"));
   EXPECT_EQ((Names{"model_TEMP.ifc", "model_TEMP_TEMP.ifc"}), folder_.Names());
 }
 
 TEST_F(TemporaryFile, TheInputKeepsItsBytes) {
-  const std::string bytes = FileOf(kForward);
+  const std::string bytes = ModelFile(kForward);
   folder_.Write("model.ifc", bytes);
   EXPECT_TRUE(Read("model.ifc", {folder_.Path("model.ifc")}));
   EXPECT_EQ(bytes, folder_.Read("model.ifc"));
@@ -93,7 +92,7 @@ TEST_F(TemporaryFile, TheInputKeepsItsBytes) {
 
 #ifndef _WIN32
 TEST_F(TemporaryFile, NeverReplacesWhatALinkLeadsTo) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   folder_.Write("other.ifc", "any bytes");
   std::filesystem::create_symlink(folder_.Native("other.ifc"), folder_.Native("model_TEMP.ifc"));
   EXPECT_TRUE(Read("model.ifc", {folder_.Path("other.ifc")}));
@@ -102,8 +101,7 @@ TEST_F(TemporaryFile, NeverReplacesWhatALinkLeadsTo) {
 }
 #endif
 
-// --- Its content
-// -----------------------------------------------------------------------------------
+// --- Its content ---------------------------------------------------------------------------------
 
 TEST_F(TemporaryFile, HoldsTheTextOfForwardRecordsAsItStands) {
   const std::string first = "\r\n\t#1 = IFC_LOCALPLACEMENT ( #2 ,/* it's \xE4 */ $ , 'more;' ) ;";
@@ -127,8 +125,7 @@ TEST_F(TemporaryFile, IsCompleteWhateverItsLength) {
   }
 }
 
-// --- What stays
-// ------------------------------------------------------------------------------------
+// --- What stays ----------------------------------------------------------------------------------
 
 TEST_F(TemporaryFile, StaysAfterACompleteRead) {
   Model model(kForward);
@@ -169,17 +166,16 @@ TEST_F(TemporaryFile, StaysWhenABadNumberBetweenRecordsStopsTheScanner) {
     EXPECT_TRUE(model.Document().IsCancelled());
     EXPECT_EQ("\n#1=IFCLOCALPLACEMENT(#2,$);", model.Folder().Read("model_TEMP.ifc"));
   }
-  folder_.Write("model.ifc", FileOf(kForward + "#=IFCPERSON();"s));
+  folder_.Write("model.ifc", ModelFile(kForward + "#=IFCPERSON();"s));
   EXPECT_FALSE(Read("model.ifc"));
   EXPECT_EQ((Names{"model.ifc", "model_TEMP.ifc"}), folder_.Names())
       << "also when the document is gone";
 }
 
-// --- Trouble with it
-// -------------------------------------------------------------------------------
+// --- Trouble with it -----------------------------------------------------------------------------
 
 TEST_F(TemporaryFile, ThatCannotBeMadeEndsTheRead) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   std::filesystem::create_directory(folder_.Native("model_TEMP.ifc"));
   IfcDocument document(false, RecordedReports::Reporter, RecordedProgress::Callback);
   EXPECT_EQ(0, document.OpenFile(folder_.Path("model.ifc"), 1));
@@ -193,7 +189,7 @@ TEST_F(TemporaryFile, ThatCannotBeMadeEndsTheRead) {
 }
 
 TEST_F(TemporaryFile, ThatCannotBeMadeIsNotRemovedEither) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   std::filesystem::create_directory(folder_.Native("model_TEMP.ifc"));
   EXPECT_FALSE(Read("model.ifc"));
   EXPECT_EQ((Names{"model.ifc", "model_TEMP.ifc"}), folder_.Names());
@@ -202,11 +198,10 @@ TEST_F(TemporaryFile, ThatCannotBeMadeIsNotRemovedEither) {
 #ifndef _WIN32
 TEST_F(TemporaryFile, OnAFullDiskEndsTheReadAndGoes) {
   std::string records;
-  for (int number = 1; number <= 400; ++number) {
-    records += "#" + std::to_string(number) + "=IFCLOCALPLACEMENT(#" + std::to_string(number + 1) +
-               ",$);\n";
+  for (unsigned number = 1; number <= 400; ++number) {
+    records += test::PlacementRelativeTo(number + 1, number);
   }
-  folder_.Write("model.ifc", FileOf(records));
+  folder_.Write("model.ifc", ModelFile(records));
   IfcDocument document(false, RecordedReports::Reporter, RecordedProgress::Callback);
   {
     const test::FileSizeLimit limit(4096);
@@ -224,7 +219,7 @@ TEST_F(TemporaryFile, OnADiskThatFillsDuringThePassEndsTheReadAndGoes) {
     records += "#" + std::to_string(number) + "=IFCLOCALPLACEMENT(#" + std::to_string(number + 1) +
                "," + padding + "$);\n";
   }
-  folder_.Write("model.ifc", FileOf(records));
+  folder_.Write("model.ifc", ModelFile(records));
   IfcDocument document(false, RecordedReports::Reporter, RecordedProgress::Callback);
   {
     const test::FileSizeLimit limit(1 << 20);
@@ -236,7 +231,7 @@ TEST_F(TemporaryFile, OnADiskThatFillsDuringThePassEndsTheReadAndGoes) {
 }
 
 TEST_F(TemporaryFile, InAReadOnlyFolderEndsTheRead) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   std::filesystem::permissions(folder_.Native(""), std::filesystem::perms(0555));
   {
     const test::OrdinaryUser user;
@@ -262,7 +257,7 @@ bool RemoveDoomed(int, int, const WideString*, bool, int) {
 }
 
 TEST_F(TemporaryFile, ThatHasVanishedBeforeTheSecondPassIsReported) {
-  folder_.Write("model.ifc", FileOf(kForward));
+  folder_.Write("model.ifc", ModelFile(kForward));
   Doomed() = folder_.Native("model_TEMP.ifc");
   platform_.nanosecondsPerCall = 60'000'000;
   IfcDocument document(false, RecordedReports::Reporter, RemoveDoomed);

@@ -2,16 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "step/log/ifc_log.h"
-#include "support/graph.h"
 #include "support/read_model.h"
-#include "support/test_factories.h"
 
 namespace corvel {
 namespace {
 
 using namespace std::string_literals;
-using test::FileOf;
 using Model = test::ReadModel;
+using test::Person;
 using test::Report;
 using test::TemporaryFolder;
 using test::TestPlatform;
@@ -31,35 +29,28 @@ class WatchedDisk final : public TestPlatform {
   int failAt = -1;
 };
 
-std::string Person(unsigned number) {
-  return "#" + std::to_string(number) + "=IFCPERSON($,$,$,$,$,$,$,$);\n";
-}
-std::string Forward(unsigned number, unsigned to) {
-  return "#" + std::to_string(number) + "=IFCLOCALPLACEMENT(#" + std::to_string(to) + ",$);\n";
-}
+std::string Forward(unsigned number, unsigned to) { return test::PlacementRelativeTo(to, number); }
 
 class DiskGuard : public test::ReadTest {
  protected:
   void ExpectOutOfSpaceBox() {
     ASSERT_EQ(1u, disk_.boxes.size());
-    EXPECT_EQ((TestPlatform::Box{
-                  u"Logfile error",
-                  u"Out of disk space. \nFree less then 5 GB. Parsing will be terminate.\n",
-                  platform::Buttons::kOk, platform::Icon::kError}),
+    EXPECT_EQ(test::LogfileErrorBox(
+                  u"Out of disk space. \nFree less then 5 GB. Parsing will be terminate.\n"),
               disk_.boxes[0]);
   }
 
   WatchedDisk disk_;
 };
 
-TEST_F(DiskGuard, SmallNumbersInDependencyOrderAreNeverChecked) {
+TEST_F(DiskGuard, OtherNumbersInDependencyOrderAreNeverChecked) {
   disk_.freeDiskBytes = 0;
   Model model(Person(1) + Person(499'999) + Person(500'001));
   EXPECT_TRUE(model.IsRead());
   EXPECT_EQ(0, disk_.looks);
 }
 
-TEST_F(DiskGuard, EveryNumberOfHalfAMillionIsChecked) {
+TEST_F(DiskGuard, EveryMultipleOfHalfAMillionIsChecked) {
   Model model(Person(500'000) + Person(1'000'000) + Person(1'000'001) + Person(4'294'500'000));
   EXPECT_TRUE(model.IsRead());
   EXPECT_EQ(2 * 3, disk_.looks) << "once for the log and once for the check";
@@ -118,17 +109,15 @@ TEST_F(DiskGuard, LessThanFiveGibibytesEndTheSecondPass) {
   EXPECT_TRUE(model.Folder().Has("model_TEMP.ifc"));
 }
 
-// --- When the disk cannot be asked
-// -------------------------------------------------------------------
+// --- When the disk cannot be asked ---------------------------------------------------------------
 
-constexpr const char* kNoSuchDevice = "filesystem error: space: No such device";
+constexpr const char16_t* kNoSuchDevice = u"filesystem error: space: No such device";
 
 TEST_F(DiskGuard, ADiskThatCannotBeAskedFailsTheFirstPass) {
   disk_.failAt = 1;
   Model model(Person(500'000));
   EXPECT_FALSE(model.IsRead());
-  EXPECT_EQ((std::vector<std::string>{kNoSuchDevice}), Messages());
-  EXPECT_EQ(0, reports_->front().mode);
+  EXPECT_EQ((std::vector<Report>{{"", kNoSuchDevice, 0}}), *reports_);
   EXPECT_EQ(ParserState::kFailed, model.GetParser().state);
   EXPECT_EQ((std::vector<std::string>{"model.ifc"}), model.Folder().Names());
   EXPECT_FALSE(IfcLog::Instance().IsMuted());
@@ -138,15 +127,14 @@ TEST_F(DiskGuard, ADiskThatCannotBeAskedFailsTheSecondPass) {
   disk_.failAt = 1;
   Model model(Forward(1, 2) + Person(2));
   EXPECT_FALSE(model.IsRead());
-  EXPECT_EQ((std::vector<std::string>{kNoSuchDevice}), Messages());
+  EXPECT_EQ((std::vector<Report>{{"", kNoSuchDevice, 0}}), *reports_);
   EXPECT_EQ(ParserState::kFailed, model.GetParser().state);
   EXPECT_EQ(nullptr, model.GetParser().scanner);
   EXPECT_EQ((std::vector<std::string>{"model.ifc"}), model.Folder().Names());
   EXPECT_FALSE(IfcLog::Instance().IsMuted());
 }
 
-// --- The log
-// -----------------------------------------------------------------------------------------
+// --- The log -------------------------------------------------------------------------------------
 
 class ReadLog : public test::ReadTest {
  protected:
@@ -179,13 +167,13 @@ class ReadLog : public test::ReadTest {
   TemporaryFolder folder_;
 };
 
-TEST_F(ReadLog, ARead) {
+TEST_F(ReadLog, OfAReadHoldsItsStages) {
   Model model(Person(1));
   EXPECT_EQ(begin_ + "Done.\n", Logged()) << "the first pass and what follows it is muted";
   EXPECT_FALSE(IfcLog::Instance().IsMuted());
 }
 
-TEST_F(ReadLog, ACancelledRead) {
+TEST_F(ReadLog, OfACancelledReadSaysSo) {
   platform_.nanosecondsPerCall = 60'000'000;
   progress_.CancelAt(0);
   Model model(Person(1) + Person(2));
@@ -193,7 +181,7 @@ TEST_F(ReadLog, ACancelledRead) {
   EXPECT_FALSE(IfcLog::Instance().IsMuted());
 }
 
-TEST_F(ReadLog, ANumberOfHalfAMillionTellsOfTheMachine) {
+TEST_F(ReadLog, AtANumberOfHalfAMillionTellsOfMemoryAndDisk) {
   Model model(Person(500'000) + Person(1));
   EXPECT_EQ(begin_ + memory_ + "System disk free space (GB): 100" + "Done.\n", Logged());
 }
@@ -210,7 +198,7 @@ TEST_F(ReadLog, TheSecondPassTellsOfAHundredRecordsOfWhichTheLogTakesOneInAHundr
   EXPECT_EQ(before + begin_ + "Done.\nReading entity: #7", Logged());
 }
 
-TEST_F(ReadLog, AWrongValueBeginsWithAnEmptyLineAndTakesATabOff) {
+TEST_F(ReadLog, OfAWrongValueIsAnEmptyLineAndEndsABlock) {
   IfcLog& log = IfcLog::Instance();
   log.LogLine(u"block", true);
   Parser parser(false, test::RecordedReports::Reporter, nullptr);

@@ -7,10 +7,8 @@ namespace corvel {
 namespace {
 
 using namespace std::string_literals;
-using test::FileOf;
+using test::ModelFile;
 using Model = test::ReadModel;
-using test::Report;
-using test::TestPlatform;
 using test::Tick;
 
 constexpr std::int64_t kMillisecond = 1'000'000;
@@ -58,7 +56,7 @@ TEST_F(ReadProgress, ASlowReadTicksBehindEveryRecord) {
   const std::string records = Records(9, 100);
   Model model(records);
   EXPECT_TRUE(model.IsRead());
-  const std::vector<int> percents = PercentsOfRecords(FileOf(records));
+  const std::vector<int> percents = PercentsOfRecords(ModelFile(records));
   ASSERT_EQ(9u, percents.size());
   std::vector<Tick> expected;
   for (const int percent : percents) expected.push_back(FirstPass(percent));
@@ -92,7 +90,7 @@ TEST_F(ReadProgress, AtMostOneTickInFiftyMilliseconds) {
   platform_.nanosecondsPerCall = 10 * kMillisecond;
   const std::string records = Records(30, 100);
   Model model(records);
-  const std::vector<int> all = PercentsOfRecords(FileOf(records));
+  const std::vector<int> all = PercentsOfRecords(ModelFile(records));
   std::vector<int> everyFifth;
   for (std::size_t i = 0; i < all.size(); i += 5) everyFifth.push_back(all[i]);
   EXPECT_EQ(everyFifth, Percents(0));
@@ -110,7 +108,7 @@ TEST_F(ReadProgress, OneTickIn64KiBWhenTheClockStands) {
   const std::string records = Records(400, 4096);
   Model model(records);
   EXPECT_TRUE(model.IsRead());
-  const std::vector<int> all = PercentsOfRecords(FileOf(records));
+  const std::vector<int> all = PercentsOfRecords(ModelFile(records));
   std::vector<int> expected;
   for (std::size_t i = 16; i < all.size(); i += 16) expected.push_back(all[i]);
   EXPECT_EQ(0, all[0]) << "not above 0, so it is not sent";
@@ -129,7 +127,7 @@ TEST_F(ReadProgress, NoPercentIsSentTwice) {
 
 TEST_F(ReadProgress, NeverGoesBeyondAHundred) {
   platform_.nanosecondsPerCall = 60 * kMillisecond;
-  std::string bytes = FileOf(Records(3, 100));
+  std::string bytes = ModelFile(Records(3, 100));
   bytes.resize(bytes.rfind(");") + 2);
   Model model = Model::OfFile(bytes);
   EXPECT_TRUE(model.IsRead());
@@ -143,19 +141,18 @@ TEST_F(ReadProgress, ARecordThatIsNotFiledTicksToo) {
   const std::string records = Records(1, 100) + Records(1, 100);
   Model model(records);
   EXPECT_TRUE(model.IsRead());
-  EXPECT_EQ(PercentsOfRecords(FileOf(records)), Percents(0));
+  EXPECT_EQ(PercentsOfRecords(ModelFile(records)), Percents(0));
 }
 
 TEST_F(ReadProgress, NobodyNeedsToListen) {
   platform_.nanosecondsPerCall = 60 * kMillisecond;
   test::TemporaryFolder folder;
   IfcDocument document(false, test::RecordedReports::Reporter, nullptr);
-  EXPECT_NE(0, document.OpenFile(folder.Write("a.ifc", FileOf(Records(5, 100, true))), 1));
+  EXPECT_NE(0, document.OpenFile(folder.Write("a.ifc", ModelFile(Records(5, 100, true))), 1));
   EXPECT_TRUE(document.IsParsed());
 }
 
-// --- Cancelling
-// ------------------------------------------------------------------------------------
+// --- Cancelling ----------------------------------------------------------------------------------
 
 class ReadCancelled : public ReadProgress {
  protected:
@@ -196,10 +193,7 @@ TEST_F(ReadCancelled, AtAnyTickEndsTheRead) {
 TEST_F(ReadCancelled, TheQuestionComesOnce) {
   CancelAt(3);
   Model model(records_);
-  ASSERT_EQ(1u, platform_.boxes.size());
-  EXPECT_EQ((TestPlatform::Box{u"Cancel", u"Are you sure you want to cancel?",
-                               platform::Buttons::kYesNo, platform::Icon::kQuestion}),
-            platform_.boxes[0]);
+  EXPECT_EQ(std::vector{test::CancelQuestionBox()}, platform_.boxes);
 }
 
 TEST_F(ReadCancelled, WhoSaysNoLosesNothing) {
@@ -212,8 +206,7 @@ TEST_F(ReadCancelled, WhoSaysNoLosesNothing) {
     temporary = whole.Folder().Read("model_TEMP.ifc");
     ticks = *progress_;
   }
-  // At the last tick everything has been read and nobody is asked.
-  for (std::size_t tick = 0; tick + 1 < ticks.size(); ++tick) {
+  for (std::size_t tick = 0; tick < ticks.size(); ++tick) {
     CancelAt(tick);
     AnswerNo(1);
     Model model(records_);
@@ -226,12 +219,11 @@ TEST_F(ReadCancelled, WhoSaysNoLosesNothing) {
   }
 }
 
-TEST_F(ReadCancelled, AtTheEndOfTheInputNobodyIsAsked) {
+TEST_F(ReadCancelled, TheUserIsAskedAtTheLastTickToo) {
   CancelAt(12);
-  AnswerNo(1);
   Model model(records_);
   EXPECT_FALSE(model.IsRead());
-  EXPECT_EQ(0u, QuestionsAsked());
+  EXPECT_EQ(1u, QuestionsAsked());
   EXPECT_EQ(ParserState::kCancelled, model.GetParser().state);
 }
 

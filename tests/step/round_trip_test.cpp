@@ -6,15 +6,16 @@
 #include <fstream>
 #include <random>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "support/read_model.h"
 
 namespace corvel {
 namespace {
 
-using namespace std::string_literals;
 using Model = test::ReadModel;
-using test::FileOf;
+using test::ModelFile;
 using test::ReadOptions;
 using Lines = std::vector<std::string>;
 
@@ -37,10 +38,9 @@ class RoundTrip : public test::ReadTest {
   }
 };
 
-// --- Attributes
-// ------------------------------------------------------------------------------------------
+// --- Attributes ----------------------------------------------------------------------------------
 
-TEST_F(RoundTrip, KindsOfAttributesComeBack) {
+TEST_F(RoundTrip, AttributesOfEveryKindComeBack) {
   for (const char* const record :
        {"IFCPROPERTYSINGLEVALUE('n',$,IFCLABEL('x'),$)",
         "IFCPROPERTYSINGLEVALUE('n','d',IFCREAL(1.25E+00),$)",
@@ -143,8 +143,7 @@ TEST_F(RoundTrip, ABareIntegerForDimensionsIsAStar) {
             Line("IFCCONVERSIONBASEDUNIT(5,.LENGTHUNIT.,'inch',$)"));
 }
 
-// --- Fixpoints and order
-// -----------------------------------------------------------------------------------
+// --- Fixpoints and order -------------------------------------------------------------------------
 
 Lines RecordsOf(const std::string& file) {
   Lines records;
@@ -153,6 +152,21 @@ Lines RecordsOf(const std::string& file) {
     if (!line.empty()) records.push_back(line);
   }
   return records;
+}
+
+// What stands before the attributes of each, sorted: "#1=IFCWALL".
+Lines HeadsOf(const Lines& records) {
+  Lines heads;
+  for (const std::string& record : records) heads.push_back(record.substr(0, record.find('(')));
+  std::sort(heads.begin(), heads.end());
+  return heads;
+}
+
+std::string BytesOf(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::stringstream bytes;
+  bytes << stream.rdbuf();
+  return bytes.str();
 }
 
 // The same file with its records in another order.
@@ -188,7 +202,7 @@ class RecordOrder : public RoundTrip {
 };
 
 TEST_F(RecordOrder, OfASmallModelDoesNotMatter) {
-  ExpectNoOrderMatters(FileOf(
+  ExpectNoOrderMatters(ModelFile(
       "#1=IFCCARTESIANPOINT((0.,0.,0.));\n#2=IFCAXIS2PLACEMENT3D(#1,$,$);\n"
       "#3=IFCLOCALPLACEMENT($,#2);\n#4=IFCLOCALPLACEMENT(#3,#2);\n#5=IFCPOLYLINE((#1,#1));\n"
       "#6=IFCWALL('g',$,'n',$,$,#4,$,$,$);\n#7=IFCWALL('h',$,'n',$,$,#3,$,$,.SHEAR.);\n"
@@ -208,10 +222,7 @@ TEST_F(RecordOrder, OfOurSamplesDoesNotMatter) {
     // Both of these releases are part of every build.
     if (!name.ends_with("_IFC2X3.ifc") && !name.ends_with("_IFC4.ifc")) continue;
     SCOPED_TRACE(name);
-    std::ifstream stream(entry.path(), std::ios::binary);
-    std::stringstream bytes;
-    bytes << stream.rdbuf();
-    ExpectNoOrderMatters(bytes.str());
+    ExpectNoOrderMatters(BytesOf(entry.path()));
     ++models;
   }
   EXPECT_GE(models, 2);
@@ -219,22 +230,10 @@ TEST_F(RecordOrder, OfOurSamplesDoesNotMatter) {
 
 TEST_F(RecordOrder, EveryRecordOfASampleIsWritten) {
   for (const char* const name : {"house_IFC4.ifc", "house_IFC2X3.ifc"}) {
-    std::ifstream stream(std::filesystem::path(CORVEL_SAMPLES_DIR) / name, std::ios::binary);
-    std::stringstream bytes;
-    bytes << stream.rdbuf();
-    const Lines before = RecordsOf(bytes.str());
-    const Lines after = RecordsOf(Resaved(bytes.str()));
+    const std::string bytes = BytesOf(std::filesystem::path(CORVEL_SAMPLES_DIR) / name);
+    const Lines before = HeadsOf(RecordsOf(bytes));
     ASSERT_GT(before.size(), 100u);
-    const auto headOf = [](const std::string& record) {
-      return record.substr(0, record.find('('));
-    };
-    Lines heads;
-    Lines written;
-    for (const std::string& record : before) heads.push_back(headOf(record));
-    for (const std::string& record : after) written.push_back(headOf(record));
-    std::sort(heads.begin(), heads.end());
-    std::sort(written.begin(), written.end());
-    EXPECT_EQ(heads, written) << name;
+    EXPECT_EQ(before, HeadsOf(RecordsOf(Resaved(bytes)))) << name;
   }
 }
 

@@ -2,11 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <new>
 #include <random>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "support/memory_streams.h"
 #include "support/recorded_reports.h"
+#include "support/step_text.h"
 #include "support/temporary_folder.h"
 #include "support/token_list.h"
 
@@ -44,7 +50,7 @@ TEST(Token, KindsHaveTheirNumbersAndNames) {
   }
 }
 
-TEST(Scanner, ARecordInItsTokens) {
+TEST(Scanner, ARecordComesAsItsTokensWithoutTheCommas) {
   EXPECT_EQ((TokenList{"#12", "=", "word IFCWALL", "(", "'abc'", "$", "$", "#3", "real 1.5",
                        "integer -7", "enumeration NOTDEFINED", ")", ";"}),
             TokensOf("#12=IFCWALL('abc',$,*,#3,1.5,-7,.NOTDEFINED.);"));
@@ -183,7 +189,7 @@ TEST(Scanner, AStringEndsAtItsQuoteOrWithTheInput) {
   EXPECT_EQ((TokenList{"''"}), TokensOf("'"));
 }
 
-TEST(Scanner, AStringOfAMebibyte) {
+TEST(Scanner, AStringOfAMebibyteComesWhole) {
   const std::string text(1 << 20, 'x');
   EXPECT_EQ((TokenList{"'" + text + "'", ";"}), TokensOf("'" + text + "';"));
   EXPECT_EQ((TokenList{"'" + text + "'", ";"}), TokensOf("'" + text + "';", nullptr, 4093));
@@ -223,7 +229,7 @@ TEST(Scanner, AByteOf255EndsTheInput) {
   EXPECT_EQ((TokenList{"(", "'<DCFF>'", ")"}), TokensOf("('\xFF')")) << "but not inside a string";
 }
 
-TEST(Scanner, MillionsOfCommasAndCommentsNeedNoStack) {
+TEST(Scanner, CommasAndCommentsByTheMillionAreSkippedWithoutRecursion) {
   EXPECT_EQ((TokenList{"("}), TokensOf("(" + std::string(3'000'000, ',')));
   std::string comments;
   for (int i = 0; i < 1'000'000; ++i) comments += "/**/,";
@@ -267,25 +273,22 @@ TEST(Scanner, TokensStayGoodWhileOthersAreMade) {
 
 TEST(Scanner, ArgumentCountsCommasAndNumberSignsOfTheRecord) {
   const auto scanner = ScannerOn("#1=(#2,,$);#3");
-  TokenList counts;
+  std::vector<std::uint32_t> counts;
   for (int i = 0; i < 8; ++i) {
     scanner->NextToken();
-    counts.push_back(std::to_string(scanner->Argument()));
+    counts.push_back(scanner->Argument());
   }
-  EXPECT_EQ((TokenList{"1", "1", "1", "2", "4", "4", "0", "1"}), counts);
+  EXPECT_EQ((std::vector<std::uint32_t>{1, 1, 1, 2, 4, 4, 0, 1}), counts);
 }
 
 TEST(Scanner, LineCountsLineFeedsBetweenTokensOnly) {
   const auto scanner = ScannerOn("\n(\r\n'\n\n'/*\n*/\r)\n");
-  EXPECT_EQ(1u, scanner->Line());
-  scanner->NextToken();
-  EXPECT_EQ(2u, scanner->Line());
-  scanner->NextToken();
-  EXPECT_EQ(3u, scanner->Line());
-  scanner->NextToken();
-  EXPECT_EQ(3u, scanner->Line());
-  scanner->NextToken();
-  EXPECT_EQ(4u, scanner->Line());
+  std::vector<std::uint32_t> lines{scanner->Line()};
+  for (int i = 0; i < 4; ++i) {
+    scanner->NextToken();
+    lines.push_back(scanner->Line());
+  }
+  EXPECT_EQ((std::vector<std::uint32_t>{1, 2, 3, 3, 4}), lines);
 }
 
 std::vector<std::string> StatementsOf(const std::string& text, std::size_t windowSize) {
@@ -354,39 +357,12 @@ TEST(Scanner, AMissingFileIsNotOpenAndEndsAtOnce) {
 
 // --- Failures of the stream ----------------------------------------------------------------------
 
-// Gives one window and throws where it should give the second.
-template <class Exception>
-class FailingStream final : public FileStream::InputStream {
- public:
-  explicit FailingStream(Exception exception)
-      : InputStream(u"failing.ifc", nullptr), exception_(std::move(exception)) {}
-  std::size_t Read(void*, std::size_t) override { return 0; }
-  int PeekChar() override { return -1; }
-  int Close() override { return 0; }
-  bool IsOpen() const override { return true; }
-  bool IsEof() const override { return false; }
-  std::int64_t Position() const override { return 0; }
-  int NextEntry() override { return -1; }
-  std::int64_t TotalSize() const override { return 0; }
-
- private:
-  bool FillWindow() override {
-    if (filled_) throw exception_;
-    filled_ = true;
-    SetWindow(text_, text_ + 3);
-    return true;
-  }
-
-  const char text_[4] = "(#1";
-  Exception exception_;
-  bool filled_ = false;
-};
-
 template <class Exception>
 void ExpectStop(Exception exception, const char16_t* message) {
   RecordedReports reports;
-  Scanner scanner(std::make_unique<FailingStream<Exception>>(std::move(exception)),
-                  RecordedReports::Reporter);
+  Scanner scanner(
+      std::make_unique<test::BreakingInputStream<Exception>>("(#1", std::move(exception)),
+      RecordedReports::Reporter);
   EXPECT_EQ("(", Visible(*scanner.NextToken()));
   EXPECT_EQ("end", Visible(*scanner.PeekToken()));
   EXPECT_EQ("end", Visible(*scanner.NextToken()));
@@ -435,12 +411,12 @@ TEST(Scanner, RandomTextsGiveTheSameTokensHoweverTheyAreCut) {
     for (std::size_t left = random() % 30; left != 0; --left) {
       text += pieces[random() % pieces.size()];
     }
-    const test::RecordedReports reports;
+    const RecordedReports reports;
     const TokenList expected = TokensOf(text, RecordedReports::Reporter);
     ASSERT_TRUE(expected.empty() || expected.back() != "this never ends") << text;
     const std::vector<Report> told = *reports;
     for (const std::size_t windowSize : {1u, 2u, 3u, 5u, 8u}) {
-      const test::RecordedReports again;
+      const RecordedReports again;
       ASSERT_EQ(expected, TokensOf(text, RecordedReports::Reporter, windowSize)) << text;
       ASSERT_EQ(told, *again) << text;
     }
@@ -467,19 +443,11 @@ TEST(Scanner, EveryBeginningOfAnInputEnds) {
 }
 
 TEST(Scanner, LineEndsOfAnySystemGiveTheSameTokens) {
-  const std::string lines = "#1=A(1,\n'x');\n\n#2=B(\n);";
-  const TokenList expected = TokensOf(lines);
-  std::string carriage;
-  std::string both;
-  for (const char c : lines) {
-    carriage.push_back(c == '\n' ? '\r' : c);
-    both += c == '\n' ? "\r\n"s : std::string(1, c);
+  for (const char* const lineEnd : {"\n", "\r", "\r\n"}) {
+    EXPECT_EQ((TokenList{"#1", "=", "word A", "(", "integer 1", "'x'", ")", ";", "#2", "=",
+                         "word B", "(", ")", ";"}),
+              TokensOf(test::WithLineEnds("#1=A(1,\n'x');\n\n#2=B(\n);", lineEnd)));
   }
-  EXPECT_EQ(expected, TokensOf(carriage));
-  EXPECT_EQ(expected, TokensOf(both));
-  EXPECT_EQ((TokenList{"#1", "=", "word A", "(", "integer 1", "'x'", ")", ";", "#2", "=", "word B",
-                       "(", ")", ";"}),
-            expected);
 }
 
 }  // namespace

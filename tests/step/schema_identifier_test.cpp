@@ -10,7 +10,7 @@ namespace corvel {
 namespace {
 
 using namespace std::string_literals;
-using test::FileOf;
+using test::ModelFile;
 using test::ReadTest;
 using test::RecordedReports;
 using test::Report;
@@ -22,7 +22,7 @@ std::string Chosen(const WideString& identifier) {
   return schema ? std::string(NameOf(*schema)) : "none";
 }
 
-TEST(ChooseSchemaNamespace, ExactNames) {
+TEST(ChooseSchemaNamespace, ExactNamesChooseTheirOwnNamespace) {
   RecordedReports reports;
   EXPECT_EQ("IFC2X2_PLATFORM", Chosen(u"IFC2X2_PLATFORM"));
   EXPECT_EQ("IFC2X2_FINAL", Chosen(u"IFC2X2_FINAL"));
@@ -68,8 +68,7 @@ TEST(ChooseSchemaNamespace, NothingElseIsAccepted) {
   EXPECT_TRUE(reports->empty());
 }
 
-// --- From a file
-// -----------------------------------------------------------------------------------
+// --- From a file ---------------------------------------------------------------------------------
 
 class ReadSchemaIdentifier : public ReadTest {
  protected:
@@ -82,19 +81,19 @@ class ReadSchemaIdentifier : public ReadTest {
 };
 
 TEST_F(ReadSchemaIdentifier, GivesTheFirstStringOfFileSchema) {
-  EXPECT_EQ(u"IFC2X3", Read(FileOf("", "IFC2X3")));
-  EXPECT_EQ(u"IFC5", Read(FileOf("", "IFC5','IFC4")));
+  EXPECT_EQ(u"IFC2X3", Read(ModelFile("", "IFC2X3")));
+  EXPECT_EQ(u"IFC5", Read(ModelFile("", "IFC5','IFC4")));
   EXPECT_TRUE(reports_->empty());
   EXPECT_EQ((std::vector<std::string>{"model.ifc"}), folder_.Names());
 }
 
 TEST_F(ReadSchemaIdentifier, ReadsNothingOfTheModel) {
-  EXPECT_EQ(u"IFC4", Read(FileOf("#1=IFCNOTHING(;'")));
+  EXPECT_EQ(u"IFC4", Read(ModelFile("#1=IFCNOTHING(;'")));
   EXPECT_TRUE(reports_->empty());
 }
 
 TEST_F(ReadSchemaIdentifier, NeedsIsoSemicolonAndHeaderInThisOrder) {
-  const std::string file = FileOf("");
+  const std::string file = ModelFile("");
   for (const std::string& bytes :
        {std::string(), "no STEP file"s, "\xEF\xBB\xBF" + file, "ISO-10303-21;"s,
         "ISO-10303-21;DATA;"s, file.substr(14), "DATA;" + file, "ISO-10303-21"s,
@@ -129,7 +128,7 @@ TEST_F(ReadSchemaIdentifier, AFolderCannotBeOpened) {
 }
 
 TEST_F(ReadSchemaIdentifier, AnUnknownExtensionIsReportedOnce) {
-  const WideString path = folder_.Write("model.stp", FileOf(""));
+  const WideString path = folder_.Write("model.stp", ModelFile(""));
   EXPECT_EQ(u"", document_.readSchemaIdentifier(path));
   EXPECT_EQ((std::vector<Report>{{"could_not_open_file_extension", u" " + path, 0}}), *reports_);
 }

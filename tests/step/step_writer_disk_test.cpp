@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "support/posix_faults.h"
 #include "support/read_model.h"
@@ -18,6 +21,10 @@ using test::Report;
 
 class OutputDisk : public test::ReadTest {
  protected:
+  // Where the writer hands over: a block goes out when it and the keep-back are full.
+  static constexpr std::size_t kFirstFlush = 1'048'576 + 4'096;
+  static constexpr std::size_t kSecondFlush = kFirstFlush + 1'048'576;
+
   // About 2.5 MB: two flushes while it is written, the rest at its end.
   static std::string LargeRecords() {
     std::string records;
@@ -28,6 +35,17 @@ class OutputDisk : public test::ReadTest {
     return records;
   }
 
+  // The message when the flush fails that comes with byte `offset` of the output.
+  static Report FailureOfEntityAt(std::size_t offset) {
+    const std::string written = test::ModelFile(LargeRecords()).substr(0, offset);
+    const auto number = static_cast<std::uint32_t>(std::count(written.begin(), written.end(), '#'));
+    return {
+        "",
+        u"Error occurred while writing entity: #" + ToWide(number) + u".Unable to write to file",
+        0};
+  }
+
+  // Fails with this report alone, and leaves nothing at the path.
   void ExpectFailed(Model& model, const Report& report) {
     EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
     EXPECT_EQ(std::vector<Report>{report}, *reports_);
@@ -36,7 +54,7 @@ class OutputDisk : public test::ReadTest {
   }
 };
 
-TEST_F(OutputDisk, FullAtTheEndOfASmallFile) {
+TEST_F(OutputDisk, ThatIsFullFailsTheSaveOfASmallFile) {
   Model model("#1=IFCPERSON();");
   for (const unsigned limit : {0u, 1u, 100u}) {
     const RecordedReports fresh;
@@ -45,33 +63,33 @@ TEST_F(OutputDisk, FullAtTheEndOfASmallFile) {
   }
 }
 
-TEST_F(OutputDisk, FullWhileEntitiesAreWritten) {
+TEST_F(OutputDisk, ThatFillsWhileEntitiesAreWrittenNamesTheEntity) {
   Model model(LargeRecords());
   ASSERT_TRUE(model.IsRead());
-  for (const unsigned limit : {500'000u, 1'500'000u}) {
+  {
     const RecordedReports fresh;
-    {
-      const test::FileSizeLimit full(limit);
-      EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
-    }
-    ASSERT_EQ(1u, reports_->size());
-    const Report& report = reports_->front();
-    EXPECT_EQ("", report.key);
-    EXPECT_EQ(0, report.mode);
-    EXPECT_TRUE(report.message.starts_with(u"Error occurred while writing entity: #"))
-        << Narrow(report.message);
-    EXPECT_TRUE(report.message.ends_with(u".Unable to write to file"));
-    EXPECT_FALSE(model.Folder().Has("out.ifc"));
+    const test::FileSizeLimit full(500'000);
+    ExpectFailed(model, FailureOfEntityAt(kFirstFlush));
   }
+  const RecordedReports fresh;
+  const test::FileSizeLimit full(1'500'000);
+  ExpectFailed(model, FailureOfEntityAt(kSecondFlush));
 }
 
-TEST_F(OutputDisk, FullBehindTheLastEntity) {
+TEST_F(OutputDisk, ThatFillsWhileTheHeaderIsWrittenFailsTheSave) {
+  Model model("#1=IFCPERSON();");
+  model.Document().getHeader()->name = WideString(2'000'000, u'n');
+  const test::FileSizeLimit full(1000);
+  ExpectFailed(model, {"", u"Unable to write to file", 0});
+}
+
+TEST_F(OutputDisk, ThatFillsBehindTheLastEntityFailsTheSave) {
   Model model(LargeRecords());
   const test::FileSizeLimit full(2'400'000);
   ExpectFailed(model, {"", u"Could not write to file", 0});
 }
 
-TEST_F(OutputDisk, EveryLimitBelowTheSizeFailsOnceAndLeavesNothing) {
+TEST_F(OutputDisk, ThatFillsAnywhereIsReportedOnceAndHoldsNothingOfTheFile) {
   Model model(LargeRecords());
   EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("whole.ifc")));
   const auto size = static_cast<rlim_t>(model.Folder().Read("whole.ifc").size());
@@ -88,30 +106,27 @@ TEST_F(OutputDisk, EveryLimitBelowTheSizeFailsOnceAndLeavesNothing) {
   EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("out.ifc")));
 }
 
-TEST_F(OutputDisk, FullWithAFileThatWasThereBefore) {
+TEST_F(OutputDisk, ThatIsFullLosesTheFileThatWasThereBefore) {
   Model model("#1=IFCPERSON();");
   model.Folder().Write("out.ifc", "an older file");
   const test::FileSizeLimit full(10);
   ExpectFailed(model, {"", u"Could not write to file", 0});
 }
 
-TEST_F(OutputDisk, ALinkToTheFullDeviceGoesAndTheDeviceStays) {
+TEST_F(OutputDisk, BehindALinkStaysAndTheLinkGoes) {
   Model model("#1=IFCPERSON();");
   test::LinkToFullDevice(model.Folder().Path("out.ifc"));
   ExpectFailed(model, {"", u"Could not write to file", 0});
   EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
-TEST_F(OutputDisk, AFullDeviceUnderALargeFile) {
+TEST_F(OutputDisk, ThatTakesNothingNamesTheEntityOfTheFirstBlock) {
   Model model(LargeRecords());
   test::LinkToFullDevice(model.Folder().Path("out.ifc"));
-  EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
-  ASSERT_EQ(1u, reports_->size());
-  EXPECT_TRUE(reports_->front().message.ends_with(u".Unable to write to file"));
-  EXPECT_FALSE(model.Folder().Has("out.ifc"));
+  ExpectFailed(model, FailureOfEntityAt(kFirstFlush));
 }
 
-TEST_F(OutputDisk, AReadOnlyFolder) {
+TEST_F(OutputDisk, WithAReadOnlyFolderGetsNoFile) {
   Model model("#1=IFCPERSON();");
   std::filesystem::permissions(model.Folder().Native(""), std::filesystem::perms(0555));
   const WideString path = model.Folder().Path("out.ifc");
@@ -138,23 +153,25 @@ bool Steal(int value, int, const WideString*, bool, int) {
   return true;
 }
 
-TEST_F(OutputDisk, AHandleThatGoesBadFailsTheSave) {
+TEST_F(OutputDisk, ThatLosesTheHandleFailsTheSave) {
   test::TemporaryFolder folder;
   IfcDocument document(false, RecordedReports::Reporter, Steal);
   StolenPath() = folder.Path("out.ifc");
   document.GetParser().progress = nullptr;  // so that the only tick of 1 is the writer's
-  ASSERT_NE(0, document.OpenFile(folder.Write("a.ifc", test::FileOf("#1=IFCPERSON();")), 1));
+  ASSERT_NE(0, document.OpenFile(folder.Write("a.ifc", test::ModelFile("#1=IFCPERSON();")), 1));
   EXPECT_EQ(0, document.SaveFile(StolenPath()));
   EXPECT_EQ((std::vector<Report>{{"", u"Could not write to file", 0}}), *reports_);
   EXPECT_FALSE(folder.Has("out.ifc"));
 }
 
-TEST_F(OutputDisk, ACancelledFileGoesAlsoWhenTheDiskIsFull) {
-  Model model("#1=IFCPERSON();");
+TEST_F(OutputDisk, ThatIsFullKeepsNothingOfACancelledFile) {
+  // Longer than the keep-back, so that closing has something to write.
+  Model model("#1=IFCPERSON('" + std::string(5000, 'x') + "',$,$,$,$,$,$,$);");
   progress_.Forget();
   progress_.CancelAt(1);
   const test::FileSizeLimit full(1);
   EXPECT_EQ(2, model.Document().SaveFile(model.Folder().Path("out.ifc")));
+  EXPECT_EQ((std::vector<Report>{{"", u"Could not write to file", 0}}), *reports_);
   EXPECT_FALSE(model.Folder().Has("out.ifc"));
 }
 

@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "step/log/ifc_log.h"
 #include "support/graph.h"
 #include "support/read_model.h"
 #include "support/test_factories.h"
+#include "support/throwing_entities.h"
 
 namespace corvel {
 namespace {
@@ -16,26 +19,27 @@ namespace {
 using namespace std::string_literals;
 using Model = test::ReadModel;
 using test::Create;
-using test::FileOf;
+using test::ErrorWithoutText;
+using test::ErrorWithText;
+using test::LogicErrorWithText;
+using test::ModelFile;
 using test::RecordedProgress;
 using test::RecordedReports;
 using test::Report;
 using test::TemporaryFolder;
 using test::TestFactories;
-using test::TestPlatform;
+using test::ThrowingOnWrite;
 using test::Tick;
 
 std::string People(unsigned count) {
   std::string records;
-  for (unsigned number = 1; number <= count; ++number) {
-    records += "#" + std::to_string(number) + "=IFCPERSON($,$,$,$,$,$,$,$);\n";
-  }
+  for (unsigned number = 1; number <= count; ++number) records += test::Person(number);
   return records;
 }
 
 using StepWriterFile = test::ReadTest;
 
-TEST_F(StepWriterFile, ByteForByte) {
+TEST_F(StepWriterFile, HasThisFormByteForByte) {
   Model model = Model::OfFile(
       "ISO-10303-21;HEADER;FILE_DESCRIPTION(('ViewDefinition [CoordinationView]'),'2;1');"
       "FILE_NAME('a.ifc','2023-01-01T10:00:00',('Me'),('Us'),'p','o','a');"
@@ -59,7 +63,7 @@ TEST_F(StepWriterFile, ByteForByte) {
   EXPECT_TRUE(reports_->empty());
 }
 
-TEST_F(StepWriterFile, AModelWithoutEntitiesIsAllThereThoughItIsSmallerThanTheKeepBack) {
+TEST_F(StepWriterFile, OfAModelWithoutEntitiesIsCompleteThoughSmallerThanTheKeepBack) {
   EXPECT_EQ(
       "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION (('v'),'2;1');\n"
       "FILE_NAME ('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA (('IFC4'));\nENDSEC;\n\nDATA;\n"
@@ -70,9 +74,9 @@ TEST_F(StepWriterFile, AModelWithoutEntitiesIsAllThereThoughItIsSmallerThanTheKe
 TEST_F(StepWriterFile, OutputsOfAnyLengthAreComplete) {
   // The sizes stand around the keep-back of 4,096 bytes and the block of 1 MiB.
   for (const std::size_t wanted : {4095u, 4096u, 4097u, 1048576u, 1052671u, 1052672u, 1052673u}) {
-    const std::string empty = FileOf("#1=IFCPERSON('',$,$,$,$,$,$,$);");
+    const std::string empty = ModelFile("#1=IFCPERSON('',$,$,$,$,$,$,$);");
     const std::string text(wanted - empty.size(), 'x');
-    const std::string bytes = FileOf("#1=IFCPERSON('" + text + "',$,$,$,$,$,$,$);");
+    const std::string bytes = ModelFile("#1=IFCPERSON('" + text + "',$,$,$,$,$,$,$);");
     Model model = Model::OfFile(bytes);
     EXPECT_EQ(wanted, bytes.size());
     EXPECT_TRUE(bytes == model.Saved()) << wanted;
@@ -109,8 +113,7 @@ TEST_F(StepWriterFile, TheListsOfTheHeaderAreEmptyAfterwards) {
       << "and the numbers are the same again";
 }
 
-// --- Numbers
-// -----------------------------------------------------------------------------------------
+// --- Numbers -------------------------------------------------------------------------------------
 
 TEST_F(StepWriterFile, EveryEntityHasTheNumberThatItIsFiledUnder) {
   Model model(
@@ -127,7 +130,7 @@ TEST_F(StepWriterFile, EveryEntityHasTheNumberThatItIsFiledUnder) {
 
 TEST_F(StepWriterFile, LargeNumbersAreNoMarks) {
   const std::string bytes =
-      FileOf("#2147483648=IFCCARTESIANPOINT((0.));\n#4294967279=IFCPOLYLINE((#2147483648));");
+      ModelFile("#2147483648=IFCCARTESIANPOINT((0.));\n#4294967279=IFCPOLYLINE((#2147483648));");
   EXPECT_EQ(bytes, Model::OfFile(bytes).Saved());
 }
 
@@ -154,7 +157,7 @@ TEST_F(StepWriterFile, AListWhoseMembersAreAllDeletedIsWrittenEmpty) {
   EXPECT_NE(std::string::npos, model.Saved().find("#1=IFCRELAGGREGATES('g',$,$,$,*,());\n"));
 }
 
-TEST_F(StepWriterFile, AfterwardsAllMarkersAreZero) {
+TEST_F(StepWriterFile, AfterItIsSavedAllMarkersAreZero) {
   Model model("#1=IFCPROPERTYSINGLEVALUE('p',$,IFCLABEL('x'),$);#2=IFCPERSON();");
   model[2]->marker = IFC::kDeleted;
   model.Saved();
@@ -162,7 +165,7 @@ TEST_F(StepWriterFile, AfterwardsAllMarkersAreZero) {
   EXPECT_EQ(0u, model[2]->marker);
 }
 
-TEST_F(StepWriterFile, AfterwardsTheUnitsAreFoundUnderTheNumbersThatTheyWereWrittenWith) {
+TEST_F(StepWriterFile, AfterItIsSavedTheUnitsAreFoundUnderTheNumbersThatTheyWereWrittenWith) {
   Model model(
       "#1=IFCUNITASSIGNMENT((#2,#3));#2=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);"
       "#3=IFCSIUNIT(*,.AREAUNIT.,$,.SQUARE_METRE.);");
@@ -204,8 +207,7 @@ TEST_F(StepWriterFile, TheLogTellsTheStages) {
                       "ResetAllMarkers: 3############# DONE #############"));
 }
 
-// --- The path
-// ----------------------------------------------------------------------------------------------
+// --- The path ------------------------------------------------------------------------------------
 
 TEST_F(StepWriterFile, TheExtensionHasNoCase) {
   Model model(People(1));
@@ -219,7 +221,8 @@ TEST_F(StepWriterFile, AnyOtherExtensionIsReported) {
     const RecordedReports fresh;
     const WideString path = model.Folder().Path(name);
     EXPECT_EQ(0, model.Document().SaveFile(path));
-    EXPECT_EQ((std::vector<Report>{{"could_not_open_file_extension", u" " + path, 0}}), *reports_);
+    EXPECT_EQ((std::vector<Report>{{"could_not_open_file_extension", u" " + path, 0}}), *reports_)
+        << name;
     EXPECT_FALSE(model.Folder().Has(name));
   }
 }
@@ -247,11 +250,10 @@ TEST_F(StepWriterFile, ADocumentWithoutAModelIsReportedAndLeavesNoFile) {
 TEST_F(StepWriterFile, TheInputMayBeTheOutput) {
   Model model(People(3));
   EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("model.ifc")));
-  EXPECT_EQ(FileOf(People(2) + "#3=IFCPERSON($,$,$,$,$,$,$,$);"), model.Folder().Read("model.ifc"));
+  EXPECT_EQ(ModelFile(People(3)), model.Folder().Read("model.ifc"));
 }
 
-// --- Ticks and cancelling
-// ------------------------------------------------------------------------------------
+// --- Ticks and cancelling ------------------------------------------------------------------------
 
 class StepWriterTicks : public test::ReadTest {
  protected:
@@ -293,10 +295,7 @@ TEST_F(StepWriterTicks, CancellingAtAnyTickLeavesNoFile) {
     progress_.CancelAt(tick);
     EXPECT_EQ(2, model.Document().SaveFile(model.Folder().Path("out.ifc")));
     EXPECT_FALSE(model.Folder().Has("out.ifc"));
-    EXPECT_EQ(
-        (std::vector<TestPlatform::Box>{{u"Cancel", u"Are you sure you want to cancel?",
-                                         platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
-        platform_.boxes);
+    EXPECT_EQ(std::vector{test::CancelQuestionBox()}, platform_.boxes);
     EXPECT_TRUE(reports_->empty());
   }
 }
@@ -315,69 +314,62 @@ TEST_F(StepWriterTicks, CancellingDeclinedChangesNothing) {
   }
 }
 
-// --- Entities that fail
-// ----------------------------------------------------------------------------------------
+// --- Entities that fail --------------------------------------------------------------------------
 
-struct WithoutText : std::runtime_error {
-  WithoutText() : runtime_error("") {}
-};
-
-template <int kKind>
-class Failing final : public test::GraphNode {
+// Writes one attribute, as any entity does.
+class Good final : public test::GraphNode {
  public:
-  const char16_t* getClassName() const override { return u"Failing"; }
-  void write(StepWriter& writer) const override {
-    writer.WriteInteger(1);
-    if (kKind == 0) throw std::runtime_error("text of it");
-    if (kKind == 1) throw WithoutText();
-    if (kKind == 2) throw std::logic_error("not shown");
-    if (kKind == 3) throw 7;
-  }
+  const char16_t* getClassName() const override { return u"Good"; }
+  void write(StepWriter& writer) const override { writer.WriteInteger(1); }
 };
 
 class StepWriterFailures : public test::ReadTest {
  protected:
-  // What is reported when record #5 is of this class.
-  std::vector<Report> ReportsOf(const std::string& name) {
-    const TestFactories factories{{"GOOD", Create<Failing<9>>},
-                                  {"TEXT", Create<Failing<0>>},
-                                  {"NOTEXT", Create<Failing<1>>},
-                                  {"LOGIC", Create<Failing<2>>},
-                                  {"ANYTHING", Create<Failing<3>>}};
-    const RecordedReports fresh;
-    TemporaryFolder folder;
+  // What SaveFile gives for a model whose record #5 is of this class.
+  int Save(const std::string& name) {
     IfcDocument document(false, RecordedReports::Reporter, nullptr);
     Parser& parser = document.GetParser();
-    parser.factories = &factories.Table();
-    EXPECT_TRUE(parser.ParseFile(
-        folder.Write("a.ifc", FileOf("#3=GOOD();#5=" + name + "();#7=GOOD();")), 1));
+    parser.factories = &factories_.Table();
+    const std::string records = "#3=GOOD();#5=" + name + "();#7=GOOD();";
+    EXPECT_TRUE(parser.ParseFile(folder_.Write("a.ifc", ModelFile(records)), 1));
     document.mainContainer = std::move(parser.mainContainer);
-    EXPECT_EQ(name == "GOOD" ? 1 : 0, document.SaveFile(folder.Path("out.ifc")));
-    EXPECT_EQ(name == "GOOD", folder.Has("out.ifc"));
-    if (name == "GOOD") {
-      EXPECT_NE(std::string::npos,
-                folder.Read("out.ifc").find("\n#3=FAILING(1);\n#5=FAILING(1);\n#7=FAILING(1);\n"));
-    }
-    return *reports_;
+    return document.SaveFile(folder_.Path("out.ifc"));
   }
+  // The save of such a model fails with this message and leaves nothing.
+  void ExpectFailed(const WideString& message, const std::string& name) {
+    const RecordedReports fresh;
+    EXPECT_EQ(0, Save(name));
+    EXPECT_EQ((std::vector<Report>{{"", message, 0}}), *reports_);
+    EXPECT_FALSE(folder_.Has("out.ifc"));
+  }
+
+  const TestFactories factories_{{"GOOD", Create<Good>},
+                                 {"TEXT", Create<ThrowingOnWrite<ErrorWithText>>},
+                                 {"NOTEXT", Create<ThrowingOnWrite<ErrorWithoutText>>},
+                                 {"LOGIC", Create<ThrowingOnWrite<LogicErrorWithText>>},
+                                 {"ANYTHING", Create<ThrowingOnWrite<int>>}};
+  TemporaryFolder folder_;
 };
 
-TEST_F(StepWriterFailures, AnExceptionOfAnEntityEndsTheFile) {
-  EXPECT_EQ((std::vector<Report>{{"", u"Error occurred while writing entity: #5.text of it", 0}}),
-            ReportsOf("TEXT"));
-  EXPECT_EQ(
-      (std::vector<Report>{{"", u"Error occurred while writing entity: #5.Unknown exception", 0}}),
-      ReportsOf("NOTEXT"));
+TEST_F(StepWriterFailures, ARuntimeErrorOfAnEntityEndsTheFileWithItsText) {
+  ExpectFailed(u"Error occurred while writing entity: #5.text of it", "TEXT");
 }
 
-TEST_F(StepWriterFailures, AnythingElseIsUnknown) {
-  const std::vector<Report> unknown{{"", u"Unknown error occurred while reading entity: #5", 0}};
-  EXPECT_EQ(unknown, ReportsOf("LOGIC"));
-  EXPECT_EQ(unknown, ReportsOf("ANYTHING"));
+TEST_F(StepWriterFailures, ARuntimeErrorWithoutATextIsAnUnknownException) {
+  ExpectFailed(u"Error occurred while writing entity: #5.Unknown exception", "NOTEXT");
+}
+
+// The message speaks of reading here too.
+TEST_F(StepWriterFailures, WhateverElseAnEntityThrowsIsAnUnknownError) {
+  ExpectFailed(u"Unknown error occurred while reading entity: #5", "LOGIC");
+  ExpectFailed(u"Unknown error occurred while reading entity: #5", "ANYTHING");
 }
 
 TEST_F(StepWriterFailures, NothingOfItHappensToGoodEntities) {
-  EXPECT_EQ(std::vector<Report>{}, ReportsOf("GOOD"));
+  EXPECT_EQ(1, Save("GOOD"));
+  EXPECT_TRUE(reports_->empty());
+  EXPECT_NE(std::string::npos,
+            folder_.Read("out.ifc").find("DATA;\n#3=GOOD(1);\n#5=GOOD(1);\n#7=GOOD(1);\nENDSEC;"));
 }
 
 }  // namespace

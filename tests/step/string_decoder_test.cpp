@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <initializer_list>
+
 #include "step/writer/step_writer.h"
 #include "support/memory_streams.h"
 #include "support/token_list.h"
@@ -14,7 +17,7 @@ using test::MemoryInputStream;
 using test::MemoryOutpoutStream;
 using test::Visible;
 
-// The units of `text`, which stands behind an opening quote, and what is left of the input.
+// The units of a text that stands behind an opening quote, and what is left of the input.
 struct Decoded {
   WideString text;
   std::string rest;
@@ -29,15 +32,22 @@ Decoded Decode(const std::string& text, std::size_t windowSize) {
   return decoded;
 }
 
-// "text|rest", the same for every size of window.
-std::string Shown(const std::string& text) {
-  const Decoded whole = Decode(text, text.size() + 1);
-  for (std::size_t windowSize = 1; windowSize <= text.size(); ++windowSize) {
-    const Decoded pieces = Decode(text, windowSize);
-    EXPECT_EQ(Visible(whole.text), Visible(pieces.text)) << windowSize;
-    EXPECT_EQ(whole.rest, pieces.rest) << windowSize;
+// "text|rest"
+std::string Shown(const Decoded& decoded) { return Visible(decoded.text) + "|" + decoded.rest; }
+
+struct Case {
+  std::string input;
+  std::string shown;
+};
+
+// Every input gives the same in windows of any size.
+void ExpectDecoded(std::initializer_list<Case> cases) {
+  for (const Case& given : cases) {
+    for (std::size_t windowSize = 1; windowSize <= given.input.size() + 1; ++windowSize) {
+      EXPECT_EQ(given.shown, Shown(Decode(given.input, windowSize)))
+          << given.input << " in windows of " << windowSize;
+    }
   }
-  return Visible(whole.text) + "|" + whole.rest;
 }
 
 // What the writer makes of it.
@@ -48,120 +58,112 @@ std::string Written(const std::string& text) {
 }
 
 TEST(StringDecoder, PlainTextEndsAtTheQuote) {
-  EXPECT_EQ("|", Shown("'"));
-  EXPECT_EQ("|)", Shown("')"));
-  EXPECT_EQ("a\"b(c);#1|,'x'", Shown("a\"b(c);#1','x'"));
+  ExpectDecoded({{"'", "|"}, {"')", "|)"}, {"a\"b(c);#1','x'", "a\"b(c);#1|,'x'"}});
 }
 
 TEST(StringDecoder, LineEndsInAStringAreText) {
-  EXPECT_EQ("a<000D><000A>b<0009>|", Shown("a\r\nb\t'"));
+  ExpectDecoded({{"a\r\nb\t'", "a<000D><000A>b<0009>|"}});
 }
 
 TEST(StringDecoder, ADoubledQuoteIsOne) {
-  EXPECT_EQ("it's|", Shown("it''s'"));
-  EXPECT_EQ("'''|;", Shown("''''''';"));
+  ExpectDecoded({{"it''s'", "it's|"}, {"''''''';", "'''|;"}});
 }
 
 TEST(StringDecoder, ADoubledBackslashIsOne) {
-  EXPECT_EQ("a\\b|", Shown("a\\\\b'"));
-  EXPECT_EQ("\\|", Shown("\\\\'"));
-  EXPECT_EQ("\\X2\\00E4|", Shown("\\\\X2\\\\00E4'"));
+  ExpectDecoded({{"a\\\\b'", "a\\b|"}, {"\\\\'", "\\|"}, {"\\\\X2\\\\00E4'", "\\X2\\00E4|"}});
 }
 
 TEST(StringDecoder, ABackslashBeforeAnythingElseIsItself) {
-  EXPECT_EQ("\\n\\|", Shown("\\n\\'"));
-  EXPECT_EQ("a\\<DCE4>|", Shown("a\\\xE4'"));
-  EXPECT_EQ("\\s\\p\\x|", Shown("\\s\\p\\x'")) << "the directives are upper case";
+  ExpectDecoded({{"\\n\\'", "\\n\\|"}, {"a\\\xE4'", "a\\<DCE4>|"}});
 }
+
+TEST(StringDecoder, DirectivesAreUpperCase) { ExpectDecoded({{"\\s\\p\\x'", "\\s\\p\\x|"}}); }
 
 // --- \S\ and \P.\ --------------------------------------------------------------------------------
 
 TEST(StringDecoder, ShiftedCharactersTakeTheDefaultPageFirst) {
-  EXPECT_EQ("<00E4>|", Shown("\\S\\d'"));
-  EXPECT_EQ("<20AC>|", Shown("\\S\\\x00'"s)) << "128 is the euro sign in Windows-1252";
+  ExpectDecoded({{"\\S\\d'", "<00E4>|"},
+                 {"\\S\\\x00'"s, "<20AC>|"}});  // 128 is the euro sign in Windows-1252
 }
 
-TEST(StringDecoder, ShiftedCharactersTakeAnyByte) {
-  EXPECT_EQ("<00A7>|", Shown("\\S\\''"));
-  EXPECT_EQ("<00DC>|", Shown("\\S\\\\'"));
-  EXPECT_EQ("d|", Shown("\\S\\\xE4'")) << "128 is added to a byte";
+TEST(StringDecoder, ShiftAdds128ToAnyByte) {
+  ExpectDecoded({{"\\S\\''", "<00A7>|"}, {"\\S\\\\'", "<00DC>|"}, {"\\S\\\xE4'", "d|"}});
 }
 
 TEST(StringDecoder, ShiftWithoutASecondBackslashIsText) {
-  EXPECT_EQ("\\Sd|", Shown("\\Sd'"));
-  EXPECT_EQ("\\S|", Shown("\\S'"));
+  ExpectDecoded({{"\\Sd'", "\\Sd|"}, {"\\S'", "\\S|"}});
 }
 
 TEST(StringDecoder, PagesChooseThePartsOfIso8859) {
-  EXPECT_EQ("<00E4>|", Shown("\\PA\\\\S\\d'"));
-  EXPECT_EQ("<00E4><0105>|", Shown("\\PB\\\\S\\d\\S\\1'"));
-  EXPECT_EQ("<0434>|", Shown("\\PE\\\\S\\T'")) << "Cyrillic";
-  EXPECT_EQ("<03B4>|", Shown("\\PG\\\\S\\d'")) << "Greek";
+  ExpectDecoded({{"\\PA\\\\S\\d'", "<00E4>|"},
+                 {"\\PB\\\\S\\d\\S\\1'", "<00E4><0105>|"},
+                 {"\\PE\\\\S\\T'", "<0434>|"},    // Cyrillic
+                 {"\\PG\\\\S\\d'", "<03B4>|"}});  // Greek
 }
 
-TEST(StringDecoder, APageLastsForTheStringAndHoldsForHexBytes) {
-  EXPECT_EQ("<0434>x<0434><00E4>|", Shown("\\PE\\\\X\\D4x\\S\\T\\PA\\\\S\\d'"));
-  EXPECT_EQ("<00D4>|", Shown("\\X\\D4'"));
+TEST(StringDecoder, APageHoldsForHexBytesToo) {
+  ExpectDecoded({{"\\PE\\\\X\\D4x\\S\\T\\PA\\\\S\\d'", "<0434>x<0434><00E4>|"}});
+}
+
+TEST(StringDecoder, APageLastsForItsStringOnly) {
+  MemoryInputStream stream("\\PE\\\\X\\D4'\\X\\D4'");
+  WideString text;
+  DecodeString(stream, text);
+  DecodeString(stream, text);
+  EXPECT_EQ("<0434><00D4>", Visible(text));
 }
 
 TEST(StringDecoder, AByteThatItsPageLacksStaysTheByte) {
-  EXPECT_EQ("<0081>|", Shown("\\X\\81'")) << "Windows-1252 has nothing there";
-  EXPECT_EQ("<00A5>|", Shown("\\PC\\\\X\\A5'")) << "nor has ISO 8859-3 here";
-  EXPECT_EQ("<00E4>|", Shown("\\Pz\\\\S\\d'")) << "there is no such page";
+  ExpectDecoded({{"\\X\\81'", "<0081>|"},         // Windows-1252 has nothing there
+                 {"\\PC\\\\X\\A5'", "<00A5>|"},   // nor has ISO 8859-3 here
+                 {"\\Pz\\\\S\\d'", "<00E4>|"}});  // there is no such page
 }
 
 TEST(StringDecoder, APageWithoutASecondBackslashIsText) {
-  EXPECT_EQ("C:\\Projects\\new|", Shown("C:\\Projects\\new'"));
-  EXPECT_EQ("\\P|", Shown("\\P'"));
-  EXPECT_EQ("\\PA|", Shown("\\PA'"));
-  EXPECT_EQ("\\P<DCE4>a|", Shown("\\P\xE4"
-                                 "a'"));
-  EXPECT_EQ("\\P\\|", Shown("\\P\\\\'"));
+  ExpectDecoded({{"C:\\Projects\\new'", "C:\\Projects\\new|"},
+                 {"\\P'", "\\P|"},
+                 {"\\PA'", "\\PA|"},
+                 {"\\P\xE4z'", "\\P<DCE4>z|"},
+                 {"\\P\\\\'", "\\P\\|"}});
 }
 
-// --- \X
-// --------------------------------------------------------------------------------------------
+// --- \X ------------------------------------------------------------------------------------------
 
-TEST(StringDecoder, HexBytes) {
-  EXPECT_EQ("<00E4>A|", Shown("\\X\\E4\\X\\41'"));
-  EXPECT_EQ("<00EF>|", Shown("\\X\\eF'"));
+TEST(StringDecoder, AHexByteIsItsCharacterOfThePage) {
+  ExpectDecoded({{"\\X\\E4\\X\\41'", "<00E4>A|"}, {"\\X\\eF'", "<00EF>|"}});
 }
 
-TEST(StringDecoder, HexUnits) {
-  EXPECT_EQ("<00E4>|", Shown("\\X2\\00E4\\X0\\'"));
-  EXPECT_EQ("a<00E4><20AC>b|", Shown("a\\X2\\00e420aC\\X0\\b'"));
-  EXPECT_EQ("<D83D><DE00>|", Shown("\\X2\\D83DDE00\\X0\\'"));
-  EXPECT_EQ("|", Shown("\\X2\\\\X0\\'"));
+TEST(StringDecoder, FourHexDigitsAreOneUnit) {
+  ExpectDecoded({{"\\X2\\00E4\\X0\\'", "<00E4>|"},
+                 {"a\\X2\\00e420aC\\X0\\b'", "a<00E4><20AC>b|"},
+                 {"\\X2\\D83DDE00\\X0\\'", "<D83D><DE00>|"},
+                 {"\\X2\\\\X0\\'", "|"}});
 }
 
-TEST(StringDecoder, LongHexUnitsGiveTheLowHalfFirst) {
-  EXPECT_EQ("<263A>|", Shown("\\X4\\0000263A\\X0\\'"));
-  EXPECT_EQ("<F600><0001>|", Shown("\\X4\\0001F600\\X0\\'"));
-  EXPECT_EQ("A<0001>B|", Shown("\\X4\\0001004100000042\\X0\\'"));
+TEST(StringDecoder, EightHexDigitsGiveTheLowUnitAndThenAHighOneThatIsNotZero) {
+  ExpectDecoded({{"\\X4\\0000263A\\X0\\'", "<263A>|"},
+                 {"\\X4\\0001F600\\X0\\'", "<F600><0001>|"},
+                 {"\\X4\\0001004100000042\\X0\\'", "A<0001>B|"}});
 }
 
 TEST(StringDecoder, DigitsThatMakeNoWholeUnitAreDropped) {
-  EXPECT_EQ("<00E4>x|", Shown("\\X2\\00E4123\\X0\\x'"));
-  EXPECT_EQ("x|", Shown("\\X2\\0\\X0\\x'"));
-  EXPECT_EQ("A|", Shown("\\X4\\000000410000004\\X0\\'"));
+  ExpectDecoded({{"\\X2\\00E4123\\X0\\x'", "<00E4>x|"},
+                 {"\\X2\\0\\X0\\x'", "x|"},
+                 {"\\X4\\000000410000004\\X0\\'", "A|"}});
 }
 
-TEST(StringDecoder, HexUnitsEndAtTheFirstBackslash) {
-  EXPECT_EQ("<00E4>bc|", Shown("\\X2\\00E4\\X0abc'"))
-      << "four bytes are taken there, whatever they are";
+TEST(StringDecoder, HexUnitsEndAtTheFirstBackslashWhichTakesFourBytes) {
+  ExpectDecoded({{"\\X2\\00E4\\X0abc'", "<00E4>bc|"}});
 }
 
 TEST(StringDecoder, XBeforeAnythingElseIsDropped) {
-  EXPECT_EQ("\\C:y|", Shown("\\\\C:\\Xy'"));
-  EXPECT_EQ("3\\00E4|", Shown("\\X3\\\\00E4'"));
-  EXPECT_EQ("|", Shown("\\X'"));
+  ExpectDecoded({{"\\\\C:\\Xy'", "\\C:y|"}, {"\\X3\\\\00E4'", "3\\00E4|"}, {"\\X'", "|"}});
 }
 
-// --- Raw bytes
-// -------------------------------------------------------------------------------------
+// --- Raw bytes -----------------------------------------------------------------------------------
 
 TEST(StringDecoder, RawBytesAreKeptApartFromCharacters) {
-  EXPECT_EQ("<DCC3><DCA4><DC80><DCFF>|", Shown("\xC3\xA4\x80\xFF'"));
+  ExpectDecoded({{"\xC3\xA4\x80\xFF'", "<DCC3><DCA4><DC80><DCFF>|"}});
 }
 
 TEST(StringDecoder, RawBytesAndCharactersBothSurviveWriting) {
@@ -175,47 +177,45 @@ TEST(StringDecoder, SurrogatePairsSurviveWriting) {
       << "the second half of this one looks like a raw byte";
 }
 
-TEST(StringDecoder, EveryByteThatIsNoDirectiveComesBack) {
-  std::string all;
-  std::string expected = "'";
-  for (int byte = 1; byte < 256; ++byte) {
-    const char c = static_cast<char>(byte);
-    if (c == '\'' || c == '\\') {
-      all += std::string(2, c);
-      expected += std::string(2, c);
-    } else {
-      all.push_back(c);
-      if ((byte >= 32 && byte <= 126) || byte > 127) {
-        expected.push_back(c);
-      } else {
-        char escaped[16];
-        std::snprintf(escaped, sizeof escaped, "\\X2\\00%02X\\X0\\", static_cast<unsigned>(byte));
-        expected += escaped;
-      }
-    }
-  }
-  EXPECT_EQ(expected + "',", Written(all + "'"));
+// What is written of a byte of a plain string.
+std::string WrittenByte(int byte) {
+  const char c = static_cast<char>(byte);
+  if (c == '\'' || c == '\\') return std::string(2, c);
+  if ((byte >= 32 && byte <= 126) || byte > 127) return std::string(1, c);
+  char escaped[16];
+  std::snprintf(escaped, sizeof escaped, "\\X2\\00%02X\\X0\\", static_cast<unsigned>(byte));
+  return escaped;
 }
 
-// --- The end of the input
-// --------------------------------------------------------------------------
+TEST(StringDecoder, EveryByteThatIsNoDirectiveComesBack) {
+  std::string all;
+  std::string expected;
+  for (int byte = 1; byte < 256; ++byte) {
+    const char c = static_cast<char>(byte);
+    all.append(c == '\'' || c == '\\' ? 2 : 1, c);
+    expected += WrittenByte(byte);
+  }
+  EXPECT_EQ("'" + expected + "',", Written(all + "'"));
+}
+
+// --- The end of the input ------------------------------------------------------------------------
 
 TEST(StringDecoder, TheEndOfTheInputEndsTheString) {
-  EXPECT_EQ("|", Shown(""));
-  EXPECT_EQ("abc|", Shown("abc"));
-  EXPECT_EQ("\\|", Shown("\\"));
-  EXPECT_EQ("\\S|", Shown("\\S"));
-  EXPECT_EQ("|", Shown("\\S\\"));
-  EXPECT_EQ("\\P|", Shown("\\P"));
-  EXPECT_EQ("\\PA|", Shown("\\PA"));
-  EXPECT_EQ("|", Shown("\\PA\\"));
-  EXPECT_EQ("|", Shown("\\X"));
-  EXPECT_EQ("|", Shown("\\X\\"));
-  EXPECT_EQ("|", Shown("\\X\\E"));
-  EXPECT_EQ("|", Shown("\\X2"));
-  EXPECT_EQ("|", Shown("\\X2\\00E"));
-  EXPECT_EQ("<00E4>|", Shown("\\X2\\00E4"));
-  EXPECT_EQ("<00E4>|", Shown("\\X2\\00E4\\X"));
+  ExpectDecoded({{"", "|"},
+                 {"abc", "abc|"},
+                 {"\\", "\\|"},
+                 {"\\S", "\\S|"},
+                 {"\\S\\", "|"},
+                 {"\\P", "\\P|"},
+                 {"\\PA", "\\PA|"},
+                 {"\\PA\\", "|"},
+                 {"\\X", "|"},
+                 {"\\X\\", "|"},
+                 {"\\X\\E", "|"},
+                 {"\\X2", "|"},
+                 {"\\X2\\00E", "|"},
+                 {"\\X2\\00E4", "<00E4>|"},
+                 {"\\X2\\00E4\\X", "<00E4>|"}});
 }
 
 }  // namespace

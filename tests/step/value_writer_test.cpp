@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
-#include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "step/enum_table.h"
 #include "step/factories.h"
@@ -68,8 +68,7 @@ class ValueWriter : public testing::Test {
   StepWriter writer_{stream_};
 };
 
-// --- Texts
-// -------------------------------------------------------------------------------------------
+// --- Texts ---------------------------------------------------------------------------------------
 
 TEST_F(ValueWriter, PlainTextsStandInQuotes) {
   EXPECT_EQ("'',", Text(u""));
@@ -134,8 +133,7 @@ TEST_F(ValueWriter, AGuidIsWrittenAsATextOfItsBytes) {
   EXPECT_EQ("'" + std::string(1000, 'g') + "',", Written());
 }
 
-// --- Numbers (the forms are those of number_text_test.cpp)
-// -----------------------------------------------
+// --- Numbers (the forms are those of number_text_test.cpp) ---------------------------------------
 
 TEST_F(ValueWriter, NumbersEndWithAComma) {
   writer_.WriteReal(1.0);
@@ -152,7 +150,7 @@ TEST_F(ValueWriter, NumbersEndWithAComma) {
   EXPECT_EQ("101,", Written());
 }
 
-TEST_F(ValueWriter, BooleansLogicalsAndEnumerations) {
+TEST_F(ValueWriter, BooleansLogicalsAndEnumerationsStandInPointsAndAreADollarOutsideTheirTable) {
   for (const int value : {0, 1, 2, -1}) writer_.WriteBoolean(value);
   EXPECT_EQ(".T.,.F.,$,$,", Written());
   for (const int value : {0, 1, 2, 3, -1}) writer_.WriteLogical(value);
@@ -163,8 +161,7 @@ TEST_F(ValueWriter, BooleansLogicalsAndEnumerations) {
   EXPECT_EQ("$,", Written());
 }
 
-// --- References
-// --------------------------------------------------------------------------------------------
+// --- References ----------------------------------------------------------------------------------
 
 TEST_F(ValueWriter, AReferenceIsTheNumber) {
   EXPECT_EQ("#12,", Ref(Numbered(12)));
@@ -198,7 +195,7 @@ TEST_F(ValueWriter, AnInlineValueStandsInItsPlace) {
   EXPECT_FALSE(writer_.WriteEntityRef(Inline("IFCLABEL")));
 }
 
-TEST_F(ValueWriter, ListsOfReferences) {
+TEST_F(ValueWriter, AListOfReferencesHoldsItsMembersInOrder) {
   EXPECT_EQ("(),", Refs({}));
   EXPECT_EQ("(#1),", Refs({Numbered(1)}));
   EXPECT_EQ("(#1,IFCLABEL(''),*,#2),",
@@ -214,7 +211,7 @@ TEST_F(ValueWriter, DeletedMembersVanishFromAList) {
   EXPECT_EQ("(),", Refs({gone, gone, gone}));
 }
 
-TEST_F(ValueWriter, ListsOfListsOfReferences) {
+TEST_F(ValueWriter, InnerListsOfReferencesStayWhenTheyAreEmpty) {
   IFC::IfcEntity* const gone = Numbered(IFC::kDeleted);
   EXPECT_EQ("(),", RefLists({}));
   EXPECT_EQ("((#1),(),(#2)),",
@@ -222,10 +219,9 @@ TEST_F(ValueWriter, ListsOfListsOfReferences) {
   EXPECT_EQ("(()),", RefLists({EntityList()}));
 }
 
-// --- Aggregates of values
-// ------------------------------------------------------------------------------------
+// --- Aggregates of values ------------------------------------------------------------------------
 
-TEST_F(ValueWriter, ListsOfValues) {
+TEST_F(ValueWriter, AListOfValuesHasNoCommaBehindItsLast) {
   writer_.WriteRealList(ListOf({0.0, 1.5, 2.5e-5}));
   EXPECT_EQ("(0.,1.5E+00,2.5E-05),", Written());
   writer_.WriteIntegerList(ListOf<std::int32_t>({1, -2}));
@@ -255,15 +251,14 @@ TEST_F(ValueWriter, EmptyListsAreBrackets) {
   EXPECT_EQ("(),(),(),(),(),(),(),(),(),", Written());
 }
 
-TEST_F(ValueWriter, ListsOfListsOfValues) {
+TEST_F(ValueWriter, InnerListsOfValuesStayWhenTheyAreEmpty) {
   writer_.WriteRealLists(ListOf({ListOf({1.0, 2.0}), List<double>(), ListOf({3.0})}));
   EXPECT_EQ("((1.,2.),(),(3.)),", Written());
   writer_.WriteIntegerLists(ListOf({ListOf<std::int32_t>({1, 2}), ListOf<std::int32_t>({3})}));
   EXPECT_EQ("((1,2),(3)),", Written());
 }
 
-// --- Lines
-// -----------------------------------------------------------------------------------------------------
+// --- Lines ---------------------------------------------------------------------------------------
 
 TEST_F(ValueWriter, ALineIsNumberNameAndAttributes) {
   writer_.WriteEntityLine(*Numbered(7));
@@ -281,8 +276,7 @@ TEST_F(ValueWriter, ADeletedEntityHasNoLine) {
   EXPECT_EQ("#2415919104=IFCCARTESIANPOINT(());\n", Written()) << "large numbers are numbers";
 }
 
-// --- Through a file
-// ----------------------------------------------------------------------------------------------
+// --- Through a file ------------------------------------------------------------------------------
 
 TEST_F(ValueWriter, BlocksOfAnySizeGiveTheSameBytes) {
   IFC::IfcEntity* const gone = Numbered(IFC::kDeleted);

@@ -45,13 +45,15 @@ class AttributeTest : public ReadTest {
     EXPECT_EQ(entity, parser_.ReadArguments(entity));
     return entity;
   }
-  // As it is written, without the comma at its end.
-  static std::string Written(const IFC::IfcEntity* entity) {
-    MemoryOutpoutStream stream;
-    StepWriter(stream).WriteEntityRef(entity);
-    std::string text = stream.Text();
-    text.pop_back();
-    return text;
+  // A stopped reader gives its value, which `read` checks, and touches nothing.
+  template <class Read>
+  void ExpectUntouchedWhenStopped(Read read) {
+    read(Stopped("$,7"));
+    EXPECT_EQ((TokenList{"$", "integer 7"}), Rest());
+    Parser& parser = On("$,7");
+    parser.scanner->Stop();
+    read(parser);
+    EXPECT_EQ(std::vector<std::string>{}, Reported());
   }
   // What has been reported since the last call, "0: Expected: ...".
   std::vector<std::string> Reported() {

@@ -81,6 +81,43 @@ class MemoryInputStream final : public FileStream::InputStream {
   int refills_ = 0;
 };
 
+// Delivers `text` as its first window and throws where it should give the second.
+template <class Exception>
+class BreakingInputStream final : public FileStream::InputStream {
+ public:
+  explicit BreakingInputStream(std::string text, Exception exception = Exception())
+      : InputStream(u"breaking.ifc", nullptr),
+        text_(std::move(text)),
+        exception_(std::move(exception)) {}
+  std::size_t Read(void*, std::size_t) override { return 0; }
+  int PeekChar() override { return -1; }
+  int Close() override { return 0; }
+  bool IsOpen() const override { return true; }
+  bool IsEof() const override { return false; }
+  std::int64_t Position() const override { return 0; }
+  int NextEntry() override { return -1; }
+  std::int64_t TotalSize() const override { return 0; }
+
+ private:
+  bool FillWindow() override {
+    if (filled_) throw exception_;
+    filled_ = true;
+    SetWindow(text_.data(), text_.data() + text_.size());
+    return true;
+  }
+
+  std::string text_;
+  Exception exception_;
+  bool filled_ = false;
+};
+
+// Takes bytes by GetChar, beyond the end too.
+inline std::string TakeByChar(FileStream::InputStream& stream, std::size_t count) {
+  std::string taken;
+  for (std::size_t i = 0; i < count; ++i) taken.push_back(static_cast<char>(stream.GetChar()));
+  return taken;
+}
+
 // Collects what is written. With a `limit` it takes that many bytes and then fails as a full disk
 // does.
 class MemoryOutpoutStream final : public FileStream::OutpoutStream {

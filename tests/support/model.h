@@ -5,25 +5,16 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "core/document.h"
-#include "step/writer/step_writer.h"
-#include "support/memory_streams.h"
 #include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
+#include "support/step_text.h"
 #include "support/temporary_folder.h"
+#include "support/written_text.h"
 
 namespace corvel::test {
-
-// A whole file around records.
-inline std::string ModelFile(std::string_view records, std::string_view schema = "IFC4") {
-  return "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
-         "FILE_NAME('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA(('" +
-         std::string(schema) + "'));\nENDSEC;\nDATA;\n" + std::string(records) +
-         "ENDSEC;\nEND-ISO-10303-21;\n";
-}
 
 // Whatever the reading reported is left in RecordedReports, and its ticks in RecordedProgress.
 class Model {
@@ -48,15 +39,7 @@ class Model {
     return entity;
   }
   // The records as they would be written now.
-  std::string Lines() const {
-    MemoryOutpoutStream stream;
-    StepWriter writer(stream);
-    const NumberTable& entities = document_.mainContainer->entities;
-    for (auto at = entities.First(); at; at = entities.Next(at.number)) {
-      writer.WriteEntityLine(*at.entity);
-    }
-    return stream.Text();
-  }
+  std::string Lines() const { return LinesOf(*document_.mainContainer); }
 
  private:
   TemporaryFolder folder_;

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,24 +16,15 @@
 #include "core/main_container.h"
 #include "step/log/utilities.h"
 #include "step/reader/parser.h"
-#include "step/writer/step_writer.h"
-#include "support/memory_streams.h"
+#include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
+#include "support/step_text.h"
 #include "support/temporary_folder.h"
 #include "support/test_platform.h"
+#include "support/written_text.h"
 
 namespace corvel::test {
-
-// A STEP file with these records, which stand as they are behind "DATA;\n". Its header is written
-// as the writer writes it.
-inline std::string FileOf(std::string_view records, std::string_view schema = "IFC4") {
-  std::string text =
-      "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION (('v'),'2;1');\n"
-      "FILE_NAME ('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA (('";
-  text.append(schema).append("'));\nENDSEC;\n\nDATA;\n").append(records);
-  return text + "\nENDSEC;\nEND-ISO-10303-21;\n";
-}
 
 struct ReadOptions {
   std::string schema = "IFC4";
@@ -48,7 +38,7 @@ class ReadModel {
  public:
   explicit ReadModel(std::string_view records, ReadOptions options = {})
       : ReadModel(std::move(options)) {
-    Read(FileOf(records, options_.schema));
+    Read(ModelFile(records, options_.schema));
   }
   // From all bytes of a file.
   static ReadModel OfFile(std::string_view bytes, ReadOptions options = {}) {
@@ -75,22 +65,12 @@ class ReadModel {
 
   // "#1=IFCWALL(...);" as it is written, without the line end; empty for a deleted entity.
   std::string Line(std::uint32_t number) {
-    MemoryOutpoutStream stream;
-    StepWriter(stream).WriteEntityLine(*(*this)[number]);
-    std::string line = stream.Text();
+    std::string line = LineOf(*(*this)[number]);
     if (!line.empty()) line.pop_back();
     return line;
   }
   // All lines in the order of the output, each with its line end.
-  std::string Lines() {
-    MemoryOutpoutStream stream;
-    StepWriter writer(stream);
-    const NumberTable& entities = Container().entities;
-    for (auto at = entities.First(); at; at = entities.Next(at.number)) {
-      writer.WriteEntityLine(*at.entity);
-    }
-    return stream.Text();
-  }
+  std::string Lines() { return LinesOf(Container()); }
   // All bytes that SaveFile leaves; it has to succeed.
   std::string Saved() {
     EXPECT_EQ(1, document_->SaveFile(folder_->Path("saved.ifc")));
@@ -122,11 +102,7 @@ class ReadTest : public testing::Test {
     CancelMode() = 0;
     IFC::MainContainer::ResetUniqueMarker();
   }
-  ~ReadTest() override {
-    CancelMode() = 0;
-    IFC::MainContainer::ResetUniqueMarker();
-    MemoryReportOutput() = outputBefore_;
-  }
+  ~ReadTest() override { IFC::MainContainer::ResetUniqueMarker(); }
 
   // The next `count` boxes are answered with No; without a word a question gets a Yes.
   void AnswerNo(std::size_t count) {
@@ -152,7 +128,7 @@ class ReadTest : public testing::Test {
   RecordedProgress progress_;
 
  private:
-  std::FILE* outputBefore_ = std::exchange(MemoryReportOutput(), nullptr);
+  QuietReading quiet_;
 };
 
 }  // namespace corvel::test

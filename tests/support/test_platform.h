@@ -98,4 +98,15 @@ class TestPlatform : public platform::Platform {
   std::uint32_t countedGuids_ = 0;
 };
 
+// How the engine tells of trouble by itself.
+inline TestPlatform::Box LogfileErrorBox(const std::u16string& text) {
+  return {u"Logfile error", text, platform::Buttons::kOk, platform::Icon::kError};
+}
+
+// The question of a cancellation, in the texts that stand until a run has its own.
+inline TestPlatform::Box CancelQuestionBox() {
+  return {u"Cancel", u"Are you sure you want to cancel?", platform::Buttons::kYesNo,
+          platform::Icon::kQuestion};
+}
+
 }  // namespace corvel::test

@@ -421,16 +421,28 @@ bool Parser::ReportProgress(bool secondPass, int fileCount) {
   if (percent_ <= lastPercent_) return true;
   const int share = secondPass ? static_cast<int>(5.0 / fileCount) : 0;
   const bool goOn = progress == nullptr || progress(percent_, share, nullptr, share >= 1, 100);
-  if (!goOn && Cancel()) return false;
+  if (!goOn && CancelIfUserAgrees()) return false;
   lastPercent_ = percent_;
   return true;
 }
 
+// At the end of the input nothing is left to go on with, whatever the answer would be.
 bool Parser::Cancel() {
-  const auto atEnd = [this] {
+  const auto inputHasEnded = [this] {
     return scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
   };
-  if (CancelMode() < 2 && !atEnd() && !AskCancelQuestion(*texts)) return false;
+  if (CancelMode() < 2 && !inputHasEnded()) return CancelIfUserAgrees();
+  Stop();
+  return true;
+}
+
+bool Parser::CancelIfUserAgrees() {
+  if (CancelMode() < 2 && !AskCancelQuestion(*texts)) return false;
+  Stop();
+  return true;
+}
+
+void Parser::Stop() {
   CancelMode() = 2;
   {
     const LogUnmuted unmuted(IfcLog::Instance());
@@ -441,7 +453,6 @@ bool Parser::Cancel() {
     scanner->ClearTokens();
   }
   RemoveTempFile();
-  return true;
 }
 
 int Parser::ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode) {

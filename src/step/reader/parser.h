@@ -58,8 +58,8 @@ class Parser {
     return state == ParserState::kFailed || state == ParserState::kCancelled ||
            (scanner != nullptr && scanner->IsStopped());
   }
-  // Asks whether to stop (unless nobody is to be asked, or the input has ended anyway) and stops
-  // the scanner. True when the cancellation went ahead.
+  // A reader gives up: asks whether to stop (unless nobody is to be asked, or the input has ended
+  // anyway) and stops the scanner. True when the cancellation went ahead.
   bool Cancel();
   // Reports "Expected: ... Got: ..." with the names of tokens as users see them.
   int ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode);
@@ -105,6 +105,8 @@ class Parser {
   std::unordered_map<std::string, IFC::IfcEntity*> guidIndex;
 
  private:
+  bool CancelIfUserAgrees();
+  void Stop();
   bool OpenInput(const WideString& path);
   void ReportUnopened(const WideString& path);
   void ReadHead();

@@ -5,8 +5,8 @@ import os
 import subprocess
 import unittest
 
-from support import (DONE, NOTHING_WRITTEN, PROGRAM, PROJECT, WITH_REPORTS, CorvelTest, model,
-                     project, records_of)
+from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, PROJECT, WITH_REPORTS,
+                     CorvelTest, model, project, records_of)
 
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
@@ -102,7 +102,7 @@ class Reports(CorvelTest):
             self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), WITH_REPORTS, out='',
             err="corvel: b.ifc: Unable to merge projects properly because couldn't find IfcProject "
                 'entity.\n'
-                'corvel: out.ifc was written, but there is 1 report. More is told in the log: '
+                'corvel: out.ifc was written, but something was reported. More is told in the log: '
                 'a_IFC_LOG.txt\n')
         self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'b.ifc', 'out.ifc'], self.names())
         self.assertIn(b"couldn't find IfcProject entity.", self.read('a_IFC_LOG.txt'))
@@ -111,14 +111,14 @@ class Reports(CorvelTest):
         self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
         ended = self.run_corvel('resave', '--ignore-enum-errors', 'a.ifc', 'out.ifc')
         self.assert_ended(ended, WITH_REPORTS,
-                          err='corvel: out.ifc was written, but there is 1 report. More is told '
+                          err='corvel: out.ifc was written, but something was reported. More is told '
                               'in the log: a_IFC_LOG.txt\n')
         self.assertIn(b'does not contain: "NOSUCHROLE"', self.read('a_IFC_LOG.txt'))
 
     def test_an_unknown_enumeration_value_stops_without_the_option(self):
         self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
         ended = self.run_corvel('resave', 'a.ifc', 'out.ifc')
-        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assert_ended(ended, CANCELLED)
         self.assertIn('corvel: a.ifc: Enume IfcRoleEnum does not contain: "NOSUCHROLE"\n',
                       ended.err)
         self.assertNotIn('out.ifc', self.names())
@@ -145,15 +145,6 @@ class Reports(CorvelTest):
                           err=self.NO_LOG)
         self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'], self.names())
 
-    def test_reports_are_shown_where_there_is_no_log(self):
-        self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
-        os.mkdir(self.path('a_IFC_LOG.txt'))
-        ended = self.run_corvel('resave', '--ignore-enum-errors', 'a.ifc', 'out.ifc')
-        self.assert_ended(ended, WITH_REPORTS,
-                          err=self.NO_LOG +
-                              'corvel: a.ifc: Enume IfcRoleEnum does not contain: "NOSUCHROLE"\n'
-                              'corvel: out.ifc was written, but there is 1 report.\n')
-
 
 class Answers(CorvelTest):
     """A number given twice asks whether to stop."""
@@ -167,22 +158,22 @@ class Answers(CorvelTest):
         super().setUp()
         self.write('a.ifc', project(POINT, '#7=IFCCARTESIANPOINT((8.,9.));'))
 
-    def test_without_a_terminal_the_answer_is_yes_and_that_is_no_cancelling(self):
+    def test_without_a_terminal_the_answer_is_yes(self):
         self.assert_ended(
-            self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
+            self.run_corvel('resave', 'a.ifc', 'out.ifc'), CANCELLED, out='',
             err=self.QUESTION + 'corvel: Yes, as nobody is asked.\n'
-                'corvel: Nothing was written. More is told in the log: a_IFC_LOG.txt\n')
+                'corvel: Cancelled, nothing was written. More is told in the log: a_IFC_LOG.txt\n')
         self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
 
     def test_yes_is_given_unasked(self):
         self.assert_ended(self.run_corvel('resave', '--answer', 'yes', 'a.ifc', 'out.ifc'),
-                          NOTHING_WRITTEN)
+                          CANCELLED)
 
     def test_no_goes_on_with_the_first_of_the_two(self):
         self.assert_ended(
             self.run_corvel('resave', '--answer', 'no', 'a.ifc', 'out.ifc'), WITH_REPORTS,
             err=self.QUESTION + 'corvel: No, as nobody is asked.\n'
-                'corvel: out.ifc was written, but there is 1 report. More is told in the log: '
+                'corvel: out.ifc was written, but something was reported. More is told in the log: '
                 'a_IFC_LOG.txt\n')
         self.assertIn(POINT, records_of(self.read('out.ifc')))
         self.assertEqual(2, len(records_of(self.read('out.ifc'))))
@@ -198,7 +189,9 @@ class Names(CorvelTest):
         self.assertEqual(['--quiet', '-a.ifc', '-out.ifc'], self.names())
 
     def test_names_beyond_ascii(self):
-        for name in ('Büro.ifc', '建物.ifc', '🏠 a b.ifc', "quote'\".ifc"):
+        for name in ('Büro.ifc', '建物.ifc', '🏠 a b.ifc', "quote'.ifc", 'quote".ifc'):
+            if ON_WINDOWS and '"' in name:
+                continue  # no name may hold it there
             with self.subTest(name):
                 self.write(name, project())
                 out = 'out ' + name
@@ -206,6 +199,7 @@ class Names(CorvelTest):
                                   out=out + ' was written.\n')
                 self.assertIn(out, self.names())
 
+    @unittest.skipIf(ON_WINDOWS, 'every name is text there')
     def test_names_that_are_no_text(self):
         name = os.fsdecode(b'a\xff\xe9.ifc')
         out = os.fsdecode(b'out\xc3.ifc')

@@ -12,6 +12,8 @@ import time
 import unittest
 
 PROGRAM = os.environ.get('CORVEL', 'corvel')
+# The program is one for Windows, whatever runs it here.
+ON_WINDOWS = os.environ.get('CORVEL_SYSTEM') == 'Windows'
 # Seconds after which a run counts as hanging. Sanitizers are slow.
 LONGEST_RUN = 60
 

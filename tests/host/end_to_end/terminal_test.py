@@ -95,8 +95,8 @@ class Bars(OnATerminal):
         self.assertGreater(len(frames), 2)
         self.assertTrue(self.terminal.seen.endswith('\r\x1b[2K\x1b[A\x1b[2K'),
                         self.terminal.seen[-100:])
-        self.assertIn('\r\nReading: a.ifc ', self.terminal.seen)
-        self.assertIn('\r\nWriting: out.ifc ', self.terminal.seen)
+        self.assertIn('\r\nReading file: a.ifc ', self.terminal.seen)
+        self.assertIn('\r\nSaving file: out.ifc ', self.terminal.seen)
 
     def test_the_overall_bar_never_goes_back(self):
         self.write('a.ifc', large_model(2))
@@ -107,7 +107,7 @@ class Bars(OnATerminal):
         self.assertEqual(sorted(overall), overall)
         self.assertLessEqual(overall[-1], 100)
         self.assertGreater(overall[-1], 50)
-        self.assertIn('Merging: b.ifc 3/3', self.terminal.seen)
+        self.assertIn('Merge: b.ifc 3/3', self.terminal.seen)
 
     def test_quiet_draws_none(self):
         self.write('a.ifc', project())
@@ -166,7 +166,7 @@ class Questions(OnATerminal):
     def test_an_answer_given_before_is_not_asked(self):
         self.write('a.ifc', self.DUPLICATE)
         process = self.start_on_terminal('resave', 'a.ifc', 'out.ifc', '--answer', 'yes')
-        self.assertEqual(NOTHING_WRITTEN, self.end(process))
+        self.assertEqual(CANCELLED, self.end(process))
         self.assertNotIn('[y/n]', self.terminal.seen)
 
 
@@ -191,7 +191,7 @@ class Interrupts(OnATerminal):
         return self.interrupted(text, 'resave', 'a.ifc', 'out.ifc')
 
     def test_the_key_asks_and_yes_cancels(self):
-        process = self.resave_interrupted('Reading: a.ifc')
+        process = self.resave_interrupted('Reading file: a.ifc')
         self.terminal.type('y\n')
         self.assertEqual(CANCELLED, self.end(process))
         self.assertTrue(self.terminal.seen.endswith('corvel: Cancelled, nothing was written.\r\n'),
@@ -199,7 +199,7 @@ class Interrupts(OnATerminal):
         self.assertEqual(['a.ifc'], self.names())
 
     def test_no_goes_on_to_the_end_and_a_later_interrupt_asks_again(self):
-        process = self.resave_interrupted('Reading: a.ifc')
+        process = self.resave_interrupted('Reading file: a.ifc')
         self.terminal.seen = ''
         self.terminal.type('n\n')
         self.terminal.read_until('Overall progress')
@@ -210,20 +210,20 @@ class Interrupts(OnATerminal):
         self.assertEqual(['a.ifc', 'out.ifc'], self.names())
 
     def test_a_second_one_during_the_question_ends_at_once(self):
-        process = self.resave_interrupted('Reading: a.ifc')
+        process = self.resave_interrupted('Reading file: a.ifc')
         self.terminal.type('\x03')
         self.assertEqual(INTERRUPTED, self.end(process))
         self.assertNotIn('out.ifc', self.names())
 
     def test_while_writing_the_output_goes_with_a_yes(self):
-        process = self.resave_interrupted('Writing: out.ifc')
+        process = self.resave_interrupted('Saving file: out.ifc')
         self.assertIn('out.ifc', self.names())
         self.terminal.type('y\n')
         self.assertEqual(CANCELLED, self.end(process))
         self.assertEqual(['a.ifc'], self.names())
 
     def test_while_writing_the_output_goes_with_a_second_one(self):
-        process = self.resave_interrupted('Writing: out.ifc')
+        process = self.resave_interrupted('Saving file: out.ifc')
         self.assertIn('out.ifc', self.names())
         self.terminal.type('\x03')
         self.assertEqual(INTERRUPTED, self.end(process))
@@ -233,7 +233,7 @@ class Interrupts(OnATerminal):
         """Wherever it meets the fold, a Yes means that nothing is written."""
         self.write('a.ifc', large_model(4))
         self.write('b.ifc', large_model(8))
-        process = self.interrupted('Merging: b.ifc 1/3', 'merge', 'a.ifc', 'b.ifc', '-o',
+        process = self.interrupted('Merge: b.ifc 1/3', 'merge', 'a.ifc', 'b.ifc', '-o',
                                    'out.ifc')
         self.terminal.type('y\n')
         self.assertEqual(CANCELLED, self.end(process))

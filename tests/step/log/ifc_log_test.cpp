@@ -11,6 +11,7 @@
 namespace corvel {
 namespace {
 
+using test::LogfileErrorBox;
 using test::TemporaryFolder;
 using test::TestPlatform;
 
@@ -159,7 +160,7 @@ TEST_F(Log, OpeningUnmutes) {
   EXPECT_EQ("ab", Logged());
 }
 
-TEST_F(Log, PastTheMutingForAWhileAndThenAsBefore) {
+TEST_F(Log, LogUnmutedPassesTheMutingAndThenPutsItBack) {
   Open();
   log_.SetMuted(true);
   {
@@ -269,7 +270,7 @@ TEST_F(Log, ReadingEntitiesAreFlushedToo) {
 TEST_F(Log, AFileThatCannotBeMadeIsToldAndTheRunGoesOnWithoutALog) {
   log_.Open(folder_.Path("none/a.ifc"));
   const WideString path = folder_.Path("none/a_IFC_LOG.txt");
-  EXPECT_EQ((std::vector{ErrorBox(u"Logfile error", u"File path: " + path),
+  EXPECT_EQ((std::vector{LogfileErrorBox(u"File path: " + path),
                          ErrorBox(u"Log file error", u"Could not create log file: " + path)}),
             system_.boxes);
   EXPECT_FALSE(log_.HasStream());
@@ -295,7 +296,7 @@ class LogOnAFullDisk : public Log {
 TEST_F(LogOnAFullDisk, AFailedWriteIsToldInABoxAndNeverThrown) {
   Open();
   FailAWrite();
-  EXPECT_EQ(std::vector{ErrorBox(u"Logfile error", u"Could not write to file")}, system_.boxes);
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"Could not write to file")}, system_.boxes);
 }
 
 TEST_F(LogOnAFullDisk, AWriteThatFindsTheLogClosedEndsTheLogging) {
@@ -303,7 +304,7 @@ TEST_F(LogOnAFullDisk, AWriteThatFindsTheLogClosedEndsTheLogging) {
   FailAWrite();
   log_.LogText(u"a");
   log_.LogText(u"b");
-  EXPECT_EQ((std::vector{ErrorBox(u"Logfile error", u"Could not write to file"),
+  EXPECT_EQ((std::vector{LogfileErrorBox(u"Could not write to file"),
                          ErrorBox(u"IFC lib", u"LogFile is closed.")}),
             system_.boxes);
   EXPECT_FALSE(log_.HasStream());
@@ -335,7 +336,7 @@ TEST_F(LogOnAFullDisk, ACommitThatComesShortIsToldOnceAndLoggingGoesOn) {
     log_.LogLine(u"lost");
     log_.LogLine(u"lost too");
   }
-  EXPECT_EQ(std::vector{ErrorBox(u"Logfile error", u"Could not write to file")}, system_.boxes);
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"Could not write to file")}, system_.boxes);
   log_.LogText(u"kept");
   EXPECT_EQ("[07-03-2024    09:05:00]\r\n" + kMargin + "kept", OnDisk());
 }

@@ -2,6 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "platform/file.h"
+#include "support/memory_streams.h"
 #include "support/recorded_reports.h"
 #include "support/replaced_allocator.h"
 #include "support/temporary_folder.h"
@@ -12,13 +19,8 @@ namespace {
 using corvel::test::RecordedReports;
 using corvel::test::ReplacedAllocator;
 using corvel::test::Report;
+using corvel::test::TakeByChar;
 using corvel::test::TemporaryFolder;
-
-std::string TakeByChar(InputStream& stream, std::size_t count) {
-  std::string taken;
-  for (std::size_t i = 0; i < count; ++i) taken.push_back(static_cast<char>(stream.GetChar()));
-  return taken;
-}
 
 std::string ReadUpTo(InputStream& stream, std::size_t count) {
   std::string bytes(count, '\0');

@@ -9,6 +9,7 @@ namespace FileStream {
 namespace {
 
 using corvel::test::MemoryInputStream;
+using corvel::test::TakeByChar;
 
 // Takes `count` bytes through the window, refilling when it is used up.
 std::string TakeByWindow(InputStream& stream, std::size_t count) {
@@ -17,12 +18,6 @@ std::string TakeByWindow(InputStream& stream, std::size_t count) {
     taken.push_back(*stream.Cursor());
     stream.SetCursor(stream.Cursor() + 1);
   }
-  return taken;
-}
-
-std::string TakeByChar(InputStream& stream, std::size_t count) {
-  std::string taken;
-  for (std::size_t i = 0; i < count; ++i) taken.push_back(static_cast<char>(stream.GetChar()));
   return taken;
 }
 

@@ -1,9 +1,13 @@
 // What goes wrong while writing, brought about through the system.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
+#include "platform/file.h"
 #include "step/streams/outpout_file_stream.h"
 #include "support/recorded_reports.h"
 #include "support/replaced_allocator.h"

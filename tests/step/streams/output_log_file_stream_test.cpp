@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
 #include "support/temporary_folder.h"
 #include "support/test_platform.h"
 #ifndef _WIN32
@@ -11,14 +17,11 @@
 namespace FileStream {
 namespace {
 
+using corvel::test::LogfileErrorBox;
 using corvel::test::TemporaryFolder;
 using corvel::test::TestPlatform;
 
 const std::string kMargin = std::string(199, ' ') + "\n";
-
-TestPlatform::Box LogfileError(const corvel::WideString& text) {
-  return {u"Logfile error", text, platform::Buttons::kOk, platform::Icon::kError};
-}
 
 class OutputLogFile : public testing::Test {
  protected:
@@ -131,12 +134,23 @@ TEST_F(OutputLogFile, AReopenedLogGoesOnBehindWhatIsThere) {
 TEST_F(OutputLogFile, AFileThatCannotBeMadeIsToldInABox) {
   OutputLogFileStream stream(folder_.Path("none/a.txt"));
   EXPECT_FALSE(stream.IsOpen());
-  EXPECT_EQ(std::vector{LogfileError(u"File path: " + folder_.Path("none/a.txt"))}, system_.boxes);
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"File path: " + folder_.Path("none/a.txt"))},
+            system_.boxes);
+}
+
+TEST_F(OutputLogFile, AReopeningThatFailsIsToldInABox) {
+  const corvel::WideString path = folder_.Write("sub/a_IFC_LOG.txt", "");
+  OutputLogFileStream stream(path);
+  stream.Close();
+  std::filesystem::remove_all(folder_.Native("sub"));
+  EXPECT_FALSE(stream.Reopen());
+  EXPECT_FALSE(stream.IsOpen());
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"Reopen failed.")}, system_.boxes);
 }
 
 TEST_F(OutputLogFile, TheReporterIgnoresKeyAndMode) {
   EXPECT_EQ(0, ShowLogfileError("some_key", u"the message", 2));
-  EXPECT_EQ(std::vector{LogfileError(u"the message")}, system_.boxes);
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"the message")}, system_.boxes);
 }
 
 #ifndef _WIN32
@@ -145,7 +159,7 @@ TEST_F(OutputLogFile, AShortWriteIsToldInABox) {
   OutputLogFileStream stream(path_);
   stream.WriteNarrowString("one");
   EXPECT_FALSE(stream.Commit());
-  EXPECT_EQ(std::vector{LogfileError(u"Could not write to file")}, system_.boxes);
+  EXPECT_EQ(std::vector{LogfileErrorBox(u"Could not write to file")}, system_.boxes);
   EXPECT_TRUE(stream.IsOpen());
 }
 #endif

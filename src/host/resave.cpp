@@ -1,0 +1,67 @@
+#include "host/resave.h"
+
+#include <exception>
+#include <new>
+
+#include "core/document.h"
+#include "core/reporting.h"
+#include "plugin/progress_window.h"
+#include "plugin/run_reports.h"
+#include "plugin/texts.h"
+#include "step/log/ifc_log.h"
+
+namespace corvel::host {
+
+namespace {
+
+using plugin::GetText;
+using plugin::ProgressWindow;
+
+// Percent of the overall bar; writing has the rest.
+constexpr int kReadingWeight = 50;
+
+void ShowStep(const char* key, const WideString& path) {
+  ProgressWindow::Instance().SetCurrentText(GetText(key));
+  ProgressWindow::Instance().SetCurrentFile(path);
+}
+
+bool ReadAndWrite(const WideString& input, const WideString& output, bool ignoreEnumErrors) {
+  IfcLog& log = IfcLog::Instance();
+  IfcDocument document(ignoreEnumErrors, plugin::ShowError, ProgressWindow::UpdateProgress);
+  document.ReservePaths({input, output});
+  ProgressWindow::Instance().StartStage(kReadingWeight);
+  ShowStep("reading_file", input);
+  log.LogText(u"Reading file: " + input);
+  constexpr int kOneFile = 1;
+  document.OpenFile(input, kOneFile);
+  if (document.IsCancelled()) log.LogText(u"Reading file cancelled.");
+  if (!document.IsParsed()) return false;
+  ProgressWindow::Instance().StartLastStage();
+  ShowStep("exporting_file_as", output);
+  log.LogText(u"Saving to output file ...");
+  constexpr int kComplete = 1;
+  if (document.SaveFile(output) != kComplete) return false;
+  log.LogText(u"Saving DONE");
+  return true;
+}
+
+}  // namespace
+
+bool Resave(const WideString& input, const WideString& output, bool ignoreEnumErrors) {
+  plugin::StartRun();
+  IfcLog::Instance().Open(input);
+  ProgressWindow::Instance().InitProgress({});
+  ProgressWindow::Instance().SetOverallText(GetText("progress_bar_overall_progress"));
+  bool written = false;
+  try {
+    written = ReadAndWrite(input, output, ignoreEnumErrors);
+  } catch (const std::bad_alloc&) {
+    plugin::ShowError("", u"Not enough memory for these models.", kReportShow);
+  } catch (const std::exception& error) {
+    plugin::ShowError("", Widen(error.what()), kReportShow);
+  }
+  plugin::FinishRun();
+  return written;
+}
+
+}  // namespace corvel::host

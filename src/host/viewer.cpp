@@ -1,0 +1,99 @@
+#include "host/viewer.h"
+
+#include <utility>
+
+#include "host/built_in_texts.h"
+#include "plugin/progress_window.h"
+#include "step/log/ifc_log.h"
+
+namespace corvel::host {
+
+namespace {
+
+Viewer* alive = nullptr;
+
+// Objects are told from projects by this bit; their project is the rest.
+constexpr HostObject kObjectBit = HostObject{1} << 32;
+
+}  // namespace
+
+Viewer::Viewer(RunConsole& console, std::vector<WideString> inputs, WideString output)
+    : console_(console), inputs_(std::move(inputs)), output_(std::move(output)) {
+  texts_.Parse(kBuiltInTexts, u"the built-in texts");
+  alive = this;
+}
+
+Viewer::~Viewer() { alive = nullptr; }
+
+Viewer* Viewer::Instance() { return alive; }
+
+void Viewer::TellModelsAreLoaded() const {
+  if (modelLoaded_ != nullptr) modelLoaded_();
+}
+
+void Viewer::Click(std::int32_t button) {
+  if (button < 1 || static_cast<std::size_t>(button) > buttons_.size()) return;
+  const Button& pressed = buttons_[static_cast<std::size_t>(button) - 1];
+  if (!pressed.enabled || pressed.click == nullptr) return;
+  clickedButton_ = button;
+  pressed.click();
+}
+
+std::vector<HostObject> Viewer::Projects() const {
+  std::vector<HostObject> projects;
+  for (HostObject project = 1; project <= inputs_.size(); ++project) projects.push_back(project);
+  return projects;
+}
+
+std::vector<HostObject> Viewer::Objects() const {
+  std::vector<HostObject> objects = Projects();
+  for (HostObject& object : objects) object |= kObjectBit;
+  return objects;
+}
+
+ObjectInfo Viewer::InfoOf(HostObject object) const {
+  ObjectInfo info{};
+  info.project = object & ~kObjectBit;
+  info.className = "IfcProject";
+  return info;
+}
+
+const WideString& Viewer::PathOf(HostObject project) const {
+  static const WideString none;
+  return project < 1 || project > inputs_.size() ? none : inputs_[project - 1];
+}
+
+bool Viewer::LoadTexts(const WideString& path) { return texts_.Load(path); }
+
+const char16_t* Viewer::Text(std::string_view key) {
+  if (const WideString* const text = texts_.Find(key)) return text->c_str();
+  return unknownTexts_.try_emplace(std::string(key), Widen(key)).first->second.c_str();
+}
+
+// Where the log lies is told once, at the end of the run; which file is meant is told here.
+void Viewer::ShowBox(WideView text) {
+  const WideString logLine =
+      u"\n" + WideString(Text("merge_combine_log")) + u" " + IfcLog::Instance().Path();
+  if (text.ends_with(logLine)) text.remove_suffix(logLine.size());
+  const WideString& file = plugin::ProgressWindow::Instance().CurrentFile();
+  console_.Say(file.empty() ? WideString(text) : file + u": " + WideString(text));
+}
+
+void Viewer::ShowProgress(bool visible) {
+  if (!visible) console_.EraseBars();
+}
+
+bool Viewer::UpdateProgress(const ProgressView& view) { return console_.Draw(view); }
+
+std::int32_t Viewer::CreateButton(plugin::HostCallback click) {
+  buttons_.push_back({click});
+  return static_cast<std::int32_t>(buttons_.size());
+}
+
+void Viewer::EnableButton(std::int32_t button, bool enabled) {
+  if (button >= 1 && static_cast<std::size_t>(button) <= buttons_.size()) {
+    buttons_[static_cast<std::size_t>(button) - 1].enabled = enabled;
+  }
+}
+
+}  // namespace corvel::host

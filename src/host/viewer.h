@@ -1,0 +1,79 @@
+// The headless viewer: what the plug-in finds in the place of a desktop viewer.
+//
+// It has one project for each input, a scene in which every object is active, visible and selected,
+// buttons that nobody sees, a save dialog whose answer is known, and the terminal for everything
+// that is to be shown. The functions that the program exports (viewer_exports.cpp) hand each call
+// to the viewer that lives.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "core/text.h"
+#include "host/language_file.h"
+#include "host/run_console.h"
+#include "plugin/host_api.h"
+
+namespace corvel::host {
+
+class Viewer {
+ public:
+  // Borrows `console`. The output may be empty: nobody asks for it then.
+  Viewer(RunConsole& console, std::vector<WideString> inputs, WideString output);
+  ~Viewer();
+  Viewer(const Viewer&) = delete;
+  Viewer& operator=(const Viewer&) = delete;
+
+  // The one that lives; null without one.
+  static Viewer* Instance();
+
+  // --- What a user does -------------------------------------------------------------------------
+
+  // All models are there.
+  void TellModelsAreLoaded() const;
+  // Presses a button; one that is disabled or was never made does nothing.
+  void Click(std::int32_t button);
+
+  // --- What the plug-in asks for ----------------------------------------------------------------
+
+  std::vector<HostObject> Projects() const;
+  std::vector<HostObject> Objects() const;
+  ObjectInfo InfoOf(HostObject object) const;
+  // Empty for a project that is not there.
+  const WideString& PathOf(HostObject project) const;
+  const WideString& Output() const { return output_; }
+
+  // False when the file cannot be read.
+  bool LoadTexts(const WideString& path);
+  // The text of a key; the key itself without one. It stays valid as long as the viewer lives.
+  const char16_t* Text(std::string_view key);
+
+  void ShowBox(WideView text);
+  void ShowProgress(bool visible);
+  // False: the user wants to stop.
+  bool UpdateProgress(const ProgressView& view);
+
+  std::int32_t CreateButton(plugin::HostCallback click);
+  void EnableButton(std::int32_t button, bool enabled);
+  std::int32_t ClickedButton() const { return clickedButton_; }
+  void SetModelLoadCallback(plugin::HostCallback callback) { modelLoaded_ = callback; }
+
+ private:
+  struct Button {
+    plugin::HostCallback click = nullptr;
+    bool enabled = true;
+  };
+
+  RunConsole& console_;
+  std::vector<WideString> inputs_;
+  WideString output_;
+  LanguageFile texts_;
+  std::map<std::string, WideString, std::less<>> unknownTexts_;
+  std::vector<Button> buttons_;  // ids count from 1
+  std::int32_t clickedButton_ = 0;
+  plugin::HostCallback modelLoaded_ = nullptr;
+};
+
+}  // namespace corvel::host

@@ -1,0 +1,60 @@
+// The scene of the host as the merge asks for it: which objects there are, to which project each
+// belongs, and which of them are active, visible and selected.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "core/text.h"
+
+namespace corvel {
+
+// An object or a project of the host's scene.
+using HostObject = std::uint64_t;
+
+// Records of the host, filled by it. Their layouts are part of its interface; members named
+// `reserved` are its own affair.
+struct ObjectState {
+  std::uint32_t visible;
+  std::uint8_t active;
+  std::uint8_t selected;
+  std::uint8_t reserved[2];
+};
+static_assert(sizeof(ObjectState) == 8);
+
+struct ObjectInfo {
+  HostObject project;  // from get_object_info2, the rest from get_object_info
+  std::uint64_t reserved[2];
+  const char* className;
+  std::uint32_t number;  // of the object in its file; 0: it has none
+  std::uint32_t reserved2;
+  HostObject parent;
+};
+static_assert(sizeof(ObjectInfo) == 48 && offsetof(ObjectInfo, className) == 24 &&
+              offsetof(ObjectInfo, number) == 32 && offsetof(ObjectInfo, parent) == 40);
+
+// By how much the host shows a project away from its own coordinates, in millimetres.
+struct ProjectOffsetRecord {
+  HostObject project;
+  double x, y, z;
+};
+static_assert(sizeof(ProjectOffsetRecord) == 32);
+
+class HostScene {
+ public:
+  virtual ~HostScene() = default;
+
+  virtual std::vector<HostObject> AllObjects() = 0;
+  // One record for each object; zeroed where the host does not tell. Projects fills `project`,
+  // Infos everything else.
+  virtual std::vector<ObjectInfo> Projects(const std::vector<HostObject>& objects) = 0;
+  virtual std::vector<ObjectInfo> Infos(const std::vector<HostObject>& objects) = 0;
+  virtual std::vector<ObjectState> States(const std::vector<HostObject>& objects) = 0;
+  virtual void SetVisible(HostObject object, std::uint32_t visible) = 0;
+  virtual void Redraw() = 0;
+  // The file behind a project, or `archive|entry`; empty for a project that is not loaded.
+  virtual WideString ProjectPath(HostObject project) = 0;
+};
+
+}  // namespace corvel

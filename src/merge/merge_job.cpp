@@ -1,0 +1,254 @@
+#include "merge/merge_job.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "merge/document_checks.h"
+#include "merge/merge_documents.h"
+#include "platform/file.h"
+#include "platform/platform.h"
+#include "step/log/ifc_log.h"
+#include "step/streams/input_stream.h"
+
+namespace corvel {
+
+namespace {
+
+// Percent of the overall bar; writing has the rest.
+constexpr int kReadingWeight = 30;
+constexpr int kMergingWeight = 15;
+
+// Flags of the system's message box.
+constexpr unsigned kErrorIcon = 16;
+constexpr unsigned kWarningIcon = 48;
+
+constexpr std::int64_t kLargeFiles = 100 * 1024 * 1024;
+
+void Log(WideView text) { IfcLog::Instance().LogText(text); }
+
+WideView FileNameOf(WideView path) { return path.substr(platform::FindLastSeparator(path) + 1); }
+
+std::int64_t SizeOf(const WideString& path) {
+  platform::File file;
+  return file.Open(path, platform::OpenMode::kRead) ? file.Size() : 0;
+}
+
+// What the save dialog starts with for an output next to `path` with `ending` behind its name. An
+// entry of a container gives its own name and the container's folder.
+OutputSuggestion SuggestionFor(const WideString& path, const WideString& ending) {
+  const std::size_t bar = path.rfind(u'|');
+  const bool isEntry = bar != WideString::npos;
+  const WideView file = WideView(path).substr(0, bar);
+  const std::size_t folderEnd = platform::FindLastSeparator(file) + 1;
+  const WideView name = isEntry ? WideView(path).substr(bar + 1) : file.substr(folderEnd);
+  OutputSuggestion suggestion;
+  suggestion.folder = file.substr(0, folderEnd);
+  suggestion.name = WideString(name.substr(0, name.rfind(u'.'))) + ending;
+  suggestion.extension = FileStream::ExtensionOf(name);
+  return suggestion;
+}
+
+bool HasModelExtension(const WideString& path) {
+  const WideString extension = FileStream::ExtensionOf(path);
+  return extension == u".ifc" || extension == u".ifczip" || extension == u".olf";
+}
+
+bool Counts(const ObjectState& state, SavingMode mode) {
+  switch (mode) {
+    case SavingMode::kMergeActive: return state.active != 0;
+    case SavingMode::kMergeVisible: return state.active != 0 && state.visible == 1;
+    case SavingMode::kMergeSelected: return state.selected != 0;
+  }
+  return false;
+}
+
+// Frees the models however a run ends.
+class DocumentsOfRun {
+ public:
+  explicit DocumentsOfRun(std::vector<std::unique_ptr<IfcDocument>>& documents)
+      : documents_(documents) {}
+  ~DocumentsOfRun() { documents_.clear(); }
+  DocumentsOfRun(const DocumentsOfRun&) = delete;
+  DocumentsOfRun& operator=(const DocumentsOfRun&) = delete;
+
+ private:
+  std::vector<std::unique_ptr<IfcDocument>>& documents_;
+};
+
+}  // namespace
+
+MergeJob::MergeJob(HostScene& scene, MergeShell& shell) : scene_(scene), shell_(shell) {}
+
+MergeJob::~MergeJob() = default;
+
+std::set<HostObject> MergeJob::CollectProjectsOfMode(SavingMode mode) {
+  const std::vector<HostObject> objects = scene_.AllObjects();
+  const std::vector<ObjectInfo> owners = scene_.Projects(objects);
+  const std::vector<ObjectState> states = scene_.States(objects);
+  std::set<HostObject> projects;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    if (Counts(states[i], mode)) projects.insert(owners[i].project);
+  }
+  const auto offender = std::find_if(projects.begin(), projects.end(), [this](HostObject project) {
+    return !HasModelExtension(scene_.ProjectPath(project));
+  });
+  if (offender == projects.end()) return projects;
+  const WideString path = scene_.ProjectPath(*offender);
+  projects.erase(offender);
+  shell_.Reporter()("could_not_open_file_extension", u" " + path, kReportShow);
+  return projects;
+}
+
+RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<HostObject>& projects,
+                        SavingMode /*mode*/) {
+  projects_ = projects;
+  files_.clear();
+  for (const HostObject project : projects) {
+    if (files.count(project) != 0) files_.push_back(project);
+  }
+  shell_.HideOptionsWindow();
+  if (files_.size() < 2) {
+    const WideString caption = shell_.Text("error_caption");
+    shell_.ShowBox(caption, shell_.Text("combining_failed"), kErrorIcon);
+    return {};
+  }
+  WarnOfLargeFiles();
+  const DocumentsOfRun whileItLasts(documents_);
+  Prepare();
+  if (!AskForOutput()) return End(false);
+  if (!ReadAll() || !PrepareDocuments() || !Fold()) return End(false);
+  const bool saved = Save();
+  if (CancelWasConfirmed()) return End(false);
+  Conclude();
+  return End(saved);
+}
+
+// The name of the program in small letters is never equal to a text with a capital one: nobody has
+// seen this box, and nobody will before somebody asks for it.
+void MergeJob::WarnOfLargeFiles() {
+  const WideString program = platform::Get().ExecutablePath();
+  if (ToLowerAscii(FileNameOf(program)) != u"Orlenta.exe") return;
+  std::int64_t size = 0;
+  for (const HostObject project : files_) size += SizeOf(scene_.ProjectPath(project));
+  if (size > kLargeFiles) {
+    shell_.ShowBox(u"Corvel", shell_.Text("large_file_question"), kWarningIcon);
+  }
+}
+
+void MergeJob::Prepare() {
+  shell_.StartRun();
+  CancelWasConfirmed() = false;
+  IfcLog::Instance().Close();
+  IfcLog::Instance().Open(scene_.ProjectPath(projects_.front()));
+  shell_.OpenProgress(shell_.Text("btn_merge"));
+  shell_.SetOverallText(shell_.Text("progress_bar_overall_progress"));
+  shell_.SetCurrentText(shell_.Text("checking_files"));
+}
+
+bool MergeJob::AskForOutput() {
+  const WideString path = scene_.ProjectPath(files_.front());
+  if (!shell_.AskForOutput(SuggestionFor(path, shell_.Text("merged")))) return false;
+  outputPath_ = shell_.OutputPath();
+  return true;
+}
+
+bool MergeJob::ReadAll() {
+  return std::all_of(files_.begin(), files_.end(),
+                     [this](HostObject project) { return Read(project); });
+}
+
+bool MergeJob::Read(HostObject project) {
+  const WideString path = scene_.ProjectPath(project);
+  const int projectCount = static_cast<int>(projects_.size());
+  shell_.SetCurrentText(shell_.Text("checking_files"));
+  shell_.SetCurrentFile(path);
+  Log(u"Reading file: " + path);
+  auto document = std::make_unique<IfcDocument>(shell_.Options().ignoreEnumErrors,
+                                                shell_.Reporter(), shell_.Ticks());
+  std::vector<WideString> reserved{outputPath_};
+  for (const HostObject file : files_) reserved.push_back(scene_.ProjectPath(file));
+  document->ReservePaths(std::move(reserved));
+  Log(u"ParseFile: " + path);
+  shell_.StartStage(kReadingWeight / projectCount);
+  shell_.SetOverallText(shell_.Text("progress_bar_overall_progress"));
+  shell_.SetCurrentText(shell_.Text("reading_file"));
+  shell_.SetCurrentFile(path);
+  Log(u"Reading file: " + path);
+  document->OpenFile(path, projectCount);
+  document->hostProject = project;
+  if (document->IsCancelled()) {
+    Log(u"Reading file cancelled.");
+    return false;
+  }
+  documents_.push_back(std::move(document));
+  return true;
+}
+
+// A model that was not read to its end stops the run, as nobody wants half a building.
+bool MergeJob::PrepareDocuments() {
+  shell_.SetCurrentText(shell_.Text("checking_files"));
+  if (CheckDocuments(documents_, shell_) < 2) return false;
+  const auto unread = std::find_if(documents_.begin(), documents_.end(), [](const auto& document) {
+    return document->mergeable && !document->IsParsed();
+  });
+  if (unread == documents_.end()) return true;
+  shell_.Reporter()("",
+                    shell_.Text("unable_to_continue") + (*unread)->getFilePath() +
+                        shell_.Text("merging_terminate"),
+                    kReportShow);
+  return false;
+}
+
+bool MergeJob::Fold() {
+  shell_.SetCurrentText(shell_.Text("btn_merge"));
+  shell_.StartStage(kMergingWeight);
+  Log(u"Processing ResetGenerateNewGuidMarker");
+  RememberedGuidChoice() = kAskAboutGuids;
+  Log(u"Merging files...");
+  std::vector<IfcDocument*> documents;
+  for (const auto& document : documents_) documents.push_back(document.get());
+  const auto announce = [this](const IfcDocument& source) {
+    shell_.SetCurrentText(shell_.Text("btn_merge"));
+    shell_.SetCurrentFile(source.getFilePath());
+  };
+  const bool merged = MergeDocuments(documents, {}, announce) != nullptr;
+  // A fold that was stopped half way has a model too, but not the one that was wanted.
+  if (CancelWasConfirmed()) return false;
+  if (!merged) {
+    shell_.Reporter()("", u"Error occurred while merging files. Merging will be terminated.",
+                      kReportShow);
+    return false;
+  }
+  shell_.SaveOptions();
+  IfcLog::Instance().Flush();
+  Log(u"Done.");
+  return true;
+}
+
+bool MergeJob::Save() {
+  shell_.SetCurrentText(shell_.Text("exporting_file_as"));
+  shell_.SetCurrentFile(outputPath_);
+  shell_.StartLastStage();
+  shell_.RememberOutput(outputPath_);
+  Log(u"Saving to output file ...");
+  constexpr int kComplete = 1;
+  const bool complete = documents_.front()->SaveFile(outputPath_) == kComplete;
+  Log(u"Saving DONE");
+  return complete;
+}
+
+void MergeJob::Conclude() {
+  IfcLog::Instance().Flush();
+  shell_.SetCurrentText(shell_.Text("finalizing"));
+  shell_.EnableOpenRecent();
+  shell_.ResetProgress();
+}
+
+// The models go before the user is asked about the log, which may take a while.
+RunResult MergeJob::End(bool written) {
+  documents_.clear();
+  shell_.FinishRun();
+  return {written, CancelWasConfirmed()};
+}
+
+}  // namespace corvel

@@ -1,0 +1,65 @@
+// From the host's list of loaded projects to one written file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "core/document.h"
+#include "merge/host_scene.h"
+#include "merge/merge_shell.h"
+
+namespace corvel {
+
+// Which objects count: the active ones, those of them that are visible, or the selected ones.
+enum class SavingMode : std::uint32_t { kMergeActive = 0, kMergeVisible = 1, kMergeSelected = 2 };
+
+// How a run ended. Users are told by boxes and the log; this is for a shell without windows.
+struct RunResult {
+  bool written = false;    // the output is there, complete
+  bool cancelled = false;  // somebody answered a cancel question with Yes
+};
+
+// One run at a time, from its start to its end within one call. All models that take part are in
+// memory at once and gone at the end, however the run ends.
+class MergeJob {
+ public:
+  // Both are borrowed.
+  MergeJob(HostScene& scene, MergeShell& shell);
+  ~MergeJob();
+  MergeJob(const MergeJob&) = delete;
+  MergeJob& operator=(const MergeJob&) = delete;
+
+  // The projects with an object that counts. The first of them (by handle) whose file is no model
+  // is taken out, and reported; those behind it are not looked at.
+  std::set<HostObject> CollectProjectsOfMode(SavingMode mode);
+
+  // Reads the projects of `files`, folds them into the first and writes the result where the user
+  // wants it. `projects`: all that are loaded; their order is the order of the run, and members of
+  // `files` that are none of them don't count. Everything is shown to the user. Throws what nobody
+  // foresees, a lack of memory above all: the models are gone then, FinishRun is the caller's.
+  RunResult Run(const std::set<HostObject>& files, const std::vector<HostObject>& projects,
+                SavingMode mode);
+
+ private:
+  void WarnOfLargeFiles();
+  bool AskForOutput();
+  void Prepare();
+  bool ReadAll();
+  bool Read(HostObject project);
+  bool PrepareDocuments();
+  bool Fold();
+  bool Save();
+  void Conclude();
+  RunResult End(bool written);
+
+  HostScene& scene_;
+  MergeShell& shell_;
+  std::vector<HostObject> files_;  // in the order of the run
+  std::vector<HostObject> projects_;
+  std::vector<std::unique_ptr<IfcDocument>> documents_;
+  WideString outputPath_;
+};
+
+}  // namespace corvel

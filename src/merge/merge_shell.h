@@ -1,0 +1,68 @@
+// What a merge job needs of the shell around it: texts, dialogs, progress, options.
+#pragma once
+
+#include <string_view>
+
+#include "core/reporting.h"
+#include "core/text.h"
+#include "merge/host_scene.h"
+
+namespace corvel {
+
+// What the user chose in the options window and in config.txt.
+struct MergeOptions {
+  bool generateGuid = true;       // on a GUID that is there already: a new one, or skip the object
+  bool remember = false;          // the choice above counts without being asked for
+  bool ignoreUnits = false;       // files of other units take part
+  bool ignoreEnumErrors = false;  // unknown enumeration values are replaced
+  bool deleteOpenings = false;    // openings go with what they are in
+};
+
+// What the save dialog starts with.
+struct OutputSuggestion {
+  WideString folder;     // with its separator at the end
+  WideString name;       // without an extension
+  WideString extension;  // of the first file, with its dot
+};
+
+class MergeShell {
+ public:
+  virtual ~MergeShell() = default;
+
+  // The localised text of a key.
+  virtual WideString Text(const char* key) = 0;
+  // A box with the error icon, or another of the flags of the system's message box.
+  virtual void ShowBox(const WideString& caption, const WideString& text, unsigned flags) = 0;
+  // Asks where the output goes; false: the user thought better of it.
+  virtual bool AskForOutput(const OutputSuggestion& suggestion) = 0;
+  // The answer to that.
+  virtual WideString OutputPath() = 0;
+  virtual void EnableOpenRecent() = 0;
+  // Remembers the output for the button that opens it.
+  virtual void RememberOutput(const WideString& path) = 0;
+
+  virtual MergeOptions Options() = 0;
+  virtual void SaveOptions() = 0;
+  virtual void HideOptionsWindow() = 0;
+
+  // The reporter and the ticks that models and their merge are given.
+  virtual ErrorReporter Reporter() = 0;
+  virtual ProgressCallback Ticks() = 0;
+
+  // Forgets errors and cancels of an earlier run.
+  virtual void StartRun() = 0;
+  // Closes the progress dialog, ends the log and offers it if something was reported.
+  virtual void FinishRun() = 0;
+  virtual void OpenProgress(const WideString& title) = 0;
+  virtual void SetOverallText(const WideString& text) = 0;
+  virtual void SetCurrentText(const WideString& text) = 0;
+  // Puts ": " and the name of the file behind the current text.
+  virtual void SetCurrentFile(const WideString& path) = 0;
+  // What the stage before was worth is done; the next one is worth `weight` percent.
+  virtual void StartStage(int weight) = 0;
+  // The same with all that is left.
+  virtual void StartLastStage() = 0;
+  virtual void ResetProgress() = 0;
+};
+
+}  // namespace corvel

@@ -1,0 +1,21 @@
+// The viewer's scene, asked through its functions.
+#pragma once
+
+#include <vector>
+
+#include "merge/host_scene.h"
+
+namespace corvel::plugin {
+
+class BoundScene final : public HostScene {
+ public:
+  std::vector<HostObject> AllObjects() override;
+  std::vector<ObjectInfo> Projects(const std::vector<HostObject>& objects) override;
+  std::vector<ObjectInfo> Infos(const std::vector<HostObject>& objects) override;
+  std::vector<ObjectState> States(const std::vector<HostObject>& objects) override;
+  void SetVisible(HostObject object, std::uint32_t visible) override;
+  void Redraw() override;
+  WideString ProjectPath(HostObject project) override;
+};
+
+}  // namespace corvel::plugin

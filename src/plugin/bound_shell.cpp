@@ -1,0 +1,72 @@
+#include "plugin/bound_shell.h"
+
+#include "plugin/host_functions.h"
+#include "plugin/plugin.h"
+#include "plugin/progress_window.h"
+#include "plugin/run_reports.h"
+#include "plugin/texts.h"
+#include "step/log/utilities.h"
+
+namespace corvel::plugin {
+
+WideString BoundShell::Text(const char* key) { return GetText(key); }
+
+void BoundShell::ShowBox(const WideString& caption, const WideString& text, unsigned flags) {
+  CallHost(Host().message_box, caption.c_str(), text.c_str(), std::uint32_t{flags});
+}
+
+bool BoundShell::AskForOutput(const OutputSuggestion& suggestion) {
+  CallHost(Host().set_save_dialog_params, GetText("filter_caption").c_str(),
+           suggestion.folder.c_str(), suggestion.name.c_str());
+  CallHost(Host().set_save_dialog_default_extension, suggestion.extension.c_str());
+  constexpr std::int32_t kZero = 0;
+  return CallHost(Host().save_dialog, kZero) != 0;
+}
+
+WideString BoundShell::OutputPath() { return TextOrEmpty(CallHost(Host().get_save_dialog_name)); }
+
+void BoundShell::EnableOpenRecent() { plugin_.Buttons().EnableOpenRecent(); }
+
+void BoundShell::RememberOutput(const WideString& path) {
+  SaveLastPath(plugin_.folders.user, path, ShowError);
+}
+
+MergeOptions BoundShell::Options() { return plugin_.RunOptions(); }
+
+void BoundShell::SaveOptions() { plugin_.SaveConfig(); }
+
+void BoundShell::HideOptionsWindow() {
+  if (plugin_.Options() != nullptr) plugin_.Options()->Hide();
+}
+
+ErrorReporter BoundShell::Reporter() { return ShowError; }
+
+ProgressCallback BoundShell::Ticks() { return ProgressWindow::UpdateProgress; }
+
+void BoundShell::StartRun() { plugin::StartRun(); }
+
+void BoundShell::FinishRun() { plugin::FinishRun(); }
+
+void BoundShell::OpenProgress(const WideString& title) {
+  ProgressWindow::Instance().InitProgress(title);
+}
+
+void BoundShell::SetOverallText(const WideString& text) {
+  ProgressWindow::Instance().SetOverallText(text);
+}
+
+void BoundShell::SetCurrentText(const WideString& text) {
+  ProgressWindow::Instance().SetCurrentText(text);
+}
+
+void BoundShell::SetCurrentFile(const WideString& path) {
+  ProgressWindow::Instance().SetCurrentFile(path);
+}
+
+void BoundShell::StartStage(int weight) { ProgressWindow::Instance().StartStage(weight); }
+
+void BoundShell::StartLastStage() { ProgressWindow::Instance().StartLastStage(); }
+
+void BoundShell::ResetProgress() { ProgressWindow::Instance().Reset(); }
+
+}  // namespace corvel::plugin

@@ -1,0 +1,17 @@
+// What the viewer calls: plain functions without context, each of which hands its event to the
+// plug-in that lives. Without one they do nothing.
+#pragma once
+
+#include "plugin/host_api.h"
+#include "plugin/host_functions.h"
+
+namespace corvel::plugin::callbacks {
+
+void OnButtonClick();
+
+// Registers every event but those of models, in the order of the interface.
+void Register();
+// The events of models come last, when there are buttons that they can enable.
+void RegisterModelEvents();
+
+}  // namespace corvel::plugin::callbacks

@@ -1,0 +1,69 @@
+// Corvel as a plug-in of the viewer: its buttons, and what they do.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "merge/merge_job.h"
+#include "plugin/options_window.h"
+#include "plugin/plugin_base.h"
+#include "plugin/ribbon.h"
+
+namespace corvel::plugin {
+
+class Plugin final : public cpp::PluginBase {
+ public:
+  Plugin();
+  ~Plugin() override;
+
+  // The one that lives while the library is attached; null before and after.
+  static Plugin* Instance();
+
+  void GetPluginInformation(PluginInformation& information) override;
+  void OnPluginLoad(HostHandle host, std::int32_t flag, void* window) override;
+  void OnPluginUnload() override;
+  void OnButtonClick(std::int32_t button) override;
+  void OnModelLoad() override;
+
+  // The file behind a loaded project; empty for another handle.
+  WideString ProjectPath(HostObject project) const;
+  const std::vector<HostObject>& Projects() const { return projects_; }
+  // Null before OnPluginLoad.
+  OptionsWindow* Options() { return options_.get(); }
+  // What a run looks at: the choices of the window, unless others were set for a while. Those are
+  // neither shown nor kept in config.txt.
+  MergeOptions RunOptions() const;
+  void OverrideOptions(const MergeOptions& options) { overridden_ = options; }
+  // Gives the answer about GUIDs that are there already; asks in the window unless it is
+  // remembered.
+  bool GeneratesGuids();
+  const Ribbon& Buttons() const { return ribbon_; }
+  void SaveConfig();
+  // How the last run ended.
+  const RunResult& LastRun() const { return lastRun_; }
+
+ private:
+  void LoadCancelTexts();
+  void LoadConfig();
+  void ApplyState();
+  WideString ConfigPath() const { return folders.user + u"config.txt"; }
+  void Dispatch(std::int32_t button);
+  void Merge(std::int32_t button);
+  void RunTestCommand();
+
+  Ribbon ribbon_;
+  std::unique_ptr<OptionsWindow> options_;
+  std::optional<MergeOptions> overridden_;
+  std::vector<HostObject> projects_;  // in the viewer's order
+  std::unordered_map<HostObject, WideString> projectPaths_;
+  // The two ways to match spatial objects, for a choice that the window does not offer yet.
+  WideString nameText_;
+  WideString nameAndGuidText_;
+  RunResult lastRun_;
+  bool running_ = false;
+};
+
+}  // namespace corvel::plugin

@@ -1,0 +1,82 @@
+#include "plugin/run_reports.h"
+
+#include <utility>
+
+#include "core/reporting.h"
+#include "platform/file.h"
+#include "platform/platform.h"
+#include "plugin/host_functions.h"
+#include "plugin/progress_window.h"
+#include "plugin/texts.h"
+#include "step/log/ifc_log.h"
+
+namespace corvel::plugin {
+
+namespace {
+
+struct Reports {
+  bool reported = false;
+  WideString pending;  // reports of mode 1 that wait to be shown
+};
+
+Reports& TheReports() {
+  static Reports reports;
+  return reports;
+}
+
+void LogPastMuting(const WideString& text) {
+  const LogUnmuted unmuted(IfcLog::Instance());
+  IfcLog::Instance().LogText(text);
+}
+
+void ShowInBox(const WideString& text) {
+  const WideString box =
+      text + u"\n" + GetText("merge_combine_log") + u" " + IfcLog::Instance().Path();
+  if (CancelMode() != 0 && CancelMode() != 2) return;
+  CallHost(Host().message_box, GetText("error_caption").c_str(), box.c_str(), kErrorIcon);
+}
+
+// True when the user wants to see it.
+bool OfferLog() {
+  return platform::Get().ShowMessageBox(u"Corvel", GetText("show_log_question"),
+                                        platform::Buttons::kYesNo,
+                                        platform::Icon::kInformation) == platform::Answer::kYes;
+}
+
+}  // namespace
+
+int ShowError(const char* key, const WideString& message, int mode) {
+  Reports& reports = TheReports();
+  reports.reported = true;
+  WideString text = *key == '\0' ? WideString() : GetText(key) + u" ";
+  text += message;
+  LogPastMuting(text);
+  if (mode == kReportCollect) {
+    reports.pending += text;
+  } else if (mode == kReportShow) {
+    ShowInBox(std::exchange(reports.pending, {}) + text);
+  }
+  return 0;
+}
+
+void StartRun() {
+  TheReports() = {};
+  CancelMode() = 0;
+}
+
+void FinishRun() {
+  ProgressWindow::Instance().Finish();
+  IfcLog& log = IfcLog::Instance();
+  log.SetMuted(false);
+  log.Close();
+  if (!std::exchange(TheReports().reported, false)) {
+    platform::RemoveFile(log.Path());
+  } else if (OfferLog()) {
+    platform::Get().ShellOpen(log.Path(), {});
+  }
+  CancelMode() = 0;
+}
+
+bool SomethingWasReported() { return TheReports().reported; }
+
+}  // namespace corvel::plugin

@@ -1,0 +1,23 @@
+// What is reported during a run, and how a run ends for the user.
+#pragma once
+
+#include "core/text.h"
+
+namespace corvel::plugin {
+
+// The one reporter of the whole system; see ErrorReporter. The text goes to the log past its
+// muting. Mode 0 shows a box of the viewer with everything that mode 1 has collected in front, and
+// where the log lies. Gives 0.
+int ShowError(const char* key, const WideString& message, int mode);
+
+// Forgets what an earlier run reported and that it was cancelled.
+void StartRun();
+
+// Closes the progress dialog and the log. If anything was reported, the user is asked whether to
+// see the log, and it stays either way; otherwise it is deleted.
+void FinishRun();
+
+// True when something was reported since the last StartRun or FinishRun.
+bool SomethingWasReported();
+
+}  // namespace corvel::plugin

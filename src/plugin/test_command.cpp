@@ -1,0 +1,52 @@
+#include "plugin/test_command.h"
+
+#include <exception>
+
+#include "core/document.h"
+#include "core/reporting.h"
+#include "plugin/progress_window.h"
+#include "plugin/run_reports.h"
+#include "step/log/ifc_log.h"
+#include "step/log/utilities.h"
+
+namespace corvel::plugin {
+
+namespace {
+
+void ReadAndWrite(const WideString& path, const WideString& userFolder, bool ignoreEnumErrors) {
+  IfcDocument document(ignoreEnumErrors, ShowError, ProgressWindow::UpdateProgress);
+  constexpr int kOneFile = 1;
+  if (document.OpenFile(path, kOneFile) == 0) {
+    ShowError("", u"Unable to parse file: " + path, kReportShow);
+    return;
+  }
+  const WideString output = path + u"_test.ifc";
+  constexpr int kComplete = 1;
+  if (document.SaveFile(output) == kComplete) SaveLastPath(userFolder, output, ShowError);
+}
+
+}  // namespace
+
+void TestCommand(const WideString& path, const WideString& userFolder, bool ignoreEnumErrors) {
+  if (path.empty()) {
+    ShowError("", u"No project loaded", kReportShow);
+    return;
+  }
+  StartRun();
+  IfcLog::Instance().Open(path);
+  ProgressWindow& progress = ProgressWindow::Instance();
+  progress.InitProgress(u"Test");
+  progress.SetCurrentText(u"Processing file");
+  progress.SetCurrentFile(path);
+  try {
+    ReadAndWrite(path, userFolder, ignoreEnumErrors);
+  } catch (const std::exception& error) {
+    ShowError("", u"Error occurred while processing file: " + path, kReportCollect);
+    ShowError("", Widen(error.what()), kReportShow);
+  } catch (...) {
+    ShowError("", u"Unknown error occurred while processing file: " + path, kReportShow);
+  }
+  FinishRun();
+}
+
+}  // namespace corvel::plugin

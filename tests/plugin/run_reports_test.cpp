@@ -1,0 +1,190 @@
+#include "plugin/run_reports.h"
+
+#include <gtest/gtest.h>
+
+#include "core/reporting.h"
+#include "plugin/progress_window.h"
+#include "recorded_host.h"
+#include "step/log/ifc_log.h"
+#include "support/temporary_folder.h"
+#include "support/test_platform.h"
+
+namespace corvel::plugin {
+
+namespace {
+
+class ReportTest : public testing::Test {
+ protected:
+  ReportTest() {
+    host.texts = {{"error_caption", u"Error"},
+                  {"merge_combine_log", u"Log:"},
+                  {"show_log_question", u"See the log?"},
+                  {"unknown_schema_identifier", u"Unknown schema"}};
+    host.Attach();
+    StartRun();
+    IfcLog::Instance().Open(folder.Path("a.ifc"));
+  }
+  ~ReportTest() override {
+    IfcLog::Instance().Close();
+    CancelMode() = 0;
+  }
+
+  std::string BoxWith(const std::string& text) const {
+    return "message_box(\"Error\", \"" + text + "\nLog: " + ToUtf8(folder.Path("a_IFC_LOG.txt")) +
+           "\", 16)";
+  }
+  // What is in the log behind the date line, without its margins of blanks.
+  std::string LogText() const {
+    std::string text = folder.Read("a_IFC_LOG.txt");
+    text = text.substr(text.find("]\r\n") + 3);
+    const std::string margin = std::string(199, ' ') + "\n";
+    for (std::size_t at = text.find(margin); at != std::string::npos; at = text.find(margin)) {
+      text.erase(at, margin.size());
+    }
+    return text;
+  }
+  bool LogIsThere() const { return folder.Has("a_IFC_LOG.txt"); }
+
+  test::TestPlatform platform;
+  const test::TemporaryFolder folder;
+  test::RecordedHost host;
+};
+
+}  // namespace
+
+TEST_F(ReportTest, ModeZeroShowsTheTextAndWhereTheLogLies) {
+  EXPECT_EQ(0, ShowError("", u"Broken.", kReportShow));
+  EXPECT_EQ((std::vector<std::string>{BoxWith("Broken.")}), host.calls);
+}
+
+TEST_F(ReportTest, TheTextOfTheKeyAndABlankStandInFront) {
+  ShowError("unknown_schema_identifier", u": IFC5", kReportShow);
+  EXPECT_EQ((std::vector<std::string>{BoxWith("Unknown schema : IFC5")}), host.calls);
+}
+
+TEST_F(ReportTest, AnEmptyKeyLooksNothingUp) {
+  host.texts.clear();
+  ShowError("", u"Broken.", kReportLog);
+  EXPECT_TRUE(host.texts.empty());
+}
+
+TEST_F(ReportTest, ModeOneWaitsForTheNextModeZeroAndBothAreShownInOneBox) {
+  ShowError("", u"first ", kReportCollect);
+  EXPECT_TRUE(host.calls.empty());
+  ShowError("", u"second", kReportShow);
+  EXPECT_EQ((std::vector<std::string>{BoxWith("first second")}), host.calls);
+  ShowError("", u"third", kReportShow);
+  EXPECT_EQ(BoxWith("third"), host.calls.back());
+}
+
+TEST_F(ReportTest, ModeTwoIsLoggedOnly) {
+  ShowError("", u"quiet", kReportLog);
+  EXPECT_TRUE(host.calls.empty());
+  IfcLog::Instance().Close();
+  EXPECT_EQ("quiet", LogText());
+}
+
+TEST_F(ReportTest, EveryModeIsLoggedWithTheTextOfTheKey) {
+  ShowError("unknown_schema_identifier", u"a|", kReportShow);
+  ShowError("", u"b|", kReportCollect);
+  ShowError("", u"c", kReportLog);
+  IfcLog::Instance().Close();
+  EXPECT_EQ("Unknown schema a|b|c", LogText());
+}
+
+TEST_F(ReportTest, AMutedLogTakesReportsAndStaysMuted) {
+  IfcLog::Instance().SetMuted(true);
+  ShowError("", u"heard", kReportLog);
+  IfcLog::Instance().LogText(u"unheard");
+  EXPECT_TRUE(IfcLog::Instance().IsMuted());
+  IfcLog::Instance().SetMuted(false);
+  IfcLog::Instance().Close();
+  EXPECT_EQ("heard", LogText());
+}
+
+TEST_F(ReportTest, ACancelModeOfOneHoldsTheBoxBackAndZeroAndTwoDoNot) {
+  for (const int mode : {0, 1, 2}) {
+    CancelMode() = mode;
+    host.calls.clear();
+    ShowError("", u"x", kReportShow);
+    EXPECT_EQ(mode == 1 ? 0u : 1u, host.calls.size()) << mode;
+  }
+}
+
+TEST_F(ReportTest, AHeldBackBoxTakesThePendingTextAlong) {
+  ShowError("", u"first", kReportCollect);
+  CancelMode() = 1;
+  ShowError("", u"second", kReportShow);
+  CancelMode() = 0;
+  ShowError("", u"third", kReportShow);
+  EXPECT_EQ((std::vector<std::string>{BoxWith("third")}), host.calls);
+}
+
+TEST_F(ReportTest, WithoutReportsTheLogIsGoneAndNobodyIsAsked) {
+  FinishRun();
+  EXPECT_FALSE(LogIsThere());
+  EXPECT_TRUE(platform.boxes.empty());
+}
+
+TEST_F(ReportTest, AfterAReportTheUserIsAskedAboutTheLog) {
+  ShowError("", u"x", kReportLog);
+  platform.answers = {::platform::Answer::kNo};
+  CancelMode() = 2;
+  FinishRun();
+  EXPECT_EQ((std::vector<test::TestPlatform::Box>{{u"Corvel", u"See the log?",
+                                                   ::platform::Buttons::kYesNo,
+                                                   ::platform::Icon::kInformation}}),
+            platform.boxes);
+  EXPECT_TRUE(LogIsThere());
+  EXPECT_TRUE(platform.opened.empty());
+  EXPECT_EQ(0, CancelMode());
+}
+
+TEST_F(ReportTest, AYesOpensTheLogAndKeepsIt) {
+  ShowError("", u"x", kReportLog);
+  platform.answers = {::platform::Answer::kYes};
+  FinishRun();
+  EXPECT_EQ((std::vector<test::TestPlatform::Opened>{{folder.Path("a_IFC_LOG.txt"), u""}}),
+            platform.opened);
+  EXPECT_TRUE(LogIsThere());
+  EXPECT_EQ(0, CancelMode());
+}
+
+TEST_F(ReportTest, BothAnswersClearTheErrorForTheNextRun) {
+  for (const auto answer : {::platform::Answer::kYes, ::platform::Answer::kNo}) {
+    ShowError("", u"x", kReportLog);
+    platform.answers = {answer};
+    FinishRun();
+    EXPECT_FALSE(SomethingWasReported());
+  }
+}
+
+TEST_F(ReportTest, AFinishedRunUnmutesTheLog) {
+  IfcLog::Instance().SetMuted(true);
+  FinishRun();
+  EXPECT_FALSE(IfcLog::Instance().IsMuted());
+  EXPECT_FALSE(IfcLog::Instance().HasStream());
+}
+
+TEST_F(ReportTest, ANewRunForgetsReportsPendingTextsAndCancels) {
+  ShowError("", u"old", kReportCollect);
+  CancelMode() = 2;
+  StartRun();
+  EXPECT_FALSE(SomethingWasReported());
+  EXPECT_EQ(0, CancelMode());
+  ShowError("", u"new", kReportShow);
+  EXPECT_EQ((std::vector<std::string>{BoxWith("new")}), host.calls);
+}
+
+TEST(ReportWithoutTexts, IsShownAllTheSame) {
+  test::RecordedHost host;
+  host.missing = {"get_text"};
+  host.Attach();
+  StartRun();
+  ShowError("unknown_schema_identifier", u"x", kReportShow);
+  const std::string log = ToUtf8(IfcLog::Instance().Path());
+  EXPECT_EQ((std::vector<std::string>{"message_box(\"\", \" x\n " + log + "\", 16)"}), host.calls);
+  StartRun();
+}
+
+}  // namespace corvel::plugin
