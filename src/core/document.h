@@ -21,6 +21,13 @@ struct HeaderToken;
 
 enum class MergeStatus : std::uint32_t { kNotMerged = 0, kMerged = 1, kFailed = 2 };
 
+// Two numbers of the file: an object's, and that of the object that the host gives as its parent. 0,
+// or the object itself: there is no parent to follow.
+struct MarkerPair {
+  std::uint32_t number = 0;
+  std::uint32_t parentNumber = 0;
+};
+
 // Owns the parser, for its whole life, and after parsing the container. A merge moves the
 // container of a document to the one that it was folded into; the getters go on working.
 class IfcDocument {
@@ -50,6 +57,32 @@ class IfcDocument {
   // 2 also buildings, 3 also storeys; `nameAndGuid`: their GUIDs have to agree as well. Afterwards
   // the container of `source` belongs to this document. What counts is `mergeStatus`.
   bool MergeDocument(IfcDocument& source, unsigned mergeLevel, bool nameAndGuid);
+
+  // Marks what is to be left out of the output and what is to stay, from here to the writing:
+  // everything ends with the marker kToSave or kDeleted, or 0, which stays too. What is saved stays
+  // whole; what is deleted takes along what it alone used. The lists are changed. With
+  // `deleteOpenings` all openings are deleted. `fileCount`: models of the run, for the progress.
+  // False when the user cancelled; the marks are then half done.
+  bool DeleteObjects(std::vector<MarkerPair>& deletePairs, std::vector<MarkerPair>& savePairs,
+                     bool deleteUnrelated, bool deleteOpenings, int fileCount);
+
+  // The steps of DeleteObjects, in their order. They look up objects by original number and skip
+  // numbers that the model does not have. All but the first two need the parents lists. `share` and
+  // `prefix` are for the progress; those with a result give false when the user cancelled.
+  bool MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>& deletePairs);
+  void MarkEntitiesAndChildrenAndParentsToSave(const std::vector<MarkerPair>& savePairs,
+                                               const std::vector<MarkerPair>& deletePairs);
+  bool DeleteParentsOfDeleted(int share, const WideString& prefix);
+  void RemoveOpeningsFromDeleteList(std::vector<MarkerPair>& deletePairs) const;
+  bool MarkDependentsToDelete(const std::vector<MarkerPair>& deletePairs, int share,
+                              const WideString& prefix);
+  // Deletes what is unmarked and hangs on nothing that is saved. Silent without `progress`.
+  bool RemoveUnsavedEntities(ProgressCallback progress, int share, const WideString& prefix);
+
+  // Marks all that hangs together with the project as saved. False (reported) without one.
+  bool DeleteUnrelatedObjects();
+  void VisitParentsAndSave(IFC::IfcEntity* entity);
+  void VisitChildrenAndSave(IFC::IfcEntity* entity);
 
   WideString getFilePath() const;  // what OpenFile was given, opened or not
   HeaderToken* getHeader() const;  // null when the file had none
