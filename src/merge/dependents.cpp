@@ -1,0 +1,129 @@
+// The step of the marking that takes along what hangs on deleted products without being their
+// child: their property data, and the shape of a site.
+
+#include <algorithm>
+#include <vector>
+
+#include "core/entity_cast.h"
+#include "merge/marking.h"
+#include "schema/interfaces/interfaces.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr int kFirstTick = 50;
+constexpr int kLastTick = 100;
+
+class Dependents {
+ public:
+  explicit Dependents(Deletion& deletion) : deletion_(deletion) {}
+
+  void DeleteOf(IFC::IfcEntity& product) {
+    if (ClassIs(product, u"IfcSite")) {
+      DeleteShapeOf(product);
+    } else {
+      DeletePropertiesOf(product);
+    }
+  }
+
+ private:
+  void DeleteShapeOf(IFC::IfcEntity& entity) {
+    auto* const site = EntityCast<IFC::IfcSiteVirtual>(&entity);
+    if (site == nullptr) return;
+    IFC::ChildQueue children;
+    entity.collectChildren(children);
+    while (!children.IsEmpty()) {
+      IFC::IfcEntity* const child = children.TakeBack().entity;
+      if (child != nullptr && !IsSaved(*child)) deletion_.DeleteWithOrphans(*child);
+    }
+    site->clearRepresentation();
+  }
+
+  // The relations in the order of the file: what one of them leaves may hang on another.
+  void DeletePropertiesOf(const IFC::IfcEntity& product) {
+    relations_.clear();
+    for (IFC::IfcEntity* const parent : product.parents.Members()) {
+      if (ClassIs(*parent, u"IfcRelDefinesByProperties")) relations_.push_back(parent);
+    }
+    std::sort(
+        relations_.begin(), relations_.end(),
+        [](const IFC::IfcEntity* a, const IFC::IfcEntity* b) { return PlaceOf(*a) < PlaceOf(*b); });
+    for (IFC::IfcEntity* const relation : relations_) {
+      if (RelatesNothing(*relation)) DeleteRelation(*relation);
+    }
+  }
+
+  bool RelatesNothing(IFC::IfcEntity& entity) {
+    const auto* const relation = EntityCast<IFC::VirtualPropertyRelation>(&entity);
+    if (relation == nullptr) return false;
+    objects_.clear();
+    relation->collectRelatedObjects(objects_);
+    return std::all_of(objects_.begin(), objects_.end(), [](const IFC::IfcEntity* object) {
+      return object == nullptr || IsDeleted(*object);
+    });
+  }
+
+  void DeleteRelation(IFC::IfcEntity& relation) {
+    deletion_.Delete(relation);
+    IFC::ChildQueue children;
+    relation.collectChildren(children);
+    while (!children.IsEmpty()) {
+      IFC::IfcEntity* const child = children.TakeBack().entity;
+      if (child == nullptr || IsDeleted(*child) || !IsPropertySet(*child)) continue;
+      if (Deletion::IsOrphan(*child)) DeletePropertySet(*child);
+    }
+  }
+
+  static bool IsPropertySet(const IFC::IfcEntity& entity) {
+    return ClassIs(entity, u"IfcPropertySet") || ClassIs(entity, u"IfcElementQuantity");
+  }
+
+  // The properties of the set stay undecided when nothing but the set refers to them: they are then
+  // linked to nothing, and go with the last step. What hangs on them goes with it.
+  void DeletePropertySet(IFC::IfcEntity& propertySet) {
+    deletion_.Delete(propertySet);
+    IFC::ChildQueue queue;
+    propertySet.collectChildren(queue);
+    while (!queue.IsEmpty()) {
+      IFC::IfcEntity* const entity = queue.TakeBack().entity;
+      if (entity == nullptr || !Deletion::IsOrphan(*entity) || entity->walkResult == kTaken) {
+        continue;
+      }
+      entity->walkResult = kTaken;
+      taken_.push_back(entity);
+      entity->collectChildren(queue);
+      deletion_.DeleteChildrenOf(*entity);
+    }
+    for (IFC::IfcEntity* const entity : taken_) entity->walkResult = 0;
+    taken_.clear();
+  }
+
+  static constexpr std::uint8_t kTaken = 3;  // once for a set: objects may refer to one another
+
+  Deletion& deletion_;
+  std::vector<IFC::IfcEntity*> relations_;
+  std::vector<IFC::IfcEntity*> objects_;
+  std::vector<IFC::IfcEntity*> taken_;
+};
+
+}  // namespace
+
+bool MarkDependentsToDelete(IFC::MainContainer& container, Deletion& deletion,
+                            const std::vector<MarkerPair>& deletePairs,
+                            const MarkingProgress& progress) {
+  NumberPlaces(container);
+  Dependents dependents(deletion);
+  TickCounter ticks(deletePairs.size() / kFirstTick);
+  int step = kFirstTick;
+  for (const MarkerPair& pair : deletePairs) {
+    IFC::IfcEntity* const product = container.GetEntityByOrginalNumber(pair.number);
+    if (product != nullptr) dependents.DeleteOf(*product);
+    if (ticks.Advance() && step <= kLastTick && !progress.Tick(++step, true, kLastTick)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace corvel

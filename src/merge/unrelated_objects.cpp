@@ -1,0 +1,61 @@
+// Another way to tell what belongs to a model: everything that hangs together with the project.
+
+#include "core/reporting.h"
+#include "merge/marking.h"
+
+namespace corvel {
+
+namespace {
+
+// Visits and saves all that hangs together with what it is given, over parents and children.
+class Visitor {
+ public:
+  void VisitParents(const IFC::IfcEntity& entity) {
+    for (IFC::IfcEntity* const parent : entity.parents.Members()) open_.Append(parent, true);
+    Spread();
+  }
+
+  void VisitChildren(const IFC::IfcEntity& entity) {
+    entity.collectChildren(open_);
+    Spread();
+  }
+
+ private:
+  void Spread() {
+    while (!open_.IsEmpty()) {
+      IFC::IfcEntity* const entity = open_.TakeBack().entity;
+      if (entity == nullptr || entity->visited) continue;
+      entity->visited = true;
+      entity->marker = IFC::kToSave;
+      for (IFC::IfcEntity* const parent : entity->parents.Members()) open_.Append(parent, true);
+      entity->collectChildren(open_);
+    }
+  }
+
+  IFC::ChildQueue open_;
+};
+
+}  // namespace
+
+void IfcDocument::VisitParentsAndSave(IFC::IfcEntity* entity) { Visitor().VisitParents(*entity); }
+
+void IfcDocument::VisitChildrenAndSave(IFC::IfcEntity* entity) { Visitor().VisitChildren(*entity); }
+
+// What is left over is taken out by its marker. That is 0 for all of it, under which nothing is
+// filed: nothing is taken out, and the marks alone are the result.
+bool IfcDocument::DeleteUnrelatedObjects() {
+  if (mainContainer == nullptr) {
+    showError_("", u"Unable to delete unrelated objects because parser is NULL", kReportShow);
+    return false;
+  }
+  IFC::IfcEntity* const project = getIfcProject();
+  if (project == nullptr) {
+    showError_("", u"Unable to delete unrelated objects because project is NULL", kReportShow);
+    return false;
+  }
+  VisitParentsAndSave(project);
+  VisitChildrenAndSave(project);
+  return true;
+}
+
+}  // namespace corvel

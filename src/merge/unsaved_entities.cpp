@@ -1,0 +1,259 @@
+// The last step of the marking: of what is undecided, only that stays which hangs together with
+// something saved.
+//
+// An undecided entity is linked when a way along parents and children, over undecided entities
+// only, leads to a saved one. One that is not linked goes, with all that it hangs together with.
+// One that is linked goes too if it is of a class that has links through what it shares with
+// others, and all its parents are deleted; and that may cut the links of entities behind it, in
+// ascending number.
+//
+// Asking each entity by a search of its own is quadratic. But who is cut off by whom can be known
+// beforehand: entities of those classes with deleted parents go when their turn comes, linked or
+// not. So a first run tells when each entity will go at the latest (Removals); then the best way of
+// each entity to a saved one, which is the way whose first cut comes last, tells until when it is
+// linked (Links); and then each turn is decided by a comparison.
+
+#include <algorithm>
+#include <cstdint>
+#include <queue>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "merge/marking.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kTicks = 100;
+constexpr int kLastTick = 100;
+
+// Values of IfcEntity::walkResult in this step.
+constexpr std::uint8_t kNotReached = 0;
+constexpr std::uint8_t kReached = 1;
+constexpr std::uint8_t kToBeRemoved = 2;
+
+// A moment is the place of the entity whose turn it is. In the visit stamp it stands above all that
+// walks stamp with.
+using Moment = std::uint32_t;
+constexpr Moment kFirstMoment = 0x80000000u;
+constexpr Moment kNever = 0xFFFFFFFFu;
+
+// Linked to saved entities by what they share with them, so that their own parents decide.
+bool IsLinkedByItsChildren(const IFC::IfcEntity& entity) {
+  return ClassIs(entity, u"IfcAxis2Placement3D") ||
+         ClassIs(entity, u"IfcConnectionSurfaceGeometry");
+}
+
+bool HasLostItsParents(const IFC::IfcEntity& entity) {
+  return Deletion::IsOrphan(entity) && !entity.parents.IsEmpty() && IsLinkedByItsChildren(entity);
+}
+
+template <class Visit>
+void ForEachEntity(IFC::MainContainer& container, const Visit& visit) {
+  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+    visit(*at.entity);
+  }
+}
+
+// Until when each undecided entity is linked.
+class Links {
+ public:
+  Links(IFC::MainContainer& container, Deletion& deletion)
+      : container_(container), deletion_(deletion) {}
+
+  void Find() {
+    ScheduleRemovals();
+    FindNeighboursOfSaved();
+    Spread();
+  }
+
+  static bool IsLinked(const IFC::IfcEntity& entity, Moment now) {
+    return entity.walkResult == kReached && entity.visitStamp >= now;
+  }
+
+ private:
+  // The moment of an entity is when it will be removed, kNever for most.
+  void ScheduleRemovals() {
+    deletion_.StartRecord();
+    Moment now = kFirstMoment;
+    std::size_t recorded = 0;
+    ForEachEntity(container_, [&](IFC::IfcEntity& entity) {
+      if (IsUndecided(entity) && HasLostItsParents(entity)) {
+        deletion_.DeleteWithOrphans(entity);
+        for (; recorded < deletion_.Record().size(); ++recorded) {
+          deletion_.Record()[recorded]->walkResult = kToBeRemoved;
+          deletion_.Record()[recorded]->visitStamp = now;
+        }
+      }
+      ++now;
+    });
+    removed_ = deletion_.Record();
+    deletion_.Undo();
+  }
+
+  void FindNeighboursOfSaved() {
+    ForEachEntity(container_, [this](IFC::IfcEntity& entity) {
+      if (!IsUndecided(entity)) return;
+      Prepare(entity);
+      if (IsNextToSaved(entity)) Reach(entity, kNever);
+    });
+    for (IFC::IfcEntity* const value : values_) {
+      if (IsNextToSaved(*value)) Reach(*value, kNever);
+    }
+    for (IFC::IfcEntity* const entity : removed_) {
+      if (entity->walkResult == kToBeRemoved) entity->walkResult = kNotReached;
+    }
+  }
+
+  // Sets the moment of an entity and of the values in its record.
+  void Prepare(IFC::IfcEntity& entity) {
+    SetMoment(entity);
+    entity.collectChildren(valueQueue_);
+    while (!valueQueue_.IsEmpty()) {
+      IFC::IfcEntity* const child = valueQueue_.TakeBack().entity;
+      if (child == nullptr || !child->inlineValue || !IsUndecided(*child)) continue;
+      SetMoment(*child);
+      NoteReferencesOf(*child);
+      child->collectChildren(valueQueue_);
+    }
+  }
+
+  static void SetMoment(IFC::IfcEntity& entity) {
+    if (entity.walkResult == kToBeRemoved) return;
+    entity.walkResult = kNotReached;
+    entity.visitStamp = kNever;
+  }
+
+  // A value that refers to an entity is not among that one's parents.
+  void NoteReferencesOf(IFC::IfcEntity& value) {
+    value.collectChildren(children_);
+    if (!children_.IsEmpty()) values_.push_back(&value);
+    while (!children_.IsEmpty()) {
+      const IFC::IfcEntity* const child = children_.TakeBack().entity;
+      if (child != nullptr) valuesWithReference_.emplace(child, &value);
+    }
+  }
+
+  bool IsNextToSaved(const IFC::IfcEntity& entity) {
+    for (const IFC::IfcEntity* const parent : entity.parents.Members()) {
+      if (IsSaved(*parent)) return true;
+    }
+    bool found = false;
+    entity.collectChildren(children_);
+    while (!children_.IsEmpty()) {
+      const IFC::IfcEntity* const child = children_.TakeBack().entity;
+      found = found || (child != nullptr && IsSaved(*child));
+    }
+    return found;
+  }
+
+  // There is a way from the entity on that is not cut before `moment`.
+  void Reach(IFC::IfcEntity& entity, Moment moment) {
+    if (!IsUndecided(entity) || entity.walkResult == kReached) return;
+    const Moment cut = std::min(moment, entity.visitStamp);
+    if (cut == kNever) {
+      uncut_.push_back(&entity);
+    } else {
+      cut_.emplace(cut, &entity);
+    }
+  }
+
+  // The ways that are cut last come first, so that the first one to reach an entity is its best.
+  void Spread() {
+    for (;;) {
+      if (!uncut_.empty()) {
+        IFC::IfcEntity* const entity = uncut_.back();
+        uncut_.pop_back();
+        Settle(*entity, kNever);
+      } else if (!cut_.empty()) {
+        const auto [moment, entity] = cut_.top();
+        cut_.pop();
+        Settle(*entity, moment);
+      } else {
+        return;
+      }
+    }
+  }
+
+  // Everything that the entity is a parent or a child of has a way over it.
+  void Settle(IFC::IfcEntity& entity, Moment moment) {
+    if (entity.walkResult == kReached) return;
+    entity.walkResult = kReached;
+    entity.visitStamp = moment;
+    for (IFC::IfcEntity* const parent : entity.parents.Members()) Reach(*parent, moment);
+    const auto [first, last] = valuesWithReference_.equal_range(&entity);
+    for (auto value = first; value != last; ++value) Reach(*value->second, moment);
+    if (entity.inlineValue) return;
+    entity.collectChildren(children_);
+    while (!children_.IsEmpty()) {
+      IFC::IfcEntity* const child = children_.TakeBack().entity;
+      if (child != nullptr) Reach(*child, moment);
+    }
+  }
+
+  IFC::MainContainer& container_;
+  Deletion& deletion_;
+  std::vector<IFC::IfcEntity*> removed_;
+  std::vector<IFC::IfcEntity*> values_;  // with references
+  std::unordered_multimap<const IFC::IfcEntity*, IFC::IfcEntity*> valuesWithReference_;
+  std::vector<IFC::IfcEntity*> uncut_;
+  std::priority_queue<std::pair<Moment, IFC::IfcEntity*>> cut_;
+  IFC::ChildQueue children_;
+  IFC::ChildQueue valueQueue_;
+};
+
+class UnsavedEntities {
+ public:
+  UnsavedEntities(IFC::MainContainer& container, Deletion& deletion)
+      : container_(container), deletion_(deletion) {}
+
+  bool Remove(const MarkingProgress& progress) {
+    Links(container_, deletion_).Find();
+    TickCounter ticks(std::max<std::size_t>(container_.entities.Size() / kTicks, 1));
+    int step = 0;
+    Moment now = kFirstMoment;
+    for (auto at = container_.entities.First(); at; at = container_.entities.Next(at.number)) {
+      if (IsUndecided(*at.entity)) Decide(*at.entity, now);
+      ++now;
+      if (!ticks.Advance() || step >= kLastTick) continue;
+      if (!progress.Tick(++step, false, kLastTick)) return false;
+    }
+    return true;
+  }
+
+ private:
+  void Decide(IFC::IfcEntity& entity, Moment now) {
+    if (!Links::IsLinked(entity, now)) {
+      DeleteTree(entity);
+    } else if (HasLostItsParents(entity)) {
+      deletion_.DeleteWithOrphans(entity);
+    }
+  }
+
+  // All undecided entities that it hangs together with.
+  void DeleteTree(IFC::IfcEntity& root) {
+    queue_.Append(&root, true);
+    while (!queue_.IsEmpty()) {
+      IFC::IfcEntity* const entity = queue_.TakeBack().entity;
+      if (entity == nullptr || !IsUndecided(*entity)) continue;
+      deletion_.Delete(*entity);
+      for (IFC::IfcEntity* const parent : entity->parents.Members()) queue_.Append(parent, true);
+      entity->collectChildren(queue_);
+    }
+  }
+
+  IFC::MainContainer& container_;
+  Deletion& deletion_;
+  IFC::ChildQueue queue_;
+};
+
+}  // namespace
+
+bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion,
+                           const MarkingProgress& progress) {
+  return UnsavedEntities(container, deletion).Remove(progress);
+}
+
+}  // namespace corvel
