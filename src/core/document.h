@@ -13,6 +13,7 @@
 #include "core/main_container.h"
 #include "core/reporting.h"
 #include "core/text.h"
+#include "core/unit_comparison.h"
 
 namespace corvel {
 
@@ -21,8 +22,8 @@ struct HeaderToken;
 
 enum class MergeStatus : std::uint32_t { kNotMerged = 0, kMerged = 1, kFailed = 2 };
 
-// Two numbers of the file: an object's, and that of the object that the host gives as its parent. 0,
-// or the object itself: there is no parent to follow.
+// Two numbers of the file: an object's, and that of the object that the host gives as its parent.
+// 0, or the object itself: there is no parent to follow.
 struct MarkerPair {
   std::uint32_t number = 0;
   std::uint32_t parentNumber = 0;
@@ -104,7 +105,12 @@ class IfcDocument {
   // Containers taken over by merging. Their pools hold entities and texts of this model.
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
-  bool mergeable = false;
+  // Whether the model goes with the first one of a run, and takes part. CheckUnits sets them.
+  bool unitsValid = false;   // its units are those of the first, or are let pass
+  bool schemaValid = false;  // its schema identifier is that of the first
+  bool mergeable = false;    // both
+  // At most one for each of comparedUnitTypes, in their order.
+  std::vector<UnitComparison> unitDifferences;
   std::uint64_t hostProject = 0;  // handle of the host's project that the file belongs to
 
  private:

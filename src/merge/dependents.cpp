@@ -2,6 +2,9 @@
 // child: their property data, and the shape of a site.
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "core/entity_cast.h"
@@ -49,29 +52,55 @@ class Dependents {
     std::sort(
         relations_.begin(), relations_.end(),
         [](const IFC::IfcEntity* a, const IFC::IfcEntity* b) { return PlaceOf(*a) < PlaceOf(*b); });
-    for (IFC::IfcEntity* const relation : relations_) {
-      if (RelatesNothing(*relation)) DeleteRelation(*relation);
+    for (IFC::IfcEntity* const relation : relations_) LookAt(*relation);
+  }
+
+  // What a relation says, and how much of it is known to be gone.
+  struct Relation {
+    std::vector<IFC::IfcEntity*> objects;
+    std::size_t gone = 0;  // so many of the first objects
+    std::vector<IFC::IfcEntity*> sets;
+  };
+
+  // A relation with many objects is looked at for many of them, so it is asked once and remembered.
+  void LookAt(IFC::IfcEntity& entity) {
+    const auto known = large_.find(&entity);
+    if (known != large_.end()) {
+      DeleteIfNothingIsLeft(entity, known->second);
+      return;
+    }
+    const auto* const relation = EntityCast<IFC::VirtualPropertyRelation>(&entity);
+    if (relation == nullptr) return;
+    asked_.objects.clear();
+    asked_.gone = 0;
+    asked_.sets.clear();
+    relation->collectRelatedObjects(asked_.objects);
+    NotePropertySets(entity);
+    if (asked_.objects.size() <= kFew) {
+      DeleteIfNothingIsLeft(entity, asked_);
+    } else {
+      DeleteIfNothingIsLeft(entity, large_.emplace(&entity, asked_).first->second);
     }
   }
 
-  bool RelatesNothing(IFC::IfcEntity& entity) {
-    const auto* const relation = EntityCast<IFC::VirtualPropertyRelation>(&entity);
-    if (relation == nullptr) return false;
-    objects_.clear();
-    relation->collectRelatedObjects(objects_);
-    return std::all_of(objects_.begin(), objects_.end(), [](const IFC::IfcEntity* object) {
-      return object == nullptr || IsDeleted(*object);
-    });
-  }
-
-  void DeleteRelation(IFC::IfcEntity& relation) {
-    deletion_.Delete(relation);
+  void NotePropertySets(const IFC::IfcEntity& relation) {
     IFC::ChildQueue children;
     relation.collectChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
-      if (child == nullptr || IsDeleted(*child) || !IsPropertySet(*child)) continue;
-      if (Deletion::IsOrphan(*child)) DeletePropertySet(*child);
+      if (child != nullptr && IsPropertySet(*child)) asked_.sets.push_back(child);
+    }
+  }
+
+  // Nothing comes back in this step, so that the search goes on where it stopped.
+  void DeleteIfNothingIsLeft(IFC::IfcEntity& entity, Relation& relation) {
+    for (; relation.gone < relation.objects.size(); ++relation.gone) {
+      const IFC::IfcEntity* const object = relation.objects[relation.gone];
+      if (object != nullptr && !IsDeleted(*object)) return;
+    }
+    deletion_.Delete(entity);
+    for (IFC::IfcEntity* const set : relation.sets) {
+      if (!IsDeleted(*set) && Deletion::IsOrphan(*set)) DeletePropertySet(*set);
     }
   }
 
@@ -99,11 +128,13 @@ class Dependents {
     taken_.clear();
   }
 
+  static constexpr std::size_t kFew = 16;
   static constexpr std::uint8_t kTaken = 3;  // once for a set: objects may refer to one another
 
   Deletion& deletion_;
   std::vector<IFC::IfcEntity*> relations_;
-  std::vector<IFC::IfcEntity*> objects_;
+  Relation asked_;
+  std::unordered_map<const IFC::IfcEntity*, Relation> large_;
   std::vector<IFC::IfcEntity*> taken_;
 };
 

@@ -2,6 +2,7 @@
 // belongs, and which of them are active, visible and selected.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -41,6 +42,13 @@ struct ProjectOffsetRecord {
 };
 static_assert(sizeof(ProjectOffsetRecord) == 32);
 
+// Two points of the scene, x, y and z in metres, which count by their sum only: models are moved
+// back by it.
+struct CoordinateCenters {
+  std::array<double, 3> first{};
+  std::array<double, 3> second{};
+};
+
 class HostScene {
  public:
   virtual ~HostScene() = default;
@@ -55,6 +63,10 @@ class HostScene {
   virtual void Redraw() = 0;
   // The file behind a project, or `archive|entry`; empty for a project that is not loaded.
   virtual WideString ProjectPath(HostObject project) = 0;
+  // One record for each project that the host moves; none where it does not tell.
+  virtual std::vector<ProjectOffsetRecord> ProjectOffsets() = 0;
+  // Zeros where the host does not tell.
+  virtual CoordinateCenters Centers() = 0;
 };
 
 }  // namespace corvel

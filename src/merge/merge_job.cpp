@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "merge/document_checks.h"
 #include "merge/merge_documents.h"
+#include "merge/project_offsets.h"
+#include "merge/units.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
@@ -16,6 +17,7 @@ namespace {
 
 // Percent of the overall bar; writing has the rest.
 constexpr int kReadingWeight = 30;
+constexpr int kDeletingWeight = 10;
 constexpr int kMergingWeight = 15;
 
 // Flags of the system's message box.
@@ -53,15 +55,6 @@ bool HasModelExtension(const WideString& path) {
   return extension == u".ifc" || extension == u".ifczip" || extension == u".olf";
 }
 
-bool Counts(const ObjectState& state, SavingMode mode) {
-  switch (mode) {
-    case SavingMode::kMergeActive: return state.active != 0;
-    case SavingMode::kMergeVisible: return state.active != 0 && state.visible == 1;
-    case SavingMode::kMergeSelected: return state.selected != 0;
-  }
-  return false;
-}
-
 // Frees the models however a run ends.
 class DocumentsOfRun {
  public:
@@ -82,13 +75,7 @@ MergeJob::MergeJob(HostScene& scene, MergeShell& shell) : scene_(scene), shell_(
 MergeJob::~MergeJob() = default;
 
 std::set<HostObject> MergeJob::CollectProjectsOfMode(SavingMode mode) {
-  const std::vector<HostObject> objects = scene_.AllObjects();
-  const std::vector<ObjectInfo> owners = scene_.Projects(objects);
-  const std::vector<ObjectState> states = scene_.States(objects);
-  std::set<HostObject> projects;
-  for (std::size_t i = 0; i < objects.size(); ++i) {
-    if (Counts(states[i], mode)) projects.insert(owners[i].project);
-  }
+  std::set<HostObject> projects = ObjectSelection(scene_).ProjectsOf(mode);
   const auto offender = std::find_if(projects.begin(), projects.end(), [this](HostObject project) {
     return !HasModelExtension(scene_.ProjectPath(project));
   });
@@ -100,7 +87,8 @@ std::set<HostObject> MergeJob::CollectProjectsOfMode(SavingMode mode) {
 }
 
 RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<HostObject>& projects,
-                        SavingMode /*mode*/) {
+                        SavingMode mode) {
+  mode_ = mode;
   projects_ = projects;
   files_.clear();
   for (const HostObject project : projects) {
@@ -187,16 +175,46 @@ bool MergeJob::Read(HostObject project) {
 // A model that was not read to its end stops the run, as nobody wants half a building.
 bool MergeJob::PrepareDocuments() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
-  if (CheckDocuments(documents_, shell_) < 2) return false;
-  const auto unread = std::find_if(documents_.begin(), documents_.end(), [](const auto& document) {
-    return document->mergeable && !document->IsParsed();
-  });
-  if (unread == documents_.end()) return true;
-  shell_.Reporter()("",
-                    shell_.Text("unable_to_continue") + (*unread)->getFilePath() +
-                        shell_.Text("merging_terminate"),
-                    kReportShow);
-  return false;
+  const int mergeableCount = CheckUnits(documents_, shell_);
+  if (mergeableCount < 2) return false;
+  for (const auto& document : documents_) {
+    if (!document->mergeable) continue;
+    if (!document->IsParsed()) {
+      shell_.Reporter()("",
+                        shell_.Text("unable_to_continue") + document->getFilePath() +
+                            shell_.Text("merging_terminate"),
+                        kReportShow);
+      return false;
+    }
+    PrepareDocument(*document, kDeletingWeight / (mergeableCount + 1));
+    if (CancelWasConfirmed()) return false;
+  }
+  return true;
+}
+
+// Its offset comes before its objects are chosen: what carries the offset is kept with them.
+void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
+  const WideString path = document.getFilePath();
+  IfcDocument& first = *documents_.front();
+  Log(u"Procesing AdjustUnit");
+  if (&document != &first) AdjustUnit(document, first);
+  Log(u"Applying projects offsets to file: " + path);
+  ApplyProjectOffsets(document, scene_);
+  Log(u"Done.");
+  Log(u"getObjectsToSaveAndDelete");
+  ObjectSelection selection(scene_);
+  std::vector<HostObject> save;
+  std::vector<HostObject> leftOut;
+  selection.getObjectsID(mode_, document.hostProject, save, leftOut);
+  std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
+  std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
+  shell_.StartStage(weight);
+  shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
+  shell_.SetCurrentFile(path);
+  Log(u"Deleting objects from: " + path);
+  document.DeleteObjects(deletePairs, savePairs, false, shell_.Options().deleteOpenings,
+                         static_cast<int>(projects_.size()));
+  Log(u"Done.");
 }
 
 bool MergeJob::Fold() {
@@ -219,6 +237,7 @@ bool MergeJob::Fold() {
                       kReportShow);
     return false;
   }
+  documents_.front()->RemoveUnsavedEntities(nullptr, 0, {});
   shell_.SaveOptions();
   IfcLog::Instance().Flush();
   Log(u"Done.");

@@ -1,7 +1,6 @@
 // From the host's list of loaded projects to one written file.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <set>
 #include <vector>
@@ -9,11 +8,9 @@
 #include "core/document.h"
 #include "merge/host_scene.h"
 #include "merge/merge_shell.h"
+#include "merge/object_selection.h"
 
 namespace corvel {
-
-// Which objects count: the active ones, those of them that are visible, or the selected ones.
-enum class SavingMode : std::uint32_t { kMergeActive = 0, kMergeVisible = 1, kMergeSelected = 2 };
 
 // How a run ended. Users are told by boxes and the log; this is for a shell without windows.
 struct RunResult {
@@ -49,6 +46,7 @@ class MergeJob {
   bool ReadAll();
   bool Read(HostObject project);
   bool PrepareDocuments();
+  void PrepareDocument(IfcDocument& document, int weight);
   bool Fold();
   bool Save();
   void Conclude();
@@ -59,6 +57,7 @@ class MergeJob {
   std::vector<HostObject> files_;  // in the order of the run
   std::vector<HostObject> projects_;
   std::vector<std::unique_ptr<IfcDocument>> documents_;
+  SavingMode mode_ = SavingMode::kMergeActive;
   WideString outputPath_;
 };
 

@@ -48,4 +48,16 @@ WideString BoundScene::ProjectPath(HostObject project) {
   return plugin == nullptr ? WideString() : plugin->ProjectPath(project);
 }
 
+std::vector<ProjectOffsetRecord> BoundScene::ProjectOffsets() {
+  return ListOf<ProjectOffsetRecord>([](ProjectOffsetRecord* list, std::uint32_t capacity) {
+    return CallHost(Host().get_projects_offsets, list, capacity);
+  });
+}
+
+CoordinateCenters BoundScene::Centers() {
+  CoordinateCenters centers;
+  CallHost(Host().get_project_and_coordinate_center, centers.first.data(), centers.second.data());
+  return centers;
+}
+
 }  // namespace corvel::plugin

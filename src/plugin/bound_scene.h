@@ -16,6 +16,8 @@ class BoundScene final : public HostScene {
   void SetVisible(HostObject object, std::uint32_t visible) override;
   void Redraw() override;
   WideString ProjectPath(HostObject project) override;
+  std::vector<ProjectOffsetRecord> ProjectOffsets() override;
+  CoordinateCenters Centers() override;
 };
 
 }  // namespace corvel::plugin

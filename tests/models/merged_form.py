@@ -6,17 +6,18 @@ which new one, whose project stays, and who gets a new GUID.
 
 import re
 
+from kept_records import kept_records
 from written_form import line_text, tail_text
 
 _FIRST_TEXT = re.compile(rb"\('(?:[^']|'')*'")
 _PLACEHOLDER = b"('NEW'"
 
 
-def records_with_new_guids(model):
-    """Of records of one file that share a GUID the one with the lowest number keeps it, the others
+def records_with_new_guids(model, kept):
+    """Of kept records of one file that share a GUID the one with the lowest number keeps it, the others
     get new ones, and so does each that has none."""
     seen, renewed = set(), set()
-    for number in sorted(model.guids):
+    for number in sorted(model.guids.keys() & kept):
         guid = model.guids[number]
         if guid and guid not in seen:
             seen.add(guid)
@@ -32,13 +33,16 @@ class Merged:
 
     def __init__(self, models):
         self.models = models
+        self.kept = [kept_records(model) for model in models]
+        # Numbers of records that were dropped are not given to others.
         self.highest = max(number for model in models for number in model.lines)
-        self.sources = {number: (0, number) for number in models[0].lines}
-        self.numbering = [{number: number for number in models[0].lines}]
+        self.taken = set(models[0].lines)
+        self.sources = {number: (0, number) for number in self.kept[0]}
+        self.numbering = [{number: number for number in self.kept[0]}]
         for index in range(1, len(models)):
             self._fold(index)
         self.new_guids = {self.numbering[index][number] for index, model in enumerate(models)
-                          for number in records_with_new_guids(model)
+                          for number in records_with_new_guids(model, self.kept[index])
                           if self.sources.get(self.numbering[index][number]) == (index, number)}
         self.projects = [number for number in self.sources if self._name(number) == 'IFCPROJECT']
 
@@ -50,7 +54,7 @@ class Merged:
         lines = self.models[index].lines
         self.numbering.append({})
         project = None
-        for number in sorted(lines):
+        for number in sorted(self.kept[index]):
             if project is None and lines[number].name == 'IFCPROJECT':
                 project = number
             else:
@@ -67,9 +71,10 @@ class Merged:
     def _add(self, index, number):
         """A number that is free stays; otherwise the next one above all that were ever seen."""
         result = number
-        if number in self.sources:
+        if number in self.taken:
             self.highest += 1
             result = self.highest
+        self.taken.add(result)
         self.sources[result] = (index, number)
         self.numbering[index][number] = result
 

@@ -7,7 +7,11 @@ import merged_form
 import schema_facts
 import step_text
 import written_form
+from kept_records import kept_records
 from step_text import Absent, Enumeration, RAW_BYTE, Reference, StepFile, Typed
+
+
+SITE = "IFCSITE('',$,$,$,$,$,$,$,.ELEMENT.)"
 
 
 def file_of(records, schema='IFC4'):
@@ -155,14 +159,34 @@ class Merging(unittest.TestCase):
         return merged_form.Merged(models)
 
     def test_NumbersStayWhereTheyAreFree(self):
-        merged = self.merge('#1=IFCPROJECT(\'a\');#7=IFCPERSON();',
-                            '#3=IFCPROJECT(\'b\');#7=IFCPERSON();#5=IFCPERSON();',
-                            '#3=IFCPERSON();#9=IFCPERSON();#7=IFCPROJECT(\'c\');')
+        merged = self.merge(f"#1=IFCPROJECT('a');#7={SITE};",
+                            f"#3=IFCPROJECT('b');#7={SITE};#5={SITE};",
+                            f"#3={SITE};#9={SITE};#7=IFCPROJECT('c');")
         self.assertEqual(merged.numbering, [{1: 1, 7: 7}, {3: 1, 5: 5, 7: 10}, {3: 3, 7: 1, 9: 9}])
 
     def test_ReferencesFollowTheirRecords(self):
-        merged = self.merge('#1=IFCPERSON();', '#1=IFCPOLYLINE((#2));#2=IFCCARTESIANPOINT();')
-        self.assertIn(b'#2=IFCCARTESIANPOINT(());\n#3=IFCPOLYLINE((#2));\n', merged.text())
+        merged = self.merge(f'#1={SITE};', "#1=IFCSITE('',$,$,$,$,#2,$,$,.ELEMENT.);"
+                                           '#2=IFCLOCALPLACEMENT();')
+        self.assertIn(b"#2=IFCLOCALPLACEMENT($,*);\n#3=IFCSITE('NEW',$,$,$,$,#2,", merged.text())
+
+    def test_WhatNoObjectNeedsIsDroppedAndItsNumberIsNotGivenAway(self):
+        merged = self.merge(f'#1={SITE};#2=IFCPERSON();', f'#1=IFCPERSON();#2={SITE};')
+        self.assertEqual(merged.numbering, [{1: 1}, {2: 3}])
+
+    def test_WhatHangsTogetherWithAnObjectIsKept(self):
+        model = written_form.Model(file_of(
+            '#1=IFCSITE(\'\',#2,$,$,$,$,$,$,.ELEMENT.);#2=IFCOWNERHISTORY();'
+            "#3=IFCRELDEFINESBYPROPERTIES('',#2,$,$,(#1),#4);#4=IFCPROPERTYSET('',#2,$,$,(#5));"
+            "#5=IFCCOMPLEXPROPERTY('',$,'',(#6));#6=IFCPROPERTYREFERENCEVALUE('',$,$,$);"
+            "#7=IFCRELDEFINESBYPROPERTIES('',#2,$,$,(),#8);#8=IFCPROPERTYSET('',$,$,$,(#9));"
+            "#9=IFCPROPERTYREFERENCEVALUE('',$,$,$);#10=IFCPERSON();"))
+        self.assertEqual(kept_records(model), {1, 2, 3, 4, 5, 6})
+
+    def test_WhatCannotExistIsDropped(self):
+        model = written_form.Model(file_of(
+            f"#1={SITE};#3=IFCRELDEFINESBYPROPERTIES('',$,$,$,(#1),#4);"
+            "#4=IFCPROPERTYSET('',$,$,$,(#5));#5=IFCCOMPLEXPROPERTY('',$,'',());"))
+        self.assertEqual(kept_records(model), {1})
 
     def test_FirstOfEqualGuidsIsKept(self):
         merged = self.merge("#1=IFCPROJECT('a');#2=IFCSITE('a',$,$,$,$,$,$,$,.ELEMENT.);",

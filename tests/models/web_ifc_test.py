@@ -16,7 +16,9 @@ from collections import Counter
 
 import program
 import step_text
+from kept_records import kept_records
 from program import ModelTest, REAL_MODELS, SAMPLES
+from scene import Scene
 
 _FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'web_ifc')
 _SKIPPED = 77
@@ -67,14 +69,16 @@ class WebIfc(ModelTest):
         with self.subTest(files=list(map(os.path.basename, paths))):
             self.need_release(program.identifier_of(paths[0]))
             names = [self.copy(path) for path in paths]
+            counted = self.count(names)
             if len(names) > 1:
-                self.merge(names, output='out.ifc')
+                self.merge(names, '--ignore-units', output='out.ifc')
+                for one, path in zip(counted, paths):
+                    one['records'] = len(kept_records(program.model_of(path)))
             else:
                 self.resave(names[0])
-            self.compare(*self.count([*names, 'out.ifc']))
+            self.compare(counted, *self.count(['out.ifc']))
 
-    def compare(self, *counted):
-        *inputs, result = counted
+    def compare(self, inputs, result):
         products = sum((Counter(one['products']) for one in inputs), Counter())
         self.assertEqual(products, Counter(result['products']))
         self.assertGreater(sum(products.values()), 0)
@@ -85,7 +89,33 @@ class WebIfc(ModelTest):
             self.assertGreater(result[count], 0)
 
 
+    def check_storey(self, paths):
+        """Of each model the storey with the most on it: the geometry of exactly these products."""
+        with self.subTest(storeys_of=list(map(os.path.basename, paths))):
+            self.need_release(program.identifier_of(paths[0]))
+            scenes = [Scene(program.model_of(path)) for path in paths]
+            parts = [max((scene.below(storey) for storey in scene.of_class('IfcBuildingStorey')),
+                         key=len) for scene in scenes]
+            names = [self.copy(path) for path in paths]
+            self.merge(names, '--ignore-units', *(
+                option for index, part in enumerate(parts, 1) for option in
+                ('--select', f'{index}:' + ','.join(f'#{number}' for number in part))))
+            *inputs, result = self.count([*names, 'merged.ifc'])
+            wanted = {}
+            for scene, part, counted in zip(scenes, parts, inputs):
+                guids = {scene.model.guids[number] for number in part}
+                wanted |= {guid: count for guid, count in counted['geometries'].items()
+                           if guid in guids}
+            self.assertGreater(len(wanted), 0)
+            self.assertEqual(result['geometries'], wanted)
+
+
 class Samples(WebIfc):
+
+    def test_OneStoreyOfABuilding(self):
+        for release in ('IFC2X3', 'IFC4'):
+            self.check_storey([os.path.join(SAMPLES, f'office_{part}_{release}.ifc')
+                               for part in ('architecture', 'structure')])
 
     def test_ArchitectureAndStructureOfOneBuilding(self):
         for release in ('IFC2X3', 'IFC4'):
@@ -114,6 +144,9 @@ class RealModels(WebIfc):
         paths = sorted(glob.glob(os.path.join(REAL_MODELS, name, '*.ifc')))
         self.assertEqual(len(paths), count)
         self.check(paths)
+
+    def test_OneStoreyOfDuplex(self):
+        self.check_storey(sorted(glob.glob(os.path.join(REAL_MODELS, 'duplex', '*.ifc'))))
 
     def test_Duplex(self):
         self.check_folder('duplex', 2)

@@ -59,6 +59,16 @@ TEST_P(LocalPlacementInterface, WhatIsNoPlacementTakesTheRelationAway) {
   EXPECT_EQ("IFCLOCALPLACEMENT($,*)", Written(placement));
 }
 
+TEST_P(LocalPlacementInterface, TellsWhatItIsPlacedRelativeTo) {
+  IfcEntity* const grid = Add(1, "IFCGRIDPLACEMENT");
+  VirtualLocalPlacement* const placement = AddPlacement(2, "$");
+  EXPECT_EQ(nullptr, placement->getPlacementRelTo());
+  placement->setPlacementRelTo(grid);
+  EXPECT_EQ(grid, placement->getPlacementRelTo());
+  EXPECT_EQ(placement, AddPlacement(3, "#2")->getPlacementRelTo());
+  EXPECT_EQ(nullptr, AddPlacement(4, "#77")->getPlacementRelTo());
+}
+
 TEST_P(LocalPlacementInterface, RelativePlacementIsIn2DOr3D) {
   VirtualLocalPlacement* const placement = AddPlacement(1, "$");
   EXPECT_EQ(nullptr, placement->getRelativePlacement());

@@ -143,6 +143,15 @@ TEST_P(ProductInterface, ProductWithoutPlacementGetsABlankOneToBeFiled) {
   EXPECT_EQ(std::vector<IfcEntity*>{made}, ChildrenOf(&wall));
 }
 
+TEST_P(ProductInterface, OwnPlacementIsOfAnyKind) {
+  IfcEntity* const grid = Add(1, "IFCGRIDPLACEMENT");
+  EXPECT_EQ(grid, AddAs<IFC::VirtualIfcProduct>(2, kWallOn1).getObjectPlacement());
+  auto& wall = AddAs<IFC::VirtualIfcProduct>(3, "IFCWALL");
+  EXPECT_EQ(nullptr, wall.getObjectPlacement());
+  IFC::VirtualLocalPlacement* const made = wall.getRootPlacement(Pool());
+  EXPECT_EQ(made, wall.getObjectPlacement());
+}
+
 TEST_P(ProductInterface, PlacementThatWasMadeIsTheRootFromThenOn) {
   auto& wall = AddAs<IFC::VirtualIfcProduct>(1, "IFCWALL");
   IFC::VirtualLocalPlacement* const made = wall.getRootPlacement(Pool());

@@ -65,6 +65,8 @@ def _product_bindings():
             Method('const char16_t* getName() const', 'return Name;'),
         ))],
         'IfcProduct': [Binding('IFC::VirtualIfcProduct', (
+            Method('IFC::IfcEntity* getObjectPlacement() const',
+                   'return ObjectPlacementPresent ? ObjectPlacement : nullptr;'),
             Method('IFC::VirtualLocalPlacement* getRootPlacement(corvel::MemoryPool& pool)',
                    'return IFC::implement::ProductRootPlacement<IfcLocalPlacement>(*this, pool);'),
         ))],
@@ -248,6 +250,8 @@ def _geometry_bindings():
             Method('void setPlacementRelTo(IFC::IfcEntity* placement)',
                    'IFC::implement::SetOptional(PlacementRelTo, PlacementRelToPresent, '
                    'IFC::implement::Admitted<IfcObjectPlacement>(placement));'),
+            Method('IFC::IfcEntity* getPlacementRelTo() const',
+                   'return PlacementRelToPresent ? PlacementRelTo : nullptr;'),
             Method('void setRelativePlacement(IFC::IfcEntity* placement)',
                    'RelativePlacement = IFC::implement::Admitted<IfcAxis2Placement>(placement);'),
             Method('IFC::IfcEntity* getRelativePlacement() const', 'return RelativePlacement;'),

@@ -17,6 +17,8 @@ class VirtualLocalPlacement : public virtual IfcEntity {
  public:
   // What is no IfcObjectPlacement (null included) makes the placement relative to nothing.
   virtual void setPlacementRelTo(IfcEntity* placement) = 0;
+  // Any IfcObjectPlacement; null when the placement is relative to nothing.
+  virtual IfcEntity* getPlacementRelTo() const = 0;
   // Null for what is no IfcAxis2Placement.
   virtual void setRelativePlacement(IfcEntity* placement) = 0;
   virtual IfcEntity* getRelativePlacement() const = 0;

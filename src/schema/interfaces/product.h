@@ -14,6 +14,8 @@ class VirtualLocalPlacement;
 // IfcProduct and its subtypes.
 class VirtualIfcProduct : public virtual IfcEntity {
  public:
+  // The product's own placement, of whatever kind. Null when absent.
+  virtual IfcEntity* getObjectPlacement() const = 0;
   // The outermost local placement that the product hangs on: that of its own placement, or its own
   // placement where that hangs on no other. Null when the product is placed in another way (a grid
   // placement, say). A product without a placement gets a new blank one with the marker

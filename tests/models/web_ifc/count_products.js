@@ -1,6 +1,8 @@
 // Opens models with web-ifc and prints what it found as JSON, one line per model:
-//   {"schema": ..., "records": n, "products": {"IFCWALL": n, ...}, "meshes": n, "placed": n}
-// `products` counts by class, `meshes` the products with geometry, `placed` the geometries in them.
+//   {"schema": ..., "records": n, "products": {"IFCWALL": n, ...}, "meshes": n, "placed": n,
+//    "geometries": {GUID: n, ...}}
+// `products` counts by class, `meshes` the products with geometry, `placed` the geometries in them,
+// which `geometries` tells for each of those products.
 //
 // Usage: node count_products.js FOLDER FILE...
 // FOLDER holds node_modules; this script itself may lie elsewhere.
@@ -29,11 +31,13 @@ function countProducts(model) {
 function countGeometry(model) {
   let meshes = 0;
   let placed = 0;
+  const geometries = {};
   api.StreamAllMeshes(model, (mesh) => {
     meshes += 1;
     placed += mesh.geometries.size();
+    geometries[api.GetLine(model, mesh.expressID).GlobalId.value] = mesh.geometries.size();
   });
-  return { meshes, placed };
+  return { meshes, placed, geometries };
 }
 
 for (const file of files) {

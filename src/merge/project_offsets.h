@@ -1,0 +1,23 @@
+// Models stand in the merged file where the host shows them.
+#pragma once
+
+#include "core/document.h"
+#include "merge/host_scene.h"
+
+namespace corvel {
+
+// Hangs the products of `document` below one new placement that carries what the host moves its
+// project by, and the centre of the scene; coordinates are not rewritten. Nothing happens when the
+// model is not moved.
+//
+// The outermost local placement of each product becomes relative to the new one. It is left alone,
+// with all that hangs on it, when it is placed on a grid or along a line, or in 2D. A product
+// without a placement gets one at the origin. Placements that go in a circle have no outermost: the
+// one that the way from a product comes to a second time takes its part, which opens the circle.
+//
+// All markers are 0 afterwards but those of the new entities: kNewRootPlacement on the new
+// placement, their numbers on the others. Trouble with the length unit is reported. One walk over
+// the model, however long its chains of placements are.
+void ApplyProjectOffsets(IfcDocument& document, HostScene& scene);
+
+}  // namespace corvel

@@ -1,0 +1,123 @@
+#include "merge/rejected_projects.h"
+
+#include <algorithm>
+#include <map>
+
+#include "merge/unit_texts.h"
+#include "platform/file.h"
+
+namespace corvel {
+
+namespace {
+
+using Documents = std::vector<std::unique_ptr<IfcDocument>>;
+
+bool TakesPart(const std::unique_ptr<IfcDocument>& document) {
+  return document->unitsValid && document->schemaValid;
+}
+
+WideString FileNameOf(const IfcDocument& document) {
+  const WideString path = document.getFilePath();
+  return path.substr(platform::FindLastSeparator(path) + 1);
+}
+
+// "LENGTHUNIT(#12) - MILLIMETRE"
+WideString UnitText(const UnitComparison& row, std::uint32_t marker, const WideString& label) {
+  return WithoutDotsAndCommas(row.unitType) + u"(#" + ToWide(marker) + u") - " +
+         WithoutDotsAndCommas(label);
+}
+
+// Collects messages until it is shown. Its texts carry their own blanks and line ends.
+class Report {
+ public:
+  Report(const Documents& documents, MergeShell& shell)
+      : documents_(documents), shell_(shell), report_(shell.Reporter()) {}
+
+  void TellSchemas();
+  void TellUnits();
+  // Those that are merged all the same, when others have been told.
+  void TellMerged();
+  void Show() { report_("", u"", kReportShow); }
+
+ private:
+  void Add(const WideString& message) { report_("", message, kReportCollect); }
+  WideString NamesOfOtherSchemas() const;
+  WideString ListOtherUnits();
+  WideString FirstInQuotes() const { return u"\"" + FileNameOf(*documents_.front()) + u"\""; }
+
+  const Documents& documents_;
+  MergeShell& shell_;
+  ErrorReporter report_;
+  WideString schemaList_;
+  WideString unitsList_;
+  // By unit type, a row for the unit of the first model.
+  std::map<WideString, const UnitComparison*> typesThatDiffer_;
+};
+
+WideString Report::NamesOfOtherSchemas() const {
+  WideString list;
+  for (const auto& document : documents_) {
+    if (document->schemaValid) continue;
+    list += FileNameOf(*document) + u"(" + document->KnownSchemaIdentifier() + u")\n";
+  }
+  return list;
+}
+
+void Report::TellSchemas() {
+  schemaList_ = NamesOfOtherSchemas();
+  if (schemaList_.empty()) return;
+  Add(shell_.Text("not_all_projects_merge") + u" " + FirstInQuotes() + u"(" +
+      documents_.front()->KnownSchemaIdentifier() + u")");
+  Add(shell_.Text("due_to_invalid_schema") + u".");
+  Add(shell_.Text("projects_that_will_not_be_merged"));
+  Add(schemaList_);
+}
+
+WideString Report::ListOtherUnits() {
+  WideString list;
+  for (const auto& document : documents_) {
+    if (document->unitsValid || document->unitDifferences.empty()) continue;
+    list += u"\n  " + FileNameOf(*document) + u":";
+    for (const UnitComparison& row : document->unitDifferences) {
+      list += u"\n    " + UnitText(row, row.otherMarker, row.otherLabel);
+      typesThatDiffer_.try_emplace(row.unitType, &row);
+    }
+    list += u"\n";
+  }
+  return list;
+}
+
+void Report::TellUnits() {
+  unitsList_ = ListOtherUnits();
+  if (unitsList_.empty()) return;
+  if (!schemaList_.empty()) Add(u"\n");
+  Add(shell_.Text("not_all_projects_merge") + u" " + FirstInQuotes());
+  Add(shell_.Text("due_to_invalid_units") + u":\n");
+  for (const auto& [type, row] : typesThatDiffer_) {
+    Add(u"  " + UnitText(*row, row->marker, row->unitLabel) + u"\n");
+  }
+  Add(shell_.Text("projects_that_will_not_be_merged") + u"\n");
+  Add(unitsList_);
+}
+
+void Report::TellMerged() {
+  if (schemaList_.empty() && unitsList_.empty()) return;
+  WideString list;
+  for (std::size_t i = 1; i < documents_.size(); ++i) {
+    if (documents_[i]->mergeable) list += FileNameOf(*documents_[i]) + u"\"\n";
+  }
+  if (!list.empty()) Add(shell_.Text("projects_that_will_be_merged") + u"\n\n" + list);
+}
+
+}  // namespace
+
+void ReportRejectedProjects(const Documents& documents, MergeShell& shell) {
+  if (std::all_of(documents.begin(), documents.end(), TakesPart)) return;
+  Report report(documents, shell);
+  report.TellSchemas();
+  if (!shell.Options().ignoreUnits) report.TellUnits();
+  report.TellMerged();
+  report.Show();
+}
+
+}  // namespace corvel

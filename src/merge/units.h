@@ -1,0 +1,25 @@
+// Which models of a run take part in the merge, by schema and units. No model is rescaled: one that
+// takes part with other units keeps its numbers.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "core/document.h"
+#include "merge/merge_shell.h"
+
+namespace corvel {
+
+// Measures every later document by the first: sets unitsValid, schemaValid, mergeable and
+// unitDifferences of each. Another prefix (millimetres for metres) is let pass by the option
+// ignoreUnits, another unit never is. What is left out is told in one report. Changes no entity.
+// Gives the number of documents that take part, the first included; 0 with fewer than two.
+int CheckUnits(const std::vector<std::unique_ptr<IfcDocument>>& documents, MergeShell& shell);
+
+// Deletes the units in which `document` differs, up to the first that is no length in kilometres,
+// metres, centimetres or millimetres; false when there is such a one. Nothing is left of it later:
+// marks are taken away again before objects are marked, so that the units are written after all.
+// `first`, which the document was measured by, is not looked at.
+bool AdjustUnit(IfcDocument& document, const IfcDocument& first);
+
+}  // namespace corvel
