@@ -32,10 +32,6 @@ make_prefix() {
       >/dev/null 2>&1 || return 1
   fi
   timeout 60 $server -w
-  # Wine's Tahoma and its symbols of title bars (package fonts-wine), which it does not find itself.
-  for font in /usr/share/wine/fonts/*; do
-    [ -f "$font" ] && ln -sf "$font" "$WINEPREFIX/drive_c/windows/Fonts/"
-  done
   # Links in the place of copies of Wine's own libraries: 45 MB instead of 700.
   own=/usr/lib/x86_64-linux-gnu/wine/x86_64-windows
   for copy in "$WINEPREFIX"/drive_c/windows/system32/*; do
@@ -46,6 +42,14 @@ make_prefix() {
   touch "$WINEPREFIX/.ready"
 }
 
+# Wine's Tahoma and its symbols of title bars (package fonts-wine), which it does not find itself. A
+# server that runs already goes on without.
+link_fonts() {
+  for font in /usr/share/wine/fonts/*; do
+    [ -f "$font" ] && ln -sf "$font" "$WINEPREFIX/drive_c/windows/Fonts/"
+  done
+}
+
 if [ ! -f "$WINEPREFIX/.ready" ]; then
   mkdir -p "$(dirname "$WINEPREFIX")"
   (
@@ -53,6 +57,7 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
     [ -f "$WINEPREFIX/.ready" ] || make_prefix
   ) 9>"$WINEPREFIX.lock" || { echo "wine-run.sh: Wine cannot make $WINEPREFIX" >&2; exit 125; }
 fi
+[ -e "$WINEPREFIX/drive_c/windows/Fonts/tahoma.ttf" ] || link_fonts
 
 # A server that was started without standard streams would serve nobody.
 [ -e /proc/self/fd/0 ] || exec </dev/null
