@@ -1,6 +1,6 @@
 #include "plugin/callbacks.h"
 
-#include "plugin/plugin.h"
+#include "plugin/delivery.h"
 
 namespace corvel::plugin::callbacks {
 
@@ -9,31 +9,30 @@ namespace {
 // An event without arguments.
 template <void (cpp::PluginBase::*Event)()>
 void Forward() {
-  if (Plugin* const plugin = Plugin::Instance()) (plugin->*Event)();
+  Deliver([](Plugin& plugin) { (plugin.*Event)(); });
 }
 
 template <void (cpp::PluginBase::*Event)(std::uint64_t)>
 void ForwardSheet(std::uint64_t sheet) {
-  if (Plugin* const plugin = Plugin::Instance()) (plugin->*Event)(sheet);
+  Deliver([=](Plugin& plugin) { (plugin.*Event)(sheet); });
 }
 
 bool CanClearModel() {
-  Plugin* const plugin = Plugin::Instance();
-  return plugin == nullptr || plugin->CanClearModel();
+  return Deliver(true, [](Plugin& plugin) { return plugin.CanClearModel(); });
 }
 
 void OnDrawObjectClick() {
   const std::uint64_t object = CallHost(Host().get_draw_object_id);
-  if (Plugin* const plugin = Plugin::Instance()) plugin->OnDrawObjectClick(object);
+  Deliver([=](Plugin& plugin) { plugin.OnDrawObjectClick(object); });
 }
 
 void OnGalleryItemContextMenu() {
   const std::int32_t item = CallHost(Host().clicked_button);
-  if (Plugin* const plugin = Plugin::Instance()) plugin->OnGalleryItemContextMenu(item);
+  Deliver([=](Plugin& plugin) { plugin.OnGalleryItemContextMenu(item); });
 }
 
 bool OnPluginMessage(std::uint64_t first, std::uint64_t second) {
-  if (Plugin* const plugin = Plugin::Instance()) plugin->OnPluginMessage(first, second);
+  Deliver([=](Plugin& plugin) { plugin.OnPluginMessage(first, second); });
   return true;
 }
 
@@ -41,7 +40,7 @@ bool OnPluginMessage(std::uint64_t first, std::uint64_t second) {
 
 void OnButtonClick() {
   const std::int32_t button = CallHost(Host().clicked_button);
-  if (Plugin* const plugin = Plugin::Instance()) plugin->OnButtonClick(button);
+  Deliver([=](Plugin& plugin) { plugin.OnButtonClick(button); });
 }
 
 void Register() {

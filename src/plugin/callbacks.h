@@ -1,5 +1,5 @@
 // What the viewer calls: plain functions without context, each of which hands its event to the
-// plug-in that lives. Without one they do nothing.
+// plug-in that lives. Without one they do nothing, and none lets an exception out.
 #pragma once
 
 #include "plugin/host_api.h"

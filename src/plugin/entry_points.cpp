@@ -1,46 +1,11 @@
 #include "plugin/entry_points.h"
 
-#include <exception>
-
-#include "core/text.h"
-#include "platform/platform.h"
 #include "plugin/callbacks.h"
+#include "plugin/delivery.h"
 #include "plugin/host_functions.h"
-#include "plugin/plugin.h"
 
-namespace {
-
+using corvel::plugin::Deliver;
 using corvel::plugin::Plugin;
-
-void TellFailure(const char* text) {
-  platform::Get().ShowMessageBox(u"Error!", corvel::Widen(text), platform::Buttons::kOk,
-                                 platform::Icon::kWarning);
-}
-
-// Calls `event` with the plug-in, if there is one, and lets nothing out.
-template <class Result, class Event>
-Result Deliver(Result otherwise, Event event) {
-  Plugin* const plugin = Plugin::Instance();
-  if (plugin == nullptr) return otherwise;
-  try {
-    return event(*plugin);
-  } catch (const std::exception& error) {
-    TellFailure(error.what());
-  } catch (...) {
-    TellFailure("Unknown error.");
-  }
-  return otherwise;
-}
-
-template <class Event>
-void Deliver(Event event) {
-  Deliver(false, [&](Plugin& plugin) {
-    event(plugin);
-    return true;
-  });
-}
-
-}  // namespace
 
 extern "C" {
 

@@ -18,6 +18,7 @@ extern const std::array<const char*, kHostNameCount> kHostNames;
 inline constexpr std::size_t kLateHostNames = 3;
 
 struct HostFunctions {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): what is declared, with its type around it
 #define CORVEL_HOST_FUNCTION(Result, name, parameters) Result(*name) parameters = nullptr;
 #include "plugin/host_functions.inc"
 #undef CORVEL_HOST_FUNCTION

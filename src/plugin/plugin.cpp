@@ -169,7 +169,12 @@ bool Plugin::GeneratesGuids() {
   return options_->Show(true);
 }
 
+// A run goes on with the projects and numbers that it has started with.
 void Plugin::OnModelLoad() {
+  if (running_) {
+    modelsChanged_ = true;
+    return;
+  }
   allObjectsRoot = CallHost(Host().get_all_objects_id);
   selectedObject = CallHost(Host().get_selected_id);
   projects_.clear();
@@ -190,18 +195,16 @@ WideString Plugin::ProjectPath(HostObject project) const {
 // The viewer knows no exceptions: what nobody has foreseen ends the run and is told.
 void Plugin::OnButtonClick(std::int32_t button) {
   if (running_) return;
-  WideString failure;
   try {
     Dispatch(button);
-    return;
   } catch (const std::bad_alloc&) {
-    failure = u"Not enough memory for these models.";
+    EndFailedRun(u"Not enough memory for these models.");
   } catch (const std::exception& error) {
-    failure = Widen(error.what());
+    EndFailedRun(Widen(error.what()));
   } catch (...) {
-    failure = u"Unknown error.";
+    EndFailedRun(u"Unknown error.");
   }
-  EndFailedRun(failure);
+  if (std::exchange(modelsChanged_, false)) OnModelLoad();
 }
 
 void Plugin::Dispatch(std::int32_t button) {

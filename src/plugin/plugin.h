@@ -64,6 +64,7 @@ class Plugin final : public cpp::PluginBase {
   WideString nameAndGuidText_;
   RunResult lastRun_;
   bool running_ = false;
+  bool modelsChanged_ = false;  // during a run, which has to end first
 };
 
 }  // namespace corvel::plugin

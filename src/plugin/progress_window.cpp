@@ -1,6 +1,7 @@
 #include "plugin/progress_window.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 
 #include "core/reporting.h"
@@ -73,7 +74,7 @@ bool ProgressWindow::Update(int value, int stageWeight, const WideString* extraT
 // What of the stage's weight is done. The exact way moves on to the next stage when all of it is.
 int ProgressWindow::ShareOf(int value, int stageWeight, bool exactMode, int maximum) {
   if (!exactMode || stageWeight < 1) return value * stageWeight_ / 100;
-  const int share = stageWeight * value / std::max(maximum, 1);
+  const auto share = static_cast<int>(std::int64_t{stageWeight} * value / std::max(maximum, 1));
   if (share >= stageWeight) {
     stageBase_ += stageWeight_;
     stageWeight_ = stageWeight;

@@ -22,7 +22,11 @@ namespace corvel::plugin {
 
 namespace {
 
-constexpr char kProject[] = "#1=IFCPROJECT('0YvCt7Q5n0JgN0tW6Vw4p%d',$,'P',$,$,$,$,$,$);\n";
+// The point hangs on the project's context.
+constexpr char kProject[] =
+    "#1=IFCPROJECT('0YvCt7Q5n0JgN0tW6Vw4p%d',$,'P',$,$,$,$,(#3),$);\n"
+    "#3=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,$,#4,$);\n"
+    "#4=IFCAXIS2PLACEMENT3D(#2,$,$);\n";
 
 std::string Records(int index) {
   char project[sizeof kProject];
@@ -33,6 +37,7 @@ std::string Records(int index) {
 class MergeRunTest : public testing::Test {
  protected:
   MergeRunTest() {
+    IFC::MainContainer::ResetUniqueMarker();
     host.texts = {{"merged", u"_merged"}, {"show_log_question", u"See the log?"}};
     host.output = folder.Path("out.ifc");
   }
@@ -148,9 +153,11 @@ TEST_F(MergeRunTest, EveryStageShowsItsTextAndItsFile) {
     text = text.substr(0, text.find(" 3/3"));
     if (texts.empty() || texts.back() != text) texts.push_back(text);
   }
-  EXPECT_EQ((std::vector<std::string>{"reading_file: a.ifc", "reading_file: b.ifc",
-                                      "reading_file: c.ifc", "btn_merge: b.ifc", "btn_merge: c.ifc",
-                                      "exporting_file_as: out.ifc", "Current progress"}),
+  EXPECT_EQ((std::vector<std::string>{
+                "reading_file: a.ifc", "reading_file: b.ifc", "reading_file: c.ifc",
+                "deleting_entities_from: a.ifc", "deleting_entities_from: b.ifc",
+                "deleting_entities_from: c.ifc", "btn_merge: b.ifc", "btn_merge: c.ifc",
+                "exporting_file_as: out.ifc", "Current progress"}),
             texts);
 }
 
@@ -345,6 +352,30 @@ TEST_F(MergeRunTest, ClicksDuringARunAreIgnored) {
   EXPECT_EQ(1, deepest);
   EXPECT_TRUE(Result().written);
   EXPECT_EQ(1u, host.CallsOf("save_dialog").size());
+}
+
+// The numbers start over with a model that is alone, and must not do so while others are written.
+TEST_F(MergeRunTest, ModelsThatChangeDuringARunCountAfterIt) {
+  AddThree();
+  IFC::MainContainer::ResetUniqueMarker();
+  Run();
+  const std::string whole = folder.Read("out.ifc");
+  const std::vector<HostObject> before = Plugin::Instance()->Projects();
+  IFC::MainContainer::ResetUniqueMarker();
+  std::vector<HostObject> during;
+  host.tick = [&] {
+    host.children = {2};
+    host.TellModelsAreLoaded();
+    during = Plugin::Instance()->Projects();
+    return true;
+  };
+  ClickOn(SavingMode::kMergeActive);
+  EXPECT_TRUE(Result().written);
+  EXPECT_EQ(whole, folder.Read("out.ifc"));
+  EXPECT_EQ(before, during);
+  EXPECT_EQ((std::vector<HostObject>{2}), Plugin::Instance()->Projects());
+  EXPECT_EQ(1u, IFC::MainContainer::uniqueMarker);
+  EXPECT_EQ(2u, host.CallsOf("get_childs").size());
 }
 
 TEST_F(MergeRunTest, NothingThatIsThrownReachesTheViewer) {

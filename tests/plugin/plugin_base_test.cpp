@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "plugin/attachment.h"
 #include "plugin/entry_points.h"
 #include "plugin/plugin.h"
 #include "recorded_host.h"
+#include "support/test_platform.h"
 
 namespace corvel::plugin {
 
@@ -133,6 +136,22 @@ TEST_F(EntryPoints, EventsThatNobodyNeedsAreAnsweredAndDoNothing) {
     if (name != "on_model_load") callback();
   }
   EXPECT_EQ((std::vector<std::string>{"get_draw_object_id()", "clicked_button()"}), host.calls);
+}
+
+TEST_F(EntryPoints, WhatAnEventThrowsIsToldAndGoesNoFurther) {
+  test::TestPlatform platform;
+  host.Load();
+  host.askedForChildren = [] { throw std::runtime_error("no room for them"); };
+  EXPECT_NO_THROW(host.TellModelsAreLoaded());
+  host.askedForChildren = [] { throw 42; };
+  EXPECT_NO_THROW(host.TellModelsAreLoaded());
+  const auto box = [](const char16_t* text) {
+    return test::TestPlatform::Box{u"Error!", text, ::platform::Buttons::kOk,
+                                   ::platform::Icon::kWarning};
+  };
+  EXPECT_EQ(
+      (std::vector<test::TestPlatform::Box>{box(u"no room for them"), box(u"Unknown error.")}),
+      platform.boxes);
 }
 
 TEST_F(EntryPoints, EventsAfterTheEndOfThePluginDoNothing) {

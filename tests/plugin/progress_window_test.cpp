@@ -136,6 +136,11 @@ TEST_F(ProgressTest, AnExactStageThatIsFullMovesOnByItsWeight) {
   EXPECT_EQ("40 50", After(50, 20, true, 50));
 }
 
+TEST_F(ProgressTest, ExactValuesMayBeAsLargeAsTheyAre) {
+  Open();
+  EXPECT_EQ("25 100", After(1'000'000'000, 50, true, 2'000'000'000));
+}
+
 TEST_F(ProgressTest, AMaximumOfZeroDividesNothing) {
   Open();
   EXPECT_EQ("100 7", After(7, 20, true, 0));

@@ -73,6 +73,17 @@ void Infos(HostHandle, const HostObject* handles, ObjectInfo* infos, std::uint32
   }
 }
 
+void ObjectInfos(HostHandle, const HostObject* handles, ObjectInfo* infos, std::uint32_t count) {
+  Record("get_object_info", count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const auto* const object = Find(handles[i]);
+    if (object == nullptr) continue;
+    infos[i].className = object->className;
+    infos[i].number = object->number;
+    infos[i].parent = object->parent;
+  }
+}
+
 void States(HostHandle, const HostObject* handles, ObjectState* states, std::uint32_t count) {
   Record("get_object_state", count);
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -82,6 +93,7 @@ void States(HostHandle, const HostObject* handles, ObjectState* states, std::uin
 
 std::uint32_t Children(HostHandle, HostObject parent, HostObject* list, std::uint32_t capacity) {
   Record("get_childs", parent, list, capacity);
+  if (alive->askedForChildren) alive->askedForChildren();
   return Fill(alive->children, list, capacity);
 }
 
@@ -232,6 +244,7 @@ std::map<std::string, HostAddress> AllFunctions() {
     all[name] = reinterpret_cast<HostAddress>(function);
   };
   put("get_all_objects", &AllObjects);
+  put("get_object_info", &ObjectInfos);
   put("get_object_info2", &Infos);
   put("get_object_state", &States);
   put("get_childs", &Children);

@@ -37,8 +37,12 @@ class RecordedHost {
     HostObject handle;
     HostObject project;
     ObjectState state{1, 1, 1, {}};
+    std::uint32_t number = 1;  // in its file
+    const char* className = "IfcProject";
+    HostObject parent = 0;
   };
-  std::vector<HostObject> children;  // of the root, in order
+  std::vector<HostObject> children;        // of the root, in order
+  std::function<void()> askedForChildren;  // called each time, when there is one
   std::map<HostObject, WideString> paths;
   std::vector<Object> objects;
   HostObject root = 77;

@@ -60,8 +60,10 @@ void get_object_info(HostHandle host, const HostObject* objects, ObjectInfo* inf
   V().Record(host, "get_object_info", objects, infos, count);
   for (std::uint32_t i = 0; i < count; ++i) {
     const SceneObject* const object = Find(objects[i]);
-    infos[i].className = "IfcWall";
-    infos[i].parent = object == nullptr ? 0 : object->project;
+    if (object == nullptr) continue;
+    infos[i].className = object->className;
+    infos[i].number = object->number;
+    infos[i].parent = object->parent;
   }
 }
 
@@ -177,7 +179,7 @@ std::int32_t message_box(HostHandle host, const char16_t* caption, const char16_
 }
 
 std::uint8_t load_texts(HostHandle host, const char16_t* path) {
-  const std::uint8_t found = std::filesystem::exists(std::filesystem::path(path)) ? 1 : 0;
+  const std::uint8_t found = V().LoadTexts(path) ? 1 : 0;
   return V().RecordAnswer(found, host, "load_texts", path);
 }
 

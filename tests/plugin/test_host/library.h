@@ -33,6 +33,8 @@ class Library {
   void* Module() const { return module_; }
 
  private:
+  using EntryPoint = void (*)();
+  EntryPoint Find(const char* name) const;  // null without one
   void FindEntryPoints();
 
   void* module_ = nullptr;

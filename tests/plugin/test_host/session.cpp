@@ -28,20 +28,33 @@ Session::Session(std::string_view libraryFolder) : viewer(transcript), desktop(w
   const fs::path original(CORVEL_LIBRARY);
   const std::string stem = UniqueStem(work);
   libraryPath_ = work / libraryFolder / (stem + original.extension().string());
-  LinkOrCopy(original, libraryPath_);
-  fs::create_directories(work / "plugins");
-  fs::copy(CORVEL_DATA_DIR, work / "plugins" / (stem + "_data"));
+  dataFolder_ = work / "plugins" / (stem + "_data");
   userFolder_ = desktop.UserDataFolder() / "Orlenta" / "plugins" / stem;
-  transcript.Replace(userFolder_.generic_string(), "<user>");
-  transcript.Replace((work / "plugins" / (stem + "_data")).generic_string(), "<data>");
-  transcript.Replace(work.Path().generic_string(), "<work>");
-  viewer.beforeRecord = [this] { NoteBoxes(); };
+  ownsUserFolder_ = true;
+  LinkOrCopy(original, libraryPath_);
+  fs::create_directories(dataFolder_.parent_path());
+  fs::copy(CORVEL_DATA_DIR, dataFolder_);
+  ShowFolders();
+}
+
+Session::Session(AsBuilt) : viewer(transcript), desktop(work) {
+  libraryPath_ = fs::canonical(CORVEL_LIBRARY);
+  dataFolder_ = libraryPath_.parent_path() / "corvel_data";
+  userFolder_ = desktop.UserDataFolder() / "Orlenta" / "plugins" / "corvel";
+  ShowFolders();
 }
 
 Session::~Session() {
   library_.reset();
   std::error_code ignored;
-  fs::remove_all(userFolder_, ignored);
+  if (ownsUserFolder_) fs::remove_all(userFolder_, ignored);
+}
+
+void Session::ShowFolders() {
+  transcript.Replace(userFolder_.generic_string(), "<user>");
+  transcript.Replace(dataFolder_.generic_string(), "<data>");
+  transcript.Replace(work.Path().generic_string(), "<work>");
+  viewer.beforeRecord = [this] { NoteBoxes(); };
 }
 
 void Session::Load() {

@@ -19,6 +19,10 @@ class Session {
  public:
   // Puts the library and its data below `libraryFolder` of the work folder.
   explicit Session(std::string_view libraryFolder = "plugins");
+  // Takes the library from where the build leaves it, with what lies beside it there. Its folder
+  // for the user's data may be the real one: what writes there, Unload above all, is not for this.
+  struct AsBuilt {};
+  explicit Session(AsBuilt);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -45,6 +49,7 @@ class Session {
 
   Library& TheLibrary() { return *library_; }
   const std::filesystem::path& LibraryPath() const { return libraryPath_; }
+  const std::filesystem::path& DataFolder() const { return dataFolder_; }
   // The plug-in's own folder for the user's data.
   const std::filesystem::path& UserFolder() const { return userFolder_; }
 
@@ -60,8 +65,13 @@ class Session {
   std::string Golden() const { return transcript.Text(); }
 
  private:
+  // Names the folders in transcripts.
+  void ShowFolders();
+
   std::filesystem::path libraryPath_;
+  std::filesystem::path dataFolder_;
   std::filesystem::path userFolder_;
+  bool ownsUserFolder_ = false;
   std::unique_ptr<Library> library_;
   std::vector<SystemBox> boxes_;
 };

@@ -16,6 +16,18 @@ void AddThreeHouses(Session& session) {
   session.AddProject("c.ifc", House("Castle"));
 }
 
+// The transcript begins behind the loading, which has one of its own.
+void LoadUnnoted(Session& session) {
+  session.Load();
+  session.LoadModels();
+  session.transcript.Clear();
+}
+
+void LoadForAMerge(Session& session) {
+  session.SetOutput("out.ifc");
+  LoadUnnoted(session);
+}
+
 void NoteFolder(Session& session) {
   for (const std::string& name : session.work.Files()) session.transcript.Add("file " + name);
 }
@@ -55,10 +67,7 @@ TEST(Transcript, ClickBeforeAModelSaysSo) {
 TEST(Transcript, MergeOfThreeFiles) {
   Session session;
   AddThreeHouses(session);
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.viewer.beforeHiding = [&] { session.NoteLog("a_IFC_LOG.txt"); };
   session.Click(kMergeActiveButton);
   session.NoteFile("out.ifc");
@@ -78,10 +87,7 @@ TEST(Transcript, MissingGuidsAreMade) {
   session.AddProject("b.ifc", ModelFile("#1=IFCPROJECT($,$,'Barn',$,$,$,$,$,$);\n"
                                         "#2=IFCBUILDING('',$,'Barn',$,$,$,$,$,.ELEMENT.,$,$,$);\n"
                                         "#3=IFCRELAGGREGATES($,$,$,$,#1,(#2));\n"));
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
   session.NoteFile("out.ifc");
   ExpectGolden("missing_guids", session.Golden());
@@ -93,10 +99,7 @@ TEST(Transcript, VisibleObjectsOnly) {
   for (SceneObject& object : session.viewer.objects) {
     if (object.project == 2) object.state.visible = 0;
   }
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeVisibleButton);
   session.NoteFile("out.ifc");
   ExpectGolden("merge_visible", session.Golden());
@@ -105,9 +108,7 @@ TEST(Transcript, VisibleObjectsOnly) {
 TEST(Transcript, CancelledSaveDialogEndsTheRun) {
   Session session;
   AddThreeHouses(session);
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadUnnoted(session);
   session.viewer.beforeHiding = [&] { session.NoteLog("a_IFC_LOG.txt"); };
   session.Click(kMergeActiveButton);
   NoteFolder(session);
@@ -118,9 +119,7 @@ TEST(Transcript, EntryOfAContainerSuggestsItsOwnName) {
   Session session;
   session.viewer.AddProject(session.work / "model.olf|inner.ifc");
   session.AddProject("b.ifczip", "");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadUnnoted(session);
   session.viewer.beforeHiding = [&] { NoteFolder(session); };
   session.Click(kMergeActiveButton);
   ExpectGolden("container_entry", session.Golden());
@@ -130,9 +129,7 @@ TEST(Transcript, ExtensionOfTheFirstFileIsTheOneOfTheOutput) {
   Session session;
   session.AddProject("a.b.ifczip", "");
   session.AddProject("b.ifc", "");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadUnnoted(session);
   session.Click(kMergeActiveButton);
   ExpectGolden("extension_of_the_first_file", session.Golden());
 }
@@ -140,10 +137,7 @@ TEST(Transcript, ExtensionOfTheFirstFileIsTheOneOfTheOutput) {
 TEST(Transcript, OneFileCannotBeMerged) {
   Session session;
   session.AddProject("a.ifc", House("Abbey"));
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
   NoteFolder(session);
   ExpectGolden("one_file", session.Golden());
@@ -153,10 +147,7 @@ TEST(Transcript, EmptySelection) {
   Session session;
   AddThreeHouses(session);
   for (SceneObject& object : session.viewer.objects) object.state.selected = 0;
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeSelectedButton);
   for (SceneObject& object : session.viewer.objects) object.state.active = 0;
   session.Click(kMergeSelectedButton);
@@ -167,10 +158,7 @@ TEST(Transcript, EmptySelection) {
 TEST(Transcript, MainButtonHasNoCommand) {
   Session session;
   AddThreeHouses(session);
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMainButton);
   NoteFolder(session);
   ExpectGolden("main_button", session.Golden());
@@ -180,10 +168,7 @@ TEST(Transcript, BrokenFileEndsTheRun) {
   Session session;
   session.AddProject("a.ifc", House("Abbey"));
   session.AddProject("b.ifc", ModelFile("#1=IFCNOSUCHTHING();\n"));
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.desktop.answers = {false};
   session.Click(kMergeActiveButton);
   session.NoteLog("a_IFC_LOG.txt");
@@ -195,10 +180,7 @@ TEST(Transcript, FileThatIsNotThere) {
   Session session;
   session.AddProject("a.ifc", House("Abbey"));
   session.viewer.AddProject(session.work / "b.ifc");
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
   session.NoteLog("a_IFC_LOG.txt");
   NoteFolder(session);
@@ -209,10 +191,7 @@ TEST(Transcript, FileThatIsNoModelIsTakenOut) {
   Session session;
   AddThreeHouses(session);
   session.viewer.paths[2] = (session.work / "b.dwg").u16string();
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
   NoteFolder(session);
   ExpectGolden("no_model", session.Golden());
@@ -224,10 +203,7 @@ TEST(Transcript, UnknownEnumerationValueThatTheUserAccepts) {
   session.AddProject("a.ifc", House("Abbey"));
   session.AddProject("b.ifc", ModelFile("#4=IFCBUILDING('Barn000000000000000002',$,'Barn',$,$,$,$,"
                                         "$,.NOSUCH.,$,$,$);\n#5=IFCPERSON($,'P',$,$,$,$,$,$);\n"));
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
   session.NoteFile("out.ifc");
   NoteFolder(session);
@@ -253,10 +229,7 @@ void PlayReportedRun(Session& session) {
   session.AddProject("a.ifc", House("Abbey"));
   session.AddProject("b.ifc", House("Barn", 0, "IFC2X3"));
   session.AddProject("c.ifc", House("Castle"));
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kMergeActiveButton);
 }
 
@@ -289,10 +262,7 @@ TEST(Transcript, LogOfAReportedRunStaysWhenTheUserDoesNotWantToSeeIt) {
 TEST(Transcript, CancelOfTheReading) {
   Session session;
   AddThreeHouses(session);
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.viewer.cancelAt = 1;
   session.desktop.answers = {true};
   session.viewer.beforeHiding = [&] { session.NoteLog("a_IFC_LOG.txt"); };
@@ -304,10 +274,7 @@ TEST(Transcript, CancelOfTheReading) {
 TEST(Transcript, OutputIsOpenedInAnotherViewer) {
   Session session;
   AddThreeHouses(session);
-  session.SetOutput("out.ifc");
-  session.Load();
-  session.LoadModels();
-  session.transcript.Clear();
+  LoadForAMerge(session);
   session.Click(kOpenRecentButton);  // nothing was written yet
   session.Click(kMergeActiveButton);
   session.transcript.Clear();

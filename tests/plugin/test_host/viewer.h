@@ -36,6 +36,9 @@ enum ButtonId : std::int32_t {
 struct SceneObject {
   HostObject id = 0;
   HostObject project = 0;
+  std::uint32_t number = 0;  // in its file
+  const char* className = nullptr;
+  HostObject parent = 0;
   ObjectState state{1, 1, 1, {}};  // visible, active and selected
 };
 
@@ -72,8 +75,9 @@ class Viewer {
   // --- The scene
   // ----------------------------------------------------------------------------------
 
-  // The file need not exist. Projects are 1, 2, 3 ..., and their objects 101, 102 ..., 201 ...
-  HostObject AddProject(const std::filesystem::path& file, unsigned objectCount = 2);
+  // The file need not exist. Projects are 1, 2, 3 ..., and the project and the building of a house
+  // are the objects 101 and 102, 201 and 202 ...
+  HostObject AddProject(const std::filesystem::path& file);
   void ClearScene();
   std::vector<HostObject> projects;
   std::vector<SceneObject> objects;
@@ -87,6 +91,8 @@ class Viewer {
   std::optional<std::u16string> output;
   // get_text knows no key and gives null.
   bool hasNoTexts = false;
+  // get_text gives the texts of the file that load_texts was given last.
+  bool readsTexts = false;
   // The update of the progress dialog, from 1, at which the user presses cancel; 0: never.
   int cancelAt = 0;
   // The user does not stop pressing.
@@ -110,8 +116,10 @@ class Viewer {
   std::int32_t nextDropDown = kMainButton;
   std::int32_t nextButton = kMergeActiveButton;
 
-  // What get_text answers: the key in brackets, so that transcripts speak of keys. Null when there
-  // are no texts.
+  // False without a file.
+  bool LoadTexts(const std::filesystem::path& file);
+  // What get_text answers: the key in brackets, so that transcripts speak of keys, unless the
+  // script wants something else.
   const char16_t* TextOf(const char* key);
 
   void Note(const std::string& line);

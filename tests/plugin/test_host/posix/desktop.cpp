@@ -113,13 +113,6 @@ void Desktop::Surround(void* /*module*/) {}
 
 void Desktop::ResetRandom() { nextRandom = 0; }
 
-bool Desktop::NextAnswer() {
-  if (answers.empty()) return otherwise;
-  const bool answer = answers.front();
-  answers.pop_front();
-  return answer;
-}
-
 std::vector<SystemBox> Desktop::TakeBoxes() { return std::exchange(state_->boxes, {}); }
 
 std::string Desktop::TakeOpened() {

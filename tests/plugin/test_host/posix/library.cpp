@@ -49,23 +49,8 @@ Library::Library(const std::filesystem::path& path)
 
 Library::~Library() { ::dlclose(module_); }
 
-void Library::FindEntryPoints() {
-  const auto find = [this](auto& function, const char* name) {
-    function =
-        reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(module_, name));
-    if (function == nullptr) throw std::runtime_error(std::string("no entry point ") + name);
-  };
-  find(getApiVersion, "get_api_verion");
-  find(getPluginInfo, "get_plugin_info");
-  find(onPluginLoad, "on_plugin_load");
-  find(onPluginUnload, "on_plugin_unload");
-  find(onGuiColorsChange, "on_gui_colors_change");
-  find(onDragEnter, "on_drag_enter");
-  find(onDragOver, "on_drag_over");
-  find(onDrop, "on_drop");
-  find(onModelLoadV2, "on_model_load_v2");
-  find(onModelSaveV2, "on_model_save_v2");
-  find(onUndoRedoAction, "on_undo_redo_action");
+Library::EntryPoint Library::Find(const char* name) const {
+  return reinterpret_cast<EntryPoint>(::dlsym(module_, name));
 }
 
 bool IsLoaded(const std::filesystem::path& path) {

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <optional>
 #include <stdexcept>
-#include <type_traits>
 
 #include "win32/imports.h"
 
@@ -52,24 +51,8 @@ Library::Library(const std::filesystem::path& path) : module_(::LoadLibraryW(pat
 
 Library::~Library() { ::FreeLibrary(static_cast<HMODULE>(module_)); }
 
-void Library::FindEntryPoints() {
-  const auto find = [this](auto& function, const char* name) {
-    const auto address =
-        reinterpret_cast<void (*)()>(::GetProcAddress(static_cast<HMODULE>(module_), name));
-    if (address == nullptr) throw std::runtime_error(std::string("no entry point ") + name);
-    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(address);
-  };
-  find(getApiVersion, "get_api_verion");
-  find(getPluginInfo, "get_plugin_info");
-  find(onPluginLoad, "on_plugin_load");
-  find(onPluginUnload, "on_plugin_unload");
-  find(onGuiColorsChange, "on_gui_colors_change");
-  find(onDragEnter, "on_drag_enter");
-  find(onDragOver, "on_drag_over");
-  find(onDrop, "on_drop");
-  find(onModelLoadV2, "on_model_load_v2");
-  find(onModelSaveV2, "on_model_save_v2");
-  find(onUndoRedoAction, "on_undo_redo_action");
+Library::EntryPoint Library::Find(const char* name) const {
+  return reinterpret_cast<EntryPoint>(::GetProcAddress(static_cast<HMODULE>(module_), name));
 }
 
 bool IsLoaded(const std::filesystem::path& path) {
