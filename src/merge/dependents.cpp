@@ -31,6 +31,7 @@ class Dependents {
   }
 
  private:
+  // With all else that the site alone has. An owner history is nobody's own.
   void DeleteShapeOf(IFC::IfcEntity& entity) {
     auto* const site = EntityCast<IFC::IfcSiteVirtual>(&entity);
     if (site == nullptr) return;
@@ -38,7 +39,8 @@ class Dependents {
     entity.collectChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
-      if (child != nullptr && !IsSaved(*child)) deletion_.DeleteWithOrphans(*child);
+      if (child == nullptr || IsSaved(*child) || ClassIs(*child, u"IfcOwnerHistory")) continue;
+      deletion_.DeleteWithOrphans(*child);
     }
     site->clearRepresentation();
   }

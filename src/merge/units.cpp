@@ -60,14 +60,10 @@ void MeasureBy(const IfcDocument& first, IfcDocument& document, bool ignoreUnits
   document.mergeable = document.unitsValid && document.schemaValid;
 }
 
-// Of the sizes of a length unit that can be made up for; 0 for all others.
-float MillimetresIn(WideView unitType, WideView prefix) {
-  if (unitType != u"LENGTHUNIT") return 0.0F;
-  if (prefix == u"KILO") return 1000000.0F;
-  if (prefix.empty()) return 1000.0F;
-  if (prefix == u"CENTI") return 10.0F;
-  if (prefix == u"MILLI") return 1.0F;
-  return 0.0F;
+// Texts without dots and commas.
+bool IsKnownLength(WideView unitType, WideView prefix) {
+  if (unitType != u"LENGTHUNIT") return false;
+  return prefix.empty() || prefix == u"KILO" || prefix == u"CENTI" || prefix == u"MILLI";
 }
 
 }  // namespace
@@ -100,8 +96,10 @@ bool AdjustUnit(IfcDocument& document, const IfcDocument& /*first*/) {
         document.mainContainer->GetEntityByOrginalNumber(row.otherMarker);
     const auto* const unit = EntityCast<IFC::VIfcSIUnit>(entity);
     if (unit == nullptr) return false;
-    const WideString type = WithoutDotsAndCommas(UnitTypeText(entity));
-    if (MillimetresIn(type, WithoutDotsAndCommas(unit->getPrefixText())) == 0.0F) return false;
+    if (!IsKnownLength(WithoutDotsAndCommas(UnitTypeText(entity)),
+                       WithoutDotsAndCommas(unit->getPrefixText()))) {
+      return false;
+    }
     entity->marker = IFC::kDeleted;
   }
   return true;

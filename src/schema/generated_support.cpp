@@ -213,6 +213,11 @@ void CollectOptionalReference(IFC::ChildQueue& queue, IFC::IfcEntity* value, boo
   if (present) queue.Append(value, true);
 }
 
+void CollectReferenceThroughValue(IFC::ChildQueue& queue, IFC::IfcEntity* value) {
+  CollectReference(queue, value);
+  if (value != nullptr && value->inlineValue) value->collectChildren(queue);
+}
+
 void CollectList(IFC::ChildQueue& queue, const EntityList& list) {
   for (IFC::IfcEntity* const member : list) queue.Append(member, true);
 }

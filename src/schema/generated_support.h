@@ -77,6 +77,8 @@ void WriteOptionalIntegerLists(StepWriter& writer, const List<List<std::int32_t>
 // A mandatory reference cannot be lost, and is skipped when null. An optional one that is present
 // is a child even when null. Members of lists can always be lost.
 void CollectReference(IFC::ChildQueue& queue, IFC::IfcEntity* value);
+// Where the reference may hold a value that refers to entities, these are children too.
+void CollectReferenceThroughValue(IFC::ChildQueue& queue, IFC::IfcEntity* value);
 void CollectOptionalReference(IFC::ChildQueue& queue, IFC::IfcEntity* value, bool present);
 void CollectList(IFC::ChildQueue& queue, const EntityList& list);
 void CollectOptionalList(IFC::ChildQueue& queue, const EntityList& list, bool present);

@@ -176,6 +176,46 @@ TEST(DeleteObjects, ADeletedSiteLeavesTheOwnerHistoryToTheOthers) {
   EXPECT_EQ("saved 1 2 3 4 5 6, deleted 7 8 9 10 11 12 13 14 15 16 17", model.Marks());
 }
 
+// An aggregation of IFC2X3 cannot do without its owner history, which nobody else here uses.
+TEST(DeleteObjects, ADeletedSiteLeavesTheOwnerHistoryToARelationThatStays) {
+  MarkedModel model(
+      "#1=IFCOWNERHISTORY($,$,$,.NOCHANGE.,$,$,$,1);\n"
+      "#2=IFCPROJECT('p',$,$,$,$,$,$,(),$);\n"
+      "#3=IFCSITE('s',#1,$,$,$,$,$,$,.ELEMENT.,$,$,$,$,$);\n"
+      "#4=IFCBUILDING('b',$,$,$,$,$,$,$,.ELEMENT.,$,$,$);\n"
+      "#5=IFCRELAGGREGATES('r',#1,$,$,#2,(#3,#4));\n",
+      "IFC2X3");
+  model.savePairs = {{2, 0}, {4, 2}};
+  model.deletePairs = {{3, 2}};
+  EXPECT_TRUE(model.DeleteObjects());
+  EXPECT_EQ("saved 2 4, deleted 3, undecided 1 5", model.Marks());
+}
+
+constexpr std::string_view kSetsInAValue =
+    "#1=IFCWALL('a',$,$,$,$,$,$,$,$);\n"
+    "#2=IFCWALL('b',$,$,$,$,$,$,$,$);\n"
+    "#3=IFCPROPERTYSINGLEVALUE('p',$,IFCLABEL('x'),$);\n"
+    "#4=IFCPROPERTYSET('s',$,$,$,(#3));\n"
+    "#5=IFCPROPERTYSET('t',$,$,$,(#3));\n"
+    "#6=IFCRELDEFINESBYPROPERTIES('r',$,$,$,(#1),IFCPROPERTYSETDEFINITIONSET((#4,#5)));\n"
+    "#7=IFCRELDEFINESBYPROPERTIES('r',$,$,$,(#2),#5);\n";
+
+TEST(DeleteObjects, SetsThatStandInAValueStayWithTheirObject) {
+  MarkedModel model(kSetsInAValue);
+  model.savePairs = {{1, 0}};
+  model.deletePairs = {{2, 0}};
+  EXPECT_TRUE(model.DeleteObjects());
+  EXPECT_EQ("saved 1, deleted 2 7, undecided 3 4 5 6", model.Marks());
+}
+
+TEST(DeleteObjects, SetsThatStandInAValueGoWithTheirObjectUnlessTheyAreShared) {
+  MarkedModel model(kSetsInAValue);
+  model.savePairs = {{2, 0}};
+  model.deletePairs = {{1, 0}};
+  EXPECT_TRUE(model.DeleteObjects());
+  EXPECT_EQ("saved 2, deleted 1 4 6, undecided 3 5 7", model.Marks());
+}
+
 // --- Progress ------------------------------------------------------------------------------------
 
 std::vector<Tick> FixedTicks(int third, int fifth) {

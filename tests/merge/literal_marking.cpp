@@ -239,6 +239,7 @@ void LiteralMarking::DeleteWhatASiteHas(PlainObject* site) {
       Road("saved child of a site");
       continue;
     }
+    if (child->object->className == u"IfcOwnerHistory") continue;
     child->object->marker = kDeleted;
     DeleteChildrenOf(child->object);
   }

@@ -9,6 +9,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <string>
 #include <unordered_map>
 #include <vector>
 

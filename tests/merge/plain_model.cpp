@@ -1,5 +1,7 @@
 // The plain graph of a document, found out by asking its objects.
-#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <vector>
 
 #include "core/entity_cast.h"
 #include "literal_marking.h"

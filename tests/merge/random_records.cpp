@@ -22,8 +22,8 @@ struct Kind {
 
 // Sets: O objects, E elements, V openings, T spatial, H owner histories, L placements,
 // A axis placements, D directions, P points, R shapes, S representations, C contexts, I items,
-// K curves, F surfaces, G connections, Y property sets, N what can be related, Q properties,
-// q quantities, u units, U unit assignments, M materials, Z groups, B b p o people.
+// K curves, F surfaces, G connections, Y property sets, Q properties, q quantities, u units,
+// m measures, U unit assignments, M materials, Z groups, B b p o people, 0 the project.
 constexpr Kind kKinds[] = {
     {1, "eps", "O0", "IFCPROJECT", "^,?H,$,$,$,$,$,*C,?U"},
     {2, "eps", "OT", "IFCSITE", "^,?H,$,$,$,?L,?R,$,.ELEMENT.,$,$,$,$,$"},
@@ -105,7 +105,7 @@ class Writer {
     if (OneIn(20)) numbers_[0] = 4294967279u;
     for (std::size_t i = 0; i < records; ++i) {
       const Kind* kind = drawn[Below(drawn.size())];
-      // One project, or sometimes none or several.
+      // One project, or sometimes none or several; in place of another one, a wall.
       if (kind == &kKinds[0] && !sets_['0'].empty() && !OneIn(10)) kind = &kKinds[4];
       kinds_.push_back(kind);
       for (const char set : kind->sets) sets_[set].push_back(numbers_[i]);

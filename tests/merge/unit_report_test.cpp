@@ -199,7 +199,7 @@ TEST_F(UnitReport, OnlyUnitsThatWereNotLetPassAreTold) {
   documents_[2]->unitsValid = false;
   shell_.options.ignoreUnits = false;
   ReportRejectedProjects(documents_, shell_);
-  ASSERT_EQ(11u, world_.reports->size());
+  ASSERT_EQ(12u, world_.reports->size());
   EXPECT_EQ(u"\n  c.ifc:\n    LENGTHUNIT(#1) - CENTIMETRE\n", (*world_.reports)[9].message);
 }
 

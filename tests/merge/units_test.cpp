@@ -250,8 +250,8 @@ TEST_F(CheckUnitsLog, EveryDocumentIsNamed) {
   Add("b.ifc", Units({kMetre}));
   Add("c.ifc", Units({kMetre}), "IFC2X3");
   EXPECT_EQ("Comparing units in files...Check Units for: " + PathOf("a.ifc") + "Check Units for: " +
-                PathOf("b.ifc") + "Check Units for: " + PathOf("c.ifc") + "Done.",
-            WithoutMargin(LogOf([this] { Check(); })));
+                PathOf("b.ifc") + "Check Units for: " + PathOf("c.ifc") + "|Done.",
+            WithFlushes(LogOf([this] { Check(); })));
 }
 
 TEST_F(CheckUnitsLog, OneDocumentLeavesTwoTexts) {

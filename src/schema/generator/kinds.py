@@ -38,6 +38,7 @@ class Kind:
     target: str = ''           # the class of a reference, the name of an enumeration
     plain: bool = False        # a boolean or logical without a value class: has no absent form
     default: str = ''          # of the scalar, as C++
+    values_refer: bool = False  # a reference to a value may in turn lead to entities
 
     def member_type(self):
         if self.depth == 0:
@@ -59,6 +60,14 @@ def is_reference(schema, name):
     return name in schema.entities or name in schema.selects
 
 
+def holds_references(schema, name):
+    """True for a select of a value that refers to entities (IfcPropertySetDefinitionSet)."""
+    if name in schema.types:
+        expression = schema.types[name]
+        return expression.aggregate and is_reference(schema, expression.of.name)
+    return any(holds_references(schema, member) for member in schema.selects.get(name, ()))
+
+
 def scalar_kind(schema, expression, where):
     """The kind of what stands inside all aggregates; a defined type gives that of its own type."""
     name = expression.name
@@ -67,7 +76,7 @@ def scalar_kind(schema, expression, where):
             raise SchemaError(f'{where}: there is no rule for a plain NUMBER')
         return make_kind(SIMPLE[name], plain=True)
     if is_reference(schema, name):
-        return make_kind('reference', target=name)
+        return make_kind('reference', target=name, values_refer=holds_references(schema, name))
     if name in schema.enumerations:
         last = schema.enumerations[name].values[-1].number
         return Kind('enumeration', 0, name, False, str(last))
@@ -106,7 +115,7 @@ def wrapped(kind, depth, where, text):
         raise SchemaError(f'{where}: there is no rule for {text}')
     if kind.plain and kind.scalar in ('boolean', 'logical'):
         raise SchemaError(f'{where}: there is no rule for a list of plain {kind.scalar}s')
-    return Kind(kind.scalar, depth, kind.target, False, kind.default)
+    return Kind(kind.scalar, depth, kind.target, False, kind.default, kind.values_refer)
 
 
 def attribute_kind(schema, entity, attribute):
