@@ -6,7 +6,10 @@
 #include "host/file_facts.h"
 #include "host/info_text.h"
 #include "host/model_run.h"
+#include "host/model_scene.h"
+#include "host/run_checks.h"
 #include "host/run_console.h"
+#include "host/tree_text.h"
 #include "platform/console.h"
 
 namespace corvel::host {
@@ -22,7 +25,7 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ModelOrder order{line.inputs, line.output, line.ignoreEnumErrors, line.userFolder};
+  const ModelOrder order{line.inputs, line.output, line.choices, line.userFolder};
   const ExitStatus status = ModelRun(order, console).Run();
   if (status == ExitStatus::kDone && !line.quiet) {
     platform::WriteStandardOutput(line.output + u" was written.\n");
@@ -50,8 +53,48 @@ ExitStatus RunInfo(const CommandLine& line) {
   return Status(good);
 }
 
+// Standard output in large pieces.
+class BlockOutput {
+ public:
+  bool Write(WideView text) {
+    constexpr std::size_t kBlock = 0x10000;
+    block_.append(text);
+    return block_.size() < kBlock || Flush();
+  }
+  bool Flush() {
+    good_ = good_ && platform::WriteStandardOutput(block_);
+    block_.clear();
+    return good_;
+  }
+
+ private:
+  WideString block_;
+  bool good_ = true;
+};
+
+ExitStatus RunTree(const CommandLine& line) {
+  RunConsole console(RunConsole::StandardError(false));
+  const WideString& path = line.inputs.front();
+  ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames);
+  if (scene.schema && !HasClosingLine(path)) scene.problems.emplace_back(kCutShort);
+  for (const auto* const texts : {&scene.remarks, &scene.problems}) {
+    for (const WideString& text : *texts) console.Say(WideString(path).append(u": ").append(text));
+  }
+  BlockOutput output;
+  const TextSink sink = [&output](WideView text) { return output.Write(text); };
+  bool good = line.json ? WriteTreeJson(path, scene, sink) : WriteTreeText(scene, sink);
+  good = output.Flush() && good;
+  return Status(good && scene.problems.empty());
+}
+
 ExitStatus Run(const CommandLine& line) {
-  return line.command == Command::kInfo ? RunInfo(line) : RunModels(line);
+  switch (line.command) {
+    case Command::kInfo: return RunInfo(line);
+    case Command::kTree: return RunTree(line);
+    case Command::kMerge:
+    case Command::kResave: break;
+  }
+  return RunModels(line);
 }
 
 ExitStatus Run(const Explanation& explanation) {

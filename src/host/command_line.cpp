@@ -18,8 +18,10 @@ struct CommandName {
   Command command;
 };
 
-constexpr CommandName kCommands[] = {
-    {"merge", Command::kMerge}, {"resave", Command::kResave}, {"info", Command::kInfo}};
+constexpr CommandName kCommands[] = {{"merge", Command::kMerge},
+                                     {"resave", Command::kResave},
+                                     {"info", Command::kInfo},
+                                     {"tree", Command::kTree}};
 
 // The words of one command before they are judged.
 struct Words {
@@ -27,7 +29,10 @@ struct Words {
   std::string output;
   std::string answer;
   std::string userFolder;
+  ChoiceWords merge;
   bool ignoreEnumErrors = false;
+  bool ignoreUnits = false;
+  bool deleteOpenings = false;
   bool quiet = false;
   bool json = false;
   bool help = false;
@@ -50,13 +55,31 @@ UsageError Wrong(const CommandName& command, const std::string& text) {
   return Wrong(name + ": " + text + "\nSee 'corvel " + name + " --help'.");
 }
 
+// An option that may be given any number of times, with one value each.
+void AddRepeated(CLI::App& app, const std::string& name, std::vector<std::string>& values) {
+  app.add_option(name, values)->allow_extra_args(false)->take_all();
+}
+
+void AddMergeOptions(CLI::App& app, Words& words) {
+  app.add_option("-o,--output", words.output);
+  app.add_option("--mode", words.merge.mode);
+  AddRepeated(app, "--inactive", words.merge.inactive);
+  AddRepeated(app, "--hide", words.merge.hide);
+  AddRepeated(app, "--select", words.merge.select);
+  AddRepeated(app, "--offset", words.merge.offsets);
+  app.add_option("--center", words.merge.center);
+  app.add_option("--on-duplicate-guid", words.merge.onDuplicateGuid);
+  app.add_flag("--ignore-units", words.ignoreUnits);
+  app.add_flag("--delete-openings", words.deleteOpenings);
+}
+
 void AddOptions(CLI::App& app, Command command, Words& words) {
   app.set_help_flag();  // the help texts are our own
   app.allow_extras();
   app.allow_windows_style_options(false);
   app.add_option("FILE", words.files);
-  if (command == Command::kMerge) app.add_option("-o,--output", words.output);
-  if (command == Command::kInfo) app.add_flag("--json", words.json);
+  if (command == Command::kMerge) AddMergeOptions(app, words);
+  if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--quiet", words.quiet);
   app.add_option("--answer", words.answer);
@@ -100,6 +123,11 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
     case Command::kInfo:
       if (files == 0) return "a file is needed";
       break;
+    case Command::kTree:
+      if (files != 1) {
+        return "one file is needed, and " + std::to_string(files) + " are given";
+      }
+      break;
   }
   return {};
 }
@@ -119,9 +147,10 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   return {};
 }
 
-CommandLine Understood(Command command, const Words& words) {
+CommandLine Understood(Command command, const Words& words, RunChoices choices) {
   CommandLine line;
   line.command = command;
+  line.choices = std::move(choices);
   for (const std::string& file : words.files) line.inputs.push_back(FromUtf8(file));
   line.output = FromUtf8(words.output);
   if (command == Command::kResave) {
@@ -129,7 +158,9 @@ CommandLine Understood(Command command, const Words& words) {
     line.inputs.pop_back();
   }
   if (!words.userFolder.empty()) line.userFolder = FromUtf8(words.userFolder);
-  line.ignoreEnumErrors = words.ignoreEnumErrors;
+  line.choices.ignoreEnumErrors = words.ignoreEnumErrors;
+  line.choices.ignoreUnits = words.ignoreUnits;
+  line.choices.deleteOpenings = words.deleteOpenings;
   line.quiet = words.quiet;
   line.json = words.json;
   if (!words.answer.empty()) {
@@ -153,7 +184,11 @@ Outcome ParseCommand(const CommandName& command, std::vector<std::string> argume
     if (extra != "--") return UnknownOption(command, app, extra);
   }
   if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);
-  return Understood(command.command, words);
+  auto choices = UnderstandChoices(words.merge, words.files);
+  if (const auto* const mistake = std::get_if<std::string>(&choices)) {
+    return Wrong(command, *mistake);
+  }
+  return Understood(command.command, words, std::move(std::get<RunChoices>(choices)));
 }
 
 Outcome ParseWithoutCommand(const std::string& word) {

@@ -7,19 +7,20 @@
 #include <vector>
 
 #include "core/text.h"
+#include "host/run_choices.h"
 #include "platform/platform.h"
 
 namespace corvel::host {
 
-enum class Command { kMerge, kResave, kInfo };
+enum class Command { kMerge, kResave, kInfo, kTree };
 
 struct CommandLine {
   Command command = Command::kMerge;
-  std::vector<WideString> inputs;  // merge: two or more; resave: one; info: one or more
+  std::vector<WideString> inputs;  // merge: two or more; resave, tree: one; info: one or more
   WideString output;               // merge and resave
-  bool ignoreEnumErrors = false;
+  RunChoices choices;              // merge; of resave the way with enumeration values alone
   bool quiet = false;
-  bool json = false;                       // info
+  bool json = false;                       // info and tree
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
 };

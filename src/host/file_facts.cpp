@@ -4,38 +4,14 @@
 #include <unordered_map>
 #include <utility>
 
+#include "host/model_opening.h"
 #include "host/record_skipper.h"
 #include "host/run_checks.h"
-#include "platform/file.h"
 #include "step/reader/scanner.h"
-#include "step/reader/schema_identifier.h"
 
 namespace corvel::host {
 
 namespace {
-
-constexpr std::size_t kBufferSize = 0x100000;
-
-// What the scanner and the choice of the schema say while a file is read. They report through
-// plain functions.
-std::vector<WideString>* heard = nullptr;
-
-int Hear(const char* /*key*/, const WideString& message, int /*mode*/) {
-  if (heard == nullptr) return 0;
-  heard->push_back(message.substr(0, message.find_last_not_of(u"\n ") + 1));
-  return 0;
-}
-
-class Hearing {
- public:
-  explicit Hearing(std::vector<WideString>& messages) : before_(std::exchange(heard, &messages)) {}
-  ~Hearing() { heard = before_; }
-  Hearing(const Hearing&) = delete;
-  Hearing& operator=(const Hearing&) = delete;
-
- private:
-  std::vector<WideString>* before_;
-};
 
 using ClassCounts = std::unordered_map<std::string, std::uint64_t>;
 
@@ -79,28 +55,11 @@ void ListClasses(const ClassCounts& counts, FileFacts& facts) {
   });
 }
 
-// In the strict order in which a reading of the model takes it.
-std::unique_ptr<HeaderToken> ReadHeader(Scanner& scanner) {
-  if (!scanner.NextToken()->Is(TokenType::IsoToken)) return nullptr;
-  if (!scanner.NextToken()->Is(TokenType::SemicolonToken)) return nullptr;
-  return std::move(scanner.NextToken()->header);
-}
-
 void ReadOpened(Scanner& scanner, FileFacts& facts) {
   facts.bytes = scanner.Stream()->TotalSize();
-  facts.header = ReadHeader(scanner);
-  if (facts.header == nullptr) {
-    facts.problems.emplace_back(u"Unable to read header token. No schema identifier can be read.");
-    return;
-  }
-  const WideString& identifier = facts.header->schemaIdentifier;
-  {
-    const Hearing remarks(facts.remarks);
-    facts.schema = ChooseSchemaNamespace(identifier, Hear);
-  }
-  if (!facts.schema) {
-    facts.problems.push_back(u"Unknown schema identifier: " + identifier);
-  }
+  facts.header = ReadHeader(scanner, facts.problems);
+  if (facts.header == nullptr) return;
+  facts.schema = ChooseSchema(facts.header->schemaIdentifier, facts.remarks, facts.problems);
   ClassCounts counts;
   ReadRecords(scanner, facts, counts);
   ListClasses(counts, facts);
@@ -115,7 +74,7 @@ FileFacts ReadFacts(const WideString& path) {
     facts.problems.push_back(std::move(*trouble));
     return facts;
   }
-  Scanner scanner(path, kBufferSize, Hear);
+  Scanner scanner(path, kModelBuffer, Hear);
   if (scanner.IsOpen()) {
     const Hearing problems(facts.problems);
     ReadOpened(scanner, facts);

@@ -11,6 +11,7 @@ Usage:
   corvel merge FILE FILE... -o OUT   fold all models into the first, write OUT
   corvel resave IN OUT               read one model and write it back
   corvel info FILE...                tell what files hold
+  corvel tree FILE                   show the objects of one model as a tree
   corvel COMMAND --help              all about one command
   corvel --help                      this text
   corvel --version                   the version
@@ -21,7 +22,7 @@ IFC4X4.
 
 Exit status:
   0    done: written (or shown), and nothing was reported
-  1    nothing was written; with info: a file had a problem
+  1    nothing was written; with info and tree: a file had a problem
   2    wrong usage
   3    cancelled by the user, nothing was written
   4    written, but errors or remarks were reported
@@ -48,6 +49,50 @@ well: the choices made in its options window are yours.
 
 )help";
 
+constexpr char16_t kMergeOptions[] =
+    uR"help(Options:
+  -o, --output OUT        the file to write; required
+  --mode active|visible|selected
+                          which objects of the models are kept, see below
+  --inactive FILE:LIST    these objects are not active
+  --hide FILE:LIST        these objects are not visible
+  --select FILE:LIST      these objects are selected
+  --offset FILE=X,Y,Z     show this model so far from its own coordinates, in
+                          millimetres; once for each model
+  --center X,Y,Z          the coordinate centre of all models, in metres: it
+                          becomes the origin
+  --ignore-units          models of other units take part
+  --delete-openings       openings go with what they are in
+  --on-duplicate-guid generate|skip
+                          an object whose GUID is there already gets a new
+                          one, or is left out
+)help";
+
+constexpr char16_t kMergeLists[] =
+    uR"help(Objects that are kept:
+Each model has objects: its IfcProject and every product, which are walls as
+well as storeys and openings. 'corvel tree FILE' shows them. At first all are
+active and visible, and none is selected. Of each model are kept, by --mode,
+  active      the active objects
+  visible     those that are both active and visible
+  selected    the selected objects
+and what they need. Without --mode it is 'selected' if there is a --select,
+else 'visible' if there is a --hide, and 'active' otherwise. A model of which
+nothing is kept takes no part, and at least two have to.
+
+FILE is the position of a model among the inputs, 1 for the first, or its name
+as given, or its file name. LIST has one or more of these, with commas between
+them:
+  #123        the object with that number
+  IfcWall     all objects of that class, in any case, not those of subclasses
+  2O2Fr$t4X7Zf8NOew3FLOH
+              the object with that GUID
+The IfcProject stands for all objects of its model. Whatever matches nothing is
+wrong usage. Quote lists: '#' and '$' mean something to most shells. These
+options may be given any number of times.
+
+)help";
+
 constexpr char16_t kResave[] =
     uR"help(corvel resave - reads one model and writes it back
 
@@ -71,7 +116,10 @@ constexpr char16_t kModelOptions[] =
                           of Orlenta/plugins/corvel in your local data folder
   -h, --help              this text
 
-Inputs and output have names that end in .ifc. OUT may be there already: it is
+)help";
+
+constexpr char16_t kModelFiles[] =
+    uR"help(Inputs and output have names that end in .ifc. OUT may be there already: it is
 then replaced. It must not be one of the inputs. Before anything is read, all
 files are looked at, and the run is refused with a message for each that is
 missing, a folder, empty or otherwise of no use.
@@ -114,6 +162,9 @@ constexpr char16_t kMergeExamples[] =
     uR"help(Examples:
   corvel merge architecture.ifc structure.ifc -o building.ifc
   corvel merge --quiet --answer yes -o all.ifc a.ifc b.ifc c.ifc
+  corvel merge a.ifc b.ifc -o out.ifc --hide '1:IfcSpace,IfcAnnotation'
+  corvel merge a.ifc b.ifc -o out.ifc --select '1:#42,#57' --select 2:IfcBeam
+  corvel merge a.ifc b.ifc -o out.ifc --offset 2=0,0,-3500
   corvel merge -o out.ifc -- -odd-name.ifc other.ifc
 )help";
 
@@ -172,20 +223,65 @@ Examples:
   corvel info --json *.ifc | jq '.files[] | {file, walls: .classes.IFCWALL}'
 )help";
 
+constexpr char16_t kTree[] =
+    uR"help(corvel tree - shows the objects of one model as a tree
+
+Usage:
+  corvel tree FILE [--json]
+
+Shows the IfcProject and every product of FILE, each in a line below its
+parent with its number, class, GUID ("-" for none) and name: what is needed to
+write the lists of 'corvel merge'. The file is read once and no objects are
+made of it; records that cannot be read are passed over.
+
+The parent of an object is what an IfcRelAggregates or IfcRelNests relates it
+to, or the structure of an IfcRelContainedInSpatialStructure, or the element
+of an IfcRelVoidsElement. Of several such relations that with the smallest
+number counts, and an object without any belongs to the first IfcProject.
+Children stand in order of their numbers. Of objects whose parents go in a
+circle the first stands at the top. Below a depth of 32 the lines go no
+further in; the depth then stands in front of them, as in "[33]".
+
+Options:
+  --json                  for programs, see below
+  -h, --help              this text
+  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR
+                          taken as by the other commands; there is nothing
+                          that they change
+
+With --json one object goes to standard output:
+  {"file":     the name as given,
+   "schema":   the release, such as "IFC2X3", or null when none serves it,
+   "remarks":  [texts worth knowing],
+   "problems": [texts; empty when the file can be read],
+   "objects":  [{"number", "class", "guid", "name",
+                 "parent": its number, or null for none}, ...]}
+Objects stand in order of their numbers, one to a line.
+
+Exit status:
+  0    the objects were shown
+  1    the file has a problem, and a message tells it
+  2    wrong usage
+
+Examples:
+  corvel tree house.ifc
+  corvel tree --json house.ifc | jq '.objects[] | select(.class == "IfcDoor")'
+)help";
+
 }  // namespace
 
 WideView GeneralHelp() { return kGeneral; }
 
 WideView HelpOf(Command command) {
-  static const WideString merge =
-      WideString(kMerge) + u"Options:\n  -o, --output OUT        the file to write; required\n" +
-      kModelOptions + kMergeExamples;
+  static const WideString merge = WideString(kMerge) + kMergeOptions + kModelOptions + kMergeLists +
+                                  kModelFiles + kMergeExamples;
   static const WideString resave =
-      WideString(kResave) + u"Options:\n" + kModelOptions + kResaveExamples;
+      WideString(kResave) + u"Options:\n" + kModelOptions + kModelFiles + kResaveExamples;
   switch (command) {
     case Command::kMerge: return merge;
     case Command::kResave: return resave;
     case Command::kInfo: return kInfo;
+    case Command::kTree: return kTree;
   }
   return kGeneral;
 }

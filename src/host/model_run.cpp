@@ -2,12 +2,11 @@
 
 #include <utility>
 
+#include "host/object_lists.h"
 #include "host/plugin_session.h"
 #include "host/resave.h"
 #include "host/run_checks.h"
-#include "host/viewer.h"
 #include "platform/file.h"
-#include "plugin/plugin.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel::host {
@@ -16,7 +15,9 @@ ModelRun::ModelRun(ModelOrder order, RunConsole& console)
     : order_(std::move(order)), console_(console) {}
 
 ExitStatus ModelRun::Run() {
-  const bool written = PathsAreGood() && Write();
+  const bool good = PathsAreGood();
+  if (good && !LoadScene()) return ExitStatus::kWrongUsage;
+  const bool written = good && Write();
   console_.EraseBars();
   return Conclude(written);
 }
@@ -34,18 +35,57 @@ bool ModelRun::PathsAreGood() {
   return good;
 }
 
+// What a model that is written back holds does not matter: it is written whole. False when a list
+// names something that is not there; everything of that kind has been told.
+bool ModelRun::LoadScene() {
+  bool good = true;
+  for (std::size_t i = 0; i < order_.inputs.size(); ++i) {
+    LoadedModel& model = models_.emplace_back();
+    model.path = order_.inputs[i];
+    if (order_.inputs.size() > 1) good = Load(i, model) && good;
+  }
+  for (const auto& [input, offset] : order_.choices.offsetsMm) models_[input].offsetMm = offset;
+  return good;
+}
+
+bool ModelRun::Load(std::size_t input, LoadedModel& model) {
+  const std::vector<ObjectList>& lists = order_.choices.lists;
+  model.scene = ReadScene(model.path, TextsForLists(lists, input));
+  std::vector<WideString> mistakes;
+  for (const ObjectList& list : lists) {
+    if (list.input != input) continue;
+    for (WideString& mistake : ApplyList(list, model)) mistakes.push_back(std::move(mistake));
+  }
+  for (const WideString& mistake : mistakes) console_.Say(mistake);
+  if (mistakes.empty()) return true;
+  for (const WideString& problem : model.scene.problems) console_.Say(model.path + u": " + problem);
+  console_.Say(u"See 'corvel tree " + model.path + u"'.");
+  return false;
+}
+
 bool ModelRun::Write() {
-  Viewer viewer(console_, order_.inputs, order_.output);
+  Viewer viewer(console_, ViewerScene(std::move(models_), order_.choices.centerMetres),
+                order_.output);
   PluginSession session(order_.userFolder);
   plugin::Plugin& plugin = session.ThePlugin();
-  MergeOptions options = plugin.RunOptions();
-  options.ignoreEnumErrors = options.ignoreEnumErrors || order_.ignoreEnumErrors;
-  plugin.OverrideOptions(options);
+  plugin.OverrideOptions(order_.choices.Over(plugin.RunOptions()));
   viewer.TellModelsAreLoaded();
-  if (order_.inputs.size() == 1) {
-    return Resave(order_.inputs.front(), order_.output, options.ignoreEnumErrors);
+  if (order_.inputs.size() > 1) return Merge(viewer, plugin);
+  return Resave(order_.inputs.front(), order_.output, plugin.RunOptions().ignoreEnumErrors);
+}
+
+bool ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
+  // The plug-in passes over this without a word.
+  if (!viewer.Scene().AnythingIsActive()) {
+    console_.Say(u"No object is active.");
+    return false;
   }
-  viewer.Click(plugin.Buttons().mergeActive);
+  const plugin::Ribbon& buttons = plugin.Buttons();
+  switch (order_.choices.mode) {
+    case SavingMode::kMergeActive: viewer.Click(buttons.mergeActive); break;
+    case SavingMode::kMergeVisible: viewer.Click(buttons.mergeVisible); break;
+    case SavingMode::kMergeSelected: viewer.Click(buttons.mergeSelected); break;
+  }
   return plugin.LastRun().written;
 }
 

@@ -6,20 +6,24 @@
 
 #include "core/text.h"
 #include "host/exit_status.h"
+#include "host/run_choices.h"
 #include "host/run_console.h"
+#include "host/viewer.h"
+#include "plugin/plugin.h"
 
 namespace corvel::host {
 
 struct ModelOrder {
   std::vector<WideString> inputs;  // one: read and written back; several: merged into the first
   WideString output;
-  bool ignoreEnumErrors = false;
+  RunChoices choices;
   // In the place of the user's own folder for config.txt and LastPath.txt.
   std::optional<WideString> userFolder;
 };
 
-// One run: it checks, lets the plug-in do its work, and tells how it ended. The log lies beside the
-// first input while the run lasts, and stays if something was reported.
+// One run: it checks, reads the scenes that the choices are about, lets the plug-in do its work,
+// and tells how it ended. The log lies beside the first input while the run lasts, and stays if
+// something was reported.
 class ModelRun {
  public:
   // Borrows `console`.
@@ -30,12 +34,16 @@ class ModelRun {
 
  private:
   bool PathsAreGood();
+  bool LoadScene();
+  bool Load(std::size_t input, LoadedModel& model);
   bool Write();
+  bool Merge(Viewer& viewer, plugin::Plugin& plugin);
   bool RemarkCutFiles();
   ExitStatus Conclude(bool written);
 
   ModelOrder order_;
   RunConsole& console_;
+  std::vector<LoadedModel> models_;
 };
 
 }  // namespace corvel::host

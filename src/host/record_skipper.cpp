@@ -1,27 +1,40 @@
 #include "host/record_skipper.h"
 
+#include <cstring>
+
 namespace corvel::host {
 
 namespace {
 
-// The stream keeps what it delivers as the text of the statement: nobody wants it here.
-bool Refill(FileStream::InputStream& stream) {
-  stream.ClearStatementText();
-  return stream.Refill();
+using FileStream::InputStream;
+
+constexpr int kEnd = -1;
+
+int Peek(InputStream& stream) {
+  return HasByte(stream) ? static_cast<unsigned char>(*stream.Cursor()) : kEnd;
 }
 
-bool HasByte(FileStream::InputStream& stream) {
-  return stream.Cursor() != stream.WindowEnd() || Refill(stream);
+// Moves over a byte that is there.
+void Take(InputStream& stream) { stream.SetCursor(stream.Cursor() + 1); }
+
+bool TakeIf(InputStream& stream, char byte) {
+  if (Peek(stream) != byte) return false;
+  Take(stream);
+  return true;
+}
+
+void TakeAny(InputStream& stream, int count) {
+  for (; count > 0 && HasByte(stream); --count) Take(stream);
 }
 
 // Moves behind the next `byte`. False when there is none.
-bool SkipPast(FileStream::InputStream& stream, char byte) {
+bool SkipPast(InputStream& stream, char byte) {
   while (HasByte(stream)) {
-    const char* at = stream.Cursor();
+    const char* const at = stream.Cursor();
     const char* const end = stream.WindowEnd();
-    while (at != end && *at != byte) ++at;
-    if (at != end) {
-      stream.SetCursor(at + 1);
+    const void* const found = std::memchr(at, byte, static_cast<std::size_t>(end - at));
+    if (found != nullptr) {
+      stream.SetCursor(static_cast<const char*>(found) + 1);
       return true;
     }
     stream.SetCursor(end);
@@ -30,22 +43,59 @@ bool SkipPast(FileStream::InputStream& stream, char byte) {
 }
 
 // Behind a "/". A "*" there begins a comment.
-bool SkipIfComment(FileStream::InputStream& stream) {
-  if (!HasByte(stream) || *stream.Cursor() != '*') return true;
-  stream.SetCursor(stream.Cursor() + 1);
+bool SkipIfComment(InputStream& stream) {
+  if (!TakeIf(stream, '*')) return true;
   while (SkipPast(stream, '*')) {
-    while (HasByte(stream) && *stream.Cursor() == '*') stream.SetCursor(stream.Cursor() + 1);
+    while (TakeIf(stream, '*')) continue;
     if (!HasByte(stream)) return false;
-    if (*stream.Cursor() != '/') continue;
-    stream.SetCursor(stream.Cursor() + 1);
-    return true;
+    if (TakeIf(stream, '/')) return true;
   }
   return false;
 }
 
+// Behind the "\" of a string, which may hide an apostrophe: \S\' is a paragraph sign.
+void SkipDirective(InputStream& stream) {
+  if (TakeIf(stream, '\\')) return;
+  if (TakeIf(stream, 'S')) {
+    if (TakeIf(stream, '\\')) TakeAny(stream, 1);
+  } else if (TakeIf(stream, 'P')) {
+    const int page = Peek(stream);
+    if (page == kEnd || page == '\'' || page == '\\') return;
+    Take(stream);
+    TakeIf(stream, '\\');
+  } else if (TakeIf(stream, 'X')) {
+    constexpr int kHexDigits = 2;
+    constexpr int kEndOfUnits = 3;  // what stands behind the "\" of \X0\.
+    if (TakeIf(stream, '\\')) {
+      TakeAny(stream, kHexDigits);
+    } else if (TakeIf(stream, '2') || TakeIf(stream, '4')) {
+      TakeIf(stream, '\\');
+      if (SkipPast(stream, '\\')) TakeAny(stream, kEndOfUnits);
+    }
+  }
+}
+
+// The ";" of a record whose rest stands in the window, with neither string nor comment: of most
+// records of a model. Null when a closer look is needed.
+const char* PlainEnd(const char* at, const char* end) {
+  const auto find = [at](char byte, const char* until) {
+    return static_cast<const char*>(std::memchr(at, byte, static_cast<std::size_t>(until - at)));
+  };
+  const char* const semicolon = find(';', end);
+  if (semicolon == nullptr || find('\'', semicolon) != nullptr) return nullptr;
+  return find('/', semicolon) == nullptr ? semicolon : nullptr;
+}
+
+bool IsBlank(char c) { return c == ' ' || (c >= 9 && c <= 13) || c == '_'; }
+
 }  // namespace
 
-bool SkipToSemicolon(FileStream::InputStream& stream) {
+bool SkipToSemicolon(InputStream& stream) {
+  if (!HasByte(stream)) return false;
+  if (const char* const semicolon = PlainEnd(stream.Cursor(), stream.WindowEnd())) {
+    stream.SetCursor(semicolon);
+    return true;
+  }
   while (HasByte(stream)) {
     const char* at = stream.Cursor();
     const char* const end = stream.WindowEnd();
@@ -53,10 +103,40 @@ bool SkipToSemicolon(FileStream::InputStream& stream) {
     stream.SetCursor(at);
     if (at == end) continue;
     if (*at == ';') return true;
-    stream.SetCursor(at + 1);
-    // An apostrophe inside a string is doubled: the string ends, and another one begins.
-    const bool passed = *at == '\'' ? SkipPast(stream, '\'') : SkipIfComment(stream);
-    if (!passed) return false;
+    Take(stream);
+    if (!(*at == '\'' ? SkipString(stream) : SkipIfComment(stream))) return false;
+  }
+  return false;
+}
+
+// An apostrophe inside a string is doubled: for who skips, the string ends and another one begins.
+bool SkipString(InputStream& stream) {
+  while (HasByte(stream)) {
+    const char* at = stream.Cursor();
+    const char* const end = stream.WindowEnd();
+    while (at != end && *at != '\'' && *at != '\\') ++at;
+    stream.SetCursor(at);
+    if (at == end) continue;
+    Take(stream);
+    if (*at != '\'') {
+      SkipDirective(stream);
+    } else if (!TakeIf(stream, '\'')) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool SkipBlanks(InputStream& stream) {
+  while (HasByte(stream)) {
+    const char* at = stream.Cursor();
+    const char* const end = stream.WindowEnd();
+    while (at != end && IsBlank(*at)) ++at;
+    stream.SetCursor(at);
+    if (at == end) continue;
+    if (*at != '/') return true;
+    Take(stream);
+    if (!SkipIfComment(stream)) return false;
   }
   return false;
 }

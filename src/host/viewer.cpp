@@ -12,13 +12,10 @@ namespace {
 
 Viewer* alive = nullptr;
 
-// Objects are told from projects by this bit; their project is the rest.
-constexpr HostObject kObjectBit = HostObject{1} << 32;
-
 }  // namespace
 
-Viewer::Viewer(RunConsole& console, std::vector<WideString> inputs, WideString output)
-    : console_(console), inputs_(std::move(inputs)), output_(std::move(output)) {
+Viewer::Viewer(RunConsole& console, ViewerScene scene, WideString output)
+    : console_(console), scene_(std::move(scene)), output_(std::move(output)) {
   texts_.Parse(kBuiltInTexts, u"the built-in texts");
   alive = this;
 }
@@ -37,30 +34,6 @@ void Viewer::Click(std::int32_t button) {
   if (!pressed.enabled || pressed.click == nullptr) return;
   clickedButton_ = button;
   pressed.click();
-}
-
-std::vector<HostObject> Viewer::Projects() const {
-  std::vector<HostObject> projects;
-  for (HostObject project = 1; project <= inputs_.size(); ++project) projects.push_back(project);
-  return projects;
-}
-
-std::vector<HostObject> Viewer::Objects() const {
-  std::vector<HostObject> objects = Projects();
-  for (HostObject& object : objects) object |= kObjectBit;
-  return objects;
-}
-
-ObjectInfo Viewer::InfoOf(HostObject object) const {
-  ObjectInfo info{};
-  info.project = object & ~kObjectBit;
-  info.className = "IfcProject";
-  return info;
-}
-
-const WideString& Viewer::PathOf(HostObject project) const {
-  static const WideString none;
-  return project < 1 || project > inputs_.size() ? none : inputs_[project - 1];
 }
 
 bool Viewer::LoadTexts(const WideString& path) { return texts_.Load(path); }

@@ -1,9 +1,8 @@
 // The headless viewer: what the plug-in finds in the place of a desktop viewer.
 //
-// It has one project for each input, a scene in which every object is active, visible and selected,
-// buttons that nobody sees, a save dialog whose answer is known, and the terminal for everything
-// that is to be shown. The functions that the program exports (viewer_exports.cpp) hand each call
-// to the viewer that lives.
+// It has a scene (viewer_scene.h), buttons that nobody sees, a save dialog whose answer is known,
+// and the terminal for everything that is to be shown. The functions that the program exports
+// (viewer_exports.cpp) hand each call to the viewer that lives.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +13,7 @@
 #include "core/text.h"
 #include "host/language_file.h"
 #include "host/run_console.h"
+#include "host/viewer_scene.h"
 #include "plugin/host_api.h"
 
 namespace corvel::host {
@@ -21,7 +21,7 @@ namespace corvel::host {
 class Viewer {
  public:
   // Borrows `console`. The output may be empty: nobody asks for it then.
-  Viewer(RunConsole& console, std::vector<WideString> inputs, WideString output);
+  Viewer(RunConsole& console, ViewerScene scene, WideString output);
   ~Viewer();
   Viewer(const Viewer&) = delete;
   Viewer& operator=(const Viewer&) = delete;
@@ -38,11 +38,7 @@ class Viewer {
 
   // --- What the plug-in asks for ----------------------------------------------------------------
 
-  std::vector<HostObject> Projects() const;
-  std::vector<HostObject> Objects() const;
-  ObjectInfo InfoOf(HostObject object) const;
-  // Empty for a project that is not there.
-  const WideString& PathOf(HostObject project) const;
+  ViewerScene& Scene() { return scene_; }
   const WideString& Output() const { return output_; }
 
   // False when the file cannot be read.
@@ -67,7 +63,7 @@ class Viewer {
   };
 
   RunConsole& console_;
-  std::vector<WideString> inputs_;
+  ViewerScene scene_;
   WideString output_;
   LanguageFile texts_;
   std::map<std::string, WideString, std::less<>> unknownTexts_;

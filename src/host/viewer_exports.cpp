@@ -16,15 +16,20 @@ namespace {
 using corvel::HostObject;
 using corvel::ObjectInfo;
 using corvel::ObjectState;
+using corvel::ProjectOffsetRecord;
 using corvel::host::ProgressView;
 using corvel::host::Viewer;
+using corvel::host::ViewerScene;
 using corvel::plugin::HostCallback;
 using corvel::plugin::HostHandle;
 
 constexpr HostObject kRoot = ~HostObject{0};
 
+ViewerScene& Scene() { return Viewer::Instance()->Scene(); }
+
 // The number of items; as many of them as there is room for go to `list`.
-std::uint32_t Fill(const std::vector<HostObject>& items, HostObject* list, std::uint32_t capacity) {
+template <class Item>
+std::uint32_t Fill(const std::vector<Item>& items, Item* list, std::uint32_t capacity) {
   if (list != nullptr) {
     std::copy_n(items.begin(), std::min<std::size_t>(items.size(), capacity), list);
   }
@@ -32,13 +37,13 @@ std::uint32_t Fill(const std::vector<HostObject>& items, HostObject* list, std::
 }
 
 void FillInfos(const HostObject* objects, ObjectInfo* infos, std::uint32_t count) {
-  for (std::uint32_t i = 0; i < count; ++i) infos[i] = Viewer::Instance()->InfoOf(objects[i]);
+  for (std::uint32_t i = 0; i < count; ++i) infos[i] = Scene().InfoOf(objects[i]);
 }
 
 }  // namespace
 
 CORVEL_EXPORT std::uint32_t get_all_objects(HostHandle, HostObject* list, std::uint32_t capacity) {
-  return Fill(Viewer::Instance()->Objects(), list, capacity);
+  return Fill(Scene().Objects(), list, capacity);
 }
 
 CORVEL_EXPORT void get_object_info(HostHandle, const HostObject* objects, ObjectInfo* infos,
@@ -51,9 +56,27 @@ CORVEL_EXPORT void get_object_info2(HostHandle, const HostObject* objects, Objec
   FillInfos(objects, infos, count);
 }
 
-CORVEL_EXPORT void get_object_state(HostHandle, const HostObject*, ObjectState* states,
+CORVEL_EXPORT void get_object_state(HostHandle, const HostObject* objects, ObjectState* states,
                                     std::uint32_t count) {
-  std::fill_n(states, count, ObjectState{1, 1, 1, {}});
+  for (std::uint32_t i = 0; i < count; ++i) states[i] = Scene().StateOf(objects[i]);
+}
+
+CORVEL_EXPORT void set_visible(HostHandle, HostObject object, std::uint32_t visible) {
+  Scene().SetVisible(object, visible != 0);
+}
+
+// Nothing is drawn, so that nothing is to be drawn again.
+CORVEL_EXPORT void invalidate(HostHandle) {}
+
+CORVEL_EXPORT std::uint32_t get_projects_offsets(HostHandle, ProjectOffsetRecord* records,
+                                                 std::uint32_t capacity) {
+  return Fill(Scene().Offsets(), records, capacity);
+}
+
+CORVEL_EXPORT void get_project_and_coordinate_center(HostHandle, double* centerA, double* centerB) {
+  const auto& center = Scene().CenterMetres();
+  std::copy(center.begin(), center.end(), centerA);
+  std::fill_n(centerB, center.size(), 0.0);
 }
 
 CORVEL_EXPORT HostObject get_all_objects_id(HostHandle) { return kRoot; }
@@ -61,15 +84,15 @@ CORVEL_EXPORT HostObject get_all_objects_id(HostHandle) { return kRoot; }
 CORVEL_EXPORT std::uint32_t get_childs(HostHandle, HostObject parent, HostObject* list,
                                        std::uint32_t capacity) {
   if (parent != kRoot) return 0;
-  return Fill(Viewer::Instance()->Projects(), list, capacity);
+  return Fill(Scene().Projects(), list, capacity);
 }
 
 CORVEL_EXPORT std::uint32_t get_loaded_ifc_files_count(HostHandle) {
-  return static_cast<std::uint32_t>(Viewer::Instance()->Projects().size());
+  return static_cast<std::uint32_t>(Scene().Projects().size());
 }
 
 CORVEL_EXPORT const char16_t* get_project_path(HostHandle, HostObject project) {
-  return Viewer::Instance()->PathOf(project).c_str();
+  return Scene().PathOf(project).c_str();
 }
 
 CORVEL_EXPORT std::int32_t save_dialog(HostHandle, std::int32_t /*zero*/) {

@@ -40,7 +40,7 @@ TEST(CommandLine, MergeTakesFilesAndAnOutput) {
   EXPECT_EQ(Command::kMerge, line.command);
   EXPECT_EQ((Arguments{u"a.ifc", u"b.ifc", u"c.ifc"}), line.inputs);
   EXPECT_EQ(u"out.ifc", line.output);
-  EXPECT_FALSE(line.ignoreEnumErrors);
+  EXPECT_FALSE(line.choices.ignoreEnumErrors);
   EXPECT_FALSE(line.quiet);
   EXPECT_FALSE(line.answer.has_value());
 }
@@ -60,15 +60,83 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
   EXPECT_TRUE(line.json);
 }
 
+TEST(CommandLine, TreeTakesOneFile) {
+  const CommandLine line = Parsed({u"tree", u"a.ifc", u"--json"});
+  EXPECT_EQ(Command::kTree, line.command);
+  EXPECT_EQ((Arguments{u"a.ifc"}), line.inputs);
+  EXPECT_TRUE(line.json);
+}
+
+TEST(CommandLine, MergeTakesItsChoices) {
+  const CommandLine line = Parsed({u"merge",
+                                   u"--hide",
+                                   u"1:IfcWall",
+                                   u"a.ifc",
+                                   u"--select",
+                                   u"b.ifc:#1",
+                                   u"--select=-c.ifc:#2",
+                                   u"b.ifc",
+                                   u"--offset",
+                                   u"2=-1,2,3",
+                                   u"--center",
+                                   u"-1,2,3",
+                                   u"-o",
+                                   u"o.ifc",
+                                   u"--ignore-units",
+                                   u"--delete-openings",
+                                   u"--on-duplicate-guid",
+                                   u"skip",
+                                   u"--mode",
+                                   u"active",
+                                   u"--inactive",
+                                   u"-c.ifc:#3",
+                                   u"--",
+                                   u"-c.ifc"});
+  EXPECT_EQ((Arguments{u"a.ifc", u"b.ifc", u"-c.ifc"}), line.inputs);
+  const RunChoices& choices = line.choices;
+  EXPECT_EQ(SavingMode::kMergeActive, choices.mode);
+  ASSERT_EQ(4u, choices.lists.size());
+  EXPECT_EQ(2u, choices.lists[0].input);
+  EXPECT_EQ(Arguments{u"#3"}, choices.lists[0].items);
+  EXPECT_EQ(0u, choices.lists[1].input);
+  EXPECT_EQ(Arguments{u"IfcWall"}, choices.lists[1].items);
+  EXPECT_EQ(1u, choices.lists[2].input);
+  EXPECT_EQ(2u, choices.lists[3].input);
+  ASSERT_EQ(1u, choices.offsetsMm.size());
+  EXPECT_EQ((Point{-1, 2, 3}), choices.offsetsMm.front().second);
+  EXPECT_EQ((Point{-1, 2, 3}), choices.centerMetres);
+  EXPECT_TRUE(choices.ignoreUnits);
+  EXPECT_TRUE(choices.deleteOpenings);
+  EXPECT_EQ(false, choices.generateGuids);
+}
+
+TEST(CommandLine, MistakesInChoicesAreToldWithTheCommand) {
+  EXPECT_EQ(
+      "merge: --mode takes 'active', 'visible' or 'selected', not 'all'\n"
+      "See 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--mode", u"all"}));
+  EXPECT_EQ(
+      "merge: --mode takes 'active', 'visible' or 'selected', not ''\n"
+      "See 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--mode", u""}));
+}
+
+TEST(CommandLine, ChoicesOfAMergeAreNoneOfOtherCommands) {
+  EXPECT_EQ(
+      "resave: unknown option '--hide'; the nearest is '--help'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--hide", u"1:#1"}));
+}
+
 TEST(CommandLine, EveryCommandTakesTheCommonOptions) {
-  for (const Arguments& words :
-       {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
-        Arguments{u"resave", u"a.ifc", u"b.ifc"}, Arguments{u"info", u"a.ifc"}}) {
+  for (const Arguments& words : {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
+                                 Arguments{u"resave", u"a.ifc", u"b.ifc"},
+                                 Arguments{u"info", u"a.ifc"}, Arguments{u"tree", u"a.ifc"}}) {
     Arguments all = words;
     all.insert(all.end(), {u"--quiet", u"--ignore-enum-errors", u"--answer", u"no"});
     const CommandLine line = Parsed(all);
     EXPECT_TRUE(line.quiet);
-    EXPECT_TRUE(line.ignoreEnumErrors);
+    EXPECT_TRUE(line.choices.ignoreEnumErrors);
     EXPECT_EQ(platform::Answer::kNo, line.answer);
   }
 }
@@ -125,7 +193,7 @@ TEST(CommandLine, TheValueOfAWrongOptionIsNoPartOfItsName) {
 
 TEST(CommandLine, AnOptionOfAnotherCommandIsWrong) {
   EXPECT_EQ(
-      "merge: unknown option '--json'; the nearest is '--help'. "
+      "merge: unknown option '--json'; the nearest is '--mode'. "
       "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel merge --help'.",
       ErrorOf({u"merge", u"a", u"b", u"-o", u"c", u"--json"}));
 }
@@ -162,6 +230,10 @@ TEST(CommandLine, TheNumberOfFilesHasToFit) {
       "See 'corvel resave --help'.",
       ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"c.ifc"}));
   EXPECT_EQ("info: a file is needed\nSee 'corvel info --help'.", ErrorOf({u"info"}));
+  EXPECT_EQ("tree: one file is needed, and 0 are given\nSee 'corvel tree --help'.",
+            ErrorOf({u"tree"}));
+  EXPECT_EQ("tree: one file is needed, and 2 are given\nSee 'corvel tree --help'.",
+            ErrorOf({u"tree", u"a.ifc", u"b.ifc"}));
 }
 
 TEST(CommandLine, MergeWithoutAnOutputIsWrong) {
@@ -185,6 +257,7 @@ TEST(CommandLine, HelpComesBeforeWhatElseIsWrong) {
   EXPECT_EQ(HelpOf(Command::kMerge), Explained({u"merge", u"a.ifc", u"--wrong", u"-h"}));
   EXPECT_EQ(HelpOf(Command::kResave), Explained({u"resave", u"--help"}));
   EXPECT_EQ(HelpOf(Command::kInfo), Explained({u"info", u"--help"}));
+  EXPECT_EQ(HelpOf(Command::kTree), Explained({u"tree", u"--help"}));
   EXPECT_EQ(GeneralHelp(), Explained({u"--help"}));
   EXPECT_EQ(GeneralHelp(), Explained({u"-h"}));
   EXPECT_EQ(VersionText(), Explained({u"--version"}));
@@ -192,7 +265,8 @@ TEST(CommandLine, HelpComesBeforeWhatElseIsWrong) {
 
 // Every option that a command takes stands in its help.
 TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
-  for (const Command command : {Command::kMerge, Command::kResave, Command::kInfo}) {
+  for (const Command command :
+       {Command::kMerge, Command::kResave, Command::kInfo, Command::kTree}) {
     const std::string help = ToUtf8(HelpOf(command));
     for (const char* const word :
          {"Usage:", "--ignore-enum-errors", "--quiet", "--answer yes|no", "-h, --help",
@@ -201,7 +275,14 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
     }
   }
   EXPECT_NE(WideView::npos, HelpOf(Command::kMerge).find(u"-o, --output OUT"));
+  for (const char16_t* const option :
+       {u"--mode active|visible|selected", u"--inactive FILE:LIST", u"--hide FILE:LIST",
+        u"--select FILE:LIST", u"--offset FILE=X,Y,Z", u"--center X,Y,Z", u"--ignore-units",
+        u"--delete-openings", u"--on-duplicate-guid generate|skip"}) {
+    EXPECT_NE(WideView::npos, HelpOf(Command::kMerge).find(option)) << ToUtf8(option);
+  }
   EXPECT_NE(WideView::npos, HelpOf(Command::kInfo).find(u"--json"));
+  EXPECT_NE(WideView::npos, HelpOf(Command::kTree).find(u"--json"));
   for (const Command command : {Command::kMerge, Command::kResave}) {
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  3   "));
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  4   "));
@@ -209,8 +290,8 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
 }
 
 TEST(HelpTexts, NoLineIsLongerThanATerminal) {
-  for (const WideView help :
-       {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave), HelpOf(Command::kInfo)}) {
+  for (const WideView help : {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave),
+                              HelpOf(Command::kInfo), HelpOf(Command::kTree)}) {
     WideView rest = help;
     while (!rest.empty()) {
       const WideView line = rest.substr(0, rest.find(u'\n'));

@@ -2,22 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <random>
 #include <string>
 
+#include "step/reader/string_decoder.h"
 #include "support/memory_streams.h"
 
 namespace corvel::host {
 
 namespace {
 
-// What is left of `text` behind the arguments, in windows of every size; "(end)" when the input
-// ends before.
-std::string RestOf(const std::string& text) {
+using Skip = std::function<bool(FileStream::InputStream&)>;
+
+// What `skip` leaves of `text`, in windows of every size; "(end)" when the input ends before.
+std::string RestOf(const std::string& text, const Skip& skip = SkipToSemicolon) {
   std::string first;
   for (std::size_t window = 1; window <= text.size() + 1; ++window) {
     test::MemoryInputStream stream(text, window);
     std::string rest = "(end)";
-    if (SkipToSemicolon(stream)) {
+    if (skip(stream)) {
       rest.clear();
       for (int c = stream.GetChar(); c != -1; c = stream.GetChar()) {
         rest.push_back(static_cast<char>(c));
@@ -27,6 +31,14 @@ std::string RestOf(const std::string& text) {
     EXPECT_EQ(first, rest) << "window " << window;
   }
   return first;
+}
+
+// What the decoder of strings leaves of `text`.
+std::string RestOfDecoded(const std::string& text) {
+  test::MemoryInputStream stream(text);
+  WideString decoded;
+  DecodeString(stream, decoded);
+  return {stream.Cursor(), stream.WindowEnd()};
 }
 
 }  // namespace
@@ -53,6 +65,47 @@ TEST(SkipToSemicolon, TheEndOfTheInputIsNoSemicolon) {
   EXPECT_EQ("(end)", RestOf("(/* ; *"));
   EXPECT_EQ("(end)", RestOf("(/"));
   EXPECT_EQ("(end)", RestOf(""));
+}
+
+TEST(SkipToSemicolon, AnApostropheBehindADirectiveDoesNotEndTheString) {
+  EXPECT_EQ(";x", RestOf(R"(('\S\';'),);x)"));
+}
+
+TEST(SkipToSemicolon, StringsAndCommentsBehindTheSemicolonDoNotMatter) {
+  EXPECT_EQ(";'/*", RestOf("(1);'/*"));
+}
+
+TEST(SkipString, StopsBehindTheClosingApostrophe) {
+  EXPECT_EQ(",x'", RestOf("abc',x'", SkipString));
+  EXPECT_EQ(",x", RestOf("it''s',x", SkipString));
+  EXPECT_EQ("", RestOf("'", SkipString));
+  EXPECT_EQ("(end)", RestOf("abc", SkipString));
+  EXPECT_EQ("(end)", RestOf("abc''", SkipString));
+}
+
+// The two have to agree about where a string ends, whatever stands in it.
+TEST(SkipString, StopsWhereTheDecoderStops) {
+  std::mt19937 random(7);  // NOLINT: the same strings every time
+  const std::string signs = R"(\\\\\\'''SX240PA1 )";
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (std::size_t i = random() % 12; i > 0; --i) text += signs[random() % signs.size()];
+    text += "';rest'";
+    const std::string decoded = RestOfDecoded(text);
+    test::MemoryInputStream stream(text);
+    const bool ended = SkipString(stream);
+    ASSERT_EQ(decoded, std::string(stream.Cursor(), stream.WindowEnd())) << text;
+    ASSERT_TRUE(ended || decoded.empty()) << text;
+  }
+}
+
+TEST(SkipBlanks, StopsAtWhatIsNoBlankAndNoComment) {
+  EXPECT_EQ("#1", RestOf(" \r\n\t_#1", SkipBlanks));
+  EXPECT_EQ("#1", RestOf("/* #2 */ /***/#1", SkipBlanks));
+  EXPECT_EQ("a", RestOf("/a", SkipBlanks));
+  EXPECT_EQ("#1", RestOf("#1", SkipBlanks));
+  EXPECT_EQ("(end)", RestOf("  /* #1", SkipBlanks));
+  EXPECT_EQ("(end)", RestOf("", SkipBlanks));
 }
 
 }  // namespace corvel::host

@@ -6,7 +6,7 @@ import subprocess
 import unittest
 
 from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, PROJECT, WITH_REPORTS,
-                     CorvelTest, model, project, records_of)
+                     CorvelTest, model, project, records_of, wall)
 
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
@@ -50,31 +50,40 @@ class Resave(CorvelTest):
 
 class Merge(CorvelTest):
 
-    def test_all_records_but_the_later_projects_are_written(self):
-        self.write('a.ifc', project('#2=IFCCARTESIANPOINT((1.,2.));'))
-        self.write('b.ifc', project('#2=IFCCARTESIANPOINT((3.,4.));'))
+    def points_of(self, name):
+        return [line.split('=')[1] for line in records_of(self.read(name)) if 'POINT' in line]
+
+    def test_all_objects_are_written_with_what_they_need_and_one_project(self):
+        self.write('a.ifc', project(*wall(2, 'a', 1)))
+        self.write('b.ifc', project(*wall(2, 'b', 3)))
         self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), DONE,
                           err='', out='out.ifc was written.\n')
         lines = records_of(self.read('out.ifc'))
+        self.assertEqual(9, len(lines))
         self.assertEqual(1, sum('=IFCPROJECT(' in line for line in lines))
-        self.assertEqual(['=IFCCARTESIANPOINT((1.,2.));', '=IFCCARTESIANPOINT((3.,4.));'],
-                         [line[line.index('='):] for line in lines if 'POINT' in line])
+        self.assertEqual(2, sum('=IFCWALL(' in line for line in lines))
+        self.assertEqual(['IFCCARTESIANPOINT((1.,0.,0.));', 'IFCCARTESIANPOINT((3.,0.,0.));'],
+                         self.points_of('out.ifc'))
         self.assertEqual(len(lines), len({line.split('=')[0] for line in lines}))
 
-    def test_a_model_may_be_merged_with_itself(self):
+    def test_records_that_no_object_needs_are_left_out(self):
         self.write('a.ifc', project(POINT))
+        self.write('b.ifc', project(*wall(2, 'b', 3)))
+        self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), DONE)
+        self.assertEqual(['IFCCARTESIANPOINT((3.,0.,0.));'], self.points_of('out.ifc'))
+
+    def test_a_model_may_be_merged_with_itself(self):
+        self.write('a.ifc', project(*wall(2, 'a')))
         self.assert_ended(self.run_corvel('merge', 'a.ifc', 'a.ifc', '-o', 'out.ifc'), DONE)
-        lines = records_of(self.read('out.ifc'))
-        self.assertEqual(3, len(lines))
+        self.assertEqual(9, len(records_of(self.read('out.ifc'))))
 
     def test_three_models_fold_into_the_first(self):
         for name, x in (('a', 1), ('b', 2), ('c', 3)):
-            self.write(name + '.ifc', project(f'#2=IFCCARTESIANPOINT(({x}.,0.));'))
+            self.write(name + '.ifc', project(*wall(2, name, x)))
         self.assert_ended(
             self.run_corvel('merge', 'a.ifc', 'b.ifc', 'c.ifc', '-o', 'out.ifc'), DONE)
-        points = [line.split('=')[1] for line in records_of(self.read('out.ifc'))
-                  if 'POINT' in line]
-        self.assertEqual([f'IFCCARTESIANPOINT(({x}.,0.));' for x in (1, 2, 3)], points)
+        self.assertEqual([f'IFCCARTESIANPOINT(({x}.,0.,0.));' for x in (1, 2, 3)],
+                         self.points_of('out.ifc'))
 
     def test_nothing_else_is_left(self):
         self.write('a.ifc', project(POINT))
@@ -83,10 +92,12 @@ class Merge(CorvelTest):
         self.assertEqual(['a.ifc', 'b.ifc', 'out.ifc'], self.names())
 
     def test_the_same_run_gives_the_same_bytes(self):
-        self.write('a.ifc', project(*(f'#{n}=IFCCARTESIANPOINT(({n}.,0.));' for n in range(2, 99))))
-        self.write('b.ifc', project(*(f'#{n}=IFCDIRECTION(({n}.,0.));' for n in range(50, 150))))
+        for name in ('a', 'b'):
+            records = (wall(n, f'{name}{n}', n) for n in range(2, 400, 4))
+            self.write(name + '.ifc', project(*(line for lines in records for line in lines)))
         self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'one.ifc')
         self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'two.ifc')
+        self.assertEqual(801, len(records_of(self.read('one.ifc'))))
         self.assertEqual(self.read('one.ifc'), self.read('two.ifc'))
 
 

@@ -48,6 +48,14 @@ def project(*records, schema='IFC4'):
     return model('\n'.join((PROJECT,) + records), schema)
 
 
+def wall(number, guid, x=1):
+    """The records of a wall that stands at `x`, from #number to #number+3."""
+    return (f"#{number}=IFCWALL('{guid}',$,'W',$,$,#{number + 1},$,$,$);",
+            f'#{number + 1}=IFCLOCALPLACEMENT($,#{number + 2});',
+            f'#{number + 2}=IFCAXIS2PLACEMENT3D(#{number + 3},$,$);',
+            f'#{number + 3}=IFCCARTESIANPOINT(({x}.,0.,0.));')
+
+
 def large_model(megabytes, first=2):
     """A model that takes a while, every tenth record of which refers forward."""
     lines = [PROJECT]

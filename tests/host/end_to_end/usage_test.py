@@ -9,7 +9,7 @@ class Usage(CorvelTest):
 
     def test_help_and_version_go_to_standard_output(self):
         for arguments in (('--help',), ('-h',), ('--version',), ('merge', '--help'),
-                          ('resave', '--help'), ('info', '--help')):
+                          ('resave', '--help'), ('info', '--help'), ('tree', '--help')):
             with self.subTest(arguments):
                 ended = self.run_corvel(*arguments)
                 self.assert_ended(ended, DONE, err='')
@@ -25,6 +25,7 @@ class Usage(CorvelTest):
                  'corvel: merge: two files or more are needed, and 1 is given\n'),
                 (('resave', 'a.ifc'),
                  'corvel: resave: one input and one output are needed, and 1 file is given\n'),
+                (('tree', 'a.ifc', 'b.ifc'), 'corvel: tree: one file is needed, and 2 are given\n'),
                 (('info', '--answer', 'perhaps', 'a.ifc'),
                  "corvel: info: --answer takes 'yes' or 'no', not 'perhaps'\n")):
             with self.subTest(arguments):

@@ -1,0 +1,71 @@
+#include "host/model_scene.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "host/model_opening.h"
+#include "host/run_checks.h"
+#include "host/scene_reader.h"
+
+namespace corvel::host {
+
+namespace {
+
+void ReadOpened(Scanner& scanner, SceneTexts texts, ModelScene& scene) {
+  const auto header = ReadHeader(scanner, scene.problems);
+  if (header == nullptr) return;
+  const auto schema = ChooseSchema(header->schemaIdentifier, scene.remarks, scene.problems);
+  if (!schema) return;
+  try {
+    const FactoryTable& factories = FactoriesOf(*schema);
+    scene.schema = schema;
+    ReadSceneRecords(*scanner.Stream(), factories, texts, scene);
+  } catch (const std::exception& error) {
+    // Half a scene would have a merge drop the other half.
+    ModelScene nothing;
+    nothing.remarks = std::move(scene.remarks);
+    nothing.problems = std::move(scene.problems);
+    nothing.problems.push_back(Widen(error.what()));
+    scene = std::move(nothing);
+  }
+}
+
+}  // namespace
+
+WideView ModelScene::GuidOf(std::size_t index) const {
+  if (labels.empty()) return {};
+  const Label& label = labels[index];
+  return WideView(texts).substr(label.start, label.guidLength);
+}
+
+WideView ModelScene::NameOf(std::size_t index) const {
+  if (labels.empty()) return {};
+  const Label& label = labels[index];
+  return WideView(texts).substr(label.start + label.guidLength, label.nameLength);
+}
+
+const SceneObject* ModelScene::Find(std::uint32_t number) const {
+  const auto found = std::lower_bound(
+      objects.begin(), objects.end(), number,
+      [](const SceneObject& object, std::uint32_t wanted) { return object.number < wanted; });
+  return found == objects.end() || found->number != number ? nullptr : &*found;
+}
+
+ModelScene ReadScene(const WideString& path, SceneTexts texts) {
+  ModelScene scene;
+  if (auto trouble = TroubleWithInput(path)) {
+    scene.problems.push_back(std::move(*trouble));
+    return scene;
+  }
+  const Hearing problems(scene.problems);
+  Scanner scanner(path, kModelBuffer, Hear);
+  if (scanner.IsOpen()) {
+    ReadOpened(scanner, texts, scene);
+  } else {
+    scene.problems.emplace_back(u"Could not open the file");
+  }
+  return scene;
+}
+
+}  // namespace corvel::host

@@ -1,0 +1,96 @@
+#include "host/model_scene.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/scene_of_text.h"
+#include "support/temporary_folder.h"
+
+namespace corvel::host {
+
+namespace {
+
+using Texts = std::vector<WideString>;
+
+std::string ModelOf(const std::string& records, const std::string& schema = "IFC4") {
+  return "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION(('#7=IFCWALL();'),'2;1');\n"
+         "FILE_NAME('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA(('" +
+         schema + "'));\nENDSEC;\nDATA;\n" + records + "\nENDSEC;\nEND-ISO-10303-21;\n";
+}
+
+ModelScene SceneOfFile(const std::string& bytes) {
+  const test::TemporaryFolder folder;
+  return ReadScene(folder.Write("m.ifc", bytes), SceneTexts::kGuidsAndNames);
+}
+
+}  // namespace
+
+TEST(ModelScene, AFileIsReadBehindItsHeader) {
+  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCPROJECT('p');\n#2=IFCWALL('w');"));
+  EXPECT_EQ("1:IfcProject 2:IfcWall<1", Described(scene));
+  EXPECT_EQ(SchemaNamespace::IFC4, scene.schema);
+  EXPECT_EQ(Texts{}, scene.remarks);
+  EXPECT_EQ(Texts{}, scene.problems);
+}
+
+TEST(ModelScene, SeveralDataSectionsAreRead) {
+  EXPECT_EQ(
+      "1:IfcProject 2:IfcWall<1",
+      Described(SceneOfFile(ModelOf("#1=IFCPROJECT('p');\nENDSEC;\nDATA;\n#2=IFCWALL('w');"))));
+}
+
+// IfcBuildingElementProxy is no class of every release, and IfcElectricDistributionPoint of one.
+TEST(ModelScene, ClassesAreThoseOfTheReleaseOfTheFile) {
+  const std::string records = "#1=IFCELECTRICDISTRIBUTIONPOINT('e');";
+  EXPECT_EQ("1:IfcElectricDistributionPoint", Described(SceneOfFile(ModelOf(records, "IFC2X3"))));
+  EXPECT_EQ("", Described(SceneOfFile(ModelOf(records, "IFC4"))));
+}
+
+TEST(ModelScene, AFileThatIsNoModelHasAProblemAndNoObjects) {
+  const ModelScene scene = SceneOfFile("#1=IFCWALL('w');");
+  EXPECT_EQ(Texts{u"Unable to read header token. No schema identifier can be read."},
+            scene.problems);
+  EXPECT_EQ("", Described(scene));
+  EXPECT_EQ(std::nullopt, scene.schema);
+}
+
+TEST(ModelScene, AnUnknownSchemaIsAProblem) {
+  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCWALL('w');", "IFC5"));
+  EXPECT_EQ(Texts{u"Unknown schema identifier: IFC5"}, scene.problems);
+  EXPECT_EQ("", Described(scene));
+}
+
+TEST(ModelScene, AReplacedSchemaIsARemark) {
+  EXPECT_EQ(Texts{u"Schema identifier: IFC4X3_RC4 is not supported. IFC4X3_ADD2 is used instead."},
+            SceneOfFile(ModelOf("", "IFC4X3_RC4")).remarks);
+}
+
+TEST(ModelScene, AFileThatIsNotThereIsAProblem) {
+  const test::TemporaryFolder folder;
+  EXPECT_EQ(Texts{u"there is no such file"},
+            ReadScene(folder.Path("none.ifc"), SceneTexts::kNone).problems);
+}
+
+TEST(ModelScene, ObjectsAcrossTheBordersOfTheBufferAreFound) {
+  // More than one buffer of 1 MiB, with records of all lengths at its border.
+  std::string records;
+  std::size_t count = 0;
+  while (records.size() < 3u << 20) {
+    ++count;
+    records += "#" + std::to_string(count) + "=IFCWALL('" + std::string(count % 997, ';') + "');\n";
+  }
+  const ModelScene scene = SceneOfFile(ModelOf(records));
+  ASSERT_EQ(count, scene.objects.size());
+  for (std::size_t i = 0; i < count; ++i) ASSERT_EQ((i + 1) % 997, scene.GuidOf(i).size());
+}
+
+TEST(ModelScene, ObjectsAreFoundByNumber) {
+  const ModelScene scene = SceneOf("#3=IFCWALL();#8=IFCDOOR();");
+  ASSERT_NE(nullptr, scene.Find(8));
+  EXPECT_EQ(8u, scene.Find(8)->number);
+  EXPECT_EQ(nullptr, scene.Find(5));
+  EXPECT_EQ(nullptr, scene.Find(9));
+}
+
+}  // namespace corvel::host
