@@ -131,7 +131,7 @@ TEST_P(PlacementsInRelease, ProductsWithoutAPlacementGetOne) {
   ApplyProjectOffsets(document, scene);
   const std::string written = WrittenOut(document);
   for (const char* const wanted :
-       {"#4=IFCWALL('g4',", ",$,$,$,#21,$,$", "#5=IFCWALL('g5',", ",$,$,$,#23,$,$",
+       {"#4=IFCWALL('g4',", ",$,#21,$,$", "#5=IFCWALL('g5',", ",$,#23,$,$",
         "#15=IFCLOCALPLACEMENT($,#13);\n"
         "#17=IFCCARTESIANPOINT((0.,0.,0.));\n"
         "#19=IFCAXIS2PLACEMENT3D(#17,$,$);\n"
