@@ -26,6 +26,10 @@ void WriteOptional(StepWriter& writer, bool present, Write write) {
   }
 }
 
+void CollectReferencesOfValue(IFC::ChildQueue& queue, const IFC::IfcEntity* value) {
+  if (value != nullptr && value->inlineValue) value->collectChildren(queue);
+}
+
 }  // namespace
 
 // --- Optional attributes, read -------------------------------------------------------------------
@@ -213,11 +217,6 @@ void CollectOptionalReference(IFC::ChildQueue& queue, IFC::IfcEntity* value, boo
   if (present) queue.Append(value, true);
 }
 
-void CollectReferenceThroughValue(IFC::ChildQueue& queue, IFC::IfcEntity* value) {
-  CollectReference(queue, value);
-  if (value != nullptr && value->inlineValue) value->collectChildren(queue);
-}
-
 void CollectList(IFC::ChildQueue& queue, const EntityList& list) {
   for (IFC::IfcEntity* const member : list) queue.Append(member, true);
 }
@@ -232,6 +231,27 @@ void CollectLists(IFC::ChildQueue& queue, const List<EntityList>& lists) {
 
 void CollectOptionalLists(IFC::ChildQueue& queue, const List<EntityList>& lists, bool present) {
   if (present) CollectLists(queue, lists);
+}
+
+void CollectReferenceThroughValues(IFC::ChildQueue& queue, IFC::IfcEntity* value) {
+  CollectReference(queue, value);
+  CollectReferencesOfValue(queue, value);
+}
+
+void CollectOptionalReferenceThroughValues(IFC::ChildQueue& queue, IFC::IfcEntity* value,
+                                           bool present) {
+  CollectOptionalReference(queue, value, present);
+  if (present) CollectReferencesOfValue(queue, value);
+}
+
+void CollectListThroughValues(IFC::ChildQueue& queue, const EntityList& list) {
+  CollectList(queue, list);
+  for (IFC::IfcEntity* const member : list) CollectReferencesOfValue(queue, member);
+}
+
+void CollectOptionalListThroughValues(IFC::ChildQueue& queue, const EntityList& list,
+                                      bool present) {
+  if (present) CollectListThroughValues(queue, list);
 }
 
 bool NoneIsLive(const EntityList& list) {

@@ -77,13 +77,18 @@ void WriteOptionalIntegerLists(StepWriter& writer, const List<List<std::int32_t>
 // A mandatory reference cannot be lost, and is skipped when null. An optional one that is present
 // is a child even when null. Members of lists can always be lost.
 void CollectReference(IFC::ChildQueue& queue, IFC::IfcEntity* value);
-// Where the reference may hold a value that refers to entities, these are children too.
-void CollectReferenceThroughValue(IFC::ChildQueue& queue, IFC::IfcEntity* value);
 void CollectOptionalReference(IFC::ChildQueue& queue, IFC::IfcEntity* value, bool present);
 void CollectList(IFC::ChildQueue& queue, const EntityList& list);
 void CollectOptionalList(IFC::ChildQueue& queue, const EntityList& list, bool present);
 void CollectLists(IFC::ChildQueue& queue, const List<EntityList>& lists);
 void CollectOptionalLists(IFC::ChildQueue& queue, const List<EntityList>& lists, bool present);
+
+// The same where a value may stand that refers to entities: these are children too.
+void CollectReferenceThroughValues(IFC::ChildQueue& queue, IFC::IfcEntity* value);
+void CollectOptionalReferenceThroughValues(IFC::ChildQueue& queue, IFC::IfcEntity* value,
+                                           bool present);
+void CollectListThroughValues(IFC::ChildQueue& queue, const EntityList& list);
+void CollectOptionalListThroughValues(IFC::ChildQueue& queue, const EntityList& list, bool present);
 
 // True when no member is left that is not marked as deleted.
 bool NoneIsLive(const EntityList& list);

@@ -255,6 +255,19 @@ TEST_F(GeneratedClass, ValueWithMembersHasThemAsChildren) {
   EXPECT_EQ((Children{{&one, true}}), ChildrenOf(*object.Value));
 }
 
+TEST_F(GeneratedClass, MembersOfAValueAreChildrenOfTheRecordThatItStandsIn) {
+  const auto& one = Add<TINY::TinyPlainPart>("('p','one')");
+  auto& optional = Add<TINY::TinyOptional>("('g','n',$,TINYPARTSET((#1)))");
+  EXPECT_EQ((Children{{optional.Value, true}, {&one, true}}), ChildrenOf(optional));
+  optional.ValuePresent = false;
+  EXPECT_EQ(Children{}, ChildrenOf(optional));
+  const auto& mandatory = Add<TINY::TinyMandatory>("('g','n',$,TINYPARTSET((#1)))");
+  EXPECT_EQ((Children{{mandatory.Value, false}, {&one, true}}), ChildrenOf(mandatory));
+  const auto& list = Add<TINY::TinyAggregates>("('g','n',$,(TINYPARTSET((#1)),TINYINTEGER(3)))");
+  EXPECT_EQ((Children{{list.MoreParts[0], true}, {list.MoreParts[1], true}, {&one, true}}),
+            ChildrenOf(list));
+}
+
 // --- Members that a class lives on ---------------------------------------------------------------
 
 TEST_F(GeneratedClass, LivesOnItsFirstMandatoryListOnly) {

@@ -38,9 +38,7 @@ def collect_statement(kind, name, optional):
         return None
     form = {0: 'Reference', 1: 'List', 2: 'Lists'}[kind.depth]
     if kind.values_refer:
-        if kind.depth or optional:
-            raise ValueError(f'there is no rule for {name}, several values that refer to entities')
-        form = 'ReferenceThroughValue'
+        form += 'ThroughValues'
     if optional:
         return f'corvel::CollectOptional{form}(queue, {name}, {name}Present);'
     return f'corvel::Collect{form}(queue, {name});'

@@ -27,7 +27,7 @@ const char16_t* TinyAggregates::getClassName() const { return u"TinyAggregates";
 void TinyAggregates::collectChildren(IFC::ChildQueue& queue) const {
   TinyPart::collectChildren(queue);
   corvel::CollectList(queue, Parts);
-  corvel::CollectList(queue, MoreParts);
+  corvel::CollectListThroughValues(queue, MoreParts);
   corvel::CollectList(queue, AnyParts);
   corvel::CollectOptionalList(queue, OptionalParts, OptionalPartsPresent);
   corvel::CollectLists(queue, PartGrid);
@@ -96,7 +96,7 @@ const char16_t* TinyMandatory::getClassName() const { return u"TinyMandatory"; }
 void TinyMandatory::collectChildren(IFC::ChildQueue& queue) const {
   TinyPart::collectChildren(queue);
   corvel::CollectReference(queue, Part);
-  corvel::CollectReference(queue, Value);
+  corvel::CollectReferenceThroughValues(queue, Value);
   corvel::CollectReference(queue, Unit);
   corvel::CollectReference(queue, Style);
 }

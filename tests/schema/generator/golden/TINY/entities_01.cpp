@@ -11,7 +11,7 @@ const char16_t* TinyOptional::getClassName() const { return u"TinyOptional"; }
 void TinyOptional::collectChildren(IFC::ChildQueue& queue) const {
   TinyPart::collectChildren(queue);
   corvel::CollectOptionalReference(queue, Part, PartPresent);
-  corvel::CollectOptionalReference(queue, Value, ValuePresent);
+  corvel::CollectOptionalReferenceThroughValues(queue, Value, ValuePresent);
   corvel::CollectOptionalReference(queue, Unit, UnitPresent);
 }
 void TinyOptional::read(corvel::Parser& parser) {
