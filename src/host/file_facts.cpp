@@ -45,7 +45,7 @@ void ReadRecords(Scanner& scanner, FileFacts& facts, ClassCounts& counts) {
     facts.problems.push_back(u"The file ends inside of record #" + ToWide(number) + u".");
     return;
   }
-  if (!closed && !scanner.IsStopped()) facts.problems.push_back(kCutShort);
+  if (!closed && !scanner.IsStopped()) facts.problems.emplace_back(kCutShort);
 }
 
 void ListClasses(const ClassCounts& counts, FileFacts& facts) {
@@ -79,7 +79,7 @@ FileFacts ReadFacts(const WideString& path) {
     const Hearing problems(facts.problems);
     ReadOpened(scanner, facts);
   } else {
-    facts.problems.push_back(u"Could not open the file");
+    facts.problems.emplace_back(u"Could not open the file");
   }
   return facts;
 }

@@ -24,7 +24,7 @@ constexpr int kMergingWeight = 15;
 constexpr unsigned kErrorIcon = 16;
 constexpr unsigned kWarningIcon = 48;
 
-constexpr std::int64_t kLargeFiles = 100 * 1024 * 1024;
+constexpr std::int64_t kLargeFiles = std::int64_t{100} * 1024 * 1024;
 
 void Log(WideView text) { IfcLog::Instance().LogText(text); }
 
@@ -195,6 +195,8 @@ bool MergeJob::PrepareDocuments() {
 // Its offset comes before its objects are chosen: what carries the offset is kept with them.
 void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
   const WideString path = document.getFilePath();
+  shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
+  shell_.SetCurrentFile(path);
   IfcDocument& first = *documents_.front();
   Log(u"Procesing AdjustUnit");
   if (&document != &first) AdjustUnit(document, first);
@@ -209,8 +211,6 @@ void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
   std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
   std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
   shell_.StartStage(weight);
-  shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
-  shell_.SetCurrentFile(path);
   Log(u"Deleting objects from: " + path);
   document.DeleteObjects(deletePairs, savePairs, false, shell_.Options().deleteOpenings,
                          static_cast<int>(projects_.size()));
