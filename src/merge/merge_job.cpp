@@ -24,7 +24,7 @@ constexpr int kMergingWeight = 15;
 constexpr unsigned kErrorIcon = 16;
 constexpr unsigned kWarningIcon = 48;
 
-constexpr std::int64_t kLargeFiles = std::int64_t{100} * 1024 * 1024;
+constexpr std::int64_t kLargeFiles = 104857600;
 
 void Log(WideView text) { IfcLog::Instance().LogText(text); }
 

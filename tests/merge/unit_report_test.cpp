@@ -211,13 +211,13 @@ TEST_F(UnitReport, NothingIsToldWhenAllTakePart) {
 
 TEST_F(UnitReport, AFileIsNamedWithoutItsFolders) {
   Add("first/a.ifc", Units({kMetre}));
-  Add("second/deep/\xC3\xA4 b.ifc", Units({kMillimetre}));
+  Add("second/deep/b c.ifc", Units({kMillimetre}));
   EXPECT_EQ((std::vector<WideString>{
                 u"<not_all_projects_merge> \"a.ifc\"",
                 u"<due_to_invalid_units>:\n",
                 u"  LENGTHUNIT(#1) - METRE\n",
                 u"<projects_that_will_not_be_merged>\n",
-                u"\n  \u00E4 b.ifc:\n    LENGTHUNIT(#1) - MILLIMETRE\n",
+                u"\n  b c.ifc:\n    LENGTHUNIT(#1) - MILLIMETRE\n",
                 u"",
             }),
             Messages());

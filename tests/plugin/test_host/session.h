@@ -60,8 +60,10 @@ class Session {
   // Boxes of the system that nobody has seen yet.
   void NoteBoxes();
 
-  // All boxes of the system so far.
+  // All boxes of the system so far, or since they were forgotten.
   const std::vector<SystemBox>& Boxes() const { return boxes_; }
+  // For long scenes: what is kept of boxes counts as memory of the process.
+  void ForgetBoxes() { std::vector<SystemBox>().swap(boxes_); }
   std::string Golden() const { return transcript.Text(); }
 
  private:
