@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 libgtest-dev libbenchmark-dev libcli11-dev
-          nlohmann-json3-dev)
+          nlohmann-json3-dev libminizip-dev zlib1g-dev)
 for extra in "$@"; do packages+=("$extra"); done
 
 missing=()

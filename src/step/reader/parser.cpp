@@ -202,7 +202,9 @@ bool Parser::ReadFirstPart(int fileCount) {
     if (token->Is(TokenType::IdentifierToken) && !ReadRecord(token->number, fileCount))
       return false;
   }
-  if (!CloseTempStream()) {
+  // Half a model is worse than none.
+  const bool damaged = scanner->Stream() != nullptr && scanner->Stream()->IsDamaged();
+  if (!CloseTempStream() || damaged) {
     state = ParserState::kFailed;
     RemoveTempFile();
     return false;

@@ -55,6 +55,9 @@ SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
     }
     result.opened = true;
     header = ReadHeaderToken(scanner);
+    // It has been reported; nothing more can be said of a file that is not what was written.
+    result.opened = !scanner.Stream()->IsDamaged();
+    if (!result.opened) return result;
   }
   if (header == nullptr) {
     showError("", u"Unable to read header token. No schema identifier can be read.", kReportShow);

@@ -16,7 +16,7 @@ std::optional<SchemaNamespace> ChooseSchemaNamespace(const WideString& identifie
 
 // What a file says of its schema.
 struct SchemaOfFile {
-  bool opened = false;    // false: it could not be opened at all, which has been reported
+  bool opened = false;    // false: it could not be opened or is damaged, which has been reported
   WideString identifier;  // the first string of FILE_SCHEMA; empty without a readable HEADER
 };
 

@@ -9,8 +9,9 @@
 
 namespace FileStream {
 
-// ".ifc" in any case gives a plain file. Null when the ending is not known. The stream may have
-// failed to open: ask IsOpen.
+// In any case of its letters ".ifc" gives a plain file, and ".ifczip" and `container.olf|entry` an
+// entry of an archive. Null when the ending is not known. The stream may have failed to open: ask
+// IsOpen.
 std::unique_ptr<InputStream> OpenInput(const corvel::WideString& path, std::size_t bufferSize,
                                        corvel::ErrorReporter showError);
 

@@ -111,6 +111,11 @@ bool OutpoutFileStream::Commit() {
   return !failed_;
 }
 
+bool OutpoutFileStream::CommitAndClose() {
+  const bool committed = Commit();
+  return Close() && committed;
+}
+
 void OutpoutFileStream::StartBehindMargin() {
   if (window_ == nullptr) return;
   FillMargin();

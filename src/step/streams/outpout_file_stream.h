@@ -31,6 +31,8 @@ class OutpoutFileStream : public OutpoutStream {
   // the file also when a failed flush has closed the stream. False when anything failed since the
   // stream was opened.
   bool Close() override;
+  // Writes the whole buffer, however little, hands the file to the disk and closes it.
+  bool CommitAndClose() override;
   bool IsOpen() const override { return open_; }
   bool IsEof() const override { return file_.AtEnd(); }
   void MovePosition(std::int64_t delta, int whence = 1) override;

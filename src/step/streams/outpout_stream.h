@@ -25,6 +25,8 @@ class OutpoutStream {
   virtual void Write(const void* bytes, std::size_t count) = 0;
   // Writes what is due and closes. False when a write or the close failed (it has been reported).
   virtual bool Close() = 0;
+  // Close, after which everything has reached the disk. False as for Close.
+  virtual bool CommitAndClose() { return Close(); }
   virtual bool IsOpen() const = 0;
   virtual bool IsEof() const = 0;
   // Moves the position; `whence` is ignored. Throws std::runtime_error below 0.

@@ -7,13 +7,9 @@
 #include "platform/file.h"
 #include "step/log/ifc_log.h"
 #include "step/reader/token.h"
+#include "step/streams/open_output.h"
 
 namespace corvel {
-
-namespace {
-constexpr std::uint64_t kBlockSize = 1'048'576;
-constexpr std::uint64_t kKeepBack = 4'096;
-}  // namespace
 
 StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, IfcDocument& document,
                        WideString path)
@@ -38,14 +34,11 @@ int StepWriter::WriteFile() {
 }
 
 bool StepWriter::OpenStream() {
-  const std::size_t dot = path_.find_last_of(u'.');
-  const WideString ending = dot == WideString::npos ? WideString() : path_.substr(dot);
-  if (ToLowerAscii(ending) != u".ifc") {
+  ownStream_ = FileStream::OpenOutput(path_, showError_);
+  if (ownStream_ == nullptr) {
     showError_("could_not_open_file_extension", u" " + path_, kReportShow);
     return false;
   }
-  ownStream_ =
-      std::make_unique<FileStream::OutpoutFileStream>(path_, showError_, kBlockSize, kKeepBack);
   stream_ = ownStream_.get();
   if (ownStream_->IsOpen() && document_->mainContainer != nullptr &&
       document_->getHeader() != nullptr) {
@@ -68,9 +61,7 @@ int StepWriter::WriteAll() {
 
 // Every byte has to have reached the disk before the file counts as written.
 int StepWriter::Finish() {
-  const bool committed = ownStream_->Commit();
-  const bool closed = ownStream_->Close();
-  if (!committed || !closed) return EndEarly(0);
+  if (!ownStream_->CommitAndClose()) return EndEarly(0);
   CleanUp();
   return 1;
 }

@@ -1,4 +1,4 @@
-// Writes one model as a STEP physical file.
+// Writes one model as a STEP physical file, plain or as the entry of an archive.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include "core/list.h"
 #include "core/reporting.h"
 #include "step/enum_table.h"
-#include "step/streams/outpout_file_stream.h"
+#include "step/streams/outpout_stream.h"
 
 namespace corvel {
 
@@ -89,7 +89,7 @@ class StepWriter {
   const CancelTexts* cancelTexts_ = nullptr;
   IfcDocument* document_ = nullptr;
   WideString path_;
-  std::unique_ptr<FileStream::OutpoutFileStream> ownStream_;
+  std::unique_ptr<FileStream::OutpoutStream> ownStream_;
   FileStream::OutpoutStream* stream_ = nullptr;
 };
 

@@ -1,0 +1,74 @@
+// Writes an ".ifczip": an archive with one deflated entry.
+//
+// The buffer holds a block and a keep-back, as that of OutpoutFileStream does; there is no margin,
+// and closing writes all of it, however little. What has been written to the archive cannot be
+// reached any more.
+#pragma once
+
+#include <memory>
+
+#include "core/reporting.h"
+#include "step/streams/outpout_stream.h"
+
+namespace FileStream {
+
+class ArchiveFile;
+
+class OutputZipFileStream final : public OutpoutStream {
+ public:
+  static constexpr std::uint64_t kBlockSize = 1'048'576;
+  static constexpr std::uint64_t kKeepBack = 10;
+
+  // Empties or creates the archive and opens its entry, which has the name of the archive with the
+  // ending ".ifc". Failures are reported with an empty key; the stream is then not open, and takes
+  // nothing. An archive without an entry is not left behind. `showError` may be null.
+  OutputZipFileStream(const corvel::WideString& path, corvel::ErrorReporter showError);
+  // As Close.
+  ~OutputZipFileStream() override;
+
+  // Goes into the archive at once, ahead of what the buffer holds.
+  void Write(const void* bytes, std::size_t count) override;
+  // Writes the whole buffer, completes the archive and hands it to the disk. False when anything
+  // failed since the stream was made; the first failure was reported, and nothing is compressed
+  // after it.
+  bool Close() override;
+  bool CommitAndClose() override { return Close(); }
+  bool IsOpen() const override { return open_; }
+  // True when the entry has the size that it states, which is 0 until the archive is complete: as
+  // long as nothing was handed over. Also when closed.
+  bool IsEof() const override { return !open_ || handedOver_ == 0; }
+  // Does not look where it leads. What is stored outside of the buffer is lost, and reported.
+  void MovePosition(std::int64_t delta, int whence = 1) override;
+  void WriteNarrowString(const std::string& text) override;  // up to the first NUL
+  void WriteWideText(const char16_t* text) override;
+  void WriteNarrowText(const char* text) override;
+  void WriteWideString(const corvel::WideString& text) override;
+  // A write that fails is reported and the stream goes on.
+  void FlushIfFull() override;
+
+ private:
+  void FlushWindow() override;
+  bool OpenEntry(const corvel::WideString& path);
+  void AllocateBlock();
+  void HandOver(const void* bytes, std::uint64_t count);
+  void CloseArchive();
+  void Fail(const char16_t* message);
+  template <class Unit>
+  void Store(const Unit* units, std::size_t count);
+
+  std::unique_ptr<ArchiveFile> file_;
+  void* archive_ = nullptr;  // the library's handle
+  std::unique_ptr<char[]> buffer_;
+  std::uint64_t blockSize_ = kBlockSize;
+  std::uint64_t keepBack_ = kKeepBack;
+  std::uint64_t handedOver_ = 0;
+  bool open_ = false;
+  bool failed_ = false;  // and told
+  corvel::ErrorReporter showError_ = nullptr;
+};
+
+// "Merged.ifc" for "D:\x\Merged.ifczip": the part behind the last separator or a "|", with another
+// ending.
+corvel::WideString NameOfEntry(corvel::WideView path);
+
+}  // namespace FileStream
