@@ -16,7 +16,7 @@ Usage:
   corvel --help                      this text
   corvel --version                   the version
 
-Models are STEP physical files (.ifc) of the releases IFC2X_FINAL,
+Models are STEP physical files (.ifc, .ifczip) of the releases IFC2X_FINAL,
 IFC2X2_PLATFORM, IFC2X2_FINAL, IFC2X3, IFC4, IFC4X1, IFC4X2, IFC4X3_ADD2 and
 IFC4X4.
 
@@ -119,10 +119,11 @@ constexpr char16_t kModelOptions[] =
 )help";
 
 constexpr char16_t kModelFiles[] =
-    uR"help(Inputs and output have names that end in .ifc. OUT may be there already: it is
-then replaced. It must not be one of the inputs. Before anything is read, all
-files are looked at, and the run is refused with a message for each that is
-missing, a folder, empty or otherwise of no use.
+    uR"help(Inputs and output have names that end in .ifc or in .ifczip, a zip archive
+whose first file is the model. 'CONTAINER.olf|ENTRY' is an input as well. OUT
+may be there already: it is then replaced. It must not be one of the inputs.
+Before anything is read, all files are looked at, and the run is refused with a
+message for each that is missing, a folder, empty or otherwise of no use.
 
 Progress is shown in two bars, of the whole run and of the step at work, where
 standard error is a terminal. Ctrl-C stops at the next tick of the progress;

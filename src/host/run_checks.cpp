@@ -9,7 +9,8 @@
 #include "platform/console.h"
 #include "platform/file.h"
 #include "platform/native_path.h"
-#include "step/streams/input_stream.h"
+#include "step/streams/input_zip_file_stream.h"
+#include "step/streams/open_input.h"
 #include "step/writer/unfinished_output.h"
 
 namespace corvel::host {
@@ -18,14 +19,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char16_t kEnding[] = u".ifc";
-
 fs::file_type TypeOf(const WideString& path) {
   std::error_code ignored;
   return fs::status(platform::NativePath(path), ignored).type();
 }
 
-bool HasModelEnding(const WideString& path) { return FileStream::ExtensionOf(path) == kEnding; }
+bool IsPlainModel(const WideString& path) { return FileStream::ExtensionOf(path) == u".ifc"; }
+bool IsPackedModel(const WideString& path) { return FileStream::ExtensionOf(path) == u".ifczip"; }
+bool IsContainer(const WideString& path) { return FileStream::ExtensionOf(path) == u".olf"; }
+
+// The file that an input lies in: for an entry of a container, the container.
+WideString FileOf(const WideString& input) {
+  return IsContainer(input) ? input.substr(0, input.find(u'|')) : input;
+}
 
 const char16_t* TroubleWithInputType(const WideString& path) {
   switch (TypeOf(path)) {
@@ -35,6 +41,34 @@ const char16_t* TroubleWithInputType(const WideString& path) {
     case fs::file_type::none: return u"this file cannot be reached";
     default: return u"this is no ordinary file";
   }
+}
+
+const char16_t* TroubleWithName(const WideString& path) {
+  if (IsPlainModel(path) || IsPackedModel(path)) return nullptr;
+  if (!IsContainer(path)) return u"the name of a model has to end in .ifc or .ifczip";
+  return path.find(u'|') != WideString::npos
+             ? nullptr
+             : u"this is a container; name a model in it: CONTAINER.olf|ENTRY";
+}
+
+// What an archive says against itself while it is opened. Streams report through plain functions.
+WideString& ToldByArchive() {
+  static WideString message;
+  return message;
+}
+
+int HearArchive(const char* /*key*/, const WideString& message, int /*mode*/) {
+  if (ToldByArchive().empty()) ToldByArchive() = message;
+  return 0;
+}
+
+std::optional<WideString> TroubleWithArchive(const WideString& path) {
+  constexpr std::size_t kSmallBuffer = 0x1000;
+  ToldByArchive().clear();
+  FileStream::InputZipFileStream stream(path, HearArchive, kSmallBuffer);
+  if (!stream.IsOpen()) return ToldByArchive();
+  if (stream.TotalSize() == 0 && stream.PeekChar() == -1) return u"the model in it is empty";
+  return {};
 }
 
 const char16_t* TroubleWithContent(const WideString& path) {
@@ -73,6 +107,23 @@ bool CanBeWritten(const WideString& path) {
   return removed;
 }
 
+constexpr std::int64_t kNearEnd = 0x10000;
+constexpr char kClosing[] = "END-ISO";
+
+// All of the entry has to be decompressed for it.
+std::string LastBytesOfEntry(const WideString& path) {
+  constexpr std::size_t kWindow = 0x100000;
+  const auto stream = FileStream::OpenInput(path, kWindow, nullptr);
+  std::string last;
+  while (stream != nullptr && stream->Refill()) {
+    last.append(stream->Cursor(), stream->WindowEnd());
+    last.erase(0, last.size() - std::min<std::size_t>(last.size(), kNearEnd));
+    stream->SetCursor(stream->WindowEnd());
+    stream->ClearStatementText();
+  }
+  return last;
+}
+
 std::optional<WideString> Told(const char16_t* trouble) {
   if (trouble == nullptr) return {};
   return trouble;
@@ -82,19 +133,23 @@ std::optional<WideString> Told(const char16_t* trouble) {
 
 std::optional<WideString> TroubleWithInput(const WideString& path) {
   if (path.empty()) return u"the name of an input is empty";
-  if (auto told = Told(TroubleWithInputType(path))) return told;
-  if (!HasModelEnding(path)) return u"the name of a model has to end in .ifc";
-  return Told(TroubleWithContent(path));
+  const WideString file = FileOf(path);
+  if (auto told = Told(TroubleWithInputType(file))) return told;
+  if (auto told = Told(TroubleWithName(path))) return told;
+  if (auto told = Told(TroubleWithContent(file))) return told;
+  return IsPlainModel(path) ? std::nullopt : TroubleWithArchive(path);
 }
 
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs) {
   if (path.empty()) return u"the name of the output is empty";
-  if (!HasModelEnding(path)) return u"the name of the output has to end in .ifc";
+  if (!IsPlainModel(path) && !IsPackedModel(path)) {
+    return u"the name of the output has to end in .ifc or .ifczip";
+  }
   if (auto told = Told(TroubleWithOutputType(path))) return told;
   if (!FolderExists(path)) return u"the folder for the output does not exist";
   const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const WideString& input) {
-    return input == path || platform::IsSameFile(input, path);
+    return input == path || platform::IsSameFile(FileOf(input), path);
   });
   if (isInput) return u"the output is also an input, and inputs are never overwritten";
   if (!CanBeWritten(path)) return u"the output cannot be written there";
@@ -102,14 +157,14 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
 }
 
 bool HasClosingLine(const WideString& path) {
-  constexpr std::int64_t kNear = 0x10000;
+  if (!IsPlainModel(path)) return LastBytesOfEntry(path).find(kClosing) != std::string::npos;
   platform::File file;
   if (!file.Open(path, platform::OpenMode::kRead)) return false;
   const std::int64_t size = file.Size();
-  std::string end(static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, kNear)), '\0');
+  std::string end(static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, kNearEnd)), '\0');
   if (!file.Seek(size - static_cast<std::int64_t>(end.size()))) return false;
   end.resize(file.Read(end.data(), end.size()));
-  return end.find("END-ISO") != std::string::npos;
+  return end.find(kClosing) != std::string::npos;
 }
 
 }  // namespace corvel::host

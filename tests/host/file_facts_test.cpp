@@ -134,7 +134,7 @@ TEST(FileFacts, FilesThatCannotBeReadTellWhy) {
   EXPECT_EQ(Texts{u"there is no such file"}, ReadFacts(folder.Path("none.ifc")).problems);
   EXPECT_EQ(Texts{u"this is a folder, not a model"}, ReadFacts(folder.Path()).problems);
   EXPECT_EQ(Texts{u"this file is empty"}, ReadFacts(folder.Write("e.ifc", "")).problems);
-  EXPECT_EQ(Texts{u"the name of a model has to end in .ifc"},
+  EXPECT_EQ(Texts{u"the name of a model has to end in .ifc or .ifczip"},
             ReadFacts(folder.Write("m.txt", ModelOf(""))).problems);
 }
 

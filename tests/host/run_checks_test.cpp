@@ -36,7 +36,7 @@ TEST_F(RunChecks, WhatIsNoInputIsToldWhy) {
   EXPECT_EQ(u"there is no such file", TroubleWithInput(folder.Path("none.ifc")));
   EXPECT_EQ(u"this is a folder, not a model", TroubleWithInput(folder.Path()));
   EXPECT_EQ(u"this file is empty", TroubleWithInput(folder.Write("empty.ifc", "")));
-  EXPECT_EQ(u"the name of a model has to end in .ifc",
+  EXPECT_EQ(u"the name of a model has to end in .ifc or .ifczip",
             TroubleWithInput(folder.Write("in.txt", "ISO")));
 }
 
@@ -109,8 +109,8 @@ TEST_F(RunChecks, AnOutputMayBeNewOrThereAlready) {
 TEST_F(RunChecks, WhatIsNoOutputIsToldWhy) {
   fs::create_directory(folder.Native("sub.ifc"));
   EXPECT_EQ(u"the name of the output is empty", TroubleWithOutput(u"", inputs));
-  EXPECT_EQ(u"the name of the output has to end in .ifc", OutputTrouble("out.ifczip"));
-  EXPECT_EQ(u"the name of the output has to end in .ifc", OutputTrouble("out"));
+  EXPECT_EQ(u"the name of the output has to end in .ifc or .ifczip", OutputTrouble("out.zip"));
+  EXPECT_EQ(u"the name of the output has to end in .ifc or .ifczip", OutputTrouble("out"));
   EXPECT_EQ(u"this is a folder; name a file in it", OutputTrouble("sub.ifc"));
   EXPECT_EQ(u"the folder for the output does not exist", OutputTrouble("none/out.ifc"));
   EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",

@@ -58,12 +58,12 @@ class Refused(CorvelTest):
 
     def test_a_file_of_another_kind(self):
         self.write('a.txt', project())
-        self.assert_refused('a.txt: the name of a model has to end in .ifc', 'resave', 'a.txt',
+        self.assert_refused('a.txt: the name of a model has to end in .ifc or .ifczip', 'resave', 'a.txt',
                             'out.ifc')
 
     def test_a_log_that_is_named_as_a_model_is_not_overwritten(self):
         self.write('a_IFC_LOG.txt', b'kept')
-        self.assert_refused('a_IFC_LOG.txt: the name of a model has to end in .ifc', 'merge',
+        self.assert_refused('a_IFC_LOG.txt: the name of a model has to end in .ifc or .ifczip', 'merge',
                             'a.ifc', 'a_IFC_LOG.txt', '-o', 'out.ifc')
         self.assertEqual(b'kept', self.read('a_IFC_LOG.txt'))
 
@@ -88,8 +88,8 @@ class Refused(CorvelTest):
         for name, message in (
                 ('none/out.ifc', 'the folder for the output does not exist'),
                 ('folder.ifc', 'this is a folder; name a file in it'),
-                ('out.txt', 'the name of the output has to end in .ifc'),
-                ('out', 'the name of the output has to end in .ifc'),
+                ('out.txt', 'the name of the output has to end in .ifc or .ifczip'),
+                ('out', 'the name of the output has to end in .ifc or .ifczip'),
                 ('/proc/out.ifc', 'the output cannot be written there')):
             with self.subTest(name):
                 self.assert_refused(f'{name}: {message}', 'resave', 'a.ifc', name)
@@ -97,7 +97,7 @@ class Refused(CorvelTest):
     def test_all_that_is_wrong_is_told_at_once(self):
         self.assert_refused(
             'x.ifc: there is no such file\ncorvel: y.ifc: there is no such file\n'
-            'corvel: out: the name of the output has to end in .ifc',
+            'corvel: out: the name of the output has to end in .ifc or .ifczip',
             'merge', 'x.ifc', 'a.ifc', 'y.ifc', '-o', 'out')
 
     def test_an_empty_name(self):
