@@ -6,6 +6,7 @@
 
 #include "step/writer/unfinished_output.h"
 #include "support/temporary_folder.h"
+#include "support/zip_bytes.h"
 
 namespace corvel::host {
 
@@ -96,6 +97,53 @@ TEST_F(RunChecks, TheClosingLineStandsNearTheEnd) {
   EXPECT_FALSE(closed("END-ISO-10303-21;" + std::string(1 << 20, ' ')));
   EXPECT_FALSE(closed(""));
   EXPECT_FALSE(HasClosingLine(folder.Path("none.ifc")));
+}
+
+TEST_F(RunChecks, AnArchiveWithAModelIsAnInput) {
+  const std::string archive = test::ZipOf({{"sub/", ""}, {"sub/m.ifc", "x"}, {"empty", ""}});
+  EXPECT_EQ(Trouble(), TroubleWithInput(folder.Write("a.IfcZip", archive)));
+  EXPECT_EQ(Trouble(), TroubleWithInput(folder.Write("a.olf", archive) + u"|sub/m.ifc"));
+  EXPECT_EQ(u"the model in it is empty", TroubleWithInput(folder.Path("a.olf") + u"|empty"));
+  EXPECT_EQ(u"this is a container; name a model in it: CONTAINER.olf|ENTRY",
+            TroubleWithInput(folder.Path("a.olf")));
+  EXPECT_EQ(u"there is no such file", TroubleWithInput(folder.Path("b.olf|sub/m.ifc")));
+}
+
+TEST_F(RunChecks, AnArchiveTellsWhatIsWrongWithIt) {
+  const WideString path = folder.Write("a.ifczip", "no archive");
+  EXPECT_EQ(u"Could not open zip archive: " + path, TroubleWithInput(path));
+  const WideString entry = folder.Write("a.olf", test::ZipOf({{"m.ifc", "x"}})) + u"|M.ifc";
+  EXPECT_EQ(u"Could not go to specified file in zip archive. File path: " + entry,
+            TroubleWithInput(entry));
+  EXPECT_EQ(u"this file is empty", TroubleWithInput(folder.Write("e.ifczip", "")));
+}
+
+TEST_F(RunChecks, TheClosingLineOfAnEntryStandsNearItsEnd) {
+  const auto closed = [this](const std::string& model) {
+    const std::string archive = test::ZipOf({{"m.ifc", model}});
+    folder.Write("end.olf", archive);
+    const bool inContainer = HasClosingLine(folder.Path("end.olf") + u"|m.ifc");
+    EXPECT_EQ(inContainer, HasClosingLine(folder.Write("end.ifczip", archive)));
+    return inContainer;
+  };
+  EXPECT_TRUE(closed(std::string(3 << 20, ' ') + "END-ISO-10303-21;"));
+  // The border between two windows in it.
+  EXPECT_TRUE(closed(std::string((1 << 20) - 3, ' ') + "END-ISO-10303-21;"));
+  EXPECT_FALSE(closed("END-ISO-10303-21;" + std::string(1 << 20, ' ')));
+  EXPECT_FALSE(closed("ENDSEC;\nEND-IS"));
+  EXPECT_FALSE(HasClosingLine(folder.Path("none.ifczip")));
+}
+
+TEST_F(RunChecks, AContainerIsNeverAnOutput) {
+  EXPECT_EQ(u"the name of the output has to end in .ifc or .ifczip", OutputTrouble("a.olf|m.ifc"));
+  EXPECT_EQ(Trouble(), OutputTrouble("out.IFCZIP"));
+  const std::vector<WideString> packed{folder.Write("in.olf", "x") + u"|m.ifc",
+                                       folder.Write("in.ifczip", "x")};
+  EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",
+            TroubleWithOutput(packed[1], packed));
+  fs::create_hard_link(folder.Native("in.olf"), folder.Native("hard.ifczip"));
+  EXPECT_EQ(u"the output is also an input, and inputs are never overwritten",
+            TroubleWithOutput(folder.Path("hard.ifczip"), packed));
 }
 
 TEST_F(RunChecks, AnOutputMayBeNewOrThereAlready) {

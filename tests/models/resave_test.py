@@ -4,6 +4,7 @@
 import csv
 import os
 import unittest
+import zipfile
 
 import program
 import schema_facts
@@ -127,11 +128,23 @@ class RealModels(Resave):
             self.assertIn(f'Unable to read entity, marker #{refused.exception.number}. '
                           'Parsing will be terminate.', errors)
 
-    def test_ContainersAreRefusedByTheirExtension(self):
+    def test_PackedModelsAreReadLikeWhatIsInThem(self):
         for row, path in self.rows(lambda row: True, '.ifczip'):
             with self.subTest(model=row['path']):
-                self.assertIn(f'{os.path.basename(path)}: the name of a model has to end in .ifc\n',
-                              self.refuse(path))
+                packed = self.copy(path)
+                with zipfile.ZipFile(path) as archive:
+                    entry = next(info for info in archive.infolist() if not info.is_dir())
+                    plain = self.write('plain.ifc', archive.read(entry))
+                results = [program.run(['resave', '--quiet', name, output], self.folder)
+                           for name, output in ((packed, 'of_packed.ifc'), (plain, 'of_plain.ifc'))]
+                self.assertEqual(results[0].status, results[1].status, results[0].errors)
+                written = [os.path.exists(self.path(name))
+                           for name in ('of_packed.ifc', 'of_plain.ifc')]
+                self.assertEqual(written[0], written[1])
+                if written[0]:
+                    self.assert_same_file(self.read('of_plain.ifc'), self.read('of_packed.ifc'))
+                    os.remove(self.path('of_packed.ifc'))
+                    os.remove(self.path('of_plain.ifc'))
 
 
 if __name__ == '__main__':

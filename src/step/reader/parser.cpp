@@ -198,9 +198,12 @@ bool Parser::ReadFirstPart(int fileCount) {
   log.SetFlushEveryLine(true);
   for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
        token = scanner->NextToken()) {
-    // Whatever stands between records is passed over.
-    if (token->Is(TokenType::IdentifierToken) && !ReadRecord(token->number, fileCount))
-      return false;
+    if (token->Is(TokenType::IdentifierToken)) {
+      if (!ReadRecord(token->number, fileCount)) return false;
+    } else if (scanner->Stream()->StatementSize() > kBufferSize) {
+      // Whatever stands between records is passed over, and never kept however much it is.
+      scanner->Stream()->ClearStatementText();
+    }
   }
   // Half a model is worse than none.
   const bool damaged = scanner->Stream() != nullptr && scanner->Stream()->IsDamaged();

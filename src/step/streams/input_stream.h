@@ -58,6 +58,10 @@ class InputStream {
   // operation that moves on.
   std::string_view StatementView();
 
+  // Bytes of the statement text.
+  std::size_t StatementSize() const {
+    return carriedText_.size() + static_cast<std::size_t>(cursor_ - statementStart_);
+  }
   // Forgets the statement text: it starts anew at the cursor.
   void ClearStatementText() {
     carriedText_.clear();

@@ -32,12 +32,13 @@ std::string NameOf(unzFile archive) {
   return result == UNZ_OK ? name : std::string();
 }
 
-// Folders are entries without bytes whose names end in a "/"; some programs write "\".
-bool IsFolder(unzFile archive) {
-  unz_file_info64 info{};
-  if (InfoOf(archive, info) != UNZ_OK || info.uncompressed_size != 0) return false;
+// Folders are entries without bytes whose names end in a "/"; some programs write "\\".
+bool IsFolder(unzFile archive, ArchiveFile& file) {
   const std::string name = NameOf(archive);
-  return name.ends_with('/') || name.ends_with('\\');
+  if (!name.ends_with('/') && !name.ends_with('\\')) return false;
+  unz_file_info64 info{};
+  return ReadSizesOfLargeEntry(archive, file) && InfoOf(archive, info) == UNZ_OK &&
+         info.uncompressed_size == 0;
 }
 
 // What the library can decompress. It opens other entries too, and delivers nonsense.
@@ -91,7 +92,7 @@ bool InputZipFileStream::ChooseEntry() {
 // Packed folders come before what is in them: the first file stands behind its folders.
 bool InputZipFileStream::GoToFirstFile() {
   int result = UNZ_OK;
-  while (result == UNZ_OK && IsFolder(archive_)) result = unzGoToNextFile(archive_);
+  while (result == UNZ_OK && IsFolder(archive_, *file_)) result = unzGoToNextFile(archive_);
   if (result != UNZ_OK) Tell(u"Could not go to first file in zip archive");
   return result == UNZ_OK;
 }
