@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes the models, measures reading, merging and writing, and prints one table: input per second of
-# processor time, and peak memory per input byte. Each figure is the median of five runs.
+# processor time, and peak memory per input byte. Each figure is the median of five runs. Then what
+# compression costs, and single parts.
 #   bench/run.sh [SIZE...]      sizes of the models, 25MB 100MB unless told
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -24,4 +25,7 @@ for schema in IFC2X3 IFC4; do
 done
 
 python3 -B bench/table.py "$bench" "$models" "${sizes[@]}"
+echo
+build/release/bench/corvel_zip_bench "$models" "$models"/IFC*_"${sizes[0]}".ifc
+echo
 build/release/bench/corvel_part_bench
