@@ -40,7 +40,8 @@ uLong ArchiveFile::OnRead(voidpf self, voidpf /*stream*/, void* destination, uLo
 }
 
 uLong ArchiveFile::OnWrite(voidpf self, voidpf /*stream*/, const void* bytes, uLong count) {
-  return static_cast<uLong>(FileOf(self).Write(bytes, count));
+  FileOf(self).Write(bytes, count);
+  return count;
 }
 
 ZPOS64_T ArchiveFile::OnTell(voidpf self, voidpf /*stream*/) { return FileOf(self).position_; }
@@ -106,12 +107,13 @@ std::size_t ArchiveFile::Read(char* destination, std::size_t count) {
   return taken;
 }
 
-std::size_t ArchiveFile::Write(const void* bytes, std::size_t count) {
-  const std::size_t written = GoTo(position_) ? file_.Write(bytes, count) : 0;
-  filePosition_ += written;
-  position_ += written;
-  failed_ = failed_ || written != count;
-  return written;
+void ArchiveFile::Write(const void* bytes, std::size_t count) {
+  if (!failed_) {
+    const std::size_t written = GoTo(position_) ? file_.Write(bytes, count) : 0;
+    filePosition_ += written;
+    failed_ = written != count;
+  }
+  position_ += count;
 }
 
 bool ArchiveFile::Close() {

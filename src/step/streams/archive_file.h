@@ -31,7 +31,8 @@ class ArchiveFile {
   // the archive hands everything written to the disk and closes the file.
   zlib_filefunc64_def Functions();
 
-  // The disk failed: a read, a write or the closing.
+  // The disk failed: a read, a write or the closing. The library is not told of writes: it would
+  // lose memory over a header that cannot be written. After the first failure nothing is written.
   bool Failed() const { return failed_; }
 
   // Where the library last went by an offset from the start of the file.
@@ -54,7 +55,7 @@ class ArchiveFile {
   std::size_t Read(char* destination, std::size_t count);
   std::size_t ReadUncorrected(char* destination, std::size_t count);
   bool FillWindow();
-  std::size_t Write(const void* bytes, std::size_t count);
+  void Write(const void* bytes, std::size_t count);
   bool Seek(std::uint64_t offset, int origin);
   bool Close();
   bool GoTo(std::uint64_t offset);

@@ -21,7 +21,6 @@ using corvel::test::Report;
 using corvel::test::TemporaryFolder;
 using corvel::test::ZipEntry;
 using corvel::test::ZipOf;
-using corvel::test::ZipWriter;
 using Reports = std::vector<Report>;
 
 // `count` lines that don't compress to nothing.
