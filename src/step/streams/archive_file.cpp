@@ -117,7 +117,7 @@ void ArchiveFile::Write(const void* bytes, std::size_t count) {
 }
 
 bool ArchiveFile::Close() {
-  if (writes_ && !file_.Sync()) failed_ = true;
+  if (writes_ && !failed_) failed_ = !file_.Sync();
   if (!file_.Close()) failed_ = true;
   return !failed_;
 }
