@@ -11,37 +11,46 @@ namespace {
 
 constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ull;
 
-// Eight bytes a step; the high bits are the good ones.
+std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word) {
+  return std::rotl(hash ^ (word * kMultiplier), 29) * kMultiplier;
+}
+
+std::uint64_t WordAt(const unsigned char* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+// Eight bytes a step; the last eight overlap the step before them. The high bits are the good ones.
 std::uint64_t HashBytes(const void* bytes, std::size_t count) {
   const auto* at = static_cast<const unsigned char*>(bytes);
   std::uint64_t hash = count * kMultiplier;
-  for (; count >= 8; count -= 8, at += 8) {
-    std::uint64_t word;
-    std::memcpy(&word, at, 8);
-    hash = std::rotl(hash ^ (word * kMultiplier), 29) * kMultiplier;
-  }
   std::uint64_t tail = 0;
-  if (count > 0) std::memcpy(&tail, at, count);
-  hash = std::rotl(hash ^ (tail * kMultiplier), 29) * kMultiplier;
-  return hash ^ (hash >> 32);
+  if (count < sizeof tail) {
+    for (std::size_t i = 0; i < count; ++i) tail = tail << 8 | at[i];
+  } else {
+    const unsigned char* const last = at + count - sizeof tail;
+    for (; at < last; at += sizeof tail) hash = Mixed(hash, WordAt(at));
+    tail = WordAt(last);
+  }
+  return Mixed(hash, tail);
 }
 
 }  // namespace
 
 template <class Unit>
-std::uint64_t InternTable<Unit>::Hash(std::basic_string_view<Unit> text) {
-  return HashBytes(text.data(), text.size() * sizeof(Unit));
+std::uint32_t InternTable<Unit>::Hash(std::basic_string_view<Unit> text) {
+  return static_cast<std::uint32_t>(HashBytes(text.data(), text.size() * sizeof(Unit)) >> 32);
 }
 
 template <class Unit>
-const Unit* InternTable<Unit>::Find(std::basic_string_view<Unit> text, std::uint64_t hash,
+const Unit* InternTable<Unit>::Find(std::basic_string_view<Unit> text, std::uint32_t hash,
                                     std::size_t& slot) const {
   const std::size_t mask = entries_.size() - 1;
-  const auto shortHash = static_cast<std::uint32_t>(hash >> 32);
-  for (slot = static_cast<std::size_t>(hash) & mask;; slot = (slot + 1) & mask) {
+  for (slot = hash & mask;; slot = (slot + 1) & mask) {
     const Entry& entry = entries_[slot];
     if (entry.text == nullptr) return nullptr;
-    if (entry.hash == shortHash && entry.length == text.size() &&
+    if (entry.hash == hash && entry.length == text.size() &&
         std::equal(text.begin(), text.end(), entry.text)) {
       return entry.text;
     }
@@ -49,10 +58,9 @@ const Unit* InternTable<Unit>::Find(std::basic_string_view<Unit> text, std::uint
 }
 
 template <class Unit>
-void InternTable<Unit>::Enter(std::size_t slot, std::uint64_t hash, const Unit* stored,
+void InternTable<Unit>::Enter(std::size_t slot, std::uint32_t hash, const Unit* stored,
                               std::size_t length) {
-  entries_[slot] = {stored, static_cast<std::uint32_t>(length),
-                    static_cast<std::uint32_t>(hash >> 32)};
+  entries_[slot] = {stored, static_cast<std::uint32_t>(length), hash};
   ++used_;
 }
 
@@ -64,7 +72,7 @@ void InternTable<Unit>::ReserveOne() {
   const std::size_t mask = entries_.size() - 1;
   for (const Entry& entry : old) {
     if (entry.text == nullptr) continue;
-    std::size_t slot = static_cast<std::size_t>(Hash({entry.text, entry.length})) & mask;
+    std::size_t slot = entry.hash & mask;
     while (entries_[slot].text != nullptr) slot = (slot + 1) & mask;
     entries_[slot] = entry;
   }
@@ -110,7 +118,7 @@ char16_t* MemoryPool::AllocWide(std::uint64_t length) {
 }
 
 const char* MemoryPool::InternNarrow(std::string_view text) {
-  const std::uint64_t hash = InternTable<char>::Hash(text);
+  const std::uint32_t hash = InternTable<char>::Hash(text);
   narrowStrings_.ReserveOne();
   std::size_t slot = 0;
   if (const char* const known = narrowStrings_.Find(text, hash, slot)) return known;
@@ -122,7 +130,7 @@ const char* MemoryPool::InternNarrow(std::string_view text) {
 }
 
 const char16_t* MemoryPool::InternWide(WideView text) {
-  const std::uint64_t hash = InternTable<char16_t>::Hash(text);
+  const std::uint32_t hash = InternTable<char16_t>::Hash(text);
   wideStrings_.ReserveOne();
   std::size_t slot = 0;
   if (const char16_t* const known = wideStrings_.Find(text, hash, slot)) return known;

@@ -31,10 +31,10 @@ template <class Unit>
 class InternTable {
  public:
   // The stored pointer of `text`, null if there is none yet; then `slot` is where Enter puts it.
-  const Unit* Find(std::basic_string_view<Unit> text, std::uint64_t hash, std::size_t& slot) const;
-  void Enter(std::size_t slot, std::uint64_t hash, const Unit* stored, std::size_t length);
+  const Unit* Find(std::basic_string_view<Unit> text, std::uint32_t hash, std::size_t& slot) const;
+  void Enter(std::size_t slot, std::uint32_t hash, const Unit* stored, std::size_t length);
   std::size_t Size() const { return used_; }
-  static std::uint64_t Hash(std::basic_string_view<Unit> text);
+  static std::uint32_t Hash(std::basic_string_view<Unit> text);
   // Makes room for one more entry; slots found before are void then.
   void ReserveOne();
 

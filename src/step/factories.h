@@ -1,7 +1,10 @@
 // From the name of a class, as files write it, to a new object of it.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "core/entity.h"
@@ -30,30 +33,43 @@ struct FactoryRow {
   EntityCreator create = nullptr;
 };
 
-// 64-bit FNV-1a over the bytes of the key.
-constexpr std::uint64_t Fnv1a(std::string_view key) {
-  std::uint64_t hash = 0xcbf29ce484222325ull;
-  for (const char byte : key) {
-    hash ^= static_cast<unsigned char>(byte);
-    hash *= 0x100000001b3ull;
+// Where a class name is looked for: its length and two words of it, mixed. Names differ in the
+// letters behind "IFC" and in their last ones. The generator of the tables computes the same.
+inline std::uint64_t HashOfName(std::string_view name) {
+  static_assert(std::endian::native == std::endian::little, "the words are those of the generator");
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  constexpr std::size_t kPrefix = 3;
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ull;
+  std::uint64_t first = 0;
+  std::uint64_t last = 0;
+  if (name.size() < kWord) {
+    std::memcpy(&last, name.data(), name.size());
+  } else {
+    std::memcpy(&first, name.data() + std::min(kPrefix, name.size() - kWord), kWord);
+    std::memcpy(&last, name.data() + name.size() - kWord, kWord);
   }
-  return hash;
+  const std::uint64_t mixed = (first + name.size()) * kMultiplier;
+  return ((mixed ^ (mixed >> 32) ^ last) * kMultiplier) >> 32;
 }
 
 // The classes of one release: a row for each entity (abstract ones too) and each typed value, none
 // for a select. The rows stand in an open hash table laid out when the program was built: slot of a
-// key is Fnv1a(key) & mask, then the next free one.
+// key is HashOfName(key) & mask, then the next free one.
 struct FactoryTable {
   const FactoryRow* slots = nullptr;
   std::uint32_t mask = 0;   // number of slots - 1
   std::uint32_t count = 0;  // number of rows
 
   // Exact, case-sensitive. Null: no such class.
-  EntityCreator Find(std::string_view name) const {
-    for (std::uint64_t i = Fnv1a(name) & mask;; i = (i + 1) & mask) {
-      if (slots[i].name == name) return slots[i].create;
+  const FactoryRow* FindRow(std::string_view name) const {
+    for (std::uint64_t i = HashOfName(name) & mask;; i = (i + 1) & mask) {
+      if (slots[i].name == name) return &slots[i];
       if (slots[i].name.empty()) return nullptr;
     }
+  }
+  EntityCreator Find(std::string_view name) const {
+    const FactoryRow* const row = FindRow(name);
+    return row == nullptr ? nullptr : row->create;
   }
 };
 

@@ -17,7 +17,7 @@ class TestFactories {
     while (size < 2 * rows.size()) size *= 2;
     slots_.resize(size);
     for (const FactoryRow& row : rows) {
-      std::size_t slot = Fnv1a(row.name) & (size - 1);
+      std::size_t slot = HashOfName(row.name) & (size - 1);
       while (!slots_[slot].name.empty()) slot = (slot + 1) & (size - 1);
       slots_[slot] = row;
     }

@@ -18,12 +18,18 @@ def enumeration_tables(schema, names):
     return lines[:-1]
 
 
-def fnv1a(key):
-    """The hash of corvel::Fnv1a."""
-    value = 0xcbf29ce484222325
-    for byte in key.encode('ascii'):
-        value = (value ^ byte) * 0x100000001b3 & MASK_64
-    return value
+def hash_of_name(key):
+    """corvel::HashOfName."""
+    name = key.encode('ascii')
+    if len(name) < 8:
+        first, last = b'', name
+    else:
+        at = min(3, len(name) - 8)
+        first, last = name[at:at + 8], name[-8:]
+    multiplier = 0x9E3779B97F4A7C15
+    mixed = (int.from_bytes(first, 'little') + len(name)) * multiplier & MASK_64
+    mixed ^= mixed >> 32
+    return ((mixed ^ int.from_bytes(last, 'little')) * multiplier & MASK_64) >> 32
 
 
 def table_size(rows):
@@ -38,7 +44,7 @@ def laid_out(keys):
     """The keys in the slots of an open hash table with linear probing; None in a free slot."""
     slots = [None] * table_size(len(keys))
     for key in keys:
-        at = fnv1a(key) & (len(slots) - 1)
+        at = hash_of_name(key) & (len(slots) - 1)
         while slots[at] is not None:
             at = (at + 1) & (len(slots) - 1)
         slots[at] = key

@@ -10,6 +10,65 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+// Powers of ten that a double holds exactly.
+constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                            1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestTen = 22;
+constexpr std::uint64_t kLargestWhole = std::uint64_t{1} << 53;
+
+// The digits of a number, its point left out.
+struct Decimal {
+  std::uint64_t digits = 0;
+  int power = 0;  // of ten
+  const char* end = nullptr;
+};
+
+// No more digits than 64 bits hold.
+Decimal ReadDecimal(const char* at, const char* end) {
+  constexpr std::ptrdiff_t kMostDigits = 19;
+  Decimal decimal;
+  if (end - at > kMostDigits) end = at + kMostDigits;
+  for (; at != end && IsDigit(*at); ++at) {
+    decimal.digits = decimal.digits * 10 + static_cast<unsigned>(*at - '0');
+  }
+  if (at != end && *at == '.') {
+    const char* const point = at;
+    for (++at; at != end && IsDigit(*at); ++at) {
+      decimal.digits = decimal.digits * 10 + static_cast<unsigned>(*at - '0');
+    }
+    decimal.power = static_cast<int>(point + 1 - at);
+  }
+  decimal.end = at;
+  return decimal;
+}
+
+// Digits and a power of ten that doubles hold exactly need one operation, which rounds as a whole
+// number would be: to the nearest. False: the text is not so simple.
+bool ParseShort(std::string_view text, double& value) {
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  const char* const end = text.data() + text.size();
+  if (text.empty() || !IsDigit(text.front())) return false;
+  Decimal decimal = ReadDecimal(text.data(), end);
+  if (end - decimal.end >= 2 && (*decimal.end == 'E' || *decimal.end == 'e')) {
+    const char* at = decimal.end + 1;
+    const bool negativePower = *at == '-';
+    if (negativePower || *at == '+') ++at;
+    if (at == end || end - at > 3) return false;
+    int power = 0;
+    for (; at != end && IsDigit(*at); ++at) power = power * 10 + (*at - '0');
+    decimal.power += negativePower ? -power : power;
+    decimal.end = at;
+  }
+  if (decimal.end != end || decimal.digits > kLargestWhole) return false;
+  if (decimal.power < -kLargestTen || decimal.power > kLargestTen) return false;
+  const auto whole = static_cast<double>(decimal.digits);
+  const double magnitude =
+      decimal.power < 0 ? whole / kTens[-decimal.power] : whole * kTens[decimal.power];
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
 // What from_chars leaves open when a number is out of range: too large or too small? Decided by the
 // power of ten of the first digit that is not 0.
 double OutOfRange(std::string_view number) {
@@ -49,6 +108,7 @@ double OutOfRange(std::string_view number) {
 
 double ParseReal(std::string_view text) {
   double value = 0.0;
+  if (ParseShort(text, value)) return value;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc::result_out_of_range) {
     return OutOfRange(text.substr(0, static_cast<std::size_t>(end - text.data())));

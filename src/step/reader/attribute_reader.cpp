@@ -5,7 +5,9 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "step/reader/byte_kinds.h"
 #include "step/reader/parser.h"
+#include "step/reader/string_decoder.h"
 
 namespace corvel {
 
@@ -52,8 +54,19 @@ bool IsNan(std::string_view word) {
 }
 
 bool TakeOpenBracket(Parser& parser) {
+  if (parser.scanner->TakeSign('(')) return true;
   if (!parser.scanner->PeekToken()->Is(TokenType::OpenBracketToken)) return false;
   parser.scanner->NextToken();
+  return true;
+}
+
+bool TakeIdentifier(Scanner& scanner, std::uint32_t& number) {
+  if (scanner.TakeIdentifier(number)) [[likely]]
+    return true;
+  if (scanner.PeekSign() == '$' || !scanner.PeekToken()->Is(TokenType::IdentifierToken)) {
+    return false;
+  }
+  number = scanner.NextToken()->number;
   return true;
 }
 
@@ -115,10 +128,10 @@ void SkipBracket(Scanner& scanner) {
 // `IFCLABEL('x')`, its name being the next token; `bracket` when an extra bracket stands around it.
 IFC::IfcEntity* ReadTypedValue(Parser& parser, bool bracket) {
   Scanner& scanner = *parser.scanner;
-  const Token* const name = scanner.NextToken();
-  const EntityCreator create = parser.factories->Find(name->text);
+  const std::string& name = scanner.NextToken()->text;
+  const EntityCreator create = parser.factories->Find(name);
   if (create == nullptr) {
-    const WideString unknown = Widen(name->text);
+    const WideString unknown = Widen(name);
     SkipBracket(scanner);
     if (bracket) TakeInRecord(scanner);
     parser.showError("unknown_entity_name_in_schema", unknown, kReportShow);
@@ -185,7 +198,9 @@ void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
   const std::size_t base = gathered.size();
   std::size_t seen = 0;
   for (; !IsListEnd(parser); ++seen) readItem(gathered);
-  if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) scanner.NextToken();
+  if (!scanner.TakeSign(')') && scanner.PeekToken()->Is(TokenType::CloseBracketToken)) {
+    scanner.NextToken();
+  }
   // Room for members that only the second pass can resolve.
   list.Assign({gathered.data() + base, gathered.size() - base}, parser.Pool(), seen);
   gathered.resize(base);
@@ -224,6 +239,12 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
 
 bool IsAbsent(Parser& parser) {
   if (parser.IsStopped()) return false;
+  if (parser.scanner->TakeSign('$')) return true;
+  const char sign = parser.scanner->PeekSign();
+  if (IsOfKind(sign, kLetterByte | kDigitByte) || sign == '#' || sign == '\'' || sign == '(') {
+    return false;
+  }
+  if (sign == ')') return true;
   const TokenType type = parser.scanner->PeekToken()->getType();
   if (type == TokenType::EmptyParameterToken) {
     parser.scanner->NextToken();
@@ -232,11 +253,19 @@ bool IsAbsent(Parser& parser) {
   return type == TokenType::CloseBracketToken;
 }
 
-bool IsListEnd(Parser& parser) { return Ends(*parser.scanner->PeekToken()) || parser.IsStopped(); }
+bool IsListEnd(Parser& parser) {
+  if (parser.IsStopped()) return true;
+  const char sign = parser.scanner->PeekSign();
+  if (IsOfKind(sign, kDigitByte) || sign == '#' || sign == '-') return false;
+  return sign == ')' || Ends(*parser.scanner->PeekToken()) || parser.IsStopped();
+}
 
 double ReadReal(Parser& parser) {
-  if (parser.IsStopped() || IsAbsent(parser)) return 0.0;
+  if (parser.IsStopped()) return 0.0;
   Scanner& scanner = *parser.scanner;
+  double value = 0.0;
+  if (scanner.TakeNumber(value)) return value;
+  if (IsAbsent(parser)) return 0.0;
   const Token& token = *scanner.PeekToken();
   if (token.Is(TokenType::RealDataTypeToken) || token.Is(TokenType::IntegerDataTypeToken)) {
     return scanner.NextToken()->real;
@@ -249,8 +278,11 @@ double ReadReal(Parser& parser) {
 }
 
 std::int32_t ReadInteger(Parser& parser) {
-  if (parser.IsStopped() || IsAbsent(parser)) return 0;
+  if (parser.IsStopped()) return 0;
   Scanner& scanner = *parser.scanner;
+  std::int32_t value = 0;
+  if (scanner.TakeInteger(value)) return value;
+  if (IsAbsent(parser)) return 0;
   const Token& token = *scanner.PeekToken();
   if (token.Is(TokenType::IntegerDataTypeToken)) return scanner.NextToken()->integer;
   if (token.Is(TokenType::RealDataTypeToken)) return CutToInteger(scanner.NextToken()->real);
@@ -273,8 +305,12 @@ std::int32_t ReadBinary(Parser& parser) {
 
 const char16_t* ReadString(Parser& parser) {
   if (parser.IsStopped()) return kEmptyWide;
-  if (IsAbsent(parser)) return parser.Pool().EmptyWide();
   Scanner& scanner = *parser.scanner;
+  if (std::string_view plain; scanner.TakeString(plain)) {
+    WidenPlainText(plain, parser.plainText);
+    return parser.Pool().InternWide(parser.plainText);
+  }
+  if (IsAbsent(parser)) return parser.Pool().EmptyWide();
   // `IFCLABEL('x')` in the place of a string: its ")" stays, and reads as an absent value.
   if (scanner.PeekToken()->Is(TokenType::EntityNameToken)) {
     scanner.NextToken();
@@ -289,6 +325,8 @@ const char16_t* ReadString(Parser& parser) {
 
 const char* ReadGuid(Parser& parser) {
   if (parser.IsStopped()) return kEmptyNarrow;
+  std::string_view plain;
+  if (parser.scanner->TakeString(plain)) return parser.Pool().InternNarrow(plain);
   if (IsAbsent(parser)) return parser.Pool().EmptyNarrow();
   if (!parser.scanner->PeekToken()->Is(TokenType::WstringToken)) {
     RejectToken(parser, u"CharString");
@@ -302,14 +340,18 @@ const char* ReadGuid(Parser& parser) {
 
 std::int32_t ReadEnum(Parser& parser, const EnumTable& table) {
   if (parser.IsStopped()) return table.Fallback();
-  if (!parser.scanner->PeekToken()->Is(TokenType::EnumerationToken)) {
-    RejectEnumToken(parser);
-    return table.Fallback();
+  Scanner& scanner = *parser.scanner;
+  std::string_view name;
+  if (!scanner.TakeEnumeration(name)) {
+    if (!scanner.PeekToken()->Is(TokenType::EnumerationToken)) {
+      RejectEnumToken(parser);
+      return table.Fallback();
+    }
+    name = scanner.NextToken()->text;
   }
-  const Token& token = *parser.scanner->NextToken();
-  if (const EnumRow* const row = table.FindByName(token.text)) return row->number;
+  if (const EnumRow* const row = table.FindByName(name)) return row->number;
   parser.showError(
-      "", u"Enume " + WideString(table.name) + u" does not contain: \"" + Widen(token.text) + u"\"",
+      "", u"Enume " + WideString(table.name) + u" does not contain: \"" + Widen(name) + u"\"",
       parser.ignoreEnumErrors ? kReportLog : kReportShow);
   if (!parser.ignoreEnumErrors) parser.Cancel();
   return table.Fallback();
@@ -329,11 +371,9 @@ std::int32_t ReadLogicalValue(Parser& parser) {
 
 IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
   if (parser.IsStopped()) return nullptr;
-  Scanner& scanner = *parser.scanner;
-  const Token& token = *scanner.PeekToken();
-  if (token.Is(TokenType::IdentifierToken)) [[likely]] {
-    scanner.NextToken();
-    IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(token.number);
+  std::uint32_t number = 0;
+  if (TakeIdentifier(*parser.scanner, number)) [[likely]] {
+    IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(number);
     if (entity == nullptr) parser.forwardReference = true;
     return admitted.Admits(entity) ? entity : nullptr;
   }

@@ -1,11 +1,11 @@
 #include "step/reader/parser.h"
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
 
-#include "core/entity_cast.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
@@ -21,28 +21,6 @@ constexpr std::uint64_t kTempKeepBack = 10;
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
 constexpr std::int64_t kReportNanoseconds = 50'000'000;
 constexpr std::int64_t kReportBytes = 0x10000;
-
-// The classes whose first object the parser remembers.
-enum SpecialClass : std::ptrdiff_t { kOrdinary, kUnitAssignment, kOwnerHistory, kProject, kSite };
-
-SpecialClass SpecialClassByName(const IFC::IfcEntity& entity) {
-  const WideView name = entity.getClassName();
-  if (name == u"IfcUnitAssignment") return kUnitAssignment;
-  if (name == u"IfcOwnerHistory") return kOwnerHistory;
-  if (name == u"IfcProject") return kProject;
-  if (name == u"IfcSite") return kSite;
-  return kOrdinary;
-}
-
-// Names are compared once per class.
-std::ptrdiff_t SpecialClassOf(const IFC::IfcEntity& entity) {
-  static ClassMemory memory;
-  const std::type_info* const dynamicClass = &typeid(entity);
-  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
-  const std::ptrdiff_t special = SpecialClassByName(entity);
-  memory.Remember(dynamicClass, special);
-  return special;
-}
 
 void KeepFirst(IFC::IfcEntity*& kept, IFC::IfcEntity* entity) {
   if (kept == nullptr) kept = entity;
@@ -75,6 +53,10 @@ bool Parser::SelectSchema(const WideString& identifier) {
   const auto schema = ChooseSchemaNamespace(identifier, showError);
   if (!schema) return false;
   factories = &FactoriesOf(*schema);
+  unitAssignmentRow_ = factories->FindRow("IFCUNITASSIGNMENT");
+  ownerHistoryRow_ = factories->FindRow("IFCOWNERHISTORY");
+  projectRow_ = factories->FindRow("IFCPROJECT");
+  siteRow_ = factories->FindRow("IFCSITE");
   return true;
 }
 
@@ -170,6 +152,7 @@ void Parser::StartPass(std::unique_ptr<Scanner> passScanner) {
   scanner = std::move(passScanner);
   totalBytes_ = scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize();
   reportedInPass_ = false;
+  nextPercentPosition_ = 0;
 }
 
 bool Parser::ReadFile(int fileCount) {
@@ -196,10 +179,12 @@ bool Parser::ReadFirstPart(int fileCount) {
   log.LogText(u"Reading first part of file...");
   log.SetMuted(true);
   log.SetFlushEveryLine(true);
-  for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
-       token = scanner->NextToken()) {
-    if (token->Is(TokenType::IdentifierToken)) {
-      if (!ReadRecord(token->number, fileCount)) return false;
+  for (;;) {
+    std::uint32_t number = 0;
+    const TokenType type = TakeToken(number);
+    if (type == TokenType::EndOfFileToken) break;
+    if (type == TokenType::IdentifierToken) {
+      if (!ReadRecord(number, fileCount)) return false;
     } else if (scanner->Stream()->StatementSize() > kBufferSize) {
       // Whatever stands between records is passed over, and never kept however much it is.
       scanner->Stream()->ClearStatementText();
@@ -213,6 +198,15 @@ bool Parser::ReadFirstPart(int fileCount) {
     return false;
   }
   return !IsStopped();
+}
+
+// What stands between records, or the number that a record begins with.
+TokenType Parser::TakeToken(std::uint32_t& number) {
+  scanner->StartStatement();
+  if (scanner->TakeIdentifier(number)) return TokenType::IdentifierToken;
+  const Token* const token = scanner->NextToken();
+  number = token->number;
+  return token->type;
 }
 
 // False ends the pass.
@@ -245,18 +239,22 @@ bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
 }
 
 IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
-  scanner->NextToken();  // =
-  const Token* const name = scanner->NextToken();
-  if (!name->Is(TokenType::EntityNameToken)) {
-    ExpectedArgumentError(u"EntityNameToken", name->getName(), kReportShow);
+  TakeEqualSign();
+  std::string_view name;
+  if (!scanner->TakeClassName(name)) {
+    const Token* const token = scanner->NextToken();
+    if (!token->Is(TokenType::EntityNameToken)) {
+      ExpectedArgumentError(u"EntityNameToken", token->getName(), kReportShow);
+      return nullptr;
+    }
+    name = token->text;
+  }
+  row_ = factories->FindRow(name);
+  if (row_ == nullptr) {
+    showError("", u"Entity named: " + Widen(name) + u" not found.", kReportShow);
     return nullptr;
   }
-  const EntityCreator create = factories->Find(name->text);
-  if (create == nullptr) {
-    showError("", u"Entity named: " + Widen(name->text) + u" not found.", kReportShow);
-    return nullptr;
-  }
-  IFC::IfcEntity* const entity = create(Pool());
+  IFC::IfcEntity* const entity = row_->create(Pool());
   entity->SetMarker(marker);
   TakeOpenBracket();
   return ReadArguments(entity);
@@ -293,8 +291,14 @@ bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
   return false;
 }
 
+// Whatever stands in its place is taken too.
+void Parser::TakeEqualSign() {
+  if (!scanner->TakeSign('=')) scanner->NextToken();
+}
+
 // A record without one ends at its ";" all the same, which stays in place.
 void Parser::TakeOpenBracket() {
+  if (scanner->TakeSign('(')) return;
   const TokenType type = scanner->PeekToken()->getType();
   if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner->NextToken();
 }
@@ -302,6 +306,8 @@ void Parser::TakeOpenBracket() {
 // Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
 // was left in the middle of a string or bracket ends at its ";" all the same.
 void Parser::TakeRestOfRecord() {
+  scanner->TakeSign(')');
+  if (scanner->TakeSemicolon()) return;
   for (;;) {
     const TokenType type = scanner->NextToken()->getType();
     if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) return;
@@ -339,15 +345,15 @@ void Parser::SaveForSecondPass() {
 }
 
 void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
-  switch (SpecialClassOf(*entity)) {
-    case kUnitAssignment:
-      if (ifcUnitAssignment == nullptr) unitAssignmentMarker = entity->marker;
-      KeepFirst(ifcUnitAssignment, entity);
-      break;
-    case kOwnerHistory: KeepFirst(ifcOwnerHistory, entity); break;
-    case kProject: KeepFirst(ifcProject, entity); break;
-    case kSite: KeepFirst(ifcSite, entity); break;
-    default: break;
+  if (row_ == unitAssignmentRow_) {
+    if (ifcUnitAssignment == nullptr) unitAssignmentMarker = entity->marker;
+    KeepFirst(ifcUnitAssignment, entity);
+  } else if (row_ == ownerHistoryRow_) {
+    KeepFirst(ifcOwnerHistory, entity);
+  } else if (row_ == projectRow_) {
+    KeepFirst(ifcProject, entity);
+  } else if (row_ == siteRow_) {
+    KeepFirst(ifcSite, entity);
   }
 }
 
@@ -360,9 +366,11 @@ bool Parser::ReadSecondPart(int fileCount) {
     state = ParserState::kFailed;
   }
   hundredth_ = 1;
-  for (const Token* token = scanner->NextToken(); !token->Is(TokenType::EndOfFileToken);
-       token = scanner->NextToken()) {
-    if (token->Is(TokenType::IdentifierToken) && !ReadRecordAgain(token->number)) break;
+  for (;;) {
+    std::uint32_t number = 0;
+    const TokenType type = TakeToken(number);
+    if (type == TokenType::EndOfFileToken) break;
+    if (type == TokenType::IdentifierToken && !ReadRecordAgain(number)) break;
     scanner->ClearTokens();
     if (!ReportProgress(true, fileCount)) {
       Cancel();
@@ -380,8 +388,8 @@ bool Parser::ReadSecondPart(int fileCount) {
 // The object of the first pass takes all its attributes anew. False ends the pass.
 bool Parser::ReadRecordAgain(std::uint32_t marker) {
   if (!PassHundredths(marker)) return false;
-  scanner->NextToken();  // =
-  scanner->NextToken();  // the name
+  TakeEqualSign();
+  if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
   IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);
   TakeOpenBracket();
   if (entity != nullptr) ReadArguments(entity);
@@ -406,13 +414,18 @@ bool Parser::PassHundredths(std::uint32_t marker) {
 
 // Throttled by time and by bytes.
 bool Parser::ReportProgress(bool secondPass, int fileCount) {
+  const std::int64_t position = scanner->Stream() == nullptr ? -1 : scanner->Stream()->Position();
+  // Most records change nothing: not even the clock is read for them.
+  if (reportedInPass_ && position < nextPercentPosition_ &&
+      position - lastReportPosition_ < kReportBytes) {
+    return true;
+  }
   const std::int64_t now = platform::Get().MonotonicNanoseconds();
   if (!reportedInPass_) {
     reportedInPass_ = true;
     lastReportTime_ = now - 1'000'000'000;
     lastReportPosition_ = 0;
   }
-  const std::int64_t position = scanner->Stream() == nullptr ? -1 : scanner->Stream()->Position();
   if (position < lastReportPosition_) lastReportPosition_ = 0;
   if (now - lastReportTime_ < kReportNanoseconds && position - lastReportPosition_ < kReportBytes) {
     return true;
@@ -423,7 +436,10 @@ bool Parser::ReportProgress(bool secondPass, int fileCount) {
   if (percent_ < 0) percent_ = 0;
   if (percent_ > 100) percent_ = 100;
   if (percent_ < lastPercent_) lastPercent_ = 0;
-  if (percent_ <= lastPercent_) return true;
+  const bool risen = percent_ > lastPercent_;
+  nextPercentPosition_ =
+      totalBytes_ >= 1 ? (std::max(percent_, lastPercent_) + 1) * totalBytes_ / 100 : 0;
+  if (!risen) return true;
   const int share = secondPass ? static_cast<int>(5.0 / fileCount) : 0;
   const bool goOn = progress == nullptr || progress(percent_, share, nullptr, share >= 1, 100);
   if (!goOn && CancelIfUserAgrees()) return false;

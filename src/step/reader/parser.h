@@ -81,6 +81,8 @@ class Parser {
   bool ignoreEnumErrors;
   // Set by the attribute readers when a referenced number is not filed yet.
   bool forwardReference = false;
+  // A string on its way from the input into the pool.
+  WideString plainText;
   // How many typed values the current one stands in.
   unsigned valueDepth = 0;
   const FactoryTable* factories = nullptr;   // null until SelectSchema has accepted an identifier
@@ -115,6 +117,7 @@ class Parser {
   bool CheckTempFile();
   bool ReadFile(int fileCount);
   bool ReadFirstPart(int fileCount);
+  TokenType TakeToken(std::uint32_t& number);
   bool ReadRecord(std::uint32_t number, int fileCount);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
@@ -125,6 +128,7 @@ class Parser {
   bool ReadSecondPart(int fileCount);
   bool ReadRecordAgain(std::uint32_t marker);
   bool PassHundredths(std::uint32_t marker);
+  void TakeEqualSign();
   void TakeOpenBracket();
   void TakeRestOfRecord();
   void StartPass(std::unique_ptr<Scanner> passScanner);
@@ -138,6 +142,12 @@ class Parser {
              std::vector<const char16_t*>, std::vector<EntityList>, std::vector<List<double>>,
              std::vector<List<std::int32_t>>>
       scratch_;
+  const FactoryRow* row_ = nullptr;  // of the record that is read for the first time
+  // The classes whose first object is remembered. Null until SelectSchema, as in a release without.
+  const FactoryRow* unitAssignmentRow_ = nullptr;
+  const FactoryRow* ownerHistoryRow_ = nullptr;
+  const FactoryRow* projectRow_ = nullptr;
+  const FactoryRow* siteRow_ = nullptr;
   std::vector<WideString> reservedPaths_;
   std::unique_ptr<FileStream::OutpoutFileStream> tempStream_;
   std::int64_t totalBytes_ = -1;
@@ -149,6 +159,7 @@ class Parser {
   // Throttle of ReportProgress; anew for each pass.
   std::int64_t lastReportTime_ = 0;  // nanoseconds
   std::int64_t lastReportPosition_ = 0;
+  std::int64_t nextPercentPosition_ = 0;  // before it the percentage cannot have risen
   bool reportedInPass_ = false;
 };
 

@@ -16,11 +16,7 @@ namespace corvel {
 namespace {
 
 constexpr int kEnd = -1;
-
-bool IsLetter(unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-bool IsDigit(unsigned char c) { return c >= '0' && c <= '9'; }
-// White space, and "_", which vanishes like a blank.
-bool IsBlank(unsigned char c) { return c == ' ' || (c >= 9 && c <= 13) || c == '_'; }
+constexpr char kLastByte = '\xFF';  // looks like the end of the input
 
 }  // namespace
 
@@ -63,7 +59,7 @@ Token* Scanner::MakeToken() {
 
 int Scanner::NextByte() {
   if (!HasByte()) return kEnd;
-  const int byte = Byte();
+  const int byte = static_cast<unsigned char>(Byte());
   TakeByte();
   return byte;
 }
@@ -73,11 +69,11 @@ bool Scanner::SkipBlanks() {
   for (;;) {
     const char* at = stream_->Cursor();
     const char* const end = stream_->WindowEnd();
-    for (; at != end && IsBlank(static_cast<unsigned char>(*at)); ++at) {
+    for (; at != end && IsBlank(*at); ++at) {
       if (*at == '\n') ++line_;
     }
     stream_->SetCursor(at);
-    if (at != end) return Byte() != 255;
+    if (at != end) return *at != kLastByte;
     if (!stream_->Refill()) return false;
   }
 }
@@ -86,7 +82,7 @@ Token* Scanner::ScanToken() {
   for (;;) {
     if (std::exchange(afterSemicolon_, false)) stream_->ClearStatementText();
     if (!SkipBlanks()) return Make(TokenType::EndOfFileToken);
-    const unsigned char c = Byte();
+    const char c = Byte();
     switch (c) {
       case ';':
         argument_ = 0;
@@ -127,7 +123,7 @@ void Scanner::AppendWhile(std::string& text, Accept accept) {
     const char* const begin = stream_->Cursor();
     const char* const end = stream_->WindowEnd();
     const char* at = begin;
-    while (at != end && accept(static_cast<unsigned char>(*at))) ++at;
+    while (at != end && accept(*at)) ++at;
     text.append(begin, at);
     stream_->SetCursor(at);
     if (at != end) return;
@@ -138,14 +134,14 @@ Token* Scanner::ReadWord() {
   Token* const token = Make(TokenType::EntityNameToken);
   std::string& word = token->text;
   word.clear();
-  AppendWhile(word, [](unsigned char c) { return IsLetter(c) || IsDigit(c) || c == '_'; });
+  AppendWhile(word, [](char c) { return IsOfKind(c, kLetterByte | kDigitByte) || c == '_'; });
   std::erase(word, '_');
   if (word == "inf") {
     token->type = TokenType::RealDataTypeToken;
     token->real = std::numeric_limits<double>::infinity();
   } else if (word == "ISO" || word == "END") {
     token->type = word == "ISO" ? TokenType::IsoToken : TokenType::EndIsoToken;
-    AppendWhile(word, [](unsigned char c) { return c != ';'; });
+    AppendWhile(word, [](char c) { return c != ';'; });
   } else if (word == "HEADER" && !inHeader_) {
     inHeader_ = true;
     auto header = HeaderReader(*this).Read();
@@ -164,12 +160,12 @@ Token* Scanner::ReadWord() {
 Token* Scanner::ReadNumber() {
   Token* const token = Make(TokenType::IntegerDataTypeToken);
   std::string& text = token->text;
-  text.assign(1, static_cast<char>(Byte()));
+  text.assign(1, Byte());
   TakeByte();
   AppendWhile(text, IsDigit);
   if (HasByte() && Byte() == '.') {
     // Everything up to the end of the value belongs to it, exponent and all.
-    AppendWhile(text, [](unsigned char c) { return c != ',' && c != ')'; });
+    AppendWhile(text, [](char c) { return c != ',' && c != ')'; });
     token->type = TokenType::RealDataTypeToken;
     token->real = ParseReal(text);
     return token;
@@ -187,7 +183,9 @@ Token* Scanner::ReadIdentifier() {
   bool anyDigit = false;
   while (HasByte() && IsDigit(Byte())) {
     anyDigit = true;
-    if (number <= IFC::kLargestNumber) number = number * 10 + (Byte() - '0');
+    if (number <= IFC::kLargestNumber) {
+      number = number * 10 + static_cast<unsigned>(Byte() - '0');
+    }
     TakeByte();
   }
   if (!anyDigit) return StopWith(u"invalid stoul argument");
@@ -200,7 +198,7 @@ Token* Scanner::ReadEnumeration() {
   Token* const token = Make(TokenType::EnumerationToken);
   token->text.clear();
   TakeByte();
-  AppendWhile(token->text, [](unsigned char c) { return c != '.'; });
+  AppendWhile(token->text, [](char c) { return c != '.'; });
   if (HasByte()) TakeByte();
   return token;
 }
@@ -212,8 +210,9 @@ Token* Scanner::ReadSlash() {
   if (second == '*') {
     return SkipComment() ? nullptr : Make(TokenType::EndOfFileToken);
   }
-  return Make(second == kEnd || second == 255 ? TokenType::EndOfFileToken
-                                              : TokenType::UnknownSignToken);
+  return Make(second == kEnd || second == static_cast<unsigned char>(kLastByte)
+                  ? TokenType::EndOfFileToken
+                  : TokenType::UnknownSignToken);
 }
 
 // False when the input ends inside the comment.

@@ -10,6 +10,7 @@
 
 #include "core/reporting.h"
 #include "core/text.h"
+#include "step/reader/byte_kinds.h"
 #include "step/reader/token.h"
 #include "step/streams/input_stream.h"
 
@@ -51,6 +52,49 @@ class Scanner {
   // Gives up all tokens, the look-ahead included.
   void ClearTokens() { lookAhead_ = nullptr; }
 
+  // --- Plain tokens -----------------------------------------------------------------------------
+  // Nearly all tokens of a model are plain: they stand whole in the stream's window, together with
+  // the byte behind them, and need no decoding. These take one straight from there. False: the next
+  // token is not of this kind or not plain; blanks and commas before it may be taken, nothing else,
+  // and NextToken and PeekToken give it as ever. Texts are good until the stream moves on.
+
+  // Behind a ";" the statement text starts anew with the next token. Tokens see to that
+  // themselves; call it before the first plain one.
+  void StartStatement() {
+    if (!afterSemicolon_ || stopped_ || lookAhead_ != nullptr) return;
+    afterSemicolon_ = false;
+    stream_->ClearStatementText();
+  }
+  // The first byte of the next token; 0 when that takes more than a look at the window.
+  char PeekSign() {
+    if (stopped_ || lookAhead_ != nullptr || afterSemicolon_) return 0;
+    const char* at = stream_->Cursor();
+    const char* const end = stream_->WindowEnd();
+    for (; at != end && IsOfKind(*at, kBlankByte | kCommaByte); ++at) {
+      if (*at == ',') ++argument_;
+      if (*at == '\n') ++line_;
+    }
+    stream_->SetCursor(at);
+    return at != end ? *at : '\0';
+  }
+  // One of = ( ) $ *
+  bool TakeSign(char sign) {
+    if (PeekSign() != sign) return false;
+    TakeByte();
+    return true;
+  }
+  bool TakeSemicolon();
+  bool TakeIdentifier(std::uint32_t& number);
+  // Any number, with a point or without.
+  bool TakeNumber(double& value);
+  // A number without a point.
+  bool TakeInteger(std::int32_t& value);
+  // ASCII without a quote or "\" in it.
+  bool TakeString(std::string_view& text);
+  bool TakeEnumeration(std::string_view& name);
+  // A word that begins with "IFC".
+  bool TakeClassName(std::string_view& name);
+
   // Null when the extension was not known.
   FileStream::InputStream* Stream() { return stream_.get(); }
   bool IsOpen() const { return stream_ != nullptr && stream_->IsOpen(); }
@@ -74,7 +118,7 @@ class Scanner {
   Token* StopWith(const WideString& message);
 
   bool HasByte() { return stream_->Cursor() != stream_->WindowEnd() || stream_->Refill(); }
-  unsigned char Byte() const { return static_cast<unsigned char>(*stream_->Cursor()); }
+  char Byte() const { return *stream_->Cursor(); }
   void TakeByte() { stream_->SetCursor(stream_->Cursor() + 1); }
   // The next byte, taken; -1 at the end.
   int NextByte();

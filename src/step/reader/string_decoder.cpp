@@ -1,5 +1,9 @@
 #include "step/reader/string_decoder.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
 #include "platform/platform.h"
 
 namespace corvel {
@@ -9,6 +13,17 @@ namespace {
 constexpr int kEnd = -1;
 
 bool IsPlain(char c) { return c >= 0 && c != '\'' && c != '\\'; }
+
+// Eight bytes at once: not 0 when one of them is not plain.
+std::uint64_t AnyUnusual(const char* eight) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101u;
+  constexpr std::uint64_t kHighBits = kOnes * 0x80;
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, eight, sizeof bytes);
+  const std::uint64_t quotes = bytes ^ (kOnes * '\'');
+  const std::uint64_t slashes = bytes ^ (kOnes * '\\');
+  return (bytes | (quotes - kOnes) | (slashes - kOnes)) & kHighBits;
+}
 
 // The value of a digit as it is taken: nothing checks that it is one.
 std::uint32_t HexValue(int byte) {
@@ -52,11 +67,10 @@ class Decoder {
   // The usual case: everything up to the closing quote stands in the window.
   void TakePlainRun() {
     const char* const begin = stream_.Cursor();
-    const char* const windowEnd = stream_.WindowEnd();
-    const char* at = begin;
-    while (at != windowEnd && IsPlain(*at)) ++at;
-    text_.append(begin, at);
-    stream_.SetCursor(at);
+    const char* const end = EndOfPlainText(begin, stream_.WindowEnd());
+    text_.reserve(text_.size() + static_cast<std::size_t>(end - begin));
+    for (const char* at = begin; at != end; ++at) text_.push_back(static_cast<char16_t>(*at));
+    stream_.SetCursor(end);
   }
 
   // A byte that stands for itself. Those above 127 are kept apart from decoded characters.
@@ -169,6 +183,17 @@ class Decoder {
 };
 
 }  // namespace
+
+const char* EndOfPlainText(const char* at, const char* end) {
+  while (end - at >= 8 && AnyUnusual(at) == 0) at += 8;
+  while (at != end && IsPlain(*at)) ++at;
+  return at;
+}
+
+void WidenPlainText(std::string_view bytes, WideString& text) {
+  text.resize(bytes.size());
+  std::copy(bytes.begin(), bytes.end(), text.begin());
+}
 
 void DecodeString(FileStream::InputStream& stream, WideString& text) {
   Decoder(stream, text).Run();

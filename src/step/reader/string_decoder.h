@@ -1,6 +1,8 @@
 // The text between the quotes of a STEP string.
 #pragma once
 
+#include <string_view>
+
 #include "core/text.h"
 #include "step/streams/input_stream.h"
 
@@ -9,5 +11,10 @@ namespace corvel {
 // Call behind the opening quote. Appends the decoded text to `text` and takes the closing quote;
 // the end of the input ends the string too.
 void DecodeString(FileStream::InputStream& stream, WideString& text);
+
+// The first byte of [`at`, `end`) that is a quote, a "\\" or no ASCII; `end` when there is none.
+const char* EndOfPlainText(const char* at, const char* end);
+// Replaces `text` by these ASCII bytes.
+void WidenPlainText(std::string_view bytes, WideString& text);
 
 }  // namespace corvel

@@ -1,0 +1,31 @@
+// The kinds of bytes that the scanner tells apart.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace corvel {
+
+inline constexpr std::uint8_t kLetterByte = 1;
+inline constexpr std::uint8_t kDigitByte = 2;
+inline constexpr std::uint8_t kBlankByte = 4;  // white space, and "_", which vanishes like a blank
+inline constexpr std::uint8_t kCommaByte = 8;
+
+inline constexpr std::array<std::uint8_t, 256> kByteKinds = [] {
+  std::array<std::uint8_t, 256> kinds{};
+  for (unsigned c = 'A'; c <= 'Z'; ++c) kinds[c] = kinds[c | 0x20] = kLetterByte;
+  for (unsigned c = '0'; c <= '9'; ++c) kinds[c] = kDigitByte;
+  for (unsigned c = 9; c <= 13; ++c) kinds[c] = kBlankByte;
+  kinds[' '] = kinds['_'] = kBlankByte;
+  kinds[','] = kCommaByte;
+  return kinds;
+}();
+
+constexpr bool IsOfKind(char byte, unsigned kinds) {
+  return (kByteKinds[static_cast<unsigned char>(byte)] & kinds) != 0;
+}
+constexpr bool IsLetter(char byte) { return IsOfKind(byte, kLetterByte); }
+constexpr bool IsDigit(char byte) { return IsOfKind(byte, kDigitByte); }
+constexpr bool IsBlank(char byte) { return IsOfKind(byte, kBlankByte); }
+
+}  // namespace corvel
