@@ -1,100 +1,101 @@
 #include "core/number_table.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace corvel {
 
-// The numbers of one run of kLeafSize, by their low bits.
-class NumberTable::Leaf {
- public:
-  IFC::IfcEntity* Find(std::uint32_t low) const {
-    if (dense_) return (*dense_)[low];
-    const auto found = Lower(low);
-    return found != few_.end() && found->number == low ? found->entity : nullptr;
-  }
+namespace {
 
-  // True when the number is new.
-  bool Set(std::uint32_t low, IFC::IfcEntity* entity) {
-    if (dense_) return std::exchange((*dense_)[low], entity) == nullptr;
-    const auto at = few_.begin() + (Lower(low) - few_.cbegin());
-    if (at != few_.end() && at->number == low) {
-      at->entity = entity;
-      return false;
-    }
-    if (few_.size() < kFew) {
-      few_.insert(at, {low, entity});
-    } else {
-      MakeDense();
-      (*dense_)[low] = entity;
-    }
-    return true;
-  }
+template <class List>
+auto Lower(List& few, std::size_t low) {
+  return std::lower_bound(
+      few.begin(), few.end(), low,
+      [](const NumberTable::Entry& entry, std::size_t key) { return entry.number < key; });
+}
 
-  bool Remove(std::uint32_t low) {
-    if (dense_) return std::exchange((*dense_)[low], nullptr) != nullptr;
-    const auto at = few_.begin() + (Lower(low) - few_.cbegin());
-    if (at == few_.end() || at->number != low) return false;
-    few_.erase(at);
-    return true;
-  }
+}  // namespace
 
-  Entry AtOrAfter(std::uint32_t low) const {
-    if (!dense_) {
-      const auto found = Lower(low);
-      return found == few_.end() ? Entry{} : *found;
-    }
-    for (; low < kLeafSize; ++low) {
-      if ((*dense_)[low] != nullptr) return {low, (*dense_)[low]};
-    }
-    return {};
+NumberTable::Leaf::~Leaf() {
+  if (IsDense()) {
+    delete &Slots();
+  } else {
+    delete List();
   }
+}
 
- private:
-  static constexpr std::size_t kFew = 32;
-  using Dense = std::array<IFC::IfcEntity*, kLeafSize>;
+IFC::IfcEntity* NumberTable::Leaf::FindAmongFew(std::size_t low) const {
+  const Few* const few = List();
+  if (few == nullptr) return nullptr;
+  const auto found = Lower(*few, low);
+  return found != few->end() && found->number == low ? found->entity : nullptr;
+}
 
-  std::vector<Entry>::const_iterator Lower(std::uint32_t low) const {
-    return std::lower_bound(
-        few_.begin(), few_.end(), low,
-        [](const Entry& entry, std::uint32_t key) { return entry.number < key; });
+bool NumberTable::Leaf::RemoveAmongFew(std::size_t low) {
+  Few* const few = List();
+  if (few == nullptr) return false;
+  const auto at = Lower(*few, low);
+  if (at == few->end() || at->number != low) return false;
+  few->erase(at);
+  return true;
+}
+
+bool NumberTable::Leaf::SetAmongFew(std::size_t low, IFC::IfcEntity* entity) {
+  if (List() == nullptr) word_ = reinterpret_cast<std::uintptr_t>(new Few) + kFewTag;
+  Few& few = *List();
+  const auto at = Lower(few, low);
+  if (at != few.end() && at->number == low) {
+    at->entity = entity;
+    return false;
   }
-  void MakeDense() {
-    dense_ = std::make_unique<Dense>();
-    for (const Entry& entry : few_) (*dense_)[entry.number] = entry.entity;
-    few_ = {};
+  if (few.size() < kMostOfFew) {
+    few.insert(at, {static_cast<std::uint32_t>(low), entity});
+  } else {
+    MakeDense();
+    Slots()[low] = entity;
   }
+  return true;
+}
 
-  std::vector<Entry> few_;  // ascending; used until there are more than kFew
-  std::unique_ptr<Dense> dense_;
-};
+void NumberTable::Leaf::MakeDense() {
+  auto slots = std::make_unique<Array>();
+  for (const Entry& entry : *List()) (*slots)[entry.number] = entry.entity;
+  delete List();
+  word_ = reinterpret_cast<std::uintptr_t>(slots.release());
+}
+
+NumberTable::Entry NumberTable::Leaf::AtOrAfter(std::size_t low) const {
+  if (!IsDense()) {
+    const Few* const few = List();
+    if (few == nullptr) return {};
+    const auto found = Lower(*few, low);
+    return found == few->end() ? Entry{} : *found;
+  }
+  for (; low < kLeafSize; ++low) {
+    if (Slots()[low] != nullptr) return {static_cast<std::uint32_t>(low), Slots()[low]};
+  }
+  return {};
+}
 
 NumberTable::NumberTable() = default;
 NumberTable::~NumberTable() = default;
 
-const NumberTable::Leaf* NumberTable::LeafOf(std::uint32_t number) const {
-  const std::size_t branch = number >> (kLeafBits + kBranchBits);
-  if (branch >= branches_.size() || branches_[branch] == nullptr) return nullptr;
-  return (*branches_[branch])[(number >> kLeafBits) & (kBranchSize - 1)].get();
-}
-
-IFC::IfcEntity* NumberTable::Find(std::uint32_t number) const {
-  const Leaf* const leaf = LeafOf(number);
-  return leaf == nullptr ? nullptr : leaf->Find(number & (kLeafSize - 1));
-}
-
-void NumberTable::Set(std::uint32_t number, IFC::IfcEntity* entity) {
+void NumberTable::SetAmongFew(std::uint32_t number, IFC::IfcEntity* entity) {
   const std::size_t branch = number >> (kLeafBits + kBranchBits);
   if (branch >= branches_.size()) branches_.resize(branch + 1);
   if (branches_[branch] == nullptr) branches_[branch] = std::make_unique<Branch>();
-  std::unique_ptr<Leaf>& leaf = (*branches_[branch])[(number >> kLeafBits) & (kBranchSize - 1)];
-  if (leaf == nullptr) leaf = std::make_unique<Leaf>();
-  if (leaf->Set(number & (kLeafSize - 1), entity)) ++size_;
+  if (LeafOf(number)->SetAmongFew(LowOf(number), entity)) ++size_;
 }
 
 bool NumberTable::Remove(std::uint32_t number) {
-  auto* const leaf = const_cast<Leaf*>(LeafOf(number));
-  if (leaf == nullptr || !leaf->Remove(number & (kLeafSize - 1))) return false;
+  Leaf* const leaf = LeafOf(number);
+  if (leaf == nullptr) return false;
+  if (leaf->IsDense()) {
+    IFC::IfcEntity*& slot = leaf->Slots()[LowOf(number)];
+    if (slot == nullptr) return false;
+    slot = nullptr;
+  } else if (!leaf->RemoveAmongFew(LowOf(number))) {
+    return false;
+  }
   --size_;
   return true;
 }
@@ -105,15 +106,13 @@ void NumberTable::Clear() {
 }
 
 NumberTable::Entry NumberTable::AtOrAfter(std::uint32_t number) const {
-  std::uint32_t low = number & (kLeafSize - 1);
+  std::size_t low = LowOf(number);
   std::size_t leaf = (number >> kLeafBits) & (kBranchSize - 1);
   for (std::size_t branch = number >> (kLeafBits + kBranchBits); branch < branches_.size();
        ++branch, leaf = 0, low = 0) {
     if (branches_[branch] == nullptr) continue;
     for (; leaf < kBranchSize; ++leaf, low = 0) {
-      const Leaf* const candidate = (*branches_[branch])[leaf].get();
-      if (candidate == nullptr) continue;
-      if (Entry found = candidate->AtOrAfter(low)) {
+      if (Entry found = (*branches_[branch])[leaf].AtOrAfter(low)) {
         found.number +=
             static_cast<std::uint32_t>((branch << (kLeafBits + kBranchBits)) + (leaf << kLeafBits));
         return found;
@@ -121,6 +120,15 @@ NumberTable::Entry NumberTable::AtOrAfter(std::uint32_t number) const {
     }
   }
   return {};
+}
+
+void NumberTable::Iterator::Settle(Entry entry) {
+  at_ = entry;
+  if (!entry) return;
+  const Leaf* const leaf = table_->LeafOf(entry.number);
+  if (leaf == nullptr || !leaf->IsDense()) return;
+  slot_ = &leaf->Slots()[LowOf(entry.number)];
+  rest_ = kLeafSize - 1 - LowOf(entry.number);
 }
 
 }  // namespace corvel

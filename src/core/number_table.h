@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -16,7 +17,6 @@ namespace corvel {
 // An ordered map from 32-bit numbers to entities. Models number densely, so a leaf of 512 numbers
 // is a plain array (8 bytes an entity, constant time); a leaf with few numbers in it stays a short
 // sorted list, so that numbers with wide gaps up to 4,294,967,295 cost no memory for the gaps.
-// Entries may be added and removed while the table is walked with First and Next.
 class NumberTable {
  public:
   struct Entry {
@@ -24,6 +24,7 @@ class NumberTable {
     IFC::IfcEntity* entity = nullptr;  // null: the end of a walk
     explicit operator bool() const { return entity != nullptr; }
   };
+  class Iterator;
 
   NumberTable();
   ~NumberTable();
@@ -31,16 +32,33 @@ class NumberTable {
   NumberTable& operator=(const NumberTable&) = delete;
 
   // Null when the number is not in use.
-  IFC::IfcEntity* Find(std::uint32_t number) const;
+  IFC::IfcEntity* Find(std::uint32_t number) const {
+    const Leaf* const leaf = LeafOf(number);
+    if (leaf == nullptr) return nullptr;
+    return leaf->IsDense() ? leaf->Slots()[LowOf(number)] : leaf->FindAmongFew(LowOf(number));
+  }
   bool Contains(std::uint32_t number) const { return Find(number) != nullptr; }
   // Sets or replaces; `entity` is not null.
-  void Set(std::uint32_t number, IFC::IfcEntity* entity);
+  void Set(std::uint32_t number, IFC::IfcEntity* entity) {
+    Leaf* const leaf = LeafOf(number);
+    if (leaf == nullptr || !leaf->IsDense()) return SetAmongFew(number, entity);
+    IFC::IfcEntity*& slot = leaf->Slots()[LowOf(number)];
+    if (slot == nullptr) ++size_;
+    slot = entity;
+  }
   // False when the number was not in use.
   bool Remove(std::uint32_t number);
   void Clear();
   std::size_t Size() const { return size_; }
 
-  // The entry with the smallest number, and the one with the smallest number above `number`.
+  // A walk over all entries by ascending number: `for (const auto [number, entity] : table)`.
+  // Entries may be added and removed on the way, the one at hand among them: what is added ahead is
+  // met, what is removed ahead is not. Clear ends the right to go on.
+  Iterator begin() const;
+  static std::default_sentinel_t end() { return {}; }
+
+  // The same walk with each step looked up anew: the entry with the smallest number, and the one
+  // with the smallest number above `number`.
   Entry First() const { return AtOrAfter(0); }
   Entry Next(std::uint32_t number) const {
     return number == 0xFFFFFFFFu ? Entry{} : AtOrAfter(number + 1);
@@ -53,13 +71,88 @@ class NumberTable {
   static constexpr std::size_t kLeafSize = std::size_t{1} << kLeafBits;
   static constexpr std::size_t kBranchSize = std::size_t{1} << kBranchBits;
 
-  class Leaf;
-  using Branch = std::array<std::unique_ptr<Leaf>, kBranchSize>;
+  // The numbers of one run of kLeafSize, by their low bits. One word: the address of the array, or
+  // that of the list (null: nothing yet) with the lowest bit set.
+  class Leaf {
+   public:
+    using Array = std::array<IFC::IfcEntity*, kLeafSize>;
 
-  const Leaf* LeafOf(std::uint32_t number) const;
+    Leaf() = default;
+    ~Leaf();
+    Leaf(const Leaf&) = delete;
+    Leaf& operator=(const Leaf&) = delete;
+
+    // Once dense, a leaf stays so, and its array stays where it is.
+    bool IsDense() const { return (word_ & kFewTag) == 0; }
+    Array& Slots() const { return *reinterpret_cast<Array*>(word_); }
+
+    // For a leaf that is not dense.
+    IFC::IfcEntity* FindAmongFew(std::size_t low) const;
+    bool RemoveAmongFew(std::size_t low);
+    // True when the number is new. The leaf may be dense afterwards.
+    bool SetAmongFew(std::size_t low, IFC::IfcEntity* entity);
+    Entry AtOrAfter(std::size_t low) const;
+
+   private:
+    using Few = std::vector<Entry>;  // ascending
+    static constexpr std::uintptr_t kFewTag = 1;
+    static constexpr std::size_t kMostOfFew = 32;
+
+    Few* List() const { return reinterpret_cast<Few*>(word_ - kFewTag); }
+    void MakeDense();
+
+    std::uintptr_t word_ = kFewTag;
+  };
+  using Branch = std::array<Leaf, kBranchSize>;
+
+  static std::size_t LowOf(std::uint32_t number) { return number & (kLeafSize - 1); }
+  Leaf* LeafOf(std::uint32_t number) const {
+    const std::size_t branch = number >> (kLeafBits + kBranchBits);
+    if (branch >= branches_.size() || branches_[branch] == nullptr) return nullptr;
+    return &(*branches_[branch])[(number >> kLeafBits) & (kBranchSize - 1)];
+  }
+  void SetAmongFew(std::uint32_t number, IFC::IfcEntity* entity);
 
   std::vector<std::unique_ptr<Branch>> branches_;  // by the number's upper bits, grown on demand
   std::size_t size_ = 0;
 };
+
+// Runs along the array of a dense leaf and looks up the next leaf behind its end only.
+class NumberTable::Iterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using iterator_concept = std::input_iterator_tag;
+  using value_type = Entry;
+  using difference_type = std::ptrdiff_t;
+  using pointer = const Entry*;
+  using reference = const Entry&;
+
+  explicit Iterator(const NumberTable& table) : table_(&table) { Settle(table.First()); }
+
+  const Entry& operator*() const { return at_; }
+  const Entry* operator->() const { return &at_; }
+  bool operator==(std::default_sentinel_t) const { return at_.entity == nullptr; }
+  Iterator& operator++() {
+    while (rest_ != 0) {
+      --rest_;
+      ++slot_;
+      ++at_.number;
+      if ((at_.entity = *slot_) != nullptr) return *this;
+    }
+    Settle(table_->Next(at_.number));
+    return *this;
+  }
+  void operator++(int) { ++*this; }
+
+ private:
+  void Settle(Entry entry);
+
+  const NumberTable* table_;
+  Entry at_;
+  IFC::IfcEntity* const* slot_ = nullptr;
+  std::size_t rest_ = 0;  // slots behind `slot_`; 0 in a leaf that is not dense
+};
+
+inline NumberTable::Iterator NumberTable::begin() const { return Iterator(*this); }
 
 }  // namespace corvel

@@ -18,6 +18,13 @@ using Pairs = std::vector<std::pair<std::uint32_t, IFC::IfcEntity*>>;
 
 Pairs Walked(const NumberTable& table) {
   Pairs pairs;
+  for (const auto [number, entity] : table) pairs.emplace_back(number, entity);
+  return pairs;
+}
+
+// The walk that looks up each step anew.
+Pairs Stepped(const NumberTable& table) {
+  Pairs pairs;
   for (auto at = table.First(); at; at = table.Next(at.number)) {
     pairs.emplace_back(at.number, at.entity);
   }
@@ -28,6 +35,7 @@ TEST(NumberTable, AnEmptyOneHasNothing) {
   NumberTable table;
   EXPECT_EQ(0u, table.Size());
   EXPECT_FALSE(table.First());
+  EXPECT_TRUE(table.begin() == table.end());
   EXPECT_FALSE(table.Next(0));
   EXPECT_FALSE(table.Contains(0));
   EXPECT_FALSE(table.Remove(1));
@@ -75,6 +83,7 @@ TEST(NumberTable, NumbersOfARunOf512TurnDenseWithoutALoss) {
       expected.emplace_back(start + i, Fake(1 + std::uint64_t{start} + i));
     }
     EXPECT_EQ(expected, Walked(table));
+    EXPECT_EQ(expected, Stepped(table));
   }
 }
 
@@ -121,11 +130,33 @@ TEST(NumberTable, ItDoesWhatAMapDoes) {
       ASSERT_EQ(at == model.end() ? nullptr : at->second, table.Find(number));
     }
     ASSERT_EQ(Pairs(model.begin(), model.end()), Walked(table));
+    ASSERT_EQ(Pairs(model.begin(), model.end()), Stepped(table));
   }
 }
 
+// A walk by the iterator and one that looks up each step, under one face.
+struct RunningWalk {
+  explicit RunningWalk(const NumberTable& table) : at(table.begin()) {}
+  NumberTable::Entry Here() const { return *at; }
+  void Step() { ++at; }
+  NumberTable::Iterator at;
+};
+
+struct SteppingWalk {
+  explicit SteppingWalk(const NumberTable& walked) : table(walked), at(walked.First()) {}
+  NumberTable::Entry Here() const { return at; }
+  void Step() { at = table.Next(at.number); }
+  const NumberTable& table;
+  NumberTable::Entry at;
+};
+
+template <class Walk>
+class NumberTableWalk : public testing::Test {};
+using Walks = testing::Types<RunningWalk, SteppingWalk>;
+TYPED_TEST_SUITE(NumberTableWalk, Walks);
+
 // Entries may come and go while the table is walked, the entry at hand among them.
-TEST(NumberTable, AWalkSeesWhatIsAddedAheadAndNotWhatIsRemoved) {
+TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
   for (unsigned seed = 1; seed <= 50; ++seed) {
     std::mt19937 random(seed);
     NumberTable table;
@@ -137,15 +168,17 @@ TEST(NumberTable, AWalkSeesWhatIsAddedAheadAndNotWhatIsRemoved) {
     }
     int budget = 500;
     auto expected = model.begin();
-    auto at = table.First();
-    while (at) {
+    TypeParam walk(table);
+    while (walk.Here()) {
       ASSERT_NE(model.end(), expected);
-      ASSERT_EQ(expected->first, at.number);
+      const std::uint32_t here = walk.Here().number;
+      ASSERT_EQ(expected->first, here);
+      ASSERT_EQ(expected->second, walk.Here().entity);
       if (budget-- > 0) {
         const std::uint32_t number =
             random() % 3 != 0
                 ? AnyNumber(random)
-                : at.number + static_cast<std::uint32_t>(random() % 3 == 0 ? 0 : random() % 50);
+                : here + static_cast<std::uint32_t>(random() % 3 == 0 ? 0 : random() % 50);
         if (random() % 2 == 0) {
           table.Set(number, Fake(2));
           model[number] = Fake(2);
@@ -154,11 +187,27 @@ TEST(NumberTable, AWalkSeesWhatIsAddedAheadAndNotWhatIsRemoved) {
           model.erase(number);
         }
       }
-      expected = model.upper_bound(at.number);
-      at = table.Next(at.number);
+      expected = model.upper_bound(here);
+      walk.Step();
     }
     ASSERT_EQ(model.end(), expected);
   }
+}
+
+// The list of a leaf becomes an array under the walk, and entries of arrays go.
+TYPED_TEST(NumberTableWalk, GoesOnWhenALeafTurnsDenseUnderIt) {
+  NumberTable table;
+  table.Set(3, Fake(3));
+  table.Set(600, Fake(600));
+  Pairs seen;
+  for (TypeParam walk(table); walk.Here(); walk.Step()) {
+    const std::uint32_t here = walk.Here().number;
+    seen.emplace_back(here, walk.Here().entity);
+    if (here != 3) continue;
+    for (std::uint32_t number = 0; number < 100; ++number) table.Set(number, Fake(number + 1));
+    for (std::uint32_t number = 5; number < 99; ++number) table.Remove(number);
+  }
+  EXPECT_EQ((Pairs{{3, Fake(3)}, {4, Fake(5)}, {99, Fake(100)}, {600, Fake(600)}}), seen);
 }
 
 }  // namespace
