@@ -153,7 +153,7 @@ void MainContainer::OverwriteMarker(IfcEntity* entity, const IfcEntity* target) 
 }
 
 void MainContainer::FillMarkers() {
-  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+  for (const auto& at : entities) {
     if (at.entity->marker != kDeleted) at.entity->SetMarker(at.number);
   }
 }
@@ -167,7 +167,7 @@ bool MainContainer::ResetAllMarkers() {
     entity->marker = kUnfiled;
     entity->collectChildren(queue);
   };
-  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+  for (const auto& at : entities) {
     reset(at.entity);
     while (!queue.IsEmpty()) reset(queue.TakeBack().entity);
   }
@@ -179,7 +179,7 @@ bool MainContainer::EmptyParents(int from, int to, int share, const WideString& 
   std::size_t block = entities.Size();
   if (to > from) block /= static_cast<std::size_t>(to - from);
   std::size_t count = block;
-  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+  for (const auto& at : entities) {
     at.entity->parents.Clear(parentStore_);
     if (block == 0 || --count != 0 || from >= to) continue;
     count = block;
@@ -200,7 +200,7 @@ int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, in
   }
   if (parentsFilled_) return 1;
   ChildQueue queue;
-  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+  for (const auto& at : entities) {
     at.entity->collectChildren(queue);
     while (!queue.IsEmpty()) {
       IfcEntity* const child = queue.TakeBack().entity;
@@ -213,7 +213,7 @@ int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, in
 
 bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
   entitiesGUIDmap.clear();
-  for (auto at = originalEntities.First(); at; at = originalEntities.Next(at.number)) {
+  for (const auto& at : originalEntities) {
     if (at.entity->marker == kDeleted) continue;
     auto* const root = corvel::EntityCast<VirtualIfcRoot>(at.entity);
     if (root == nullptr) continue;

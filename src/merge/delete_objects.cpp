@@ -15,7 +15,7 @@ bool IsOpening(const IFC::IfcEntity& entity) { return ClassIs(entity, u"IfcOpeni
 void DeleteAllOpenings(const IFC::MainContainer& container, std::vector<MarkerPair>& deletePairs,
                        std::vector<MarkerPair>& savePairs) {
   const corvel::NumberTable& objects = container.originalEntities;
-  for (auto at = objects.First(); at; at = objects.Next(at.number)) {
+  for (const auto& at : objects) {
     if (IsOpening(*at.entity)) deletePairs.push_back({at.number, at.number});
   }
   std::erase_if(savePairs, [&objects](const MarkerPair& pair) {
@@ -25,7 +25,7 @@ void DeleteAllOpenings(const IFC::MainContainer& container, std::vector<MarkerPa
 }
 
 bool HasUndecided(const IFC::MainContainer& container) {
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     if (IsUndecided(*at.entity)) return true;
   }
   return false;

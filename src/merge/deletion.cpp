@@ -14,7 +14,7 @@ constexpr std::uint32_t kFirstPlace = 0x80000000u;
 
 void NumberPlaces(IFC::MainContainer& container) {
   std::uint32_t stamp = kFirstPlace;
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     at.entity->visitStamp = stamp++;
   }
 }
@@ -22,10 +22,10 @@ void NumberPlaces(IFC::MainContainer& container) {
 std::uint32_t PlaceOf(const IFC::IfcEntity& entity) { return entity.visitStamp - kFirstPlace; }
 
 Deletion::Deletion(IFC::MainContainer& container) {
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     at.entity->liveParents = 0;
   }
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     const bool lives = !IsDeleted(*at.entity);
     at.entity->collectChildren(children_);
     while (!children_.IsEmpty()) {

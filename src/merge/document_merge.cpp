@@ -95,7 +95,7 @@ bool DocumentMerge::PassOverSource() {
   stepSize_ = static_cast<std::uint32_t>(count / kTicksPerPass);
   prefix_ = u"3/3";
   Log(u"Processing " + Decimal(count) + u" Entities");
-  for (auto at = source_.entities.First(); at; at = source_.entities.Next(at.number)) {
+  for (const auto& at : source_.entities) {
     if (at.entity->marker == IFC::kDeleted) continue;
     AddSourceEntity(at.entity);
     if (!Tick()) return false;
@@ -166,7 +166,7 @@ bool DocumentMerge::PassOverDestination() {
   stepSize_ = stepCounter_ = static_cast<std::uint32_t>(count / kTicksPerPass);
   Log(u"Processing mainContainer " + Decimal(count) + u" Entities");
   generation_ = IFC::NextVisitGeneration();
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     if (at.entity->marker != IFC::kDeleted) {
       if (destinationProject_ == nullptr && IsProject(*at.entity)) {
         destinationProject_ = at.entity;

@@ -55,7 +55,7 @@ class Passes {
   using WorkList = std::priority_queue<IFC::IfcEntity*, std::vector<IFC::IfcEntity*>, IsBehind>;
 
   bool FirstPass() {
-    for (auto at = container_.entities.First(); at; at = container_.entities.Next(at.number)) {
+    for (const auto& at : container_.entities) {
       if (!LookAt(*at.entity)) return false;
     }
     return true;

@@ -122,7 +122,7 @@ class ProductMove {
 // Made placements are filed behind all others while the walk goes on; none of them is a product.
 void ProductMove::MoveAll() {
   const NumberTable& entities = document_.mainContainer->entities;
-  for (auto at = entities.First(); at; at = entities.Next(at.number)) {
+  for (const auto& at : entities) {
     if (auto* const product = EntityCast<IFC::VirtualIfcProduct>(at.entity)) Move(*product);
   }
 }

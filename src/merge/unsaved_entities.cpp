@@ -52,7 +52,7 @@ bool HasLostItsParents(const IFC::IfcEntity& entity) {
 
 template <class Visit>
 void ForEachEntity(IFC::MainContainer& container, const Visit& visit) {
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
+  for (const auto& at : container.entities) {
     visit(*at.entity);
   }
 }
@@ -214,7 +214,7 @@ class UnsavedEntities {
     TickCounter ticks(std::max<std::size_t>(container_.entities.Size() / kTicks, 1));
     int step = 0;
     Moment now = kFirstMoment;
-    for (auto at = container_.entities.First(); at; at = container_.entities.Next(at.number)) {
+    for (const auto& at : container_.entities) {
       if (IsUndecided(*at.entity)) Decide(*at.entity, now);
       ++now;
       if (!ticks.Advance() || step >= kLastTick) continue;
