@@ -79,6 +79,11 @@ NumberTable::Entry NumberTable::Leaf::AtOrAfter(std::size_t low) const {
 NumberTable::NumberTable() = default;
 NumberTable::~NumberTable() = default;
 
+IFC::IfcEntity* NumberTable::FindAmongFew(std::uint32_t number) const {
+  const Leaf* const leaf = LeafOf(number);
+  return leaf == nullptr ? nullptr : leaf->FindAmongFew(LowOf(number));
+}
+
 void NumberTable::SetAmongFew(std::uint32_t number, IFC::IfcEntity* entity) {
   const std::size_t branch = number >> (kLeafBits + kBranchBits);
   if (branch >= branches_.size()) branches_.resize(branch + 1);

@@ -34,8 +34,8 @@ class NumberTable {
   // Null when the number is not in use.
   IFC::IfcEntity* Find(std::uint32_t number) const {
     const Leaf* const leaf = LeafOf(number);
-    if (leaf == nullptr) return nullptr;
-    return leaf->IsDense() ? leaf->Slots()[LowOf(number)] : leaf->FindAmongFew(LowOf(number));
+    if (leaf == nullptr || !leaf->IsDense()) return FindAmongFew(number);
+    return leaf->Slots()[LowOf(number)];
   }
   bool Contains(std::uint32_t number) const { return Find(number) != nullptr; }
   // Sets or replaces; `entity` is not null.
@@ -111,6 +111,8 @@ class NumberTable {
     if (branch >= branches_.size() || branches_[branch] == nullptr) return nullptr;
     return &(*branches_[branch])[(number >> kLeafBits) & (kBranchSize - 1)];
   }
+  // The same for a number whose leaf is not dense, or is not there yet.
+  IFC::IfcEntity* FindAmongFew(std::uint32_t number) const;
   void SetAmongFew(std::uint32_t number, IFC::IfcEntity* entity);
 
   std::vector<std::unique_ptr<Branch>> branches_;  // by the number's upper bits, grown on demand
