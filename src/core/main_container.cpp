@@ -121,6 +121,7 @@ void MainContainer::AddEntity(IfcEntity* entity) {
     return;
   }
   entities.Set(entity->marker, entity);
+  NoteChangedReferences();
   SortIntoList(entity);
 }
 
@@ -146,78 +147,146 @@ void MainContainer::NoteProject(IfcEntity* entity) {
                                       : std::to_string(reinterpret_cast<std::uintptr_t>(entity));
 }
 
-void MainContainer::EraseEntity(std::uint32_t marker) { entities.Remove(marker); }
+void MainContainer::EraseEntity(std::uint32_t marker) {
+  entities.Remove(marker);
+  NoteChangedReferences();
+}
 
 void MainContainer::OverwriteMarker(IfcEntity* entity, const IfcEntity* target) {
   if (entity != target) entity->marker = target->marker;
 }
 
 void MainContainer::FillMarkers() {
-  for (const auto& at : entities) {
-    if (at.entity->marker != kDeleted) at.entity->SetMarker(at.number);
+  for (const auto& [number, entity] : entities) {
+    if (entity->marker == kDeleted) continue;
+    if (number != kUnfiled) [[likely]] {
+      entity->marker = number;
+    } else {
+      entity->SetMarker(number);  // refuses
+    }
   }
 }
+
+namespace {
+
+void ResetMarker(IfcEntity& entity, std::uint32_t generation, ChildQueue& queue) {
+  if (entity.visitStamp == generation) return;
+  entity.visitStamp = generation;
+  entity.marker = kUnfiled;
+  entity.collectChildren(queue);
+}
+
+void ResetQueuedMarkers(std::uint32_t generation, ChildQueue& queue) {
+  while (!queue.IsEmpty()) {
+    if (IfcEntity* const entity = queue.TakeBack().entity) ResetMarker(*entity, generation, queue);
+  }
+}
+
+}  // namespace
 
 bool MainContainer::ResetAllMarkers() {
   const std::uint32_t generation = NextVisitGeneration();
   ChildQueue queue;
-  const auto reset = [&queue, generation](IfcEntity* entity) {
-    if (entity == nullptr || entity->visitStamp == generation) return;
-    entity->visitStamp = generation;
-    entity->marker = kUnfiled;
-    entity->collectChildren(queue);
-  };
-  for (const auto& at : entities) {
-    reset(at.entity);
-    while (!queue.IsEmpty()) reset(queue.TakeBack().entity);
+  for (const auto& [number, entity] : entities) {
+    ResetMarker(*entity, generation, queue);
+    ResetQueuedMarkers(generation, queue);
   }
   return true;
 }
 
-// One tick for each hundredth (or whatever `to` - `from` is) of the entities.
-bool MainContainer::EmptyParents(int from, int to, int share, const WideString& text, bool flag) {
-  std::size_t block = entities.Size();
+// Once the filed entities have their stamps, the children without one are the others: values in
+// records, and what has given way to another entity.
+void MainContainer::ResetMarkersAndFillParents() {
+  if (parentsFilled_) {
+    ResetAllMarkers();
+    return;
+  }
+  const std::uint32_t generation = NextVisitGeneration();
+  for (const auto& [number, entity] : entities) {
+    entity->visitStamp = generation;
+    entity->marker = kUnfiled;
+  }
+  ChildQueue children;
+  ChildQueue others;
+  for (const auto& [number, entity] : entities) {
+    entity->collectChildren(children);
+    while (!children.IsEmpty()) {
+      IfcEntity* const child = children.TakeBack().entity;
+      if (child == nullptr) continue;
+      child->parents.Insert(entity, parentStore_);
+      if (child->visitStamp == generation) continue;
+      ResetMarker(*child, generation, others);
+      ResetQueuedMarkers(generation, others);
+    }
+  }
+  parentsFilled_ = true;
+  parentsAreCurrent_ = true;
+}
+
+int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, int to, int share,
+                                    const WideString& text, bool flag) {
+  if (rebuild) {
+    if (!TickOverEntities(from, to, share, text, flag)) return 0;
+    EmptyParents(entities.Size());
+    parentsFilled_ = false;
+  }
+  if (!parentsFilled_) EnterParents();
+  return 1;
+}
+
+int MainContainer::RefreshParentsLists(int from, int to, int share, const WideString& text,
+                                       bool flag) {
+  if (!parentsAreCurrent_) return FillParentsLists(true, 0, from, to, share, text, flag);
+  return TickOverEntities(from, to, share, text, flag) ? 1 : 0;
+}
+
+// One tick for each hundredth (or whatever `to` - `from` is) of the entities. After a cancel the
+// sets of those that had their turn are empty.
+bool MainContainer::TickOverEntities(int from, int to, int share, const WideString& text,
+                                     bool flag) {
+  const std::size_t count = entities.Size();
+  std::size_t block = count;
   if (to > from) block /= static_cast<std::size_t>(to - from);
-  std::size_t count = block;
-  for (const auto& at : entities) {
-    at.entity->parents.Clear(parentStore_);
-    if (block == 0 || --count != 0 || from >= to) continue;
-    count = block;
+  if (block == 0 || progress_ == nullptr) return true;
+  for (std::size_t done = block; done <= count && from < to; done += block) {
     ++from;
-    if (progress_ != nullptr && !progress_(from, share, &text, flag, to) &&
+    if (!progress_(from, share, &text, flag, to) &&
         corvel::AskCancelQuestion(corvel::SharedCancelTexts())) {
+      EmptyParents(done);
       return false;
     }
   }
   return true;
 }
 
-int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, int to, int share,
-                                    const WideString& text, bool flag) {
-  if (rebuild) {
-    if (!EmptyParents(from, to, share, text, flag)) return 0;
-    parentsFilled_ = false;
+void MainContainer::EmptyParents(std::size_t count) {
+  parentsAreCurrent_ = false;
+  for (const auto& [number, entity] : entities) {
+    if (count-- == 0) return;
+    entity->parents.Clear(parentStore_);
   }
-  if (parentsFilled_) return 1;
-  ChildQueue queue;
-  for (const auto& at : entities) {
-    at.entity->collectChildren(queue);
-    while (!queue.IsEmpty()) {
-      IfcEntity* const child = queue.TakeBack().entity;
-      if (child != nullptr) child->parents.Insert(at.entity, parentStore_);
+}
+
+void MainContainer::EnterParents() {
+  ChildQueue children;
+  for (const auto& [number, entity] : entities) {
+    entity->collectChildren(children);
+    while (!children.IsEmpty()) {
+      IfcEntity* const child = children.TakeBack().entity;
+      if (child != nullptr) child->parents.Insert(entity, parentStore_);
     }
   }
   parentsFilled_ = true;
-  return 1;
+  parentsAreCurrent_ = true;
 }
 
 bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
-  entitiesGUIDmap.clear();
-  for (const auto& at : originalEntities) {
-    if (at.entity->marker == kDeleted) continue;
-    auto* const root = corvel::EntityCast<VirtualIfcRoot>(at.entity);
+  entitiesGUIDmap.Clear();
+  for (const auto& [number, entity] : originalEntities) {
+    if (entity->marker == kDeleted) continue;
+    auto* const root = corvel::EntityCast<VirtualIfcRoot>(entity);
     if (root == nullptr) continue;
-    if (*root->getGlobalId() == 0) GiveMissingGuid(at.entity, root);
+    if (*root->getGlobalId() == 0) GiveMissingGuid(entity, root);
     EnterGuid(filePath, root);
   }
   return true;
@@ -234,11 +303,10 @@ void MainContainer::GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root) {
 
 void MainContainer::EnterGuid(const WideString& filePath, VirtualIfcRoot* root) {
   const char* const old = root->getGlobalId();
-  const bool isFirst = entitiesGUIDmap.try_emplace(old, root).second;
-  if (isFirst) return;
+  if (entitiesGUIDmap.Enter(old, root)) return;
   const char* const guid = CreateGUIDForDuplicate(filePath, old, root->marker);
   root->setGlobalId(guid);
-  entitiesGUIDmap[guid] = root;
+  entitiesGUIDmap.Set(guid, root);
   showError_("",
              u"Object with GUID: \"" + Widen(old) +
                  u"\" already exists. Multiple GUIDs are not allowed. New GUID will be created for "

@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "core/entity.h"
+#include "core/guid_table.h"
 #include "core/memory_pool.h"
 #include "core/number_table.h"
 #include "core/parent_store.h"
@@ -65,11 +65,19 @@ class MainContainer {
   void FillMarkers();
   // Gives everything reachable from `entities` the marker 0. Always true.
   bool ResetAllMarkers();
+  // ResetAllMarkers and FillParentsLists without `rebuild`, in one walk over the references.
+  void ResetMarkersAndFillParents();
   // Enters each entity of `entities` into the parents set of all that it refers to. `rebuild`
   // empties the sets first, with ticks from `from` to `to`; without it a second call does nothing.
   // 0 when the user cancelled, else 1. `reserved` is not looked at.
   int FillParentsLists(bool rebuild, int reserved, int from, int to, int share,
                        const corvel::WideString& text, bool flag);
+  // As FillParentsLists with `rebuild`, ticks and result included, but what a rebuild would make
+  // the same is left as it is.
+  int RefreshParentsLists(int from, int to, int share, const corvel::WideString& text, bool flag);
+  // To be called by whoever changes what an entity refers to, or adds to a parents set, once the
+  // parents lists are filled. Filing and erasing need no call.
+  void NoteChangedReferences() { parentsAreCurrent_ = false; }
   // Rebuilds `entitiesGUIDmap` from `originalEntities`, in ascending number. An empty GUID and the
   // second holder of a GUID get a new one; both are logged. Always true.
   bool FillEntitiesGUIDmap(const corvel::WideString& filePath);
@@ -87,7 +95,7 @@ class MainContainer {
 
   corvel::NumberTable entities;          // by marker; every walk is in ascending order
   corvel::NumberTable originalEntities;  // by original number
-  std::unordered_map<std::string_view, VirtualIfcRoot*> entitiesGUIDmap;
+  corvel::GuidTable entitiesGUIDmap;
   // File path + decimal marker + old GUID, to the new GUID.
   std::unordered_map<corvel::WideString, std::string> generatedGUIDs;
   std::unique_ptr<IfcTree> ifcTree;
@@ -116,7 +124,9 @@ class MainContainer {
   bool ChooseMarker(IfcEntity* entity);
   void SortIntoList(IfcEntity* entity);
   void NoteProject(IfcEntity* entity);
-  bool EmptyParents(int from, int to, int share, const corvel::WideString& text, bool flag);
+  bool TickOverEntities(int from, int to, int share, const corvel::WideString& text, bool flag);
+  void EmptyParents(std::size_t count);
+  void EnterParents();
   void GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root);
   void EnterGuid(const corvel::WideString& filePath, VirtualIfcRoot* root);
 
@@ -125,6 +135,7 @@ class MainContainer {
   corvel::MemoryPool memoryPool_;
   corvel::ParentStore parentStore_;
   bool parentsFilled_ = false;
+  bool parentsAreCurrent_ = false;  // a rebuild would change nothing
 };
 
 }  // namespace IFC

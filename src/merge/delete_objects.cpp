@@ -15,8 +15,8 @@ bool IsOpening(const IFC::IfcEntity& entity) { return ClassIs(entity, u"IfcOpeni
 void DeleteAllOpenings(const IFC::MainContainer& container, std::vector<MarkerPair>& deletePairs,
                        std::vector<MarkerPair>& savePairs) {
   const corvel::NumberTable& objects = container.originalEntities;
-  for (const auto& at : objects) {
-    if (IsOpening(*at.entity)) deletePairs.push_back({at.number, at.number});
+  for (const auto& [number, entity] : objects) {
+    if (IsOpening(*entity)) deletePairs.push_back({number, number});
   }
   std::erase_if(savePairs, [&objects](const MarkerPair& pair) {
     const IFC::IfcEntity* const entity = objects.Find(pair.number);
@@ -25,8 +25,8 @@ void DeleteAllOpenings(const IFC::MainContainer& container, std::vector<MarkerPa
 }
 
 bool HasUndecided(const IFC::MainContainer& container) {
-  for (const auto& at : container.entities) {
-    if (IsUndecided(*at.entity)) return true;
+  for (const auto& [number, entity] : container.entities) {
+    if (IsUndecided(*entity)) return true;
   }
   return false;
 }
@@ -55,9 +55,8 @@ class Marking {
   bool Prepare(bool deleteUnrelated) {
     IFC::MainContainer& container = *document_.mainContainer;
     if (!Progress(Share(3), first_).Tick(10, false, 10)) return false;
-    container.ResetAllMarkers();
+    container.ResetMarkersAndFillParents();
     if (!Progress(Share(3), first_).Tick(20, true, 20)) return false;
-    if (container.FillParentsLists(false, 0, 20, 50, Share(4), first_, true) == 0) return false;
     if (deleteUnrelated) document_.DeleteUnrelatedObjects();
     return Progress(Share(5), first_).Tick(65, true, 65);
   }

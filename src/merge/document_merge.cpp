@@ -66,14 +66,14 @@ bool DocumentMerge::Prepare() {
   Log(u"Procesing FillEntitiesGUIDmap");
   if (!source_.FillEntitiesGUIDmap(sourcePath_)) return fail();
   Log(u"Procesing FillParentsLists");
-  source_.FillParentsLists(true, 0, 0, 100, 0, prefix_, false);
+  source_.RefreshParentsLists(0, 100, 0, prefix_, false);
   Log(u"Procesing FillMarkers");
   source_.FillMarkers();
   Log(u"Procesing FillEntitiesGUIDmap");
   if (!container.FillEntitiesGUIDmap(destination_.getFilePath())) return fail();
   prefix_ = u"2/3 ";
   Log(u"Procesing FillParentsLists");
-  if (container.FillParentsLists(true, 0, 0, 100, 2, prefix_, true) == 0) return false;
+  if (container.RefreshParentsLists(0, 100, 2, prefix_, true) == 0) return false;
   Log(u"Procesing FillMarkers");
   container.FillMarkers();
   return true;
@@ -95,9 +95,9 @@ bool DocumentMerge::PassOverSource() {
   stepSize_ = static_cast<std::uint32_t>(count / kTicksPerPass);
   prefix_ = u"3/3";
   Log(u"Processing " + Decimal(count) + u" Entities");
-  for (const auto& at : source_.entities) {
-    if (at.entity->marker == IFC::kDeleted) continue;
-    AddSourceEntity(at.entity);
+  for (const auto& [number, entity] : source_.entities) {
+    if (entity->marker == IFC::kDeleted) continue;
+    AddSourceEntity(entity);
     if (!Tick()) return false;
   }
   return true;
@@ -147,6 +147,7 @@ void DocumentMerge::ResolveCollision(IFC::IfcEntity* entity, IFC::IfcEntity* tar
     return;
   }
   MergeParents(*entity, *target, destination_.mainContainer->Parents());
+  destination_.mainContainer->NoteChangedReferences();
   destination_.mainContainer->OverwriteMarker(entity, target);
   deletedDuplicatedParents_.push_back(entity);
 }
@@ -166,25 +167,33 @@ bool DocumentMerge::PassOverDestination() {
   stepSize_ = stepCounter_ = static_cast<std::uint32_t>(count / kTicksPerPass);
   Log(u"Processing mainContainer " + Decimal(count) + u" Entities");
   generation_ = IFC::NextVisitGeneration();
-  for (const auto& at : container.entities) {
-    if (at.entity->marker != IFC::kDeleted) {
-      if (destinationProject_ == nullptr && IsProject(*at.entity)) {
-        destinationProject_ = at.entity;
-      } else if (IsSpecific(*at.entity)) {
-        NoteSpecific(at.entity, &SpecificPair::destination);
+  std::size_t done = 0;
+  for (const auto& [number, entity] : container.entities) {
+    if (destinationProject_ != nullptr && specificTypes_.empty() && HasNoGuidIndex()) break;
+    if (entity->marker != IFC::kDeleted) {
+      if (destinationProject_ == nullptr && IsProject(*entity)) {
+        destinationProject_ = entity;
+      } else if (IsSpecific(*entity)) {
+        NoteSpecific(entity, &SpecificPair::destination);
       }
-      RedirectChildren(at.entity);
+      RedirectChildren(entity);
     }
+    ++done;
+    if (!Tick()) return false;
+  }
+  for (; done < count; ++done) {  // there is nothing left to be found
     if (!Tick()) return false;
   }
   Log(u"Adding new objects mainContainer 0");
   return true;
 }
 
+bool DocumentMerge::HasNoGuidIndex() const { return destination_.GetParser().guidIndex.empty(); }
+
 // Everything below `entity` whose GUID the index holds for another object becomes a stand-in for
 // that one. What has been walked once would come out the same again.
 void DocumentMerge::RedirectChildren(IFC::IfcEntity* entity) {
-  if (destination_.GetParser().guidIndex.empty()) return;
+  if (HasNoGuidIndex()) return;
   if (entity->visitStamp == generation_) return;
   entity->collectChildren(queue_);
   while (!queue_.IsEmpty()) {
@@ -226,6 +235,7 @@ void DocumentMerge::MergeSpecificObjects(bool nameAndGuid) {
       if (nameAndGuid && GuidOf(*here) != GuidOf(*there)) continue;
       if (!same) continue;
       MergeParents(*pair.source, *pair.destination, container.Parents());
+      container.NoteChangedReferences();
       container.OverwriteMarker(pair.source, pair.destination);
     }
   }

@@ -42,6 +42,7 @@ class DocumentMerge {
   IFC::IfcEntity* Colliding(IFC::IfcEntity* entity) const;
   void ResolveCollision(IFC::IfcEntity* entity, IFC::IfcEntity* target);
   void AddWithNewGuid(IFC::IfcEntity* entity);
+  bool HasNoGuidIndex() const;
   void RedirectChildren(IFC::IfcEntity* entity);
   void RedirectChild(IFC::IfcEntity* child);
   void MergeProjects();

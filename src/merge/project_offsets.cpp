@@ -122,8 +122,8 @@ class ProductMove {
 // Made placements are filed behind all others while the walk goes on; none of them is a product.
 void ProductMove::MoveAll() {
   const NumberTable& entities = document_.mainContainer->entities;
-  for (const auto& at : entities) {
-    if (auto* const product = EntityCast<IFC::VirtualIfcProduct>(at.entity)) Move(*product);
+  for (const auto& [number, entity] : entities) {
+    if (auto* const product = EntityCast<IFC::VirtualIfcProduct>(entity)) Move(*product);
   }
 }
 
@@ -194,6 +194,7 @@ void ApplyProjectOffsets(IfcDocument& document, HostScene& scene) {
   const Vector shift = ShiftOf(center, offset, document);
   document.mainContainer->ResetAllMarkers();
   ProductMove(document, NewRoot(document, shift)).MoveAll();
+  document.mainContainer->NoteChangedReferences();
 }
 
 }  // namespace corvel

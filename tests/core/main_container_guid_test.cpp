@@ -68,7 +68,7 @@ TEST_F(GuidMap, WhatIsNoRootHasNoPlace) {
   point.marker = 3;
   container_.AddEntityByOrginalNumber(&point, 3);
   EXPECT_TRUE(container_.FillEntitiesGUIDmap(u"a.ifc"));
-  EXPECT_TRUE(container_.entitiesGUIDmap.empty());
+  EXPECT_EQ(0u, container_.entitiesGUIDmap.Size());
 }
 
 TEST_F(GuidMap, AnEmptyGuidIsReplacedAndLogged) {

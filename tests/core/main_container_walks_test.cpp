@@ -269,6 +269,89 @@ TEST_F(Walks, WithoutAProgressNothingTicks) {
   EXPECT_TRUE(progress_->empty());
 }
 
+// What a refresh takes for granted is seen where a reference changes and nobody tells of it.
+TEST_F(Walks, ARefreshWorksOnlyAfterAChange) {
+  Point& child = Filed();
+  Point& parent = Filed();
+  const auto refresh = [this] { return container_.RefreshParentsLists(0, 1, 7, u"1/3 ", true); };
+  parent.RefersTo(&child);
+  EXPECT_EQ(1, refresh());
+  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  parent.children.clear();
+  EXPECT_EQ(1, refresh());
+  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  container_.NoteChangedReferences();
+  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Set{}, ParentsOf(child));
+  Point& added = Outside();
+  added.RefersTo(&child);
+  container_.AddEntity(&added);
+  EXPECT_EQ(1, refresh());
+  EXPECT_EQ((Set{&added}), ParentsOf(child));
+  container_.EraseEntity(added.marker);
+  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ((std::vector<int>{1, 1, 1, 1, 1}), TickValues(1));
+}
+
+TEST_F(Walks, ACancelledRefreshEmptiesTheSetsThatHadTheirTurn) {
+  std::vector<Point*> points;
+  for (int i = 0; i < 9; ++i) points.push_back(&Filed());
+  for (Point* const point : points) point->RefersTo(point);
+  EXPECT_EQ(1, FillParents());
+  progress_.Forget();
+  progress_.CancelAt(1);
+  EXPECT_EQ(0, container_.RefreshParentsLists(0, 3, 7, u"1/3 ", true));
+  EXPECT_EQ((std::vector<int>{1, 2}), TickValues(3));
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    EXPECT_EQ(i < 6, points[i]->parents.IsEmpty()) << i;
+  }
+  // The next one does not take them for current.
+  EXPECT_EQ(1, container_.RefreshParentsLists(0, 0, 7, u"1/3 ", true));
+  for (Point* const point : points) EXPECT_EQ((Set{point}), ParentsOf(*point));
+}
+
+TEST_F(Walks, OneWalkResetsAllThatIsReachedAndFillsTheParents) {
+  Point& filed = Filed(10);
+  Point& deleted = Filed(11);
+  Point& outside = Outside();
+  Point& below = Outside();
+  Point& stranger = Outside();
+  filed.RefersTo(&deleted);
+  filed.RefersTo(nullptr);
+  deleted.RefersTo(&outside);
+  outside.RefersTo(&below);
+  below.RefersTo(&outside);
+  deleted.marker = IFC::kDeleted;
+  outside.marker = 5;
+  below.marker = 6;
+  stranger.marker = 7;
+  container_.ResetMarkersAndFillParents();
+  for (const Point* const point : {&filed, &deleted, &outside, &below}) {
+    EXPECT_EQ(0u, point->marker);
+  }
+  EXPECT_EQ(7u, stranger.marker);
+  EXPECT_EQ(Set{}, ParentsOf(filed));
+  EXPECT_EQ((Set{&filed}), ParentsOf(deleted));
+  EXPECT_EQ((Set{&deleted}), ParentsOf(outside));
+  EXPECT_EQ(Set{}, ParentsOf(below));
+  EXPECT_TRUE(progress_->empty());
+}
+
+TEST_F(Walks, OnceFilledTheSameWalkOnlyResets) {
+  Point& child = Filed();
+  Point& parent = Filed();
+  Point& outside = Outside();
+  FillParents(0, 0);
+  parent.RefersTo(&child);
+  parent.RefersTo(&outside);
+  outside.marker = 5;
+  container_.ResetMarkersAndFillParents();
+  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(0u, child.marker);
+  EXPECT_EQ(0u, outside.marker);
+}
+
 TEST_F(Walks, HalfAMillionParentsOfOneEntity) {
   Point& history = Filed();
   for (int i = 0; i < 500000; ++i) Filed().RefersTo(&history);

@@ -329,9 +329,9 @@ TEST_F(Merge, WhatCameFromAnotherFileIsNoOriginalOfTheDestination) {
   Model third("#3=IFCWALL('same',$,$,$,$,$,$,$,$);\n");
   first->MergeDocument(*second, 0, false);
   EXPECT_FALSE(first->mainContainer->HasEntityWithOrginalNumber(2));
-  EXPECT_FALSE(first->mainContainer->entitiesGUIDmap.contains("same"));
+  EXPECT_EQ(nullptr, first->mainContainer->entitiesGUIDmap.Find("same"));
   first->MergeDocument(*third, 0, false);
-  EXPECT_FALSE(first->mainContainer->entitiesGUIDmap.contains("same"));
+  EXPECT_EQ(nullptr, first->mainContainer->entitiesGUIDmap.Find("same"));
   EXPECT_EQ(
       "#1=IFCPROJECT('p1',$,$,$,$,$,$,$,$);\n"
       "#2=IFCWALL('same',$,$,$,$,$,$,$,$);\n"
