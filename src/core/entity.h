@@ -54,8 +54,8 @@ class IfcEntity {
   bool visited = false;
   // Memo of the walk that asks whether a kept object is linked: 0 unknown, 1 yes, 2 no.
   std::uint8_t walkResult = 0;
-  // While a model is marked: how many references of entities that are not deleted lead here.
-  std::uint32_t liveParents = 0;
+  // While a model is marked: so many of the first parents are known to be deleted.
+  std::uint32_t goneParents = 0;
   // All entities that refer directly to this one; filled by MainContainer::FillParentsLists.
   corvel::ParentSet parents;
   // Parents taken over from entities that were merged into this one.

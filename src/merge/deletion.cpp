@@ -1,55 +1,48 @@
+#include <algorithm>
+
 #include "merge/marking.h"
 
 namespace corvel {
 
 namespace {
 
-// Only what is filed is anybody's parent: a value that stands in a record is a part of it.
-bool CountsAsParent(const IFC::IfcEntity& entity) { return !entity.inlineValue; }
-
 // Places are stamps above all that walks stamp with.
 constexpr std::uint32_t kFirstPlace = 0x80000000u;
 
-}  // namespace
+// Of an entity with more parents it is remembered how many are known to be gone.
+constexpr std::size_t kFewParents = 8;
 
-void NumberPlaces(IFC::MainContainer& container) {
-  std::uint32_t stamp = kFirstPlace;
-  for (const auto& at : container.entities) {
-    at.entity->visitStamp = stamp++;
-  }
-}
+}  // namespace
 
 std::uint32_t PlaceOf(const IFC::IfcEntity& entity) { return entity.visitStamp - kFirstPlace; }
 
 Deletion::Deletion(IFC::MainContainer& container) {
-  for (const auto& at : container.entities) {
-    at.entity->liveParents = 0;
+  std::uint32_t place = 0;
+  for (const auto& [number, entity] : container.entities) {
+    entity->visitStamp = kFirstPlace + place;
+    entity->goneParents = 0;
+    if (IsUndecided(*entity)) undecided_.push_back({entity, place});
+    ++place;
   }
-  for (const auto& at : container.entities) {
-    const bool lives = !IsDeleted(*at.entity);
-    at.entity->collectChildren(children_);
-    while (!children_.IsEmpty()) {
-      IFC::IfcEntity* const child = children_.TakeBack().entity;
-      if (child == nullptr) continue;
-      if (child->inlineValue) {
-        child->liveParents = lives ? 1 : 0;  // it stands in this record and nowhere else
-      } else if (lives) {
-        ++child->liveParents;
-      }
-    }
+}
+
+// The parents that are gone stay so, save for an Undo: over all questions each parent of an entity
+// is passed once.
+bool Deletion::IsOrphan(IFC::IfcEntity& entity) {
+  const auto parents = entity.parents.Members();
+  if (parents.size() <= kFewParents) {
+    return std::all_of(parents.begin(), parents.end(),
+                       [](const IFC::IfcEntity* parent) { return IsDeleted(*parent); });
   }
+  std::uint32_t& gone = entity.goneParents;
+  while (gone < parents.size() && IsDeleted(*parents[gone])) ++gone;
+  return gone == parents.size();
 }
 
 void Deletion::Delete(IFC::IfcEntity& entity) {
   if (IsDeleted(entity)) return;
   entity.marker = IFC::kDeleted;
   if (isRecording_) record_.push_back(&entity);
-  if (!CountsAsParent(entity)) return;
-  entity.collectChildren(children_);
-  while (!children_.IsEmpty()) {
-    IFC::IfcEntity* const child = children_.TakeBack().entity;
-    if (child != nullptr) --child->liveParents;
-  }
 }
 
 void Deletion::DeleteWithOrphans(IFC::IfcEntity& entity) {
@@ -85,11 +78,10 @@ void Deletion::Undo() {
   isRecording_ = false;
   for (IFC::IfcEntity* const entity : record_) {
     entity->marker = IFC::kUnfiled;
-    if (!CountsAsParent(*entity)) continue;
     entity->collectChildren(children_);
     while (!children_.IsEmpty()) {
       IFC::IfcEntity* const child = children_.TakeBack().entity;
-      if (child != nullptr) ++child->liveParents;
+      if (child != nullptr) child->goneParents = 0;
     }
   }
   record_.clear();

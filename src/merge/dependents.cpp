@@ -20,7 +20,8 @@ constexpr int kLastTick = 100;
 
 class Dependents {
  public:
-  explicit Dependents(Deletion& deletion) : deletion_(deletion) {}
+  Dependents(IFC::MainContainer& container, Deletion& deletion)
+      : container_(container), deletion_(deletion) {}
 
   void DeleteOf(IFC::IfcEntity& product) {
     if (ClassIs(product, u"IfcSite")) {
@@ -43,6 +44,7 @@ class Dependents {
       deletion_.DeleteWithOrphans(*child);
     }
     site->clearRepresentation();
+    container_.NoteChangedReferences();
   }
 
   // The relations in the order of the file: what one of them leaves may hang on another.
@@ -133,6 +135,7 @@ class Dependents {
   static constexpr std::size_t kFew = 16;
   static constexpr std::uint8_t kTaken = 3;  // once for a set: objects may refer to one another
 
+  IFC::MainContainer& container_;
   Deletion& deletion_;
   std::vector<IFC::IfcEntity*> relations_;
   Relation asked_;
@@ -145,8 +148,7 @@ class Dependents {
 bool MarkDependentsToDelete(IFC::MainContainer& container, Deletion& deletion,
                             const std::vector<MarkerPair>& deletePairs,
                             const MarkingProgress& progress) {
-  NumberPlaces(container);
-  Dependents dependents(deletion);
+  Dependents dependents(container, deletion);
   TickCounter ticks(deletePairs.size() / kFirstTick);
   int step = kFirstTick;
   for (const MarkerPair& pair : deletePairs) {

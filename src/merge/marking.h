@@ -2,6 +2,7 @@
 // fate: 0 not decided, kToSave, or kDeleted.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -19,8 +20,13 @@ inline bool IsDeleted(const IFC::IfcEntity& entity) { return entity.marker == IF
 inline bool IsUndecided(const IFC::IfcEntity& entity) { return entity.marker == IFC::kUnfiled; }
 inline bool IsSaved(const IFC::IfcEntity& entity) { return entity.marker == IFC::kToSave; }
 
+// Compared letter by letter, since most names differ soon.
 inline bool ClassIs(const IFC::IfcEntity& entity, WideView name) {
-  return entity.getClassName() == name;
+  const char16_t* at = entity.getClassName();
+  for (const char16_t letter : name) {
+    if (*at++ != letter) return false;
+  }
+  return *at == 0;
 }
 
 // The progress of one step.
@@ -55,21 +61,57 @@ class TickCounter {
   std::size_t left_;
 };
 
-// Gives the entities of the model their places in the order of the numbers, for walks that need
-// that order and have an entity at hand. Void after anything else that uses the visit stamp.
-void NumberPlaces(IFC::MainContainer& container);
+// The ticks of passes over the places of a model of which few are looked at: a tick is due behind
+// every `block`th place, `tickCount` of them at most in all passes.
+class PassTicks {
+ public:
+  PassTicks(const MarkingProgress& progress, std::size_t block, int tickCount, int maximum)
+      : progress_(progress), counter_(block), tickCount_(tickCount), maximum_(maximum) {}
+
+  void StartPass() { done_ = 0; }
+  // The ticks of the places before `place`, of this pass. False when the user cancelled.
+  bool UpTo(std::size_t place) {
+    while (done_ < place && step_ < tickCount_) {
+      const std::size_t pieces = std::min(place - done_, counter_.Left());
+      done_ += pieces;
+      if (counter_.Advance(pieces) && !progress_.Tick(++step_, false, maximum_)) return false;
+    }
+    done_ = place;
+    return true;
+  }
+
+ private:
+  const MarkingProgress& progress_;
+  TickCounter counter_;
+  int tickCount_;
+  int maximum_;
+  int step_ = 0;
+  std::size_t done_ = 0;  // places of this pass
+};
+
+// The place of an entity of the model in the order of the numbers. Known from the making of a
+// Deletion until anything else uses the visit stamp.
 std::uint32_t PlaceOf(const IFC::IfcEntity& entity);
 
 // Deletes entities one by one and knows at every moment who has a parent left.
 //
-// Holds as long as nothing else deletes or brings back entities of the model, and nothing is added.
+// Holds as long as nothing else brings back entities of the model, and nothing is added.
 class Deletion {
  public:
+  struct Placed {
+    IFC::IfcEntity* entity = nullptr;
+    std::uint32_t place = 0;
+  };
+
   // The parents lists of the model are filled.
   explicit Deletion(IFC::MainContainer& container);
 
+  // Those who were undecided at the start, in the order of the numbers. Nobody becomes undecided
+  // later, so the steps look at these alone.
+  const std::vector<Placed>& Undecided() const { return undecided_; }
+
   // True also for an entity that never had a parent.
-  static bool IsOrphan(const IFC::IfcEntity& entity) { return entity.liveParents == 0; }
+  static bool IsOrphan(IFC::IfcEntity& entity);
 
   // Deletes the entity, saved or not.
   void Delete(IFC::IfcEntity& entity);
@@ -87,6 +129,7 @@ class Deletion {
  private:
   void DeleteQueuedOrphans();
 
+  std::vector<Placed> undecided_;
   IFC::ChildQueue children_;
   IFC::ChildQueue orphans_;
   bool isRecording_ = false;

@@ -38,13 +38,11 @@ struct IsBehind {
 class Passes {
  public:
   Passes(IFC::MainContainer& container, Deletion& deletion, const MarkingProgress& progress)
-      : container_(container),
+      : entityCount_(container.entities.Size()),
         deletion_(deletion),
-        progress_(progress),
-        ticks_(container.entities.Size() / kLastTick * 2) {}
+        ticks_(progress, entityCount_ / kLastTick * 2, kLastTick + 1, kLastTick) {}
 
   bool Run() {
-    NumberPlaces(container_);
     bool goesOn = FirstPass();
     while (goesOn && changed_) goesOn = LaterPass();
     return goesOn;
@@ -55,31 +53,31 @@ class Passes {
   using WorkList = std::priority_queue<IFC::IfcEntity*, std::vector<IFC::IfcEntity*>, IsBehind>;
 
   bool FirstPass() {
-    for (const auto& at : container_.entities) {
-      if (!LookAt(*at.entity)) return false;
+    for (const Deletion::Placed& at : deletion_.Undecided()) {
+      if (!ticks_.UpTo(at.place)) return false;
+      LookAt(*at.entity);
     }
-    return true;
+    return ticks_.UpTo(entityCount_);
   }
 
   bool LaterPass() {
     changed_ = false;
     thisPass_ = std::exchange(nextPass_, {});
-    done_ = 0;
+    ticks_.StartPass();
     while (!thisPass_.empty()) {
       IFC::IfcEntity* const entity = thisPass_.top();
       while (!thisPass_.empty() && thisPass_.top() == entity) thisPass_.pop();
-      if (!TickUpTo(PlaceOf(*entity)) || !LookAt(*entity)) return false;
+      if (!ticks_.UpTo(PlaceOf(*entity))) return false;
+      LookAt(*entity);
     }
-    return TickUpTo(container_.entities.Size());
+    return ticks_.UpTo(entityCount_);
   }
 
-  bool LookAt(IFC::IfcEntity& entity) {
-    if (IsUndecided(entity) && MustGo(entity)) {
-      deletion_.DeleteWithOrphans(entity);
-      changed_ = true;
-      LookAgainAtParentsOf(entity);
-    }
-    return TickUpTo(done_ + 1);
+  void LookAt(IFC::IfcEntity& entity) {
+    if (!IsUndecided(entity) || !MustGo(entity)) return;
+    deletion_.DeleteWithOrphans(entity);
+    changed_ = true;
+    LookAgainAtParentsOf(entity);
   }
 
   bool MustGo(const IFC::IfcEntity& entity) {
@@ -93,23 +91,9 @@ class Passes {
     }
   }
 
-  // The ticks of the entities of this pass up to a place.
-  bool TickUpTo(std::size_t place) {
-    while (done_ < place && step_ <= kLastTick) {
-      const std::size_t pieces = std::min(place - done_, ticks_.Left());
-      done_ += pieces;
-      if (ticks_.Advance(pieces) && !progress_.Tick(++step_, false, kLastTick)) return false;
-    }
-    done_ = place;
-    return true;
-  }
-
-  IFC::MainContainer& container_;
+  std::size_t entityCount_;
   Deletion& deletion_;
-  const MarkingProgress& progress_;
-  TickCounter ticks_;
-  int step_ = 0;
-  std::size_t done_ = 0;  // entities of this pass
+  PassTicks ticks_;
   bool changed_ = false;
   WorkList thisPass_;
   WorkList nextPass_;

@@ -46,22 +46,14 @@ bool IsLinkedByItsChildren(const IFC::IfcEntity& entity) {
          ClassIs(entity, u"IfcConnectionSurfaceGeometry");
 }
 
-bool HasLostItsParents(const IFC::IfcEntity& entity) {
-  return Deletion::IsOrphan(entity) && !entity.parents.IsEmpty() && IsLinkedByItsChildren(entity);
-}
-
-template <class Visit>
-void ForEachEntity(IFC::MainContainer& container, const Visit& visit) {
-  for (const auto& at : container.entities) {
-    visit(*at.entity);
-  }
+bool HasLostItsParents(IFC::IfcEntity& entity) {
+  return !entity.parents.IsEmpty() && Deletion::IsOrphan(entity) && IsLinkedByItsChildren(entity);
 }
 
 // Until when each undecided entity is linked.
 class Links {
  public:
-  Links(IFC::MainContainer& container, Deletion& deletion)
-      : container_(container), deletion_(deletion) {}
+  explicit Links(Deletion& deletion) : deletion_(deletion) {}
 
   void Find() {
     ScheduleRemovals();
@@ -77,28 +69,25 @@ class Links {
   // The moment of an entity is when it will be removed, kNever for most.
   void ScheduleRemovals() {
     deletion_.StartRecord();
-    Moment now = kFirstMoment;
     std::size_t recorded = 0;
-    ForEachEntity(container_, [&](IFC::IfcEntity& entity) {
-      if (IsUndecided(entity) && HasLostItsParents(entity)) {
-        deletion_.DeleteWithOrphans(entity);
-        for (; recorded < deletion_.Record().size(); ++recorded) {
-          deletion_.Record()[recorded]->walkResult = kToBeRemoved;
-          deletion_.Record()[recorded]->visitStamp = now;
-        }
+    for (const auto [entity, place] : deletion_.Undecided()) {
+      if (!IsUndecided(*entity) || !HasLostItsParents(*entity)) continue;
+      deletion_.DeleteWithOrphans(*entity);
+      for (; recorded < deletion_.Record().size(); ++recorded) {
+        deletion_.Record()[recorded]->walkResult = kToBeRemoved;
+        deletion_.Record()[recorded]->visitStamp = kFirstMoment + place;
       }
-      ++now;
-    });
+    }
     removed_ = deletion_.Record();
     deletion_.Undo();
   }
 
   void FindNeighboursOfSaved() {
-    ForEachEntity(container_, [this](IFC::IfcEntity& entity) {
-      if (!IsUndecided(entity)) return;
-      Prepare(entity);
-      if (IsNextToSaved(entity)) Reach(entity, kNever);
-    });
+    for (const Deletion::Placed& at : deletion_.Undecided()) {
+      if (!IsUndecided(*at.entity)) continue;
+      Prepare(*at.entity);
+      if (IsNextToSaved(*at.entity)) Reach(*at.entity, kNever);
+    }
     for (IFC::IfcEntity* const value : values_) {
       if (IsNextToSaved(*value)) Reach(*value, kNever);
     }
@@ -193,7 +182,6 @@ class Links {
     }
   }
 
-  IFC::MainContainer& container_;
   Deletion& deletion_;
   std::vector<IFC::IfcEntity*> removed_;
   std::vector<IFC::IfcEntity*> values_;  // with references
@@ -206,21 +194,16 @@ class Links {
 
 class UnsavedEntities {
  public:
-  UnsavedEntities(IFC::MainContainer& container, Deletion& deletion)
-      : container_(container), deletion_(deletion) {}
+  explicit UnsavedEntities(Deletion& deletion) : deletion_(deletion) {}
 
-  bool Remove(const MarkingProgress& progress) {
-    Links(container_, deletion_).Find();
-    TickCounter ticks(std::max<std::size_t>(container_.entities.Size() / kTicks, 1));
-    int step = 0;
-    Moment now = kFirstMoment;
-    for (const auto& at : container_.entities) {
-      if (IsUndecided(*at.entity)) Decide(*at.entity, now);
-      ++now;
-      if (!ticks.Advance() || step >= kLastTick) continue;
-      if (!progress.Tick(++step, false, kLastTick)) return false;
+  bool Remove(std::size_t entityCount, const MarkingProgress& progress) {
+    Links(deletion_).Find();
+    PassTicks ticks(progress, std::max<std::size_t>(entityCount / kTicks, 1), kLastTick, kLastTick);
+    for (const auto [entity, place] : deletion_.Undecided()) {
+      if (!ticks.UpTo(place)) return false;
+      if (IsUndecided(*entity)) Decide(*entity, kFirstMoment + place);
     }
-    return true;
+    return ticks.UpTo(entityCount);
   }
 
  private:
@@ -244,7 +227,6 @@ class UnsavedEntities {
     }
   }
 
-  IFC::MainContainer& container_;
   Deletion& deletion_;
   IFC::ChildQueue queue_;
 };
@@ -253,7 +235,7 @@ class UnsavedEntities {
 
 bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion,
                            const MarkingProgress& progress) {
-  return UnsavedEntities(container, deletion).Remove(progress);
+  return UnsavedEntities(deletion).Remove(container.entities.Size(), progress);
 }
 
 }  // namespace corvel
