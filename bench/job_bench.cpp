@@ -1,28 +1,30 @@
 // One stage of the whole job on real files, as one process: prints processor time per stage and the
-// peak memory. bench/run.sh runs it and makes the table.
+// peak memory, in the form of stage.h. bench/run.sh runs it and makes the table.
 //
 //   corvel_job_bench read FILE
 //   corvel_job_bench resave FILE OUT
 //   corvel_job_bench merge OUT FILE FILE...
-//
-// Each line of output: stage, seconds of processor time, input bytes, peak resident bytes so far.
-#include <sys/resource.h>
-
+//   corvel_job_bench mark FILE           half of the products are dropped
+//   corvel_job_bench registry            all releases get ready to make objects
+#include <array>
 #include <cstdio>
-#include <cstring>
-#include <ctime>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "core/document.h"
+#include "half_of_products.h"
 #include "merge/merge_documents.h"
+#include "stage.h"
+#include "step/factories.h"
 #include "step/log/utilities.h"
 
 namespace {
 
 using corvel::IfcDocument;
+using corvel::bench::Stage;
 
 int Report(const char* key, const corvel::WideString& message, int mode) {
   if (mode != corvel::kReportLog) {
@@ -32,36 +34,6 @@ int Report(const char* key, const corvel::WideString& message, int mode) {
 }
 
 bool GoOn(int, int, const corvel::WideString*, bool, int) { return true; }
-
-double ProcessorSeconds() {
-  std::timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-long PeakKiB() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
-
-// Prints what the stage cost when it ends.
-class Stage {
- public:
-  Stage(const char* name, std::uintmax_t bytes)
-      : name_(name), bytes_(bytes), start_(ProcessorSeconds()) {}
-  ~Stage() {
-    std::printf("%s\t%.3f\t%ju\t%ld\n", name_, ProcessorSeconds() - start_, bytes_,
-                PeakKiB() * 1024);
-  }
-  Stage(const Stage&) = delete;
-  Stage& operator=(const Stage&) = delete;
-
- private:
-  const char* name_;
-  std::uintmax_t bytes_;
-  double start_;
-};
 
 std::unique_ptr<IfcDocument> Read(const std::string& path) {
   auto document = std::make_unique<IfcDocument>(true, Report, GoOn);
@@ -117,6 +89,34 @@ int RunMerge(const std::vector<std::string>& arguments) {
   return 0;
 }
 
+int RunMark(const std::string& path) {
+  const std::uintmax_t bytes = std::filesystem::file_size(path);
+  std::unique_ptr<IfcDocument> document;
+  {
+    const Stage stage("read", bytes);
+    document = Read(path);
+  }
+  corvel::bench::HalfOfProducts choice = corvel::bench::DropHalfOfProducts(*document);
+  if (choice.deleted.empty()) {
+    std::fprintf(stderr, "no products in %s\n", path.c_str());
+    return 1;
+  }
+  const Stage stage("mark", bytes);
+  return document->DeleteObjects(choice.deleted, choice.saved, false, false, 1) ? 0 : 1;
+}
+
+// A class that every release has, so that each table is there and has been looked into.
+int RunRegistry() {
+  using enum corvel::SchemaNamespace;
+  constexpr std::array kReleases = {IFC2X_FINAL, IFC2X2_PLATFORM, IFC2X2_FINAL, IFC2X3, IFC4,
+                                    IFC4X1,      IFC4X2,          IFC4X3_ADD2,  IFC4X4};
+  const Stage stage("registry", 1);
+  for (const corvel::SchemaNamespace release : kReleases) {
+    if (corvel::FactoriesOf(release).Find("IFCPROJECT") == nullptr) return 1;
+  }
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -126,6 +126,10 @@ int main(int argc, char** argv) {
   if (arguments.size() >= 2 && (arguments[0] == "read" || arguments[0] == "resave")) {
     return RunReadOrResave(arguments);
   }
-  std::fprintf(stderr, "usage: corvel_job_bench read FILE | resave FILE OUT | merge OUT FILE...\n");
+  if (arguments.size() == 2 && arguments[0] == "mark") return RunMark(arguments[1]);
+  if (arguments.size() == 1 && arguments[0] == "registry") return RunRegistry();
+  std::fprintf(stderr,
+               "usage: corvel_job_bench read FILE | resave FILE OUT | merge OUT FILE... | "
+               "mark FILE | registry\n");
   return 2;
 }

@@ -9,17 +9,13 @@
 #include <vector>
 
 #include "core/document.h"
-#include "support/quiet_reading.h"
-#include "support/step_text.h"
-#include "support/temporary_folder.h"
+#include "models_in_memory.h"
 
 namespace {
 
 using corvel::IfcDocument;
 using corvel::MarkerPair;
-
-int Ignore(const char*, const corvel::WideString&, int) { return 0; }
-bool GoOn(int, int, const corvel::WideString*, bool, int) { return true; }
+using corvel::bench::ModelFile;
 
 // Products come in groups that share a storey, a material and a property set; each has a placement,
 // a shape and properties of its own. Gives the numbers of their records.
@@ -102,26 +98,9 @@ class Text {
   std::string text_;
 };
 
-class File {
- public:
-  explicit File(const Layout& layout)
-      : path_(folder_.Write("model.ifc", corvel::test::ModelFile(Text(layout).Records()))) {}
-
-  std::unique_ptr<IfcDocument> Read() const {
-    auto document = std::make_unique<IfcDocument>(true, Ignore, GoOn);
-    if (document->OpenFile(path_, 1) == 0) return nullptr;
-    return document;
-  }
-
- private:
-  corvel::test::QuietReading quiet_;
-  corvel::test::TemporaryFolder folder_;
-  corvel::WideString path_;
-};
-
 void Read(benchmark::State& state) {
   const Layout layout{static_cast<std::uint32_t>(state.range(0))};
-  const File file(layout);
+  const ModelFile file(Text(layout).Records());
   for (auto _ : state) benchmark::DoNotOptimize(file.Read());
   state.SetItemsProcessed(state.iterations() * state.range(0));
   state.SetComplexityN(state.range(0));
@@ -129,7 +108,7 @@ void Read(benchmark::State& state) {
 
 // The first product of every `each` is kept.
 void Mark(benchmark::State& state, const Layout& layout, std::uint32_t each) {
-  const File file(layout);
+  const ModelFile file(Text(layout).Records());
   for (auto _ : state) {
     state.PauseTiming();
     std::unique_ptr<IfcDocument> document = file.Read();

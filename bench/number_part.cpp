@@ -29,7 +29,7 @@ void FormatReals(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * static_cast<long>(values.size()));
 }
-BENCHMARK(FormatReals);
+BENCHMARK(FormatReals)->Name("Numbers/format reals");
 
 void ParseReals(benchmark::State& state) {
   std::vector<std::string> texts;
@@ -42,6 +42,6 @@ void ParseReals(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * static_cast<long>(texts.size()));
 }
-BENCHMARK(ParseReals);
+BENCHMARK(ParseReals)->Name("Numbers/parse reals");
 
 }  // namespace
