@@ -3,6 +3,7 @@
 
     make_models.py samples --out DIR
     make_models.py big --schema IFC4 --size 100MB --out FILE [--seed N]
+    make_models.py enlarge --model FILE --size 100MB --out FILE
 
 The same arguments give the same bytes, on every system.
 """
@@ -10,7 +11,7 @@ The same arguments give the same bytes, on every system.
 import argparse
 import sys
 
-from models import big, samples
+from models import big, enlarge, samples
 from models.layouts import RELEASES
 
 
@@ -33,6 +34,10 @@ def _parser():
                        help='bytes, or with KB, MB, GB (powers of ten); met within 5 percent')
     large.add_argument('--out', required=True, metavar='FILE')
     large.add_argument('--seed', type=int, default=1, help='another seed, another model')
+    copies = commands.add_parser('enlarge', help='make one model of copies of another')
+    copies.add_argument('--model', required=True, metavar='FILE')
+    copies.add_argument('--size', required=True, type=_size, help='as above, met by whole copies')
+    copies.add_argument('--out', required=True, metavar='FILE')
     return parser
 
 
@@ -43,8 +48,11 @@ def main(arguments):
         samples.write_all(options.out)
         return 0
     try:
-        written = big.write_big(options.schema, options.size, options.out, options.seed)
-    except (OSError, big.TooSmall) as error:
+        if options.command == 'enlarge':
+            written = enlarge.enlarge(options.model, options.size, options.out)
+        else:
+            written = big.write_big(options.schema, options.size, options.out, options.seed)
+    except (OSError, big.TooSmall, enlarge.NotEnlargeable) as error:
         parser.error(str(error))
     print('%s: %d bytes' % (options.out, written))
     return 0

@@ -12,6 +12,9 @@ from .templates import Filler, Template, VariedGeometry, VariedModel
 
 _STOREYS = 8
 _ELEMENTS = 48
+# Share of the elements that are written as some exporters do: what refers before what is referred
+# to. A tenth of all records then has a reference forward; of real models up to a third have.
+_WHOLE_FIRST = 0.15
 _UNITS = {'KB': 10 ** 3, 'MB': 10 ** 6, 'GB': 10 ** 9}
 
 # What an element adds to the relations of its storey, and a building to that of the site.
@@ -66,8 +69,11 @@ class _Stock:
         self.storey = self._spatial('IfcBuildingStorey', _Reference('{building_placement}'),
                                     'Etage {tag}')
         around = (_Reference('{storey}'), _Reference('{storey_placement}'))
-        self._elements = [Template(self.model, *prototypes.build(name, *around))
-                          for name in prototypes.kinds]
+        self._elements, self._reversed = [], []
+        for name in prototypes.kinds:
+            records, elements, links = prototypes.build(name, *around)
+            self._elements.append(Template(self.model, records, elements, links))
+            self._reversed.append(Template(self.model, records[::-1], elements, links))
         self.model.varied = False
         self.filler.base = 100000  # so that the numbers have their usual length
         self._usual_sizes = [len(template.fill(self.filler)) for template in self._elements]
@@ -95,7 +101,8 @@ class _Stock:
             index = self._draw()
             if self._usual_sizes[index] > room:
                 index = self._usual_sizes.index(min(self._usual_sizes))
-            chosen.append(self._elements[index])
+            whole_first = self.filler.random.random() < _WHOLE_FIRST
+            chosen.append((self._reversed if whole_first else self._elements)[index])
             room -= self._usual_sizes[index] + _ELEMENT_MARGIN
         return chosen
 
