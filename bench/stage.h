@@ -2,12 +2,12 @@
 // of processor time, input bytes, peak resident bytes so far, resident bytes now.
 #pragma once
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <fstream>
+#include <string>
+#include <string_view>
 
 namespace corvel::bench {
 
@@ -17,21 +17,19 @@ inline double ProcessorSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-inline long PeakBytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss * 1024;
+// The bytes that a line of /proc/self/status tells, such as "VmRSS:"; 0 where the system does not.
+// (What getrusage tells of the peak may be that of the program which started this one.)
+inline long StatusBytes(std::string_view key) {
+  std::ifstream status("/proc/self/status");
+  long kilobytes = 0;
+  for (std::string word; status >> word;) {
+    if (word == key) status >> kilobytes;
+  }
+  return kilobytes * 1024;
 }
 
-// 0 where the system does not tell.
-inline long ResidentBytes() {
-  std::FILE* const file = std::fopen("/proc/self/statm", "r");
-  if (file == nullptr) return 0;
-  long pages = 0;
-  const bool found = std::fscanf(file, "%*d %ld", &pages) == 1;
-  std::fclose(file);
-  return found ? pages * sysconf(_SC_PAGESIZE) : 0;
-}
+inline long PeakBytes() { return StatusBytes("VmHWM:"); }
+inline long ResidentBytes() { return StatusBytes("VmRSS:"); }
 
 // Prints the line when it ends.
 class Stage {

@@ -37,6 +37,8 @@ def _parser():
     copies = commands.add_parser('enlarge', help='make one model of copies of another')
     copies.add_argument('--model', required=True, metavar='FILE')
     copies.add_argument('--size', required=True, type=_size, help='as above, met by whole copies')
+    copies.add_argument('--first', type=int, default=0, metavar='N',
+                        help='another number, other GUIDs: how many copies stand in other models')
     copies.add_argument('--out', required=True, metavar='FILE')
     return parser
 
@@ -49,7 +51,8 @@ def main(arguments):
         return 0
     try:
         if options.command == 'enlarge':
-            written = enlarge.enlarge(options.model, options.size, options.out)
+            written = enlarge.enlarge(options.model, options.size, options.out,
+                                      options.first)
         else:
             written = big.write_big(options.schema, options.size, options.out, options.seed)
     except (OSError, big.TooSmall, enlarge.NotEnlargeable) as error:

@@ -232,10 +232,10 @@ class BigModels(unittest.TestCase, WellFormed):
 
 
 class EnlargedModels(unittest.TestCase, WellFormed):
-    def make(self, name, size, folder):
+    def make(self, name, size, folder, first=0):
         path = os.path.join(folder, 'large.ifc')
         result = run_tool('enlarge', '--model', os.path.join(_SAMPLES, name), '--size', str(size),
-                          '--out', path)
+                          '--first', str(first), '--out', path)
         self.assertEqual(0, result.returncode, result.stderr)
         with open(path, 'rb') as file:
             return File(file.read())
@@ -253,6 +253,11 @@ class EnlargedModels(unittest.TestCase, WellFormed):
             self.assertEqual(file.records[:len(one.records)], one.records)
             self.assertGreaterEqual(len(file.data), 3 * len(one.data))
             self.assertLess(len(file.data), 5 * len(one.data))
+
+    def test_models_of_different_copies_share_no_guid(self):
+        with tempfile.TemporaryDirectory() as folder:
+            files = [self.make('house_IFC4.ifc', 250000, folder, first) for first in (0, 100)]
+        self.assertFalse(set(files[0].guids) & set(files[1].guids))
 
     def test_a_file_without_records_is_refused(self):
         result = run_tool('enlarge', '--model', _TOOL, '--size', '1MB', '--out', os.devnull)

@@ -32,47 +32,55 @@ def _later_guid(guid, copy):
     return guid[:9] + moved + guid[13:]
 
 
-class _Copies:
-    """The records cut where numbers and GUIDs stand."""
+class _Cut:
+    """Records cut where numbers and GUIDs stand."""
 
     def __init__(self, records):
+        self._literals, self.varied, last = [], [], 0
+        for match in _PIECES.finditer(records):
+            text, number = match.group(1, 2)
+            if number or (text and _GUID.match(text)):
+                self._literals.append(records[last:match.start()])
+                self.varied.append(int(number) if number else text)
+                last = match.end()
+        self._literals.append(records[last:])
+
+    def filled(self, values):
+        pieces = [b''] * (2 * len(self._literals) - 1)
+        pieces[::2] = self._literals
+        pieces[1::2] = values
+        return b''.join(pieces)
+
+
+class _Copies:
+    """All records for the first copy, all but the project for those that follow."""
+
+    def __init__(self, records, first):
         project = _PROJECT.search(records)
         if not project:
             raise NotEnlargeable('there is no IFCPROJECT')
         self._project = int(project.group(1))
-        self._literals, self._varied = [], []
-        self._first = records  # the only copy with a project
-        rest, last = records[:project.start()] + records[project.end():], 0
-        for match in _PIECES.finditer(rest):
-            text, number = match.group(1, 2)
-            if number or (text and _GUID.match(text)):
-                self._literals.append(rest[last:match.start()])
-                self._varied.append(int(number) if number else text)
-                last = match.end()
-        self._literals.append(rest[last:])
-        self.step = max(value for value in self._varied if isinstance(value, int))
+        self._whole = _Cut(records)
+        self._rest = _Cut(records[:project.start()] + records[project.end():])
+        self._first = first
+        self.step = max(value for value in self._whole.varied if isinstance(value, int))
 
     def text(self, copy):
-        """Copy 0 is the model itself."""
-        if copy == 0:
-            return self._first
-        offset = copy * self.step
-        pieces = [b''] * (2 * len(self._literals) - 1)
-        pieces[::2] = self._literals
-        pieces[1::2] = [self._moved(value, copy, offset) for value in self._varied]
-        return b''.join(pieces)
+        cut = self._rest if copy else self._whole
+        return cut.filled([self._moved(value, copy) for value in cut.varied])
 
-    def _moved(self, value, copy, offset):
+    def _moved(self, value, copy):
         if isinstance(value, bytes):
-            return _later_guid(value, copy)
-        return b'#%d' % (value if value == self._project else value + offset)
+            return _later_guid(value, copy + self._first)
+        return b'#%d' % (value if value == self._project else value + copy * self.step)
 
 
-def enlarge(source, size, path):
-    """Makes a model of at least `size` bytes of whole copies at `path`; gives its exact size."""
+def enlarge(source, size, path, first=0):
+    """Makes a model of at least `size` bytes of whole copies at `path`; gives its exact size.
+    `first` is how many copies of other models stand before: their GUIDs do not come again."""
     with open(source, 'rb') as file:
         head, records, tail = _parts(file.read())
-    copies = _Copies(records)
+    copies = _Copies(records, first)
     written, copy = 0, 0
     with open(path, 'wb', buffering=1 << 20) as stream:
         written += stream.write(head)
