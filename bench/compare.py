@@ -28,26 +28,32 @@ def jobs(build, first, second, out):
     }
 
 
-def run_all(build, models, out):
-    """`job stage` -> seconds. Jobs that the build does not know are left out."""
-    seconds = {}
+def known_jobs(build, models, out):
+    """The jobs that the build can do; what it cannot is told."""
+    known = set()
     for job, run in jobs(build, *models, out).items():
         try:
-            costs = run()
+            run()
+            known.add(job)
         except Failed as error:
-            print(f'left out: {error}', file=sys.stderr)
-            continue
-        for stage, cost in costs.items():
-            seconds[f'{job} {stage}'] = cost.seconds
-    return seconds
+            print(f'left out: {job}: {error}', file=sys.stderr)
+    return known
+
+
+def run_all(build, names, models, out):
+    """`job stage` -> seconds."""
+    return {f'{job} {stage}': cost.seconds
+            for job, run in jobs(build, *models, out).items() if job in names
+            for stage, cost in run().items()}
 
 
 def pairs_of(builds, models, out):
     """Row -> list of (old, new) seconds. Which of the two begins alternates."""
+    names = known_jobs(builds[0], models, out) & known_jobs(builds[1], models, out)
     rows = {}
     for index in range(PAIRS):
         order = (0, 1) if index % 2 == 0 else (1, 0)
-        found = {which: run_all(builds[which], models, out) for which in order}
+        found = {which: run_all(builds[which], names, models, out) for which in order}
         for row in found[0].keys() & found[1].keys():
             rows.setdefault(row, []).append((found[0][row], found[1][row]))
     return rows

@@ -23,10 +23,10 @@ build() {
     cd "$1"
     export CCACHE_BASEDIR=$PWD
     cmake --preset release >/dev/null
-    cmake --build --preset release --target corvel corvel_job_bench
+    cmake --build --preset release --target corvel corvel_job_bench >&2
   )
 }
 build "$tree"
 build .
-bench/models.sh "$models" "${sizes[@]}"
+bench/models.sh pairs "$models" "${sizes[@]}"
 exec python3 -B bench/compare.py "$tree/build/release" build/release "$models" "${sizes[@]}"

@@ -24,11 +24,16 @@ class Failed(Exception):
     """A program did not do what it was asked for."""
 
 
+def shown(arguments):
+    """A command as it is typed."""
+    return ' '.join(map(str, arguments))
+
+
 def stages(arguments):
     """Stage name -> Cost of one run of a benchmark."""
     done = subprocess.run(list(map(str, arguments)), capture_output=True, text=True, check=False)
     if done.returncode != 0:
-        raise Failed(f'{arguments}: {done.returncode}: {done.stderr.strip()}')
+        raise Failed(f'{shown(arguments)}: {done.returncode}: {done.stderr.strip()}')
     result = {}
     for line in done.stdout.splitlines():
         name, seconds, _, peak, *resident = line.split('\t')
@@ -45,7 +50,7 @@ def process(arguments, statuses=DONE):
         _, status, usage = os.wait4(child.pid, 0)
         child.returncode = os.waitstatus_to_exitcode(status)
     if child.returncode not in statuses:
-        raise Failed(f'{arguments}: {child.returncode}')
+        raise Failed(f'{shown(arguments)}: {child.returncode}')
     return Cost(usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024, 0,
                 time.perf_counter() - start)
 

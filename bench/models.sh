@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Makes the models of the benchmarks where they are missing or of another make: two of each release
-# and size, four of the largest, and the largest real models enlarged where they are at hand.
-#   bench/models.sh FOLDER SIZE...
+# and size. With `all` two more of the largest, and the largest real models enlarged where they are
+# at hand.
+#   bench/models.sh pairs|all FOLDER SIZE...
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-folder=$1
-sizes=("${@:2}")
+kind=$1
+folder=$2
+sizes=("${@:3}")
 largest=${sizes[-1]}
 samples=${CORVEL_REAL_MODELS:-../shared/samples}  # models of other makers, not in this repository
 mkdir -p "$folder"
@@ -35,6 +37,8 @@ for size in "${sizes[@]}"; do
     big "$schema" "$size" 2
   done
 done
+[ "$kind" = all ] || exit 0
+
 big IFC4 "$largest" 3
 big IFC4 "$largest" 4
 

@@ -13,7 +13,7 @@ tools/setup.sh
 cmake --preset release >/dev/null
 cmake --build --preset release --target corvel_benchmarks corvel
 models=build/bench_models
-bench/models.sh "$models" "${sizes[@]}"
+bench/models.sh all "$models" "${sizes[@]}"
 
 python3 -B bench/table.py build/release "$models" "${sizes[@]}"
 echo
