@@ -21,9 +21,9 @@ bool GoOn(int value, int stageWeight, const WideString* extraText, bool exactMod
 // Takes any `number`; the first character tells models apart.
 std::string Guid(char model, std::uint32_t number);
 
-// Records of a project with `elements` walls in one storey, in the shares of real exports: 46
-// records for each wall, of which 32 are its faces, loops, bounds and points, and 8 its property
-// sets with their relations. `model` goes into the GUIDs.
+// Records of a project with `elements` walls in one storey, in the shares of real exports: 40
+// records for each wall, of which 26 are points, loops, bounds and faces, and 6 its property set
+// with what belongs to it. `model` goes into the GUIDs.
 std::string ExportRecords(std::uint32_t elements, char model = '0');
 
 // A file with the given records.

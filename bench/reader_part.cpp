@@ -65,7 +65,7 @@ const Kind kKinds[] = {
     {"new text", [](unsigned i) { return "'Reference " + Number(i) + "'"; },
      ReadScalar<corvel::ReadString>},
     {"text with escapes",
-     [](unsigned i) { return "'D\\X2\\00E4\\X0\\mmung " + Number(i % 50) + "'"; },
+     [](unsigned i) { return R"('D\X2\00E4\X0\mmung )" + Number(i % 50) + "'"; },
      ReadScalar<corvel::ReadString>},
     {"GUID", [](unsigned i) { return "'" + corvel::bench::Guid('0', i) + "'"; },
      ReadScalar<corvel::ReadGuid>},

@@ -90,6 +90,7 @@ void AdmitReferences(benchmark::State& state) {
   corvel::MemoryPool pool(kPoolBlock);
   const auto& factories = corvel::FactoriesOf(corvel::SchemaNamespace::IFC4);
   std::vector<IFC::IfcEntity*> entities;
+  entities.reserve(1024);
   for (int i = 0; i < 1024; ++i) {
     entities.push_back(factories.Find(i % 8 == 0 ? "IFCDOOR" : "IFCWALL")(pool));
   }
