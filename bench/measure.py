@@ -1,5 +1,6 @@
 """Runs programs and gives their cost: stages as bench/stage.h prints them, or whole processes."""
 import os
+import shutil
 import statistics
 import subprocess
 import sys
@@ -72,7 +73,11 @@ def medians(jobs, runs=RUNS):
 
 
 def web_ifc_folder(build):
-    """The folder with the reader of another maker, as its tests install it; None without npm."""
+    """The folder with the reader of another maker, as its tests install it. None, with a notice,
+    where it cannot be had."""
+    if not shutil.which('node'):
+        print('skipped: there is no node for web-ifc', file=sys.stderr)
+        return None
     os.environ['CORVEL_BUILD'] = str(build)
     sys.path.insert(0, str(ROOT / 'tests' / 'models'))
     import web_ifc_test  # pylint: disable=import-outside-toplevel
