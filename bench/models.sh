@@ -21,7 +21,8 @@ fi
 # make FILE ARGUMENTS...: under another name until it is complete.
 make() {
   [ -f "$1" ] && return
-  python3 -B tools/make_models.py "${@:2}" --out "$1.part"
+  echo "making $1" >&2
+  python3 -B tools/make_models.py "${@:2}" --out "$1.part" >/dev/null
   mv "$1.part" "$1"
 }
 
