@@ -54,6 +54,7 @@ int RunReadOrResave(const std::vector<std::string>& arguments) {
   const std::string& path = arguments[1];
   const std::uintmax_t bytes = std::filesystem::file_size(path);
   std::unique_ptr<IfcDocument> document;
+  { const Stage nothing("start", bytes); }  // tells what is resident without a model
   {
     const Stage stage("read", bytes);
     document = Read(path);

@@ -105,7 +105,8 @@ class Rows:
         resave = model.rate('resave read', 'resave write')
         merge = model.rate('program merge', size=model.both)
         peak, merge_peak = model.peak('read read'), model.peak('program merge', model.both)
-        kept = model.costs['read release'].resident / model.bytes
+        kept = (model.costs['read release'].resident
+                - model.costs['read start'].resident) / model.bytes
         self._row('read', read, self._plain_read, peak, kept, counts * (
             verdict(read, READ_RATE, 'MB/s'), verdict(peak, READ_PEAK, 'peak/B', True),
             verdict(kept, KEPT, 'kept/B', True)))
