@@ -73,6 +73,9 @@ Platform& System();
 // gives what stood there. The caller keeps ownership.
 Platform* Replace(Platform* replacement);
 
+// Gives memory that has been freed back to the system where the C library would keep it.
+void ReturnFreeMemory();
+
 // What a yes/no box on the terminal answers unasked: kYes/kNo; nothing: ask on a terminal, and take
 // Yes without one. Boxes in windows don't look at it.
 void SetAnswerPolicy(std::optional<Answer> policy);

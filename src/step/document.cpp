@@ -1,5 +1,6 @@
 #include "core/document.h"
 
+#include "platform/platform.h"
 #include "step/reader/parser.h"
 #include "step/reader/schema_identifier.h"
 #include "step/writer/step_writer.h"
@@ -12,11 +13,13 @@ IfcDocument::IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, Progres
       progress_(progress),
       parser_(std::make_unique<Parser>(ignoreEnumErrors, showError, progress)) {}
 
-// Absorbed containers hold objects that this document's own container refers to.
+// Absorbed containers hold objects that this document's own container refers to. A viewer lives on
+// after a run, and has better use for the memory of its models.
 IfcDocument::~IfcDocument() {
   parser_.reset();
   mainContainer.reset();
   absorbedContainers.clear();
+  platform::ReturnFreeMemory();
 }
 
 void IfcDocument::ReservePaths(std::vector<WideString> paths) {

@@ -10,8 +10,12 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
 #include <functional>
+#include <memory>
 #include <thread>
+#include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix/memory.h"
@@ -218,6 +222,34 @@ TEST(MemoryInfo, KilobytesBecomeBytes) {
   EXPECT_EQ(18'432'000'000u, figures->totalPageFile);
   EXPECT_EQ(10'752'000'000u, figures->availablePageFile);
 }
+
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+
+long ResidentPages() {
+  std::ifstream figures("/proc/self/statm");
+  long all = 0;
+  long resident = 0;
+  figures >> all >> resident;
+  return resident;
+}
+
+TEST(ReturnFreeMemory, WhatHasBeenFreedBelowSomethingInUseGoesBackToTheSystem) {
+  constexpr std::size_t kPiece = 64 << 10;
+  std::vector<std::unique_ptr<char[]>> pieces;
+  for (int i = 0; i < 1000; ++i) {
+    pieces.push_back(std::make_unique<char[]>(kPiece));
+    std::memset(pieces.back().get(), i, kPiece);
+  }
+  const auto inUse = std::make_unique<char[]>(kPiece);
+  pieces.clear();
+  const long before = ResidentPages();
+  ReturnFreeMemory();
+  EXPECT_LT(ResidentPages() * ::sysconf(_SC_PAGESIZE),
+            before * ::sysconf(_SC_PAGESIZE) - (60L << 20));
+  EXPECT_EQ(0, inUse[0]);
+}
+
+#endif
 
 TEST(MemoryInfo, WithoutOneOfTheLinesThereAreNoFigures) {
   EXPECT_FALSE(ParseMemoryInfo(""));

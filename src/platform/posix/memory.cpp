@@ -8,6 +8,9 @@
 #include <string>
 
 #include "platform/file.h"
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace platform {
 
@@ -84,6 +87,12 @@ std::optional<MemoryFigures> QuerySystemMemory() {
   figures->availableAddressSpace =
       figures->totalAddressSpace - std::min(UsedAddressSpace(), figures->totalAddressSpace);
   return figures;
+}
+
+void ReturnFreeMemory() {
+#ifdef __GLIBC__
+  ::malloc_trim(0);
+#endif
 }
 
 }  // namespace platform

@@ -149,4 +149,6 @@ Platform& System() {
   return system;
 }
 
+void ReturnFreeMemory() { ::HeapCompact(::GetProcessHeap(), 0); }
+
 }  // namespace platform

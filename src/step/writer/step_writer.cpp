@@ -110,8 +110,8 @@ int StepWriter::WriteData() {
   int percent = 0;
   if (progress_ != nullptr) progress_(0, 0, nullptr, false, 100);
   container.FillMarkers();
-  for (auto at = container.entities.First(); at; at = container.entities.Next(at.number)) {
-    if (!WriteGuarded(*at.entity)) return 0;
+  for (const auto& [number, entity] : container.entities) {
+    if (!WriteGuarded(*entity)) return 0;
     if (++sinceTick <= step) continue;
     sinceTick = 0;
     if (percent < 100) ++percent;
