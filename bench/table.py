@@ -14,6 +14,7 @@ READ_PEAK, MERGE_PEAK = 4.0, 5.0                         # bytes per byte of inp
 FLAT_SHARE = 85.0                                        # percent of the rate at the smallest size
 FOUR_PEAK = 6.0                                          # GiB
 START_TIME, REGISTRY_TIME = 30.0, 1.0                    # ms
+WINE_SHARE = 60.0                                        # percent of the native rate
 KEPT = 0.5                                               # the same, once all is released
 NEEDED_FOR_RATES = 20e6                                  # bytes: smaller models have no target
 
@@ -176,6 +177,28 @@ def print_four(build, models, size):
           f'{peak:.2f} GiB  {verdict(peak, FOUR_PEAK, "GiB", True)}')
 
 
+def print_wine(build, models, size):
+    """The program for Windows beside the native one; only where it has been built. What a process
+    takes before it reads anything is left out on both sides."""
+    program = ROOT / 'build' / 'windows' / 'bin' / 'corvel.exe'
+    if not program.exists():
+        print(f'skipped: {program.relative_to(ROOT)} is not there (./test windows builds it)')
+        return
+    wine = ROOT / 'tools' / 'wine-run.sh'
+    model, out = models / f'IFC4_{size}.ifc', models / 'out.ifc'
+    costs = medians({
+        f'{name} {job}': (lambda command=command: {'': process(command)})
+        for name, start in (('native', [build / 'bin' / 'corvel']), ('wine', [wine, program]))
+        for job, command in (('start', [*start, '--help']),
+                             ('resave', [*start, 'resave', model, out]))})
+    out.unlink(missing_ok=True)
+    native, windows = (costs[f'{name} resave'].seconds - costs[f'{name} start'].seconds
+                       for name in ('native', 'wine'))
+    share = 100.0 * native / windows
+    print(f'resave of {size} under Wine: {model.stat().st_size / 1e6 / windows:.0f} MB/s, '
+          f'{share:.0f} % of the native rate  {verdict(share, WINE_SHARE, "%")}')
+
+
 def measured_models(models, sizes):
     """Groups of models of rising size."""
     for schema in ('IFC2X3', 'IFC4'):
@@ -201,6 +224,7 @@ def main():
         print_flatness(group)
     print_small(build, models)
     print_four(build, models, sizes[-1])
+    print_wine(build, models, sizes[min(1, len(sizes) - 1)])
 
 
 if __name__ == '__main__':

@@ -21,8 +21,9 @@ bool Ends(const Token& token) {
          token.Is(TokenType::EndOfFileToken);
 }
 
-// Takes the next token unless the record ends there.
-void TakeInRecord(Scanner& scanner) {
+// Takes the next token, which should be `usual`, unless the record ends there.
+void TakeInRecord(Scanner& scanner, char usual) {
+  if (scanner.TakeSign(usual)) return;
   const TokenType type = scanner.PeekToken()->getType();
   if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner.NextToken();
 }
@@ -63,7 +64,8 @@ bool TakeOpenBracket(Parser& parser) {
 bool TakeIdentifier(Scanner& scanner, std::uint32_t& number) {
   if (scanner.TakeIdentifier(number)) [[likely]]
     return true;
-  if (scanner.PeekSign() == '$' || !scanner.PeekToken()->Is(TokenType::IdentifierToken)) {
+  const char sign = scanner.PeekSign();
+  if (sign == '$' || IsLetter(sign) || !scanner.PeekToken()->Is(TokenType::IdentifierToken)) {
     return false;
   }
   number = scanner.NextToken()->number;
@@ -125,33 +127,37 @@ void SkipBracket(Scanner& scanner) {
   } while (depth > 0);
 }
 
-// `IFCLABEL('x')`, its name being the next token; `bracket` when an extra bracket stands around it.
-IFC::IfcEntity* ReadTypedValue(Parser& parser, bool bracket) {
+// `IFCLABEL('x')`, its name just taken; `bracket` when an extra bracket stands around it.
+IFC::IfcEntity* ReadTypedValue(Parser& parser, std::string_view name, bool bracket) {
   Scanner& scanner = *parser.scanner;
-  const std::string& name = scanner.NextToken()->text;
   const EntityCreator create = parser.factories->Find(name);
   if (create == nullptr) {
     const WideString unknown = Widen(name);
     SkipBracket(scanner);
-    if (bracket) TakeInRecord(scanner);
+    if (bracket) TakeInRecord(scanner, ')');
     parser.showError("unknown_entity_name_in_schema", unknown, kReportShow);
     return nullptr;
   }
   const DepthGuard depth(parser);
   IFC::IfcEntity* const value = create(parser.Pool());
   value->inlineValue = true;
-  TakeInRecord(scanner);  // (
+  TakeInRecord(scanner, '(');
   value->read(parser);
-  TakeInRecord(scanner);  // )
-  if (bracket) TakeInRecord(scanner);
+  TakeInRecord(scanner, ')');
+  if (bracket) TakeInRecord(scanner, ')');
   return value;
 }
 
 // Everything but `#12` and an absent value.
 IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
   Scanner& scanner = *parser.scanner;
+  if (std::string_view name; scanner.TakeClassName(name)) {
+    return ReadTypedValue(parser, name, false);
+  }
   const TokenType type = scanner.PeekToken()->getType();
-  if (type == TokenType::EntityNameToken) return ReadTypedValue(parser, false);
+  if (type == TokenType::EntityNameToken) {
+    return ReadTypedValue(parser, scanner.NextToken()->text, false);
+  }
   if (type == TokenType::OpenBracketToken) {
     scanner.NextToken();
     const TokenType behind = scanner.PeekToken()->getType();
@@ -159,7 +165,9 @@ IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
       scanner.NextToken();
       return nullptr;
     }
-    if (behind == TokenType::EntityNameToken) return ReadTypedValue(parser, true);
+    if (behind == TokenType::EntityNameToken) {
+      return ReadTypedValue(parser, scanner.NextToken()->text, true);
+    }
   }
   // A bare number means a parameter value, which nothing can take: the record is unreadable.
   if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
