@@ -64,11 +64,11 @@ fi
 [ -e /proc/self/fd/1 ] || exec >/dev/null
 [ -e /proc/self/fd/2 ] || exec 2>/dev/null
 
-# The server and its helpers stay for a minute after the last program: a start takes a tenth of a
+# The server and its helpers stay for a minute after the last program: a start takes a fifth of a
 # second then, and a whole one without. It has to be started apart from the program, whose output
-# would not end before the server's otherwise. The same holds for the desktop, which starts with the
-# first window; a server that has just been started (status 0) has none.
-if $server -p60 </dev/null >/dev/null 2>&1; then
-  timeout 60 $wine rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
-fi
+# would not end before the server's otherwise. The same holds for the desktop, which comes with the
+# first program that needs it and goes a second after the last program: it is asked for anew each
+# time, and lives until the program has started.
+$server -p60 </dev/null >/dev/null 2>&1
+timeout 60 $wine rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
 exec timeout "${WINE_TIMEOUT:-600}" $wine "$@"
