@@ -1,7 +1,6 @@
 #include "step/streams/input_zip_file_stream.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 #include <string>
 #include <utility>
@@ -16,6 +15,8 @@ namespace {
 
 constexpr uLong kEncrypted = 1;  // among the flags of an entry
 constexpr uLong kStored = 0;
+// What has been decompressed is read while the processor still has it at hand.
+constexpr std::size_t kLargestBuffer = std::size_t{256} << 10;
 
 int InfoOf(unzFile archive, unz_file_info64& info) {
   return unzGetCurrentFileInfo64(archive, &info, nullptr, 0, nullptr, 0, nullptr, 0);
@@ -120,9 +121,7 @@ bool InputZipFileStream::OpenEntry() {
 }
 
 void InputZipFileStream::Allocate(std::size_t size) {
-  // The library counts in signed numbers of 32 bits.
-  const std::size_t largest = std::numeric_limits<int>::max();
-  capacity_ = std::min(size, largest);
+  capacity_ = std::min(size, kLargestBuffer);
   try {
     for (auto& buffer : buffers_) buffer = AllocateBuffer(std::max<std::size_t>(capacity_, 1));
   } catch (const std::bad_alloc&) {

@@ -18,8 +18,8 @@ class InputZipFileStream final : public InputStream {
   // name. ".olf": the one whose name is what stands behind the first "|" of `path`, byte for byte
   // in UTF-8. Everything that keeps it from opening is reported with an empty key, and IsOpen is
   // false then; that includes entries that are encrypted or neither stored nor deflated.
-  // `showError` may be null. The stream takes two buffers of `bufferSize` bytes; when they cannot
-  // be had it is reported and the stream delivers nothing.
+  // `showError` may be null. The stream takes two buffers of `bufferSize` bytes, 256 KiB at
+  // most; when they cannot be had it is reported and the stream delivers nothing.
   InputZipFileStream(const corvel::WideString& path, corvel::ErrorReporter showError,
                      std::size_t bufferSize);
   ~InputZipFileStream() override;
