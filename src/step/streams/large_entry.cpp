@@ -19,7 +19,6 @@ constexpr std::size_t kRecordSize = 46;
 constexpr std::size_t kCompressedSize = 20;
 constexpr std::size_t kUncompressedSize = 24;
 constexpr std::size_t kNameLength = 28;
-constexpr std::size_t kExtraLength = 30;
 constexpr std::size_t kHeaderOffset = 42;
 
 std::uint64_t NumberAt(const std::string& bytes, std::size_t at, std::size_t width) {
