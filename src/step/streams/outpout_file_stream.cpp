@@ -2,11 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <stdexcept>
-#include <string_view>
-
-#include "step/streams/stream_buffer.h"
 
 namespace FileStream {
 
@@ -20,14 +16,13 @@ OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
                                      std::uint64_t keepBack, platform::OpenMode mode,
                                      const char16_t* openFailure)
-    : blockSize_(std::max<std::uint64_t>(blockSize, 1)),
-      keepBack_(keepBack),
+    : BlockOutpoutStream(std::max<std::uint64_t>(blockSize, 1), keepBack),
       reopenMode_(mode == platform::OpenMode::kWrite ? platform::OpenMode::kAppend : mode),
       path_(path),
       showError_(showError) {
   open_ = file_.Open(path, mode);
   if (open_) {
-    AllocateBlock();
+    TakeBuffer();
     return;
   }
   failed_ = true;
@@ -38,28 +33,13 @@ OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
 
 OutpoutFileStream::~OutpoutFileStream() { OutpoutFileStream::Close(); }
 
-// The buffer is larger than what FlushIfFull fills, by what the window may take beyond that.
-void OutpoutFileStream::AllocateBlock() {
-  const std::uint64_t size = blockSize_ + keepBack_ + kMaxReserve;
-  try {
-    buffer_ = AllocateBuffer(size);
-  } catch (const std::bad_alloc&) {
-  }
-  position_ = 0;
-  if (buffer_ != nullptr) {
-    window_ = buffer_.get();
-    windowCapacity_ = size;
+void OutpoutFileStream::TakeBuffer() {
+  if (AllocateBuffer()) {
     FillMargin();
   } else if (showError_ != nullptr) {
     showError_("", u"Unable to alloc enought memory. Try to use 64-bit Orlenta.",
                corvel::kReportShow);
   }
-}
-
-void OutpoutFileStream::FreeBuffer() {
-  buffer_.reset();
-  window_ = nullptr;
-  position_ = windowCapacity_ = 0;
 }
 
 void OutpoutFileStream::FillMargin() {
@@ -123,7 +103,7 @@ void OutpoutFileStream::StartBehindMargin() {
 }
 
 bool OutpoutFileStream::Reopen() {
-  if (window_ == nullptr) AllocateBlock();
+  if (window_ == nullptr) TakeBuffer();
   open_ = file_.Open(path_, reopenMode_);
   failed_ = !open_;
   if (!open_ && showError_ != nullptr) showError_("", u"Reopen failed.", corvel::kReportShow);
@@ -138,55 +118,19 @@ void OutpoutFileStream::MovePosition(std::int64_t delta, int /*whence*/) {
   position_ = static_cast<std::uint64_t>(moved);
 }
 
-void OutpoutFileStream::FlushIfFull() {
-  if (window_ != nullptr && position_ >= blockSize_ + keepBack_) FlushWindow();
-}
-
 void OutpoutFileStream::FlushWindow() {
   const bool writable = open_ && window_ != nullptr && position_ <= windowCapacity_;
-  const std::uint64_t due = position_ - std::min(position_, keepBack_);
+  const std::uint64_t due = DueBytes();
   if (!writable || file_.Write(window_, due) != due) {
     ++failedWrites_;
     open_ = false;
     failed_ = true;
     throw std::runtime_error("Unable to write to file");
   }
-  std::memmove(window_, window_ + due, position_ - due);
-  position_ -= due;
-}
-
-// Stores the low byte of each unit, flushing at each point where a flush after every byte would.
-template <class Unit>
-void OutpoutFileStream::Store(const Unit* units, std::size_t count) {
-  const std::uint64_t fullAt = blockSize_ + keepBack_;
-  if (count != 0 && window_ == nullptr) FlushWindow();  // throws: there is nowhere to store
-  while (count != 0) {
-    FlushIfFull();  // the window or MovePosition may have filled it
-    const std::size_t part = std::min<std::uint64_t>(count, fullAt - position_);
-    if constexpr (sizeof(Unit) == 1) {
-      std::memcpy(window_ + position_, units, part);
-    } else {
-      char* const to = window_ + position_;
-      for (std::size_t i = 0; i < part; ++i) to[i] = static_cast<char>(units[i]);
-    }
-    position_ += part;
-    units += part;
-    count -= part;
-    FlushIfFull();
-  }
+  KeepTail(due);
 }
 
 void OutpoutFileStream::WriteNarrowString(const std::string& text) {
-  Store(text.data(), text.size());
-}
-
-void OutpoutFileStream::WriteWideText(const char16_t* text) {
-  Store(text, corvel::WideView(text).size());
-}
-
-void OutpoutFileStream::WriteNarrowText(const char* text) { Store(text, std::strlen(text)); }
-
-void OutpoutFileStream::WriteWideString(const corvel::WideString& text) {
   Store(text.data(), text.size());
 }
 

@@ -1,21 +1,17 @@
 // Writes a plain file through one buffer that keeps its tail, so that the position can go back.
 //
-// The buffer holds a block and a keep-back. A flush writes all but the last keep-back bytes and
-// moves these to the front, where MovePosition still reaches them; they go out with the next flush.
 // Right after opening, and again after Commit and Close, the front holds a margin of blanks that
 // ends in a line feed. The first text of a fresh stream overwrites it; after Commit and Close it
 // stays, and goes out in front of the text that follows.
 #pragma once
 
-#include <memory>
-
 #include "core/reporting.h"
 #include "platform/file.h"
-#include "step/streams/outpout_stream.h"
+#include "step/streams/block_outpout_stream.h"
 
 namespace FileStream {
 
-class OutpoutFileStream : public OutpoutStream {
+class OutpoutFileStream : public BlockOutpoutStream {
  public:
   // Empties or creates the file. A failure is reported with the key "could_not_open_file"; the
   // stream is then not open and takes nothing. `showError` may be null.
@@ -37,10 +33,6 @@ class OutpoutFileStream : public OutpoutStream {
   bool IsEof() const override { return file_.AtEnd(); }
   void MovePosition(std::int64_t delta, int whence = 1) override;
   void WriteNarrowString(const std::string& text) override;
-  void WriteWideText(const char16_t* text) override;
-  void WriteNarrowText(const char* text) override;
-  void WriteWideString(const corvel::WideString& text) override;
-  void FlushIfFull() override;
 
   // Writes the whole buffer and hands the file to the disk. The position then stands behind a new
   // margin, which goes out in front of whatever follows. False when that or anything before failed
@@ -64,21 +56,15 @@ class OutpoutFileStream : public OutpoutStream {
   // The steps of Close. A failure is reported the first time after an opening, when it is news.
   void WriteBuffer();
   bool CloseFile();
-  void FreeBuffer();
 
  private:
-  void AllocateBlock();
+  void TakeBuffer();
   void FillMargin();
   void StartBehindMargin();
   void WriteOut(const void* bytes, std::uint64_t count);
   void Fail();
-  template <class Unit>
-  void Store(const Unit* units, std::size_t count);
 
   platform::File file_;
-  std::unique_ptr<char[]> buffer_;
-  std::uint64_t blockSize_ = 0;
-  std::uint64_t keepBack_ = 0;
   std::uint32_t failedWrites_ = 0;
   bool open_ = false;
   bool failed_ = false;  // since the last opening, and told

@@ -1,15 +1,12 @@
 #include "step/streams/output_zip_file_stream.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "platform/file.h"
 #include "step/streams/archive_file.h"
-#include "step/streams/stream_buffer.h"
 
 namespace FileStream {
 
@@ -32,7 +29,8 @@ corvel::WideString NameOfEntry(corvel::WideView path) {
 
 OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path,
                                          corvel::ErrorReporter showError)
-    : file_(std::make_unique<ArchiveFile>(path, platform::OpenMode::kWrite)),
+    : BlockOutpoutStream(kBlockSize, kKeepBack),
+      file_(std::make_unique<ArchiveFile>(path, platform::OpenMode::kWrite)),
       showError_(showError) {
   zlib_filefunc64_def functions = file_->Functions();
   archive_ = zipOpen2_64(corvel::ToUtf8(path).c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
@@ -40,7 +38,7 @@ OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path,
     Fail(u"Could not open or create zip archive");
   } else if (OpenEntry(path)) {
     open_ = true;
-    AllocateBlock();
+    TakeBuffer();
   } else {
     Fail(u"Could not open file in zip archive");
     CloseArchive();
@@ -62,18 +60,8 @@ bool OutputZipFileStream::OpenEntry(const corvel::WideString& path) {
   return result == ZIP_OK && !file_->Failed();
 }
 
-// Larger than what FlushIfFull fills, by what the window may take beyond that.
-void OutputZipFileStream::AllocateBlock() {
-  const std::uint64_t size = blockSize_ + keepBack_ + kMaxReserve;
-  try {
-    buffer_ = AllocateBuffer(size);
-  } catch (const std::bad_alloc&) {
-  }
-  if (buffer_ != nullptr) {
-    window_ = buffer_.get();
-    windowCapacity_ = size;
-    return;
-  }
+void OutputZipFileStream::TakeBuffer() {
+  if (AllocateBuffer()) return;
   blockSize_ = keepBack_ = 0;
   Fail(u"Unable to alloc enought memory. Try to use 64-bit Orlenta.");
 }
@@ -114,9 +102,7 @@ bool OutputZipFileStream::Close() {
     HandOver(window_, position_);
   }
   CloseArchive();
-  buffer_.reset();
-  window_ = nullptr;
-  position_ = windowCapacity_ = 0;
+  FreeBuffer();
   open_ = false;
   return !failed_;
 }
@@ -128,10 +114,6 @@ void OutputZipFileStream::MovePosition(std::int64_t delta, int /*whence*/) {
   position_ = (position_ + static_cast<std::uint64_t>(delta)) & kCount;
 }
 
-void OutputZipFileStream::FlushIfFull() {
-  if (window_ != nullptr && position_ >= blockSize_ + keepBack_) FlushWindow();
-}
-
 void OutputZipFileStream::FlushWindow() {
   if (window_ == nullptr) throw std::runtime_error("Unable to write to file");
   if (position_ > windowCapacity_) {
@@ -139,41 +121,13 @@ void OutputZipFileStream::FlushWindow() {
     position_ = 0;
     return;
   }
-  const std::uint64_t due = position_ - std::min(position_, keepBack_);
+  const std::uint64_t due = DueBytes();
   HandOver(window_, due);
-  std::memmove(window_, window_ + due, position_ - due);
-  position_ -= due;
-}
-
-// Stores the low byte of each unit, flushing at each point where a flush after every byte would.
-template <class Unit>
-void OutputZipFileStream::Store(const Unit* units, std::size_t count) {
-  const std::uint64_t fullAt = blockSize_ + keepBack_;
-  if (count != 0 && window_ == nullptr) FlushWindow();  // throws: there is nowhere to store
-  while (count != 0) {
-    FlushIfFull();  // the window or MovePosition may have filled it
-    const std::size_t part = std::min<std::uint64_t>(count, fullAt - position_);
-    char* const to = window_ + position_;
-    for (std::size_t i = 0; i < part; ++i) to[i] = static_cast<char>(units[i]);
-    position_ += part;
-    units += part;
-    count -= part;
-    FlushIfFull();
-  }
+  KeepTail(due);
 }
 
 void OutputZipFileStream::WriteNarrowString(const std::string& text) {
   WriteNarrowText(text.c_str());
-}
-
-void OutputZipFileStream::WriteWideText(const char16_t* text) {
-  Store(text, corvel::WideView(text).size());
-}
-
-void OutputZipFileStream::WriteNarrowText(const char* text) { Store(text, std::strlen(text)); }
-
-void OutputZipFileStream::WriteWideString(const corvel::WideString& text) {
-  Store(text.data(), text.size());
 }
 
 }  // namespace FileStream

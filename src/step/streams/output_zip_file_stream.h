@@ -1,20 +1,19 @@
 // Writes an ".ifczip": an archive with one deflated entry.
 //
-// The buffer holds a block and a keep-back, as that of OutpoutFileStream does; there is no margin,
-// and closing writes all of it, however little. What has been written to the archive cannot be
-// reached any more.
+// There is no margin in front of the buffer, and closing writes all of it, however little. What has
+// been written to the archive cannot be reached any more.
 #pragma once
 
 #include <memory>
 
 #include "core/reporting.h"
-#include "step/streams/outpout_stream.h"
+#include "step/streams/block_outpout_stream.h"
 
 namespace FileStream {
 
 class ArchiveFile;
 
-class OutputZipFileStream final : public OutpoutStream {
+class OutputZipFileStream final : public BlockOutpoutStream {
  public:
   static constexpr std::uint64_t kBlockSize = 1'048'576;
   static constexpr std::uint64_t kKeepBack = 10;
@@ -40,27 +39,17 @@ class OutputZipFileStream final : public OutpoutStream {
   // Does not look where it leads. What is stored outside of the buffer is lost, and reported.
   void MovePosition(std::int64_t delta, int whence = 1) override;
   void WriteNarrowString(const std::string& text) override;  // up to the first NUL
-  void WriteWideText(const char16_t* text) override;
-  void WriteNarrowText(const char* text) override;
-  void WriteWideString(const corvel::WideString& text) override;
-  // A write that fails is reported and the stream goes on.
-  void FlushIfFull() override;
-
  private:
+  // A write that fails is reported and the stream goes on.
   void FlushWindow() override;
   bool OpenEntry(const corvel::WideString& path);
-  void AllocateBlock();
+  void TakeBuffer();
   void HandOver(const void* bytes, std::uint64_t count);
   void CloseArchive();
   void Fail(const char16_t* message);
-  template <class Unit>
-  void Store(const Unit* units, std::size_t count);
 
   std::unique_ptr<ArchiveFile> file_;
   void* archive_ = nullptr;  // the library's handle
-  std::unique_ptr<char[]> buffer_;
-  std::uint64_t blockSize_ = kBlockSize;
-  std::uint64_t keepBack_ = kKeepBack;
   std::uint64_t handedOver_ = 0;
   bool open_ = false;
   bool failed_ = false;  // and told
