@@ -21,6 +21,12 @@ bool Ends(const Token& token) {
          token.Is(TokenType::EndOfFileToken);
 }
 
+// The first byte of a token that is neither an absent value nor the end of anything.
+bool StartsValue(char sign) {
+  return IsOfKind(sign, kLetterByte | kDigitByte) || sign == '#' || sign == '\'' || sign == '(' ||
+         sign == '-' || sign == '.';
+}
+
 // Takes the next token, which should be `usual`, unless the record ends there.
 void TakeInRecord(Scanner& scanner, char usual) {
   if (scanner.TakeSign(usual)) return;
@@ -247,11 +253,9 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
 
 bool IsAbsent(Parser& parser) {
   if (parser.IsStopped()) return false;
-  if (parser.scanner->TakeSign('$')) return true;
   const char sign = parser.scanner->PeekSign();
-  if (IsOfKind(sign, kLetterByte | kDigitByte) || sign == '#' || sign == '\'' || sign == '(') {
-    return false;
-  }
+  if (StartsValue(sign)) return false;
+  if (sign == '$' || sign == '*') return parser.scanner->TakeSign(sign);
   if (sign == ')') return true;
   const TokenType type = parser.scanner->PeekToken()->getType();
   if (type == TokenType::EmptyParameterToken) {
@@ -264,7 +268,7 @@ bool IsAbsent(Parser& parser) {
 bool IsListEnd(Parser& parser) {
   if (parser.IsStopped()) return true;
   const char sign = parser.scanner->PeekSign();
-  if (IsOfKind(sign, kDigitByte) || sign == '#' || sign == '-') return false;
+  if (StartsValue(sign)) return false;
   return sign == ')' || Ends(*parser.scanner->PeekToken()) || parser.IsStopped();
 }
 
