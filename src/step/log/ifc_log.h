@@ -44,7 +44,7 @@ class IfcLog {
   void LogReadingEntity(std::uint32_t marker) {
     if (!muted_) CountReadingEntity(marker);
   }
-  // Hands all that was logged to the disk.
+  // Hands all that was logged to the system, where readers see it.
   void Flush();
 
   // While muted, nothing is logged, and Flush does nothing.

@@ -10,14 +10,15 @@ OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
                                      std::uint64_t keepBack)
     : OutpoutFileStream(path, showError, blockSize, keepBack, platform::OpenMode::kWrite,
-                        u". File path: ") {}
+                        CommitTo::kDisk, u". File path: ") {}
 
 OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
                                      std::uint64_t keepBack, platform::OpenMode mode,
-                                     const char16_t* openFailure)
+                                     CommitTo commitTo, const char16_t* openFailure)
     : BlockOutpoutStream(std::max<std::uint64_t>(blockSize, 1), keepBack),
       reopenMode_(mode == platform::OpenMode::kWrite ? platform::OpenMode::kAppend : mode),
+      commitTo_(commitTo),
       path_(path),
       showError_(showError) {
   open_ = file_.Open(path, mode);
@@ -87,7 +88,7 @@ bool OutpoutFileStream::Commit() {
   if (!file_.IsOpen()) return !failed_;
   WriteBuffer();
   StartBehindMargin();
-  if (!file_.Sync()) Fail();
+  if (commitTo_ == CommitTo::kDisk && !file_.Sync()) Fail();
   return !failed_;
 }
 

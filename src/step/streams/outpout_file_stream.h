@@ -34,9 +34,9 @@ class OutpoutFileStream : public BlockOutpoutStream {
   void MovePosition(std::int64_t delta, int whence = 1) override;
   void WriteNarrowString(const std::string& text) override;
 
-  // Writes the whole buffer and hands the file to the disk. The position then stands behind a new
-  // margin, which goes out in front of whatever follows. False when that or anything before failed
-  // since the stream was opened.
+  // Writes the whole buffer and hands the file to the disk, the log as far as the system only. The
+  // position then stands behind a new margin, which goes out in front of whatever follows. False
+  // when that or anything before failed since the stream was opened.
   bool Commit();
   // Opens the file again for writing at its end, with the buffer as it stands. False, after the
   // report "Reopen failed.", when it cannot be opened.
@@ -47,10 +47,13 @@ class OutpoutFileStream : public BlockOutpoutStream {
   const corvel::WideString& Path() const { return path_; }
 
  protected:
+  // How far Commit hands the bytes on, and whether it waits for that.
+  enum class CommitTo { kDisk, kSystem };
+
   // `openFailure` is what stands before the path in the report of a failed opening.
   OutpoutFileStream(const corvel::WideString& path, corvel::ErrorReporter showError,
                     std::uint64_t blockSize, std::uint64_t keepBack, platform::OpenMode mode,
-                    const char16_t* openFailure);
+                    CommitTo commitTo, const char16_t* openFailure);
 
   void FlushWindow() override;
   // The steps of Close. A failure is reported the first time after an opening, when it is news.
@@ -69,6 +72,7 @@ class OutpoutFileStream : public BlockOutpoutStream {
   bool open_ = false;
   bool failed_ = false;  // since the last opening, and told
   platform::OpenMode reopenMode_;
+  CommitTo commitTo_;
   corvel::WideString path_;
   corvel::ErrorReporter showError_ = nullptr;
 };

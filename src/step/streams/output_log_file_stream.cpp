@@ -20,9 +20,11 @@ int ShowLogfileError(const char* /*key*/, const corvel::WideString& message, int
   return 0;
 }
 
+// A log that waited for the disk at each report would hold the run up for minutes; what the system
+// has survives the end of this process all the same.
 OutputLogFileStream::OutputLogFileStream(const corvel::WideString& path)
     : OutpoutFileStream(Removed(path), &ShowLogfileError, kBlockSize, kKeepBack,
-                        platform::OpenMode::kSharedAppend, u"File path: ") {}
+                        platform::OpenMode::kSharedAppend, CommitTo::kSystem, u"File path: ") {}
 
 OutputLogFileStream::~OutputLogFileStream() { OutputLogFileStream::Close(); }
 

@@ -154,6 +154,14 @@ TEST_F(OutputLogFile, TheReporterIgnoresKeyAndMode) {
 }
 
 #ifndef _WIN32
+// With nothing to write, a commit could fail only where it waits for the disk.
+TEST_F(OutputLogFile, CommitDoesNotWaitForTheDisk) {
+  OutputLogFileStream stream(path_);
+  ASSERT_TRUE(corvel::test::StealDescriptor(path_));
+  EXPECT_TRUE(stream.Commit());
+  EXPECT_TRUE(system_.boxes.empty());
+}
+
 TEST_F(OutputLogFile, AShortWriteIsToldInABox) {
   corvel::test::FileSizeLimit limit(2);
   OutputLogFileStream stream(path_);
