@@ -1,5 +1,6 @@
 #include "merge/compare_units.h"
 
+#include <map>
 #include <utility>
 
 #include "core/entity_cast.h"
@@ -12,11 +13,57 @@ namespace {
 
 WideString Label(const IFC::VIfcSIUnit& unit) { return unit.getPrefixText() + unit.getNameText(); }
 
-UnitComparison RowOf(IFC::VIfcSIUnit& unit, WideString unitType, IFC::ChildQueue& otherUnits,
+// The units of one type, as far as a comparison can tell them apart. It takes them from the back
+// and ends at the first that differs, so only three of them ever come out of it: the last, the
+// first before it that is not like it, and where all are alike the one in front.
+class UnitsOfType {
+ public:
+  // Units come in from the last to the first.
+  void Add(IFC::IfcEntity* unit) {
+    WideString label = Label(*EntityCast<IFC::VIfcSIUnit>(unit));
+    if (last_ == nullptr) {
+      last_ = unit;
+      labelOfLast_ = std::move(label);
+    } else if (other_ == nullptr && label != labelOfLast_) {
+      other_ = unit;
+    }
+    front_ = unit;
+  }
+  IFC::ChildQueue Queue() const {
+    IFC::ChildQueue queue;
+    queue.Append(other_ != nullptr ? other_ : front_, true);
+    queue.Append(last_, true);
+    return queue;
+  }
+
+ private:
+  IFC::IfcEntity* last_ = nullptr;
+  WideString labelOfLast_;
+  IFC::IfcEntity* other_ = nullptr;
+  IFC::IfcEntity* front_ = nullptr;
+};
+
+// By the type's text in the file.
+using UnitsByType = std::map<WideString, UnitsOfType>;
+
+UnitsByType SiUnitsOf(const IFC::IfcEntity& assignment) {
+  UnitsByType units;
+  IFC::ChildQueue members;
+  assignment.collectChildren(members);
+  while (!members.IsEmpty()) {
+    IFC::IfcEntity* const unit = members.TakeBack().entity;
+    if (EntityCast<IFC::VIfcSIUnit>(unit) != nullptr) units[UnitTypeText(unit)].Add(unit);
+  }
+  return units;
+}
+
+UnitComparison RowOf(IFC::VIfcSIUnit& unit, WideString unitType, const UnitsByType& otherUnits,
                      const WideString& otherPath) {
+  const auto others = otherUnits.find(UnitTypeText(&unit));
+  IFC::ChildQueue queue = others == otherUnits.end() ? IFC::ChildQueue() : others->second.Queue();
   UnitMatch match;
   UnitComparison row;
-  row.same = CompareOneUnit(otherUnits, &unit, match);
+  row.same = CompareOneUnit(queue, &unit, match);
   row.unitType = std::move(unitType);
   row.unitLabel = Label(unit);
   row.marker = unit.marker;
@@ -61,6 +108,7 @@ std::vector<UnitComparison> CompareUnitAssignments(const IfcDocument& first,
   const IFC::IfcEntity* const firstAssignment = first.getIfcUnitAssignment();
   const IFC::IfcEntity* const otherAssignment = other.getIfcUnitAssignment();
   if (firstAssignment == nullptr || otherAssignment == nullptr) return rows;
+  const UnitsByType otherUnits = SiUnitsOf(*otherAssignment);
   const WideString otherPath = other.getFilePath();
   IFC::ChildQueue units;
   firstAssignment->collectChildren(units);
@@ -70,8 +118,6 @@ std::vector<UnitComparison> CompareUnitAssignments(const IfcDocument& first,
     WideString type = UnitTypeText(unit);
     if (!type.empty()) type.pop_back();  // the comma
     if (type.empty()) continue;
-    IFC::ChildQueue otherUnits;
-    otherAssignment->collectChildren(otherUnits);
     rows.push_back(RowOf(*unit, std::move(type), otherUnits, otherPath));
   }
   return rows;

@@ -73,12 +73,16 @@ void Report::TellSchemas() {
   Add(schemaList_);
 }
 
+// Where units are ignored a model is left out for another unit alone, and that one is told: another
+// prefix is let pass.
 WideString Report::ListOtherUnits() {
+  const bool prefixesPass = shell_.Options().ignoreUnits;
   WideString list;
   for (const auto& document : documents_) {
     if (document->unitsValid || document->unitDifferences.empty()) continue;
     list += u"\n  " + FileNameOf(*document) + u":";
     for (const UnitComparison& row : document->unitDifferences) {
+      if (prefixesPass && row.code == UnitDifference::kOtherPrefix) continue;
       list += u"\n    " + UnitText(row, row.otherMarker, row.otherLabel);
       typesThatDiffer_.try_emplace(row.unitType, &row);
     }
@@ -115,7 +119,7 @@ void ReportRejectedProjects(const Documents& documents, MergeShell& shell) {
   if (std::all_of(documents.begin(), documents.end(), TakesPart)) return;
   Report report(documents, shell);
   report.TellSchemas();
-  if (!shell.Options().ignoreUnits) report.TellUnits();
+  report.TellUnits();
   report.TellMerged();
   report.Show();
 }

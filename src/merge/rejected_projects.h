@@ -9,9 +9,9 @@
 
 namespace corvel {
 
-// One report: which models have another schema than the first, which have other units (unless they
-// are ignored) and which ones, and what is merged all the same. Nothing when all take part. The
-// documents have been through CheckUnits.
+// One report: which models have another schema than the first, which are left out for their units
+// and which ones, and what is merged all the same. Nothing when all take part. The documents have
+// been through CheckUnits.
 void ReportRejectedProjects(const std::vector<std::unique_ptr<IfcDocument>>& documents,
                             MergeShell& shell);
 

@@ -29,7 +29,9 @@ void LogPastMuting(const WideString& text) {
   IfcLog::Instance().LogText(text);
 }
 
+// Nothing to say is no reason to open a box.
 void ShowInBox(const WideString& text) {
+  if (text.empty()) return;
   const WideString box =
       text + u"\n" + GetText("merge_combine_log") + u" " + IfcLog::Instance().Path();
   if (CancelMode() != 0 && CancelMode() != 2) return;

@@ -7,7 +7,7 @@ namespace corvel::plugin {
 
 // The one reporter of the whole system; see ErrorReporter. The text goes to the log past its
 // muting. Mode 0 shows a box of the viewer with everything that mode 1 has collected in front, and
-// where the log lies. Gives 0.
+// where the log lies; no box when there is no text at all. Gives 0.
 int ShowError(const char* key, const WideString& message, int mode);
 
 // Forgets what an earlier run reported and that it was cancelled.

@@ -1,9 +1,13 @@
 // Two assignments of units, unit by unit.
 #include "merge/compare_units.h"
 
+#include <iterator>
+#include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "core/entity_cast.h"
 #include "merge/unit_texts.h"
 #include "schema/interfaces/units.h"
 #include "unit_run.h"
@@ -147,6 +151,89 @@ TEST_F(CompareUnits, AMemberThatIsNotThereIsPassedOver) {
   const std::string broken = std::string("#1=") + kMetre + ";\n#9=IFCUNITASSIGNMENT((#1,#77));\n";
   EXPECT_EQ((std::vector<std::string>{"LENGTHUNIT METRE#1 METRE#1 0"}),
             Shown(Compare(broken, broken)));
+}
+
+// The rows as they come out of one walk over all units of the other model for each row.
+std::vector<UnitComparison> RowsByPlainWalks(const IfcDocument& first, const IfcDocument& other) {
+  std::vector<UnitComparison> rows;
+  IFC::ChildQueue units;
+  first.getIfcUnitAssignment()->collectChildren(units);
+  while (!units.IsEmpty()) {
+    IFC::IfcEntity* const unit = units.TakeBack().entity;
+    const auto* const si = EntityCast<IFC::VIfcSIUnit>(unit);
+    if (si == nullptr) continue;
+    IFC::ChildQueue others;
+    other.getIfcUnitAssignment()->collectChildren(others);
+    UnitMatch match;
+    UnitComparison row;
+    row.same = CompareOneUnit(others, unit, match);
+    row.unitType = UnitTypeText(unit);
+    row.unitType.pop_back();
+    row.unitLabel = si->getPrefixText() + si->getNameText();
+    row.marker = unit->marker;
+    row.filePath = other.getFilePath();
+    row.code = match.code;
+    if (const auto* const found = EntityCast<IFC::VIfcSIUnit>(match.unit)) {
+      row.otherLabel = found->getPrefixText() + found->getNameText();
+      row.otherMarker = match.unit->marker;
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+auto Everything(const UnitComparison& row) {
+  return std::tie(row.unitType, row.unitLabel, row.marker, row.otherLabel, row.otherMarker,
+                  row.same, row.filePath, row.code);
+}
+
+TEST_F(CompareUnits, RowsAreThoseOfAWalkForEachOfThem) {
+  constexpr const char* kSome[] = {
+      kMetre,       kMillimetre, kMillimetre,
+      kCentimetre,  kGram,       "IFCSIUNIT(*,.MASSUNIT.,.KILO.,.GRAM.)",
+      kSquareMetre, kCubicMetre, "IFCMONETARYUNIT('EUR')"};
+  std::mt19937 random(1);
+  const auto some = [&] {
+    std::vector<std::string> units;
+    for (unsigned left = random() % 8 + 1; left > 0; --left) {
+      units.emplace_back(kSome[random() % std::size(kSome)]);
+    }
+    return Units(units);
+  };
+  for (int round = 0; round < 150; ++round) {
+    documents_.clear();
+    const std::string first = some();
+    const std::string second = some();
+    const std::vector<UnitComparison> rows = Compare(first, second);
+    const std::vector<UnitComparison> wanted = RowsByPlainWalks(*documents_[0], *documents_[1]);
+    ASSERT_EQ(wanted.size(), rows.size()) << first << second;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      ASSERT_EQ(Everything(wanted[i]), Everything(rows[i])) << first << second;
+    }
+  }
+}
+
+// Hands its members out and counts how often.
+class CountedAssignment final : public test::GraphNode {
+ public:
+  const char16_t* getClassName() const override { return u"IfcUnitAssignment"; }
+  void collectChildren(IFC::ChildQueue& queue) const override {
+    ++walks;
+    GraphNode::collectChildren(queue);
+  }
+  mutable int walks = 0;
+};
+
+TEST_F(CompareUnits, EachAssignmentIsWalkedOnceHoweverManyUnitsItHas) {
+  CountedAssignment assignments[2];
+  for (CountedAssignment& assignment : assignments) {
+    IfcDocument& document = Add("a.ifc", Units({kMetre, kGram, kMillimetre}));
+    for (int i = 0; i < 200; ++i) assignment.RefersTo(At(document, 1 + (i % 3)));
+    document.GetParser().ifcUnitAssignment = &assignment;
+  }
+  EXPECT_EQ(200u, CompareUnitAssignments(*documents_[0], *documents_[1]).size());
+  EXPECT_EQ(1, assignments[0].walks);
+  EXPECT_EQ(1, assignments[1].walks);
 }
 
 // A unit whose words are what the test says.

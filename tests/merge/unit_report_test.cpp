@@ -164,7 +164,7 @@ TEST_F(UnitReport, SchemasComeFirstAndUnitsAfterAnEmptyLine) {
             Messages());
 }
 
-TEST_F(UnitReport, UnitsAreNotToldWhenTheyAreIgnored) {
+TEST_F(UnitReport, PrefixesAreNotToldWhenUnitsAreIgnored) {
   shell_.options.ignoreUnits = true;
   Add("a.ifc", Units({kMetre}), "IFC4");
   Add("b.ifc", Units({kMillimetre}), "IFC2X3");
@@ -180,12 +180,41 @@ TEST_F(UnitReport, UnitsAreNotToldWhenTheyAreIgnored) {
             Messages());
 }
 
-TEST_F(UnitReport, AnotherUnitIsLeftOutWithoutAWordWhenUnitsAreIgnored) {
+constexpr const char* kGram = "IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)";
+constexpr const char* kSecondAsMass = "IFCSIUNIT(*,.MASSUNIT.,$,.SECOND.)";
+
+TEST_F(UnitReport, AnotherUnitIsToldWhenUnitsAreIgnored) {
   shell_.options.ignoreUnits = true;
-  Add("a.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)"}));
-  Add("b.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,$,.SECOND.)"}));
-  Add("c.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)"}));
-  EXPECT_EQ((std::vector<WideString>{u""}), Messages());
+  Add("a.ifc", Units({kGram}));
+  Add("b.ifc", Units({kSecondAsMass}));
+  Add("c.ifc", Units({kGram}));
+  EXPECT_EQ((std::vector<WideString>{
+                u"<not_all_projects_merge> \"a.ifc\"",
+                u"<due_to_invalid_units>:\n",
+                u"  MASSUNIT(#1) - GRAM\n",
+                u"<projects_that_will_not_be_merged>\n",
+                u"\n  b.ifc:\n    MASSUNIT(#1) - SECOND\n",
+                u"<projects_that_will_be_merged>\n\nc.ifc\"\n",
+                u"",
+            }),
+            Messages());
+}
+
+TEST_F(UnitReport, APrefixThatIsIgnoredIsNoReasonToBeToldBesideAnotherUnit) {
+  shell_.options.ignoreUnits = true;
+  Add("a.ifc", Units({kMetre, kGram}));
+  Add("b.ifc", Units({kMillimetre, kSecondAsMass}));
+  Add("c.ifc", Units({kCentimetre, kGram}));
+  EXPECT_EQ((std::vector<WideString>{
+                u"<not_all_projects_merge> \"a.ifc\"",
+                u"<due_to_invalid_units>:\n",
+                u"  MASSUNIT(#2) - GRAM\n",
+                u"<projects_that_will_not_be_merged>\n",
+                u"\n  b.ifc:\n    MASSUNIT(#2) - SECOND\n",
+                u"<projects_that_will_be_merged>\n\nc.ifc\"\n",
+                u"",
+            }),
+            Messages());
 }
 
 // What was let pass is not told, whatever the option says by then.

@@ -77,6 +77,20 @@ TEST_F(ReportTest, ModeOneWaitsForTheNextModeZeroAndBothAreShownInOneBox) {
   EXPECT_EQ(BoxWith("third"), host.calls.back());
 }
 
+TEST_F(ReportTest, ModeZeroWithNothingToSayShowsNoBox) {
+  ShowError("", u"", kReportShow);
+  EXPECT_TRUE(host.calls.empty());
+  EXPECT_TRUE(SomethingWasReported());
+}
+
+TEST_F(ReportTest, ModeZeroWithNothingOfItsOwnShowsWhatWaits) {
+  ShowError("", u"first", kReportCollect);
+  ShowError("", u"", kReportShow);
+  EXPECT_EQ((std::vector<std::string>{BoxWith("first")}), host.calls);
+  ShowError("", u"", kReportShow);
+  EXPECT_EQ(1u, host.calls.size());
+}
+
 TEST_F(ReportTest, ModeTwoIsLoggedOnly) {
   ShowError("", u"quiet", kReportLog);
   EXPECT_TRUE(host.calls.empty());
