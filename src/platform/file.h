@@ -14,13 +14,16 @@ enum class OpenMode {
   kRead,          // an existing file
   kWrite,         // emptied or created
   kAppend,        // created if missing, writes go to the end
-  kSharedAppend,  // as kAppend; others may read and write it meanwhile
+  kSharedAppend,  // as kAppend; others may read and write it meanwhile. An ordinary file alone: no
+                  // link at the end of the path is followed, no pipe or device opened
 };
 
 // One open file. Movable, closes when it goes.
 class File {
  public:
   File() = default;
+  // Takes over what the system has opened: a descriptor, or on Windows a handle.
+  explicit File(std::intptr_t opened) : handle_(opened) {}
   File(File&& other) noexcept;
   File& operator=(File&& other) noexcept;
   ~File();
@@ -42,10 +45,14 @@ class File {
   bool AtEnd() const { return atEnd_; }
   // True once a read came short for another reason than the end of the file.
   bool ReadFailed() const { return readFailed_; }
+  // Takes all bytes away; the position is 0 then.
+  bool Empty();
   // Hands everything to the disk. False when the system refuses.
   bool Sync();
   // False when the system reports a late write error. The file is closed in any case.
   bool Close();
+  // What the constructor takes; -1 when closed.
+  std::intptr_t Opened() const { return handle_; }
 
  private:
   std::intptr_t handle_ = -1;
@@ -60,6 +67,8 @@ bool RemoveFile(const std::u16string& path);
 bool FileExists(const std::u16string& path);
 bool IsFolder(const std::u16string& path);
 bool MakeFolder(const std::u16string& path);
+// A file of bytes, or a link to one: neither folder nor pipe nor device.
+bool IsOrdinaryFile(const std::u16string& path);
 // True when both names lead to one existing file (links and spelling aside).
 bool IsSameFile(const std::u16string& a, const std::u16string& b);
 

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "platform/file.h"
+#include "platform/locked_file.h"
 #include "platform/utf8.h"
 #include "support/posix_faults.h"
 #include "support/temporary_folder.h"
@@ -175,6 +176,99 @@ TEST(PosixFile, DevicesAndPipesAreNotRemoved) {
   TemporaryFolder folder;
   EXPECT_FALSE(RemoveFile(MakePipe(folder)));
   EXPECT_TRUE(folder.Has("pipe.ifc"));
+}
+
+// --- What stands in a file's place ---------------------------------------------------------------
+
+void Link(const TemporaryFolder& folder, const char* target) {
+  std::filesystem::create_symlink(target, folder.Native("link.ifc"));
+}
+
+TEST(PosixFile, SharedAppendingFollowsNoLinkAndOpensNoPipeOrDevice) {
+  TemporaryFolder folder;
+  folder.Write("a.ifc", "x");
+  Link(folder, "a.ifc");
+  File file;
+  EXPECT_FALSE(file.Open(folder.Path("link.ifc"), OpenMode::kSharedAppend));
+  EXPECT_FALSE(file.Open(MakePipe(folder), OpenMode::kSharedAppend));
+  EXPECT_FALSE(file.Open(u"/dev/null", OpenMode::kSharedAppend));
+  EXPECT_EQ("x", folder.Read("a.ifc"));
+}
+
+TEST(PosixFile, AnOrdinaryFileIsNoPipeDeviceOrFolder) {
+  TemporaryFolder folder;
+  folder.Write("a.ifc", "x");
+  Link(folder, "a.ifc");
+  EXPECT_TRUE(IsOrdinaryFile(folder.Path("a.ifc")));
+  EXPECT_TRUE(IsOrdinaryFile(folder.Path("link.ifc")));
+  EXPECT_FALSE(IsOrdinaryFile(MakePipe(folder)));
+  EXPECT_FALSE(IsOrdinaryFile(u"/dev/null"));
+  EXPECT_FALSE(IsOrdinaryFile(folder.Path()));
+  EXPECT_FALSE(IsOrdinaryFile(folder.Path("none.ifc")));
+}
+
+TEST(PosixClaimedFile, IsNoLinkPipeOrDevice) {
+  TemporaryFolder folder;
+  folder.Write("a.ifc", "x");
+  Link(folder, "a.ifc");
+  File file;
+  EXPECT_EQ(Claim::kRefused, ClaimFile(folder.Path("link.ifc"), file));
+  EXPECT_EQ(Claim::kRefused, ClaimFile(MakePipe(folder), file));
+  EXPECT_EQ(Claim::kRefused, ClaimFile(u"/dev/null", file));
+  EXPECT_EQ("x", folder.Read("a.ifc"));
+}
+
+TEST(PosixClaimedFile, MayBeBehindALinkToItsFolder) {
+  TemporaryFolder folder;
+  folder.Write("sub/a.ifc", "x");
+  std::filesystem::create_directory_symlink("sub", folder.Native("link"));
+  File file;
+  EXPECT_EQ(Claim::kTaken, ClaimFile(folder.Path("link/a.ifc"), file));
+}
+
+TEST(PosixClaimedFile, OneThatWasRemovedGivesItsPlaceToTheNext) {
+  TemporaryFolder folder;
+  const auto path = folder.Path("a.ifc");
+  File first;
+  File second;
+  ASSERT_EQ(Claim::kTaken, ClaimFile(path, first));
+  EXPECT_TRUE(RemoveFile(path));
+  ASSERT_EQ(Claim::kTaken, ClaimFile(path, second));
+  EXPECT_EQ(3u, second.Write("new", 3));
+  EXPECT_FALSE(RemoveClaimedFile(path, first)) << "it is another's by now";
+  EXPECT_EQ("new", folder.Read("a.ifc"));
+}
+
+TEST(PosixClaimedFile, OfAFolderThatMayNotBeWrittenIsRefused) {
+  TemporaryFolder folder;
+  std::filesystem::permissions(folder.Native("."), std::filesystem::perms(0555));
+  {
+    OrdinaryUser user;
+    File file;
+    EXPECT_EQ(Claim::kRefused, ClaimFile(folder.Path("a.ifc"), file));
+    EXPECT_FALSE(OpenUnnamedFile(folder.Path(), file));
+  }
+  std::filesystem::permissions(folder.Native("."), std::filesystem::perms::owner_all);
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(PosixUnnamedFile, HasNoNameWhileItIsOpen) {
+  TemporaryFolder folder;
+  File file;
+  ASSERT_TRUE(OpenUnnamedFile(folder.Path(), file));
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(PosixUnnamedFile, TheTemporaryFolderIsWhatTheUserSays) {
+  const char* const before = std::getenv("TMPDIR");
+  const std::string kept = before == nullptr ? "" : before;
+  ::setenv("TMPDIR", "/else/where", 1);
+  EXPECT_EQ(u"/else/where", SystemTemporaryFolder());
+  ::setenv("TMPDIR", "", 1);
+  EXPECT_EQ(u"/tmp", SystemTemporaryFolder());
+  ::unsetenv("TMPDIR");
+  EXPECT_EQ(u"/tmp", SystemTemporaryFolder());
+  if (before != nullptr) ::setenv("TMPDIR", kept.c_str(), 1);
 }
 
 }  // namespace

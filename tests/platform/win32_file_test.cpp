@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/file.h"
+#include "platform/locked_file.h"
 #include "platform/win32/long_path.h"
 #include "support/temporary_folder.h"
 
@@ -103,6 +104,45 @@ TEST(WindowsFile, WhatAnotherProgramKeepsToItselfCannotBeOpened) {
   }
   ::CloseHandle(other);
   EXPECT_EQ("x", folder.Read("a.ifc"));
+}
+
+TEST(WindowsFile, WhatIsClaimedIsNeitherWrittenNorRemovedByOthers) {
+  TemporaryFolder folder;
+  const auto path = folder.Write("a.ifc", "x");
+  File claimed;
+  ASSERT_EQ(Claim::kTaken, ClaimFile(path, claimed));
+  File other;
+  for (const OpenMode mode : {OpenMode::kWrite, OpenMode::kAppend, OpenMode::kSharedAppend}) {
+    EXPECT_FALSE(other.Open(path, mode));
+  }
+  EXPECT_FALSE(RemoveFile(path));
+  EXPECT_TRUE(other.Open(path, OpenMode::kRead));
+  EXPECT_EQ("x", ReadUpTo(other, 10));
+}
+
+TEST(WindowsFile, WhatAnotherProgramKeepsToItselfIsLocked) {
+  TemporaryFolder folder;
+  const auto path = folder.Write("a.ifc", "x");
+  const HANDLE other = ::CreateFileW(Native(path), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, {});
+  ASSERT_NE(INVALID_HANDLE_VALUE, other);
+  File file;
+  EXPECT_EQ(Claim::kLocked, ClaimFile(path, file));
+  ::CloseHandle(other);
+  EXPECT_EQ(Claim::kTaken, ClaimFile(path, file));
+}
+
+TEST(WindowsFile, APipeIsNeverClaimed) {
+  const std::u16string name = u"\\\\.\\pipe\\corvel_claim_" + [] {
+    const std::string number = std::to_string(::GetCurrentProcessId());
+    return std::u16string(number.begin(), number.end());
+  }();
+  const HANDLE pipe = ::CreateNamedPipeW(Native(name), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 4096,
+                                         4096, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+  File file;
+  EXPECT_EQ(Claim::kRefused, ClaimFile(name, file));
+  EXPECT_FALSE(file.IsOpen());
+  ::CloseHandle(pipe);
 }
 
 TEST(WindowsFile, AReadOnlyFileIsReadAndNotRemoved) {

@@ -19,14 +19,23 @@ constexpr std::intptr_t kClosed = -1;
 // Larger requests are cut short by some systems.
 constexpr std::size_t kLargestTransfer = std::size_t{1} << 30;
 
+// A link fails with it, and opening a pipe waits for nobody. See IsWanted for the rest.
+constexpr int kOrdinaryOnly = O_NOFOLLOW | O_NONBLOCK;
+
 int FlagsOf(OpenMode mode) {
   switch (mode) {
     case OpenMode::kRead: return O_RDONLY;
     case OpenMode::kWrite: return O_WRONLY | O_CREAT | O_TRUNC;
-    case OpenMode::kAppend:
-    case OpenMode::kSharedAppend: return O_WRONLY | O_CREAT | O_APPEND;
+    case OpenMode::kAppend: return O_WRONLY | O_CREAT | O_APPEND;
+    case OpenMode::kSharedAppend: return O_WRONLY | O_CREAT | O_APPEND | kOrdinaryOnly;
   }
   return O_RDONLY;
+}
+
+bool IsWanted(int descriptor, OpenMode mode) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return false;
+  return mode == OpenMode::kSharedAppend ? S_ISREG(status.st_mode) : !S_ISDIR(status.st_mode);
 }
 
 std::optional<struct stat> StatusOf(const std::u16string& path) {
@@ -70,8 +79,7 @@ bool File::Open(const std::u16string& path, OpenMode mode) {
   const int descriptor = RetryInterrupted(
       [&] { return ::open(name.c_str(), FlagsOf(mode) | O_CLOEXEC | O_NOCTTY, 0666); });
   if (descriptor < 0) return false;
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
+  if (!IsWanted(descriptor, mode)) {
     ::close(descriptor);
     return false;
   }
@@ -123,6 +131,12 @@ std::int64_t File::Size() const {
   return IsOpen() && ::fstat(static_cast<int>(handle_), &status) == 0 ? status.st_size : -1;
 }
 
+bool File::Empty() {
+  return IsOpen() &&
+         RetryInterrupted([&] { return ::ftruncate(static_cast<int>(handle_), 0); }) == 0 &&
+         Seek(0);
+}
+
 // Pipes, terminals and some network file systems have nothing to hand over, which is no failure.
 bool File::Sync() {
   if (!IsOpen()) return false;
@@ -152,6 +166,11 @@ bool FileExists(const std::u16string& path) {
 bool IsFolder(const std::u16string& path) {
   const auto status = StatusOf(path);
   return status && S_ISDIR(status->st_mode);
+}
+
+bool IsOrdinaryFile(const std::u16string& path) {
+  const auto status = StatusOf(path);
+  return status && S_ISREG(status->st_mode);
 }
 
 bool MakeFolder(const std::u16string& path) { return ::mkdir(ToUtf8(path).c_str(), 0777) == 0; }

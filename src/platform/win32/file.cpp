@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/win32/long_path.h"
+#include "platform/win32/ordinary_file.h"
 
 namespace platform {
 
@@ -81,9 +82,12 @@ bool File::Open(const std::u16string& path, OpenMode mode) {
   atEnd_ = readFailed_ = false;
   // A NUL would cut the name and lead to another file.
   if (path.find(u'\0') != std::u16string::npos) return false;
+  constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE;
   const HANDLE handle =
-      ::CreateFileW(PathForSystem(path).c_str(), AccessOf(mode), FILE_SHARE_READ | FILE_SHARE_WRITE,
-                    nullptr, CreationOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
+      mode == OpenMode::kSharedAppend
+          ? OpenOrdinaryFile(path, AccessOf(mode), kShare, CreationOf(mode))
+          : ::CreateFileW(PathForSystem(path).c_str(), AccessOf(mode), kShare, nullptr,
+                          CreationOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
   handle_ = reinterpret_cast<std::intptr_t>(handle);
   return IsOpen();
 }
@@ -138,6 +142,8 @@ std::int64_t File::Size() const {
   return IsOpen() && ::GetFileSizeEx(HandleOf(handle_), &size) != 0 ? size.QuadPart : -1;
 }
 
+bool File::Empty() { return Seek(0) && ::SetEndOfFile(HandleOf(handle_)) != 0; }
+
 // Pipes and consoles have nothing to hand over, which is no failure.
 bool File::Sync() {
   if (!IsOpen()) return false;
@@ -158,6 +164,12 @@ bool RemoveFile(const std::u16string& path) {
 bool FileExists(const std::u16string& path) { return HasAttributes(path, false); }
 
 bool IsFolder(const std::u16string& path) { return HasAttributes(path, true); }
+
+bool IsOrdinaryFile(const std::u16string& path) {
+  File file;
+  return file.Open(path, OpenMode::kRead) &&
+         ::GetFileType(HandleOf(file.Opened())) == FILE_TYPE_DISK;
+}
 
 bool MakeFolder(const std::u16string& path) {
   return ::CreateDirectoryW(PathForSystem(path).c_str(), nullptr) != 0;
