@@ -42,7 +42,7 @@ OutputSuggestion SuggestionFor(const WideString& path, const WideString& ending)
   const bool isEntry = bar != WideString::npos;
   const WideView file = WideView(path).substr(0, bar);
   const std::size_t folderEnd = platform::FindLastSeparator(file) + 1;
-  const WideView name = isEntry ? WideView(path).substr(bar + 1) : file.substr(folderEnd);
+  const WideView name = isEntry ? FileNameOf(WideView(path).substr(bar + 1)) : FileNameOf(file);
   OutputSuggestion suggestion;
   suggestion.folder = file.substr(0, folderEnd);
   suggestion.name = WideString(name.substr(0, name.rfind(u'.'))) + ending;
@@ -103,8 +103,10 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
   WarnOfLargeFiles();
   const DocumentsOfRun whileItLasts(documents_);
   Prepare();
-  if (!AskForOutput()) return End(false);
-  if (!ReadAll() || !PrepareDocuments() || !Fold()) return End(false);
+  if (!AskForOutput() || !ReadAll()) return End(false);
+  // Reading is over, so that an output may take the place of a work file that it has left.
+  outputPath_ = shell_.OutputPath();
+  if (!PrepareDocuments() || !Fold()) return End(false);
   const bool saved = Save();
   if (CancelWasConfirmed()) return End(false);
   Conclude();
@@ -135,9 +137,7 @@ void MergeJob::Prepare() {
 
 bool MergeJob::AskForOutput() {
   const WideString path = scene_.ProjectPath(files_.front());
-  if (!shell_.AskForOutput(SuggestionFor(path, shell_.Text("merged")))) return false;
-  outputPath_ = shell_.OutputPath();
-  return true;
+  return shell_.AskForOutput(SuggestionFor(path, shell_.Text("merged")));
 }
 
 bool MergeJob::ReadAll() {
@@ -153,7 +153,7 @@ bool MergeJob::Read(HostObject project) {
   Log(u"Reading file: " + path);
   auto document = std::make_unique<IfcDocument>(shell_.Options().ignoreEnumErrors,
                                                 shell_.Reporter(), shell_.Ticks());
-  std::vector<WideString> reserved{outputPath_};
+  std::vector<WideString> reserved;
   for (const HostObject file : files_) reserved.push_back(scene_.ProjectPath(file));
   document->ReservePaths(std::move(reserved));
   Log(u"ParseFile: " + path);

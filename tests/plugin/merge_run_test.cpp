@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <set>
 #include <utility>
 
 #include "core/main_container.h"
@@ -64,6 +65,8 @@ class MergeRunTest : public testing::Test {
     host.Click(ids[static_cast<std::size_t>(mode)]);
   }
   const RunResult& Result() const { return Plugin::Instance()->LastRun(); }
+  // All but the header, which names the file.
+  static std::string BodyOf(const std::string& file) { return file.substr(file.find("DATA;")); }
   bool Called(const char* name) const { return !host.CallsOf(name).empty(); }
   std::vector<std::string> Points() const {
     std::vector<std::string> points;
@@ -240,6 +243,20 @@ TEST_F(MergeRunTest, AnEntryOfAContainerSuggestsItsOwnNameInTheFolderOfTheContai
             host.CallsOf("set_save_dialog_default_extension"));
 }
 
+TEST_F(MergeRunTest, AnEntryInAFolderOfItsContainerSuggestsTheLastPartOfItsName) {
+  for (const char16_t* const entry : {u"sub/inner.ifc", u"sub\\deeper\\inner.ifc"}) {
+    host.children.clear();
+    host.objects.clear();
+    host.AddProject(1, WideString(u"D:\\a\\model.olf|") + entry);
+    host.AddProject(2, u"D:\\b\\other.ifc");
+    host.output.clear();
+    Run();
+    EXPECT_EQ((std::vector<std::string>{
+                  "set_save_dialog_params(\"filter_caption\", \"D:\\a\\\", \"inner_merged\")"}),
+              host.CallsOf("set_save_dialog_params"));
+  }
+}
+
 TEST_F(MergeRunTest, ANameWithoutADotStaysWhole) {
   host.AddProject(1, u"D:\\a.b\\model.olf|inner");
   host.AddProject(2, u"D:\\b\\other.ifc");
@@ -324,6 +341,71 @@ TEST_F(MergeRunTest, TwoFilesOfDifferentSchemasWriteNothingThoughTheNameWasAsked
   EXPECT_TRUE(Called("save_dialog"));
   EXPECT_FALSE(folder.Has("out.ifc"));
   EXPECT_FALSE(Result().written);
+}
+
+TEST_F(MergeRunTest, TheDialogIsAskedForTheNameWhenAllFilesAreRead) {
+  AddThree();
+  Run();
+  const auto at = [&](const char* start) {
+    return std::find_if(host.calls.begin(), host.calls.end(),
+                        [&](const std::string& call) { return call.starts_with(start); });
+  };
+  EXPECT_EQ(1u, host.CallsOf("get_save_dialog_name").size());
+  const auto asked = at("get_save_dialog_name");
+  EXPECT_LT(at("save_dialog("), asked);
+  std::set<std::string> before;
+  for (const std::string& call : host.CallsOf("update_progress_bar")) {
+    const auto name = call.find("reading_file: ");
+    if (name != std::string::npos) before.insert(call.substr(name + 14, 5));
+  }
+  EXPECT_EQ((std::set<std::string>{"a.ifc", "b.ifc", "c.ifc"}), before);
+  EXPECT_TRUE(std::none_of(asked, host.calls.end(), [](const std::string& call) {
+    return call.find("reading_file") != std::string::npos;
+  }));
+}
+
+TEST_F(MergeRunTest, ACancelWhileReadingAsksForNoName) {
+  AddThree();
+  host.tick = [] { return false; };
+  platform.answers = {::platform::Answer::kYes};
+  Run();
+  EXPECT_TRUE(Called("save_dialog"));
+  EXPECT_FALSE(Called("get_save_dialog_name"));
+}
+
+// The project's context stands behind it, so that reading leaves a work file.
+TEST_F(MergeRunTest, AnOutputTakesThePlaceOfTheWorkFileThatReadingLeft) {
+  AddThree();
+  host.output = folder.Path("a_TEMP.ifc");
+  bool wasLeft = false;
+  host.tick = [&] { return wasLeft = wasLeft || folder.Has("a_TEMP.ifc"), true; };
+  Run();
+  EXPECT_TRUE(wasLeft);
+  EXPECT_TRUE(Result().written);
+  const std::string written = folder.Read("a_TEMP.ifc");
+  host.output = folder.Path("out.ifc");
+  IFC::MainContainer::ResetUniqueMarker();
+  ClickOn(SavingMode::kMergeActive);
+  EXPECT_EQ(BodyOf(folder.Read("out.ifc")), BodyOf(written));
+  EXPECT_EQ((std::vector<std::string>{"1.", "2.", "3."}), Points());
+}
+
+TEST_F(MergeRunTest, AModelUnderTheNameOfAWorkFileStaysUntilTheOutputReplacesIt) {
+  AddThree();
+  const std::string model = test::ModelFile(Records(7));
+  host.output = folder.Write("b_TEMP.ifc", model);
+  bool isReading = true;
+  std::string whileReading;
+  host.tick = [&] {
+    if (isReading) whileReading = folder.Read("b_TEMP.ifc");
+    isReading = !Called("get_save_dialog_name");
+    return true;
+  };
+  Run();
+  EXPECT_EQ(model, whileReading);
+  EXPECT_TRUE(Result().written);
+  EXPECT_NE(model, folder.Read("b_TEMP.ifc"));
+  EXPECT_TRUE(folder.Has("b_TEMP2.ifc"));
 }
 
 TEST_F(MergeRunTest, StaleProjectsDontCount) {
