@@ -7,6 +7,7 @@
 #include "host/resave.h"
 #include "host/run_checks.h"
 #include "platform/file.h"
+#include "plugin/texts.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel::host {
@@ -81,6 +82,11 @@ bool ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
     return false;
   }
   const plugin::Ribbon& buttons = plugin.Buttons();
+  // Over this as well.
+  const bool selects = order_.choices.mode == SavingMode::kMergeSelected;
+  if (selects && !viewer.Scene().AnythingIsSelected()) {
+    console_.Say(plugin::GetText("combining_failed"));
+  }
   switch (order_.choices.mode) {
     case SavingMode::kMergeActive: viewer.Click(buttons.mergeActive); break;
     case SavingMode::kMergeVisible: viewer.Click(buttons.mergeVisible); break;

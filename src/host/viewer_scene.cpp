@@ -126,6 +126,13 @@ bool ViewerScene::AnythingIsActive() const {
   return false;
 }
 
+bool ViewerScene::AnythingIsSelected() const {
+  for (const HostObject object : Objects()) {
+    if (StateOf(object).selected != 0) return true;
+  }
+  return false;
+}
+
 const WideString& ViewerScene::PathOf(HostObject project) const {
   static const WideString none;
   return project < 1 || project > entries_.size() ? none : entries_[project - 1].model.path;

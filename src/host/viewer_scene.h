@@ -48,6 +48,8 @@ class ViewerScene {
   void SetVisible(HostObject object, bool visible);
   // True when an object of any model is active.
   bool AnythingIsActive() const;
+  // The same of selected objects.
+  bool AnythingIsSelected() const;
 
   // Empty for a project that is not there.
   const WideString& PathOf(HostObject project) const;

@@ -9,6 +9,7 @@
 #include "core/main_container.h"
 #include "core/reporting.h"
 #include "merge/merge_documents.h"
+#include "platform/file.h"
 #include "platform/platform.h"
 #include "plugin/bound_scene.h"
 #include "plugin/bound_shell.h"
@@ -119,9 +120,23 @@ void Plugin::OnPluginLoad(HostHandle host, std::int32_t /*flag*/, void* window) 
   RegisterForeignButtons();
   nameText_ = GetText("name");
   nameAndGuidText_ = GetText("nameAndGuid");
-  options_ = std::make_unique<OptionsWindow>(TextsOfOptions());
+  MakeOptions();
   LoadConfig();
   ApplyState();
+  // A viewer that loads the plug-in anew, for another language perhaps, keeps its models.
+  if (!projects_.empty()) ribbon_.EnableForModels(HasObjects());
+}
+
+// The window of an earlier load goes first, with the name of its class; what was chosen in it
+// stays.
+void Plugin::MakeOptions() {
+  PluginConfig kept;
+  if (options_ != nullptr) kept = {options_->options, options_->position};
+  SaveConfig();
+  options_.reset();
+  options_ = std::make_unique<OptionsWindow>(TextsOfOptions());
+  options_->options = kept.options;
+  options_->position = kept.position;
 }
 
 void Plugin::OnPluginUnload() { SaveConfig(); }
@@ -154,8 +169,11 @@ void Plugin::ApplyState() {
   }
 }
 
+// What is chosen before the first merge needs a folder that nothing else has made yet.
 void Plugin::SaveConfig() {
-  if (options_ != nullptr) WriteConfig(ConfigPath(), {options_->options, options_->position});
+  if (options_ == nullptr) return;
+  if (!platform::FileExists(ConfigPath())) EnsureFile(ConfigPath());
+  WriteConfig(ConfigPath(), {options_->options, options_->position});
 }
 
 MergeOptions Plugin::RunOptions() const {
@@ -245,6 +263,8 @@ void Plugin::Merge(std::int32_t button) {
     return;
   }
   if (mode != SavingMode::kMergeActive) files = job.CollectProjectsOfMode(mode);
+  // Whoever has selected nothing has asked for nothing.
+  if (mode == SavingMode::kMergeSelected && files.empty()) return;
   lastRun_ = job.Run(files, projects_, mode);
 }
 

@@ -47,6 +47,7 @@ class Plugin final : public cpp::PluginBase {
 
  private:
   void LoadCancelTexts();
+  void MakeOptions();
   void LoadConfig();
   void ApplyState();
   WideString ConfigPath() const { return folders.user + u"config.txt"; }

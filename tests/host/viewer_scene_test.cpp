@@ -81,6 +81,14 @@ TEST(ViewerScene, AtFirstEverythingIsActiveAndVisibleAndNothingSelected) {
   const ViewerScene scene = SceneWith(Model(kHouse));
   for (const HostObject object : scene.Objects()) EXPECT_EQ("av-", StateText(scene, object));
   EXPECT_TRUE(scene.AnythingIsActive());
+  EXPECT_FALSE(scene.AnythingIsSelected());
+}
+
+TEST(ViewerScene, OneSelectedObjectOfAnyModelIsASelection) {
+  LoadedModel model = Model(kHouse);
+  model.flags.assign(3, {});
+  model.flags[2] = kSelected;
+  EXPECT_TRUE(SceneWith(Model(kHouse), model).AnythingIsSelected());
 }
 
 TEST(ViewerScene, AProjectHasTheStateOfItsObjects) {

@@ -150,6 +150,83 @@ TEST_F(PluginTest, TheConfigIsWrittenAtTheUnload) {
   EXPECT_EQ("true\nfalse\ntrue\nfalse\n0\n0\nfalse\n", written);
 }
 
+TEST_F(PluginTest, TheConfigIsWrittenIntoAFolderThatIsNotThereYet) {
+  Load();
+  Plugin& plugin = *Plugin::Instance();
+  plugin.folders.user = host.user.Path("viewer") + u"/plugins/corvel/";
+  plugin.Options()->options.remember = true;
+  on_plugin_unload();
+  std::string written = host.user.Read("viewer/plugins/corvel/config.txt");
+  std::erase(written, '\r');
+  EXPECT_EQ("true\ntrue\nfalse\nfalse\n0\n0\nfalse\n", written);
+}
+
+TEST_F(PluginTest, AUserFolderThatCannotBeMadeIsPassedOver) {
+  Load();
+  host.user.Write("viewer", "a file in the place of the folder");
+  Plugin::Instance()->folders.user = host.user.Path("viewer") + u"/plugins/corvel/";
+  on_plugin_unload();
+  EXPECT_TRUE(platform.boxes.empty());
+  EXPECT_EQ("a file in the place of the folder", host.user.Read("viewer"));
+}
+
+// The ids of the second ribbon follow those of the first.
+TEST_F(PluginTest, ASecondLoadBindsTheButtonsAnew) {
+  Load();
+  host.Load();
+  const Ribbon& ribbon = Plugin::Instance()->Buttons();
+  EXPECT_EQ(kOpenRecent + 1, ribbon.main);
+  EXPECT_EQ(kOpenRecent + 6, ribbon.openRecent);
+  EXPECT_EQ(1u, host.CallsOf("create_group").size());
+  for (const auto id : {ribbon.mergeActive, ribbon.mergeVisible, ribbon.mergeSelected,
+                        ribbon.options, ribbon.openRecent}) {
+    EXPECT_EQ(host.clicks[kActive], host.clicks[id]) << id;
+  }
+  host.loadedFiles = 0;
+  host.Click(ribbon.mergeActive);
+  EXPECT_EQ(1u, host.CallsOf("message_box").size()) << "it is told of one click once";
+  EXPECT_TRUE(platform.boxes.empty()) << "the class of the window is free again";
+}
+
+TEST_F(PluginTest, ASecondLoadMakesTheSameCallsAsTheFirst) {
+  host.user.Write("config.txt", "true\nfalse\nfalse\nfalse\n0\n0\nfalse\n");
+  host.Load();
+  const std::vector<std::string> first = Names();
+  host.calls.clear();
+  host.Load();
+  EXPECT_EQ(first, Names());
+}
+
+TEST_F(PluginTest, ASecondLoadKeepsWhatWasChosen) {
+  Load();
+  OptionsWindow& chosen = *Plugin::Instance()->Options();
+  chosen.options = {false, true, true, true, true};
+  chosen.position = {5, 6};
+  host.Load();
+  const OptionsWindow& options = *Plugin::Instance()->Options();
+  EXPECT_FALSE(options.options.generateGuid);
+  EXPECT_TRUE(options.options.remember);
+  EXPECT_TRUE(options.options.ignoreUnits);
+  EXPECT_TRUE(options.options.ignoreEnumErrors);
+  EXPECT_TRUE(options.options.deleteOpenings);
+  EXPECT_EQ(5, options.position.x);
+  EXPECT_EQ(6, options.position.y);
+}
+
+TEST_F(PluginTest, ASecondLoadKeepsTheModelsAndTheirButtons) {
+  Load();
+  host.AddProject(1, u"a.ifc");
+  host.AddProject(2, u"b.ifc");
+  host.TellModelsAreLoaded();
+  host.Load();
+  const Ribbon& ribbon = Plugin::Instance()->Buttons();
+  EXPECT_EQ((std::vector<HostObject>{1, 2}), Plugin::Instance()->Projects());
+  for (const auto id :
+       {ribbon.main, ribbon.mergeActive, ribbon.mergeVisible, ribbon.mergeSelected}) {
+    EXPECT_TRUE(host.enabled[id]) << id;
+  }
+}
+
 TEST_F(PluginTest, ChoicesForOneRunAreNotKept) {
   Load();
   MergeOptions once;
@@ -259,7 +336,7 @@ TEST_F(PluginTest, WithoutAnActiveObjectNothingHappens) {
   EXPECT_EQ("get_object_state", Names().back());
 }
 
-TEST_F(PluginTest, AnEmptySelectionOpensNoDialogAndNoJob) {
+TEST_F(PluginTest, AnEmptySelectionStartsNothingAndShowsNothing) {
   Load();
   host.AddProject(1, u"a.ifc");
   host.AddProject(2, u"b.ifc");
@@ -269,6 +346,18 @@ TEST_F(PluginTest, AnEmptySelectionOpensNoDialogAndNoJob) {
   host.Click(kSelected);
   EXPECT_TRUE(host.CallsOf("show_progress_bar").empty());
   EXPECT_TRUE(host.CallsOf("save_dialog").empty());
+  EXPECT_TRUE(host.CallsOf("message_box").empty());
+  EXPECT_EQ("get_object_state", Names().back());
+}
+
+TEST_F(PluginTest, AnEmptyViewIsTooFewProjects) {
+  Load();
+  host.AddProject(1, u"a.ifc");
+  host.AddProject(2, u"b.ifc");
+  host.TellModelsAreLoaded();
+  for (auto& object : host.objects) object.state.visible = 0;
+  host.calls.clear();
+  host.Click(kVisible);
   EXPECT_EQ("message_box(\"error_caption\", \"combining_failed\", 16)", host.calls.back());
 }
 
