@@ -1,12 +1,16 @@
 #include "plugin/win32/options_form.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/win32/wide.h"
 
 namespace corvel::plugin {
 
 namespace {
+
+// Sizes and places are told for a screen of this many dots per inch.
+constexpr int kUsualDpi = 96;
 
 constexpr int kWidth = 600;
 constexpr int kFullHeight = 420;
@@ -28,8 +32,12 @@ struct ControlLook {
   int height;
 };
 
+using ControlLooks = std::array<ControlLook, kFormControlCount>;
+
+int Scaled(int length, int dpi) { return ::MulDiv(length, dpi, kUsualDpi); }
+
 // In the window's client area; `height` is that of the whole window.
-constexpr std::array<ControlLook, kFormControlCount> LooksOf(int height) {
+constexpr ControlLooks UsualLooks(int height) {
   constexpr int kRow = kWidth - 120;
   return {{
       {kGroupTitle, kShown | BS_GROUPBOX, 20, 20, kWidth - 80, 90},
@@ -42,6 +50,16 @@ constexpr std::array<ControlLook, kFormControlCount> LooksOf(int height) {
   }};
 }
 
+ControlLooks LooksOf(bool shortForm, int dpi) {
+  ControlLooks looks = UsualLooks(shortForm ? kShortHeight : kFullHeight);
+  for (ControlLook& look : looks) {
+    for (int* const length : {&look.x, &look.y, &look.width, &look.height}) {
+      *length = Scaled(*length, dpi);
+    }
+  }
+  return looks;
+}
+
 HWND MakeControl(HWND window, const ControlLook& look, const OptionsTexts& texts) {
   const auto module = reinterpret_cast<HINSTANCE>(::GetWindowLongPtrW(window, GWLP_HINSTANCE));
   return ::CreateWindowExW(WS_EX_WINDOWEDGE, L"BUTTON",
@@ -49,9 +67,9 @@ HWND MakeControl(HWND window, const ControlLook& look, const OptionsTexts& texts
                            look.width, look.height, window, nullptr, module, nullptr);
 }
 
-HFONT MakeFont() {
-  return ::CreateFontW(kFontHeight, 0, 0, 0, FW_DONTCARE, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                       OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+HFONT MakeFont(int dpi) {
+  return ::CreateFontW(Scaled(kFontHeight, dpi), 0, 0, 0, FW_DONTCARE, FALSE, FALSE, FALSE,
+                       DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
                        DEFAULT_PITCH | FF_DONTCARE, kFontName);
 }
 
@@ -67,20 +85,57 @@ void SetIcon(HWND window, WPARAM which, HICON icon) {
 
 }  // namespace
 
-FormSize SizeOfForm(bool shortForm) { return {kWidth, shortForm ? kShortHeight : kFullHeight}; }
+FormSize SizeOfForm(bool shortForm, int dpi) {
+  return {Scaled(kWidth, dpi), Scaled(shortForm ? kShortHeight : kFullHeight, dpi)};
+}
 
-void OptionsForm::Fill(HWND window, const OptionsTexts& texts, bool shortForm) {
+// Screens have dots of their own from Windows 10 on; before, all have those of the first.
+int DpiOf(HWND window) {
+  using DpiForWindow = UINT(WINAPI*)(HWND);
+  const auto dpiForWindow = reinterpret_cast<DpiForWindow>(reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+  int dpi = 0;
+  if (window != nullptr && dpiForWindow != nullptr) dpi = static_cast<int>(dpiForWindow(window));
+  if (dpi == 0) {
+    const HDC screen = ::GetDC(nullptr);
+    dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
+    ::ReleaseDC(nullptr, screen);
+  }
+  return std::max(dpi, kUsualDpi);
+}
+
+void OptionsForm::Fill(HWND window, const OptionsTexts& texts, bool shortForm, int dpi) {
   LoadIcons(window);
-  const auto looks = LooksOf(SizeOfForm(shortForm).height);
-  font_.reset(MakeFont());
+  shortForm_ = shortForm;
+  dpi_ = dpi;
+  const ControlLooks looks = LooksOf(shortForm, dpi);
   for (std::size_t i = 0; i < kFormControlCount; ++i) {
     controls_[i] = MakeControl(window, looks[i], texts);
-    ::SendMessageW(controls_[i], WM_SETFONT, reinterpret_cast<WPARAM>(font_.get()), TRUE);
   }
+  SetFont();
   if (shortForm) {
     ::ShowWindow(controls_[kUnitsBox], SW_HIDE);
     ::ShowWindow(controls_[kEnumsBox], SW_HIDE);
   }
+}
+
+void OptionsForm::Scale(int dpi) {
+  dpi_ = std::max(dpi, kUsualDpi);
+  const ControlLooks looks = LooksOf(shortForm_, dpi_);
+  for (std::size_t i = 0; i < kFormControlCount; ++i) {
+    ::SetWindowPos(controls_[i], nullptr, looks[i].x, looks[i].y, looks[i].width, looks[i].height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  SetFont();
+}
+
+// The font before lives until no control draws with it.
+void OptionsForm::SetFont() {
+  std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter> font(MakeFont(dpi_));
+  for (const HWND control : controls_) {
+    ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
+  }
+  font_ = std::move(font);
 }
 
 void OptionsForm::LoadIcons(HWND window) {
@@ -90,7 +145,8 @@ void OptionsForm::LoadIcons(HWND window) {
   SetIcon(window, ICON_SMALL, smallIcon_.get());
 }
 
-void OptionsForm::SetMarks(const MergeOptions& options) const {
+void OptionsForm::SetMarks(const MergeOptions& options) {
+  isMarked_ = true;
   const auto mark = [this](FormControl control, bool on) {
     ::SendMessageW(controls_[control], BM_SETCHECK, on ? BST_CHECKED : BST_UNCHECKED, 0);
   };
@@ -99,6 +155,27 @@ void OptionsForm::SetMarks(const MergeOptions& options) const {
   mark(kUnitsBox, options.ignoreUnits);
   mark(kEnumsBox, options.ignoreEnumErrors);
   mark(kRememberBox, options.remember);
+}
+
+bool OptionsForm::IsMarked(FormControl control) const {
+  return ::SendMessageW(controls_[control], BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+void OptionsForm::GetMark(FormControl control, bool& on) const {
+  if (controls_[control] != nullptr) on = IsMarked(control);
+}
+
+// Of the two radio buttons the marked one counts, as there may be none.
+void OptionsForm::GetMarks(MergeOptions& options) const {
+  if (!isMarked_) return;
+  if (IsMarked(kGenerateRadio)) {
+    options.generateGuid = true;
+  } else if (IsMarked(kSkipRadio)) {
+    options.generateGuid = false;
+  }
+  GetMark(kUnitsBox, options.ignoreUnits);
+  GetMark(kEnumsBox, options.ignoreEnumErrors);
+  GetMark(kRememberBox, options.remember);
 }
 
 // Messages to the thread itself have no window; a control that could not be made is none either.

@@ -17,6 +17,8 @@ namespace corvel::plugin {
 namespace {
 
 constexpr wchar_t kClassName[] = L"OptionsWindowClass";
+// WM_DPICHANGED, which the headers have for later systems only.
+constexpr UINT kDpiChanged = 0x02E0;
 constexpr COLORREF kWhite = RGB(255, 255, 255);
 
 void Tell(const WideString& text) {
@@ -88,6 +90,7 @@ class OptionsWindow::Window {
   // The fields are about to go: closes the window, whose Show comes back in its own time, and frees
   // the name of the class for those that come after.
   void Leave() {
+    KeepState();
     lastChoice_ = fields_->options.generateGuid;
     fields_ = nullptr;
     if (open_ != nullptr) ::DestroyWindow(open_->window);
@@ -106,8 +109,10 @@ class OptionsWindow::Window {
   void EndLoop(Opening& opening);
   bool IsOwnQuit(WPARAM exitCode);
   void Look(const MSG& message);
-  void Press(FormControl control);
+  void KeepMarks() const;
   void StorePosition();
+  void KeepState();
+  void OnDpiChanged(HWND window, int dpi, const RECT& place) const;
   void OnDestroy(HWND window);
   HBRUSH WhiteBrush();
 
@@ -142,9 +147,8 @@ void OptionsWindow::Window::Register() {
 }
 
 void OptionsWindow::Window::Open(bool shortForm) {
-  const FormSize size = SizeOfForm(shortForm);
   Opening opening;
-  if (!Create(size, opening)) {
+  if (!Create(SizeOfForm(shortForm, DpiOf(nullptr)), opening)) {
     Tell(u"Options Window Creation Failed!");
     return;
   }
@@ -154,8 +158,9 @@ void OptionsWindow::Window::Open(bool shortForm) {
     Opening& opening;
     ~Ending() { self.EndLoop(opening); }
   } ending{*this, opening};
-  opening.form.Fill(opening.window, fields_->texts_, shortForm);
+  opening.form.Fill(opening.window, fields_->texts_, shortForm, DpiOf(opening.window));
   opening.form.SetMarks(fields_->options);
+  const FormSize size = opening.form.Size();
   ::SetWindowPos(opening.window, HWND_TOPMOST, fields_->position.x, fields_->position.y, size.width,
                  size.height, 0);
   ::ShowWindow(opening.window, SW_SHOW);
@@ -201,6 +206,7 @@ void OptionsWindow::Window::RunLoop(Opening& opening) {
 // Leaves neither the window nor its quit message behind: that would end the viewer's own loop.
 void OptionsWindow::Window::EndLoop(Opening& opening) {
   if (opening.window != nullptr) {
+    KeepState();
     open_ = nullptr;
     ::DestroyWindow(std::exchange(opening.window, nullptr));
   }
@@ -219,26 +225,18 @@ bool OptionsWindow::Window::IsOwnQuit(WPARAM exitCode) {
   return std::exchange(ownQuitWaits_, false) && exitCode == 0;
 }
 
-// The fields follow the messages that have been dispatched: what the keyboard does to the marks
-// does not reach them.
+// What the messages that have been dispatched mean to the window itself.
 void OptionsWindow::Window::Look(const MSG& message) {
   if (open_ == nullptr || fields_ == nullptr) return;
   if (message.message == WM_PAINT) StorePosition();
-  if (message.message == WM_LBUTTONDOWN) Press(open_->form.Find(message.hwnd));
+  if (message.message == WM_LBUTTONDOWN && open_->form.Find(message.hwnd) == kCloseButton) {
+    ::DestroyWindow(open_->window);
+  }
 }
 
-void OptionsWindow::Window::Press(FormControl control) {
-  MergeOptions& options = fields_->options;
-  switch (control) {
-    case kGenerateRadio: options.generateGuid = true; break;
-    case kSkipRadio: options.generateGuid = false; break;
-    case kRememberBox: options.remember = !options.remember; break;
-    case kUnitsBox: options.ignoreUnits = !options.ignoreUnits; break;
-    case kEnumsBox: options.ignoreEnumErrors = !options.ignoreEnumErrors; break;
-    case kCloseButton: ::DestroyWindow(open_->window); break;
-    case kGroupBox:
-    case kFormControlCount: break;
-  }
+// The marks are the choice: a press that is let go elsewhere changes neither, a key changes both.
+void OptionsWindow::Window::KeepMarks() const {
+  if (open_ != nullptr && fields_ != nullptr) open_->form.GetMarks(fields_->options);
 }
 
 // A minimised window stands far off the screen, where nobody would find it the next time.
@@ -248,9 +246,26 @@ void OptionsWindow::Window::StorePosition() {
   fields_->position = {place.left, place.top};
 }
 
+// Programs that help their users to see may have set a mark without telling the window.
+void OptionsWindow::Window::KeepState() {
+  if (open_ == nullptr || fields_ == nullptr) return;
+  KeepMarks();
+  StorePosition();
+}
+
+// The window has come to a screen of other dots, where the system wants it at `place`.
+void OptionsWindow::Window::OnDpiChanged(HWND window, int dpi, const RECT& place) const {
+  if (open_ == nullptr || open_->window != window) return;
+  open_->form.Scale(dpi);
+  const FormSize size = open_->form.Size();
+  ::SetWindowPos(window, nullptr, place.left, place.top, size.width, size.height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // The viewer may have asked for its end just before: its message would be lost in ours.
 void OptionsWindow::Window::OnDestroy(HWND window) {
   if (open_ == nullptr || open_->window != window) return;
+  KeepState();
   std::exchange(open_, nullptr)->window = nullptr;
   if (!ownQuitWaits_) otherQuit_ = TakeQuit();
   ::PostQuitMessage(0);
@@ -275,6 +290,13 @@ LRESULT CALLBACK OptionsWindow::Window::Procedure(HWND window, UINT message, WPA
       if (self != nullptr) self->OnDestroy(window);
       return 0;
     case WM_CLOSE: ::DestroyWindow(window); return 0;
+    case WM_COMMAND:
+      if (self != nullptr) self->KeepMarks();
+      return 0;
+    case kDpiChanged:
+      if (self == nullptr) break;
+      self->OnDpiChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return 0;
     case WM_CTLCOLORSTATIC:
       if (self == nullptr) break;
       ::SetBkColor(reinterpret_cast<HDC>(wParam), kWhite);

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/win32/wide.h"
+#include "plugin/win32/options_form.h"
 #include "plugin/win32/shown_window.h"
 #include "support/temporary_folder.h"
 #include "support/test_platform.h"
@@ -60,6 +61,16 @@ SIZE SizeOf(HWND window) {
   return {place.right - place.left, place.bottom - place.top};
 }
 
+std::set<LRESULT> FontsOf(const ShownWindow& shown) {
+  std::set<LRESULT> fonts;
+  shown.Run([&] {
+    for (const HWND child : shown.Children()) {
+      fonts.insert(::SendMessageW(child, WM_GETFONT, 0, 0));
+    }
+  });
+  return fonts;
+}
+
 // Left, top, width and height in the client area of the parent.
 std::vector<LONG> PlaceOf(HWND child) {
   RECT place{};
@@ -67,6 +78,17 @@ std::vector<LONG> PlaceOf(HWND child) {
   POINT corner{place.left, place.top};
   ::ScreenToClient(::GetParent(child), &corner);
   return {corner.x, corner.y, place.right - place.left, place.bottom - place.top};
+}
+
+// What Windows sends when the window comes to a screen of other dots.
+void SendDots(const ShownWindow& shown, int dpi) {
+  constexpr UINT kDpiChanged = 0x02E0;
+  shown.Run([&] {
+    RECT place{13, 17, 500, 500};
+    const auto dots = static_cast<WORD>(dpi);
+    ::SendMessageW(shown.Handle(), kDpiChanged, MAKEWPARAM(dots, dots),
+                   reinterpret_cast<LPARAM>(&place));
+  });
 }
 
 }  // namespace
@@ -183,12 +205,7 @@ TEST_F(OptionsFormTest, ClassIsThatOfASimpleWindow) {
 
 TEST_F(OptionsFormTest, EveryControlHasTheSameTahomaOfHeight15) {
   ShowAndDo(options, false, [](const ShownWindow& shown) {
-    std::set<LRESULT> fonts;
-    shown.Run([&] {
-      for (const HWND child : shown.Children()) {
-        fonts.insert(::SendMessageW(child, WM_GETFONT, 0, 0));
-      }
-    });
+    const auto fonts = FontsOf(shown);
     ASSERT_EQ(1U, fonts.size());
     LOGFONTW font{};
     ASSERT_NE(0, ::GetObjectW(reinterpret_cast<HFONT>(*fonts.begin()), sizeof font, &font));
@@ -263,6 +280,61 @@ TEST_F(OptionsFormTest, WindowWithoutIconFileOpensAllTheSame) {
   std::filesystem::current_path(before);
   EXPECT_EQ(0, icon);
   EXPECT_TRUE(platform.boxes.empty());
+}
+
+TEST_F(OptionsFormTest, WindowGrowsWithTheDotsAndKeepsItsNewPlace) {
+  for (const bool shortForm : {false, true}) {
+    for (const int dpi : {144, 192}) {
+      ShowAndDo(options, shortForm, [&](const ShownWindow& shown) {
+        SendDots(shown, dpi);
+        RECT place{};
+        ::GetWindowRect(shown.Handle(), &place);
+        EXPECT_EQ(13, place.left);
+        EXPECT_EQ(17, place.top);
+        // No window is larger than the screen of this test.
+        const int height = (shortForm ? 360 : 420) * dpi / 96;
+        EXPECT_EQ(std::min(600 * dpi / 96, ::GetSystemMetrics(SM_CXMAXTRACK)),
+                  SizeOf(shown.Handle()).cx);
+        EXPECT_EQ(std::min(height, ::GetSystemMetrics(SM_CYMAXTRACK)), SizeOf(shown.Handle()).cy);
+      });
+    }
+  }
+}
+
+TEST_F(OptionsFormTest, ControlsAndFontAreTwiceAsLargeWithTwiceTheDots) {
+  for (const bool shortForm : {false, true}) {
+    ShowAndDo(options, shortForm, [&](const ShownWindow& shown) {
+      SendDots(shown, 192);
+      EXPECT_EQ((std::vector<LONG>{40, 40, 1040, 180}), PlaceOf(shown[kGroup]));
+      EXPECT_EQ((std::vector<LONG>{80, 100, 960, 40}), PlaceOf(shown[kGenerate]));
+      EXPECT_EQ((std::vector<LONG>{80, 160, 960, 40}), PlaceOf(shown[kSkip]));
+      EXPECT_EQ((std::vector<LONG>{40, 440, 960, 40}), PlaceOf(shown[kUnits]));
+      EXPECT_EQ((std::vector<LONG>{40, 500, 960, 40}), PlaceOf(shown[kEnums]));
+      EXPECT_EQ((std::vector<LONG>{40, shortForm ? 480 : 600, 960, 40}), PlaceOf(shown[kRemember]));
+      EXPECT_EQ((std::vector<LONG>{960, shortForm ? 560 : 680, 160, 60}), PlaceOf(shown[kButton]));
+      EXPECT_EQ(!shortForm, ::IsWindowVisible(shown[kUnits]) != 0);
+      const auto fonts = FontsOf(shown);
+      ASSERT_EQ(1U, fonts.size());
+      LOGFONTW font{};
+      ASSERT_NE(0, ::GetObjectW(reinterpret_cast<HFONT>(*fonts.begin()), sizeof font, &font));
+      EXPECT_EQ(30, font.lfHeight);
+      SendDots(shown, 96);
+      EXPECT_EQ((std::vector<LONG>{480, shortForm ? 280 : 340, 80, 30}), PlaceOf(shown[kButton]));
+    });
+  }
+}
+
+TEST_F(OptionsFormTest, FormIsNeverSmallerThanWith96Dots) {
+  EXPECT_EQ(96, DpiOf(nullptr)) << "of this test's screen";
+  for (const int dpi : {96, 120, 144, 168, 192, 288}) {
+    for (const bool shortForm : {false, true}) {
+      EXPECT_EQ(600 * dpi / 96, SizeOfForm(shortForm, dpi).width) << dpi;
+      EXPECT_EQ((shortForm ? 360 : 420) * dpi / 96, SizeOfForm(shortForm, dpi).height) << dpi;
+    }
+  }
+  OptionsForm form;
+  form.Scale(72);
+  EXPECT_EQ(600, form.Size().width);
 }
 
 // Room for the mark in front of a text: what the system draws is 13 pixels and a gap.

@@ -17,6 +17,15 @@ namespace {
 const OptionsTexts kTexts{u"Title",    u"Group", u"Generate", u"Skip",
                           u"Remember", u"Units", u"Enums",    u"Ok"};
 
+// The marks in the order of Fields, with the second radio button behind.
+std::string MarksOf(const ShownWindow& shown) {
+  std::string marks;
+  for (const Child child : {kGenerate, kRemember, kUnits, kEnums, kSkip}) {
+    marks.push_back(shown.IsMarked(child) ? '1' : '0');
+  }
+  return marks;
+}
+
 class OptionsWindowTest : public testing::Test {
  protected:
   void TearDown() override {
@@ -40,18 +49,15 @@ class OptionsWindowTest : public testing::Test {
     options->options.ignoreEnumErrors = enums;
   }
 
+  // Both the fields and the marks are these.
+  void ExpectAlike(const std::string& wanted, const ShownWindow& shown) const {
+    shown.Run([&] { EXPECT_EQ(wanted, Fields()); });
+    EXPECT_EQ(wanted + (wanted[0] == '1' ? "0" : "1"), MarksOf(shown));
+  }
+
   test::TestPlatform platform;
   std::unique_ptr<OptionsWindow> options = std::make_unique<OptionsWindow>(kTexts);
 };
-
-// The marks in the order of Fields, with the second radio button behind.
-std::string MarksOf(const ShownWindow& shown) {
-  std::string marks;
-  for (const Child child : {kGenerate, kRemember, kUnits, kEnums, kSkip}) {
-    marks.push_back(shown.IsMarked(child) ? '1' : '0');
-  }
-  return marks;
-}
 
 // Moves a window as a user does, and has its content drawn again as most systems do.
 void MoveTo(const ShownWindow& shown, int x, int y) {
@@ -122,28 +128,100 @@ TEST_F(OptionsWindowTest, MousePressOnEachControlSetsItsField) {
   }
 }
 
-TEST_F(OptionsWindowTest, FieldFollowsThePressNotTheRelease) {
+TEST_F(OptionsWindowTest, FieldChangesWithTheMarkWhenTheMouseIsLetGo) {
   ShowAndDo(*options, false, [&](const ShownWindow& shown) {
     shown.Post(shown[kUnits], WM_LBUTTONUP, 0, MAKELPARAM(6, 6));
-    shown.Run([&] { EXPECT_EQ("1000", Fields()); });
+    ExpectAlike("1000", shown);
     shown.Post(shown[kUnits], WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(6, 6));
-    shown.Run([&] { EXPECT_EQ("1010", Fields()); });
+    ExpectAlike("1000", shown);
     shown.Post(shown[kUnits], WM_LBUTTONUP, 0, MAKELPARAM(6, 6));
-    shown.Run([&] { EXPECT_EQ("1010", Fields()); });
+    ExpectAlike("1010", shown);
   });
+  EXPECT_EQ("1010", Fields());
 }
 
-TEST_F(OptionsWindowTest, KeyboardMovesTheMarkAndNotTheField) {
+TEST_F(OptionsWindowTest, DoubleClickChangesAMarkTwiceAndItsFieldToo) {
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    for (const Child child : {kUnits, kEnums, kRemember}) {
+      shown.Click(child);
+      shown.Post(shown[child], WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(6, 6));
+      shown.Post(shown[child], WM_LBUTTONUP, 0, MAKELPARAM(6, 6));
+      ExpectAlike("1000", shown);
+    }
+    shown.Post(shown[kSkip], WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(6, 6));
+    shown.Post(shown[kSkip], WM_LBUTTONUP, 0, MAKELPARAM(6, 6));
+    ExpectAlike("0000", shown);
+  });
+  EXPECT_EQ("0000", Fields());
+}
+
+TEST_F(OptionsWindowTest, PressThatIsDraggedOffChangesNeitherMarkNorField) {
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    for (const Child child : {kSkip, kUnits, kEnums, kRemember}) {
+      shown.Post(shown[child], WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(6, 6));
+      shown.Post(shown[child], WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(6, 90));
+      shown.Post(shown[child], WM_LBUTTONUP, 0, MAKELPARAM(6, 90));
+      ExpectAlike("1000", shown);
+    }
+  });
+  EXPECT_EQ("1000", Fields());
+}
+
+TEST_F(OptionsWindowTest, KeyboardMovesTheMarkAndTheField) {
   ShowAndDo(*options, false, [&](const ShownWindow& shown) {
     for (const Child child : {kRemember, kUnits, kEnums, kSkip}) shown.Type(child, VK_SPACE);
-    EXPECT_EQ("01111", MarksOf(shown));
+    ExpectAlike("0111", shown);
     for (const WPARAM arrow : {VK_DOWN, VK_UP, VK_LEFT, VK_RIGHT}) {
       shown.Type(kGenerate, arrow);
       shown.Type(kSkip, arrow);
     }
-    shown.Run([&] { EXPECT_EQ("1000", Fields()); });
+    ExpectAlike("0111", shown);
+    shown.Type(kUnits, VK_SPACE);
+    ExpectAlike("0101", shown);
   });
-  EXPECT_EQ("1000", Fields());
+  EXPECT_EQ("0101", Fields());
+}
+
+TEST_F(OptionsWindowTest, ClickMessageOfAnotherProgramMovesTheMarkAndTheField) {
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    for (const Child child : {kSkip, kUnits, kEnums, kRemember}) {
+      shown.Run([&] { ::SendMessageW(shown[child], BM_CLICK, 0, 0); });
+    }
+    ExpectAlike("0111", shown);
+  });
+  EXPECT_EQ("0111", Fields());
+}
+
+// Nobody is told of a mark that another program has set.
+TEST_F(OptionsWindowTest, MarksAreTakenWhenTheWindowCloses) {
+  const bool result = ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    shown.Run([&] {
+      ::SendMessageW(shown[kGenerate], BM_SETCHECK, BST_UNCHECKED, 0);
+      ::SendMessageW(shown[kSkip], BM_SETCHECK, BST_CHECKED, 0);
+      ::SendMessageW(shown[kEnums], BM_SETCHECK, BST_CHECKED, 0);
+    });
+    shown.Click(kButton);
+  });
+  EXPECT_FALSE(result);
+  EXPECT_EQ("0001", Fields());
+}
+
+TEST_F(OptionsWindowTest, MarksAreTakenWhenTheViewerEnds) {
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    shown.Run([&] {
+      ::SendMessageW(shown[kUnits], BM_SETCHECK, BST_CHECKED, 0);
+      ::PostQuitMessage(7);
+    });
+    for (int i = 0; i < 1000 && shown.IsOpen(); ++i) ::Sleep(5);
+  });
+  EXPECT_EQ(7, TakeQuit());
+  EXPECT_EQ("1010", Fields());
+}
+
+TEST_F(OptionsWindowTest, ShortFormKeepsTheChoicesThatItDoesNotShow) {
+  Set(true, false, true, true);
+  ShowAndDo(*options, true, [&](const ShownWindow& shown) { shown.Click(kSkip); });
+  EXPECT_EQ("0011", Fields());
 }
 
 TEST_F(OptionsWindowTest, MousePressOnAnothersWindowChangesNothing) {
@@ -210,6 +288,19 @@ TEST_F(OptionsWindowTest, NextSaveWritesWhereTheWindowWasMoved) {
   });
 }
 
+// No message says that this window was moved: nothing is drawn anew.
+TEST_F(OptionsWindowTest, PlaceIsTakenWhenTheWindowCloses) {
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    shown.Run([&] {
+      ::SetWindowPos(shown.Handle(), nullptr, 61, 62, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOREDRAW);
+      ::DestroyWindow(shown.Handle());
+    });
+  });
+  EXPECT_EQ(61, options->position.x);
+  EXPECT_EQ(62, options->position.y);
+}
+
 TEST_F(OptionsWindowTest, MinimisedWindowKeepsItsPlace) {
   options->position = {30, 40};
   ShowAndDo(*options, false, [&](const ShownWindow& shown) {
@@ -221,6 +312,8 @@ TEST_F(OptionsWindowTest, MinimisedWindowKeepsItsPlace) {
       EXPECT_EQ(40, options->position.y);
     });
   });
+  EXPECT_EQ(30, options->position.x) << "nor when it closes";
+  EXPECT_EQ(40, options->position.y);
 }
 
 TEST_F(OptionsWindowTest, ShowOfAnOpenWindowRaisesIt) {
@@ -404,6 +497,20 @@ TEST_F(OptionsWindowTest, ControlThatCannotBeMadeIsNotPressed) {
     shown.Run([&] { ::PostThreadMessageW(::GetCurrentThreadId(), WM_LBUTTONDOWN, MK_LBUTTON, 0); });
     shown.Run([&] { EXPECT_EQ("1000", Fields()); });
   });
+}
+
+TEST_F(OptionsWindowTest, ChoicesWithoutAControlStay) {
+  Set(false, true, true, true);
+  CreationLog log;
+  log.refuses = [](const CreationLog::Entry& asked) {
+    return asked.className == L"Button" && asked.text != L"Enums";
+  };
+  ShowAndDo(*options, false, [&](const ShownWindow& shown) {
+    ASSERT_EQ(1U, shown.Children().size());
+    shown.Run([&] { ::SendMessageW(shown.Children()[0], BM_CLICK, 0, 0); });
+    shown.Run([&] { EXPECT_EQ("0110", Fields()); });
+  });
+  EXPECT_EQ("0110", Fields());
 }
 
 TEST_F(OptionsWindowTest, HundredOpeningsLeaveNothingBehind) {
