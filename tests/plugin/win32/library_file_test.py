@@ -8,6 +8,7 @@ import struct
 import subprocess
 import sys
 import unittest
+import zlib
 from pathlib import Path
 
 BUILD = Path(os.environ['CORVEL_BUILD'])
@@ -23,6 +24,31 @@ SYSTEM_LIBRARIES = {'advapi32.dll', 'gdi32.dll', 'kernel32.dll', 'msvcrt.dll', '
                     'shell32.dll', 'user32.dll'}
 
 RT_ICON, RT_GROUP_ICON, RT_VERSION = 3, 14, 16
+
+
+def symbol_table(data):
+    """Where it begins, and the number of its symbols."""
+    header, = struct.unpack_from('<I', data, 0x3C)
+    return struct.unpack_from('<II', data, header + 12)
+
+
+def section_of(data, wanted):
+    """The bytes that the file has of a section. Long names stand behind the symbols."""
+    header, = struct.unpack_from('<I', data, 0x3C)
+    sections, = struct.unpack_from('<H', data, header + 6)
+    optional, = struct.unpack_from('<H', data, header + 20)
+    table, symbols = symbol_table(data)
+    strings = table + 18 * symbols
+    for i in range(sections):
+        entry = header + 24 + optional + 40 * i
+        name = data[entry:entry + 8].rstrip(b'\0')
+        if name.startswith(b'/'):
+            start = strings + int(name[1:])
+            name = data[start:data.index(b'\0', start)]
+        if name == wanted:
+            virtual, _, size, offset = struct.unpack_from('<IIII', data, entry + 8)
+            return data[offset:offset + min(virtual, size)] if offset else b''
+    raise ValueError('no section ' + wanted.decode())
 
 
 class Resources:
@@ -101,6 +127,25 @@ class LibraryFile(unittest.TestCase):
         sizes = sorted(group[6 + 14 * i] or 256 for i in range(count))
         self.assertEqual([16, 24, 32, 48, 256], sizes)
         self.assertEqual(count, len(self.resources[RT_ICON]))
+
+    def test_LibraryHasNoSymbolTable(self):
+        _, count = symbol_table(LIBRARY.read_bytes())
+        self.assertEqual(0, count)
+
+    def test_SymbolsStandInTheFileThatTheLibraryNames(self):
+        section = section_of(LIBRARY.read_bytes(), b'.gnu_debuglink')
+        name, checksum = section[:-4].rstrip(b'\0').decode(), section[-4:]
+        self.assertEqual('corvel.dll.debug', name)
+        data = (LIBRARY.parent / name).read_bytes()
+        self.assertEqual(struct.pack('<I', zlib.crc32(data)), checksum)
+        _, count = symbol_table(data)
+        self.assertGreater(count, 10000)
+        self.assertIn(b'\0on_plugin_load\0', data)
+        self.assertIn(b'_ZN6corvel8MergeJob3Run', data)
+
+    def test_SymbolsAreNoSecondLibrary(self):
+        self.assertEqual(b'', section_of((LIBRARY.parent / 'corvel.dll.debug').read_bytes(),
+                                         b'.text'))
 
     def test_TextsAndPicturesStandBesideTheLibrary(self):
         names = {path.name for path in (LIBRARY.parent / 'corvel_data').iterdir()}
