@@ -15,7 +15,7 @@ merge_visible.hint = Scala widoczne obiekty wczytanych projektów w jeden plik I
 merge_selected = Scal zaznaczone
 merge_selected.hint = Scala zaznaczone obiekty wczytanych projektów w jeden plik IFC; pozostałe są pomijane.
 options_window_name = Opcje scalania
-btn_options_description = Określa postępowanie z powtórzonymi GUID, różnymi jednostkami i nieznanymi wartościami wyliczeń.
+btn_options_description = Określa postępowanie z powtórzonymi GUID, różnymi jednostkami i nieznanymi wartościami typów wyliczeniowych.
 open_recent_created_file_button_name = Otwórz ostatni wynik
 open_recent_created_file_button_description = Otwiera ostatnio scalony plik w nowym oknie.
 
@@ -30,7 +30,7 @@ option_guid_duplication_generate = Nadaj obiektowi nowy GUID
 option_guid_duplication_skip = Pomiń obiekt
 option_guid_duplication_remember = Zapamiętaj wybór i nie pytaj ponownie
 option_ignore_units = Ignoruj różnice jednostek (wartości nie są przeliczane)
-option_ignore_enume_errors = Ignoruj nieznane wartości wyliczeń
+option_ignore_enume_errors = Ignoruj nieznane wartości typów wyliczeniowych
 btn_ok = OK
 merge_specific = Kryterium scalania terenów, budynków i kondygnacji:
 

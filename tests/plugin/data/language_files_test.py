@@ -53,6 +53,10 @@ BEFORE_A_BLANK = ['could_not_open_file', 'could_not_open_file_extension',
                   'could_not_open_file_write', 'unknown_schema_identifier',
                   'unknown_entity_name_in_schema', 'merge_combine_log', 'not_all_projects_merge']
 
+# They get a colon behind them, and the name of a file or a list of units.
+BEFORE_A_COLON = {'btn_merge', 'checking_files', 'reading_file', 'deleting_entities_from',
+                  'exporting_file_as', 'due_to_invalid_units'}
+
 # Pixels of each picture: the ribbon's large ones and its small ones.
 PICTURES = {'merge.png': 32, 'open.png': 32, 'merge_small.png': 16, 'combine_active.png': 16,
             'combine_visible_small.png': 16, 'combine_selected.png': 16, 'options.png': 16,
@@ -230,6 +234,17 @@ class LanguageFiles(unittest.TestCase):
         for key, text in texts_of('fr').items():
             with self.subTest(key=key):
                 self.assertNotRegex(text, '[^%s][:;?!]' % NO_BREAK_SPACE)
+                self.assertNotRegex(text, '%s[^:;?!]' % NO_BREAK_SPACE)
+
+    def test_FrenchTextsEndWithANoBreakSpaceWhereAColonFollows(self):
+        self.assertEqual(BEFORE_A_COLON, {key for key, text in texts_of('fr').items()
+                                          if text.endswith(NO_BREAK_SPACE)})
+
+    def test_BlanksAreThoseThatEveryFontHas(self):
+        def check(language):
+            for key, text in texts_of(language).items():
+                self.assertNotRegex(text, '[\u2000-\u200f\u202f\u205f\u2060\u3000\ufeff]', key)
+        self.for_every_language(check)
 
     def test_EnglishTextsGluedTogetherReadWell(self):
         text = texts_of('en')

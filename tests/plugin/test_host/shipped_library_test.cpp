@@ -62,7 +62,7 @@ TEST_F(ShippedLibrary, ShowsPolishTextsToAPolishViewer) {
   EXPECT_TRUE(
       Has(R"(set_button_text(11, "Scalanie", "Scala wczytane projekty w jeden plik IFC."))"));
   EXPECT_TRUE(Has(R"(set_button_text(24, "Opcje scalania", "Określa postępowanie z powtórzonymi )"
-                  R"(GUID, różnymi jednostkami i nieznanymi wartościami wyliczeń."))"));
+                  R"(GUID, różnymi jednostkami i nieznanymi wartościami typów wyliczeniowych."))"));
 }
 
 TEST_F(ShippedLibrary, ShowsEnglishTextsToAViewerOfAnotherLanguage) {
