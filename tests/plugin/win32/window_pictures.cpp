@@ -1,8 +1,10 @@
 // Takes pictures of the options window: window_pictures FOLDER
 //
-// FOLDER gets full_en.bmp, short_en.bmp and the full form in every other language. For each of them
-// a line of text goes to standard output: its name, then left, top, width and height of the client
-// area and of each visible control within the picture. Needs a screen.
+// FOLDER gets both forms in every language: full_en.bmp, short_en.bmp. On a screen that has not 96
+// dots per inch it gets the full ones and the English short one, and their names end with the dots:
+// full_en_192.bmp. For each of them a line of text goes to standard output: its name, then left,
+// top, width and height of the client area and of each visible control within the picture. Needs a
+// screen.
 #include <windows.h>
 
 #include <cstdint>
@@ -12,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "plugin/win32/options_form.h"
 #include "plugin/win32/shown_window.h"
 
 namespace corvel::plugin {
@@ -88,8 +91,11 @@ void PrintPlaces(const std::string& name, const ShownWindow& shown) {
   std::printf("\n");
 }
 
+constexpr int kUsualDpi = 96;
+
 bool TakePicture(const std::string& language, bool shortForm, const std::filesystem::path& folder) {
-  const std::string name = (shortForm ? "short_" : "full_") + language;
+  std::string name = (shortForm ? "short_" : "full_") + language;
+  if (DpiOf(nullptr) != kUsualDpi) name += "_" + std::to_string(DpiOf(nullptr));
   OptionsWindow options(TextsOf(language));
   options.position = {40, 40};
   bool saved = false;
@@ -109,6 +115,16 @@ bool TakePicture(const std::string& language, bool shortForm, const std::filesys
   return saved;
 }
 
+bool TakePictures(const std::filesystem::path& folder) {
+  bool saved = true;
+  for (const std::string language : {"en", "pl", "de", "fr", "es"}) {
+    saved = TakePicture(language, false, folder) && saved;
+    if (DpiOf(nullptr) != kUsualDpi && language != "en") continue;
+    saved = TakePicture(language, true, folder) && saved;
+  }
+  return saved;
+}
+
 }  // namespace
 
 }  // namespace corvel::plugin
@@ -120,9 +136,7 @@ int main(int count, char** arguments) {
   }
   const std::filesystem::path folder = arguments[1];
   std::filesystem::create_directories(folder);
-  bool saved = corvel::plugin::TakePicture("en", true, folder);
-  for (const char* const language : {"en", "pl", "de", "fr", "es"}) {
-    saved = corvel::plugin::TakePicture(language, false, folder) && saved;
-  }
-  return saved ? 0 : 1;
+  // Or the system would scale what it shows.
+  ::SetProcessDPIAware();
+  return corvel::plugin::TakePictures(folder) ? 0 : 1;
 }
