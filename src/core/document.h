@@ -39,9 +39,12 @@ class IfcDocument {
   IfcDocument(const IfcDocument&) = delete;
   IfcDocument& operator=(const IfcDocument&) = delete;
 
-  // Names the inputs and the output of the run, which the temporary file of the reading never
+  // Names the inputs and the output of the run, which the work file of the reading never
   // overwrites. Call before OpenFile.
   void ReservePaths(std::vector<WideString> paths);
+  // The work file of the reading goes to `folder`, without a name, and is gone when the reading
+  // ends. Without this call it lies beside the input and stays there. Call before OpenFile.
+  void KeepWorkFileIn(WideString folder);
   // Reads the whole file. `share`: number of documents of the run, for the progress. Nonzero on
   // success; failures have been reported, and IsParsed and IsCancelled tell them apart.
   int OpenFile(const WideString& path, int share);

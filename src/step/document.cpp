@@ -23,12 +23,17 @@ IfcDocument::~IfcDocument() {
 }
 
 void IfcDocument::ReservePaths(std::vector<WideString> paths) {
-  parser_->ReservePaths(std::move(paths));
+  parser_->workFileRules.reserved = std::move(paths);
+}
+
+void IfcDocument::KeepWorkFileIn(WideString folder) {
+  parser_->workFileRules.folder = std::move(folder);
 }
 
 int IfcDocument::OpenFile(const WideString& path, int share) {
   parser_->filePath = path;
   const SchemaOfFile schema = ReadSchemaOfFile(path, showError_);
+  if (schema.damaged) parser_->state = ParserState::kFailed;
   if (!schema.opened) return 0;
   knownSchemaIdentifier_ = schema.identifier;
   if (!parser_->SelectSchema(schema.identifier)) {

@@ -55,6 +55,7 @@ class MemoryInputStream final : public FileStream::InputStream {
   }
   int NextEntry() override { return -1; }
   std::int64_t TotalSize() const override { return static_cast<std::int64_t>(text_.size()); }
+  bool IsDamaged() const override { return false; }
 
   // How many windows were asked for.
   int Refills() const { return refills_; }
@@ -97,6 +98,7 @@ class BreakingInputStream final : public FileStream::InputStream {
   std::int64_t Position() const override { return 0; }
   int NextEntry() override { return -1; }
   std::int64_t TotalSize() const override { return 0; }
+  bool IsDamaged() const override { return false; }
 
  private:
   bool FillWindow() override {

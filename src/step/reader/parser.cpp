@@ -16,11 +16,19 @@ namespace corvel {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 0xA00000;  // of the input, the temporary file and the pool
-constexpr std::uint64_t kTempKeepBack = 10;
+constexpr std::size_t kBufferSize = 0xA00000;         // of the input, the work file and the pool
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
 constexpr std::int64_t kReportNanoseconds = 50'000'000;
 constexpr std::int64_t kReportBytes = 0x10000;
+
+// Also what lies behind a byte that ends the input: only a whole archive can be checked.
+bool CameWhole(FileStream::InputStream& stream) {
+  do {
+    stream.SetCursor(stream.WindowEnd());
+    stream.ClearStatementText();
+  } while (stream.Refill());
+  return !stream.IsDamaged();
+}
 
 void KeepFirst(IFC::IfcEntity*& kept, IFC::IfcEntity* entity) {
   if (kept == nullptr) kept = entity;
@@ -46,7 +54,7 @@ Parser::Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCall
   texts = &SharedCancelTexts();
 }
 
-// The file of a read that failed stays beside the input, where the next read overwrites it.
+// The work file of a read that failed stays beside the input, where the next read overwrites it.
 Parser::~Parser() = default;
 
 bool Parser::SelectSchema(const WideString& identifier) {
@@ -65,6 +73,7 @@ bool Parser::ParseFile(const WideString& path, int fileCount) {
   forwardReference = false;
   if (!OpenInput(path) || !CheckTempFile()) {
     state = ParserState::kFailed;
+    saved_.reset();
     return false;
   }
   IfcLog& log = IfcLog::Instance();
@@ -76,10 +85,10 @@ bool Parser::ParseFile(const WideString& path, int fileCount) {
   } catch (const std::exception& error) {
     showError("", Widen(error.what()), kReportShow);
     state = ParserState::kFailed;
-    RemoveTempFile();
-    scanner.reset();  // in the second pass it is the one that has the file open
-    platform::RemoveFile(tempPath);
+    scanner.reset();  // in the second pass it reads what is saved
+    saved_->Remove();
   }
+  saved_.reset();
   log.SetMuted(false);
   return done;
 }
@@ -91,10 +100,12 @@ bool Parser::OpenInput(const WideString& path) {
     return false;
   }
   filePath = path;
-  tempPath = TempPathFor(*opened->Stream());
+  // Without its buffer it would pass for an empty model. That has been reported.
+  if (opened->Stream()->IsDamaged()) return false;
+  saved_ = std::make_unique<SavedRecords>(OpenWorkFile(path, *opened->Stream(), workFileRules),
+                                          showError, kBufferSize);
+  tempPath = saved_->Path();
   mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kBufferSize);
-  tempStream_ = std::make_unique<FileStream::OutpoutFileStream>(tempPath, showError, kBufferSize,
-                                                                kTempKeepBack);
   StartPass(std::move(opened));
   ReadHead();
   return true;
@@ -108,37 +119,8 @@ void Parser::ReadHead() {
   scanner->NextToken();
 }
 
-// Beside the input: its name with the ending "_TEMP.ifc". A model or output of the run, and
-// anything that looks like a model, is never overwritten: the next free number is taken then.
-WideString Parser::TempPathFor(const FileStream::InputStream& stream) const {
-  WideString base = filePath;
-  if (stream.Extension() == u".olf") {
-    const WideString& container = stream.ContainerPath();
-    const WideString& entry = stream.EntryName();
-    base = container.substr(0, container.find_last_of(u"/\\") + 1) +
-           entry.substr(entry.find_last_of(u"/\\") + 1);
-  }
-  const std::size_t dot = base.find_last_of(u'.');
-  if (dot != WideString::npos) base.resize(dot);
-  WideString candidate = base + u"_TEMP.ifc";
-  for (std::uint32_t number = 2; !IsTempPathFree(candidate); ++number) {
-    candidate = base + u"_TEMP" + ToWide(number) + u".ifc";
-  }
-  return candidate;
-}
-
-bool Parser::IsTempPathFree(const WideString& candidate) const {
-  for (const WideString& reserved : reservedPaths_) {
-    if (candidate == reserved || platform::IsSameFile(candidate, reserved)) return false;
-  }
-  platform::File file;
-  char begin[3] = {};
-  return !file.Open(candidate, platform::OpenMode::kRead) || file.Read(begin, 3) != 3 ||
-         std::string_view(begin, 3) != "ISO";
-}
-
 bool Parser::CheckTempFile() {
-  if (tempStream_->IsOpen()) return true;
+  if (saved_->IsReady()) return true;
   showError("", u"Unable to create copy of file: \"" + tempPath + u"\"", kReportShow);
   scanner->ClearTokens();
   return false;
@@ -162,14 +144,11 @@ bool Parser::ReadFile(int fileCount) {
   log.LogText(u"Done.\n");
   log.Flush();
   scanner.reset();
-  tempStream_.reset();
   if (!ReadSecondPart(fileCount)) {
     if (state != ParserState::kFailed) state = ParserState::kCancelled;
-    RemoveTempFile();
     return false;
   }
   log.LogText(u"Done.\n");
-  RemoveTempFile();
   state = ParserState::kParsed;
   return true;
 }
@@ -191,10 +170,11 @@ bool Parser::ReadFirstPart(int fileCount) {
     }
   }
   // Half a model is worse than none.
-  const bool damaged = scanner->Stream() != nullptr && scanner->Stream()->IsDamaged();
-  if (!CloseTempStream() || damaged) {
+  FileStream::InputStream& stream = *scanner->Stream();
+  const bool damaged = IsStopped() ? stream.IsDamaged() : !CameWhole(stream);
+  if (!saved_->Finish() || damaged) {
     state = ParserState::kFailed;
-    RemoveTempFile();
+    saved_->Discard();
     return false;
   }
   return !IsStopped();
@@ -323,7 +303,6 @@ void Parser::FailRecord(std::uint32_t marker) {
             u"Unable to read entity, marker #" + ToWide(marker) + u". Parsing will be terminate.\n",
             kReportShow);
   state = ParserState::kFailed;
-  if (tempStream_ != nullptr && tempStream_->IsOpen()) tempStream_->Close();
 }
 
 bool Parser::CheckResources() {
@@ -341,7 +320,7 @@ bool Parser::CheckResources() {
 }
 
 void Parser::SaveForSecondPass() {
-  if (forwardReference) tempStream_->WriteNarrowString(scanner->Stream()->StatementText());
+  if (forwardReference) saved_->Append(scanner->Stream()->StatementView());
 }
 
 void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
@@ -360,11 +339,7 @@ void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
 bool Parser::ReadSecondPart(int fileCount) {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"Reading second part of file...");
-  StartPass(std::make_unique<Scanner>(tempPath, kBufferSize, showError));
-  if (!scanner->IsOpen()) {
-    ReportUnopened(tempPath);
-    state = ParserState::kFailed;
-  }
+  StartPass(std::make_unique<Scanner>(saved_->ReadAgain(), showError));
   hundredth_ = 1;
   for (;;) {
     std::uint32_t number = 0;
@@ -379,6 +354,9 @@ bool Parser::ReadSecondPart(int fileCount) {
     }
   }
   ReportProgress(true, fileCount);
+  if (saved_->IsDamaged() || (!IsStopped() && !saved_->AllRecordsWereRead())) {
+    state = ParserState::kFailed;
+  }
   const bool done = !IsStopped();
   scanner.reset();
   log.SetMuted(false);
@@ -388,6 +366,7 @@ bool Parser::ReadSecondPart(int fileCount) {
 // The object of the first pass takes all its attributes anew. False ends the pass.
 bool Parser::ReadRecordAgain(std::uint32_t marker) {
   if (!PassHundredths(marker)) return false;
+  saved_->CountReadRecord();
   TakeEqualSign();
   if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
   IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);
@@ -473,7 +452,7 @@ void Parser::Stop() {
     scanner->Stop();
     scanner->ClearTokens();
   }
-  RemoveTempFile();
+  if (saved_ != nullptr) saved_->Discard();
 }
 
 int Parser::ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode) {
@@ -483,20 +462,6 @@ int Parser::ExpectedArgumentError(const char16_t* expected, const char16_t* got,
       showError("", u"Expected: " + Shown(expected) + u". Got: " + Shown(got) + u".\n", mode);
   log.EndBlock();
   return result;
-}
-
-bool Parser::CloseTempStream() {
-  if (tempStream_ == nullptr || !tempStream_->IsOpen()) return true;
-  const bool committed = tempStream_->Commit();
-  return tempStream_->Close() && committed;
-}
-
-// The file goes only while the stream is still there: a read that got as far as the second pass
-// leaves it, and the next read of the same model overwrites it.
-void Parser::RemoveTempFile() {
-  if (tempStream_ == nullptr) return;
-  if (tempStream_->IsOpen()) tempStream_->Close();
-  platform::RemoveFile(tempPath);
 }
 
 }  // namespace corvel

@@ -1,8 +1,8 @@
 // Turns one STEP physical file into a populated container, in two passes.
 //
 // The first pass makes every object and reads its attributes; references to records further down
-// stay open, and the text of such records goes to a temporary file beside the input. The second
-// pass reads those records again, on the same objects. Nothing of the file is held whole.
+// stay open, and the text of such records goes to a work file. The second pass reads those records
+// again, on the same objects. Nothing of the file is held whole.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +20,9 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "step/factories.h"
+#include "step/reader/saved_records.h"
 #include "step/reader/scanner.h"
-#include "step/streams/outpout_file_stream.h"
+#include "step/reader/work_file.h"
 
 namespace corvel {
 
@@ -43,9 +44,6 @@ class Parser {
   ~Parser();
   Parser(const Parser&) = delete;
   Parser& operator=(const Parser&) = delete;
-
-  // Paths that the temporary file must not take: the inputs and the output of the run.
-  void ReservePaths(std::vector<WideString> paths) { reservedPaths_ = std::move(paths); }
 
   // Chooses the classes of the file; call before ParseFile. False: no such release.
   bool SelectSchema(const WideString& identifier);
@@ -90,8 +88,9 @@ class Parser {
   std::unique_ptr<HeaderToken> headerToken;  // null if the file has no HEADER in its place
   std::unique_ptr<IFC::MainContainer> mainContainer;  // handed to the document after ParseFile
   WideString filePath;
-  WideString isoLine;  // "ISO-10303-21"
-  WideString tempPath;
+  WideString isoLine;           // "ISO-10303-21"
+  WorkFileRules workFileRules;  // what ParseFile goes by
+  WideString tempPath;          // of the work file; its folder when it has no name
   ErrorReporter showError;
   ProgressCallback progress;
   const CancelTexts* texts = nullptr;
@@ -112,8 +111,6 @@ class Parser {
   bool OpenInput(const WideString& path);
   void ReportUnopened(const WideString& path);
   void ReadHead();
-  WideString TempPathFor(const FileStream::InputStream& stream) const;
-  bool IsTempPathFree(const WideString& candidate) const;
   bool CheckTempFile();
   bool ReadFile(int fileCount);
   bool ReadFirstPart(int fileCount);
@@ -133,8 +130,6 @@ class Parser {
   void TakeRestOfRecord();
   void StartPass(std::unique_ptr<Scanner> passScanner);
   bool ReportProgress(bool secondPass, int fileCount);
-  void RemoveTempFile();
-  bool CloseTempStream();
 
   void ClearScratch();
 
@@ -148,8 +143,7 @@ class Parser {
   const FactoryRow* ownerHistoryRow_ = nullptr;
   const FactoryRow* projectRow_ = nullptr;
   const FactoryRow* siteRow_ = nullptr;
-  std::vector<WideString> reservedPaths_;
-  std::unique_ptr<FileStream::OutpoutFileStream> tempStream_;
+  std::unique_ptr<SavedRecords> saved_;  // null before the first pass and after the second
   std::int64_t totalBytes_ = -1;
   int percent_ = 0;
   int lastPercent_ = 0;

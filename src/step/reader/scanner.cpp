@@ -53,7 +53,7 @@ Token* Scanner::MakeToken() {
   } catch (const std::bad_alloc&) {
     return StopWith(u"Not enough memory space. Try to run 64-bit Orlenta");
   } catch (const std::exception& error) {
-    return StopWith(Widen(error.what()));
+    return StopWith(FromUtf8(error.what()));
   }
 }
 

@@ -50,14 +50,15 @@ SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
     Scanner scanner(path, kHeaderBuffer, showError);
     if (scanner.Stream() == nullptr) return result;
     if (!scanner.IsOpen()) {
+      result.damaged = scanner.Stream()->IsDamaged();
       showError("could_not_open_file", u". File path: " + path, kReportShow);
       return result;
     }
-    result.opened = true;
     header = ReadHeaderToken(scanner);
-    // It has been reported; nothing more can be said of a file that is not what was written.
-    result.opened = !scanner.Stream()->IsDamaged();
-    if (!result.opened) return result;
+    // It has been reported; nothing more can be said of a file that did not come as it is.
+    result.damaged = scanner.Stream()->IsDamaged();
+    if (result.damaged) return result;
+    result.opened = true;
   }
   if (header == nullptr) {
     showError("", u"Unable to read header token. No schema identifier can be read.", kReportShow);

@@ -17,6 +17,7 @@ std::optional<SchemaNamespace> ChooseSchemaNamespace(const WideString& identifie
 // What a file says of its schema.
 struct SchemaOfFile {
   bool opened = false;    // false: it could not be opened or is damaged, which has been reported
+  bool damaged = false;   // see InputStream::IsDamaged
   WideString identifier;  // the first string of FILE_SCHEMA; empty without a readable HEADER
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "step/streams/stream_buffer.h"
 
@@ -12,7 +13,9 @@ InputFileStream::InputFileStream(const corvel::WideString& path, corvel::ErrorRe
                                  std::size_t bufferSize)
     : InputStream(path, showError) {
   open_ = file_.Open(path, platform::OpenMode::kRead);
-  if (open_) Allocate(bufferSize);
+  if (!open_) return;
+  sizeAtOpening_ = file_.Size();
+  Allocate(bufferSize);
 }
 
 InputFileStream::~InputFileStream() { InputFileStream::Close(); }
@@ -25,6 +28,7 @@ void InputFileStream::Allocate(std::size_t size) {
     failure = u"Unable to alloc enought memory. Try to use 64-bit Orlenta.";
   }
   if (buffer_ == nullptr) {
+    damaged_ = true;
     if (showError_ != nullptr) showError_("", failure, corvel::kReportShow);
     return;
   }
@@ -32,17 +36,22 @@ void InputFileStream::Allocate(std::size_t size) {
   SetWindow(buffer_.get(), buffer_.get());
 }
 
-// A read error ends the data as the end of the file does, but not unseen.
+// A read error ends the data as the end of the file does, and so does somebody who cuts the file
+// short meanwhile; but not unseen.
 std::size_t InputFileStream::ReadFile(char* destination, std::size_t count) {
   const std::size_t taken = file_.Read(destination, count);
   windowEndOffset_ += static_cast<std::int64_t>(taken);
-  if (file_.ReadFailed() && !failureReported_) {
-    failureReported_ = true;
-    if (showError_ != nullptr) {
-      showError_("", u"Could not read from file: " + ContainerPath(), corvel::kReportShow);
-    }
+  if (file_.ReadFailed()) {
+    Lose(u"Could not read from file: ");
+  } else if (taken < count && windowEndOffset_ < sizeAtOpening_) {
+    Lose(u"The file was cut short while it was read: ");
   }
   return taken;
+}
+
+void InputFileStream::Lose(const char16_t* message) {
+  if (std::exchange(damaged_, true) || showError_ == nullptr) return;
+  showError_("", message + ContainerPath(), corvel::kReportShow);
 }
 
 bool InputFileStream::FillWindow() {
@@ -56,7 +65,10 @@ bool InputFileStream::FillWindow() {
 int InputFileStream::PeekChar() {
   if (Cursor() != WindowEnd()) return static_cast<signed char>(*Cursor());
   char byte = 0;
-  if (!open_ || file_.Read(&byte, 1) == 0) return -1;
+  if (!open_) return -1;
+  const std::size_t taken = ReadFile(&byte, 1);
+  windowEndOffset_ -= static_cast<std::int64_t>(taken);
+  if (taken == 0) return -1;
   file_.Seek(windowEndOffset_);
   return static_cast<signed char>(byte);
 }

@@ -27,19 +27,24 @@ class InputFileStream final : public InputStream {
   int NextEntry() override { return -1; }
   // Opens the file a second time, so it works on a closed stream too.
   std::int64_t TotalSize() const override;
+  // There is no buffer, a read failed, or the file ended before the size that it had when it was
+  // opened.
+  bool IsDamaged() const override { return damaged_; }
 
  private:
   bool FillWindow() override;
   void Allocate(std::size_t size);
   std::size_t ReadFile(char* destination, std::size_t count);
+  void Lose(const char16_t* message);
 
   platform::File file_;
   std::unique_ptr<char[]> buffer_;
   std::size_t capacity_ = 0;
+  std::int64_t sizeAtOpening_ = 0;
   std::int64_t windowEndOffset_ = 0;  // of WindowEnd() in the file
   bool open_ = false;
   bool endFound_ = false;
-  bool failureReported_ = false;
+  bool damaged_ = false;
 };
 
 }  // namespace FileStream

@@ -39,9 +39,9 @@ class InputStream {
   virtual int NextEntry() = 0;
   // Size of the whole data, -1 when it cannot be told.
   virtual std::int64_t TotalSize() const = 0;
-  // What came was not what had been written: the data's own checks, where it has any, say so. The
-  // stream has reported it.
-  virtual bool IsDamaged() const { return false; }
+  // What came is not all that was written, or not as it was: the disk or the data's own checks say
+  // so, or there was no memory to read it into. The stream has reported it.
+  virtual bool IsDamaged() const = 0;
   virtual ~InputStream() = default;
 
   // --- The window -------------------------------------------------------------------------------

@@ -64,6 +64,7 @@ InputZipFileStream::InputZipFileStream(const corvel::WideString& path,
     open_ = true;
     Allocate(bufferSize);
   } else {
+    damaged_ = file_ != nullptr && file_->Failed();
     CloseArchive();
   }
 }
@@ -132,6 +133,7 @@ void InputZipFileStream::Allocate(std::size_t size) {
     return;
   }
   capacity_ = 0;
+  damaged_ = true;
   Tell(u"Unable to alloc enought memory. Try to use 64-bit Orlenta.");
 }
 
