@@ -11,6 +11,7 @@
 #include "host/run_console.h"
 #include "host/tree_text.h"
 #include "platform/console.h"
+#include "platform/locked_file.h"
 
 namespace corvel::host {
 
@@ -25,7 +26,8 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ModelOrder order{line.inputs, line.output, line.choices, line.userFolder};
+  const ModelOrder order{line.inputs, line.output, line.choices, line.userFolder,
+                         line.workFolder.value_or(platform::SystemTemporaryFolder())};
   const ExitStatus status = ModelRun(order, console).Run();
   if (status == ExitStatus::kDone && !line.quiet) {
     platform::WriteStandardOutput(line.output + u" was written.\n");

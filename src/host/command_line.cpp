@@ -29,6 +29,7 @@ struct Words {
   std::string output;
   std::string answer;
   std::string userFolder;
+  std::string workFolder;
   ChoiceWords merge;
   bool ignoreEnumErrors = false;
   bool ignoreUnits = false;
@@ -84,6 +85,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_flag("--quiet", words.quiet);
   app.add_option("--answer", words.answer);
   app.add_option("--user-folder", words.userFolder);
+  app.add_option("--work-folder", words.workFolder);
   app.add_flag("-h,--help", words.help);
 }
 
@@ -140,6 +142,9 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   if (app.count("--user-folder") != 0 && words.userFolder.empty()) {
     return "--user-folder takes the name of a folder";
   }
+  if (app.count("--work-folder") != 0 && words.workFolder.empty()) {
+    return "--work-folder takes the name of a folder";
+  }
   if (auto error = CountError(command, words.files.size())) return error;
   if (command == Command::kMerge && app.count("--output") == 0) {
     return "the output is missing: -o OUT";
@@ -158,6 +163,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
     line.inputs.pop_back();
   }
   if (!words.userFolder.empty()) line.userFolder = FromUtf8(words.userFolder);
+  if (!words.workFolder.empty()) line.workFolder = FromUtf8(words.workFolder);
   line.choices.ignoreEnumErrors = words.ignoreEnumErrors;
   line.choices.ignoreUnits = words.ignoreUnits;
   line.choices.deleteOpenings = words.deleteOpenings;

@@ -23,6 +23,7 @@ struct CommandLine {
   bool json = false;                       // info and tree
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
+  std::optional<WideString> workFolder;    // for files that are gone when they are closed
 };
 
 // Text that was asked for: help or the version.

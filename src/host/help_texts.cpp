@@ -114,6 +114,8 @@ constexpr char16_t kModelOptions[] =
                           question is always whether to stop.
   --user-folder DIR       where config.txt and LastPath.txt lie, in the place
                           of Orlenta/plugins/corvel in your local data folder
+  --work-folder DIR       where work files lie while a model is read, in the
+                          place of the system's temporary folder
   -h, --help              this text
 
 )help";
@@ -139,11 +141,11 @@ Beside the inputs there are
                           deleted at the end of a run in which nothing was
                           reported. If it cannot be made, the run goes on, and
                           all reports are shown.
-  NAME_TEMP.ifc           a working file beside each input NAME.ifc, so that
-                          the folder of an input must be writable. It stays
-                          when the input was read to its end, and the next
-                          reading overwrites it. A model of that name is never
-                          overwritten: NAME_TEMP2.ifc and so on is taken then.
+
+While a model is read, a work file without a name lies in the system's
+temporary folder (TMPDIR or /tmp; on Windows TMP or TEMP), or in that of
+--work-folder, and goes with the reading, however it ends. It may become as
+large as the model. Inputs may lie in folders that cannot be written.
 
 Exit status:
   0    OUT was written, and nothing was reported
@@ -191,8 +193,8 @@ record without a class name as "(nameless)".
 Options:
   --json                  for programs, see below
   -h, --help              this text
-  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR
-                          taken as by the other commands; there is nothing
+  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR,
+  --work-folder DIR       taken as by the other commands; there is nothing
                           that they change
 
 With --json one object goes to standard output:
@@ -246,8 +248,8 @@ further in; the depth then stands in front of them, as in "[33]".
 Options:
   --json                  for programs, see below
   -h, --help              this text
-  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR
-                          taken as by the other commands; there is nothing
+  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR,
+  --work-folder DIR       taken as by the other commands; there is nothing
                           that they change
 
 With --json one object goes to standard output:

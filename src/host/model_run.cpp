@@ -33,6 +33,7 @@ bool ModelRun::PathsAreGood() {
   };
   for (const WideString& input : order_.inputs) tell(input, TroubleWithInput(input));
   tell(order_.output, TroubleWithOutput(order_.output, order_.inputs));
+  tell(order_.workFolder, TroubleWithWorkFolder(order_.workFolder));
   return good;
 }
 
@@ -69,10 +70,12 @@ bool ModelRun::Write() {
                 order_.output);
   PluginSession session(order_.userFolder);
   plugin::Plugin& plugin = session.ThePlugin();
-  plugin.OverrideOptions(order_.choices.Over(plugin.RunOptions()));
+  MergeOptions options = order_.choices.Over(plugin.RunOptions());
+  options.workFolder = order_.workFolder;
+  plugin.OverrideOptions(options);
   viewer.TellModelsAreLoaded();
   if (order_.inputs.size() > 1) return Merge(viewer, plugin);
-  return Resave(order_.inputs.front(), order_.output, plugin.RunOptions().ignoreEnumErrors);
+  return Resave(order_.inputs.front(), order_.output, plugin.RunOptions());
 }
 
 bool ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {

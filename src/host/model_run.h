@@ -19,6 +19,7 @@ struct ModelOrder {
   RunChoices choices;
   // In the place of the user's own folder for config.txt and LastPath.txt.
   std::optional<WideString> userFolder;
+  WideString workFolder;  // of the files that the reading needs meanwhile
 };
 
 // One run: it checks, reads the scenes that the choices are about, lets the plug-in do its work,

@@ -25,9 +25,10 @@ void ShowStep(const char* key, const WideString& path) {
   ProgressWindow::Instance().SetCurrentFile(path);
 }
 
-bool ReadAndWrite(const WideString& input, const WideString& output, bool ignoreEnumErrors) {
+bool ReadAndWrite(const WideString& input, const WideString& output, const MergeOptions& options) {
   IfcLog& log = IfcLog::Instance();
-  IfcDocument document(ignoreEnumErrors, plugin::ShowError, ProgressWindow::UpdateProgress);
+  IfcDocument document(options.ignoreEnumErrors, plugin::ShowError, ProgressWindow::UpdateProgress);
+  if (options.workFolder) document.KeepWorkFileIn(*options.workFolder);
   document.ReservePaths({input, output});
   ProgressWindow::Instance().StartStage(kReadingWeight);
   ShowStep("reading_file", input);
@@ -47,14 +48,14 @@ bool ReadAndWrite(const WideString& input, const WideString& output, bool ignore
 
 }  // namespace
 
-bool Resave(const WideString& input, const WideString& output, bool ignoreEnumErrors) {
+bool Resave(const WideString& input, const WideString& output, const MergeOptions& options) {
   plugin::StartRun();
   IfcLog::Instance().Open(input);
   ProgressWindow::Instance().InitProgress({});
   ProgressWindow::Instance().SetOverallText(GetText("progress_bar_overall_progress"));
   bool written = false;
   try {
-    written = ReadAndWrite(input, output, ignoreEnumErrors);
+    written = ReadAndWrite(input, output, options);
   } catch (const std::bad_alloc&) {
     plugin::ShowError("", u"Not enough memory for these models.", kReportShow);
   } catch (const std::exception& error) {

@@ -8,6 +8,7 @@
 
 #include "platform/console.h"
 #include "platform/file.h"
+#include "platform/locked_file.h"
 #include "platform/native_path.h"
 #include "step/streams/input_zip_file_stream.h"
 #include "step/streams/open_input.h"
@@ -154,6 +155,13 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
   if (isInput) return u"the output is also an input, and inputs are never overwritten";
   if (!CanBeWritten(path)) return u"the output cannot be written there";
   return {};
+}
+
+std::optional<WideString> TroubleWithWorkFolder(const WideString& folder) {
+  if (!platform::IsFolder(folder)) return u"there is no such folder for work files";
+  platform::File file;
+  if (platform::OpenUnnamedFile(folder, file)) return {};
+  return u"work files cannot be kept in this folder; --work-folder names another";
 }
 
 bool HasClosingLine(const WideString& path) {

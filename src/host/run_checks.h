@@ -17,6 +17,10 @@ std::optional<WideString> TroubleWithInput(const WideString& path);
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs);
 
+// The reason why files that are needed meanwhile cannot be kept in the folder; nothing when they
+// can.
+std::optional<WideString> TroubleWithWorkFolder(const WideString& folder);
+
 // What is said of a file without its closing line.
 inline constexpr char16_t kCutShort[] =
     u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short.";

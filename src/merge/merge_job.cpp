@@ -151,8 +151,10 @@ bool MergeJob::Read(HostObject project) {
   shell_.SetCurrentText(shell_.Text("checking_files"));
   shell_.SetCurrentFile(path);
   Log(u"Reading file: " + path);
-  auto document = std::make_unique<IfcDocument>(shell_.Options().ignoreEnumErrors,
-                                                shell_.Reporter(), shell_.Ticks());
+  const MergeOptions options = shell_.Options();
+  auto document =
+      std::make_unique<IfcDocument>(options.ignoreEnumErrors, shell_.Reporter(), shell_.Ticks());
+  if (options.workFolder) document->KeepWorkFileIn(*options.workFolder);
   std::vector<WideString> reserved;
   for (const HostObject file : files_) reserved.push_back(scene_.ProjectPath(file));
   document->ReservePaths(std::move(reserved));

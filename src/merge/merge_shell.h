@@ -1,6 +1,7 @@
 // What a merge job needs of the shell around it: texts, dialogs, progress, options.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "core/reporting.h"
@@ -16,6 +17,9 @@ struct MergeOptions {
   bool ignoreUnits = false;       // files of other units take part
   bool ignoreEnumErrors = false;  // unknown enumeration values are replaced
   bool deleteOpenings = false;    // openings go with what they are in
+  // Where the work files of the reading lie, without names; nothing: beside the inputs, as told at
+  // IfcDocument. No choice of the window's.
+  std::optional<WideString> workFolder{};
 };
 
 // What the save dialog starts with.

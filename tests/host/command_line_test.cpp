@@ -52,6 +52,17 @@ TEST(CommandLine, ResaveTakesTheLastFileAsOutput) {
   EXPECT_EQ(u"out.ifc", line.output);
 }
 
+TEST(CommandLine, EveryCommandTakesFoldersOfItsOwn) {
+  EXPECT_FALSE(Parsed({u"resave", u"a.ifc", u"b.ifc"}).workFolder.has_value());
+  const CommandLine line =
+      Parsed({u"resave", u"a.ifc", u"b.ifc", u"--work-folder", u"w \u0142", u"--user-folder=u"});
+  EXPECT_EQ(u"w \u0142", line.workFolder);
+  EXPECT_EQ(u"u", line.userFolder);
+  EXPECT_EQ(u"w", Parsed({u"info", u"a.ifc", u"--work-folder=w"}).workFolder);
+  EXPECT_EQ("merge: --work-folder takes the name of a folder\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--work-folder", u""}));
+}
+
 TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
   EXPECT_EQ((Arguments{u"a.ifc"}), Parsed({u"info", u"a.ifc"}).inputs);
   const CommandLine line = Parsed({u"info", u"a.ifc", u"--json", u"b.ifc"});

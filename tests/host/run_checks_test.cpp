@@ -32,6 +32,14 @@ TEST_F(RunChecks, AFileWithBytesIsAnInput) {
   EXPECT_EQ(Trouble(), TroubleWithInput(folder.Write("UPPER.IFC", "x")));
 }
 
+TEST_F(RunChecks, WorkFilesNeedAFolderThatTakesThem) {
+  EXPECT_EQ(Trouble(), TroubleWithWorkFolder(folder.Path()));
+  const Trouble noFolder = u"there is no such folder for work files";
+  EXPECT_EQ(noFolder, TroubleWithWorkFolder(folder.Path("none")));
+  EXPECT_EQ(noFolder, TroubleWithWorkFolder(inputs[0]));
+  EXPECT_EQ(std::vector<std::string>{"in.ifc"}, folder.Names());
+}
+
 TEST_F(RunChecks, WhatIsNoInputIsToldWhy) {
   EXPECT_EQ(u"the name of an input is empty", TroubleWithInput(u""));
   EXPECT_EQ(u"there is no such file", TroubleWithInput(folder.Path("none.ifc")));

@@ -366,11 +366,17 @@ class NoRights(CorvelTest):
         self.addCleanup(shutil.rmtree, target)
         os.chmod(target, 0o777)
         ended = self.run_limited('resave', 'a.ifc', os.path.join(target, 'out.ifc'))
-        self.assert_ended(ended, NOTHING_WRITTEN)
-        self.assertIn('Log file error: Could not create log file: a_IFC_LOG.txt\n', ended.err)
-        self.assertIn('corvel: a.ifc: Unable to create copy of file: "a_TEMP.ifc"\n', ended.err)
-        self.assertTrue(ended.err.endswith('corvel: Nothing was written.\n'), ended.err)
-        self.assertEqual([], os.listdir(target))
+        self.assert_ended(ended, DONE)
+        self.assertEqual(['out.ifc'], os.listdir(target))
+
+    def test_a_folder_for_work_files_that_may_not_be_written(self):
+        os.chmod(self.folder, 0o777)
+        os.mkdir(self.path('work'), 0o555)
+        ended = self.run_limited('resave', 'a.ifc', 'out.ifc', '--work-folder', 'work')
+        self.assert_ended(ended, NOTHING_WRITTEN,
+                          err='corvel: work: work files cannot be kept in this folder; '
+                              '--work-folder names another\n'
+                              'corvel: Nothing was written.\n')
 
 
 class Memory(CorvelTest):

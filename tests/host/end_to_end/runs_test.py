@@ -6,7 +6,7 @@ import subprocess
 import unittest
 
 from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, PROJECT, WITH_REPORTS,
-                     CorvelTest, model, project, records_of, wall)
+                     WRONG_USAGE, CorvelTest, model, project, records_of, wall)
 
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
@@ -225,35 +225,76 @@ class Names(CorvelTest):
         self.write('b.ifc', model(POINT))
         self.assert_ended(self.run_corvel('merge', 'sub/a.ifc', './b.ifc', '-o', 'sub/out.ifc'),
                           WITH_REPORTS)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'a_TEMP.ifc', 'out.ifc'],
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'],
                          sorted(os.listdir(os.path.join(self.folder, 'sub'))))
         self.assertEqual(['b.ifc', 'sub'], self.names())
 
-    def test_a_working_file_never_takes_the_place_of_a_model(self):
-        self.write('a.ifc', project(POINT))
-        kept = project('#2=IFCDIRECTION((1.,0.));')
-        self.write('a_TEMP.ifc', kept)
-        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'a_TEMP2.ifc'), DONE)
-        self.assertEqual(kept, self.read('a_TEMP.ifc'))
-        self.assertEqual(['a.ifc', 'a_TEMP.ifc', 'a_TEMP2.ifc'], self.names())
 
-    def test_the_working_file_of_a_complete_reading_stays_and_is_overwritten(self):
-        self.write('a.ifc', project('#2=IFCPOLYLOOP((#3));', '#3=IFCCARTESIANPOINT((0.,1.));'))
-        for _ in range(2):
-            self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE)
-            self.assertEqual(['a_TEMP.ifc'], self.working_files())
-            self.assertIn(b'#2=IFCPOLYLOOP((#3));', self.read('a_TEMP.ifc'))
+class WorkFiles(CorvelTest):
+    """Where the reading keeps what it needs twice."""
 
-    def test_the_working_file_of_a_failed_reading_is_gone(self):
-        self.write('a.ifc', project('#2=IFCNOSUCHCLASS();'))
-        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN)
-        self.assertEqual([], self.working_files())
+    # The loop is read again once its point is there.
+    MODEL = project('#2=IFCPOLYLOOP((#3));', '#3=IFCCARTESIANPOINT((0.,1.));')
 
-    def test_an_output_of_the_name_of_the_working_file_is_no_trouble(self):
-        self.write('a.ifc', project(POINT))
+    def setUp(self):
+        super().setUp()
+        self.write('a.ifc', self.MODEL)
+        os.mkdir(self.path('work'))
+
+    def assert_resaved(self, *options, **environment):
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', *options,
+                                env={**os.environ, **environment})
+        self.assert_ended(ended, DONE, err='')
+        self.assertIn(b'#2=IFCPOLYLOOP((#3));', self.read('out.ifc'))
+
+    def test_nothing_is_left_of_them(self):
+        for options in ((), ('--work-folder', 'work'), ('--work-folder=work',)):
+            self.assert_resaved(*options)
+            self.assertEqual(['a.ifc', 'out.ifc', 'work'], self.names())
+            self.assertEqual([], os.listdir(self.path('work')))
+
+    def test_nothing_is_left_of_them_by_a_merge(self):
+        for name, number, guid in (('a.ifc', 10, 'a' * 22), ('b.ifc', 20, 'b' * 22)):
+            self.write(name, project(*wall(number, guid)))  # each of its records refers forward
+        self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--work-folder', 'work')
+        for number in (10, 20):
+            self.assertRegex(self.read('out.ifc'), b"IFCWALL\\(.*,#%d,\\$,\\$,\\$\\);" % (number + 1))
+        self.assertEqual([], [name for name in self.names() if 'TEMP' in name])
+        self.assertEqual([], os.listdir(self.path('work')))
+
+    def test_nothing_is_left_of_a_reading_that_fails(self):
+        self.write('bad.ifc', project('#2=IFCPOLYLOOP((#3));', '#3=IFCNOSUCHCLASS();'))
+        ended = self.run_corvel('resave', 'bad.ifc', 'out.ifc', '--work-folder', 'work')
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertEqual([], [name for name in self.names() if 'TEMP' in name])
+        self.assertEqual([], os.listdir(self.path('work')))
+
+    def test_files_of_their_former_names_are_not_touched(self):
+        self.write('a_TEMP.ifc', b'#9=IFCWALL();')
+        self.assert_resaved()
+        self.assertEqual(b'#9=IFCWALL();', self.read('a_TEMP.ifc'))
         self.assert_ended(self.run_corvel('resave', 'a.ifc', 'a_TEMP.ifc'), DONE)
-        self.assertIn(POINT, records_of(self.read('a_TEMP.ifc')))
-        self.assertEqual(['a.ifc', 'a_TEMP.ifc'], self.names())
+        self.assertEqual(['a.ifc', 'a_TEMP.ifc', 'out.ifc', 'work'], self.names())
+
+    @unittest.skipIf(ON_WINDOWS, 'the folder has other names there')
+    def test_they_go_where_the_system_wants_them(self):
+        self.assert_resaved(TMPDIR=self.path('work').decode())
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', env={**os.environ, 'TMPDIR': 'none'})
+        self.assert_ended(ended, NOTHING_WRITTEN,
+                          err='corvel: none: there is no such folder for work files\n'
+                              'corvel: Nothing was written.\n')
+
+    def test_a_folder_that_is_none_is_refused_before_anything_is_read(self):
+        for folder in ('none', 'a.ifc'):
+            ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', '--work-folder', folder)
+            self.assert_ended(ended, NOTHING_WRITTEN,
+                              err=f'corvel: {folder}: there is no such folder for work files\n'
+                                  'corvel: Nothing was written.\n')
+
+    def test_an_option_without_a_folder_is_wrong_usage(self):
+        ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', '--work-folder=')
+        self.assertEqual(WRONG_USAGE, ended.status)
+        self.assertIn('--work-folder', ended.err)
 
 
 class Info(CorvelTest):

@@ -4,7 +4,6 @@ The environment variable CORVEL names the program.
 """
 
 import os
-import re
 import signal
 import subprocess
 import tempfile
@@ -103,14 +102,8 @@ class CorvelTest(unittest.TestCase):
             return file.read()
 
     def names(self):
-        """What lies in the folder, as text or, where that fails, as Python escapes it. Working files
-        of the reader are left out: WorkingFiles in runs_test.py is about them."""
-        return sorted(set(os.listdir(self.folder)) - set(self.working_files()))
-
-    def working_files(self):
-        """What the reader has left beside its inputs: no models, though named like them."""
-        return sorted(name for name in os.listdir(self.folder)
-                      if re.search(r'_TEMP\d*\.ifc$', name) and not self.read(name).startswith(b'ISO'))
+        """What lies in the folder, as text or, where that fails, as Python escapes it."""
+        return sorted(os.listdir(self.folder))
 
     def start(self, *arguments, **options):
         options = {'stdin': subprocess.DEVNULL, 'stdout': subprocess.PIPE,

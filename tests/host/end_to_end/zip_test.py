@@ -272,14 +272,6 @@ class Read(ZipTest):
             self.assertIn('IFCPOLYLINE', ended.out)
             self.assertIn(f'size in bytes         {len(MODEL)}\n', ended.out)
 
-    def test_working_files_lie_beside_the_archive(self):
-        self.write('b.olf', zipped(('sub/m.ifc', MODEL)))
-        self.resave('b.olf|sub/m.ifc', 'out.ifc')
-        self.assertIn('m_TEMP.ifc', self.working_files())
-        self.write('c.d.ifczip', zipped(('m.ifc', MODEL)))
-        self.resave('c.d.ifczip', 'out.ifc')
-        self.assertIn('c.d_TEMP.ifc', self.working_files())
-
 
 class Damaged(ZipTest):
     """A message, and nothing written; a tool that is asked for facts says what is wrong."""
