@@ -53,8 +53,8 @@ class IfcDocument {
   // A blank entity of the file's schema, filed under the next free number. `name` in any case.
   // Null (reported) for a class that the schema lacks.
   IFC::IfcEntity* CreateESet(std::string name);
-  // Writes the model. 1: complete; 2: cancelled; 0: failed, and reported. In the last two cases no
-  // file is left.
+  // Writes the model. 1: complete; 2: cancelled; 0: failed, and reported. In the last two cases the
+  // path has what it had before, a file or none; see `outputKeptAt`.
   int SaveFile(const WideString& path);
 
   // Folds `source` into this document. `mergeLevel`: 0 merges no spatial objects by name, 1 sites,
@@ -115,6 +115,9 @@ class IfcDocument {
   // At most one for each of comparedUnitTypes, in their order.
   std::vector<UnitComparison> unitDifferences;
   std::uint64_t hostProject = 0;  // handle of the host's project that the file belongs to
+  // Where the complete output of the last SaveFile lies when that failed for one reason only: it
+  // could not be put at its place. Empty otherwise.
+  WideString outputKeptAt;
 
  private:
   ErrorReporter showError_;

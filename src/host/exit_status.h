@@ -7,7 +7,7 @@ enum class ExitStatus {
   kDone = 0,            // written (or shown), and nothing was reported
   kNothingWritten = 1,  // or, of `info`: a file had a problem
   kWrongUsage = 2,
-  kCancelled = 3,  // nothing was written because the user wanted so
+  kCancelled = 3,  // nothing was written because the user, or who ended the session, wanted so
   kWrittenWithReports = 4,
 };
 

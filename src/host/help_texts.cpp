@@ -24,7 +24,7 @@ Exit status:
   0    done: written (or shown), and nothing was reported
   1    nothing was written; with info and tree: a file had a problem
   2    wrong usage
-  3    cancelled by the user, nothing was written
+  3    cancelled by the user or by SIGTERM, nothing was written
   4    written, but errors or remarks were reported
   130  interrupted a second time
 
@@ -123,7 +123,8 @@ constexpr char16_t kModelOptions[] =
 constexpr char16_t kModelFiles[] =
     uR"help(Inputs and output have names that end in .ifc or in .ifczip, a zip archive
 whose first file is the model. 'CONTAINER.olf|ENTRY' is an input as well. OUT
-may be there already: it is then replaced. It must not be one of the inputs.
+may be there already: it is then replaced, in one step, when the new one is
+complete. It must not be one of the inputs.
 Before anything is read, all files are looked at, and the run is refused with a
 message for each that is missing, a folder, empty or otherwise of no use.
 
@@ -131,10 +132,16 @@ Progress is shown in two bars, of the whole run and of the step at work, where
 standard error is a terminal. Ctrl-C stops at the next tick of the progress;
 on a terminal you are asked whether to stop, and without one the answer is
 yes. A second Ctrl-C while the first has no answer yet ends the program at
-once with exit status 130.
+once with exit status 130. SIGTERM and SIGHUP (on Windows Ctrl-Break, the end
+of the session, the closing of the console) stop the run without a question.
 
-OUT is either complete or not there: whatever ends a run early removes what
-was written of it. (On Windows a second Ctrl-C may leave it unfinished.)
+OUT is either complete or what it was before: until then the new one stands
+beside it as .OUT.corvel-PROCESS-NUMBER.part, so that its folder must take new
+files. Whatever ends a run early removes that file; what a run leaves that was
+ended by force goes with the next run that writes the same OUT. Where OUT is a
+link, the file behind it is replaced; hard links to it keep the old content; a
+device is written to itself. Mode, owner and group (on Windows attributes and
+access rules) are kept where that can be done.
 
 Beside the inputs there are
   NAME_IFC_LOG.txt        the log, beside the first input NAME.ifc. It is
@@ -152,7 +159,8 @@ Exit status:
   1    nothing was written, and a message tells why
   2    wrong usage
   3    cancelled: the question whether to stop was answered with yes, by you,
-       by --answer or by itself; nothing was written
+       by --answer or by itself, or the run was asked to end by SIGTERM or the
+       like; nothing was written
   4    OUT was written, but something was reported. Everything that goes to
        the log as a report counts, also what is not shown, such as
        "IFC4X3_ADD2 is used instead" or a replaced enumeration value. The log

@@ -16,11 +16,14 @@ ModelRun::ModelRun(ModelOrder order, RunConsole& console)
     : order_(std::move(order)), console_(console) {}
 
 ExitStatus ModelRun::Run() {
-  const bool good = PathsAreGood();
-  if (good && !LoadScene()) return ExitStatus::kWrongUsage;
-  const bool written = good && Write();
+  RunResult result;
+  if (PathsAreGood() && !console_.ShallEnd()) {
+    const bool listsAreGood = LoadScene();
+    if (!listsAreGood && !console_.WasCancelled()) return ExitStatus::kWrongUsage;
+    if (!console_.ShallEnd()) result = Write();
+  }
   console_.EraseBars();
-  return Conclude(written);
+  return Conclude(result);
 }
 
 // All that is wrong is told, not the first alone.
@@ -41,11 +44,12 @@ bool ModelRun::PathsAreGood() {
 // names something that is not there; everything of that kind has been told.
 bool ModelRun::LoadScene() {
   bool good = true;
-  for (std::size_t i = 0; i < order_.inputs.size(); ++i) {
+  for (std::size_t i = 0; i < order_.inputs.size() && !console_.ShallEnd(); ++i) {
     LoadedModel& model = models_.emplace_back();
     model.path = order_.inputs[i];
     if (order_.inputs.size() > 1) good = Load(i, model) && good;
   }
+  if (console_.WasCancelled()) return good;
   for (const auto& [input, offset] : order_.choices.offsetsMm) models_[input].offsetMm = offset;
   return good;
 }
@@ -65,7 +69,7 @@ bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   return false;
 }
 
-bool ModelRun::Write() {
+RunResult ModelRun::Write() {
   Viewer viewer(console_, ViewerScene(std::move(models_), order_.choices.centerMetres),
                 order_.output);
   PluginSession session(order_.userFolder);
@@ -78,11 +82,11 @@ bool ModelRun::Write() {
   return Resave(order_.inputs.front(), order_.output, plugin.RunOptions());
 }
 
-bool ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
+RunResult ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
   // The plug-in passes over this without a word.
   if (!viewer.Scene().AnythingIsActive()) {
     console_.Say(u"No object is active.");
-    return false;
+    return {};
   }
   const plugin::Ribbon& buttons = plugin.Buttons();
   // Over this as well.
@@ -95,7 +99,7 @@ bool ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
     case SavingMode::kMergeVisible: viewer.Click(buttons.mergeVisible); break;
     case SavingMode::kMergeSelected: viewer.Click(buttons.mergeSelected); break;
   }
-  return plugin.LastRun().written;
+  return plugin.LastRun();
 }
 
 // The reader takes a file that was cut short without a word, as far as it goes.
@@ -109,13 +113,17 @@ bool ModelRun::RemarkCutFiles() {
   return remarked;
 }
 
-ExitStatus ModelRun::Conclude(bool written) {
+ExitStatus ModelRun::Conclude(const RunResult& result) {
+  const bool written = result.written;
   const bool cut = written && RemarkCutFiles();
   const bool reported = console_.LogWasOffered() || cut;
   if (written && !reported) return ExitStatus::kDone;
   WideString line;
   if (written) {
     line = order_.output + u" was written, but something was reported.";
+  } else if (!result.outputKeptAt.empty()) {
+    line = order_.output + u" was not written. The complete output lies in " + result.outputKeptAt +
+           u".";
   } else {
     line = console_.WasCancelled() ? u"Cancelled, nothing was written." : u"Nothing was written.";
   }

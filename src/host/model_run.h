@@ -37,10 +37,10 @@ class ModelRun {
   bool PathsAreGood();
   bool LoadScene();
   bool Load(std::size_t input, LoadedModel& model);
-  bool Write();
-  bool Merge(Viewer& viewer, plugin::Plugin& plugin);
+  RunResult Write();
+  RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
   bool RemarkCutFiles();
-  ExitStatus Conclude(bool written);
+  ExitStatus Conclude(const RunResult& result);
 
   ModelOrder order_;
   RunConsole& console_;

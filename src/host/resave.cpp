@@ -25,7 +25,8 @@ void ShowStep(const char* key, const WideString& path) {
   ProgressWindow::Instance().SetCurrentFile(path);
 }
 
-bool ReadAndWrite(const WideString& input, const WideString& output, const MergeOptions& options) {
+RunResult ReadAndWrite(const WideString& input, const WideString& output,
+                       const MergeOptions& options) {
   IfcLog& log = IfcLog::Instance();
   IfcDocument document(options.ignoreEnumErrors, plugin::ShowError, ProgressWindow::UpdateProgress);
   if (options.workFolder) document.KeepWorkFileIn(*options.workFolder);
@@ -36,33 +37,35 @@ bool ReadAndWrite(const WideString& input, const WideString& output, const Merge
   constexpr int kOneFile = 1;
   document.OpenFile(input, kOneFile);
   if (document.IsCancelled()) log.LogText(u"Reading file cancelled.");
-  if (!document.IsParsed()) return false;
+  if (!document.IsParsed()) return {};
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");
   constexpr int kComplete = 1;
-  if (document.SaveFile(output) != kComplete) return false;
-  log.LogText(u"Saving DONE");
-  return true;
+  RunResult result;
+  result.written = document.SaveFile(output) == kComplete;
+  result.outputKeptAt = document.outputKeptAt;
+  if (result.written) log.LogText(u"Saving DONE");
+  return result;
 }
 
 }  // namespace
 
-bool Resave(const WideString& input, const WideString& output, const MergeOptions& options) {
+RunResult Resave(const WideString& input, const WideString& output, const MergeOptions& options) {
   plugin::StartRun();
   IfcLog::Instance().Open(input);
   ProgressWindow::Instance().InitProgress({});
   ProgressWindow::Instance().SetOverallText(GetText("progress_bar_overall_progress"));
-  bool written = false;
+  RunResult result;
   try {
-    written = ReadAndWrite(input, output, options);
+    result = ReadAndWrite(input, output, options);
   } catch (const std::bad_alloc&) {
     plugin::ShowError("", u"Not enough memory for these models.", kReportShow);
   } catch (const std::exception& error) {
     plugin::ShowError("", Widen(error.what()), kReportShow);
   }
   plugin::FinishRun();
-  return written;
+  return result;
 }
 
 }  // namespace corvel::host

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "core/text.h"
+#include "merge/merge_job.h"
 #include "merge/merge_shell.h"
 
 namespace corvel::host {
 
-// Reads `input` and writes `output`, with the plug-in's progress and reports. True when the output
-// is there, complete. Of the options those count that concern reading. Needs the plug-in to be
-// loaded.
-bool Resave(const WideString& input, const WideString& output, const MergeOptions& options);
+// Reads `input` and writes `output`, with the plug-in's progress and reports. Of the options those
+// count that concern reading. Needs the plug-in to be loaded.
+RunResult Resave(const WideString& input, const WideString& output, const MergeOptions& options);
 
 }  // namespace corvel::host

@@ -6,7 +6,6 @@
 #include <string>
 #include <system_error>
 
-#include "platform/console.h"
 #include "platform/file.h"
 #include "platform/locked_file.h"
 #include "platform/native_path.h"
@@ -96,16 +95,10 @@ bool FolderExists(const WideString& path) {
   return folder.empty() || fs::is_directory(folder, ignored);
 }
 
+// As the writer will begin it.
 bool CanBeWritten(const WideString& path) {
-  const WideString target = FollowLinks(path);
-  platform::File file;
-  if (platform::FileExists(target)) return file.Open(target, platform::OpenMode::kAppend);
-  platform::SetUnfinishedFile(target);
-  const bool made = file.Open(target, platform::OpenMode::kWrite);
-  file.Close();
-  const bool removed = made && platform::RemoveFile(target);
-  platform::SetUnfinishedFile({});
-  return removed;
+  UnfinishedOutput output(path);
+  return output.Open().IsOpen();
 }
 
 constexpr std::int64_t kNearEnd = 0x10000;

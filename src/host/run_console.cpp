@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/reporting.h"
 #include "host/display_text.h"
 #include "platform/console.h"
 #include "platform/terminal.h"
@@ -42,6 +43,19 @@ bool RunConsole::Draw(const ProgressView& view) {
   return !cancelConfirmed_ && !platform::IsInterrupted();
 }
 
+bool RunConsole::ShallEnd() {
+  return cancelConfirmed_ || (platform::IsInterrupted() && AskCancelQuestion(SharedCancelTexts()));
+}
+
+// Nobody is there any more to be asked.
+bool RunConsole::EndsAsRequested() {
+  const WideView request = platform::RequestToEnd();
+  if (request.empty()) return false;
+  if (!cancelConfirmed_) Say(u"Asked to end by " + WideString(request) + u".");
+  cancelConfirmed_ = true;
+  return true;
+}
+
 // The log question is the one yes/no box that only informs. Whoever has stopped the run is not
 // asked again by the loops that are still winding down.
 std::optional<platform::Answer> RunConsole::BeforeBox(platform::Buttons buttons,
@@ -51,7 +65,7 @@ std::optional<platform::Answer> RunConsole::BeforeBox(platform::Buttons buttons,
       logOffered_ = true;
       return platform::Answer::kNo;
     }
-    if (cancelConfirmed_) return platform::Answer::kYes;
+    if (cancelConfirmed_ || EndsAsRequested()) return platform::Answer::kYes;
   }
   bars_.Erase();
   return {};
@@ -59,6 +73,7 @@ std::optional<platform::Answer> RunConsole::BeforeBox(platform::Buttons buttons,
 
 void RunConsole::AfterBox(platform::Buttons buttons, platform::Answer answer, bool byAPerson) {
   if (buttons != platform::Buttons::kYesNo) return;
+  if (!byAPerson && EndsAsRequested()) return;
   if (!byAPerson) {
     Say(answer == platform::Answer::kYes ? u"Yes, as nobody is asked."
                                          : u"No, as nobody is asked.");

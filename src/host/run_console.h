@@ -27,17 +27,21 @@ class RunConsole {
 
   // `corvel: text`, without blanks and line feeds at its end.
   void Say(WideView text);
-  // Draws the bars. False when the user has asked to stop, by Ctrl-C.
+  // Draws the bars. False when the user has asked to stop, by Ctrl-C, or the system has.
   bool Draw(const ProgressView& view);
   void EraseBars() { bars_.Erase(); }
+  // For steps without ticks: true when the run is to end here. Asks whoever pressed Ctrl-C.
+  bool ShallEnd();
 
-  // A cancel question was answered with Yes, by whomever.
+  // A cancel question was answered with Yes, by whomever; unasked when the system asked the process
+  // to end.
   bool WasCancelled() const { return cancelConfirmed_; }
   // The log was offered, because something had been reported. The answer is No, unasked.
   bool LogWasOffered() const { return logOffered_; }
 
  private:
   std::optional<platform::Answer> BeforeBox(platform::Buttons buttons, platform::Icon icon);
+  bool EndsAsRequested();
   void AfterBox(platform::Buttons buttons, platform::Answer answer, bool byAPerson);
 
   Output output_;

@@ -91,6 +91,7 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
   mode_ = mode;
   projects_ = projects;
   files_.clear();
+  outputKeptAt_.clear();
   for (const HostObject project : projects) {
     if (files.count(project) != 0) files_.push_back(project);
   }
@@ -108,7 +109,8 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
   outputPath_ = shell_.OutputPath();
   if (!PrepareDocuments() || !Fold()) return End(false);
   const bool saved = Save();
-  if (CancelWasConfirmed()) return End(false);
+  // An output that is at its place is one, whatever was pressed since.
+  if (!saved && CancelWasConfirmed()) return End(false);
   Conclude();
   return End(saved);
 }
@@ -254,6 +256,7 @@ bool MergeJob::Save() {
   Log(u"Saving to output file ...");
   constexpr int kComplete = 1;
   const bool complete = documents_.front()->SaveFile(outputPath_) == kComplete;
+  outputKeptAt_ = documents_.front()->outputKeptAt;
   Log(u"Saving DONE");
   return complete;
 }
@@ -269,7 +272,7 @@ void MergeJob::Conclude() {
 RunResult MergeJob::End(bool written) {
   documents_.clear();
   shell_.FinishRun();
-  return {written, CancelWasConfirmed()};
+  return {written, CancelWasConfirmed(), std::move(outputKeptAt_)};
 }
 
 }  // namespace corvel

@@ -16,6 +16,8 @@ namespace corvel {
 struct RunResult {
   bool written = false;    // the output is there, complete
   bool cancelled = false;  // somebody answered a cancel question with Yes
+  // Where the complete output lies when it could not be put at its place; empty otherwise.
+  WideString outputKeptAt;
 };
 
 // One run at a time, from its start to its end within one call. All models that take part are in
@@ -59,6 +61,7 @@ class MergeJob {
   std::vector<std::unique_ptr<IfcDocument>> documents_;
   SavingMode mode_ = SavingMode::kMergeActive;
   WideString outputPath_;
+  WideString outputKeptAt_;
 };
 
 }  // namespace corvel

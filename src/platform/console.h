@@ -23,18 +23,23 @@ bool CanDrawOnTerminal();
 // Columns of that terminal; 80 when it does not tell.
 int TerminalColumns();
 
-// From now on the first interrupt (Ctrl-C) only raises a flag. A second one while the flag is up
-// ends the process at once with exit status 130, as a request of the system to end does with its
-// own status; both remove the unfinished file first. An interrupt that was ignored when the program
-// started stays ignored. Writing to a pipe that nobody reads any more, or beyond the size that the
-// system allows a file, fails from now on instead of ending the process.
+// From now on an interrupt (Ctrl-C) and a request to end (SIGTERM, SIGHUP; Ctrl-Break, the closing
+// of the console, the end of the session) only raise a flag. An interrupt that comes while the flag
+// is up ends the process at once with exit status 130, and removes the unfinished file first. A
+// request that was ignored when the program started stays ignored. Writing to a pipe that nobody
+// reads any more, or beyond the size that the system allows a file, fails from now on instead of
+// ending the process.
 void CatchInterrupts();
+// The flag is up.
 bool IsInterrupted();
-// Takes the flag down: the user went back on it.
+// By what the process was asked to end, for people: "SIGTERM". Empty as long as it was not, or was
+// interrupted only, which leaves room for a question.
+std::u16string_view RequestToEnd();
+// Takes the flag down: the user went back on an interrupt. A request to end cannot be undone.
 void ForgetInterrupt();
 
-// The file to remove when the process ends between here and the next call; empty: none. Windows
-// keeps a file that is still open.
+// The file to remove when a second interrupt ends the process; empty: none. Windows keeps a file
+// that is still open.
 void SetUnfinishedFile(const std::u16string& path);
 
 }  // namespace platform

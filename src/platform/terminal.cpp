@@ -21,7 +21,10 @@ std::optional<Answer> AskAPerson() {
   while (true) {
     WriteStandardError(u"[y/n] ");
     const std::optional<std::string> line = ReadStandardInputLine();
-    if (!line) return {};
+    if (!line) {
+      WriteStandardError(u"\n");
+      return {};
+    }
     if (const std::optional<Answer> answer = ParseAnswer(*line)) return answer;
   }
 }

@@ -27,7 +27,8 @@ Dialogs CurrentDialogs();
 // Standard input and standard error are both a terminal.
 bool CanAskOnTerminal();
 void WriteStandardError(std::u16string_view text);
-// A line of standard input without its end; nothing at the end of the input.
+// A line of standard input without its end; nothing at the end of the input, and when the process
+// is asked to end meanwhile (see RequestToEnd).
 std::optional<std::string> ReadStandardInputLine();
 
 }  // namespace platform

@@ -4,7 +4,6 @@
 #include "step/reader/parser.h"
 #include "step/reader/schema_identifier.h"
 #include "step/writer/step_writer.h"
-#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -69,10 +68,9 @@ IFC::IfcEntity* IfcDocument::CreateESet(std::string name) {
 
 int IfcDocument::SaveFile(const WideString& path) {
   try {
-    UnfinishedOutput output(path);
-    const int result = StepWriter(showError_, progress_, *this, path).WriteFile();
-    constexpr int kComplete = 1;
-    if (result == kComplete) output.Complete();
+    StepWriter writer(showError_, progress_, *this, path);
+    const int result = writer.WriteFile();
+    outputKeptAt = writer.KeptAt();
     return result;
   } catch (...) {
     return 0;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <utility>
 
 #include "core/reporting.h"
@@ -119,6 +120,66 @@ TEST_F(Interrupted, ANoTakesItBack) {
   EXPECT_FALSE(console.WasCancelled());
   EXPECT_FALSE(::platform::IsInterrupted());
   EXPECT_TRUE(Draw());
+}
+
+TEST_F(Interrupted, AStepWithoutTicksAsksAndTakesANo) {
+  platform.answers = {::platform::Answer::kNo};
+  EXPECT_FALSE(console.ShallEnd());
+  EXPECT_EQ(1u, platform.boxes.size());
+  EXPECT_FALSE(console.ShallEnd());
+  EXPECT_EQ(1u, platform.boxes.size());
+}
+
+TEST_F(Interrupted, AStepWithoutTicksEndsWithAYesAndAsksOnce) {
+  EXPECT_TRUE(console.ShallEnd());
+  EXPECT_TRUE(console.ShallEnd());
+  EXPECT_EQ(1u, platform.boxes.size());
+  EXPECT_TRUE(console.WasCancelled());
+}
+
+// A request to end cannot be taken back: each test has a process of its own.
+class AskedToEnd : public RunConsoleTest {
+ protected:
+  template <class Check>
+  void ExpectInProcess(Check check) {
+    EXPECT_EXIT(
+        {
+          for (const int signal : {SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
+          ::platform::CatchInterrupts();
+          check();
+          std::exit(testing::Test::HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+  }
+};
+
+TEST_F(AskedToEnd, TheRunIsCancelledWithoutAQuestionAndToldOnce) {
+  ExpectInProcess([this] {
+    EXPECT_TRUE(Draw());
+    Take();
+    std::raise(SIGTERM);
+    console.EraseBars();
+    Take();
+    EXPECT_FALSE(Draw());
+    console.EraseBars();
+    Take();
+    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+    EXPECT_TRUE(console.ShallEnd());
+    EXPECT_EQ(u"corvel: Asked to end by SIGTERM.\n", Take());
+    EXPECT_TRUE(console.WasCancelled());
+    EXPECT_TRUE(platform.boxes.empty());
+  });
+}
+
+TEST_F(AskedToEnd, AQuestionThatWasOpenHasItsAnswer) {
+  ExpectInProcess([this] {
+    platform.answersAreAPersons = false;
+    platform.onBox = [] { std::raise(SIGHUP); };
+    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+    EXPECT_EQ(u"corvel: Asked to end by SIGHUP.\n", Take());
+    EXPECT_TRUE(console.WasCancelled());
+  });
 }
 #endif
 

@@ -23,8 +23,8 @@ constexpr DWORD kSeen = 42;
 constexpr DWORD kNotSeen = 43;
 constexpr DWORD kWait = 20'000;  // milliseconds
 
-bool InterruptArrives() {
-  if (::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) == 0) return false;
+bool InterruptArrives(DWORD control = CTRL_C_EVENT) {
+  if (::GenerateConsoleCtrlEvent(control, 0) == 0) return false;
   for (DWORD waited = 0; waited < kWait && !IsInterrupted(); waited += 5) ::Sleep(5);
   return IsInterrupted();
 }
@@ -77,6 +77,19 @@ TEST(InConsole, DISABLED_TwoInterrupts) {
   ::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
   ::Sleep(kWait);
   ::ExitProcess(kNotSeen);
+}
+
+TEST(InConsole, DISABLED_ABreak) {
+  CatchInterrupts();
+  const bool before = RequestToEnd().empty();
+  const bool seen = InterruptArrives(CTRL_BREAK_EVENT);
+  ForgetInterrupt();
+  const bool stays = IsInterrupted() && RequestToEnd() == u"Ctrl-Break";
+  ::ExitProcess(before && seen && stays ? kSeen : kNotSeen);
+}
+
+TEST(WindowsConsole, ABreakIsARequestToEndThatCannotBeForgotten) {
+  EXPECT_EQ(kSeen, RunWithAConsole(L"DISABLED_ABreak"));
 }
 
 TEST(WindowsConsole, AnInterruptRaisesTheFlagUntilItIsForgotten) {

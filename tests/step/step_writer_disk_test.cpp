@@ -45,12 +45,12 @@ class OutputDisk : public test::ReadTest {
         0};
   }
 
-  // Fails with this report alone, and leaves nothing at the path.
+  // Fails with this report alone, and leaves all as it was.
   void ExpectFailed(Model& model, const Report& report) {
+    const auto names = model.Folder().Names();
     EXPECT_EQ(0, model.Document().SaveFile(model.Folder().Path("out.ifc")));
     EXPECT_EQ(std::vector<Report>{report}, *reports_);
-    EXPECT_FALSE(
-        std::filesystem::exists(std::filesystem::symlink_status(model.Folder().Native("out.ifc"))));
+    EXPECT_EQ(names, model.Folder().Names());
   }
 };
 
@@ -106,14 +106,30 @@ TEST_F(OutputDisk, ThatFillsAnywhereIsReportedOnceAndHoldsNothingOfTheFile) {
   EXPECT_EQ(1, model.Document().SaveFile(model.Folder().Path("out.ifc")));
 }
 
-TEST_F(OutputDisk, ThatIsFullLosesTheFileThatWasThereBefore) {
+TEST_F(OutputDisk, ThatFillsAtAnyByteKeepsTheFileThatWasThereBefore) {
   Model model("#1=IFCPERSON();");
-  model.Folder().Write("out.ifc", "an older file");
-  const test::FileSizeLimit full(10);
-  ExpectFailed(model, {"", u"Could not write to file", 0});
+  for (const char* const name : {"out.ifc", "out.ifczip"}) {
+    const WideString path = model.Folder().Path(name);
+    EXPECT_EQ(1, model.Document().SaveFile(path));
+    EXPECT_EQ(1, model.Document().SaveFile(path));  // shorter: the lists of the header are gone
+    const auto size = static_cast<rlim_t>(model.Folder().Read(name).size());
+    model.Folder().Write(name, "an older file");
+    const auto names = model.Folder().Names();
+    for (rlim_t limit = 0; limit < size; ++limit) {
+      const RecordedReports fresh;
+      const test::FileSizeLimit full(limit);
+      EXPECT_EQ(0, model.Document().SaveFile(path)) << limit;
+      EXPECT_FALSE(reports_->empty()) << limit;
+      EXPECT_EQ("an older file", model.Folder().Read(name)) << limit;
+      ASSERT_EQ(names, model.Folder().Names()) << limit;
+    }
+    const test::FileSizeLimit enough(size);
+    EXPECT_EQ(1, model.Document().SaveFile(path));
+    EXPECT_EQ(size, model.Folder().Read(name).size());
+  }
 }
 
-TEST_F(OutputDisk, BehindALinkStaysAndTheLinkGoes) {
+TEST_F(OutputDisk, ThatIsADeviceBehindALinkStaysWithItsLink) {
   Model model("#1=IFCPERSON();");
   test::LinkToFullDevice(model.Folder().Path("out.ifc"));
   ExpectFailed(model, {"", u"Could not write to file", 0});
@@ -146,9 +162,18 @@ WideString& StolenPath() {
   return path;
 }
 
+// The output has a name of its own as long as it is written.
+WideString PathOfUnfinished() {
+  for (const auto& entry : std::filesystem::directory_iterator(ToUtf8(StolenPath()))) {
+    if (entry.path().extension() == ".part") return FromUtf8(entry.path().native());
+  }
+  return {};
+}
+
 bool Steal(int value, int, const WideString*, bool, int) {
   if (value == 1) {
-    EXPECT_TRUE(test::StealDescriptor(StolenPath()));
+    // The writer's descriptor is the younger one.
+    EXPECT_TRUE(test::StealDescriptor(PathOfUnfinished(), test::Which::kLast));
   }
   return true;
 }
@@ -156,12 +181,12 @@ bool Steal(int value, int, const WideString*, bool, int) {
 TEST_F(OutputDisk, ThatLosesTheHandleFailsTheSave) {
   test::TemporaryFolder folder;
   IfcDocument document(false, RecordedReports::Reporter, Steal);
-  StolenPath() = folder.Path("out.ifc");
+  StolenPath() = folder.Path();
   document.GetParser().progress = nullptr;  // so that the only tick of 1 is the writer's
   ASSERT_NE(0, document.OpenFile(folder.Write("a.ifc", test::ModelFile("#1=IFCPERSON();")), 1));
-  EXPECT_EQ(0, document.SaveFile(StolenPath()));
+  EXPECT_EQ(0, document.SaveFile(folder.Path("out.ifc")));
   EXPECT_EQ((std::vector<Report>{{"", u"Could not write to file", 0}}), *reports_);
-  EXPECT_FALSE(folder.Has("out.ifc"));
+  EXPECT_EQ((std::vector<std::string>{"a.ifc", "a_TEMP.ifc"}), folder.Names());
 }
 
 TEST_F(OutputDisk, ThatIsFullKeepsNothingOfACancelledFile) {

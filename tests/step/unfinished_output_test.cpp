@@ -6,15 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/file.h"
-#include "support/read_model.h"
-
-#ifndef _WIN32
-#include <csignal>
-
-#include "platform/console.h"
-#include "support/posix_faults.h"
-#endif
+#include "platform/replacing_file.h"
+#include "support/temporary_folder.h"
 
 namespace corvel {
 namespace {
@@ -24,305 +17,178 @@ using Names = std::vector<std::string>;
 
 class UnfinishedOutputTest : public testing::Test {
  protected:
+  // Opens the output and writes it.
+  static void Write(UnfinishedOutput& output, std::string_view bytes) {
+    ::platform::File file = output.Open();
+    ASSERT_TRUE(file.IsOpen());
+    ASSERT_EQ(bytes.size(), file.Write(bytes.data(), bytes.size()));
+    ASSERT_TRUE(file.Sync());
+    ASSERT_TRUE(file.Close());
+  }
+  static void WriteWhole(const WideString& path, std::string_view bytes) {
+    UnfinishedOutput output(path);
+    Write(output, bytes);
+    EXPECT_TRUE(output.Complete());
+    EXPECT_TRUE(output.IsComplete());
+    EXPECT_EQ(u"", output.KeptAt());
+  }
+  // The output cannot be written, and nothing of it is left.
+  void ExpectRefused(const WideString& output) const {
+    const Names before = folder.Names();
+    EXPECT_FALSE(UnfinishedOutput(output).Open().IsOpen());
+    EXPECT_EQ(before, folder.Names());
+  }
+
   const test::TemporaryFolder folder;
   const WideString path = folder.Path("out.ifc");
 };
 
-TEST_F(UnfinishedOutputTest, MakesNoFileItself) {
-  {
-    UnfinishedOutput output(path);
-    EXPECT_EQ(Names(), folder.Names());
-    output.Complete();
-  }
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-TEST_F(UnfinishedOutputTest, ThatIsCompleteStays) {
-  {
-    UnfinishedOutput output(path);
-    folder.Write("out.ifc", "whole");
-    output.Complete();
-  }
-  EXPECT_EQ("whole", folder.Read("out.ifc"));
-}
-
-// The writer removes what it has begun itself.
-TEST_F(UnfinishedOutputTest, ThatWasNotBegunLeavesTheFileThatIsThere) {
+TEST_F(UnfinishedOutputTest, TouchesNothingBeforeItIsOpened) {
   folder.Write("out.ifc", "older");
   { const UnfinishedOutput output(path); }
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
   EXPECT_EQ("older", folder.Read("out.ifc"));
 }
 
-TEST_F(UnfinishedOutputTest, InTheWayOfWhichAFolderStandsLeavesTheFolder) {
-  fs::create_directory(folder.Native("out.ifc"));
-  folder.Write("out.ifc/inside.txt", "kept");
-  { const UnfinishedOutput output(path); }
-  EXPECT_EQ("kept", folder.Read("out.ifc/inside.txt"));
-}
-
-TEST_F(UnfinishedOutputTest, WithoutAFolderIsNoReasonToFail) {
-  const WideString nowhere = folder.Path("none/out.ifc");
-  EXPECT_EQ(nowhere, FollowLinks(nowhere));
-  { const UnfinishedOutput output(nowhere); }
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-// Longer than a name and longer than a path may be.
-TEST_F(UnfinishedOutputTest, WithAnImpossibleNameIsNoReasonToFail) {
-  for (const std::size_t length : {std::size_t{300}, std::size_t{40'000}}) {
-    const WideString name = ::platform::JoinPath(folder.Path(), WideString(length, u'n') + u".ifc");
-    EXPECT_EQ(name, FollowLinks(name));
-    { const UnfinishedOutput output(name); }
-  }
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-#ifndef _WIN32
-
-class LinkedOutput : public UnfinishedOutputTest {
- protected:
-  // out.ifc leads to real.ifc.
-  void Link() const { fs::create_symlink("real.ifc", folder.Native("out.ifc")); }
-  // As the writer does it when it fails.
-  void WriteAndRemove(const char* bytes) const {
-    folder.Write("out.ifc", bytes);
-    ASSERT_TRUE(::platform::RemoveFile(path));
-  }
-};
-
-TEST_F(LinkedOutput, IsWhereTheLinksEnd) {
-  fs::create_directory(folder.Native("sub"));
-  fs::create_symlink("sub/second.ifc", folder.Native("out.ifc"));
-  fs::create_symlink("../third.ifc", folder.Native("sub/second.ifc"));
-  fs::create_symlink(folder.Native("real.ifc"), folder.Native("third.ifc"));
-  EXPECT_EQ(folder.Path("real.ifc"), FollowLinks(path));
-}
-
-TEST_F(LinkedOutput, MayHaveANameThatIsNoText) {
-  fs::create_symlink("caf\xE9.ifc", folder.Native("out.ifc"));
-  EXPECT_EQ(folder.Path("caf\xE9.ifc"), FollowLinks(path));
-}
-
-TEST_F(LinkedOutput, InAFolderBehindALinkIsNoLinkItself) {
-  fs::create_directory(folder.Native("sub"));
-  fs::create_symlink("sub", folder.Native("link"));
-  EXPECT_EQ(folder.Path("link/out.ifc"), FollowLinks(folder.Path("link/out.ifc")));
-}
-
-TEST_F(LinkedOutput, ThatIsCompleteStaysBehindItsLink) {
-  Link();
-  {
-    UnfinishedOutput output(path);
-    folder.Write("out.ifc", "whole");
-    output.Complete();
-  }
-  EXPECT_EQ((Names{"out.ifc", "real.ifc"}), folder.Names());
-  EXPECT_EQ("whole", folder.Read("real.ifc"));
-}
-
-TEST_F(LinkedOutput, ThatIsIncompleteGoesWithItsLink) {
-  Link();
-  {
-    const UnfinishedOutput output(path);
-    WriteAndRemove("half");
-  }
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-TEST_F(LinkedOutput, ThatWasNotBegunLeavesLinkAndFile) {
-  Link();
-  folder.Write("real.ifc", "older");
-  { const UnfinishedOutput output(path); }
-  EXPECT_EQ((Names{"out.ifc", "real.ifc"}), folder.Names());
-  EXPECT_EQ("older", folder.Read("real.ifc"));
-}
-
-// The second has no link any more: it is an output of its own.
-TEST_F(LinkedOutput, CanBeTriedAgainUnderTheSameName) {
-  Link();
-  {
-    const UnfinishedOutput output(path);
-    WriteAndRemove("half");
-  }
-  {
-    UnfinishedOutput output(path);
-    folder.Write("out.ifc", "whole");
-    output.Complete();
-  }
+TEST_F(UnfinishedOutputTest, ThatIsCompleteIsThereUnderItsNameAlone) {
+  WriteWhole(path, "whole");
   EXPECT_EQ(Names{"out.ifc"}, folder.Names());
   EXPECT_EQ("whole", folder.Read("out.ifc"));
 }
 
-TEST_F(LinkedOutput, ThatIsADeviceStays) {
-  test::LinkToFullDevice(path);
-  {
-    const UnfinishedOutput output(path);
-    ASSERT_TRUE(::platform::RemoveFile(path));
-  }
-  EXPECT_TRUE(fs::is_character_file("/dev/full"));
-}
-
-TEST_F(LinkedOutput, InACircleIsNoReasonToFail) {
-  fs::create_symlink("other.ifc", folder.Native("out.ifc"));
-  fs::create_symlink("out.ifc", folder.Native("other.ifc"));
-  FollowLinks(path);
-  { const UnfinishedOutput output(path); }
-  EXPECT_TRUE(fs::is_symlink(folder.Native("out.ifc")));
-  EXPECT_TRUE(fs::is_symlink(folder.Native("other.ifc")));
-}
-
-TEST_F(LinkedOutput, InAFolderThatMayNotBeWrittenStays) {
-  folder.Write("sub/real.ifc", "older");
-  fs::create_symlink("sub/real.ifc", folder.Native("out.ifc"));
-  fs::permissions(folder.Native("sub"), fs::perms(0555));
-  fs::permissions(folder.Native(""), fs::perms(0777));
-  {
-    const test::OrdinaryUser user;
-    const UnfinishedOutput output(path);
-    ASSERT_TRUE(::platform::RemoveFile(path));
-  }
-  fs::permissions(folder.Native("sub"), fs::perms(0755));
-  EXPECT_EQ("older", folder.Read("sub/real.ifc"));
-}
-
-// --- A process that is told to end ---------------------------------------------------------------
-
-class EndedProcess : public UnfinishedOutputTest {
- protected:
-  // Runs `steps` in a process of its own, which is then told to end.
-  template <class Steps>
-  static void EndAfter(Steps steps) {
-    EXPECT_EXIT(
-        {
-          std::signal(SIGTERM, SIG_DFL);
-          ::platform::CatchInterrupts();
-          steps();
-        },
-        testing::KilledBySignal(SIGTERM), "");
-  }
-  static void End() { std::raise(SIGTERM); }
-};
-
-TEST_F(EndedProcess, LeavesNoUnfinishedOutput) {
-  EndAfter([this] {
-    const UnfinishedOutput output(path);
-    folder.Write("out.ifc", "half");
-    End();
-  });
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-TEST_F(EndedProcess, RemovesWhatIsBehindALinkAndNotTheLink) {
-  fs::create_symlink("real.ifc", folder.Native("out.ifc"));
-  EndAfter([this] {
-    const UnfinishedOutput output(path);
-    folder.Write("out.ifc", "half");
-    End();
-  });
-  EXPECT_EQ(Names{"out.ifc"},
-            Names{fs::path(*fs::directory_iterator(folder.Native(""))).filename()});
-  EXPECT_FALSE(folder.Has("real.ifc"));
-}
-
-TEST_F(EndedProcess, LeavesACompleteOutput) {
-  EndAfter([this] {
-    UnfinishedOutput output(path);
-    folder.Write("out.ifc", "whole");
-    output.Complete();
-    End();
-  });
+TEST_F(UnfinishedOutputTest, ThatIsCompleteReplacesWhatWasThere) {
+  folder.Write("out.ifc", "something older and longer");
+  WriteWhole(path, "whole");
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
   EXPECT_EQ("whole", folder.Read("out.ifc"));
 }
 
-TEST_F(EndedProcess, LeavesWhatIsNoLongerAnOutput) {
-  EndAfter([this] {
-    { const UnfinishedOutput output(path); }
-    folder.Write("out.ifc", "somebody else's");
-    End();
-  });
-  EXPECT_EQ("somebody else's", folder.Read("out.ifc"));
+TEST_F(UnfinishedOutputTest, HasANameOfItsOwnThatIsNoModels) {
+  UnfinishedOutput output(path);
+  Write(output, "half");
+  const Names names = folder.Names();
+  ASSERT_EQ(1u, names.size());
+  EXPECT_TRUE(names[0].starts_with(".out.ifc.corvel-")) << names[0];
+  EXPECT_TRUE(names[0].ends_with(".part")) << names[0];
 }
 
-TEST_F(EndedProcess, RemovesTheSecondOutputOfTheSameName) {
-  EndAfter([this] {
-    {
-      UnfinishedOutput first(path);
-      folder.Write("out.ifc", "whole");
-      first.Complete();
-    }
-    const UnfinishedOutput second(path);
-    folder.Write("out.ifc", "half");
-    End();
-  });
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-TEST_F(EndedProcess, RemovesAnOutputWithTheLongestName) {
-  const std::string name = std::string(251, 'n') + ".ifc";
-  EndAfter([&] {
-    const UnfinishedOutput output(folder.Path(name));
-    folder.Write(name, "half");
-    End();
-  });
-  EXPECT_EQ(Names(), folder.Names());
-}
-
-TEST_F(EndedProcess, LeavesADevice) {
-  EndAfter([this] {
-    test::LinkToFullDevice(path);
-    const UnfinishedOutput output(path);
-    End();
-  });
-  EXPECT_TRUE(fs::is_character_file("/dev/full"));
-  EXPECT_TRUE(fs::is_symlink(folder.Native("out.ifc")));
-}
-
-// --- Outputs of a document -----------------------------------------------------------------------
-
-class LinkedSave : public test::ReadTest {
- protected:
-  LinkedSave() { fs::create_symlink("real.ifc", folder_.Native("out.ifc")); }
-  int Save() { return model_.Document().SaveFile(folder_.Path("out.ifc")); }
-
-  const test::TemporaryFolder folder_;
-  test::ReadModel model_{"#1=IFCPERSON('" + std::string(5000, 'x') + "',$,$,$,$,$,$,$);"};
-};
-
-TEST_F(LinkedSave, GoesToTheFileBehindTheLink) {
-  folder_.Write("real.ifc", "older");
-  EXPECT_EQ(1, Save());
-  EXPECT_TRUE(fs::is_symlink(folder_.Native("out.ifc")));
-  const std::string written = folder_.Read("real.ifc");
-  EXPECT_TRUE(written.starts_with("ISO-10303-21;\nHEADER;\n"));
-  EXPECT_TRUE(written.ends_with("xx',$,$,$,$,$,$,$);\nENDSEC;\nEND-ISO-10303-21;\n"));
-}
-
-TEST_F(LinkedSave, ThatIsCancelledLeavesNeither) {
-  progress_.Forget();
-  progress_.CancelAt(1);
-  EXPECT_EQ(2, Save());
-  EXPECT_EQ(Names(), folder_.Names());
-}
-
-TEST_F(LinkedSave, ThatFailsLeavesNeither) {
-  const test::FileSizeLimit full(10);
-  EXPECT_EQ(0, Save());
-  EXPECT_EQ(Names(), folder_.Names());
-}
-
-TEST_F(LinkedSave, ThatMayNotWriteLeavesBothAsTheyAre) {
-  folder_.Write("real.ifc", "older");
-  fs::permissions(folder_.Native(""), fs::perms(0755));
-  fs::permissions(folder_.Native("real.ifc"), fs::perms(0444));
+TEST_F(UnfinishedOutputTest, ThatGoesLeavesWhatWasThere) {
+  folder.Write("out.ifc", "older");
   {
-    const test::OrdinaryUser user;
-    EXPECT_EQ(0, Save());
+    UnfinishedOutput output(path);
+    Write(output, "half");
+    EXPECT_EQ("older", folder.Read("out.ifc"));
   }
-  EXPECT_TRUE(fs::is_symlink(folder_.Native("out.ifc")));
-  EXPECT_EQ("older", folder_.Read("real.ifc"));
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
+  EXPECT_EQ("older", folder.Read("out.ifc"));
 }
 
-#endif
+TEST_F(UnfinishedOutputTest, ThatIsDiscardedLeavesNothing) {
+  UnfinishedOutput output(path);
+  Write(output, "half");
+  output.Discard();
+  EXPECT_EQ(Names(), folder.Names());
+}
+
+TEST_F(UnfinishedOutputTest, ThatIsCompleteOutlastsADiscard) {
+  UnfinishedOutput output(path);
+  Write(output, "whole");
+  ASSERT_TRUE(output.Complete());
+  output.Discard();
+  EXPECT_EQ("whole", folder.Read("out.ifc"));
+}
+
+TEST_F(UnfinishedOutputTest, InTheWayOfWhichAFolderStandsIsRefused) {
+  fs::create_directory(folder.Native("out.ifc"));
+  folder.Write("out.ifc/inside.txt", "kept");
+  ExpectRefused(path);
+  EXPECT_EQ("kept", folder.Read("out.ifc/inside.txt"));
+}
+
+TEST_F(UnfinishedOutputTest, WithoutAFolderIsRefused) {
+  ExpectRefused(folder.Path("none/out.ifc"));
+  EXPECT_EQ(folder.Path("none/out.ifc"), FollowLinks(folder.Path("none/out.ifc")));
+}
+
+// Longer than a name and longer than a path may be, or none at all.
+TEST_F(UnfinishedOutputTest, WithAnImpossibleNameIsRefused) {
+  for (const std::size_t length : {std::size_t{300}, std::size_t{40'000}}) {
+    const WideString name = ::platform::JoinPath(folder.Path(), WideString(length, u'n') + u".ifc");
+    EXPECT_EQ(name, FollowLinks(name));
+    ExpectRefused(name);
+  }
+  ExpectRefused(folder.Path(""));
+  ExpectRefused(folder.Path("a") + WideString(1, u'\0') + u".ifc");
+}
+
+TEST_F(UnfinishedOutputTest, MayHaveTheLongestName) {
+  const std::string name = std::string(251, 'n') + ".ifc";
+  WriteWhole(folder.Path(name), "whole");
+  EXPECT_EQ(Names{name}, folder.Names());
+  EXPECT_EQ("whole", folder.Read(name));
+}
+
+TEST_F(UnfinishedOutputTest, BesideAnotherOfTheSameNameGivesOneOfTheTwo) {
+  UnfinishedOutput first(path);
+  UnfinishedOutput second(path);
+  Write(first, "the first");
+  Write(second, "the second");
+  EXPECT_EQ(2u, folder.Names().size());
+  EXPECT_TRUE(second.Complete());
+  EXPECT_EQ("the second", folder.Read("out.ifc"));
+  EXPECT_TRUE(first.Complete());
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
+  EXPECT_EQ("the first", folder.Read("out.ifc"));
+}
+
+TEST_F(UnfinishedOutputTest, CannotTakeThePlaceOfAFolderAndStaysBesideIt) {
+  UnfinishedOutput output(path);
+  Write(output, "whole");
+  folder.Write("out.ifc/inside.txt", "kept");
+  EXPECT_FALSE(output.Complete());
+  EXPECT_FALSE(output.IsComplete());
+  output.Discard();
+  ASSERT_EQ(2u, folder.Names().size());
+  const std::string kept = folder.Names()[1];
+  EXPECT_TRUE(kept.starts_with("out.ifc.corvel-") && kept.ends_with(".complete")) << kept;
+  EXPECT_EQ(folder.Path(kept), output.KeptAt());
+  EXPECT_EQ("whole", folder.Read(kept));
+  EXPECT_EQ("kept", folder.Read("out.ifc/inside.txt"));
+}
+
+// --- Left-overs ----------------------------------------------------------------------------------
+
+constexpr char kLeftOver[] = ".out.ifc.corvel-1-0123456789abcdef.part";
+
+TEST_F(UnfinishedOutputTest, RemovesWhatAKilledRunLeftOfTheSameOutput) {
+  folder.Write(kLeftOver, "half");
+  folder.Write(".out.ifc.corvel-3-00000000000000ff.part", "half");
+  WriteWhole(path, "whole");
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
+}
+
+TEST_F(UnfinishedOutputTest, LeavesWhatIsNotLeftOfTheSameOutput) {
+  const Names others = {".in.ifc.corvel-1-0123456789abcdef.part", ".out.ifc.corvel-1-0123.part",
+                        "out.ifc.corvel-1-0123456789abcdef.complete"};
+  for (const std::string& name : others) folder.Write(name, "somebody else's");
+  WriteWhole(path, "whole");
+  for (const std::string& name : others) EXPECT_EQ("somebody else's", folder.Read(name));
+}
+
+TEST_F(UnfinishedOutputTest, LeavesAnotherThatIsBeingWritten) {
+  UnfinishedOutput first(path);
+  Write(first, "the first");
+  for (int run = 0; run < 2; ++run) WriteWhole(path, "whole");
+  EXPECT_EQ(2u, folder.Names().size());
+  EXPECT_TRUE(first.Complete());
+  EXPECT_EQ("the first", folder.Read("out.ifc"));
+}
+
+TEST_F(UnfinishedOutputTest, LeavesAFolderThatIsNamedLikeALeftOver) {
+  fs::create_directory(folder.Native(kLeftOver));
+  WriteWhole(path, "whole");
+  EXPECT_TRUE(fs::is_directory(folder.Native(kLeftOver)));
+}
 
 }  // namespace
 }  // namespace corvel

@@ -55,19 +55,23 @@ class OrdinaryUser {
   bool changed_ = false;
 };
 
-// Closes the descriptor that this process has open on `path` behind its owner's back, so that
+enum class Which { kFirst, kLast };
+
+// Closes a descriptor that this process has open on `path` behind its owner's back, so that
 // handing over to the disk and closing fail. False when there is none.
-inline bool StealDescriptor(const WideString& path) {
+inline bool StealDescriptor(const WideString& path, Which which = Which::kFirst) {
   struct stat wanted {};
   if (::stat(ToUtf8(path).c_str(), &wanted) != 0) return false;
+  int found = -1;
   for (int descriptor = 3; descriptor < 1024; ++descriptor) {
     struct stat status {};
     if (::fstat(descriptor, &status) == 0 && status.st_ino == wanted.st_ino &&
         status.st_dev == wanted.st_dev) {
-      return ::close(descriptor) == 0;
+      found = descriptor;
+      if (which == Which::kFirst) break;
     }
   }
-  return false;
+  return found >= 0 && ::close(found) == 0;
 }
 
 // Puts a link to the device that is always full at `path`.

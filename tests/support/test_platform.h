@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,7 @@ class TestPlatform : public platform::Platform {
   // What the next boxes answer; without one it is Yes, or OK where there is no Yes.
   std::deque<platform::Answer> answers;
   bool answersAreAPersons = true;
+  std::function<void()> onBox;  // while a box is shown; may be empty
   // Every ShellOpen, in order, and what it gives.
   std::vector<Opened> opened;
   bool shellOpens = true;
@@ -56,6 +58,7 @@ class TestPlatform : public platform::Platform {
   platform::Answer ShowMessageBox(std::u16string_view title, std::u16string_view text,
                                   platform::Buttons buttons, platform::Icon icon) override {
     boxes.push_back({std::u16string(title), std::u16string(text), buttons, icon});
+    if (onBox) onBox();
     if (answers.empty()) {
       return buttons == platform::Buttons::kYesNo ? platform::Answer::kYes : platform::Answer::kOk;
     }

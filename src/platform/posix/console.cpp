@@ -21,27 +21,24 @@ constexpr int kInterruptedStatus = 130;
 
 // Touched by signal handlers: no more than lock-free atomics and plain bytes.
 std::atomic<bool> interrupted{false};
+std::atomic<int> requestToEnd{0};  // the signal
 std::atomic<bool> hasUnfinishedFile{false};
 char unfinishedFile[4096];
 
-static_assert(std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
 void RemoveUnfinishedFile() {
   if (hasUnfinishedFile.exchange(false)) ::unlink(unfinishedFile);
 }
 
 void OnInterrupt(int /*signal*/) {
-  if (!interrupted.exchange(true)) return;
+  if (!interrupted.exchange(true) && requestToEnd == 0) return;
   RemoveUnfinishedFile();
   ::_exit(kInterruptedStatus);
 }
 
-// The signal then does what it would have done.
-void OnRequestToEnd(int signal) {
-  RemoveUnfinishedFile();
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
-}
+// Whoever ends a whole group of processes often sends it twice, which means no more than once.
+void OnRequestToEnd(int signal) { requestToEnd = signal; }
 
 void Catch(int signal, void (*handler)(int)) {
   struct sigaction present {};
@@ -95,7 +92,15 @@ void CatchInterrupts() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-bool IsInterrupted() { return interrupted; }
+bool IsInterrupted() { return interrupted || requestToEnd != 0; }
+
+std::u16string_view RequestToEnd() {
+  switch (requestToEnd) {
+    case 0: return {};
+    case SIGHUP: return u"SIGHUP";
+    default: return u"SIGTERM";
+  }
+}
 
 void ForgetInterrupt() { interrupted = false; }
 

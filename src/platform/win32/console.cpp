@@ -17,17 +17,35 @@ namespace {
 constexpr UINT kInterruptedStatus = 130;
 
 std::atomic<bool> interrupted{false};
+std::atomic<const char16_t*> requestToEnd{nullptr};
 
 bool IsConsole(HANDLE handle) {
   DWORD mode = 0;
   return ::GetConsoleMode(handle, &mode) != 0;
 }
 
+// The system ends the process when the handler returns, and does not wait for ever: a few seconds
+// to come to the next tick.
+BOOL EndSoon(const char16_t* request) {
+  requestToEnd = request;
+  ::Sleep(INFINITE);
+  return TRUE;
+}
+
 // Runs on a thread that the system makes for it.
 BOOL WINAPI OnControl(DWORD control) {
-  if (control != CTRL_C_EVENT) return FALSE;
-  if (interrupted.exchange(true)) ::TerminateProcess(::GetCurrentProcess(), kInterruptedStatus);
-  return TRUE;
+  switch (control) {
+    case CTRL_C_EVENT:
+      if (interrupted.exchange(true) || requestToEnd != nullptr) {
+        ::TerminateProcess(::GetCurrentProcess(), kInterruptedStatus);
+      }
+      return TRUE;
+    case CTRL_BREAK_EVENT: requestToEnd = u"Ctrl-Break"; return TRUE;
+    case CTRL_CLOSE_EVENT: return EndSoon(u"the closing of the console");
+    case CTRL_LOGOFF_EVENT:
+    case CTRL_SHUTDOWN_EVENT: return EndSoon(u"the end of the session");
+    default: return FALSE;
+  }
 }
 
 }  // namespace
@@ -75,7 +93,12 @@ int TerminalColumns() {
 
 void CatchInterrupts() { ::SetConsoleCtrlHandler(OnControl, TRUE); }
 
-bool IsInterrupted() { return interrupted; }
+bool IsInterrupted() { return interrupted || requestToEnd != nullptr; }
+
+std::u16string_view RequestToEnd() {
+  const char16_t* const request = requestToEnd;
+  return request == nullptr ? std::u16string_view() : request;
+}
 
 void ForgetInterrupt() { interrupted = false; }
 

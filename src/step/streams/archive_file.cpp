@@ -18,6 +18,8 @@ ArchiveFile::ArchiveFile(const corvel::WideString& path, platform::OpenMode mode
   file_.Open(path, mode);
 }
 
+ArchiveFile::ArchiveFile(platform::File file) : file_(std::move(file)), writes_(true) {}
+
 zlib_filefunc64_def ArchiveFile::Functions() {
   zlib_filefunc64_def functions{};
   functions.zopen64_file = &OnOpen;

@@ -23,6 +23,8 @@ class ArchiveFile {
  public:
   // Opens for reading, or for writing, which empties or creates the file.
   ArchiveFile(const corvel::WideString& path, platform::OpenMode mode);
+  // For writing to a file that is open and empty.
+  explicit ArchiveFile(platform::File file);
   ArchiveFile(const ArchiveFile&) = delete;
   ArchiveFile& operator=(const ArchiveFile&) = delete;
 

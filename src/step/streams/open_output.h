@@ -4,14 +4,19 @@
 #include <memory>
 
 #include "core/reporting.h"
+#include "platform/file.h"
 #include "step/streams/outpout_stream.h"
 
 namespace FileStream {
 
-// What stands behind the last dot of `path`, in any case: ".ifc" gives a plain file, ".ifczip" an
-// archive. Null, and no file is touched, for anything else. The stream may have failed to open,
-// which it has reported: ask IsOpen.
-std::unique_ptr<OutpoutStream> OpenOutput(const corvel::WideString& path,
+// True when a model can be written under the name `path`: ".ifc" or ".ifczip" stands behind its
+// last dot, in any case.
+bool IsOutputName(const corvel::WideString& path);
+
+// The stream for the output at `path`: a plain file or an archive, as the ending wants it; null for
+// another ending. Writes to `file`, wherever that lies; names and messages follow `path`. With a
+// file that is not open, the stream is not open either, and has reported it: ask IsOpen.
+std::unique_ptr<OutpoutStream> OpenOutput(const corvel::WideString& path, platform::File file,
                                           corvel::ErrorReporter showError);
 
 }  // namespace FileStream

@@ -3,14 +3,33 @@
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace FileStream {
+
+namespace {
+
+constexpr char16_t kOpenFailure[] = u". File path: ";
+
+}  // namespace
 
 OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
                                      std::uint64_t keepBack)
     : OutpoutFileStream(path, showError, blockSize, keepBack, platform::OpenMode::kWrite,
-                        CommitTo::kDisk, u". File path: ") {}
+                        CommitTo::kDisk, kOpenFailure) {}
+
+OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path, platform::File file,
+                                     corvel::ErrorReporter showError, std::uint64_t blockSize,
+                                     std::uint64_t keepBack)
+    : BlockOutpoutStream(std::max<std::uint64_t>(blockSize, 1), keepBack),
+      file_(std::move(file)),
+      reopenMode_(platform::OpenMode::kAppend),
+      commitTo_(CommitTo::kDisk),
+      path_(path),
+      showError_(showError) {
+  Start(kOpenFailure);
+}
 
 OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
@@ -21,14 +40,19 @@ OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
       commitTo_(commitTo),
       path_(path),
       showError_(showError) {
-  open_ = file_.Open(path, mode);
+  file_.Open(path, mode);
+  Start(openFailure);
+}
+
+void OutpoutFileStream::Start(const char16_t* openFailure) {
+  open_ = file_.IsOpen();
   if (open_) {
     TakeBuffer();
     return;
   }
   failed_ = true;
   if (showError_ != nullptr) {
-    showError_("could_not_open_file", openFailure + path, corvel::kReportShow);
+    showError_("could_not_open_file", openFailure + path_, corvel::kReportShow);
   }
 }
 

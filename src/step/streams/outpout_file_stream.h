@@ -17,6 +17,11 @@ class OutpoutFileStream : public BlockOutpoutStream {
   // stream is then not open and takes nothing. `showError` may be null.
   OutpoutFileStream(const corvel::WideString& path, corvel::ErrorReporter showError,
                     std::uint64_t blockSize, std::uint64_t keepBack);
+  // Writes to `file`, which lies elsewhere than at `path`: messages name `path`. A file that is not
+  // open is a failure to open. Not for Reopen.
+  OutpoutFileStream(const corvel::WideString& path, platform::File file,
+                    corvel::ErrorReporter showError, std::uint64_t blockSize,
+                    std::uint64_t keepBack);
   // As Close.
   ~OutpoutFileStream() override;
 
@@ -61,6 +66,7 @@ class OutpoutFileStream : public BlockOutpoutStream {
   bool CloseFile();
 
  private:
+  void Start(const char16_t* openFailure);
   void TakeBuffer();
   void FillMargin();
   void StartBehindMargin();

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/file.h"
 #include "step/streams/archive_file.h"
 
 namespace FileStream {
@@ -32,6 +31,20 @@ OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path,
     : BlockOutpoutStream(kBlockSize, kKeepBack),
       file_(std::make_unique<ArchiveFile>(path, platform::OpenMode::kWrite)),
       showError_(showError) {
+  if (!Start(path)) platform::RemoveFile(path);
+}
+
+OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path, platform::File file,
+                                         corvel::ErrorReporter showError)
+    : BlockOutpoutStream(kBlockSize, kKeepBack),
+      file_(std::make_unique<ArchiveFile>(std::move(file))),
+      showError_(showError) {
+  Start(path);
+}
+
+OutputZipFileStream::~OutputZipFileStream() { OutputZipFileStream::Close(); }
+
+bool OutputZipFileStream::Start(const corvel::WideString& path) {
   zlib_filefunc64_def functions = file_->Functions();
   archive_ = zipOpen2_64(corvel::ToUtf8(path).c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
   if (archive_ == nullptr) {
@@ -42,11 +55,10 @@ OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path,
   } else {
     Fail(u"Could not open file in zip archive");
     CloseArchive();
-    platform::RemoveFile(path);
+    return false;
   }
+  return true;
 }
-
-OutputZipFileStream::~OutputZipFileStream() { OutputZipFileStream::Close(); }
 
 // Of all that the library offers for it, only this call sets the version and the flags.
 bool OutputZipFileStream::OpenEntry(const corvel::WideString& path) {

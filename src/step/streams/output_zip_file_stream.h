@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "core/reporting.h"
+#include "platform/file.h"
 #include "step/streams/block_outpout_stream.h"
 
 namespace FileStream {
@@ -22,6 +23,10 @@ class OutputZipFileStream final : public BlockOutpoutStream {
   // ending ".ifc". Failures are reported with an empty key; the stream is then not open, and takes
   // nothing. An archive without an entry is not left behind. `showError` may be null.
   OutputZipFileStream(const corvel::WideString& path, corvel::ErrorReporter showError);
+  // Makes the archive in `file`, which lies elsewhere than at `path` and is never removed: the
+  // entry has its name from `path`. A file that is not open is a failure.
+  OutputZipFileStream(const corvel::WideString& path, platform::File file,
+                      corvel::ErrorReporter showError);
   // As Close.
   ~OutputZipFileStream() override;
 
@@ -42,6 +47,8 @@ class OutputZipFileStream final : public BlockOutpoutStream {
  private:
   // A write that fails is reported and the stream goes on.
   void FlushWindow() override;
+  // False when there is an archive, but no entry.
+  bool Start(const corvel::WideString& path);
   bool OpenEntry(const corvel::WideString& path);
   void TakeBuffer();
   void HandOver(const void* bytes, std::uint64_t count);

@@ -4,10 +4,10 @@
 
 #include "core/document.h"
 #include "core/main_container.h"
-#include "platform/file.h"
 #include "step/log/ifc_log.h"
 #include "step/reader/token.h"
 #include "step/streams/open_output.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -29,16 +29,19 @@ int StepWriter::WriteFile() {
     return WriteAll();
   } catch (const std::exception& error) {
     showError_("", Widen(error.what()), kReportShow);
-    return EndEarly(0);
+    return output_->IsComplete() ? 1 : EndEarly(0);
   }
 }
 
+WideString StepWriter::KeptAt() const { return output_ == nullptr ? u"" : output_->KeptAt(); }
+
 bool StepWriter::OpenStream() {
-  ownStream_ = FileStream::OpenOutput(path_, showError_);
-  if (ownStream_ == nullptr) {
+  if (!FileStream::IsOutputName(path_)) {
     showError_("could_not_open_file_extension", u" " + path_, kReportShow);
     return false;
   }
+  output_ = std::make_unique<UnfinishedOutput>(path_);
+  ownStream_ = FileStream::OpenOutput(path_, output_->Open(), showError_);
   stream_ = ownStream_.get();
   if (ownStream_->IsOpen() && document_->mainContainer != nullptr &&
       document_->getHeader() != nullptr) {
@@ -59,16 +62,23 @@ int StepWriter::WriteAll() {
   return Finish();
 }
 
-// Every byte has to have reached the disk before the file counts as written.
+// Every byte has to have reached the disk before the file takes its place.
 int StepWriter::Finish() {
   if (!ownStream_->CommitAndClose()) return EndEarly(0);
+  if (!output_->Complete()) {
+    showError_("",
+               u"The output is complete, but it could not be put at its place: " + path_ +
+                   u". It lies here: " + output_->KeptAt(),
+               kReportShow);
+    return 0;
+  }
   CleanUp();
   return 1;
 }
 
 int StepWriter::EndEarly(int result) {
   ownStream_->Close();
-  platform::RemoveFile(path_);
+  output_->Discard();
   return result;
 }
 

@@ -15,6 +15,7 @@
 namespace corvel {
 
 class IfcDocument;
+class UnfinishedOutput;
 
 // Turns the objects of a document into bytes. Every value ends with a comma; whoever closes a group
 // takes the last comma back. Nothing here numbers or sorts: that is settled before.
@@ -30,10 +31,13 @@ class StepWriter {
   StepWriter(const StepWriter&) = delete;
   StepWriter& operator=(const StepWriter&) = delete;
 
-  // 1: the file is complete and closed. 2: the user cancelled. 0: it failed and was reported. In
-  // the last two cases no file is left at the path. Empties the lists of the header record, and
-  // leaves all markers 0.
+  // 1: the output is complete and at its place. 2: the user cancelled. 0: it failed and was
+  // reported. In the last two cases the path has what it had before, a file or none. Empties the
+  // lists of the header record, and leaves all markers 0.
   int WriteFile();
+  // Where the complete output lies when WriteFile failed because it could not be put at its place;
+  // empty otherwise.
+  WideString KeptAt() const;
 
   // `#12=IFCWALL(...);` and a line feed; nothing for a deleted entity.
   void WriteEntityLine(const IFC::IfcEntity& entity);
@@ -89,7 +93,8 @@ class StepWriter {
   const CancelTexts* cancelTexts_ = nullptr;
   IfcDocument* document_ = nullptr;
   WideString path_;
-  std::unique_ptr<FileStream::OutpoutStream> ownStream_;
+  std::unique_ptr<UnfinishedOutput> output_;
+  std::unique_ptr<FileStream::OutpoutStream> ownStream_;  // writes to output_, goes before it
   FileStream::OutpoutStream* stream_ = nullptr;
 };
 

@@ -3,24 +3,22 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/console.h"
-#include "platform/file.h"
 #include "platform/native_path.h"
 
 namespace corvel {
 
 namespace {
 
-bool IsLink(const WideString& path) {
+// Something that takes bytes and keeps no file: it cannot be replaced.
+bool IsDevice(const WideString& path) {
   std::error_code ignored;
-  return std::filesystem::is_symlink(platform::NativePath(path), ignored);
-}
-
-bool IsFileOrFree(const WideString& path) {
-  std::error_code ignored;
-  const auto type = std::filesystem::status(platform::NativePath(path), ignored).type();
-  return type == std::filesystem::file_type::regular ||
-         type == std::filesystem::file_type::not_found;
+  switch (std::filesystem::status(platform::NativePath(path), ignored).type()) {
+    case std::filesystem::file_type::character:
+    case std::filesystem::file_type::block:
+    case std::filesystem::file_type::fifo:
+    case std::filesystem::file_type::socket: return true;
+    default: return false;
+  }
 }
 
 }  // namespace
@@ -37,22 +35,23 @@ WideString FollowLinks(const WideString& path) {
   return platform::FromNativePath(target);
 }
 
-UnfinishedOutput::UnfinishedOutput(const WideString& path) : path_(path) {
-  const WideString target = FollowLinks(path);
-  if (IsFileOrFree(target)) target_ = target;
-  platform::SetUnfinishedFile(target_);
+UnfinishedOutput::UnfinishedOutput(const WideString& path)
+    : target_(FollowLinks(path)), isDevice_(IsDevice(target_)) {}
+
+platform::File UnfinishedOutput::Open() {
+  platform::File file;
+  if (isDevice_) {
+    file.Open(target_, platform::OpenMode::kWrite);
+  } else if (file_.Begin(target_)) {
+    file = file_.TakeFile();
+  }
+  return file;
 }
 
-UnfinishedOutput::~UnfinishedOutput() {
-  platform::SetUnfinishedFile({});
-  // The writer got as far as removing what it had begun, but that was the link only.
-  const bool begun = !complete_ && target_ != path_ && !IsLink(path_);
-  if (begun && !target_.empty()) platform::RemoveFile(target_);
-}
-
-void UnfinishedOutput::Complete() {
-  complete_ = true;
-  platform::SetUnfinishedFile({});
+bool UnfinishedOutput::Complete() {
+  complete_ = isDevice_ || file_.Place();
+  if (!complete_) keptAt_ = file_.Keep();
+  return complete_;
 }
 
 }  // namespace corvel

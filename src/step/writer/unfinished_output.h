@@ -2,27 +2,42 @@
 #pragma once
 
 #include "core/text.h"
+#include "platform/file.h"
+#include "platform/replacing_file.h"
 
 namespace corvel {
 
 // Where a path leads when the links at its end are followed, whether or not something is there.
 WideString FollowLinks(const WideString& path);
 
-// From its construction until Complete, the output at `path` counts as unfinished: a process that
-// is told to end removes it. The writer removes it itself when it fails; what it would leave, the
-// file behind a link, goes here.
+// The output at a path while it is written. What stood there before is untouched until Complete.
 class UnfinishedOutput {
  public:
+  // Touches nothing.
   explicit UnfinishedOutput(const WideString& path);
-  ~UnfinishedOutput();
+  // As Discard.
+  ~UnfinishedOutput() = default;
   UnfinishedOutput(const UnfinishedOutput&) = delete;
   UnfinishedOutput& operator=(const UnfinishedOutput&) = delete;
 
-  void Complete();
+  // What the output is to be written to: a file of its own beside the path, or beside what a link
+  // there leads to; a device or a pipe itself. Not open when the output cannot be written there.
+  // Once.
+  platform::File Open();
+  // Puts the output, which is written and closed, at the path, where nobody has seen anything of it
+  // so far. False: it cannot be put there, and stays under another name, which KeptAt tells.
+  bool Complete();
+  bool IsComplete() const { return complete_; }
+  // Empty unless Complete has failed.
+  const WideString& KeptAt() const { return keptAt_; }
+  // Removes what was written, which is closed; a device stays. Nothing when it is complete.
+  void Discard() { file_.Discard(); }
 
  private:
-  WideString path_;
-  WideString target_;  // where `path_` leads; empty when that is a device
+  WideString target_;
+  WideString keptAt_;
+  platform::ReplacingFile file_;
+  bool isDevice_ = false;
   bool complete_ = false;
 };
 

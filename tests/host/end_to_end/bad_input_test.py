@@ -271,7 +271,8 @@ class FullDisk(CorvelTest):
         self.assert_ended(
             self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
             err='corvel: out.ifc: Could not write to file\ncorvel: Nothing was written.' + LOG)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'], self.names())
+        self.assertTrue(os.path.islink(self.path('out.ifc')))
         self.assertTrue(os.path.exists('/dev/full'))
 
     def large(self):

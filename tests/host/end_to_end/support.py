@@ -105,6 +105,10 @@ class CorvelTest(unittest.TestCase):
         """What lies in the folder, as text or, where that fails, as Python escapes it."""
         return sorted(os.listdir(self.folder))
 
+    def unfinished(self):
+        """Outputs that are being written, or were when their run was ended by force."""
+        return [name for name in self.names() if name.startswith('.') and name.endswith('.part')]
+
     def start(self, *arguments, **options):
         options = {'stdin': subprocess.DEVNULL, 'stdout': subprocess.PIPE,
                    'stderr': subprocess.PIPE, 'cwd': self.folder, **options}

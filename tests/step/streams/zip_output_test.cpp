@@ -103,7 +103,10 @@ TEST_F(ZipOutput, NamesOfEntriesAreUtf8) {
 
 TEST_F(ZipOutput, TheEndingChoosesTheStream) {
   const auto open = [this](const char* name) {
-    return OpenOutput(folder_.Path(name), RecordedReports::Reporter);
+    const WideString path = folder_.Path(name);
+    platform::File file;
+    EXPECT_FALSE(IsOutputName(path) && !file.Open(path, platform::OpenMode::kWrite));
+    return OpenOutput(path, std::move(file), RecordedReports::Reporter);
   };
   EXPECT_EQ(nullptr, open("a.zip"));
   EXPECT_EQ(nullptr, open("a"));
