@@ -21,13 +21,15 @@ TEST(WindowsConsole, StandardOutputIsUtf8WhereItIsNoConsole) {
 
 constexpr DWORD kSeen = 42;
 constexpr DWORD kNotSeen = 43;
+constexpr DWORD kNotSent = 44;
 constexpr DWORD kWait = 20'000;  // milliseconds
 
-bool InterruptArrives(DWORD control = CTRL_C_EVENT) {
-  if (::GenerateConsoleCtrlEvent(control, 0) == 0) return false;
+bool FlagGoesUp() {
   for (DWORD waited = 0; waited < kWait && !IsInterrupted(); waited += 5) ::Sleep(5);
   return IsInterrupted();
 }
+
+bool InterruptArrives() { return ::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) != 0 && FlagGoesUp(); }
 
 // Runs one of the tests below that are off by default, and gives the exit status of its process.
 DWORD RunWithAConsole(const std::wstring& test) {
@@ -82,14 +84,17 @@ TEST(InConsole, DISABLED_TwoInterrupts) {
 TEST(InConsole, DISABLED_ABreak) {
   CatchInterrupts();
   const bool before = RequestToEnd().empty();
-  const bool seen = InterruptArrives(CTRL_BREAK_EVENT);
+  if (::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, 0) == 0) ::ExitProcess(kNotSent);
+  const bool seen = FlagGoesUp();
   ForgetInterrupt();
   const bool stays = IsInterrupted() && RequestToEnd() == u"Ctrl-Break";
   ::ExitProcess(before && seen && stays ? kSeen : kNotSeen);
 }
 
 TEST(WindowsConsole, ABreakIsARequestToEndThatCannotBeForgotten) {
-  EXPECT_EQ(kSeen, RunWithAConsole(L"DISABLED_ABreak"));
+  const DWORD status = RunWithAConsole(L"DISABLED_ABreak");
+  if (status == kNotSent) GTEST_SKIP() << "this system sends none";
+  EXPECT_EQ(kSeen, status);
 }
 
 TEST(WindowsConsole, AnInterruptRaisesTheFlagUntilItIsForgotten) {
