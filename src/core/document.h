@@ -51,7 +51,8 @@ class IfcDocument {
   // The schema identifier of a file without reading its model; empty (reported) without a HEADER.
   WideString readSchemaIdentifier(const WideString& path);
   // A blank entity of the file's schema, filed under the next free number. `name` in any case.
-  // Null (reported) for a class that the schema lacks.
+  // Null (reported) for a class that the schema lacks, when the model is out of numbers, and
+  // without a container.
   IFC::IfcEntity* CreateESet(std::string name);
   // Writes the model. 1: complete; 2: cancelled; 0: failed, and reported. In the last two cases the
   // path has what it had before, a file or none; see `outputKeptAt`.
@@ -59,7 +60,9 @@ class IfcDocument {
 
   // Folds `source` into this document. `mergeLevel`: 0 merges no spatial objects by name, 1 sites,
   // 2 also buildings, 3 also storeys; `nameAndGuid`: their GUIDs have to agree as well. Afterwards
-  // the container of `source` belongs to this document. What counts is `mergeStatus`.
+  // the container of `source` belongs to this document. What counts is `mergeStatus`; once the
+  // numbers have run out it is "failed" for good. Two different documents with a container each;
+  // anything else fails, and is reported.
   bool MergeDocument(IfcDocument& source, unsigned mergeLevel, bool nameAndGuid);
 
   // Marks what is to be left out of the output and what is to stay, from here to the writing:

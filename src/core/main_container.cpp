@@ -80,6 +80,7 @@ std::uint32_t NextVisitGeneration() {
 }
 
 std::uint32_t MainContainer::uniqueMarker = 1;
+std::uint32_t MainContainer::largestNumber = kLargestNumber;
 
 void MainContainer::ResetUniqueMarker() { uniqueMarker = 1; }
 
@@ -101,22 +102,43 @@ bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t nu
   return true;
 }
 
-// A clash is resolved once only.
+// A clash is resolved once only. The counter itself never comes further than one above the largest
+// number: what it would count to next are the reserved values, and 0.
 bool MainContainer::ChooseMarker(IfcEntity* entity) {
   if (entity->marker != kUnfiled) {
     uniqueMarker = std::max(uniqueMarker, entity->marker);
+  } else if (uniqueMarker > largestNumber) {
+    return TakeSmallestFree(entity);
   } else {
     entity->SetMarker(uniqueMarker);
     ++uniqueMarker;
   }
   if (!entities.Contains(entity->marker)) return true;
+  if (uniqueMarker >= largestNumber) return TakeSmallestFree(entity);
   ++uniqueMarker;
   entity->SetMarker(uniqueMarker);
   return !entities.Contains(entity->marker);
 }
 
+bool MainContainer::TakeSmallestFree(IfcEntity* entity) {
+  const std::uint32_t number = entities.SmallestFree();
+  if (number <= largestNumber) {
+    entity->SetMarker(number);
+    return true;
+  }
+  if (!hasRunOutOfNumbers_) {
+    showError_("",
+               u"All numbers up to #" + ToWide(largestNumber) +
+                   u" are in use: there is none left for another object.\n",
+               corvel::kReportCollect);
+  }
+  hasRunOutOfNumbers_ = true;
+  return false;
+}
+
 void MainContainer::AddEntity(IfcEntity* entity) {
   if (!ChooseMarker(entity)) {
+    if (hasRunOutOfNumbers_) return;
     ShowBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker));
     return;
   }

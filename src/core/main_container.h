@@ -47,8 +47,13 @@ class MainContainer {
   // the number is taken; false for null.
   bool AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number);
   // Files an entity under its marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets
-  // one new number, and if that is taken too a message box tells that the entity is not filed.
+  // one new number, and if that is taken too a message box tells that the entity is not filed. In
+  // place of a new number above `largestNumber` an entity gets the smallest that is free here. When
+  // there is none it is not filed, and the container has run out of numbers.
   void AddEntity(IfcEntity* entity);
+  // An entity found no number, which has been reported (to be shown with the next report). What is
+  // in here is then no whole model any more, and is not to be written.
+  bool HasRunOutOfNumbers() const { return hasRunOutOfNumbers_; }
   bool HasEntityWithOrginalNumber(std::uint32_t number) const {
     return originalEntities.Contains(number);
   }
@@ -92,6 +97,8 @@ class MainContainer {
   // The next free number, shared by all containers of the process: at least the highest marker
   // that any of them has seen.
   static std::uint32_t uniqueMarker;
+  // The largest number that is given to an entity: kLargestNumber, lowered by tests only.
+  static std::uint32_t largestNumber;
 
   corvel::NumberTable entities;          // by marker; every walk is in ascending order
   corvel::NumberTable originalEntities;  // by original number
@@ -122,6 +129,7 @@ class MainContainer {
 
  private:
   bool ChooseMarker(IfcEntity* entity);
+  bool TakeSmallestFree(IfcEntity* entity);
   void SortIntoList(IfcEntity* entity);
   void NoteProject(IfcEntity* entity);
   bool TickOverEntities(int from, int to, int share, const corvel::WideString& text, bool flag);
@@ -136,6 +144,7 @@ class MainContainer {
   corvel::ParentStore parentStore_;
   bool parentsFilled_ = false;
   bool parentsAreCurrent_ = false;  // a rebuild would change nothing
+  bool hasRunOutOfNumbers_ = false;
 };
 
 }  // namespace IFC

@@ -102,12 +102,14 @@ bool NumberTable::Remove(std::uint32_t number) {
     return false;
   }
   --size_;
+  if (number != 0) smallestFree_ = std::min(smallestFree_, number);
   return true;
 }
 
 void NumberTable::Clear() {
   branches_.clear();
   size_ = 0;
+  smallestFree_ = 1;
 }
 
 NumberTable::Entry NumberTable::AtOrAfter(std::uint32_t number) const {

@@ -50,6 +50,12 @@ class NumberTable {
   bool Remove(std::uint32_t number);
   void Clear();
   std::size_t Size() const { return size_; }
+  // The smallest number from 1 on that is not in use. Each search goes on where the last one ended,
+  // so that all of them together pass every number once.
+  std::uint32_t SmallestFree() {
+    while (Contains(smallestFree_)) ++smallestFree_;
+    return smallestFree_;
+  }
 
   // A walk over all entries by ascending number: `for (const auto [number, entity] : table)`.
   // Entries may be added and removed on the way, the one at hand among them: what is added ahead is
@@ -117,6 +123,7 @@ class NumberTable {
 
   std::vector<std::unique_ptr<Branch>> branches_;  // by the number's upper bits, grown on demand
   std::size_t size_ = 0;
+  std::uint32_t smallestFree_ = 1;  // every number from 1 up to this one is in use
 };
 
 // Runs along the array of a dense leaf and looks up the next leaf behind its end only.

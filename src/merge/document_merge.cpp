@@ -38,6 +38,14 @@ DocumentMerge::DocumentMerge(IfcDocument& destination, IFC::MainContainer& sourc
       progress_(progress) {}
 
 bool DocumentMerge::Run(unsigned mergeLevel, bool nameAndGuid) {
+  const bool merged = Merge(mergeLevel, nameAndGuid);
+  if (!destination_.mainContainer->HasRunOutOfNumbers()) return merged;
+  // Whatever was folded in before: half a model is not to be written.
+  destination_.mergeStatus = MergeStatus::kFailed;
+  return false;
+}
+
+bool DocumentMerge::Merge(unsigned mergeLevel, bool nameAndGuid) {
   if (!Prepare()) return false;
   ChooseSpecificTypes(mergeLevel);
   if (!PassOverSource() || !PassOverDestination()) return false;
@@ -98,7 +106,7 @@ bool DocumentMerge::PassOverSource() {
   for (const auto& [number, entity] : source_.entities) {
     if (entity->marker == IFC::kDeleted) continue;
     AddSourceEntity(entity);
-    if (!Tick()) return false;
+    if (destination_.mainContainer->HasRunOutOfNumbers() || !Tick()) return false;
   }
   return true;
 }

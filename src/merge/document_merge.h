@@ -32,6 +32,7 @@ class DocumentMerge {
     IFC::IfcEntity* source = nullptr;
   };
 
+  bool Merge(unsigned mergeLevel, bool nameAndGuid);
   bool Prepare();
   void ChooseSpecificTypes(unsigned mergeLevel);
   bool PassOverSource();

@@ -57,6 +57,11 @@ IfcDocument* MergeDocuments(const std::vector<IfcDocument*>& documents, const Me
 }
 
 bool IfcDocument::MergeDocument(IfcDocument& source, unsigned mergeLevel, bool nameAndGuid) {
+  if (&source == this || mainContainer == nullptr || source.mainContainer == nullptr) {
+    showError_("", u"There is no model to merge: " + source.getFilePath(), kReportShow);
+    if (mergeStatus == MergeStatus::kNotMerged) mergeStatus = MergeStatus::kFailed;
+    return false;
+  }
   absorbedContainers.push_back(std::move(source.mainContainer));
   return DocumentMerge(*this, *absorbedContainers.back(), source.getFilePath(), showError_,
                        progress_)

@@ -190,14 +190,18 @@ bool MergeJob::PrepareDocuments() {
                         kReportShow);
       return false;
     }
-    PrepareDocument(*document, kDeletingWeight / (mergeableCount + 1));
+    if (!PrepareDocument(*document, kDeletingWeight / (mergeableCount + 1))) {
+      TellMergeFailed();
+      return false;
+    }
     if (CancelWasConfirmed()) return false;
   }
   return true;
 }
 
-// Its offset comes before its objects are chosen: what carries the offset is kept with them.
-void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
+// Its offset comes before its objects are chosen: what carries the offset is kept with them. False
+// when there is no number left for that.
+bool MergeJob::PrepareDocument(IfcDocument& document, int weight) {
   const WideString path = document.getFilePath();
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
   shell_.SetCurrentFile(path);
@@ -205,7 +209,7 @@ void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
   Log(u"Procesing AdjustUnit");
   if (&document != &first) AdjustUnit(document, first);
   Log(u"Applying projects offsets to file: " + path);
-  ApplyProjectOffsets(document, scene_);
+  if (!ApplyProjectOffsets(document, scene_)) return false;
   Log(u"Done.");
   Log(u"getObjectsToSaveAndDelete");
   ObjectSelection selection(scene_);
@@ -219,6 +223,13 @@ void MergeJob::PrepareDocument(IfcDocument& document, int weight) {
   document.DeleteObjects(deletePairs, savePairs, false, shell_.Options().deleteOpenings,
                          static_cast<int>(projects_.size()));
   Log(u"Done.");
+  return true;
+}
+
+// With what waits to be shown.
+void MergeJob::TellMergeFailed() {
+  shell_.Reporter()("", u"Error occurred while merging files. Merging will be terminated.",
+                    kReportShow);
 }
 
 bool MergeJob::Fold() {
@@ -237,8 +248,7 @@ bool MergeJob::Fold() {
   // A fold that was stopped half way has a model too, but not the one that was wanted.
   if (CancelWasConfirmed()) return false;
   if (!merged) {
-    shell_.Reporter()("", u"Error occurred while merging files. Merging will be terminated.",
-                      kReportShow);
+    TellMergeFailed();
     return false;
   }
   documents_.front()->RemoveUnsavedEntities(nullptr, 0, {});

@@ -48,7 +48,8 @@ class MergeJob {
   bool ReadAll();
   bool Read(HostObject project);
   bool PrepareDocuments();
-  void PrepareDocument(IfcDocument& document, int weight);
+  bool PrepareDocument(IfcDocument& document, int weight);
+  void TellMergeFailed();
   bool Fold();
   bool Save();
   void Conclude();

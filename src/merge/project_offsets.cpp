@@ -61,8 +61,12 @@ Vector ShiftOf(const Vector& center, const Vector& offset, IfcDocument& document
   return shift;
 }
 
+// Once a model is out of numbers nothing new comes into it: where the last of several new entities
+// is there, so are those before it.
+
 IfcEntity* NewPoint(IfcDocument& document, const Vector& coordinates) {
   IfcEntity* const point = document.CreateESet("IFCCARTESIANPOINT");
+  if (point == nullptr) return nullptr;
   EntityCast<IFC::VirtualIfcCartesianPoint>(point)->setCoordinates(
       {coordinates.begin(), coordinates.end()}, document.mainContainer->Pool());
   return point;
@@ -70,6 +74,7 @@ IfcEntity* NewPoint(IfcDocument& document, const Vector& coordinates) {
 
 IfcEntity* NewDirection(IfcDocument& document, const Vector& ratios) {
   IfcEntity* const direction = document.CreateESet("IFCDIRECTION");
+  if (direction == nullptr) return nullptr;
   EntityCast<IFC::VirtualIfcDirection>(direction)->setDirectionRatios(
       ratios[0], ratios[1], ratios[2], document.mainContainer->Pool());
   return direction;
@@ -78,19 +83,21 @@ IfcEntity* NewDirection(IfcDocument& document, const Vector& ratios) {
 IfcEntity* NewAxes(IfcDocument& document, IfcEntity* location, IfcEntity* axis,
                    IfcEntity* refDirection) {
   IfcEntity* const axes = document.CreateESet("IFCAXIS2PLACEMENT3D");
+  if (axes == nullptr) return nullptr;
   EntityCast<IFC::VirtualIfcAxis2Placement3D>(axes)->setAttributes(location, axis, refDirection);
   return axes;
 }
 
-VirtualLocalPlacement& NewRoot(IfcDocument& document, const Vector& shift) {
+VirtualLocalPlacement* NewRoot(IfcDocument& document, const Vector& shift) {
   IfcEntity* const point = NewPoint(document, shift);
   IfcEntity* const up = NewDirection(document, {0.0, 0.0, 1.0});
   IfcEntity* const right = NewDirection(document, {1.0, 0.0, 0.0});
   IfcEntity* const axes = NewAxes(document, point, up, right);
   auto* const root = EntityCast<VirtualLocalPlacement>(document.CreateESet("IFCLOCALPLACEMENT"));
+  if (root == nullptr) return nullptr;
   root->setRelativePlacement(axes);
   root->marker = IFC::kNewRootPlacement;
-  return *root;
+  return root;
 }
 
 // Puts the products of a model below a new placement. Each placement is visited once: the top of
@@ -119,10 +126,12 @@ class ProductMove {
   std::unordered_set<VirtualLocalPlacement*> closedCircles_;
 };
 
-// Made placements are filed behind all others while the walk goes on; none of them is a product.
+// Made placements are filed while the walk goes on, ahead of it for the most part; none of them is
+// a product.
 void ProductMove::MoveAll() {
-  const NumberTable& entities = document_.mainContainer->entities;
-  for (const auto& [number, entity] : entities) {
+  const IFC::MainContainer& container = *document_.mainContainer;
+  for (const auto& [number, entity] : container.entities) {
+    if (container.HasRunOutOfNumbers()) return;
     if (auto* const product = EntityCast<IFC::VirtualIfcProduct>(entity)) Move(*product);
   }
 }
@@ -139,6 +148,7 @@ void ProductMove::Move(IFC::VirtualIfcProduct& product) {
 void ProductMove::PlaceAtOrigin(VirtualLocalPlacement& made) {
   if (axesAtOrigin_ == nullptr) {
     axesAtOrigin_ = NewAxes(document_, NewPoint(document_, {}), nullptr, nullptr);
+    if (axesAtOrigin_ == nullptr) return;
   }
   made.marker = IFC::kUnfiled;  // filing gives it its number
   document_.mainContainer->AddEntity(&made);
@@ -187,14 +197,17 @@ bool ProductMove::HangBelowRoot(VirtualLocalPlacement& top) {
 
 }  // namespace
 
-void ApplyProjectOffsets(IfcDocument& document, HostScene& scene) {
+bool ApplyProjectOffsets(IfcDocument& document, HostScene& scene) {
   const Vector offset = OffsetOf(document.hostProject, scene);
   const Vector center = CenterOf(scene);
-  if (IsUnmoved(center, offset)) return;
+  if (IsUnmoved(center, offset)) return true;
   const Vector shift = ShiftOf(center, offset, document);
   document.mainContainer->ResetAllMarkers();
-  ProductMove(document, NewRoot(document, shift)).MoveAll();
+  VirtualLocalPlacement* const newRoot = NewRoot(document, shift);
+  if (newRoot == nullptr) return false;
+  ProductMove(document, *newRoot).MoveAll();
   document.mainContainer->NoteChangedReferences();
+  return !document.mainContainer->HasRunOutOfNumbers();
 }
 
 }  // namespace corvel

@@ -18,6 +18,9 @@ namespace corvel {
 // All markers are 0 afterwards but those of the new entities: kNewRootPlacement on the new
 // placement, their numbers on the others. Trouble with the length unit is reported. One walk over
 // the model, however long its chains of placements are.
-void ApplyProjectOffsets(IfcDocument& document, HostScene& scene);
+//
+// False when there are not enough numbers left for the new entities, which has been reported: the
+// model is then half moved, and of no use.
+bool ApplyProjectOffsets(IfcDocument& document, HostScene& scene);
 
 }  // namespace corvel

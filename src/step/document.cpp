@@ -61,9 +61,14 @@ IFC::IfcEntity* IfcDocument::CreateESet(std::string name) {
         kReportShow);
     return nullptr;
   }
+  if (mainContainer == nullptr) {
+    showError_("", u"Creating eSet error. There is no model any more: " + getFilePath(),
+               kReportShow);
+    return nullptr;
+  }
   IFC::IfcEntity* const entity = create(mainContainer->Pool());
   mainContainer->AddEntity(entity);
-  return entity;
+  return mainContainer->HasRunOutOfNumbers() ? nullptr : entity;
 }
 
 int IfcDocument::SaveFile(const WideString& path) {

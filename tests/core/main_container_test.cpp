@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/graph.h"
+#include "support/numbers_up_to.h"
 #include "support/recorded_reports.h"
 #include "support/test_platform.h"
 
@@ -113,27 +114,72 @@ TEST_F(Container, AClashIsResolvedOnceOnly) {
   EXPECT_EQ(&first, container_.entities.Find(500));
 }
 
-TEST_F(Container, TheLastNumberWrapsTheCounterToZeroAndZeroIsRefused) {
-  MainContainer::uniqueMarker = 4294967295u;
-  EXPECT_EQ(4294967295u, AddWall(0).marker);
-  EXPECT_EQ(0u, MainContainer::uniqueMarker);
+TEST_F(Container, TheLastNumberIsGivenAndThenTheSmallestFreeOne) {
+  AddWall(2);
+  MainContainer::uniqueMarker = IFC::kLargestNumber;
+  EXPECT_EQ(IFC::kLargestNumber, AddWall(0).marker);
+  EXPECT_EQ(1u, AddWall(0).marker);
+  EXPECT_EQ(3u, AddWall(0).marker);
+  EXPECT_EQ(4u, AddWall(2).marker);
+  EXPECT_EQ((Numbers{1, 2, 3, 4, IFC::kLargestNumber}), Keys());
   EXPECT_EQ(Texts{}, Boxes());
-  Wall& refused = AddWall(0);
-  EXPECT_EQ((Texts{u"SetMarker error: Marker has to be > 0"}), Boxes());
-  EXPECT_EQ(0u, refused.marker);
-  EXPECT_EQ(1u, MainContainer::uniqueMarker);
-  // It is filed all the same, under 0.
-  EXPECT_EQ(&refused, container_.entities.Find(0));
 }
 
-TEST_F(Container, AClashAtTheEndOfTheRangeIsNotFiled) {
-  AddWall(4294967295u);
-  Wall& refused = AddWall(4294967295u);
-  EXPECT_EQ((Texts{u"SetMarker error: Marker has to be > 0",
-                   u"AddEntity. Adding canceled -> Marker exist: 4294967295"}),
-            Boxes());
-  EXPECT_EQ(4294967295u, refused.marker);
-  EXPECT_EQ((Numbers{4294967295u}), Keys());
+TEST_F(Container, AClashAtTheLastNumberGetsTheSmallestFreeOne) {
+  AddWall(IFC::kLargestNumber - 1);
+  EXPECT_EQ(IFC::kLargestNumber, AddWall(IFC::kLargestNumber - 1).marker);
+  EXPECT_EQ(1u, AddWall(IFC::kLargestNumber - 1).marker);
+  EXPECT_EQ(2u, AddWall(IFC::kLargestNumber).marker);
+  EXPECT_EQ(Texts{}, Boxes());
+}
+
+// Another container has them, or they were passed over.
+TEST_F(Container, NumbersBelowTheLastOneThatAreFreeHereAreGivenToo) {
+  const test::NumbersUpTo largest(5);
+  MainContainer other(RecordedReports::Reporter, nullptr, 64);
+  Wall& last = graph_.Add<Wall>();
+  last.marker = 5;
+  other.AddEntity(&last);
+  AddWall(2);
+  EXPECT_EQ(5u, AddWall(0).marker);
+  for (const std::uint32_t number : {1u, 3u, 4u}) EXPECT_EQ(number, AddWall(0).marker);
+  EXPECT_FALSE(container_.HasRunOutOfNumbers());
+}
+
+TEST_F(Container, TheCounterStopsBehindTheLastNumber) {
+  const test::NumbersUpTo largest(3);
+  for (int i = 0; i < 5; ++i) AddWall(0);
+  EXPECT_EQ(4u, MainContainer::uniqueMarker);
+  MainContainer other(RecordedReports::Reporter, nullptr, 64);
+  Wall& wall = graph_.Add<Wall>();
+  other.AddEntity(&wall);
+  EXPECT_EQ(1u, wall.marker);
+  EXPECT_EQ(4u, MainContainer::uniqueMarker);
+}
+
+TEST_F(Container, WithoutANumberLeftNothingIsFiledAndItIsReportedOnce) {
+  const test::NumbersUpTo largest(2);
+  AddWall(1);
+  AddWall(2);
+  EXPECT_FALSE(container_.HasRunOutOfNumbers());
+  AddWall(0);
+  AddWall(2);
+  EXPECT_TRUE(container_.HasRunOutOfNumbers());
+  EXPECT_EQ((Numbers{1, 2}), Keys());
+  EXPECT_EQ((std::vector<test::Report>{{"",
+                                        u"All numbers up to #2 are in use: there is none left for "
+                                        u"another object.\n",
+                                        1}}),
+            *reports_);
+  EXPECT_EQ(Texts{}, Boxes());
+}
+
+TEST_F(Container, AnErasedNumberIsFreeAgain) {
+  const test::NumbersUpTo largest(3);
+  for (int i = 0; i < 3; ++i) AddWall(0);
+  container_.EraseEntity(2);
+  EXPECT_EQ(2u, AddWall(0).marker);
+  EXPECT_FALSE(container_.HasRunOutOfNumbers());
 }
 
 TEST_F(Container, TheNumberingIsSharedByAllContainers) {

@@ -70,6 +70,45 @@ TEST(NumberTable, ClearForgetsAllAndTheTableServesOn) {
   EXPECT_EQ((Pairs{{5, Fake(5)}}), Walked(table));
 }
 
+TEST(NumberTable, TheSmallestFreeNumberIsTheFirstGapFromOneOn) {
+  NumberTable table;
+  EXPECT_EQ(1u, table.SmallestFree());
+  table.Set(0, Fake(1));
+  EXPECT_EQ(1u, table.SmallestFree());
+  table.Set(2, Fake(2));
+  table.Set(kMost, Fake(3));
+  EXPECT_EQ(1u, table.SmallestFree());
+  table.Set(1, Fake(4));
+  EXPECT_EQ(3u, table.SmallestFree());
+  table.Remove(2);
+  EXPECT_EQ(2u, table.SmallestFree());
+  table.Set(2, Fake(2));
+  table.Remove(0);
+  EXPECT_EQ(3u, table.SmallestFree());
+  table.Clear();
+  EXPECT_EQ(1u, table.SmallestFree());
+}
+
+TEST(NumberTable, TheSmallestFreeNumberIsThatOfAPlainSearch) {
+  std::mt19937 random(3);
+  NumberTable table;
+  std::map<std::uint32_t, bool> used;
+  for (int round = 0; round < 20000; ++round) {
+    const auto number = static_cast<std::uint32_t>(random() % 1500);
+    if (random() % 5 == 0) {
+      table.Remove(number);
+      used.erase(number);
+    } else {
+      table.Set(number, Fake(1 + std::uint64_t{number}));
+      used[number] = true;
+    }
+    if (round % 50 != 0) continue;
+    std::uint32_t wanted = 1;
+    while (used.contains(wanted)) ++wanted;
+    ASSERT_EQ(wanted, table.SmallestFree()) << round;
+  }
+}
+
 TEST(NumberTable, NumbersOfARunOf512TurnDenseWithoutALoss) {
   for (std::uint32_t start : {0u, 512u, 4294966784u}) {
     NumberTable table;

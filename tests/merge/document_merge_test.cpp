@@ -6,6 +6,7 @@
 
 #include "graph_document.h"
 #include "support/model.h"
+#include "support/numbers_up_to.h"
 #include "support/small_stack.h"
 
 namespace corvel {
@@ -268,6 +269,57 @@ TEST_F(Merge, ADocumentThatWasFoldedInStillAnswers) {
   EXPECT_EQ(project, second->getIfcProject());
   EXPECT_TRUE(second->IsParsed());
   EXPECT_FALSE(second->IsCancelled());
+}
+
+TEST_F(Merge, ADocumentThatWasFoldedInMakesNoEntity) {
+  Model first("#1=IFCPROJECT('p1',$,$,$,$,$,$,$,$);\n");
+  Model second("#1=IFCPROJECT('p2',$,$,$,$,$,$,$,$);\n", "second.ifc");
+  first->MergeDocument(*second, 0, false);
+  EXPECT_EQ(nullptr, second->CreateESet("IFCWALL"));
+  EXPECT_EQ(
+      (Reports{
+          {"", u"Creating eSet error. There is no model any more: " + second->getFilePath(), 0}}),
+      *world_.reports);
+}
+
+TEST_F(Merge, ADocumentWithoutAModelIsNotMerged) {
+  Model first("#1=IFCPROJECT('p1',$,$,$,$,$,$,$,$);\n");
+  Model second("#1=IFCPROJECT('p2',$,$,$,$,$,$,$,$);\n", "second.ifc");
+  Model third("#1=IFCPROJECT('p3',$,$,$,$,$,$,$,$);\n", "third.ifc");
+  first->MergeDocument(*second, 0, false);
+  EXPECT_FALSE(first->MergeDocument(*second, 0, false));
+  EXPECT_EQ(MergeStatus::kMerged, first->mergeStatus);
+  EXPECT_FALSE(second->MergeDocument(*third, 0, false));
+  EXPECT_EQ(MergeStatus::kFailed, second->mergeStatus);
+  EXPECT_FALSE(third->MergeDocument(*third, 0, false));
+  EXPECT_EQ(MergeStatus::kFailed, third->mergeStatus);
+  EXPECT_EQ(1u, third->mainContainer->entities.Size());
+  EXPECT_EQ((Reports{{"", u"There is no model to merge: " + second->getFilePath(), 0},
+                     {"", u"There is no model to merge: " + third->getFilePath(), 0},
+                     {"", u"There is no model to merge: " + third->getFilePath(), 0}}),
+            *world_.reports);
+}
+
+// The next one would have a number, and come too late.
+TEST_F(Merge, OutOfNumbersItHasFailedWhateverWasAndWillBeMerged) {
+  const test::NumbersUpTo largest(4);
+  Model first("#1=IFCPROJECT('p1',$,$,$,$,$,$,$,$);\n#2=IFCCARTESIANPOINT((1.,2.));\n");
+  Model second("#2=IFCPROJECT('p2',$,$,$,$,$,$,$,$);\n#3=IFCCARTESIANPOINT((1.,2.));\n");
+  Model third("#2=IFCCARTESIANPOINT((1.,2.));\n#3=IFCPROJECT('p3',$,$,$,$,$,$,$,$);\n" +
+              std::string("#4=IFCCARTESIANPOINT((1.,2.));\n#5=IFCDIRECTION((1.,2.));\n"));
+  Model fourth("#6=IFCPROJECT('p4',$,$,$,$,$,$,$,$);\n#7=IFCDIRECTION((1.,2.));\n");
+  EXPECT_TRUE(first->MergeDocument(*second, 0, false));
+  EXPECT_EQ(MergeStatus::kMerged, first->mergeStatus);
+  Model filler("#1=IFCCARTESIANPOINT((1.,2.));\n#2=IFCPROJECT('p3',$,$,$,$,$,$,$,$);\n");
+  EXPECT_TRUE(first->MergeDocument(*filler, 0, false));
+  EXPECT_FALSE(first->MergeDocument(*third, 0, false));
+  EXPECT_EQ(MergeStatus::kFailed, first->mergeStatus);
+  EXPECT_FALSE(first->MergeDocument(*fourth, 0, false));
+  EXPECT_EQ(MergeStatus::kFailed, first->mergeStatus);
+  EXPECT_EQ(
+      (Reports{
+          {"", u"All numbers up to #4 are in use: there is none left for another object.\n", 1}}),
+      *world_.reports);
 }
 
 TEST_F(Merge, TheObjectsOfTheSourceLiveOnWhenItsDocumentIsGone) {

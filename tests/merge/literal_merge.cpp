@@ -39,20 +39,47 @@ void LiteralMerge::SetMarker(LiteralEntity* entity, std::uint32_t value) {
   }
 }
 
-void LiteralMerge::AddEntity(LiteralContainer& container, LiteralEntity* entity) {
+// False when there is no number for it.
+bool LiteralMerge::ChooseMarker(LiteralContainer& container, LiteralEntity* entity) {
   if (entity->marker != 0) {
     world_.uniqueMarker = std::max(world_.uniqueMarker, entity->marker);
   } else {
+    if (world_.uniqueMarker > world_.largestNumber) return TakeSmallestFree(container, entity);
     SetMarker(entity, world_.uniqueMarker);
     ++world_.uniqueMarker;
   }
   if (container.entities.contains(entity->marker)) {
     Road("number clash");
+    if (world_.uniqueMarker >= world_.largestNumber) return TakeSmallestFree(container, entity);
     ++world_.uniqueMarker;
     SetMarker(entity, world_.uniqueMarker);
   }
+  return true;
+}
+
+bool LiteralMerge::TakeSmallestFree(LiteralContainer& container, LiteralEntity* entity) {
+  for (std::uint32_t number = 1; number <= world_.largestNumber; ++number) {
+    if (container.entities.contains(number)) continue;
+    Road("number from the bottom");
+    entity->marker = number;
+    return true;
+  }
+  Road("no number left");
+  if (!container.hasRunOutOfNumbers) {
+    world_.reports.push_back({"",
+                              u"All numbers up to #" + ToWide(world_.largestNumber) +
+                                  u" are in use: there is none left for another object.\n",
+                              1});
+  }
+  container.hasRunOutOfNumbers = true;
+  return false;
+}
+
+void LiteralMerge::AddEntity(LiteralContainer& container, LiteralEntity* entity) {
+  if (!ChooseMarker(container, entity)) return;
   if (container.entities.contains(entity->marker)) {
     Road("number clash that stays");
+    if (container.hasRunOutOfNumbers) return;
     world_.boxes.push_back(
         LogfileErrorBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker)));
     return;
@@ -139,8 +166,16 @@ bool LiteralMerge::MergeDocument(LiteralDocument& destination, LiteralDocument& 
   specificObjects_.clear();
   deletedDuplicatedParents_.clear();
   sourceProject_ = destinationProject_ = nullptr;
+  sourcePath_ = source.path;
+  const bool folded = Fold(mergeLevel, nameAndGuid);
+  if (!destination.container->hasRunOutOfNumbers) return folded;
+  destination.mergeStatus = 2;
+  return false;
+}
 
-  FillEntitiesGuidMap(*sourceContainer_, source.path);
+bool LiteralMerge::Fold(unsigned mergeLevel, bool nameAndGuid) {
+  LiteralDocument& destination = *destination_;
+  FillEntitiesGuidMap(*sourceContainer_, sourcePath_);
   FillParentsLists(*sourceContainer_, 0, u"1/3 ", false);
   FillMarkers(*sourceContainer_);
   FillEntitiesGuidMap(*destination.container, destination.path);
@@ -176,6 +211,7 @@ bool LiteralMerge::PassOverSource() {
   for (auto& [number, entity] : sourceContainer_->entities) {
     if (entity->marker == kDeleted) continue;
     TakeSourceEntity(entity);
+    if (destination_->container->hasRunOutOfNumbers) return false;
     if (!CountDown()) return false;
   }
   return true;

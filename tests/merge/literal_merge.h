@@ -37,6 +37,7 @@ struct LiteralContainer {
   std::map<std::string, LiteralEntity*> entitiesGuidMap;
   std::map<WideString, std::string> generatedGuids;
   bool hasTree = false;
+  bool hasRunOutOfNumbers = false;
 };
 
 struct LiteralDocument {
@@ -50,6 +51,7 @@ struct LiteralDocument {
 // What is process-wide, what the user does, and what came of it. New GUIDs are asked of the system.
 struct LiteralWorld {
   std::uint32_t uniqueMarker = 1;
+  std::uint32_t largestNumber = 4294967279u;
   int rememberedGuidChoice = -1;
   bool userWantsNewGuids = true;
   std::size_t cancelAt = std::numeric_limits<std::size_t>::max();
@@ -84,6 +86,9 @@ class LiteralMerge {
   using SpecificObjects = std::map<WideString, std::map<WideString, Pair>>;
 
   void SetMarker(LiteralEntity* entity, std::uint32_t value);
+  bool ChooseMarker(LiteralContainer& container, LiteralEntity* entity);
+  bool TakeSmallestFree(LiteralContainer& container, LiteralEntity* entity);
+  bool Fold(unsigned mergeLevel, bool nameAndGuid);
   void FillMarkers(LiteralContainer& container);
   void FillEntitiesGuidMap(LiteralContainer& container, const WideString& path);
   bool FillParentsLists(LiteralContainer& container, int share, const WideString& text, bool flag);
@@ -107,6 +112,7 @@ class LiteralMerge {
   // Of one merge.
   LiteralDocument* destination_ = nullptr;
   LiteralContainer* sourceContainer_ = nullptr;
+  WideString sourcePath_;
   std::set<WideString> specificTypes_;
   SpecificObjects specificObjects_;
   std::vector<LiteralEntity*> deletedDuplicatedParents_;

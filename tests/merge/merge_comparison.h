@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <map>
@@ -14,6 +15,7 @@
 
 #include "core/entity_cast.h"
 #include "random_models.h"
+#include "support/numbers_up_to.h"
 
 namespace corvel::test {
 
@@ -29,8 +31,18 @@ struct MergePlan {
   int rememberedChoice = kAskAboutGuids;
   bool userWantsNewGuids = true;
   bool numberingStartsLow = false;
+  std::uint32_t largestNumber = IFC::kLargestNumber;
   std::size_t cancelAt = std::numeric_limits<std::size_t>::max();
   bool userMeansIt = true;
+
+  // Of all records, as they are read.
+  std::uint32_t HighestNumber() const {
+    std::uint32_t highest = 0;
+    for (const PlannedModel& model : models) {
+      for (const PlannedEntity& entity : model) highest = std::max(highest, entity.number);
+    }
+    return highest;
+  }
 };
 
 // Borrows the plan. Fails the test that it runs in.
@@ -56,6 +68,7 @@ class MergeComparison {
     engineWorld_.system.userMeansToCancel = plan_.userMeansIt;
     engineWorld_.progress.CancelAt(plan_.cancelAt);
     RememberedGuidChoice() = plan_.rememberedChoice;
+    const NumbersUpTo largest(plan_.largestNumber);
     for (auto& model : models_) model->FileEngine();
     if (plan_.numberingStartsLow) IFC::MainContainer::uniqueMarker = 1;
 
@@ -63,6 +76,7 @@ class MergeComparison {
     literalWorld_.userMeansIt = plan_.userMeansIt;
     literalWorld_.cancelAt = plan_.cancelAt;
     literalWorld_.rememberedGuidChoice = plan_.rememberedChoice;
+    literalWorld_.largestNumber = plan_.largestNumber;
     LiteralMerge literal(literalWorld_);
     TestPlatform literalSystem;  // counts GUIDs of its own
     for (auto& model : models_) model->FileLiteral(literal);
@@ -78,6 +92,7 @@ class MergeComparison {
       if (literalWorld_.orderIsOpen) return;
       EXPECT_EQ(wanted, got);
       Compare(i);
+      if (!models_[0]->engine->mainContainer->HasRunOutOfNumbers()) CheckNumbers(i);
       if (testing::Test::HasFailure()) return;
     }
   }
@@ -120,6 +135,27 @@ class MergeComparison {
     EXPECT_EQ(literalWorld_.ticks, *engineWorld_.progress);
     EXPECT_EQ(literalWorld_.boxes, engineWorld_.system.boxes);
     EXPECT_EQ(literalWorld_.reports, *engineWorld_.reports);
+  }
+
+  // Nothing is lost, and no number above the largest is given: the destination has everything that
+  // has no better there, under numbers of its own.
+  void CheckNumbers(std::size_t merged) {
+    const NumberTable& entities = models_[0]->engine->mainContainer->entities;
+    const std::uint32_t highestRead = plan_.HighestNumber();
+    std::set<const IFC::IfcEntity*> filed;
+    for (const auto& [number, entity] : entities) {
+      EXPECT_TRUE(filed.insert(entity).second) << number;
+      EXPECT_TRUE(number <= plan_.largestNumber || number <= highestRead) << number;
+    }
+    if (plan_.mergeLevel != 0 || !plan_.index.empty() || plan_.numberingStartsLow) return;
+    if (plan_.cancelAt != std::numeric_limits<std::size_t>::max()) return;
+    std::size_t missing = 0;
+    for (std::size_t i = 0; i < models_[merged]->objects.size(); ++i) {
+      const PlannedEntity& planned = plan_.models[merged][i];
+      if (planned.number == 0 || planned.deleted) continue;
+      missing += filed.contains(models_[merged]->objects[i]) ? 0 : 1;
+    }
+    EXPECT_LE(missing, 1u);  // the project that gives way
   }
 
   void CompareContainers(const LiteralContainer& wanted, const IFC::MainContainer& got) const {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <random>
 #include <string>
@@ -74,6 +75,51 @@ TEST(RandomMerge, ItDoesWhatThePlainMergeDoesWhereverTheObjectsLie) {
     EXPECT_GT(roads[road], 20) << road;
   }
   for (const auto& [road, times] : roads) RecordProperty(road, times);
+}
+
+void NumberToTheEnd(PlannedModel& model) {
+  std::uint32_t highest = 0;
+  for (const test::PlannedEntity& entity : model) highest = std::max(highest, entity.number);
+  for (test::PlannedEntity& entity : model) {
+    if (entity.number != 0) entity.number += IFC::kLargestNumber - highest;
+  }
+}
+
+// Either the records stand at the end of the whole range, or the range is short; then they may
+// stand above the largest number that is given.
+test::MergePlan AnyRunNearTheEnd(unsigned seed) {
+  std::mt19937 random(seed);
+  test::MergePlan run = AnyRun(seed);
+  run.cancelAt = std::numeric_limits<std::size_t>::max();
+  if (random() % 3 != 0) {
+    run.mergeLevel = 0;
+    run.index.clear();
+  }
+  run.numberingStartsLow = random() % 12 == 0;
+  if (random() % 4 == 0) {
+    for (PlannedModel& model : run.models) NumberToTheEnd(model);
+    return run;
+  }
+  std::size_t entities = 0;
+  for (const PlannedModel& model : run.models) entities += model.size();
+  run.largestNumber = static_cast<std::uint32_t>(1 + random() % (2 * entities));
+  return run;
+}
+
+TEST(RandomMerge, NearTheLastNumberNothingIsLostAndNoNumberIsGivenTwice) {
+  std::map<std::string, int> roads;
+  int full = 0;
+  for (unsigned seed = 1; seed <= 2000; ++seed) {
+    const test::MergePlan run = AnyRunNearTheEnd(seed);
+    test::MergeComparison comparison(run, 7 * seed);
+    comparison.Go();
+    ASSERT_FALSE(HasFailure()) << "seed " << seed << " up to " << run.largestNumber;
+    for (const auto& [road, times] : comparison.World().roads) roads[road] += times;
+    full += run.largestNumber == IFC::kLargestNumber ? 1 : 0;
+  }
+  EXPECT_GT(full, 300);
+  EXPECT_GT(roads["number from the bottom"], 500);
+  EXPECT_GT(roads["no number left"], 200);
 }
 
 // Models large enough for ticks in all four walks; each tick in turn says cancel.

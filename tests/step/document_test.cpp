@@ -12,6 +12,7 @@
 #include "core/entity_cast.h"
 #include "step/reader/parser.h"
 #include "support/model.h"
+#include "support/numbers_up_to.h"
 #include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
@@ -243,6 +244,20 @@ TEST_F(Document, BeforeAFileIsOpenedNoEntityIsMade) {
       (Reports{
           {"", u"Creating eSet error. No eSet called: IFCWALL exists in map of functions.", 0}}),
       *reports_);
+}
+
+TEST_F(Document, WithoutANumberLeftNoEntityIsMade) {
+  const test::NumbersUpTo largest(8);
+  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  for (int i = 0; i < 7; ++i) EXPECT_NE(nullptr, model->CreateESet("IFCCARTESIANPOINT"));
+  EXPECT_EQ(Reports{}, *reports_);
+  EXPECT_EQ(nullptr, model->CreateESet("IFCCARTESIANPOINT"));
+  EXPECT_EQ(nullptr, model->CreateESet("IFCCARTESIANPOINT"));
+  EXPECT_EQ(
+      (Reports{
+          {"", u"All numbers up to #8 are in use: there is none left for another object.\n", 1}}),
+      *reports_);
+  EXPECT_EQ(8u, model->mainContainer->entities.Size());
 }
 
 TEST_F(Document, AValueInsideARecordHasNoNumberAndIsFiledNowhere) {
