@@ -262,17 +262,17 @@ int MainContainer::RefreshParentsLists(int from, int to, int share, const WideSt
   return TickOverEntities(from, to, share, text, flag) ? 1 : 0;
 }
 
-// One tick for each hundredth (or whatever `to` - `from` is) of the entities. After a cancel the
-// sets of those that had their turn are empty.
+// One tick for each hundredth (or whatever `to` - `from` is) of the entities, and by rounding one
+// more, which stays at `to`. After a cancel the sets of those that had their turn are empty.
 bool MainContainer::TickOverEntities(int from, int to, int share, const WideString& text,
                                      bool flag) {
   const std::size_t count = entities.Size();
   std::size_t block = count;
   if (to > from) block /= static_cast<std::size_t>(to - from);
   if (block == 0 || progress_ == nullptr) return true;
-  for (std::size_t done = block; done <= count && from < to; done += block) {
+  for (std::size_t done = block; done <= count && from <= to; done += block) {
     ++from;
-    if (!progress_(from, share, &text, flag, to) &&
+    if (!progress_(std::min(from, to), share, &text, flag, to) &&
         corvel::AskCancelQuestion(corvel::SharedCancelTexts())) {
       EmptyParents(done);
       return false;

@@ -35,9 +35,11 @@ struct MarkingProgress {
   int share = 0;
   const WideString& prefix;
 
-  // False when the user pressed cancel and confirmed it.
+  // False when the user pressed cancel and confirmed it. A value that rounding has brought above
+  // the maximum is sent as the maximum.
   bool Tick(int value, bool exactMode, int maximum) const {
-    return callback == nullptr || callback(value, share, &prefix, exactMode, maximum) ||
+    return callback == nullptr ||
+           callback(std::min(value, maximum), share, &prefix, exactMode, maximum) ||
            !AskCancelQuestion(SharedCancelTexts());
   }
 };

@@ -18,7 +18,7 @@ int PartOf(int whole, int fileCount) { return std::max(whole / fileCount, 1); }
 
 bool LiteralMarking::UpdateProgress(int value, int share, const WideString& text, bool flag,
                                     int maximum) {
-  world_.ticks.push_back({value, share, text, flag, maximum});
+  world_.ticks.push_back({std::min(value, maximum), share, text, flag, maximum});
   if (world_.ticks.size() - 1 != world_.cancelAt) return true;
   ++world_.questions;
   return !world_.userMeansIt;

@@ -144,9 +144,9 @@ bool LiteralMerge::FillParentsLists(LiteralContainer& container, int share, cons
   for (auto& [number, entity] : container.entities) {
     entity->parents.clear();
     ++emptied;
-    if (block == 0 || emptied % block != 0 || value == 100) continue;
+    if (block == 0 || emptied % block != 0 || value > 100) continue;
     ++value;
-    if (!GoesOnAfterTick({value, share, text, flag, 100})) return false;
+    if (!GoesOnAfterTick({std::min(value, 100), share, text, flag, 100})) return false;
   }
   for (auto& [number, parent] : container.entities) {
     for (LiteralEntity* const child : parent->children) {

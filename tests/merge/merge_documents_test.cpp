@@ -99,7 +99,9 @@ TEST_F(Fold, AFiftiethOfTheEntitiesTicksOnce) {
   Fill(second_, 1001, 101);
   first_->MergeDocument(*second_, 0, false);
   // The source ticks at its entities 1, 3, 5 ... 101; the destination, 200 by now, at 4, 8 ... 200.
-  EXPECT_EQ(SourceParents(100) + DestinationParents(100) + Passes(1, 100) + Passes(100, 100),
+  // 101 entities are one more than a hundred of them.
+  EXPECT_EQ(SourceParents(100) + Ticks(100, 100, 0, u"1/3 ", false) + DestinationParents(100) +
+                Passes(1, 100) + Passes(100, 100),
             *world_.progress);
 }
 
