@@ -150,6 +150,26 @@ TEST(WindowsShellOpen, AProgramIsStartedWithItsParameter) {
   EXPECT_TRUE(Eventually([&] { return folder.Has("made by it.txt"); }));
 }
 
+// The show command of a program that writes it down, started with this parameter.
+std::string ShowCommandWith(const std::u16string& parameter) {
+  TemporaryFolder folder;
+  const std::filesystem::path told = folder.Native("told.txt");
+  ::SetEnvironmentVariableW(L"CORVEL_SHOW_COMMAND_FILE", told.c_str());
+  const auto program =
+      std::filesystem::path(System().ExecutablePath()).replace_filename("corvel_show_command.exe");
+  EXPECT_TRUE(System().ShellOpen(program.u16string(), parameter));
+  const auto isComplete = [&] {
+    return folder.Has("told.txt") && folder.Read("told.txt").ends_with('.');
+  };
+  EXPECT_TRUE(Eventually(isComplete));
+  return isComplete() ? folder.Read("told.txt") : "";
+}
+
+TEST(WindowsShellOpen, ADocumentIsShownAndAProgramWithAParameterIsRestored) {
+  EXPECT_EQ("5.", ShowCommandWith(u""));
+  EXPECT_EQ("9.", ShowCommandWith(u"\"C:\\models\\a.ifc\""));
+}
+
 TEST(WindowsShellOpen, WhatIsNotThereIsRefused) {
   TemporaryFolder folder;
   EXPECT_FALSE(System().ShellOpen(folder.Path("none.exe"), u"\"x\""));

@@ -84,6 +84,14 @@ TEST_F(EntryPoints, TheInformationHasSixTexts) {
   }
 }
 
+TEST_F(EntryPoints, TheDataFolderIsNamedAfterTheLibrary) {
+  host.Attach();
+  const Plugin& plugin = *Plugin::Instance();
+  EXPECT_EQ(u"corvel_plugin_tests_data", plugin.DataFolderName());
+  const WideString data = Even(plugin.folders.data);
+  EXPECT_EQ(plugin.DataFolderName() + u"/", data.substr(data.rfind(u'/', data.size() - 2) + 1));
+}
+
 TEST_F(EntryPoints, DragsModelsAndUndosAreTakenAndDoNothing) {
   host.Load();
   host.calls.clear();
