@@ -52,20 +52,11 @@ void Deletion::DeleteWithOrphans(IFC::IfcEntity& entity) {
 
 void Deletion::DeleteChildrenOf(IFC::IfcEntity& entity) {
   entity.collectChildren(orphans_);
-  DeleteQueuedOrphans();
-}
-
-void Deletion::DeleteIfOrphan(IFC::IfcEntity* entity) {
-  orphans_.Append(entity, true);
-  DeleteQueuedOrphans();
-}
-
-void Deletion::DeleteQueuedOrphans() {
   while (!orphans_.IsEmpty()) {
-    IFC::IfcEntity* const entity = orphans_.TakeBack().entity;
-    if (entity == nullptr || !IsUndecided(*entity) || !IsOrphan(*entity)) continue;
-    Delete(*entity);
-    entity->collectChildren(orphans_);
+    IFC::IfcEntity* const child = orphans_.TakeBack().entity;
+    if (child == nullptr || !IsUndecided(*child) || !IsOrphan(*child)) continue;
+    Delete(*child);
+    child->collectChildren(orphans_);
   }
 }
 

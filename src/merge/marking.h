@@ -121,7 +121,6 @@ class Deletion {
   void DeleteWithOrphans(IFC::IfcEntity& entity);
   // Deletes the children that are orphans and not saved, and in turn theirs.
   void DeleteChildrenOf(IFC::IfcEntity& entity);
-  void DeleteIfOrphan(IFC::IfcEntity* entity);  // null: nothing
 
   // From here on it is written down who is deleted; Undo brings them back, undecided.
   void StartRecord();
@@ -129,8 +128,6 @@ class Deletion {
   void Undo();
 
  private:
-  void DeleteQueuedOrphans();
-
   std::vector<Placed> undecided_;
   IFC::ChildQueue children_;
   IFC::ChildQueue orphans_;
