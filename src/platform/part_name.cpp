@@ -1,5 +1,6 @@
 #include "platform/part_name.h"
 
+#include <atomic>
 #include <limits>
 
 #include "platform/platform.h"
@@ -36,12 +37,12 @@ std::u16string Decimal(std::uint32_t number) {
   return text;
 }
 
-// Not through the seam: whoever plays the platform counts the GUIDs of models.
-std::uint64_t RandomNumber() {
-  const Guid guid = System().NewGuid();
-  std::uint64_t number = guid.data1 ^ (std::uint64_t{guid.data2} << 32);
-  for (const std::uint8_t byte : guid.data4) number = (number << 8 | number >> 56) ^ byte;
-  return number ^ static_cast<std::uint64_t>(System().MonotonicNanoseconds());
+// No random bytes: those are for the GUIDs of models, which come in one order for whoever replays
+// them. A name that is taken all the same is tried again, and never opened.
+std::uint64_t NextNumber() {
+  constexpr unsigned kCountShift = 56;
+  static std::atomic<std::uint64_t> count{0};
+  return (++count << kCountShift) ^ static_cast<std::uint64_t>(System().MonotonicNanoseconds());
 }
 
 // Reads digits from the front of `text`; nothing without one, or beyond 32 bits.
@@ -71,7 +72,7 @@ std::u16string PartStem(std::u16string_view name, std::size_t longest,
 
 std::u16string PartName(std::u16string_view stem, std::uint32_t process, PartKind kind) {
   std::u16string name(stem);
-  name += Decimal(process) + u"-" + Hexadecimal(RandomNumber());
+  name += Decimal(process) + u"-" + Hexadecimal(NextNumber());
   return name.append(kind == PartKind::kPart ? kPart : kBackup);
 }
 

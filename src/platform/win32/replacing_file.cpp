@@ -110,6 +110,11 @@ bool MayPass(DWORD failure) {
 }
 
 bool PlaceOnce(const std::wstring& target, const std::wstring& part, const std::wstring& backup) {
+  const DWORD attributes = ::GetFileAttributesW(target.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    ::SetLastError(ERROR_DIRECTORY);  // it would be moved away, and not come back
+    return false;
+  }
   if (!IsThere(target)) return Move(part, target);
   if (Replace(target, part, backup)) return true;
   // Not every file system can do it the other way.
@@ -126,7 +131,7 @@ bool ReplacingFile::Begin(const std::u16string& target) {
   const std::size_t nameStart = target.find_last_of(u"/\\:") + 1;
   folder_ = target.substr(0, nameStart);
   name_ = target.substr(nameStart);
-  if (name_.empty()) return false;
+  if (name_.empty() || name_.size() > kLongestName) return false;
   const std::u16string stem = PartStem(name_, kLongestName, LengthInUnits);
   RemoveLeftOvers(stem);
   return IsFreeOrReplaceable(PathForSystem(target)) && MakePart(stem);
