@@ -48,6 +48,12 @@ const CommandName* FindCommand(std::string_view word) {
 
 std::string Quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
 
+// Nothing when no name is near: a far one would only mislead.
+std::string Suggestion(std::string_view word, const std::vector<std::string>& names) {
+  const std::optional<std::string> name = NearName(word, names);
+  return name ? "; the nearest is " + Quoted(*name) : std::string();
+}
+
 UsageError Wrong(const std::string& text) { return {FromUtf8(text)}; }
 
 // The error of one command, and where to read on.
@@ -103,8 +109,8 @@ std::vector<std::string> OptionNames(const CLI::App& app, std::string_view word)
 // A word that looks like an option and is none.
 UsageError UnknownOption(const CommandName& command, const CLI::App& app, std::string_view word) {
   const std::string_view name = word.substr(0, word.find('='));
-  return Wrong(command, "unknown option " + Quoted(name) + "; the nearest is " +
-                            Quoted(NearestName(name, OptionNames(app, name))) +
+  return Wrong(command, "unknown option " + Quoted(name) +
+                            Suggestion(name, OptionNames(app, name)) +
                             ". (A file name that begins with '-' goes behind '--'.)");
 }
 
@@ -205,8 +211,8 @@ Outcome ParseWithoutCommand(const std::string& word) {
   const bool isOption = word.starts_with('-');
   if (isOption) names = {"--help", "-h", "--version"};
   const std::string kind = isOption ? "option before the command" : "command";
-  return Wrong("unknown " + kind + " " + Quoted(word) + "; the nearest is " +
-               Quoted(NearestName(word, names)) + ".\nSee 'corvel --help'.");
+  return Wrong("unknown " + kind + " " + Quoted(word) + Suggestion(word, names) +
+               ".\nSee 'corvel --help'.");
 }
 
 }  // namespace

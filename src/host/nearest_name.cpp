@@ -5,6 +5,23 @@
 
 namespace corvel::host {
 
+namespace {
+
+std::string InSmallLetters(std::string_view text) {
+  std::string small(text);
+  for (char& c : small) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+  }
+  return small;
+}
+
+std::size_t Letters(std::string_view word) {
+  const std::size_t first = word.find_first_not_of('-');
+  return first == std::string_view::npos ? 0 : word.size() - first;
+}
+
+}  // namespace
+
 std::size_t EditDistance(std::string_view from, std::string_view to) {
   // Rows of the table for the first i - 2, i - 1 and i letters of `from`.
   std::vector<std::size_t> before(to.size() + 1);
@@ -25,11 +42,21 @@ std::size_t EditDistance(std::string_view from, std::string_view to) {
   return last[to.size()];
 }
 
-const std::string& NearestName(std::string_view word, const std::vector<std::string>& names) {
-  return *std::min_element(names.begin(), names.end(),
-                           [word](const std::string& a, const std::string& b) {
-                             return EditDistance(word, a) < EditDistance(word, b);
-                           });
+std::optional<std::string> NearName(std::string_view word, const std::vector<std::string>& names) {
+  const std::string wanted = InSmallLetters(word);
+  const std::size_t letters = Letters(wanted);
+  const std::string* nearest = nullptr;
+  std::size_t least = letters / 3;
+  for (const std::string& name : names) {
+    const std::string candidate = InSmallLetters(name);
+    const bool begins = letters >= 3 && candidate.starts_with(wanted);
+    const std::size_t distance = begins ? 0 : EditDistance(wanted, candidate);
+    if (distance > least || (nearest != nullptr && distance == least)) continue;
+    nearest = &name;
+    least = distance;
+  }
+  if (nearest == nullptr) return {};
+  return *nearest;
 }
 
 }  // namespace corvel::host

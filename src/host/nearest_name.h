@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,9 @@ namespace corvel::host {
 // word into the other, no letter being touched twice. Bytes count, and so does case.
 std::size_t EditDistance(std::string_view from, std::string_view to);
 
-// The name with the least distance to `word`, the earliest of several. `names` must not be empty.
-const std::string& NearestName(std::string_view word, const std::vector<std::string>& names);
+// The name that `word` may have been meant for: the one with the least distance, the earliest of
+// several, case aside. Nothing when none is near, which takes one mistake in three letters at most;
+// dashes in front are no letters. A name that begins with three letters or more of `word` is near.
+std::optional<std::string> NearName(std::string_view word, const std::vector<std::string>& names);
 
 }  // namespace corvel::host

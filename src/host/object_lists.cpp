@@ -1,6 +1,7 @@
 #include "host/object_lists.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 
@@ -100,14 +101,8 @@ class ListMatch {
   }
 
   WideString NearestClass(WideView item) const {
-    if (scene_.classes.empty()) return {};
-    std::vector<std::string> names;
-    for (const std::string& name : scene_.classes) {
-      names.push_back(ToUtf8(ToLowerAscii(Widen(name))));
-    }
-    const std::string& nearest = NearestName(ToUtf8(ToLowerAscii(item)), names);
-    const auto index = static_cast<std::size_t>(&nearest - names.data());
-    return u"; the nearest there is " + Widen(scene_.classes[index]);
+    const std::optional<std::string> nearest = NearName(ToUtf8(item), scene_.classes);
+    return nearest ? u"; the nearest there is " + Widen(*nearest) : WideString();
   }
 
   const ObjectList& list_;

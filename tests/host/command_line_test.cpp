@@ -134,7 +134,7 @@ TEST(CommandLine, MistakesInChoicesAreToldWithTheCommand) {
 
 TEST(CommandLine, ChoicesOfAMergeAreNoneOfOtherCommands) {
   EXPECT_EQ(
-      "resave: unknown option '--hide'; the nearest is '--help'. "
+      "resave: unknown option '--hide'. "
       "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel resave --help'.",
       ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--hide", u"1:#1"}));
 }
@@ -204,7 +204,7 @@ TEST(CommandLine, TheValueOfAWrongOptionIsNoPartOfItsName) {
 
 TEST(CommandLine, AnOptionOfAnotherCommandIsWrong) {
   EXPECT_EQ(
-      "merge: unknown option '--json'; the nearest is '--mode'. "
+      "merge: unknown option '--json'. "
       "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel merge --help'.",
       ErrorOf({u"merge", u"a", u"b", u"-o", u"c", u"--json"}));
 }

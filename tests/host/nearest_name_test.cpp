@@ -30,13 +30,32 @@ TEST(EditDistance, OfTheEmptyWordIsTheLength) {
 
 TEST(EditDistance, CaseCounts) { EXPECT_EQ(1u, EditDistance("Merge", "merge")); }
 
-TEST(NearestName, TakesTheLeastDistance) {
-  EXPECT_EQ("resave", NearestName("resafe", {"merge", "resave", "info"}));
-  EXPECT_EQ("info", NearestName("inf", {"merge", "resave", "info"}));
+TEST(NearName, TakesTheLeastDistance) {
+  EXPECT_EQ("resave", NearName("resafe", {"merge", "resave", "info"}));
+  EXPECT_EQ("info", NearName("inf", {"merge", "resave", "info"}));
 }
 
-TEST(NearestName, TakesTheEarlierOfTwoEquals) {
-  EXPECT_EQ("-o", NearestName("-x", {"--output", "-o", "-h"}));
+TEST(NearName, TakesTheEarlierOfTwoEquals) {
+  EXPECT_EQ("--left", NearName("--lift", {"--left", "--lint"}));
+}
+
+TEST(NearName, IsNoneBeyondOneMistakeInThreeLetters) {
+  EXPECT_EQ("--answer", NearName("--anwsre", {"--answer"}));
+  EXPECT_EQ(std::nullopt, NearName("--anwe", {"--answer"}));
+  EXPECT_EQ(std::nullopt, NearName("--hide", {"--help"}));
+  EXPECT_EQ(std::nullopt, NearName("-x", {"--output", "-o", "-h"}));
+  EXPECT_EQ(std::nullopt, NearName("", {"-o"}));
+  EXPECT_EQ(std::nullopt, NearName("merge", {}));
+}
+
+TEST(NearName, CaseIsNoMistake) {
+  EXPECT_EQ("info", NearName("INFO", {"merge", "info"}));
+  EXPECT_EQ("-o", NearName("-O", {"--output", "-o"}));
+}
+
+TEST(NearName, TheStartOfANameIsNear) {
+  EXPECT_EQ("--ignore-enum-errors", NearName("--ignore-enum", {"--quiet", "--ignore-enum-errors"}));
+  EXPECT_EQ(std::nullopt, NearName("--ig", {"--ignore-units"}));
 }
 
 }  // namespace corvel::host
