@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/command_line.h"
+#include "host/display_text.h"
 #include "host/file_facts.h"
 #include "host/info_text.h"
 #include "host/model_run.h"
@@ -26,11 +27,16 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ModelOrder order{line.inputs, line.output, line.choices, line.userFolder,
-                         line.workFolder.value_or(platform::SystemTemporaryFolder())};
+  const ModelOrder order{line.inputs,
+                         line.output,
+                         line.choices,
+                         line.userFolder,
+                         line.workFolder.value_or(platform::SystemTemporaryFolder()),
+                         line.log,
+                         line.answer.has_value()};
   const ExitStatus status = ModelRun(order, console).Run();
   if (status == ExitStatus::kDone && !line.quiet) {
-    platform::WriteStandardOutput(line.output + u" was written.\n");
+    platform::WriteStandardOutput(Printable(line.output) + u" was written.\n");
   }
   return status;
 }
@@ -43,7 +49,7 @@ ExitStatus RunInfo(const CommandLine& line) {
   for (const WideString& path : line.inputs) {
     FileFacts facts = ReadFacts(path);
     for (const WideString& problem : facts.problems)
-      console.Say(WideString(path).append(u": ").append(problem));
+      console.Say(Printable(path).append(u": ").append(problem));
     good = good && facts.problems.empty();
     if (line.json) {
       files.push_back(std::move(facts));
@@ -80,7 +86,7 @@ ExitStatus RunTree(const CommandLine& line) {
   ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames);
   if (scene.schema && !HasClosingLine(path)) scene.problems.emplace_back(kCutShort);
   for (const auto* const texts : {&scene.remarks, &scene.problems}) {
-    for (const WideString& text : *texts) console.Say(WideString(path).append(u": ").append(text));
+    for (const WideString& text : *texts) console.Say(Printable(path).append(u": ").append(text));
   }
   BlockOutput output;
   const TextSink sink = [&output](WideView text) { return output.Write(text); };

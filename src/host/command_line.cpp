@@ -30,6 +30,7 @@ struct Words {
   std::string answer;
   std::string userFolder;
   std::string workFolder;
+  std::string log;
   ChoiceWords merge;
   bool ignoreEnumErrors = false;
   bool ignoreUnits = false;
@@ -92,6 +93,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_option("--answer", words.answer);
   app.add_option("--user-folder", words.userFolder);
   app.add_option("--work-folder", words.workFolder);
+  app.add_option("--log", words.log);
   app.add_flag("-h,--help", words.help);
 }
 
@@ -151,6 +153,7 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   if (app.count("--work-folder") != 0 && words.workFolder.empty()) {
     return "--work-folder takes the name of a folder";
   }
+  if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
   if (auto error = CountError(command, words.files.size())) return error;
   if (command == Command::kMerge && app.count("--output") == 0) {
     return "the output is missing: -o OUT";
@@ -170,6 +173,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   }
   if (!words.userFolder.empty()) line.userFolder = FromUtf8(words.userFolder);
   if (!words.workFolder.empty()) line.workFolder = FromUtf8(words.workFolder);
+  if (!words.log.empty()) line.log = FromUtf8(words.log);
   line.choices.ignoreEnumErrors = words.ignoreEnumErrors;
   line.choices.ignoreUnits = words.ignoreUnits;
   line.choices.deleteOpenings = words.deleteOpenings;

@@ -24,6 +24,7 @@ struct CommandLine {
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
   std::optional<WideString> workFolder;    // for files that are gone when they are closed
+  std::optional<WideString> log;           // where it goes instead of beside the output
 };
 
 // Text that was asked for: help or the version.

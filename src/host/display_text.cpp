@@ -44,7 +44,14 @@ std::size_t ColumnsOfFirst(WideView text) {
   return IsIn(kTwoColumns, c) ? 2 : 1;
 }
 
-bool IsControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
+// Marks that turn the direction of what follows, and the two that end lines: with them a name could
+// look like another one.
+constexpr Range kTurnsText[] = {
+    {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+
+bool IsControl(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || IsIn(kTurnsText, unit);
+}
 
 }  // namespace
 

@@ -7,8 +7,8 @@
 
 namespace corvel::host {
 
-// The text without control characters, which a model or a file name may hold and a terminal would
-// obey: each becomes "?". Line feeds and tabs stay where `keepLines` is set.
+// The text without control characters and marks of direction, which a model or a file name may hold
+// and a terminal would obey: each becomes "?". Line feeds and tabs stay where `keepLines` is set.
 WideString Printable(WideView text, bool keepLines = false);
 
 // Columns that a terminal takes to show the text: 2 for the wide letters of East Asia and pictures,

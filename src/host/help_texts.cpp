@@ -42,7 +42,8 @@ The first FILE gives the header, the project and the units of the result: the
 projects of the other files give way to it, and everything else of them is
 added, with new numbers where theirs are taken. All files have to be of one
 schema; those of another than the first are left out, with a report. The same
-file may be given twice.
+file may be given twice. A model whose length unit or map conversion is not
+that of the first is told in a line: no number of it is changed.
 
 The plug-in of the viewer does the work, so that its config.txt counts here as
 well: the choices made in its options window are yours.
@@ -61,11 +62,13 @@ constexpr char16_t kMergeOptions[] =
                           millimetres; once for each model
   --center X,Y,Z          the coordinate centre of all models, in metres: it
                           becomes the origin
-  --ignore-units          models of other units take part
+  --ignore-units          models whose units have other prefixes take part,
+                          with their numbers as they are
   --delete-openings       openings go with what they are in
   --on-duplicate-guid generate|skip
-                          an object whose GUID is there already gets a new
-                          one, or is left out
+                          the choice of the options window about a GUID that
+                          two models share; it has no effect: both objects are
+                          written, and keep it
 )help";
 
 constexpr char16_t kMergeLists[] =
@@ -112,6 +115,8 @@ constexpr char16_t kModelOptions[] =
                           are shown still
   --answer yes|no         answer every question so instead of asking. The
                           question is always whether to stop.
+  --log FILE              where the log goes if there is one, in the place of
+                          NAME_IFC_LOG.txt beside the output NAME.ifc
   --user-folder DIR       where config.txt and LastPath.txt lie, in the place
                           of Orlenta/plugins/corvel in your local data folder
   --work-folder DIR       where work files lie while a model is read, in the
@@ -126,7 +131,8 @@ whose first file is the model. 'CONTAINER.olf|ENTRY' is an input as well. OUT
 may be there already: it is then replaced, in one step, when the new one is
 complete. It must not be one of the inputs.
 Before anything is read, all files are looked at, and the run is refused with a
-message for each that is missing, a folder, empty or otherwise of no use.
+message for each that is missing, a folder, empty, no STEP file or otherwise of
+no use, and when no later model has the schema of the first.
 
 Progress is shown in two bars, of the whole run and of the step at work, where
 standard error is a terminal. Ctrl-C stops at the next tick of the progress;
@@ -143,11 +149,13 @@ link, the file behind it is replaced; hard links to it keep the old content; a
 device is written to itself. Mode, owner and group (on Windows attributes and
 access rules) are kept where that can be done.
 
-Beside the inputs there are
-  NAME_IFC_LOG.txt        the log, beside the first input NAME.ifc. It is
-                          deleted at the end of a run in which nothing was
-                          reported. If it cannot be made, the run goes on, and
-                          all reports are shown.
+Beside the output there may be
+  NAME_IFC_LOG.txt        the log, beside the output NAME.ifc, or the FILE of
+                          --log. It is made by the first report: a run with
+                          nothing to tell makes none. A log that is there is
+                          replaced; for a file that is none of ours the next
+                          number is taken, NAME_IFC_LOG2.txt and so on. If it
+                          cannot be made, the run goes on without it.
 
 While a model is read, a work file without a name lies in the system's
 temporary folder (TMPDIR or /tmp; on Windows TMP or TEMP), or in that of
@@ -156,11 +164,12 @@ large as the model. Inputs may lie in folders that cannot be written.
 
 Exit status:
   0    OUT was written, and nothing was reported
-  1    nothing was written, and a message tells why
+  1    nothing was written, and a message tells why: also when a question came
+       up (such as after an unknown value) that nobody could be asked
   2    wrong usage
-  3    cancelled: the question whether to stop was answered with yes, by you,
-       by --answer or by itself, or the run was asked to end by SIGTERM or the
-       like; nothing was written
+  3    cancelled: the question whether to stop was answered with yes, by you or
+       by --answer, or the run was interrupted, or asked to end by SIGTERM and
+       the like; nothing was written
   4    OUT was written, but something was reported. Everything that goes to
        the log as a report counts, also what is not shown, such as
        "IFC4X3_ADD2 is used instead" or a replaced enumeration value. The log
@@ -201,8 +210,9 @@ record without a class name as "(nameless)".
 Options:
   --json                  for programs, see below
   -h, --help              this text
-  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR,
-  --work-folder DIR       taken as by the other commands; there is nothing
+  --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
+  --user-folder DIR, --work-folder DIR
+                          taken as by the other commands; there is nothing
                           that they change
 
 With --json one object goes to standard output:
@@ -256,8 +266,9 @@ further in; the depth then stands in front of them, as in "[33]".
 Options:
   --json                  for programs, see below
   -h, --help              this text
-  --quiet, --ignore-enum-errors, --answer yes|no, --user-folder DIR,
-  --work-folder DIR       taken as by the other commands; there is nothing
+  --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
+  --user-folder DIR, --work-folder DIR
+                          taken as by the other commands; there is nothing
                           that they change
 
 With --json one object goes to standard output:

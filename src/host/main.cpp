@@ -3,6 +3,7 @@
 #include <new>
 
 #include "host/command.h"
+#include "host/display_text.h"
 #include "platform/console.h"
 
 int main(int count, char** arguments) {
@@ -14,7 +15,8 @@ int main(int count, char** arguments) {
   } catch (const std::bad_alloc&) {
     failure = "corvel: not enough memory\n";
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "corvel: %s\n", error.what());
+    const auto text = corvel::host::Printable(corvel::FromUtf8(error.what()), true);
+    std::fprintf(stderr, "corvel: %s\n", corvel::ToUtf8(text).c_str());
     failure = "";
   } catch (...) {
   }

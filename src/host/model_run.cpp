@@ -2,20 +2,36 @@
 
 #include <utility>
 
+#include "host/display_text.h"
+#include "host/header_look.h"
+#include "host/model_warnings.h"
 #include "host/object_lists.h"
 #include "host/plugin_session.h"
 #include "host/resave.h"
 #include "host/run_checks.h"
-#include "platform/file.h"
 #include "plugin/texts.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel::host {
 
+namespace {
+
+// The log goes to a place while it lives.
+class LogPlaced {
+ public:
+  explicit LogPlaced(LogPlace place) { IfcLog::Instance().SetPlace(std::move(place)); }
+  ~LogPlaced() { IfcLog::Instance().SetPlace({}); }
+  LogPlaced(const LogPlaced&) = delete;
+  LogPlaced& operator=(const LogPlaced&) = delete;
+};
+
+}  // namespace
+
 ModelRun::ModelRun(ModelOrder order, RunConsole& console)
     : order_(std::move(order)), console_(console) {}
 
 ExitStatus ModelRun::Run() {
+  const LogPlaced whileItLasts(PlaceOfLog());
   RunResult result;
   if (PathsAreGood() && !console_.ShallEnd()) {
     const bool listsAreGood = LoadScene();
@@ -28,16 +44,46 @@ ExitStatus ModelRun::Run() {
 
 // All that is wrong is told, not the first alone.
 bool ModelRun::PathsAreGood() {
-  bool good = true;
+  bool good = InputsAreGood();
   const auto tell = [&](const WideString& path, const std::optional<WideString>& trouble) {
     if (!trouble) return;
-    console_.Say(path + u": " + *trouble);
+    console_.Say(Printable(path) + u": " + *trouble);
     good = false;
   };
-  for (const WideString& input : order_.inputs) tell(input, TroubleWithInput(input));
   tell(order_.output, TroubleWithOutput(order_.output, order_.inputs));
   tell(order_.workFolder, TroubleWithWorkFolder(order_.workFolder));
+  if (order_.log) tell(*order_.log, TroubleWithLog(*order_.log));
   return good;
+}
+
+// Whether they can be read, and then what they say of themselves: what can never become one model
+// is not read for minutes first.
+bool ModelRun::InputsAreGood() {
+  bool good = true;
+  const auto tell = [&](const WideString& path, const WideString& trouble) {
+    console_.Say(Printable(path) + u": " + trouble);
+    good = false;
+  };
+  std::vector<HeaderLook> looks;
+  for (const WideString& input : order_.inputs) {
+    const auto trouble = TroubleWithInput(input);
+    HeaderLook look = trouble ? HeaderLook{trouble, {}} : LookAtHeader(input);
+    if (look.trouble) tell(input, *look.trouble);
+    looks.push_back(std::move(look));
+  }
+  if (!good) return false;
+  for (const SchemaTrouble& trouble : TroubleWithSchemas(order_.inputs, looks)) {
+    tell(order_.inputs[trouble.input], trouble.text);
+  }
+  return good;
+}
+
+// A folder that refuses the log is no reason to refuse the run.
+LogPlace ModelRun::PlaceOfLog() {
+  return {order_.log.value_or(LogPathOf(order_.output)), [this](const WideString& path) {
+            console_.Say(Printable(path) +
+                         u": the log cannot be written there; the run goes on without it");
+          }};
 }
 
 // What a model that is written back holds does not matter: it is written whole. False when a list
@@ -64,8 +110,9 @@ bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   }
   for (const WideString& mistake : mistakes) console_.Say(mistake);
   if (mistakes.empty()) return true;
-  for (const WideString& problem : model.scene.problems) console_.Say(model.path + u": " + problem);
-  console_.Say(u"See 'corvel tree " + model.path + u"'.");
+  const WideString name = Printable(model.path);
+  for (const WideString& problem : model.scene.problems) console_.Say(name + u": " + problem);
+  console_.Say(u"See 'corvel tree " + name + u"'.");
   return false;
 }
 
@@ -74,12 +121,27 @@ RunResult ModelRun::Write() {
                 order_.output);
   PluginSession session(order_.userFolder);
   plugin::Plugin& plugin = session.ThePlugin();
+  plugin.SetListener(Listener());
   MergeOptions options = order_.choices.Over(plugin.RunOptions());
   options.workFolder = order_.workFolder;
   plugin.OverrideOptions(options);
   viewer.TellModelsAreLoaded();
   if (order_.inputs.size() > 1) return Merge(viewer, plugin);
   return Resave(order_.inputs.front(), order_.output, plugin.RunOptions());
+}
+
+// What is worth knowing and changes nothing, the exit status included.
+plugin::RunListener ModelRun::Listener() {
+  plugin::RunListener listener;
+  listener.modelsCompared = [this](const auto& documents) {
+    for (const WideString& line : WarningsAbout(documents)) console_.Say(line);
+  };
+  listener.outputNotRemembered = [this](const WideString& folder) {
+    console_.Say(Printable(folder) +
+                 u": this folder cannot be written; what was merged last is "
+                 u"not remembered");
+  };
+  return listener;
 }
 
 RunResult ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
@@ -107,10 +169,15 @@ bool ModelRun::RemarkCutFiles() {
   bool remarked = false;
   for (const WideString& input : order_.inputs) {
     if (HasClosingLine(input)) continue;
-    console_.Say(input + u": " + kCutShort);
+    console_.Say(Printable(input) + u": " + kCutShort);
     remarked = true;
   }
   return remarked;
+}
+
+// Nobody wanted that: whoever starts runs that nobody watches has two options against it.
+bool ModelRun::StoppedUnasked() const {
+  return console_.WasStoppedUnasked() && !order_.answerIsGiven;
 }
 
 ExitStatus ModelRun::Conclude(const RunResult& result) {
@@ -120,20 +187,24 @@ ExitStatus ModelRun::Conclude(const RunResult& result) {
   if (written && !reported) return ExitStatus::kDone;
   WideString line;
   if (written) {
-    line = order_.output + u" was written, but something was reported.";
+    line = Printable(order_.output) + u" was written, but something was reported.";
   } else if (!result.outputKeptAt.empty()) {
-    line = order_.output + u" was not written. The complete output lies in " + result.outputKeptAt +
-           u".";
+    line = Printable(order_.output) + u" was not written. The complete output lies in " +
+           Printable(result.outputKeptAt) + u".";
+  } else if (StoppedUnasked()) {
+    line =
+        u"Stopped at a value that nobody could be asked about: see --answer and "
+        u"--ignore-enum-errors. Nothing was written.";
   } else {
     line = console_.WasCancelled() ? u"Cancelled, nothing was written." : u"Nothing was written.";
   }
   const WideString& log = IfcLog::Instance().Path();
-  if (console_.LogWasOffered() && platform::FileExists(log)) {
-    line += u" More is told in the log: " + log;
-  }
+  if (console_.LogWasOffered() && !log.empty())
+    line += u" More is told in the log: " + Printable(log);
   console_.Say(line);
   if (written) return ExitStatus::kWrittenWithReports;
-  return console_.WasCancelled() ? ExitStatus::kCancelled : ExitStatus::kNothingWritten;
+  return console_.WasCancelled() && !StoppedUnasked() ? ExitStatus::kCancelled
+                                                      : ExitStatus::kNothingWritten;
 }
 
 }  // namespace corvel::host

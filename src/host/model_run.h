@@ -10,6 +10,7 @@
 #include "host/run_console.h"
 #include "host/viewer.h"
 #include "plugin/plugin.h"
+#include "step/log/log_place.h"
 
 namespace corvel::host {
 
@@ -20,11 +21,14 @@ struct ModelOrder {
   // In the place of the user's own folder for config.txt and LastPath.txt.
   std::optional<WideString> userFolder;
   WideString workFolder;  // of the files that the reading needs meanwhile
+  // In the place of NAME_IFC_LOG.txt beside the output NAME.ifc.
+  std::optional<WideString> log;
+  // Questions are answered by the user's word (--answer).
+  bool answerIsGiven = false;
 };
 
 // One run: it checks, reads the scenes that the choices are about, lets the plug-in do its work,
-// and tells how it ended. The log lies beside the first input while the run lasts, and stays if
-// something was reported.
+// and tells how it ended. There is a log from the first report on, and it stays.
 class ModelRun {
  public:
   // Borrows `console`.
@@ -35,11 +39,15 @@ class ModelRun {
 
  private:
   bool PathsAreGood();
+  bool InputsAreGood();
+  LogPlace PlaceOfLog();
   bool LoadScene();
   bool Load(std::size_t input, LoadedModel& model);
   RunResult Write();
   RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
+  plugin::RunListener Listener();
   bool RemarkCutFiles();
+  bool StoppedUnasked() const;
   ExitStatus Conclude(const RunResult& result);
 
   ModelOrder order_;

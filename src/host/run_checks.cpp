@@ -157,6 +157,19 @@ std::optional<WideString> TroubleWithWorkFolder(const WideString& folder) {
   return u"work files cannot be kept in this folder; --work-folder names another";
 }
 
+std::optional<WideString> TroubleWithLog(const WideString& path) {
+  if (IsPlainModel(path) || IsPackedModel(path) || IsContainer(path)) {
+    return u"the name of the log is that of a model";
+  }
+  const fs::file_type type = TypeOf(path);
+  if (type == fs::file_type::directory) return u"this is a folder; name a file in it";
+  if (type != fs::file_type::regular && type != fs::file_type::not_found &&
+      type != fs::file_type::none) {
+    return u"the log goes to ordinary files only";
+  }
+  return {};
+}
+
 bool HasClosingLine(const WideString& path) {
   if (!IsPlainModel(path)) return LastBytesOfEntry(path).find(kClosing) != std::string::npos;
   platform::File file;

@@ -20,6 +20,9 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
 // The reason why files that are needed meanwhile cannot be kept in the folder; nothing when they
 // can.
 std::optional<WideString> TroubleWithWorkFolder(const WideString& folder);
+// The reason why no log goes to that place. A folder that refuses files is none: the run goes on
+// without a log.
+std::optional<WideString> TroubleWithLog(const WideString& path);
 
 // What is said of a file without its closing line.
 inline constexpr char16_t kCutShort[] =

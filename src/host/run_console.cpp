@@ -1,5 +1,6 @@
 #include "host/run_console.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/reporting.h"
@@ -39,7 +40,10 @@ void RunConsole::Say(WideView text) {
 }
 
 bool RunConsole::Draw(const ProgressView& view) {
-  if (output_.drawsBars) bars_.Draw(view);
+  constexpr int kMost = 99;
+  if (output_.drawsBars) {
+    bars_.Draw({std::min(view.overall, kMost), view.step, view.overallText, view.stepText});
+  }
   return !cancelConfirmed_ && !platform::IsInterrupted();
 }
 
@@ -80,6 +84,7 @@ void RunConsole::AfterBox(platform::Buttons buttons, platform::Answer answer, bo
   }
   if (answer == platform::Answer::kYes) {
     cancelConfirmed_ = true;
+    stoppedUnasked_ = !byAPerson && !platform::IsInterrupted();
   } else {
     platform::ForgetInterrupt();
   }

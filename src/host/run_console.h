@@ -27,7 +27,8 @@ class RunConsole {
 
   // `corvel: text`, without blanks and line feeds at its end.
   void Say(WideView text);
-  // Draws the bars. False when the user has asked to stop, by Ctrl-C, or the system has.
+  // Draws the bars, the upper one up to 99 percent: nothing is done before the run has ended, and
+  // then they go. False when the user has asked to stop, by Ctrl-C, or the system has.
   bool Draw(const ProgressView& view);
   void EraseBars() { bars_.Erase(); }
   // For steps without ticks: true when the run is to end here. Asks whoever pressed Ctrl-C.
@@ -36,6 +37,8 @@ class RunConsole {
   // A cancel question was answered with Yes, by whomever; unasked when the system asked the process
   // to end.
   bool WasCancelled() const { return cancelConfirmed_; }
+  // The same where nobody was asked and nobody had interrupted the run.
+  bool WasStoppedUnasked() const { return stoppedUnasked_; }
   // The log was offered, because something had been reported. The answer is No, unasked.
   bool LogWasOffered() const { return logOffered_; }
 
@@ -47,6 +50,7 @@ class RunConsole {
   Output output_;
   ProgressBars bars_;
   bool cancelConfirmed_ = false;
+  bool stoppedUnasked_ = false;
   bool logOffered_ = false;
   WatchedPlatform platform_;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/built_in_texts.h"
+#include "host/display_text.h"
 #include "plugin/progress_window.h"
 #include "step/log/ifc_log.h"
 
@@ -49,7 +50,7 @@ void Viewer::ShowBox(WideView text) {
       u"\n" + WideString(Text("merge_combine_log")) + u" " + IfcLog::Instance().Path();
   if (text.ends_with(logLine)) text.remove_suffix(logLine.size());
   const WideString& file = plugin::ProgressWindow::Instance().CurrentFile();
-  console_.Say(file.empty() ? WideString(text) : file + u": " + WideString(text));
+  console_.Say(file.empty() ? WideString(text) : Printable(file) + u": " + WideString(text));
 }
 
 void Viewer::ShowProgress(bool visible) {

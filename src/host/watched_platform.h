@@ -1,4 +1,4 @@
-// The operating system with an ear on its message boxes.
+// The operating system with an ear on its message boxes, and their texts made safe to show.
 #pragma once
 
 #include <functional>

@@ -180,6 +180,7 @@ bool MergeJob::Read(HostObject project) {
 bool MergeJob::PrepareDocuments() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
   const int mergeableCount = CheckUnits(documents_, shell_);
+  shell_.TellModelsCompared(documents_);
   if (mergeableCount < 2) return false;
   for (const auto& document : documents_) {
     if (!document->mergeable) continue;

@@ -1,9 +1,12 @@
 // What a merge job needs of the shell around it: texts, dialogs, progress, options.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
+#include "core/document.h"
 #include "core/reporting.h"
 #include "core/text.h"
 #include "merge/host_scene.h"
@@ -52,6 +55,9 @@ class MergeShell {
   // The reporter and the ticks that models and their merge are given.
   virtual ErrorReporter Reporter() = 0;
   virtual ProgressCallback Ticks() = 0;
+
+  // All models have been read and measured by the first one. For shells that have a use for it.
+  virtual void TellModelsCompared(const std::vector<std::unique_ptr<IfcDocument>>& /*documents*/) {}
 
   // Forgets errors and cancels of an earlier run.
   virtual void StartRun() = 0;

@@ -28,7 +28,10 @@ WideString BoundShell::OutputPath() { return TextOrEmpty(CallHost(Host().get_sav
 void BoundShell::EnableOpenRecent() { plugin_.Buttons().EnableOpenRecent(); }
 
 void BoundShell::RememberOutput(const WideString& path) {
-  SaveLastPath(plugin_.folders.user, path, ShowError);
+  const auto& refused = plugin_.Listener().outputNotRemembered;
+  const WideString& folder = plugin_.folders.user;
+  const ErrorReporter reporter = refused ? nullptr : ShowError;
+  if (!SaveLastPath(folder, path, reporter) && refused) refused(folder);
 }
 
 MergeOptions BoundShell::Options() { return plugin_.RunOptions(); }
@@ -42,6 +45,10 @@ void BoundShell::HideOptionsWindow() {
 ErrorReporter BoundShell::Reporter() { return ShowError; }
 
 ProgressCallback BoundShell::Ticks() { return ProgressWindow::UpdateProgress; }
+
+void BoundShell::TellModelsCompared(const std::vector<std::unique_ptr<IfcDocument>>& documents) {
+  if (const auto& listener = plugin_.Listener().modelsCompared) listener(documents);
+}
 
 void BoundShell::StartRun() { plugin::StartRun(); }
 

@@ -5,12 +5,14 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "merge/merge_job.h"
 #include "plugin/options_window.h"
 #include "plugin/plugin_base.h"
 #include "plugin/ribbon.h"
+#include "plugin/run_listener.h"
 
 namespace corvel::plugin {
 
@@ -37,6 +39,9 @@ class Plugin final : public cpp::PluginBase {
   // neither shown nor kept in config.txt.
   MergeOptions RunOptions() const;
   void OverrideOptions(const MergeOptions& options) { overridden_ = options; }
+  // For a program that has the plug-in built in.
+  const RunListener& Listener() const { return listener_; }
+  void SetListener(RunListener listener) { listener_ = std::move(listener); }
   // Gives the answer about GUIDs that are there already; asks in the window unless it is
   // remembered.
   bool GeneratesGuids();
@@ -64,6 +69,7 @@ class Plugin final : public cpp::PluginBase {
   WideString nameText_;
   WideString nameAndGuidText_;
   RunResult lastRun_;
+  RunListener listener_;
   bool running_ = false;
   bool modelsChanged_ = false;  // during a run, which has to end first
 };

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "core/reporting.h"
-#include "platform/file.h"
 #include "platform/platform.h"
 #include "plugin/host_functions.h"
 #include "plugin/progress_window.h"
@@ -53,6 +52,7 @@ int ShowError(const char* key, const WideString& message, int mode) {
   WideString text = *key == '\0' ? WideString() : GetText(key) + u" ";
   text += message;
   LogPastMuting(text);
+  IfcLog::Instance().KeepFile();
   if (mode == kReportCollect) {
     reports.pending += text;
   } else if (mode == kReportShow) {
@@ -70,11 +70,11 @@ void FinishRun() {
   ProgressWindow::Instance().Finish();
   IfcLog& log = IfcLog::Instance();
   log.SetMuted(false);
-  log.Close();
   if (!std::exchange(TheReports().reported, false)) {
-    platform::RemoveFile(log.Path());
-  } else if (OfferLog()) {
-    platform::Get().ShellOpen(log.Path(), {});
+    log.Discard();
+  } else {
+    log.Close();
+    if (OfferLog()) platform::Get().ShellOpen(log.Path(), {});
   }
   CancelMode() = 0;
 }

@@ -78,6 +78,13 @@ TEST(CommandLine, TreeTakesOneFile) {
   EXPECT_TRUE(line.json);
 }
 
+TEST(CommandLine, TheLogTakesAPlace) {
+  EXPECT_EQ(u"x.log", Parsed({u"resave", u"a.ifc", u"b.ifc", u"--log", u"x.log"}).log);
+  EXPECT_FALSE(Parsed({u"resave", u"a.ifc", u"b.ifc"}).log.has_value());
+  EXPECT_EQ("resave: --log takes the name of a file\nSee 'corvel resave --help'.",
+            ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--log", u""}));
+}
+
 TEST(CommandLine, MergeTakesItsChoices) {
   const CommandLine line = Parsed({u"merge",
                                    u"--hide",

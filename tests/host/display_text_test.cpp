@@ -11,6 +11,14 @@ TEST(Printable, ControlCharactersBecomeQuestionMarks) {
   EXPECT_EQ(u"?", Printable(u"\u007f"));
 }
 
+TEST(Printable, MarksOfDirectionBecomeQuestionMarksToo) {
+  EXPECT_EQ(u"a?cfi.exe", Printable(u"a\u202ecfi.exe"));
+  EXPECT_EQ(u"????????????", Printable(u"\u061c\u200e\u200f\u2028\u2029\u202a\u202b\u202c\u202d"
+                                       u"\u2066\u2068\u2069",
+                                       true));
+  EXPECT_EQ(u"\u200d\u2030", Printable(u"\u200d\u2030"));
+}
+
 TEST(Printable, LinesStayWhereTheyAreWanted) {
   EXPECT_EQ(u"a\nb\tc?", Printable(u"a\nb\tc\r", true));
 }

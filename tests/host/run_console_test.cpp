@@ -66,9 +66,31 @@ TEST_F(RunConsoleTest, AnAutomaticYesIsToldAndCancels) {
   EXPECT_EQ(u"corvel: Yes, as nobody is asked.\n", Take());
 }
 
+TEST_F(RunConsoleTest, AnAutomaticYesThatNobodyAskedForIsNoWishToStop) {
+  platform.answersAreAPersons = false;
+  EXPECT_FALSE(console.WasStoppedUnasked());
+  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(console.WasStoppedUnasked());
+}
+
+TEST_F(RunConsoleTest, NothingIsDoneBeforeTheEnd) {
+  console.Draw({100, 100, u"All", u"Step"});
+  EXPECT_NE(WideString::npos, written.find(u" 99%\n")) << ToUtf8(written);
+  EXPECT_TRUE(written.ends_with(u"100%")) << ToUtf8(written);
+}
+
+TEST_F(RunConsoleTest, TextsOfBoxesAreSafeToShow) {
+  ::platform::Get().ShowMessageBox(u"\x1b[2J", u"a\n\u202eb\x9b", ::platform::Buttons::kOk,
+                                   ::platform::Icon::kError);
+  ASSERT_EQ(1u, platform.boxes.size());
+  EXPECT_EQ(u"?[2J", platform.boxes.front().title);
+  EXPECT_EQ(u"a\n?b?", platform.boxes.front().text);
+}
+
 TEST_F(RunConsoleTest, AYesOfAPersonCancelsWithoutAnotherWord) {
   EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
   EXPECT_TRUE(console.WasCancelled());
+  EXPECT_FALSE(console.WasStoppedUnasked());
   EXPECT_EQ(u"", Take());
 }
 
@@ -111,6 +133,12 @@ class Interrupted : public RunConsoleTest {
 TEST_F(Interrupted, TheNextTickSaysStop) {
   EXPECT_FALSE(Draw());
   EXPECT_FALSE(console.WasCancelled());
+}
+
+TEST_F(Interrupted, AnAutomaticYesIsTheUsersWish) {
+  Draw();
+  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_FALSE(console.WasStoppedUnasked());
 }
 
 TEST_F(Interrupted, ANoTakesItBack) {

@@ -182,7 +182,7 @@ class RoundTrip(unittest.TestCase):
         self.assertEqual(1, len(lines), lines[:MOST_SHOWN])  # where the log is
         self.assertEqual(4, status)
         self.assert_written(model, written)
-        log = (self.folder / 'in_IFC_LOG.txt').read_text('utf-8')
+        log = (self.folder / 'out_IFC_LOG.txt').read_text('utf-8')
         self.assert_same_reports(pairs, re.findall(r'Expected: .*|Enume .*? contain: ".*?"', log))
 
     # --- Names -----------------------------------------------------------------------------------

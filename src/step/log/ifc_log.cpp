@@ -52,6 +52,8 @@ void IfcLog::Open(const WideString& path) {
     if (!stream_->IsOpen()) stream_->Reopen();
     return;
   }
+  if (heldBack_) return;
+  if (place_) return StartHeldBack();
   path_ = LogPathOf(path);
   auto stream = std::make_unique<FileStream::OutputLogFileStream>(path_);
   if (!stream->IsOpen()) {
@@ -59,35 +61,69 @@ void IfcLog::Open(const WideString& path) {
     return;
   }
   stream_ = std::move(stream);
-  WriteDateLine();
-}
-
-void IfcLog::WriteDateLine() {
-  const platform::LocalTime now = platform::Get().Now();
-  char text[96];
-  const int length = std::snprintf(text, sizeof text, "[%02d-%02d-%d    %02d:%02d:%02d]\r\n",
-                                   now.day, now.month, now.year, now.hour, now.minute, now.second);
-  Guarded([&] {
-    stream_->WriteNarrowString(std::string(text, static_cast<std::size_t>(length)));
+  Guarded([this] {
+    stream_->WriteNarrowString(DateLine());
     stream_->Commit();
   });
 }
 
+void IfcLog::StartHeldBack() {
+  path_.clear();
+  heldBack_ = DateLine();
+}
+
+std::string IfcLog::DateLine() {
+  const platform::LocalTime now = platform::Get().Now();
+  char text[96];
+  const int length = std::snprintf(text, sizeof text, "[%02d-%02d-%d    %02d:%02d:%02d]\r\n",
+                                   now.day, now.month, now.year, now.hour, now.minute, now.second);
+  return {text, static_cast<std::size_t>(length)};
+}
+
+void IfcLog::KeepFile() {
+  if (!heldBack_) return;
+  const std::string bytes = *std::exchange(heldBack_, std::nullopt);
+  const WideString path = FreeLogPath(place_->path);
+  if (!MakeLogFile(path)) {
+    if (place_->refused) place_->refused(path);
+    return;
+  }
+  auto stream = std::make_unique<FileStream::OutputLogFileStream>(path);
+  if (!stream->IsOpen()) return;
+  path_ = path;
+  stream_ = std::move(stream);
+  Write(bytes);
+}
+
 void IfcLog::Close() {
+  heldBack_.reset();
   if (stream_ != nullptr) stream_->Close();
   stream_.reset();
 }
 
+void IfcLog::Discard() {
+  Close();
+  if (!path_.empty()) platform::RemoveFile(path_);
+}
+
 void IfcLog::Append(WideView message, WideView lineEnd, bool indentAfter) {
   lastMarkerText_.clear();
-  if (!StreamIsReady()) return;
+  if (!IsReady()) return;
   line_.clear();
   AppendUtf8(indent_, line_);
   AppendUtf8(message, line_);
   AppendUtf8(lineEnd, line_);
   if (indentAfter) indent_.push_back(u'\t');
-  Guarded([this] {
-    stream_->WriteNarrowString(line_);
+  Write(line_);
+}
+
+void IfcLog::Write(const std::string& bytes) {
+  if (heldBack_) {
+    heldBack_->append(bytes);
+    return;
+  }
+  Guarded([&] {
+    stream_->WriteNarrowString(bytes);
     if (flushEveryLine_) stream_->Commit();
   });
 }
@@ -103,20 +139,18 @@ void IfcLog::CountReadingEntity(std::uint32_t marker) {
     return;
   }
   readingCalls_ = 0;
-  if (!StreamIsReady()) return;
+  if (!IsReady()) return;
   lastMarkerText_ = ToWide(marker);
-  Guarded([this] {
-    stream_->WriteWideString(u"Reading entity: #" + lastMarkerText_);
-    if (flushEveryLine_) stream_->Commit();
-  });
+  Write(ToUtf8(u"Reading entity: #" + lastMarkerText_));
 }
 
 void IfcLog::Flush() {
-  if (!muted_ && StreamIsReady()) stream_->Commit();
+  if (!muted_ && !heldBack_ && IsReady()) stream_->Commit();
 }
 
 // A stream that a failed write has closed is told once and given up.
-bool IfcLog::StreamIsReady() {
+bool IfcLog::IsReady() {
+  if (heldBack_) return true;
   if (stream_ == nullptr) return false;
   if (stream_->IsOpen()) return true;
   ShowBox(u"IFC lib", u"LogFile is closed.");

@@ -1,4 +1,4 @@
-// The log of one merge: a text file beside the first model.
+// The log of one merge: a text file beside the first model, or where the host wants it.
 //
 // The file is UTF-8. LogText ends no line, so stage texts run on until a LogLine ends them; indents
 // are tabs. No operation throws: trouble with the file is told in message boxes.
@@ -6,9 +6,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "core/text.h"
+#include "step/log/log_place.h"
 #include "step/streams/output_log_file_stream.h"
 
 namespace corvel {
@@ -23,12 +26,21 @@ class IfcLog {
   IfcLog(const IfcLog&) = delete;
   IfcLog& operator=(const IfcLog&) = delete;
 
+  // From the next Open on the log goes to `place`, and is held back in memory until KeepFile: a run
+  // with nothing to tell makes no file. Nothing: beside the model, from the start.
+  void SetPlace(std::optional<LogPlace> place) { place_ = std::move(place); }
+
   // Starts the log of the model at `path` with a line of date and time; goes on with the log that
   // is there already, reopening it if a failed write closed it. Unmutes. Without a file that can be
   // made, all other operations do nothing.
   void Open(const WideString& path);
-  // Closes the file and forgets the stream; Path stays.
+  // Closes the file and forgets the stream, and what was held back; Path stays.
   void Close();
+  // There is something to tell: what was held back becomes a file, and so does all that follows.
+  // Does nothing for a log that is a file already, or was given up.
+  void KeepFile();
+  // Close, and the file goes: with a place only one that KeepFile has made.
+  void Discard();
 
   // The indent and `message`, with no line end. Costs one test while muted.
   void LogText(WideView message) {
@@ -56,7 +68,7 @@ class IfcLog {
 
   // True while there is a file to log to.
   bool HasStream() const { return stream_ != nullptr; }
-  // Path of the log file of the last Open.
+  // Path of the log file of the last Open; with a place it is empty unless there is a file.
   const WideString& Path() const { return path_; }
   // Number of the last "Reading entity: #" text if nothing was logged since.
   const WideString& LastMarkerText() const { return lastMarkerText_; }
@@ -64,11 +76,15 @@ class IfcLog {
  private:
   void Append(WideView message, WideView lineEnd, bool indentAfter);
   void CountReadingEntity(std::uint32_t marker);
-  bool StreamIsReady();
+  void Write(const std::string& bytes);
+  void StartHeldBack();
+  bool IsReady();
+  static std::string DateLine();
   template <class WriteBytes>
   void Guarded(WriteBytes writeBytes);
-  void WriteDateLine();
 
+  std::optional<LogPlace> place_;
+  std::optional<std::string> heldBack_;  // bytes of a log that is no file yet
   WideString path_;
   WideString indent_;
   std::unique_ptr<FileStream::OutputLogFileStream> stream_;

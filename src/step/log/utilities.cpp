@@ -103,13 +103,16 @@ bool CheckDiskSpace() {
   return false;
 }
 
-void SaveLastPath(const WideString& folder, const WideString& path, ErrorReporter showError) {
+bool SaveLastPath(const WideString& folder, const WideString& path, ErrorReporter showError) {
   const WideString fileName = platform::JoinPath(folder, kLastPathName);
   platform::File file;
   const std::size_t size = path.size() * sizeof(char16_t);
   const bool saved = EnsureFile(fileName) && file.Open(fileName, platform::OpenMode::kWrite) &&
                      file.Write(path.data(), size) == size && file.Close();
-  if (!saved) showError("", u"Unable to open file: " + fileName, kReportShow);
+  if (!saved && showError != nullptr) {
+    showError("", u"Unable to open file: " + fileName, kReportShow);
+  }
+  return saved;
 }
 
 void OpenLastFile(const WideString& folder, ErrorReporter showError) {

@@ -28,9 +28,9 @@ std::int64_t FreeDiskGB();
 // and sets CancelMode to 2. Throws as FreeDiskGB.
 bool CheckDiskSpace();
 
-// Remembers `path` in the file LastPath.txt of `folder`, as raw 16-bit units. A file that cannot be
-// written is reported.
-void SaveLastPath(const WideString& folder, const WideString& path, ErrorReporter showError);
+// Remembers `path` in the file LastPath.txt of `folder`, as raw 16-bit units. False when the file
+// cannot be written, which is reported unless `showError` is null.
+bool SaveLastPath(const WideString& folder, const WideString& path, ErrorReporter showError);
 
 // Starts the running program anew with the path that SaveLastPath remembered in `folder`, of which
 // 256 units are read. A path that is not there, or names no readable file, is reported with the key

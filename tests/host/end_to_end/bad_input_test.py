@@ -6,13 +6,14 @@ import shutil
 import subprocess
 import tempfile
 import unittest
+import zipfile
 
 from support import (CANCELLED, DONE, LONGEST_RUN, NOTHING_WRITTEN, PROGRAM, WITH_REPORTS,
                      CorvelTest, data_limit, large_model, model, project)
 
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
-LOG = ' More is told in the log: a_IFC_LOG.txt\n'
+LOG = ' More is told in the log: out_IFC_LOG.txt\n'
 NO_HEADER = 'Unable to read header token. No schema identifier can be read.'
 
 # One of each kind of value, references in both directions, strings with escapes.
@@ -100,6 +101,49 @@ class Refused(CorvelTest):
             'corvel: out: the name of the output has to end in .ifc or .ifczip',
             'merge', 'x.ifc', 'a.ifc', 'y.ifc', '-o', 'out')
 
+    def test_a_file_that_is_no_step_file_says_what_it_is(self):
+        for content, what in ((b'hello\nyou', "'hello'"),
+                              (b'\n <?xml version="1.0"?>', "'<?xml version=\"1.0\"?>' (XML)"),
+                              (b'{"type": 1}', "'{\"type\": 1}' (JSON)"),
+                              (b'\x1f\x8b\x08\x00abc', '1F 8B 08 00 (gzip)'),
+                              (b'PK\x03\x04abc',
+                               '50 4B 03 04 (a zip archive, whose name has to end in .ifczip)'),
+                              (b'\xef\xbb\xbf' + SMALL, 'EF BB BF 49 (a byte order mark)'),
+                              (b'\xff\xfeI\x00', 'FF FE 49 00 (text in UTF-16)'),
+                              (b'\xff', 'FF')):
+            with self.subTest(what):
+                self.write('x.ifc', content)
+                self.assert_refused(f'x.ifc: this is no STEP file, it begins with {what}', 'merge',
+                                    'a.ifc', 'x.ifc', '-o', 'out.ifc')
+
+    def test_an_archive_without_a_model(self):
+        with zipfile.ZipFile(os.path.join(self.folder, 'x.ifczip'), 'w') as archive:
+            archive.writestr('readme.txt', 'hello')
+        self.assert_refused("x.ifczip: the model in it is no STEP file, it begins with 'hello'",
+                            'resave', 'x.ifczip', 'out.ifc')
+
+    def test_a_header_that_cannot_be_read(self):
+        self.write('x.ifc', b'ISO-10303-21;\nHEAD')
+        self.assert_refused(f'x.ifc: {NO_HEADER}', 'merge', 'x.ifc', 'a.ifc', '-o', 'out.ifc')
+
+    def test_a_schema_that_nothing_serves(self):
+        self.write('x.ifc', project(schema='IFC5'))
+        self.assert_refused("x.ifc: no release of IFC serves its schema 'IFC5'", 'resave', 'x.ifc',
+                            'out.ifc')
+        self.assert_refused("x.ifc: no release of IFC serves its schema 'IFC5'", 'merge', 'x.ifc',
+                            'a.ifc', '-o', 'out.ifc')
+        self.write('x.ifc', project(schema='\x1b[2J'))
+        self.assert_refused("x.ifc: no release of IFC serves its schema '?[2J'", 'resave', 'x.ifc',
+                            'out.ifc')
+
+    def test_models_none_of_which_has_the_schema_of_the_first(self):
+        self.write('b.ifc', project(schema='IFC2X3'))
+        self.write('c.ifc', project(schema='IFC5'))
+        self.assert_refused(
+            "b.ifc: its schema is 'IFC2X3', and that of the first, a.ifc, is 'IFC4'\n"
+            "corvel: c.ifc: its schema is 'IFC5', and that of the first, a.ifc, is 'IFC4'",
+            'merge', 'a.ifc', 'b.ifc', 'c.ifc', '-o', 'out.ifc')
+
     def test_an_empty_name(self):
         self.assert_refused(': the name of an input is empty', 'resave', '', 'out.ifc')
         self.assert_refused(': the name of the output is empty', 'resave', 'a.ifc', '')
@@ -113,19 +157,7 @@ class Unreadable(CorvelTest):
         lines = ''.join(f'corvel: a.ifc: {message}\n' for message in messages)
         self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
                           err=lines + 'corvel: Nothing was written.' + LOG)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
-
-    def test_a_file_that_is_no_step_file(self):
-        self.assert_unreadable(b'hello\n', NO_HEADER, 'Unknown schema identifier :')
-
-    def test_a_file_with_a_byte_order_mark(self):
-        self.assert_unreadable(b'\xef\xbb\xbf' + SMALL, NO_HEADER, 'Unknown schema identifier :')
-
-    def test_an_unknown_schema(self):
-        self.assert_unreadable(project(schema='IFC5'), 'Unknown schema identifier : IFC5')
-
-    def test_a_schema_that_would_move_the_cursor(self):
-        self.assert_unreadable(project(schema='\x1b[2J'), 'Unknown schema identifier : ?[2J')
+        self.assertEqual(['a.ifc', 'out_IFC_LOG.txt'], self.names())
 
     def test_an_unknown_class(self):
         self.assert_unreadable(
@@ -149,7 +181,7 @@ class Unreadable(CorvelTest):
             err='corvel: b.ifc: Entity named: IFCSPACESHIP not found.\n'
                 'corvel: b.ifc: Unable to read entity, marker #2. Parsing will be terminate.\n'
                 'corvel: Nothing was written.' + LOG)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'b.ifc'], self.names())
+        self.assertEqual(['a.ifc', 'b.ifc', 'out_IFC_LOG.txt'], self.names())
 
     def test_a_file_of_no_release_is_left_out_and_named(self):
         self.write('a.ifc', project(POINT))
@@ -162,15 +194,6 @@ class Unreadable(CorvelTest):
                 'schema is different.\nProjects that will not be merged:\nb.ifc(IFC5)\n\n'
                 'Projects that will be merged with the first one:\n\nc.ifc"\n'
                 'corvel: out.ifc was written, but something was reported.' + LOG)
-
-    def test_models_of_different_releases(self):
-        self.write('a.ifc', project())
-        self.write('b.ifc', project(schema='IFC2X3'))
-        self.assert_ended(
-            self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc'), NOTHING_WRITTEN, out='',
-            err='corvel: Not all projects can be merged with "a.ifc"(IFC4) because their IFC '
-                'schema is different.\nProjects that will not be merged:\nb.ifc(IFC2X3)\n'
-                'corvel: Nothing was written.' + LOG)
 
     def test_an_output_that_is_there_survives_a_run_that_fails_before_writing(self):
         self.write('a.ifc', project('#2=IFCSPACESHIP($);'))
@@ -192,12 +215,12 @@ class Damaged(CorvelTest):
         self.assertIn(ended.status, (DONE, NOTHING_WRITTEN, CANCELLED, WITH_REPORTS),
                       (what, ended.err))
         written = {'out.ifc'} if ended.status in (DONE, WITH_REPORTS) else set()
-        # Refusals before the log is opened leave none; a run without reports deletes it.
-        self.assertEqual({'a.ifc'} | written, names - {'a_IFC_LOG.txt'}, what)
+        # Refusals before the run leave no log, nor does a run without reports.
+        self.assertEqual({'a.ifc'} | written, names - {'out_IFC_LOG.txt'}, what)
         if ended.status != DONE:
             self.assertIn('a.ifc: ', ended.err, what)
         if ended.status == NOTHING_WRITTEN:
-            self.assertIn('corvel: Nothing was written.', ended.err, what)
+            self.assertIn('Nothing was written.', ended.err, what)
         elif ended.status == CANCELLED:
             self.assertIn('corvel: Cancelled, nothing was written.', ended.err, what)
         else:
@@ -271,7 +294,7 @@ class FullDisk(CorvelTest):
         self.assert_ended(
             self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
             err='corvel: out.ifc: Could not write to file\ncorvel: Nothing was written.' + LOG)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'], self.names())
+        self.assertEqual(['a.ifc', 'out.ifc', 'out_IFC_LOG.txt'], self.names())
         self.assertTrue(os.path.islink(self.path('out.ifc')))
         self.assertTrue(os.path.exists('/dev/full'))
 
@@ -288,7 +311,7 @@ class FullDisk(CorvelTest):
         self.large()
         ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', preexec_fn=data_limit(2500000))
         self.assert_nothing_is_written(ended, 'out.ifc')
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertEqual(['a.ifc', 'out_IFC_LOG.txt'], self.names())
 
     def test_the_file_behind_a_link_goes_too(self):
         self.large()
@@ -305,7 +328,7 @@ class FullDisk(CorvelTest):
         ended = self.run_corvel('resave', 'a.ifc', 'out.ifc', preexec_fn=data_limit(1000000))
         self.assert_ended(ended, NOTHING_WRITTEN)
         self.assertIn('corvel: a.ifc: ', ended.err)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertEqual(['a.ifc', 'out_IFC_LOG.txt'], self.names())
 
 
 class NoRights(CorvelTest):

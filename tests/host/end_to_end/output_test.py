@@ -7,7 +7,7 @@ import time
 import unittest
 
 from support import (ATTEMPTS, CANCELLED, DONE, INTERRUPTED, NOTHING_WRITTEN, CorvelTest,
-                     data_limit, large_model, project, records_of)
+                     data_limit, is_ready, large_model, project, records_of)
 
 OLDER = project('#2=IFCDIRECTION((1.,0.));')
 LARGE = large_model(6)
@@ -81,7 +81,7 @@ class Requests(OutputTest):
 
     def test_to_end_are_heard_while_a_model_is_read(self):
         process = self.start('resave', 'a.ifc', 'out.ifc')
-        self.wait_for(lambda: 'a_IFC_LOG.txt' in self.names())
+        self.wait_for(lambda: is_ready(process))
         process.send_signal(signal.SIGTERM)
         self.assert_ended(self.finish(process), CANCELLED, err=CANCELLED_BY.format('SIGTERM'))
         self.assert_older()
@@ -134,13 +134,13 @@ class Failures(OutputTest):
         for name in ('out.ifc', 'out.ifczip'):
             with self.subTest(name):
                 self.write(name, OLDER)
-                before = set(self.names()) - {'a_IFC_LOG.txt'}
+                before = set(self.names()) - {'out_IFC_LOG.txt'}
                 # Room for what the reader puts aside, and not for the output.
                 ended = self.run_corvel('resave', 'a.ifc', name,
                                         preexec_fn=data_limit(900_000))
                 self.assertEqual(NOTHING_WRITTEN, ended.status, ended.err)
                 self.assertEqual(OLDER, self.read(name))
-                self.assertEqual(before, set(self.names()) - {'a_IFC_LOG.txt'})
+                self.assertEqual(before, set(self.names()) - {'out_IFC_LOG.txt'})
 
     def test_of_a_run_that_cannot_read_leave_the_older_output(self):
         self.write('a.ifc', project('#2=IFCNOSUCHCLASS();'))

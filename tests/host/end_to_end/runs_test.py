@@ -8,6 +8,8 @@ import unittest
 from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, PROJECT, WITH_REPORTS,
                      WRONG_USAGE, CorvelTest, model, project, records_of, wall)
 
+STOPPED = ('Stopped at a value that nobody could be asked about: see --answer and '
+           '--ignore-enum-errors.')
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
 
@@ -103,9 +105,6 @@ class Merge(CorvelTest):
 
 class Reports(CorvelTest):
 
-    NO_LOG = ('Logfile error: File path: a_IFC_LOG.txt\n'
-              'Log file error: Could not create log file: a_IFC_LOG.txt\n')
-
     def test_a_report_keeps_the_log_and_tells_where_it_is(self):
         self.write('a.ifc', project())
         self.write('b.ifc', model(POINT))
@@ -114,22 +113,23 @@ class Reports(CorvelTest):
             err="corvel: b.ifc: Unable to merge projects properly because couldn't find IfcProject "
                 'entity.\n'
                 'corvel: out.ifc was written, but something was reported. More is told in the log: '
-                'a_IFC_LOG.txt\n')
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'b.ifc', 'out.ifc'], self.names())
-        self.assertIn(b"couldn't find IfcProject entity.", self.read('a_IFC_LOG.txt'))
+                'out_IFC_LOG.txt\n')
+        self.assertEqual(['a.ifc', 'b.ifc', 'out.ifc', 'out_IFC_LOG.txt'], self.names())
+        self.assertIn(b"couldn't find IfcProject entity.", self.read('out_IFC_LOG.txt'))
 
     def test_what_is_only_logged_counts_too(self):
         self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
         ended = self.run_corvel('resave', '--ignore-enum-errors', 'a.ifc', 'out.ifc')
         self.assert_ended(ended, WITH_REPORTS,
                           err='corvel: out.ifc was written, but something was reported. More is told '
-                              'in the log: a_IFC_LOG.txt\n')
-        self.assertIn(b'does not contain: "NOSUCHROLE"', self.read('a_IFC_LOG.txt'))
+                              'in the log: out_IFC_LOG.txt\n')
+        self.assertIn(b'does not contain: "NOSUCHROLE"', self.read('out_IFC_LOG.txt'))
 
     def test_an_unknown_enumeration_value_stops_without_the_option(self):
         self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
         ended = self.run_corvel('resave', 'a.ifc', 'out.ifc')
-        self.assert_ended(ended, CANCELLED)
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertIn('corvel: ' + STOPPED, ended.err)
         self.assertIn('corvel: a.ifc: Enume IfcRoleEnum does not contain: "NOSUCHROLE"\n',
                       ended.err)
         self.assertNotIn('out.ifc', self.names())
@@ -141,20 +141,73 @@ class Reports(CorvelTest):
             self.skipTest('the program under test has fewer releases')
         self.assert_ended(ended, WITH_REPORTS)
         self.assertIn(b'Schema identifier: IFC4X3_RC4 is not supported. IFC4X3_ADD2 is used '
-                      b'instead.', self.read('a_IFC_LOG.txt'))
+                      b'instead.', self.read('out_IFC_LOG.txt'))
 
-    def test_a_log_of_an_earlier_run_goes_with_a_run_without_reports(self):
+    def report(self, *options, **others):
+        """A run that has something to tell."""
+        self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
+        return self.run_corvel('resave', '--ignore-enum-errors', 'a.ifc', 'out.ifc', *options,
+                               **others)
+
+    def assert_reported(self, ended, log, before=''):
+        self.assert_ended(ended, WITH_REPORTS,
+                          err=f'{before}corvel: out.ifc was written, but something was reported. '
+                              f'More is told in the log: {log}\n')
+        content = self.read(log)
+        self.assertRegex(content, rb'^\[\d\d-\d\d-\d{4}    \d\d:\d\d:\d\d\]\r\n')
+        self.assertIn(b'does not contain: "NOSUCHROLE"', content)
+        self.assertIn(b'Saving DONE', content)
+
+    def test_a_log_of_an_earlier_run_is_replaced(self):
+        self.write('out_IFC_LOG.txt', b'[07-03-2024    09:05:00]\r\nold')
+        self.assert_reported(self.report(), 'out_IFC_LOG.txt')
+        self.assertEqual(['a.ifc', 'out.ifc', 'out_IFC_LOG.txt'], self.names())
+        self.assertNotIn(b'old', self.read('out_IFC_LOG.txt'))
+
+    def test_a_file_that_is_no_log_is_left_alone(self):
+        self.write('out_IFC_LOG.txt', b'[07-03-2024 09:05:00] notes')
+        os.mkdir(self.path('out_IFC_LOG2.txt'))
+        self.assert_reported(self.report(), 'out_IFC_LOG3.txt')
+        self.assertEqual(b'[07-03-2024 09:05:00] notes', self.read('out_IFC_LOG.txt'))
+
+    def test_a_run_without_reports_makes_no_log_and_deletes_none(self):
         self.write('a.ifc', project())
-        self.write('a_IFC_LOG.txt', b'old')
-        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE)
+        old = b'[07-03-2024    09:05:00]\r\nof an earlier run'
+        self.write('out_IFC_LOG.txt', old)
+        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE, err='')
+        self.assertEqual(old, self.read('out_IFC_LOG.txt'))
+
+    def test_the_log_stands_beside_the_output(self):
+        os.mkdir(self.path('sub'))
+        self.write('a.ifc', project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
+        self.run_corvel('resave', '--ignore-enum-errors', 'a.ifc', 'sub/out.ifczip')
+        self.assertEqual(['out.ifczip', 'out_IFC_LOG.txt'],
+                         sorted(os.listdir(os.path.join(self.folder, 'sub'))))
+        self.assertEqual(['a.ifc', 'sub'], self.names())
+
+    def test_the_log_goes_where_it_is_wanted(self):
+        os.mkdir(self.path('logs'))
+        self.assert_reported(self.report('--log', 'logs/today.log'), 'logs/today.log')
+        self.assertEqual(['a.ifc', 'logs', 'out.ifc'], self.names())
+        self.write('logs/today.log', b'of somebody else')
+        self.assert_reported(self.report('--log', 'logs/today.log'), 'logs/today2.log')
+
+    def test_a_folder_that_refuses_the_log_is_no_failure(self):
+        self.assert_ended(
+            self.report('--log', 'nowhere/log.txt'), WITH_REPORTS,
+            err='corvel: nowhere/log.txt: the log cannot be written there; the run goes on without '
+                'it\n'
+                'corvel: out.ifc was written, but something was reported.\n')
         self.assertEqual(['a.ifc', 'out.ifc'], self.names())
 
-    def test_a_run_without_a_log_goes_on(self):
+    def test_a_log_is_no_model_and_no_folder(self):
         self.write('a.ifc', project())
-        os.mkdir(self.path('a_IFC_LOG.txt'))
-        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE,
-                          err=self.NO_LOG)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'], self.names())
+        for name, trouble in (('a.ifc', 'the name of the log is that of a model'),
+                              ('.', 'this is a folder; name a file in it')):
+            self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc', '--log', name),
+                              NOTHING_WRITTEN,
+                              err=f'corvel: {name}: {trouble}\ncorvel: Nothing was written.\n')
+        self.assertEqual(['a.ifc'], self.names())
 
 
 class Answers(CorvelTest):
@@ -169,23 +222,24 @@ class Answers(CorvelTest):
         super().setUp()
         self.write('a.ifc', project(POINT, '#7=IFCCARTESIANPOINT((8.,9.));'))
 
-    def test_without_a_terminal_the_answer_is_yes(self):
+    def test_without_a_terminal_the_answer_is_yes_and_nobodys_wish(self):
         self.assert_ended(
-            self.run_corvel('resave', 'a.ifc', 'out.ifc'), CANCELLED, out='',
-            err=self.QUESTION + 'corvel: Yes, as nobody is asked.\n'
-                'corvel: Cancelled, nothing was written. More is told in the log: a_IFC_LOG.txt\n')
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+            self.run_corvel('resave', 'a.ifc', 'out.ifc'), NOTHING_WRITTEN, out='',
+            err=self.QUESTION + 'corvel: Yes, as nobody is asked.\ncorvel: ' + STOPPED +
+                ' Nothing was written. More is told in the log: out_IFC_LOG.txt\n')
+        self.assertEqual(['a.ifc', 'out_IFC_LOG.txt'], self.names())
 
     def test_yes_is_given_unasked(self):
-        self.assert_ended(self.run_corvel('resave', '--answer', 'yes', 'a.ifc', 'out.ifc'),
-                          CANCELLED)
+        ended = self.run_corvel('resave', '--answer', 'yes', 'a.ifc', 'out.ifc')
+        self.assert_ended(ended, CANCELLED)
+        self.assertIn('corvel: Cancelled, nothing was written. ', ended.err)
 
     def test_no_goes_on_with_the_first_of_the_two(self):
         self.assert_ended(
             self.run_corvel('resave', '--answer', 'no', 'a.ifc', 'out.ifc'), WITH_REPORTS,
             err=self.QUESTION + 'corvel: No, as nobody is asked.\n'
                 'corvel: out.ifc was written, but something was reported. More is told in the log: '
-                'a_IFC_LOG.txt\n')
+                'out_IFC_LOG.txt\n')
         self.assertIn(POINT, records_of(self.read('out.ifc')))
         self.assertEqual(2, len(records_of(self.read('out.ifc'))))
 
@@ -219,13 +273,27 @@ class Names(CorvelTest):
                           out=out + ' was written.\n')
         self.assertEqual(sorted([name, out]), self.names())
 
+    @unittest.skipIf(ON_WINDOWS, 'no name may hold such characters there')
+    def test_names_in_messages_are_safe_to_show(self):
+        name, shown = 'a\x1b[2J\u202e\n.ifc', 'a?[2J??.ifc'
+        self.assert_ended(self.run_corvel('resave', name, 'out.ifc'), NOTHING_WRITTEN,
+                          err=f'corvel: {shown}: there is no such file\n'
+                              'corvel: Nothing was written.\n')
+        self.write(name, project("#2=IFCACTORROLE(.NOSUCHROLE.,$,$);"))
+        ended = self.run_corvel('resave', name, 'out' + name, '--answer', 'no')
+        self.assert_ended(ended, WITH_REPORTS)
+        self.assertIn(f'corvel: {shown}: Enume IfcRoleEnum does not contain', ended.err)
+        self.assertIn(f'corvel: out{shown} was written, but', ended.err)
+        self.assertNotIn('\x1b', ended.err)
+        self.assertNotIn('\u202e', ended.err)
+
     def test_folders_in_names(self):
         os.mkdir(self.path('sub'))
         self.write('sub/a.ifc', project())
         self.write('b.ifc', model(POINT))
         self.assert_ended(self.run_corvel('merge', 'sub/a.ifc', './b.ifc', '-o', 'sub/out.ifc'),
                           WITH_REPORTS)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt', 'out.ifc'],
+        self.assertEqual(['a.ifc', 'out.ifc', 'out_IFC_LOG.txt'],
                          sorted(os.listdir(os.path.join(self.folder, 'sub'))))
         self.assertEqual(['b.ifc', 'sub'], self.names())
 

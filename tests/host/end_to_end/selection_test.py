@@ -151,10 +151,9 @@ class Selection(CorvelTest):
     def test_a_list_on_a_file_that_is_no_model_tells_why(self):
         self.write('b.ifc', b'hello')
         self.assert_ended(
-            self.merge('--hide', '2:IfcWall'), WRONG_USAGE, out='',
-            err='corvel: --hide: no object of b.ifc is of the class IfcWall\n'
-                'corvel: b.ifc: Unable to read header token. No schema identifier can be read.\n'
-                "corvel: See 'corvel tree b.ifc'.\n")
+            self.merge('--hide', '2:IfcWall'), NOTHING_WRITTEN, out='',
+            err="corvel: b.ifc: this is no STEP file, it begins with 'hello'\n"
+                'corvel: Nothing was written.\n')
 
     def test_wrong_words_are_wrong_usage(self):
         for options, begin in (

@@ -4,6 +4,7 @@ The environment variable CORVEL names the program.
 """
 
 import os
+import re
 import signal
 import subprocess
 import tempfile
@@ -147,6 +148,13 @@ class CorvelTest(unittest.TestCase):
             self.assertEqual(err, ended.err)
         if out is not None:
             self.assertEqual(out, ended.out)
+
+
+def is_ready(process):
+    """What becomes of signals is settled: this one is the last, and ignored by every run."""
+    with open(f'/proc/{process.pid}/status') as status:
+        ignored = re.search(r'^SigIgn:\s*(\w+)$', status.read(), re.MULTILINE).group(1)
+    return int(ignored, 16) >> (signal.SIGXFSZ - 1) & 1
 
 
 def records_of(content):

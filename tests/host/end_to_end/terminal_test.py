@@ -12,7 +12,7 @@ import time
 import unittest
 
 from support import (ATTEMPTS, CANCELLED, DONE, INTERRUPTED, LONGEST_RUN, NOTHING_WRITTEN,
-                     WITH_REPORTS, CorvelTest, large_model, project)
+                     WITH_REPORTS, CorvelTest, is_ready, large_model, project)
 
 QUESTION = 'Cancel: Are you sure you want to cancel?\r\n[y/n] '
 # Long enough to be met in the middle of it.
@@ -154,7 +154,7 @@ class Questions(OnATerminal):
     def test_a_persons_yes_is_cancelling(self):
         self.assertEqual(CANCELLED, self.ask('y\n'))
         self.assertIn('corvel: Cancelled, nothing was written. ', self.terminal.seen)
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertEqual(['a.ifc', 'out_IFC_LOG.txt'], self.names())
 
     def test_a_persons_no_goes_on(self):
         self.assertEqual(WITH_REPORTS, self.ask('no\n'))
@@ -228,7 +228,7 @@ class Interrupts(OnATerminal):
         self.assertEqual(1, len(self.unfinished()))
         self.terminal.type('\x03')
         self.assertEqual(INTERRUPTED, self.end(process))
-        self.assertEqual(['a.ifc', 'a_IFC_LOG.txt'], self.names())
+        self.assertEqual(['a.ifc'], self.names())
 
     def test_a_request_to_end_ends_a_question_that_nobody_answers(self):
         process = self.resave_interrupted('Reading file: a.ifc')
@@ -257,7 +257,7 @@ class InterruptsWithoutATerminal(CorvelTest):
         """Started, and far enough to take an interrupt."""
         self.write('a.ifc', LARGE)
         process = self.start('resave', 'a.ifc', 'out.ifc', *options)
-        self.wait_for(lambda: 'a_IFC_LOG.txt' in self.names())
+        self.wait_for(lambda: is_ready(process))
         return process
 
     def test_the_answer_is_yes(self):
@@ -281,7 +281,7 @@ class InterruptsWithoutATerminal(CorvelTest):
         self.write('a.ifc', LARGE)
         process = self.start('resave', 'a.ifc', 'out.ifc',
                              preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
-        self.wait_for(lambda: 'a_IFC_LOG.txt' in self.names())
+        self.wait_for(lambda: is_ready(process))
         process.send_signal(signal.SIGINT)
         self.assert_ended(self.finish(process), DONE, err='')
 

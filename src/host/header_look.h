@@ -1,0 +1,32 @@
+// The first look at a model: what it is if it is none, and which schema it names.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "core/text.h"
+
+namespace corvel::host {
+
+// What a file that is no STEP file is: "is no STEP file, it begins with ...". Nothing when it
+// begins as one does, behind whatever a reader of STEP files passes over, or cannot be opened.
+std::optional<WideString> NoStepFile(const WideString& path);
+
+struct HeaderLook {
+  std::optional<WideString> trouble;  // why no header could be read
+  WideString schemaIdentifier;        // as the file names it
+};
+HeaderLook LookAtHeader(const WideString& path);
+
+struct SchemaTrouble {
+  std::size_t input = 0;  // index
+  WideString text;
+};
+// Why these inputs, all of which have a header, can never become one model: nothing serves the
+// schema of the first, or none of the later ones has it. One that differs beside others that fit is
+// no trouble here: the merge leaves it out, and tells so.
+std::vector<SchemaTrouble> TroubleWithSchemas(const std::vector<WideString>& inputs,
+                                              const std::vector<HeaderLook>& looks);
+
+}  // namespace corvel::host
