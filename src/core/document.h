@@ -101,6 +101,9 @@ class IfcDocument {
   const WideString& KnownSchemaIdentifier() const { return knownSchemaIdentifier_; }
   WideString getISO() const;
   bool IsParsed() const;
+  // What of the file is not in the model, and that it lacks its closing line, as one does that was
+  // cut short. The log has been told.
+  const std::vector<WideString>& Remarks() const;
   // True also for a file that failed.
   bool IsCancelled() const;
   Parser& GetParser() const { return *parser_; }

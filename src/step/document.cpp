@@ -102,6 +102,8 @@ WideString IfcDocument::getISO() const { return parser_->isoLine; }
 
 bool IfcDocument::IsParsed() const { return parser_->state == ParserState::kParsed; }
 
+const std::vector<WideString>& IfcDocument::Remarks() const { return parser_->remarks; }
+
 bool IfcDocument::IsCancelled() const { return parser_->IsStopped(); }
 
 }  // namespace corvel

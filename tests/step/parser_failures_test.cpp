@@ -235,7 +235,12 @@ TEST_F(ParserFailures, ADuplicatedNumberKeepsTheFirstRecordWhenTheUserGoesOn) {
   EXPECT_EQ(test::LogfileErrorBox(
                 u"AddEntityByOrginalNumber method error: Entity with marker: 2 already exists."),
             platform_.boxes[0]);
-  EXPECT_EQ((std::vector<Report>{{"", u"Entity duplicated: #2", 0}}), *reports_);
+  EXPECT_EQ((std::vector<Report>{{"", u"Entity duplicated: #2", kReportShow},
+                                 {"",
+                                  u"What stands behind the arguments of a record was left out. "
+                                  u"Places: 1, the first in line 11 at #2.\n",
+                                  kReportLog}}),
+            *reports_);
   EXPECT_EQ(1u, QuestionsAsked());
   EXPECT_EQ(
       "#1=IFCLOCALPLACEMENT(#3,*);\n#2=IFCPERSON('first',$,$,$,$,$,$,$);\n"

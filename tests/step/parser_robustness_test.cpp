@@ -1,10 +1,9 @@
 // Files that somebody has cut off or spoilt: each of them ends, with a model or with a message.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
+#include "support/folders_in_memory.h"
 #include "support/read_model.h"
 
 namespace corvel {
@@ -24,41 +23,8 @@ constexpr const char* kRecords =
     "#6=IFCPROPERTYSINGLEVALUE('p',$,IFCLABEL('x'),$);\n"
     "#7=IFCAXIS2PLACEMENT3D(#2,$,$);\n"
     "#8=IFCTRIANGULATEDFACESET(#9,((0.,1.)),.T.,((1,2,3)),$);\n"
-    "#9=IFCCARTESIANPOINTLIST3D(((0.,0.,0.),(1.,0.,0.)),$);\n"
+    "#9=IFCCARTESIANPOINTLIST3D(((0.,0.,0.),(1.,0.,0.)));\n"
     "#10=IFCSIUNIT(*,.LENGTHUNIT.,.MILLI.,.METRE.);";
-
-// Temporary folders lie in memory where the system has such a place: each of the thousands of reads
-// here hands a file to the disk and waits for it.
-class FoldersInMemory {
- public:
-  FoldersInMemory() {
-    if (const char* const before = std::getenv(kVariable)) before_ = before;
-    if (std::filesystem::is_directory(kMemory)) Set(kMemory);
-  }
-  ~FoldersInMemory() { Set(before_.c_str()); }
-  FoldersInMemory(const FoldersInMemory&) = delete;
-  FoldersInMemory& operator=(const FoldersInMemory&) = delete;
-
- private:
-#ifdef _WIN32
-  // There is such a place under Wine, whose drive Z is the system below.
-  static constexpr const char* kVariable = "TMP";
-  static constexpr const char* kMemory = "Z:\\dev\\shm";
-  static void Set(const char* value) { ::_putenv_s(kVariable, value); }
-#else
-  static constexpr const char* kVariable = "TMPDIR";
-  static constexpr const char* kMemory = "/dev/shm";
-  static void Set(const char* value) {
-    if (*value == '\0') {
-      ::unsetenv(kVariable);
-    } else {
-      ::setenv(kVariable, value, 1);
-    }
-  }
-#endif
-
-  std::string before_;
-};
 
 class SpoiltFile : public test::ReadTest {
  protected:
@@ -85,7 +51,7 @@ class SpoiltFile : public test::ReadTest {
     }
   }
 
-  const FoldersInMemory foldersInMemory_;
+  const test::FoldersInMemory foldersInMemory_;
 };
 
 TEST_F(SpoiltFile, CutAtAnyByteEndsWithAModelOrAMessage) {
@@ -97,18 +63,25 @@ TEST_F(SpoiltFile, CutAtAnyByteEndsWithAModelOrAMessage) {
   }
 }
 
-TEST_F(SpoiltFile, CutBehindARecordIsAModelOfTheRecordsBefore) {
+TEST_F(SpoiltFile, CutBehindARecordIsAModelOfTheRecordsBeforeAndLacksItsClosingLine) {
   const std::string bytes = ModelFile(kRecords);
   const std::size_t data = bytes.find("DATA;");
   EXPECT_TRUE(Model::OfFile(bytes.substr(0, data + 5)).IsRead());
   std::size_t records = 0;
   for (std::size_t at = data; (at = bytes.find(");", at + 1)) != std::string::npos;) {
+    const test::RecordedReports fresh;
     Model model = Model::OfFile(bytes.substr(0, at + 2));
     ASSERT_TRUE(model.IsRead()) << at;
     EXPECT_EQ(++records, model.Container().entities.Size());
+    ASSERT_EQ(1u, reports_->size());
+    EXPECT_EQ(
+        "The closing line END-ISO-10303-21; is missing: the file seems to be cut short. The "
+        "reading ended in line " +
+            std::to_string(8 + records) + ".\n",
+        Messages().front());
+    EXPECT_EQ(kReportLog, (*reports_)[0].mode);
   }
   EXPECT_EQ(10u, records);
-  EXPECT_EQ(std::vector<std::string>{}, Messages());
 }
 
 TEST_F(SpoiltFile, CutInsideTheAttributesOfARecordSaysWhichOne) {

@@ -172,6 +172,12 @@ constexpr const char* kThree =
 
 using ParserForms = ParserPasses;
 
+std::string SurplusIn(const std::string& line, const std::string& number,
+                      const std::string& places = "1") {
+  return "What stands behind the arguments of a record was left out. Places: " + places +
+         ", the first in line " + line + " at #" + number + ".\n";
+}
+
 TEST_F(ParserForms, SeveralRecordsMayStandOnALine) {
   ExpectLines(kThree,
               "#1=IFCPERSON('a',$,$,$,$,$,$,$);#2=IFCPERSON('b',$,$,$,$,$,$,$);"
@@ -198,18 +204,24 @@ TEST_F(ParserForms, NumbersMayComeInAnyOrder) {
 }
 
 TEST_F(ParserForms, WhatStandsBetweenRecordsIsPassedOver) {
-  ExpectLines(kThree,
-              "garbage 1.5, .X. 'string' ) ( $;#1=IFCPERSON('a',$,$,$,$,$,$,$);&;\n"
-              "ENDSEC;\nDATA;\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n;;\n"
-              "#3=IFCPERSON('c',$,$,$,$,$,$,$);");
+  Model model(
+      "garbage 1.5, .X. 'string' ) ( $;#1=IFCPERSON('a',$,$,$,$,$,$,$);&;\n"
+      "ENDSEC;\nDATA;\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n;;\n"
+      "#3=IFCPERSON('c',$,$,$,$,$,$,$);");
+  EXPECT_EQ(kThree, model.Lines());
+  EXPECT_EQ((std::vector<std::string>{
+                "Text between records was left out. Places: 2, the first in line 9.\n"}),
+            Messages());
 }
 
 TEST_F(ParserForms, AFileMayEndWithItsLastRecord) {
   std::string bytes = ModelFile(kThree);
   bytes.resize(bytes.rfind("$);") + 3);
   Model model = Model::OfFile(bytes);
-  ExpectRead(model);
   EXPECT_EQ(kThree, model.Lines());
+  EXPECT_EQ((std::vector<std::string>{"The closing line END-ISO-10303-21; is missing: the file "
+                                      "seems to be cut short. The reading ended in line 11.\n"}),
+            Messages());
 }
 
 TEST_F(ParserForms, AFileWithoutRecordsIsAnEmptyModel) { ExpectLines("", ""); }
@@ -231,25 +243,31 @@ TEST_F(ParserForms, AStringOfAMebibyteComesBack) {
 }
 
 TEST_F(ParserForms, MissingArgumentsAreAbsentAndSurplusOnesAreDropped) {
-  ExpectLines(
-      "#1=IFCPERSON('a',$,$,$,$,$,$,$);\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n"
-      "#3=IFCPERSON($,$,$,$,$,$,$,$);\n",
+  Model model(
       "#1=IFCPERSON('a');\n#2=IFCPERSON('b',$,$,$,$,$,$,$,'i',#3,(4,(5)),IFCLABEL('x'));\n"
       "#3=IFCPERSON();");
+  EXPECT_EQ(
+      "#1=IFCPERSON('a',$,$,$,$,$,$,$);\n#2=IFCPERSON('b',$,$,$,$,$,$,$);\n"
+      "#3=IFCPERSON($,$,$,$,$,$,$,$);\n",
+      model.Lines());
+  EXPECT_EQ((std::vector<std::string>{SurplusIn("10", "2")}), Messages());
 }
 
 TEST_F(ParserForms, SurplusArgumentsDoNotMakeTheirRecordAForwardOne) {
   Model model("#1=IFCPERSON('a',$,$,$,$,$,$,$,#9);\n#9=IFCPERSON();");
-  ExpectRead(model);
+  EXPECT_EQ((std::vector<std::string>{SurplusIn("9", "1")}), Messages());
   EXPECT_EQ("", model.Folder().Read("model_TEMP.ifc"));
 }
 
-TEST_F(ParserForms, SurplusArgumentsAreDroppedInTheSecondPassToo) {
-  ExpectLines(
-      "#1=IFCLOCALPLACEMENT($,#3);\n#2=IFCLOCALPLACEMENT($,#3);\n"
-      "#3=IFCAXIS2PLACEMENT3D(*,$,$);\n",
+TEST_F(ParserForms, SurplusArgumentsAreDroppedInTheSecondPassTooAndToldOnce) {
+  Model model(
       "#1=IFCLOCALPLACEMENT($,#3,#2,'x');\n#2=IFCLOCALPLACEMENT($,#3,(#1));\n"
       "#3=IFCAXIS2PLACEMENT3D($,$,$);");
+  EXPECT_EQ(
+      "#1=IFCLOCALPLACEMENT($,#3);\n#2=IFCLOCALPLACEMENT($,#3);\n"
+      "#3=IFCAXIS2PLACEMENT3D(*,$,$);\n",
+      model.Lines());
+  EXPECT_EQ((std::vector<std::string>{SurplusIn("9", "1", "2")}), Messages());
 }
 
 TEST_F(ParserForms, ARecordWithoutBracketsDoesNotSwallowTheNextOne) {
@@ -261,16 +279,21 @@ TEST_F(ParserForms, ARecordWithoutBracketsDoesNotSwallowTheNextOne) {
             Messages());
 }
 
-TEST_F(ParserForms, NumberZeroShowsABoxAndGetsTheNextFreeNumberButIsFoundUnderZero) {
-  Model model("#5=IFCPERSON('a',$,$,$,$,$,$,$);#0=IFCPERSON('z',$,$,$,$,$,$,$);");
-  EXPECT_TRUE(model.IsRead());
-  EXPECT_EQ(std::vector<std::string>{}, Messages());
-  EXPECT_EQ(std::vector{test::LogfileErrorBox(u"SetMarker error: Marker has to be > 0")},
-            platform_.boxes);
-  ASSERT_NE(nullptr, model[0]);
-  EXPECT_EQ(7u, model[0]->marker)
-      << "5 was the highest so far, is offered and is taken; 6 is skipped";
-  EXPECT_EQ("#7=IFCPERSON('z',$,$,$,$,$,$,$);", model.Line(0));
+TEST_F(ParserForms, NumberZeroIsRefusedAsOneThatIsTooLarge) {
+  for (const char* const number : {"#0", "#000", "/* c */#0", "#4294967280"}) {
+    const test::RecordedReports fresh;
+    Model model("#5=IFCPERSON('a',$,$,$,$,$,$,$);"s + number + "=IFCPERSON('z',$,$,$,$,$,$,$);");
+    EXPECT_FALSE(model.IsRead());
+    EXPECT_EQ(ParserState::kNotFinished, model.GetParser().state);
+    EXPECT_EQ((std::vector<test::Report>{{"", u"stoul argument out of range", kReportShow}}),
+              *reports_)
+        << number;
+    EXPECT_TRUE(platform_.boxes.empty());
+  }
+}
+
+TEST_F(ParserForms, AReferenceToNumberZeroIsLostWithoutAWord) {
+  ExpectLines("#1=IFCLOCALPLACEMENT($,*);\n", "#1=IFCLOCALPLACEMENT(#0,#0);");
 }
 
 // --- What the parser keeps -----------------------------------------------------------------------

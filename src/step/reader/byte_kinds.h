@@ -10,11 +10,14 @@ inline constexpr std::uint8_t kLetterByte = 1;
 inline constexpr std::uint8_t kDigitByte = 2;
 inline constexpr std::uint8_t kBlankByte = 4;  // white space, and "_", which vanishes like a blank
 inline constexpr std::uint8_t kCommaByte = 8;
+inline constexpr std::uint8_t kNumberByte = 16;  // what numbers with a point are made of
 
 inline constexpr std::array<std::uint8_t, 256> kByteKinds = [] {
   std::array<std::uint8_t, 256> kinds{};
   for (unsigned c = 'A'; c <= 'Z'; ++c) kinds[c] = kinds[c | 0x20] = kLetterByte;
-  for (unsigned c = '0'; c <= '9'; ++c) kinds[c] = kDigitByte;
+  for (unsigned c = '0'; c <= '9'; ++c) kinds[c] = kDigitByte | kNumberByte;
+  for (const char c : {'.', '-', '+'}) kinds[static_cast<unsigned char>(c)] = kNumberByte;
+  kinds['E'] = kinds['e'] = kLetterByte | kNumberByte;
   for (unsigned c = 9; c <= 13; ++c) kinds[c] = kBlankByte;
   kinds[' '] = kinds['_'] = kBlankByte;
   kinds[','] = kCommaByte;

@@ -1,6 +1,7 @@
 #include "step/reader/header_reader.h"
 
 #include "step/reader/scanner.h"
+#include "step/reader/skipped_input.h"
 
 namespace corvel {
 
@@ -18,12 +19,28 @@ std::unique_ptr<HeaderToken> HeaderReader::Read() {
   header->originatingSystem = ReadHeaderString();
   header->authorization = ReadHeaderString();
   SkipPastOpenBracket();  // FILE_SCHEMA(
-  if (!AtEnd()) scanner_.NextToken();
+  if (!AtEnd()) Take();
   header->schemaIdentifier = ReadHeaderString();
-  while (!AtEnd()) scanner_.NextToken();
-  scanner_.NextToken();  // ENDSEC
-  if (scanner_.PeekToken()->Is(TokenType::SemicolonToken)) scanner_.NextToken();
+  while (!AtEnd()) Take();
+  Take();  // ENDSEC
+  if (scanner_.PeekToken()->Is(TokenType::SemicolonToken)) Take();
+  if (records_ != 0 && scanner_.skipped_ != nullptr) {
+    scanner_.skipped_->Note(SkippedInput::Kind::kInHeader, firstRecord_, records_);
+  }
   return header;
+}
+
+// A number with a "=" behind it begins a record, which no header has. Strings swallow them as well.
+const Token& HeaderReader::Take() {
+  const Token& token = *scanner_.NextToken();
+  const bool isString = token.Is(TokenType::WstringToken);
+  std::uint64_t records = isString ? token.number : 0;
+  if (behindNumber_ && token.Is(TokenType::EqualToken)) records = 1;
+  if (records_ == 0 && records != 0) firstRecord_ = isString ? scanner_.TokenOffset() : number_;
+  records_ += records;
+  behindNumber_ = token.Is(TokenType::IdentifierToken);
+  if (behindNumber_) number_ = scanner_.TokenOffset();
+  return token;
 }
 
 bool HeaderReader::AtEnd() {
@@ -33,25 +50,25 @@ bool HeaderReader::AtEnd() {
 
 void HeaderReader::SkipPastOpenBracket() {
   while (!AtEnd()) {
-    if (scanner_.NextToken()->Is(TokenType::OpenBracketToken)) return;
+    if (Take().Is(TokenType::OpenBracketToken)) return;
   }
 }
 
 // Anything that is no string counts as the empty text.
 WideString HeaderReader::ReadHeaderString() {
   if (AtEnd()) return {};
-  const Token* const token = scanner_.NextToken();
-  return token->Is(TokenType::WstringToken) ? token->wide : WideString();
+  const Token& token = Take();
+  return token.Is(TokenType::WstringToken) ? token.wide : WideString();
 }
 
 // `('a','b')`; `$` in its place is an empty list.
 std::vector<WideString> HeaderReader::ReadList() {
   std::vector<WideString> texts;
-  if (AtEnd() || scanner_.NextToken()->Is(TokenType::EmptyParameterToken)) return texts;
+  if (AtEnd() || Take().Is(TokenType::EmptyParameterToken)) return texts;
   while (!AtEnd() && !scanner_.PeekToken()->Is(TokenType::CloseBracketToken)) {
     texts.push_back(ReadHeaderString());
   }
-  if (!AtEnd()) scanner_.NextToken();
+  if (!AtEnd()) Take();
   return texts;
 }
 

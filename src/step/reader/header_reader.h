@@ -1,6 +1,7 @@
 // The HEADER section, read by position and not by name.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -20,11 +21,16 @@ class HeaderReader {
 
  private:
   bool AtEnd();
+  const Token& Take();
   void SkipPastOpenBracket();
   WideString ReadHeaderString();
   std::vector<WideString> ReadList();
 
   Scanner& scanner_;
+  std::uint64_t records_ = 0;     // that stand where the section should have ended
+  std::int64_t firstRecord_ = 0;  // its offset
+  std::int64_t number_ = 0;       // offset of the last #number
+  bool behindNumber_ = false;
 };
 
 }  // namespace corvel

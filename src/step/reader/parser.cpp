@@ -113,10 +113,11 @@ bool Parser::OpenInput(const WideString& path) {
 
 // ISO line, ";", HEADER section, DATA. Nothing of the header is checked here.
 void Parser::ReadHead() {
+  scanner->NoteIn(&skipped_);
   isoLine = Widen(scanner->NextToken()->text);
   scanner->NextToken();
   headerToken = std::move(scanner->NextToken()->header);
-  scanner->NextToken();
+  borders_.TakeHead(*scanner);
 }
 
 bool Parser::CheckTempFile() {
@@ -158,16 +159,10 @@ bool Parser::ReadFirstPart(int fileCount) {
   log.LogText(u"Reading first part of file...");
   log.SetMuted(true);
   log.SetFlushEveryLine(true);
-  for (;;) {
-    std::uint32_t number = 0;
-    const TokenType type = TakeToken(number);
-    if (type == TokenType::EndOfFileToken) break;
-    if (type == TokenType::IdentifierToken) {
-      if (!ReadRecord(number, fileCount)) return false;
-    } else if (scanner->Stream()->StatementSize() > kBufferSize) {
-      // Whatever stands between records is passed over, and never kept however much it is.
-      scanner->Stream()->ClearStatementText();
-    }
+  for (std::uint32_t number = 0; FindRecord(number);) {
+    if (ReadRecord(number, fileCount)) continue;
+    TellSkipped();
+    return false;
   }
   // Half a model is worse than none.
   FileStream::InputStream& stream = *scanner->Stream();
@@ -177,7 +172,32 @@ bool Parser::ReadFirstPart(int fileCount) {
     saved_->Discard();
     return false;
   }
+  TellSkipped();
   return !IsStopped();
+}
+
+// The number of the next record. False at the end of the input.
+bool Parser::FindRecord(std::uint32_t& number) {
+  scanner->StartStatement();
+  if (!scanner->TakeIdentifier(number)) {
+    if (!borders_.FindRecord(*scanner, number)) return false;
+  } else if (scanner->Argument() != 1) {
+    borders_.NoteCommas(*scanner);
+  }
+  if (number != 0) return true;
+  scanner->RefuseNumber();
+  return false;
+}
+
+// What the first pass has passed over, and an input that ends before its end.
+void Parser::TellSkipped() {
+  if (state == ParserState::kCancelled) return;
+  const std::int64_t end = scanner->Stream()->Position();
+  remarks = skipped_.TakeTexts(filePath);
+  if (!IsStopped() && !scanner->MetClosingLine()) {
+    remarks.push_back(ClosingLineIsMissing(filePath, end));
+  }
+  for (const WideString& remark : remarks) showError("", remark + u"\n", kReportLog);
 }
 
 // What stands between records, or the number that a record begins with.
@@ -191,6 +211,8 @@ TokenType Parser::TakeToken(std::uint32_t& number) {
 
 // False ends the pass.
 bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
+  scanner->EnterRecord();
+  skipped_.AtRecord(number);
   IFC::IfcEntity* const entity = ReadNewEntity(number);
   if (entity == nullptr || IsStopped()) {
     FailRecord(number);
@@ -209,6 +231,7 @@ bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
   }
   forwardReference = false;
   lastMarker_ = marker;
+  scanner->LeaveRecord();
   // Before the progress: a cancellation that the user declines has looked at the next record.
   scanner->ClearTokens();
   if (!ReportProgress(false, fileCount)) {
@@ -286,12 +309,8 @@ void Parser::TakeOpenBracket() {
 // Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
 // was left in the middle of a string or bracket ends at its ";" all the same.
 void Parser::TakeRestOfRecord() {
-  scanner->TakeSign(')');
-  if (scanner->TakeSemicolon()) return;
-  for (;;) {
-    const TokenType type = scanner->NextToken()->getType();
-    if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) return;
-  }
+  const bool closed = scanner->TakeSign(')');
+  if (!scanner->TakeSemicolon()) borders_.FinishRecord(*scanner, closed);
 }
 
 // One unreadable record ends the whole read of the file.
@@ -366,6 +385,7 @@ bool Parser::ReadSecondPart(int fileCount) {
 // The object of the first pass takes all its attributes anew. False ends the pass.
 bool Parser::ReadRecordAgain(std::uint32_t marker) {
   if (!PassHundredths(marker)) return false;
+  scanner->EnterRecord();
   saved_->CountReadRecord();
   TakeEqualSign();
   if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
@@ -373,6 +393,7 @@ bool Parser::ReadRecordAgain(std::uint32_t marker) {
   TakeOpenBracket();
   if (entity != nullptr) ReadArguments(entity);
   TakeRestOfRecord();
+  scanner->LeaveRecord();
   return !IsStopped();
 }
 

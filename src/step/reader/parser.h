@@ -20,8 +20,10 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "step/factories.h"
+#include "step/reader/record_borders.h"
 #include "step/reader/saved_records.h"
 #include "step/reader/scanner.h"
+#include "step/reader/skipped_input.h"
 #include "step/reader/work_file.h"
 
 namespace corvel {
@@ -91,6 +93,9 @@ class Parser {
   WideString isoLine;           // "ISO-10303-21"
   WorkFileRules workFileRules;  // what ParseFile goes by
   WideString tempPath;          // of the work file; its folder when it has no name
+  // What the first pass could not take in, and that the input lacks its closing line. All of it has
+  // been reported in mode kReportLog.
+  std::vector<WideString> remarks;
   ErrorReporter showError;
   ProgressCallback progress;
   const CancelTexts* texts = nullptr;
@@ -114,6 +119,8 @@ class Parser {
   bool CheckTempFile();
   bool ReadFile(int fileCount);
   bool ReadFirstPart(int fileCount);
+  bool FindRecord(std::uint32_t& number);
+  void TellSkipped();
   TokenType TakeToken(std::uint32_t& number);
   bool ReadRecord(std::uint32_t number, int fileCount);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
@@ -137,6 +144,8 @@ class Parser {
              std::vector<const char16_t*>, std::vector<EntityList>, std::vector<List<double>>,
              std::vector<List<std::int32_t>>>
       scratch_;
+  SkippedInput skipped_;  // by the first pass
+  RecordBorders borders_{skipped_};
   const FactoryRow* row_ = nullptr;  // of the record that is read for the first time
   // The classes whose first object is remembered. Null until SelectSchema, as in a release without.
   const FactoryRow* unitAssignmentRow_ = nullptr;

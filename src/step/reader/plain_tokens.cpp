@@ -55,7 +55,9 @@ bool Scanner::TakeNumber(double& value) {
   const char* const end = stream_->WindowEnd();
   const char* at = EndOfDigits(begin + 1, end);
   if (at != end && *at == '.') {
-    while (at != end && *at != ',' && *at != ')') ++at;
+    while (at != end && IsOfKind(*at, kNumberByte)) ++at;
+    // Whatever else goes on up to the end of the value is left to a closer look.
+    if (at == end || (*at != ',' && *at != ')')) return false;
   }
   if (at == end) return false;
   value = ParseReal(Between(begin, at));

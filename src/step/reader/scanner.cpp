@@ -8,6 +8,8 @@
 #include "core/entity.h"
 #include "step/numbers/number_text.h"
 #include "step/reader/header_reader.h"
+#include "step/reader/record_lines.h"
+#include "step/reader/skipped_input.h"
 #include "step/reader/string_decoder.h"
 #include "step/streams/open_input.h"
 
@@ -17,6 +19,7 @@ namespace {
 
 constexpr int kEnd = -1;
 constexpr char kLastByte = '\xFF';  // looks like the end of the input
+constexpr char16_t kOutOfRange[] = u"stoul argument out of range";
 
 }  // namespace
 
@@ -74,6 +77,7 @@ bool Scanner::SkipBlanks() {
     }
     stream_->SetCursor(at);
     if (at != end) return *at != kLastByte;
+    DropLongLeadIn();
     if (!stream_->Refill()) return false;
   }
 }
@@ -82,6 +86,7 @@ Token* Scanner::ScanToken() {
   for (;;) {
     if (std::exchange(afterSemicolon_, false)) stream_->ClearStatementText();
     if (!SkipBlanks()) return Make(TokenType::EndOfFileToken);
+    if (!inRecord_) tokenOffset_ = stream_->Position();
     const char c = Byte();
     switch (c) {
       case ';':
@@ -107,7 +112,9 @@ Token* Scanner::ScanToken() {
     }
     if (IsLetter(c)) return ReadWord();
     if (IsDigit(c) || c == '-') return ReadNumber();
-    return Sign(TokenType::UnknownSignToken);
+    Token* const unknown = Sign(TokenType::UnknownSignToken);
+    unknown->text.assign(1, c);
+    return unknown;
   }
 }
 
@@ -142,6 +149,7 @@ Token* Scanner::ReadWord() {
   } else if (word == "ISO" || word == "END") {
     token->type = word == "ISO" ? TokenType::IsoToken : TokenType::EndIsoToken;
     AppendWhile(word, [](char c) { return c != ';'; });
+    metClosingLine_ = metClosingLine_ || (word.starts_with("END-ISO") && HasByte());
   } else if (word == "HEADER" && !inHeader_) {
     inHeader_ = true;
     auto header = HeaderReader(*this).Read();
@@ -165,7 +173,11 @@ Token* Scanner::ReadNumber() {
   AppendWhile(text, IsDigit);
   if (HasByte() && Byte() == '.') {
     // Everything up to the end of the value belongs to it, exponent and all.
+    const std::int64_t offset = skipped_ == nullptr ? 0 : stream_->Position();
     AppendWhile(text, [](char c) { return c != ',' && c != ')'; });
+    if (skipped_ != nullptr && inRecord_ && GoesOn(text)) {
+      skipped_->Note(SkippedInput::Kind::kRunOnNumber, offset, RecordsIn(text));
+    }
     token->type = TokenType::RealDataTypeToken;
     token->real = ParseReal(text);
     return token;
@@ -173,6 +185,12 @@ Token* Scanner::ReadNumber() {
   token->integer = ParseInteger(text);
   token->real = text.size() < 10 ? token->integer : ParseReal(text);
   return token;
+}
+
+// Signs that no number has, however it is written: it goes on over something else.
+bool Scanner::GoesOn(const std::string& number) const {
+  return number.find_first_of(";#='(") != std::string::npos ||
+         number.find("/*") != std::string::npos;
 }
 
 Token* Scanner::ReadIdentifier() {
@@ -189,7 +207,7 @@ Token* Scanner::ReadIdentifier() {
     TakeByte();
   }
   if (!anyDigit) return StopWith(u"invalid stoul argument");
-  if (number > IFC::kLargestNumber) return StopWith(u"stoul argument out of range");
+  if (number > IFC::kLargestNumber) return StopWith(kOutOfRange);
   token->number = static_cast<std::uint32_t>(number);
   return token;
 }
@@ -205,32 +223,94 @@ Token* Scanner::ReadEnumeration() {
 
 // A comment gives null: the scan goes on behind it.
 Token* Scanner::ReadSlash() {
+  const std::int64_t start = stream_->Position();
   TakeByte();
   const int second = NextByte();
   if (second == '*') {
-    return SkipComment() ? nullptr : Make(TokenType::EndOfFileToken);
+    return SkipComment(start) ? nullptr : Make(TokenType::EndOfFileToken);
   }
-  return Make(second == kEnd || second == static_cast<unsigned char>(kLastByte)
-                  ? TokenType::EndOfFileToken
-                  : TokenType::UnknownSignToken);
+  if (second == kEnd || second == static_cast<unsigned char>(kLastByte)) {
+    return Make(TokenType::EndOfFileToken);
+  }
+  Token* const unknown = Make(TokenType::UnknownSignToken);
+  unknown->text.assign(1, '/');
+  return unknown;
 }
 
-// False when the input ends inside the comment.
-bool Scanner::SkipComment() {
-  int before = 0;
-  for (int byte = NextByte(); byte != kEnd; byte = NextByte()) {
-    if (before == '*' && byte == '/') return true;
+// Behind the "/*" at `start`. False when the input ends inside the comment.
+bool Scanner::SkipComment(std::int64_t start) {
+  RecordLines lines;
+  bool dropped = false;
+  bool closed = false;
+  for (int before = 0; !closed;) {
+    if (stream_->Cursor() == stream_->WindowEnd()) {
+      const std::size_t kept = stream_->StatementSize();
+      DropLongLeadIn();
+      dropped = dropped || stream_->StatementSize() < kept;
+      if (!stream_->Refill()) break;
+    }
+    const char byte = Byte();
+    TakeByte();
+    closed = before == '*' && byte == '/';
     before = byte;
+    lines.Take(byte);
   }
-  return false;
+  // What is left of the text would begin inside of the comment.
+  if (dropped) stream_->ClearStatementText();
+  if (skipped_ != nullptr && !closed) {
+    skipped_->Note(SkippedInput::Kind::kEndlessComment, start, lines.Count());
+  } else if (skipped_ != nullptr && lines.Count() != 0) {
+    skipped_->Note(SkippedInput::Kind::kComment, start, lines.Count());
+  }
+  return closed;
 }
 
 Token* Scanner::ReadString() {
+  const std::int64_t offset = skipped_ == nullptr ? 0 : stream_->Position();
   TakeByte();
+  const std::size_t start = stream_->StatementSize();
   Token* const token = Make(TokenType::WstringToken);
   token->wide.clear();
   DecodeString(*stream_, token->wide);
+  token->number = skipped_ == nullptr ? 0 : RecordsInLastString(start);
+  if (token->number != 0 && inRecord_) {
+    skipped_->Note(SkippedInput::Kind::kRunOnString, offset, token->number);
+  }
   return token;
+}
+
+// In its bytes, which begin at `start` of the statement text: what a directive swallows never gets
+// into the decoded text. A value may well begin with "#12=", but text between records may not.
+std::uint32_t Scanner::RecordsInLastString(std::size_t start) {
+  const std::string_view bytes = stream_->StatementView().substr(start);
+  if (bytes.find('#') == std::string_view::npos) return 0;
+  RecordLines lines(!inRecord_);
+  lines.Take(bytes);
+  return lines.Count();
+}
+
+void Scanner::RefuseNumber() { StopWith(kOutOfRange); }
+
+void Scanner::SkipSection() {
+  constexpr std::string_view kLastWord = "ENDSEC";
+  constexpr std::size_t kMostKept = 64;
+  std::string end;  // of the statement at hand, without the blanks behind it
+  for (int byte = NextByte(); byte != kEnd; byte = NextByte()) {
+    const char c = static_cast<char>(byte);
+    if (c == ';') {
+      stream_->ClearStatementText();
+      while (!end.empty() && IsBlank(end.back())) end.pop_back();
+      if (end.ends_with(kLastWord)) {
+        const std::size_t before = end.size() - kLastWord.size();
+        if (before == 0 || !IsOfKind(end[before - 1], kLetterByte | kDigitByte)) return;
+      }
+      end.clear();
+    } else {
+      DropLongLeadIn();
+      if (!IsBlank(c) || end.empty() || !IsBlank(end.back())) end.push_back(c);
+      if (end.size() > kMostKept) end.erase(0, kMostKept / 2);
+    }
+  }
 }
 
 }  // namespace corvel

@@ -16,6 +16,8 @@
 
 namespace corvel {
 
+class SkippedInput;
+
 // Reads loosely: a subset of ISO 10303-21 with shortcuts. Commas never reach a caller, a strange
 // byte becomes an UnknownSignToken, and the whole HEADER section comes as one token. End of input
 // inside anything ends that thing there.
@@ -24,6 +26,8 @@ namespace corvel {
 class Scanner {
  public:
   static constexpr std::size_t kTokensKept = 8;
+  // Bytes of blanks and comments that are kept as the text before a record.
+  static constexpr std::size_t kLongestLeadIn = 0xA00000;
 
   // Chooses the stream by the extension of `path`. An unknown one is reported with the key
   // "could_not_open_file_extension" and stops the scanner; `Stream()` is then null.
@@ -103,6 +107,27 @@ class Scanner {
   // From now on only EndOfFileToken is given.
   void Stop() { stopped_ = true; }
 
+  // Where comments, strings and numbers that swallow records are noted. Borrowed; null: nowhere.
+  void NoteIn(SkippedInput* skipped) { skipped_ = skipped; }
+
+  // The statement text matters inside of records only, and begins with the blanks and comments
+  // before them. Outside it is given up when it gets long, and then begins somewhere outside of
+  // comments.
+  void EnterRecord() { inRecord_ = true; }
+  void LeaveRecord() { inRecord_ = false; }
+  void DropLongLeadIn() {
+    if (!inRecord_ && stream_->StatementSize() > kLongestLeadIn) stream_->ClearStatementText();
+  }
+  // Where the last token begins that NextToken or PeekToken made outside of a record.
+  std::int64_t TokenOffset() const { return tokenOffset_; }
+  // Takes everything up to and including the next statement that ends with ENDSEC, whatever it is.
+  // Call with no token looked ahead.
+  void SkipSection();
+  // As a number is refused that is too large to be one: reports it and stops.
+  void RefuseNumber();
+  // `END-ISO...;` has been met, whole and outside of strings and comments.
+  bool MetClosingLine() const { return metClosingLine_; }
+
   // Line feeds met between tokens, plus 1.
   std::uint32_t Line() const { return line_; }
   // Commas and # of the current record.
@@ -124,7 +149,9 @@ class Scanner {
   int NextByte();
 
   bool SkipBlanks();
-  bool SkipComment();
+  bool SkipComment(std::int64_t start);
+  std::uint32_t RecordsInLastString(std::size_t start);
+  bool GoesOn(const std::string& number) const;
   template <class Accept>
   void AppendWhile(std::string& text, Accept accept);
 
@@ -144,9 +171,13 @@ class Scanner {
   std::uint32_t line_ = 1;
   std::uint32_t argument_ = 0;
   ErrorReporter showError_;
+  SkippedInput* skipped_ = nullptr;
+  std::int64_t tokenOffset_ = 0;
   bool stopped_ = false;
   bool afterSemicolon_ = false;
   bool inHeader_ = false;
+  bool inRecord_ = false;
+  bool metClosingLine_ = false;
 };
 
 }  // namespace corvel

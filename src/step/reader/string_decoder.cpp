@@ -12,7 +12,8 @@ namespace {
 
 constexpr int kEnd = -1;
 
-bool IsPlain(char c) { return c >= 0 && c != '\'' && c != '\\'; }
+// Records that a string swallows have a "#", and whoever takes plain text does not look for them.
+bool IsPlain(char c) { return c >= 0 && c != '\'' && c != '\\' && c != '#'; }
 
 // Eight bytes at once: not 0 when one of them is not plain.
 std::uint64_t AnyUnusual(const char* eight) {
@@ -22,7 +23,8 @@ std::uint64_t AnyUnusual(const char* eight) {
   std::memcpy(&bytes, eight, sizeof bytes);
   const std::uint64_t quotes = bytes ^ (kOnes * '\'');
   const std::uint64_t slashes = bytes ^ (kOnes * '\\');
-  return (bytes | (quotes - kOnes) | (slashes - kOnes)) & kHighBits;
+  const std::uint64_t hashes = bytes ^ (kOnes * '#');
+  return (bytes | (quotes - kOnes) | (slashes - kOnes) | (hashes - kOnes)) & kHighBits;
 }
 
 // The value of a digit as it is taken: nothing checks that it is one.

@@ -1,6 +1,7 @@
 #include "step/streams/input_stream.h"
 
 #include <cassert>
+#include <exception>
 
 namespace FileStream {
 
@@ -63,6 +64,15 @@ void InputStream::SkipUncounted(std::size_t count) {
   KeepConsumed();
   cursor_ += count;
   statementStart_ = deliveredStart_ = cursor_;
+}
+
+void InputStream::DropWindow() noexcept {
+  try {
+    KeepConsumed();
+  } catch (const std::exception&) {
+    carriedText_.clear();
+  }
+  SetWindow(nullptr, nullptr);
 }
 
 void InputStream::KeepConsumed() {

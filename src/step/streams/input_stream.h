@@ -88,11 +88,9 @@ class InputStream {
     cursor_ = statementStart_ = deliveredStart_ = begin;
     windowEnd_ = end;
   }
-  // Empties the window, whose bytes may then go; what was consumed of it is kept.
-  void DropWindow() {
-    KeepConsumed();
-    SetWindow(nullptr, nullptr);
-  }
+  // Empties the window, whose bytes may then go; what was consumed of it is kept, or the whole
+  // statement text is given up when there is no memory for it.
+  void DropWindow() noexcept;
   void ForgetSemicolon() {
     deliveredStart_ = cursor_;
     keptSemicolon_ = false;
