@@ -8,11 +8,11 @@
 #include "host/info_text.h"
 #include "host/model_run.h"
 #include "host/model_scene.h"
-#include "host/run_checks.h"
 #include "host/run_console.h"
 #include "host/tree_text.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
+#include "step/reader/skipped_input.h"
 
 namespace corvel::host {
 
@@ -84,7 +84,9 @@ ExitStatus RunTree(const CommandLine& line) {
   RunConsole console(RunConsole::StandardError(false));
   const WideString& path = line.inputs.front();
   ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames);
-  if (scene.schema && !HasClosingLine(path)) scene.problems.emplace_back(kCutShort);
+  if (scene.endWithoutClosingLine) {
+    scene.problems.push_back(ClosingLineIsMissing(path, *scene.endWithoutClosingLine));
+  }
   for (const auto* const texts : {&scene.remarks, &scene.problems}) {
     for (const WideString& text : *texts) console.Say(Printable(path).append(u": ").append(text));
   }

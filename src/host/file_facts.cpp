@@ -8,6 +8,7 @@
 #include "host/record_skipper.h"
 #include "host/run_checks.h"
 #include "step/reader/scanner.h"
+#include "step/reader/skipped_input.h"
 
 namespace corvel::host {
 
@@ -34,18 +35,21 @@ bool ReadRecord(Scanner& scanner, ClassCounts& counts) {
 
 // The records, up to the end of the input. What is missing there is a problem.
 void ReadRecords(Scanner& scanner, FileFacts& facts, ClassCounts& counts) {
-  bool closed = false;
   for (const Token* token = scanner.NextToken(); !token->Is(TokenType::EndOfFileToken);
        token = scanner.NextToken()) {
-    if (token->Is(TokenType::EndIsoToken)) closed = true;
     if (!token->Is(TokenType::IdentifierToken)) continue;
     const std::uint32_t number = token->number;
+    if (number == 0) {
+      scanner.RefuseNumber();
+      return;
+    }
     ++facts.records;
     if (ReadRecord(scanner, counts)) continue;
     facts.problems.push_back(u"The file ends inside of record #" + ToWide(number) + u".");
     return;
   }
-  if (!closed && !scanner.IsStopped()) facts.problems.emplace_back(kCutShort);
+  if (scanner.IsStopped() || scanner.MetClosingLine()) return;
+  facts.problems.push_back(ClosingLineIsMissing(facts.path, scanner.Stream()->Position()));
 }
 
 void ListClasses(const ClassCounts& counts, FileFacts& facts) {

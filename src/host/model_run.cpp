@@ -36,7 +36,7 @@ ExitStatus ModelRun::Run() {
   if (PathsAreGood() && !console_.ShallEnd()) {
     const bool listsAreGood = LoadScene();
     if (!listsAreGood && !console_.WasCancelled()) return ExitStatus::kWrongUsage;
-    if (!console_.ShallEnd()) result = Write();
+    if (!console_.ShallEnd() && ScenesAreReadable()) result = Write();
   }
   console_.EraseBars();
   return Conclude(result);
@@ -103,6 +103,7 @@ bool ModelRun::LoadScene() {
 bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   const std::vector<ObjectList>& lists = order_.choices.lists;
   model.scene = ReadScene(model.path, TextsForLists(lists, input));
+  if (model.scene.isUnreadable) return true;
   std::vector<WideString> mistakes;
   for (const ObjectList& list : lists) {
     if (list.input != input) continue;
@@ -114,6 +115,19 @@ bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   for (const WideString& problem : model.scene.problems) console_.Say(name + u": " + problem);
   console_.Say(u"See 'corvel tree " + name + u"'.");
   return false;
+}
+
+// What is missing in a scene would be missing in the output, as if the user had left it out.
+bool ModelRun::ScenesAreReadable() {
+  bool readable = true;
+  for (const LoadedModel& model : models_) {
+    if (!model.scene.isUnreadable) continue;
+    for (const WideString& problem : model.scene.problems) {
+      console_.Say(Printable(model.path) + u": " + problem);
+    }
+    readable = false;
+  }
+  return readable;
 }
 
 RunResult ModelRun::Write() {
@@ -164,15 +178,9 @@ RunResult ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
   return plugin.LastRun();
 }
 
-// The reader takes a file that was cut short without a word, as far as it goes.
-bool ModelRun::RemarkCutFiles() {
-  bool remarked = false;
-  for (const WideString& input : order_.inputs) {
-    if (HasClosingLine(input)) continue;
-    console_.Say(Printable(input) + u": " + kCutShort);
-    remarked = true;
-  }
-  return remarked;
+// The log alone has them in the plug-in. Here they stand where somebody looks.
+void ModelRun::SayRemarks(const RunResult& result) {
+  for (const auto& [path, remark] : result.remarks) console_.Say(Printable(path) + u": " + remark);
 }
 
 // Nobody wanted that: whoever starts runs that nobody watches has two options against it.
@@ -182,8 +190,8 @@ bool ModelRun::StoppedUnasked() const {
 
 ExitStatus ModelRun::Conclude(const RunResult& result) {
   const bool written = result.written;
-  const bool cut = written && RemarkCutFiles();
-  const bool reported = console_.LogWasOffered() || cut;
+  SayRemarks(result);
+  const bool reported = console_.LogWasOffered();
   if (written && !reported) return ExitStatus::kDone;
   WideString line;
   if (written) {

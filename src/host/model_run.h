@@ -42,11 +42,12 @@ class ModelRun {
   bool InputsAreGood();
   LogPlace PlaceOfLog();
   bool LoadScene();
+  bool ScenesAreReadable();
   bool Load(std::size_t input, LoadedModel& model);
   RunResult Write();
   RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
   plugin::RunListener Listener();
-  bool RemarkCutFiles();
+  void SayRemarks(const RunResult& result);
   bool StoppedUnasked() const;
   ExitStatus Conclude(const RunResult& result);
 

@@ -20,13 +20,17 @@ void ReadOpened(Scanner& scanner, SceneTexts texts, ModelScene& scene) {
   try {
     const FactoryTable& factories = FactoriesOf(*schema);
     scene.schema = schema;
-    ReadSceneRecords(*scanner.Stream(), factories, texts, scene);
+    if (!ReadSceneRecords(*scanner.Stream(), factories, texts, scene)) {
+      scene.problems.emplace_back(u"The file ends inside of a string.");
+      scene.isUnreadable = true;
+    }
   } catch (const std::exception& error) {
     // Half a scene would have a merge drop the other half.
     ModelScene nothing;
     nothing.remarks = std::move(scene.remarks);
     nothing.problems = std::move(scene.problems);
     nothing.problems.push_back(Widen(error.what()));
+    nothing.isUnreadable = true;
     scene = std::move(nothing);
   }
 }
@@ -56,15 +60,23 @@ ModelScene ReadScene(const WideString& path, SceneTexts texts) {
   ModelScene scene;
   if (auto trouble = TroubleWithInput(path)) {
     scene.problems.push_back(std::move(*trouble));
+    scene.isUnreadable = true;
     return scene;
   }
-  const Hearing problems(scene.problems);
-  Scanner scanner(path, kModelBuffer, Hear);
-  if (scanner.IsOpen()) {
-    ReadOpened(scanner, texts, scene);
-  } else {
-    scene.problems.emplace_back(u"Could not open the file");
+  std::vector<WideString> heard;
+  {
+    const Hearing problems(heard);
+    Scanner scanner(path, kModelBuffer, Hear);
+    if (scanner.IsOpen()) {
+      ReadOpened(scanner, texts, scene);
+    } else {
+      scene.problems.emplace_back(u"Could not open the file");
+      scene.isUnreadable = true;
+    }
   }
+  // Whatever a stream has to say, it could not deliver all that the file holds.
+  if (!heard.empty()) scene.isUnreadable = true;
+  scene.problems.insert(scene.problems.begin(), heard.begin(), heard.end());
   return scene;
 }
 

@@ -38,6 +38,11 @@ struct ModelScene {
   std::optional<SchemaNamespace> schema;  // nothing: the file could not be read as a model
   std::vector<WideString> remarks;        // worth knowing
   std::vector<WideString> problems;       // what is wrong with the file as a whole
+  // The file could not be looked through, `problems` tell why: it may have objects that are not
+  // here. A file of a release that nobody serves is not meant.
+  bool isUnreadable = false;
+  // Where a file ended that has no closing line.
+  std::optional<std::int64_t> endWithoutClosingLine;
 
   const std::string& ClassOf(const SceneObject& object) const { return classes[object.classId]; }
   // Decoded; empty where the record has none or it was not read.

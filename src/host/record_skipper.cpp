@@ -9,6 +9,7 @@ namespace {
 using FileStream::InputStream;
 
 constexpr int kEnd = -1;
+constexpr char kLastByte = '\xFF';
 
 int Peek(InputStream& stream) {
   return HasByte(stream) ? static_cast<unsigned char>(*stream.Cursor()) : kEnd;
@@ -75,22 +76,25 @@ void SkipDirective(InputStream& stream) {
   }
 }
 
-// The ";" of a record whose rest stands in the window, with neither string nor comment: of most
-// records of a model. Null when a closer look is needed.
+// The ";" of a record whose rest stands in the window, with neither string nor comment nor the end
+// of the input: of most records of a model. Null when a closer look is needed.
 const char* PlainEnd(const char* at, const char* end) {
   const auto find = [at](char byte, const char* until) {
     return static_cast<const char*>(std::memchr(at, byte, static_cast<std::size_t>(until - at)));
   };
   const char* const semicolon = find(';', end);
   if (semicolon == nullptr || find('\'', semicolon) != nullptr) return nullptr;
+  if (find(kLastByte, semicolon) != nullptr) return nullptr;
   return find('/', semicolon) == nullptr ? semicolon : nullptr;
 }
+
+bool IsNotable(char c) { return c == ';' || c == '\'' || c == '/' || c == kLastByte; }
 
 bool IsBlank(char c) { return c == ' ' || (c >= 9 && c <= 13) || c == '_'; }
 
 }  // namespace
 
-bool SkipToSemicolon(InputStream& stream) {
+bool SkipToSemicolon(InputStream& stream, bool* endsInString) {
   if (!HasByte(stream)) return false;
   if (const char* const semicolon = PlainEnd(stream.Cursor(), stream.WindowEnd())) {
     stream.SetCursor(semicolon);
@@ -99,12 +103,16 @@ bool SkipToSemicolon(InputStream& stream) {
   while (HasByte(stream)) {
     const char* at = stream.Cursor();
     const char* const end = stream.WindowEnd();
-    while (at != end && *at != ';' && *at != '\'' && *at != '/') ++at;
+    while (at != end && !IsNotable(*at)) ++at;
     stream.SetCursor(at);
     if (at == end) continue;
     if (*at == ';') return true;
+    if (*at == kLastByte) return false;
+    const bool isString = *at == '\'';
     Take(stream);
-    if (!(*at == '\'' ? SkipString(stream) : SkipIfComment(stream))) return false;
+    if (isString ? SkipString(stream) : SkipIfComment(stream)) continue;
+    if (isString && endsInString != nullptr) *endsInString = true;
+    return false;
   }
   return false;
 }
@@ -134,7 +142,7 @@ bool SkipBlanks(InputStream& stream) {
     while (at != end && IsBlank(*at)) ++at;
     stream.SetCursor(at);
     if (at == end) continue;
-    if (*at != '/') return true;
+    if (*at != '/') return *at != kLastByte;
     Take(stream);
     if (!SkipIfComment(stream)) return false;
   }

@@ -5,6 +5,8 @@
 
 namespace corvel::host {
 
+// As for the scanner, a byte of 255 outside of strings and comments ends the input; it stays.
+//
 // Each of these throws away what the stream keeps of the statement at hand. Call with no token
 // looked ahead.
 
@@ -16,8 +18,9 @@ inline bool HasByte(FileStream::InputStream& stream) {
 }
 
 // Moves to the ";" that ends the record at hand, past strings and comments; the next byte of the
-// stream is then the ";". False when the input ends before.
-bool SkipToSemicolon(FileStream::InputStream& stream);
+// stream is then the ";". False when the input ends before; `endsInString` is set when it does so
+// inside of a string.
+bool SkipToSemicolon(FileStream::InputStream& stream, bool* endsInString = nullptr);
 
 // Call behind the opening apostrophe of a string. Moves behind the closing one, which is the one
 // that the decoder of strings takes for it. False when the input ends before.

@@ -37,12 +37,13 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
   constexpr int kOneFile = 1;
   document.OpenFile(input, kOneFile);
   if (document.IsCancelled()) log.LogText(u"Reading file cancelled.");
-  if (!document.IsParsed()) return {};
+  RunResult result;
+  for (const WideString& remark : document.Remarks()) result.remarks.emplace_back(input, remark);
+  if (!document.IsParsed()) return result;
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");
   constexpr int kComplete = 1;
-  RunResult result;
   result.written = document.SaveFile(output) == kComplete;
   result.outputKeptAt = document.outputKeptAt;
   if (result.written) log.LogText(u"Saving DONE");

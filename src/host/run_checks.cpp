@@ -1,16 +1,13 @@
 #include "host/run_checks.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <filesystem>
-#include <string>
 #include <system_error>
 
 #include "platform/file.h"
 #include "platform/locked_file.h"
 #include "platform/native_path.h"
 #include "step/streams/input_zip_file_stream.h"
-#include "step/streams/open_input.h"
 #include "step/writer/unfinished_output.h"
 
 namespace corvel::host {
@@ -101,23 +98,6 @@ bool CanBeWritten(const WideString& path) {
   return output.Open().IsOpen();
 }
 
-constexpr std::int64_t kNearEnd = 0x10000;
-constexpr char kClosing[] = "END-ISO";
-
-// All of the entry has to be decompressed for it.
-std::string LastBytesOfEntry(const WideString& path) {
-  constexpr std::size_t kWindow = 0x100000;
-  const auto stream = FileStream::OpenInput(path, kWindow, nullptr);
-  std::string last;
-  while (stream != nullptr && stream->Refill()) {
-    last.append(stream->Cursor(), stream->WindowEnd());
-    last.erase(0, last.size() - std::min<std::size_t>(last.size(), kNearEnd));
-    stream->SetCursor(stream->WindowEnd());
-    stream->ClearStatementText();
-  }
-  return last;
-}
-
 std::optional<WideString> Told(const char16_t* trouble) {
   if (trouble == nullptr) return {};
   return trouble;
@@ -168,17 +148,6 @@ std::optional<WideString> TroubleWithLog(const WideString& path) {
     return u"the log goes to ordinary files only";
   }
   return {};
-}
-
-bool HasClosingLine(const WideString& path) {
-  if (!IsPlainModel(path)) return LastBytesOfEntry(path).find(kClosing) != std::string::npos;
-  platform::File file;
-  if (!file.Open(path, platform::OpenMode::kRead)) return false;
-  const std::int64_t size = file.Size();
-  std::string end(static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, kNearEnd)), '\0');
-  if (!file.Seek(size - static_cast<std::int64_t>(end.size()))) return false;
-  end.resize(file.Read(end.data(), end.size()));
-  return end.find(kClosing) != std::string::npos;
 }
 
 }  // namespace corvel::host

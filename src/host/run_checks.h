@@ -24,12 +24,4 @@ std::optional<WideString> TroubleWithWorkFolder(const WideString& folder);
 // without a log.
 std::optional<WideString> TroubleWithLog(const WideString& path);
 
-// What is said of a file without its closing line.
-inline constexpr char16_t kCutShort[] =
-    u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short.";
-
-// True when the closing line of a STEP file stands near the end of the file at `path`. A file
-// without it was cut short, most likely, and the reader takes it without a word as far as it goes.
-bool HasClosingLine(const WideString& path);
-
 }  // namespace corvel::host

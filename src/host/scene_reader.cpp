@@ -35,24 +35,49 @@ class SceneReader {
               ModelScene& scene)
       : stream_(stream), classes_(factories), texts_(texts), scene_(scene) {}
 
-  void Run() {
-    while (SkipBlanks(stream_)) {
+  // False when the input ends inside of a string.
+  bool Run() {
+    while (!endsInString_ && SkipBlanks(stream_)) {
       const char byte = Byte();
+      if (IsLetter(byte)) {
+        TakeWord();
+        continue;
+      }
       Take();
       if (byte == '#') {
         ReadRecord();
-      } else if (byte == '\'' && !SkipString(stream_)) {
-        break;
+      } else if (byte == '\'') {
+        PassString();
       }
     }
+    if (!isClosed_) scene_.endWithoutClosingLine = stream_.Position();
     SortObjects();
     SettleParents(links_, scene_.objects);
     scene_.classes = classes_.TakeNames();
+    return !endsInString_;
   }
 
  private:
   char Byte() const { return *stream_.Cursor(); }
   void Take() { stream_.SetCursor(stream_.Cursor() + 1); }
+
+  bool PassString() {
+    endsInString_ = !SkipString(stream_);
+    return !endsInString_;
+  }
+
+  // Between records. Behind END and ISO everything up to the ";" belongs to the word.
+  void TakeWord() {
+    constexpr std::string_view kBehindEnd = "-ISO";
+    const std::string_view word = ReadWord();
+    const bool isEnd = word == "END";
+    if (!isEnd && word != "ISO") return;
+    std::string begin;
+    for (; HasByte(stream_) && Byte() != ';'; Take()) {
+      if (begin.size() < kBehindEnd.size()) begin.push_back(Byte());
+    }
+    if (isEnd && begin == kBehindEnd && HasByte(stream_)) isClosed_ = true;
+  }
 
   // Behind its "#". Stops before the ";", which nobody needs.
   void ReadRecord() {
@@ -63,7 +88,7 @@ class SceneReader {
       const SceneClass found = classes_.Find(ReadWord());
       if (number != 0) TakeRecord(number, found);
     }
-    SkipToSemicolon(stream_);
+    if (!endsInString_) SkipToSemicolon(stream_, &endsInString_);
   }
 
   void TakeRecord(std::uint32_t number, const SceneClass& found) {
@@ -108,13 +133,13 @@ class SceneReader {
     ModelScene::Label& label = scene_.labels.emplace_back();
     label.start = scene_.texts.size();
     const auto takeText = [&](const Place& place) {
-      if (place.depth != 1) return SkipString(stream_);
+      if (place.depth != 1) return PassString();
       if (place.argument == kGuidArgument && label.guidLength == 0) {
         label.guidLength = AppendText();
       } else if (place.argument == kNameArgument && label.nameLength == 0) {
         label.nameLength = AppendText();
       } else {
-        return SkipString(stream_);
+        return PassString();
       }
       return true;
     };
@@ -128,6 +153,8 @@ class SceneReader {
     const std::size_t before = scene_.texts.size();
     stream_.ClearStatementText();
     DecodeString(stream_, scene_.texts);
+    const bool quoted = stream_.StatementView().ends_with('\'');
+    endsInString_ = !quoted && !HasByte(stream_);
     return static_cast<std::uint32_t>(scene_.texts.size() - before);
   }
 
@@ -137,7 +164,7 @@ class SceneReader {
     const unsigned childDepth = shape.manyChildren ? 2 : 1;
     WalkArguments(
         std::max(shape.parentArgument, shape.childArgument),
-        [this](const Place&) { return SkipString(stream_); },
+        [this](const Place&) { return PassString(); },
         [&](const Place& place, std::uint32_t named) {
           if (place.argument == shape.parentArgument && place.depth == 1) parent = named;
           if (place.argument == shape.childArgument && place.depth == childDepth) {
@@ -211,13 +238,15 @@ class SceneReader {
   ModelScene& scene_;
   std::vector<ParentLink> links_;
   std::string word_;
+  bool isClosed_ = false;  // the closing line has been met
+  bool endsInString_ = false;
 };
 
 }  // namespace
 
-void ReadSceneRecords(FileStream::InputStream& stream, const FactoryTable& factories,
+bool ReadSceneRecords(FileStream::InputStream& stream, const FactoryTable& factories,
                       SceneTexts texts, ModelScene& scene) {
-  SceneReader(stream, factories, texts, scene).Run();
+  return SceneReader(stream, factories, texts, scene).Run();
 }
 
 }  // namespace corvel::host

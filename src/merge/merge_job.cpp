@@ -281,9 +281,18 @@ void MergeJob::Conclude() {
 
 // The models go before the user is asked about the log, which may take a while.
 RunResult MergeJob::End(bool written) {
+  RunResult result;
+  for (const auto& document : documents_) {
+    for (const WideString& remark : document->Remarks()) {
+      result.remarks.emplace_back(document->getFilePath(), remark);
+    }
+  }
   documents_.clear();
   shell_.FinishRun();
-  return {written, CancelWasConfirmed(), std::move(outputKeptAt_)};
+  result.written = written;
+  result.cancelled = CancelWasConfirmed();
+  result.outputKeptAt = std::move(outputKeptAt_);
+  return result;
 }
 
 }  // namespace corvel

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "core/document.h"
@@ -18,6 +19,8 @@ struct RunResult {
   bool cancelled = false;  // somebody answered a cancel question with Yes
   // Where the complete output lies when it could not be put at its place; empty otherwise.
   WideString outputKeptAt;
+  // Path of an input, and a remark on it: see IfcDocument::Remarks.
+  std::vector<std::pair<WideString, WideString>> remarks;
 };
 
 // One run at a time, from its start to its end within one call. All models that take part are in

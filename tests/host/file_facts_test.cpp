@@ -108,16 +108,37 @@ TEST(FileFacts, AFileThatEndsInsideARecordNamesIt) {
 }
 
 TEST(FileFacts, AFileThatEndsBetweenRecordsLacksItsClosingLine) {
-  const Texts cut{
-      u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short."};
-  EXPECT_EQ(cut, FactsOf(HeaderOf("IFC4") + "#1=IFCWALL();\n").problems);
-  EXPECT_EQ(cut, FactsOf(HeaderOf("IFC4")).problems);
-  EXPECT_EQ(cut, FactsOf(HeaderOf("IFC4") + "#1=IFCWALL('END-ISO-10303-21;');").problems);
+  const auto cutAt = [](const char16_t* line) {
+    return Texts{
+        u"The closing line END-ISO-10303-21; is missing: the file seems to be cut short. The "
+        u"reading ended in line " +
+        WideString(line) + u"."};
+  };
+  EXPECT_EQ(cutAt(u"9"), FactsOf(HeaderOf("IFC4") + "#1=IFCWALL();\n").problems);
+  EXPECT_EQ(cutAt(u"8"), FactsOf(HeaderOf("IFC4")).problems);
+  EXPECT_EQ(cutAt(u"9"), FactsOf(HeaderOf("IFC4") + "#1=IFCWALL('\nEND-ISO-10303-21;');").problems);
+  EXPECT_EQ(cutAt(u"8"), FactsOf(HeaderOf("IFC4") + "/* END-ISO-10303-21; */").problems);
+  EXPECT_EQ(cutAt(u"8"), FactsOf(HeaderOf("IFC4") + "ENDSEC;END-ISO-10303-21").problems)
+      << "its end is missing";
+}
+
+TEST(FileFacts, ClosingLinesAreMetHoweverMuchStandsBehind) {
+  EXPECT_EQ(Texts{}, FactsOf(ModelOf("") + std::string(1 << 20, ' ')).problems);
+  EXPECT_EQ(Texts{}, FactsOf(ModelOf("") + std::string(1 << 20, '\0')).problems);
+}
+
+TEST(FileFacts, AByteOf255EndsTheFile) {
+  const FileFacts facts = FactsOf(HeaderOf("IFC4") + "#1=IFCWALL();\n\xFF#2=IFCWALL();\n" +
+                                  "ENDSEC;\nEND-ISO-10303-21;\n");
+  EXPECT_EQ(1u, facts.records);
+  ASSERT_EQ(1u, facts.problems.size());
+  EXPECT_TRUE(facts.problems[0].ends_with(u" The reading ended in line 9."));
 }
 
 TEST(FileFacts, ARecordWithoutASensibleNumberIsAProblem) {
   EXPECT_EQ(Texts{u"stoul argument out of range"},
             FactsOf(ModelOf("#4294967280=IFCWALL();")).problems);
+  EXPECT_EQ(Texts{u"stoul argument out of range"}, FactsOf(ModelOf("#0=IFCWALL();")).problems);
   EXPECT_EQ(Texts{u"invalid stoul argument"}, FactsOf(ModelOf("#=IFCWALL();")).problems);
 }
 

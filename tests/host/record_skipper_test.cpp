@@ -16,7 +16,9 @@ namespace {
 using Skip = std::function<bool(FileStream::InputStream&)>;
 
 // What `skip` leaves of `text`, in windows of every size; "(end)" when the input ends before.
-std::string RestOf(const std::string& text, const Skip& skip = SkipToSemicolon) {
+std::string RestOf(
+    const std::string& text,
+    const Skip& skip = [](FileStream::InputStream& stream) { return SkipToSemicolon(stream); }) {
   std::string first;
   for (std::size_t window = 1; window <= text.size() + 1; ++window) {
     test::MemoryInputStream stream(text, window);
@@ -67,6 +69,24 @@ TEST(SkipToSemicolon, TheEndOfTheInputIsNoSemicolon) {
   EXPECT_EQ("(end)", RestOf(""));
 }
 
+TEST(SkipToSemicolon, AnEndInsideOfAStringIsTold) {
+  for (const auto& [text, inString] :
+       {std::pair("('a;", true), std::pair("('a');x", false), std::pair("(/* ' ", false),
+        std::pair("(1,2)", false), std::pair("('a',$", false), std::pair("('a''b", true)}) {
+    bool endsInString = false;
+    test::MemoryInputStream stream(text);
+    SkipToSemicolon(stream, &endsInString);
+    EXPECT_EQ(inString, endsInString) << text;
+  }
+}
+
+TEST(SkipToSemicolon, AByteOf255OutsideOfStringsAndCommentsEndsTheInput) {
+  EXPECT_EQ("(end)", RestOf("(1,\xFF$);x"));
+  EXPECT_EQ("(end)", RestOf("('a',/**/\xFF$);x"));
+  EXPECT_EQ(";x", RestOf("('\xFF',/*\xFF*/1);x"));
+  EXPECT_EQ(";\xFE", RestOf("(1);\xFE"));
+}
+
 TEST(SkipToSemicolon, AnApostropheBehindADirectiveDoesNotEndTheString) {
   EXPECT_EQ(";x", RestOf(R"(('\S\';'),);x)"));
 }
@@ -106,6 +126,7 @@ TEST(SkipBlanks, StopsAtWhatIsNoBlankAndNoComment) {
   EXPECT_EQ("#1", RestOf("#1", SkipBlanks));
   EXPECT_EQ("(end)", RestOf("  /* #1", SkipBlanks));
   EXPECT_EQ("(end)", RestOf("", SkipBlanks));
+  EXPECT_EQ("(end)", RestOf(" /*\xFF*/\xFF#1", SkipBlanks));
 }
 
 }  // namespace corvel::host

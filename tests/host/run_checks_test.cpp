@@ -94,19 +94,6 @@ TEST_F(RunChecks, LinksInACircleHaveNoEnd) {
 }
 #endif
 
-TEST_F(RunChecks, TheClosingLineStandsNearTheEnd) {
-  const auto closed = [this](const std::string& bytes) {
-    return HasClosingLine(folder.Write("end.ifc", bytes));
-  };
-  EXPECT_TRUE(closed("ENDSEC;\nEND-ISO-10303-21;\n"));
-  EXPECT_TRUE(closed("ENDSEC;\nEND-ISO-10303-21;" + std::string(1000, '\0')));
-  EXPECT_TRUE(closed(std::string(1 << 20, ' ') + "END-ISO-10303-21;"));
-  EXPECT_FALSE(closed("ENDSEC;\nEND-IS"));
-  EXPECT_FALSE(closed("END-ISO-10303-21;" + std::string(1 << 20, ' ')));
-  EXPECT_FALSE(closed(""));
-  EXPECT_FALSE(HasClosingLine(folder.Path("none.ifc")));
-}
-
 TEST_F(RunChecks, AnArchiveWithAModelIsAnInput) {
   const std::string archive = test::ZipOf({{"sub/", ""}, {"sub/m.ifc", "x"}, {"empty", ""}});
   EXPECT_EQ(Trouble(), TroubleWithInput(folder.Write("a.IfcZip", archive)));
@@ -124,22 +111,6 @@ TEST_F(RunChecks, AnArchiveTellsWhatIsWrongWithIt) {
   EXPECT_EQ(u"Could not go to specified file in zip archive. File path: " + entry,
             TroubleWithInput(entry));
   EXPECT_EQ(u"this file is empty", TroubleWithInput(folder.Write("e.ifczip", "")));
-}
-
-TEST_F(RunChecks, TheClosingLineOfAnEntryStandsNearItsEnd) {
-  const auto closed = [this](const std::string& model) {
-    const std::string archive = test::ZipOf({{"m.ifc", model}});
-    folder.Write("end.olf", archive);
-    const bool inContainer = HasClosingLine(folder.Path("end.olf") + u"|m.ifc");
-    EXPECT_EQ(inContainer, HasClosingLine(folder.Write("end.ifczip", archive)));
-    return inContainer;
-  };
-  EXPECT_TRUE(closed(std::string(3 << 20, ' ') + "END-ISO-10303-21;"));
-  // The border between two windows in it.
-  EXPECT_TRUE(closed(std::string((1 << 20) - 3, ' ') + "END-ISO-10303-21;"));
-  EXPECT_FALSE(closed("END-ISO-10303-21;" + std::string(1 << 20, ' ')));
-  EXPECT_FALSE(closed("ENDSEC;\nEND-IS"));
-  EXPECT_FALSE(HasClosingLine(folder.Path("none.ifczip")));
 }
 
 TEST_F(RunChecks, AContainerIsNeverAnOutput) {

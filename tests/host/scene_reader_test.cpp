@@ -74,6 +74,36 @@ TEST(SceneReader, RecordsThatCannotBeReadAreAbsent) {
                     "#1 IFCWALL();#2=;#3='x';#4=#5;# 6=IFCWALL();;##7=IFCWALL();#9=IFCWALL();"));
 }
 
+TEST(SceneReader, TheEndIsToldOfAFileWithoutItsClosingLineOnly) {
+  const auto endOf = [](const std::string& records) {
+    return SceneOf(records).endWithoutClosingLine.value_or(-1);
+  };
+  EXPECT_EQ(-1, endOf("#1=IFCWALL();\nENDSEC;\nEND-ISO-10303-21;\n"));
+  EXPECT_EQ(-1, endOf("ENDSEC ; END-ISO-10303-21 ;" + std::string(1 << 20, ' ')));
+  EXPECT_EQ(22, endOf("ENDSEC;END-ISO-10303-2"));
+  EXPECT_EQ(14, endOf("#1=IFCWALL();\n"));
+  EXPECT_EQ(20, endOf("'END-ISO-10303-21;' "));
+  EXPECT_EQ(1, endOf("\n\xFF"
+                     "END-ISO-10303-21;"));
+}
+
+TEST(SceneReader, AFileThatEndsInsideOfAStringIsNoScene) {
+  const auto isWhole = [](const std::string& records) {
+    test::MemoryInputStream stream(records);
+    ModelScene scene;
+    return ReadSceneRecords(stream, FactoriesOf(SchemaNamespace::IFC4), SceneTexts::kGuids, scene);
+  };
+  EXPECT_TRUE(isWhole("#1=IFCWALL('a','b');"));
+  EXPECT_TRUE(isWhole("#1=IFCWALL('a','b'"));
+  EXPECT_TRUE(isWhole("#1=IFCWALL('a'"));
+  EXPECT_TRUE(isWhole("#1=IFCPERSON('a' /* ' */ ,$); /* '"));
+  EXPECT_FALSE(isWhole("#1=IFCWALL('a','b);"));
+  EXPECT_FALSE(isWhole("#1=IFCWALL('a,'b');"));
+  EXPECT_FALSE(isWhole("#1=IFCPERSON('a);"));
+  EXPECT_FALSE(isWhole("#1=IFCRELAGGREGATES('a);"));
+  EXPECT_FALSE(isWhole("'#1=IFCWALL();"));
+}
+
 TEST(SceneReader, TheLargestNumberIsOne) {
   EXPECT_EQ("4294967279:IfcWall", DescribedText("#4294967279=IFCWALL();"));
 }
