@@ -6,6 +6,7 @@
 
 #include "host/scene_of_text.h"
 #include "support/temporary_folder.h"
+#include "support/zip_bytes.h"
 
 namespace corvel::host {
 
@@ -55,8 +56,35 @@ TEST(ModelScene, AFileThatIsNoModelHasAProblemAndNoObjects) {
   EXPECT_EQ(std::nullopt, scene.schema);
 }
 
+TEST(ModelScene, OfAFileThatEndsInsideOfAStringIsUnreadable) {
+  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCWALL('w);\n#2=IFCWALL('x');"));
+  EXPECT_EQ(Texts{u"The file ends inside of a string."}, scene.problems);
+  EXPECT_TRUE(scene.isUnreadable);
+}
+
+TEST(ModelScene, OfADamagedArchiveIsUnreadable) {
+  const test::TemporaryFolder folder;
+  test::ZipEntry entry{"m.ifc", ModelOf("#1=IFCWALL('w');")};
+  entry.checksum = 7;
+  const WideString path = folder.Write("m.ifczip", test::ZipOf({entry}));
+  const ModelScene scene = ReadScene(path, SceneTexts::kNone);
+  EXPECT_EQ(Texts{u"The data in the zip archive is damaged: " + path}, scene.problems);
+  EXPECT_TRUE(scene.isUnreadable);
+}
+
+TEST(ModelScene, OfAFileWithoutItsClosingLineIsReadable) {
+  std::string bytes = ModelOf("#1=IFCWALL('w');");
+  bytes.resize(bytes.rfind("END-ISO"));
+  const ModelScene scene = SceneOfFile(bytes);
+  EXPECT_EQ(static_cast<std::int64_t>(bytes.size()), scene.endWithoutClosingLine);
+  EXPECT_EQ(Texts{}, scene.problems);
+  EXPECT_FALSE(scene.isUnreadable);
+  EXPECT_EQ("1:IfcWall", Described(scene));
+}
+
 TEST(ModelScene, AnUnknownSchemaIsAProblem) {
   const ModelScene scene = SceneOfFile(ModelOf("#1=IFCWALL('w');", "IFC5"));
+  EXPECT_FALSE(scene.isUnreadable) << "the plug-in leaves such a file out and names it";
   EXPECT_EQ(Texts{u"Unknown schema identifier: IFC5"}, scene.problems);
   EXPECT_EQ("", Described(scene));
 }

@@ -268,6 +268,16 @@ TEST_F(TemporaryFile, IsCompleteWhateverItsLength) {
   }
 }
 
+TEST_F(TemporaryFile, BeginsOutsideOfACommentThatIsTooLongToBeKept) {
+  for (const char* const lead : {"", "/* before */"}) {
+    const std::string comment = "/*" + std::string(2 * Scanner::kLongestLeadIn, 'c') + "*/";
+    Model model(lead + comment + "\n#1=IFCLOCALPLACEMENT(#2,$);\n#2=IFCLOCALPLACEMENT($,$);");
+    EXPECT_TRUE(model.IsRead());
+    EXPECT_EQ("#1=IFCLOCALPLACEMENT(#2,*);", model.Line(1));
+    EXPECT_EQ("\n#1=IFCLOCALPLACEMENT(#2,$);", model.Folder().Read("model_TEMP.ifc"));
+  }
+}
+
 // --- What stays ----------------------------------------------------------------------------------
 
 TEST_F(TemporaryFile, StaysAfterACompleteRead) {

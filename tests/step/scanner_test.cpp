@@ -323,6 +323,34 @@ TEST(Scanner, StatementTextHoldsNoMoreThanWasTaken) {
   EXPECT_EQ("  #2", scanner->Stream()->StatementText());
 }
 
+TEST(Scanner, BlanksBeforeARecordAreKeptUpToALimit) {
+  for (const char* const blank : {" ", ",", "/* c */"}) {
+    std::string text;
+    while (text.size() < 3 * Scanner::kLongestLeadIn) text += blank;
+    constexpr std::size_t kWindow = 1 << 20;
+    const auto scanner = ScannerOn(text + "#1=", nullptr, kWindow);
+    EXPECT_TRUE(scanner->NextToken()->Is(TokenType::IdentifierToken));
+    EXPECT_LE(scanner->Stream()->StatementSize(), Scanner::kLongestLeadIn + 2 * kWindow) << blank;
+  }
+}
+
+TEST(Scanner, WhatIsKeptBehindALongCommentBeginsOutsideOfIt) {
+  const std::string comment = "/*" + std::string(Scanner::kLongestLeadIn + 5, 'c') + "*/";
+  const auto scanner = ScannerOn(comment + " #1=", nullptr, 1 << 20);
+  scanner->NextToken();
+  EXPECT_EQ(" #1", scanner->Stream()->StatementText());
+}
+
+TEST(Scanner, InARecordEverythingIsKept) {
+  const std::string text =
+      "#1" + std::string(Scanner::kLongestLeadIn, ' ') + "/*" + std::string(1 << 20, 'c') + "*/=";
+  const auto scanner = ScannerOn(text, nullptr, 1 << 18);
+  scanner->NextToken();
+  scanner->EnterRecord();
+  scanner->NextToken();
+  EXPECT_TRUE(text == scanner->Stream()->StatementText());
+}
+
 // --- Opening -------------------------------------------------------------------------------------
 
 TEST(Scanner, AnUnknownExtensionIsReportedAndStopsTheScanner) {

@@ -135,8 +135,12 @@ TEST_F(Skipped, TheWordOfASectionAmongRecordsIsText) {
 
 TEST_F(Skipped, SurplusArgumentsAreToldWithTheirRecord) {
   EXPECT_EQ((Texts{kSurplus + "Places: 2, the first in line 10 at #2.\n"}),
-            OfRecords(Person(1) + "#2=IFCPERSON($,$,$,$,$,$,$,$,'x');\n#3=IFCPERSON());\n"));
+            OfRecords(Person(1) + "#2=IFCPERSON($,$,$,$,$,$,$,$,'x');\n#3=IFCPERSON()$);\n"));
   EXPECT_EQ(3u, records_);
+}
+
+TEST_F(Skipped, BracketsBehindTheArgumentsAreNotTold) {
+  EXPECT_EQ(Texts{}, OfRecords("#1=IFCPERSON())) );"));
 }
 
 TEST_F(Skipped, AMissingSemicolonIsToldWithTheRecordsBehindIt) {

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -36,6 +37,30 @@ class FileSizeLimit {
 
   struct rlimit before_ {};
   void (*handlerBefore_)(int);
+};
+
+// While it lives, the process gets no more than `bytes` of memory on top of what it has.
+class MemoryLimit {
+ public:
+  explicit MemoryLimit(rlim_t bytes) {
+    std::FILE* const file = std::fopen("/proc/self/statm", "r");
+    unsigned long pages = 0;
+    const bool known = file != nullptr && std::fscanf(file, "%lu", &pages) == 1;
+    if (file != nullptr) std::fclose(file);
+    if (!known || ::getrlimit(RLIMIT_AS, &before_) != 0) throw std::runtime_error("getrlimit");
+    Set(pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + bytes);
+  }
+  ~MemoryLimit() { Set(before_.rlim_cur); }
+  MemoryLimit(const MemoryLimit&) = delete;
+  MemoryLimit& operator=(const MemoryLimit&) = delete;
+
+ private:
+  void Set(rlim_t bytes) {
+    const struct rlimit limit = {bytes, before_.rlim_max};
+    if (::setrlimit(RLIMIT_AS, &limit) != 0) std::abort();
+  }
+
+  struct rlimit before_ {};
 };
 
 // The superuser may write everywhere; while this lives, the process is a user who may not.

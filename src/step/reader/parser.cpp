@@ -161,18 +161,19 @@ bool Parser::ReadFirstPart(int fileCount) {
   log.SetFlushEveryLine(true);
   for (std::uint32_t number = 0; FindRecord(number);) {
     if (ReadRecord(number, fileCount)) continue;
-    TellSkipped();
+    TellSkipped(scanner->Stream()->Position());
     return false;
   }
   // Half a model is worse than none.
   FileStream::InputStream& stream = *scanner->Stream();
+  const std::int64_t end = stream.Position();
   const bool damaged = IsStopped() ? stream.IsDamaged() : !CameWhole(stream);
   if (!saved_->Finish() || damaged) {
     state = ParserState::kFailed;
     saved_->Discard();
     return false;
   }
-  TellSkipped();
+  TellSkipped(end);
   return !IsStopped();
 }
 
@@ -189,10 +190,9 @@ bool Parser::FindRecord(std::uint32_t& number) {
   return false;
 }
 
-// What the first pass has passed over, and an input that ends before its end.
-void Parser::TellSkipped() {
+// What the first pass has passed over up to `end`, and that the input has no closing line.
+void Parser::TellSkipped(std::int64_t end) {
   if (state == ParserState::kCancelled) return;
-  const std::int64_t end = scanner->Stream()->Position();
   remarks = skipped_.TakeTexts(filePath);
   if (!IsStopped() && !scanner->MetClosingLine()) {
     remarks.push_back(ClosingLineIsMissing(filePath, end));
@@ -309,8 +309,8 @@ void Parser::TakeOpenBracket() {
 // Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
 // was left in the middle of a string or bracket ends at its ";" all the same.
 void Parser::TakeRestOfRecord() {
-  const bool closed = scanner->TakeSign(')');
-  if (!scanner->TakeSemicolon()) borders_.FinishRecord(*scanner, closed);
+  scanner->TakeSign(')');
+  if (!scanner->TakeSemicolon()) borders_.FinishRecord(*scanner);
 }
 
 // One unreadable record ends the whole read of the file.

@@ -120,7 +120,7 @@ class Parser {
   bool ReadFile(int fileCount);
   bool ReadFirstPart(int fileCount);
   bool FindRecord(std::uint32_t& number);
-  void TellSkipped();
+  void TellSkipped(std::int64_t end);
   TokenType TakeToken(std::uint32_t& number);
   bool ReadRecord(std::uint32_t number, int fileCount);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);

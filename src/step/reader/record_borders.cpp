@@ -119,7 +119,7 @@ void RecordBorders::EndRun() {
 
 // A number with a "=" behind it begins a record. The words of the file's end are no arguments
 // either.
-void RecordBorders::FinishRecord(Scanner& scanner, bool closed) {
+void RecordBorders::FinishRecord(Scanner& scanner) {
   const std::int64_t offset = EndOfText(*scanner.Stream());
   std::uint64_t records = 0;
   bool surplus = false;
@@ -128,11 +128,8 @@ void RecordBorders::FinishRecord(Scanner& scanner, bool closed) {
   for (;;) {
     const Token& token = *scanner.NextToken();
     if (token.Is(TokenType::SemicolonToken) || token.Is(TokenType::EndOfFileToken)) break;
-    if (token.Is(TokenType::CloseBracketToken) && !closed) {
-      closed = true;
-      continue;
-    }
-    surplus = true;
+    // Brackets alone hold nothing that could be lost, and the writer leaves one behind null styles.
+    surplus = surplus || !token.Is(TokenType::CloseBracketToken);
     if (behindNumber && token.Is(TokenType::EqualToken)) ++records;
     behindNumber = token.Is(TokenType::IdentifierToken);
     records += RecordsInside(token);

@@ -22,9 +22,8 @@ class RecordBorders {
   bool FindRecord(Scanner& scanner, std::uint32_t& number);
   // Commas stand before the number that has just been taken.
   void NoteCommas(Scanner& scanner);
-  // Takes everything up to and including the ";" of the record whose arguments have been read;
-  // `closed` when its ")" has been taken.
-  void FinishRecord(Scanner& scanner, bool closed);
+  // Takes everything up to and including the ";" of the record whose arguments have been read.
+  void FinishRecord(Scanner& scanner);
 
  private:
   // Tokens in one go that belong to no record.

@@ -1,5 +1,6 @@
 """Whatever comes in, a run ends with a message and leaves nothing half done."""
 
+import io
 import os
 import random
 import shutil
@@ -9,7 +10,7 @@ import unittest
 import zipfile
 
 from support import (CANCELLED, DONE, LONGEST_RUN, NOTHING_WRITTEN, PROGRAM, WITH_REPORTS,
-                     CorvelTest, data_limit, large_model, model, project)
+                     CorvelTest, data_limit, large_model, model, project, wall)
 
 POINT = '#7=IFCCARTESIANPOINT((1.,2.));'
 
@@ -284,6 +285,41 @@ class Damaged(CorvelTest):
 
     def test_a_string_without_end(self):
         self.assert_orderly(project("#2=IFCPERSON('" + 'x' * 3000000), 'a string')
+
+
+class Unreliable(CorvelTest):
+    """A file of a merge whose objects cannot be told: half a merge is none."""
+
+    def assert_nothing_is_merged(self, name, content, message):
+        self.write('a.ifc', project(*wall(10, '1' * 22)))
+        self.write(name, content)
+        before = self.names()
+        self.assert_ended(self.run_corvel('merge', 'a.ifc', name, '-o', 'out.ifc'),
+                          NOTHING_WRITTEN, out='',
+                          err=f'corvel: {name}: {message}\ncorvel: Nothing was written.\n')
+        self.assertEqual(before, self.names())
+
+    def test_a_file_that_ends_inside_of_a_string(self):
+        self.assert_nothing_is_merged('b.ifc', project("#2=IFCPERSON('x,$,$,$,$,$,$,$);"),
+                                      'The file ends inside of a string.')
+
+    def test_an_archive_that_is_damaged(self):
+        packed = io.BytesIO()
+        with zipfile.ZipFile(packed, 'w', zipfile.ZIP_STORED) as archive:
+            archive.writestr('b.ifc', project(*wall(20, '2' * 22)))
+        self.assert_nothing_is_merged(
+            'b.ifczip', packed.getvalue().replace(b"'P'", b"'Q'"),
+            'The data in the zip archive is damaged: b.ifczip')
+
+    def test_one_without_its_closing_line_is_merged_and_told(self):
+        self.write('a.ifc', project(*wall(10, '1' * 22)))
+        content = project(*wall(20, '2' * 22))
+        self.write('b.ifc', content[:content.index(b'ENDSEC;\nEND-ISO')])
+        ended = self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc')
+        self.assert_ended(ended, WITH_REPORTS)
+        self.assertIn('corvel: b.ifc: The closing line END-ISO-10303-21; is missing: the file '
+                      'seems to be cut short. The reading ended in line 13.\n', ended.err)
+        self.assertEqual(2, self.read('out.ifc').count(b'=IFCWALL('))
 
 
 class FullDisk(CorvelTest):

@@ -90,7 +90,7 @@ class Tree(CorvelTest):
         self.write('a.ifc', whole[:whole.index(b"'b'")])
         self.assert_ended(self.run_corvel('tree', 'a.ifc'), NOTHING_WRITTEN,
                           err='corvel: a.ifc: The closing line END-ISO-10303-21; is missing: the file '
-                              'seems to be cut short.\n',
+                              'seems to be cut short. The reading ended in line 10.\n',
                           out='#1 IfcProject 0YvCt7Q5n0JgN0tW6Vw4pA P\n'
                               '  #4 IfcWall a\n  #5 IfcWall -\n')
 

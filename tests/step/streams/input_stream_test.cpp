@@ -5,6 +5,10 @@
 
 #include "support/memory_streams.h"
 
+#ifndef _WIN32
+#include "support/posix_faults.h"
+#endif
+
 namespace FileStream {
 namespace {
 
@@ -121,6 +125,21 @@ TEST(StatementText, ItOutlivesTheStreamsEnd) {
   stream.Close();
   EXPECT_EQ("abc", stream.StatementText());
 }
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__)
+// A destructor closes too, and must not throw.
+TEST(StatementText, IsGivenUpByCloseWhenThereIsNoMemoryForIt) {
+  constexpr std::size_t kSize = std::size_t{256} << 20;
+  MemoryInputStream stream(std::string(kSize, ' '));
+  ASSERT_TRUE(stream.Refill());
+  stream.SetCursor(stream.WindowEnd());
+  {
+    const corvel::test::MemoryLimit limit(kSize / 2);
+    EXPECT_EQ(0, stream.Close());
+  }
+  EXPECT_EQ("", stream.StatementText());
+}
+#endif
 
 TEST(StatementView, ItLiesInTheWindowAsLongAsNoRefillCameBetween) {
   MemoryInputStream stream("abcdef", 4);
