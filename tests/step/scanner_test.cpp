@@ -335,7 +335,7 @@ TEST(Scanner, BlanksBeforeARecordAreKeptUpToALimit) {
 }
 
 TEST(Scanner, WhatIsKeptBehindALongCommentBeginsOutsideOfIt) {
-  const std::string comment = "/*" + std::string(Scanner::kLongestLeadIn + 5, 'c') + "*/";
+  const std::string comment = "/*" + std::string(2 * Scanner::kLongestLeadIn, 'c') + "*/";
   const auto scanner = ScannerOn(comment + " #1=", nullptr, 1 << 20);
   scanner->NextToken();
   EXPECT_EQ(" #1", scanner->Stream()->StatementText());
