@@ -98,6 +98,7 @@ bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t nu
     return false;
   }
   originalEntities.Set(number, entity);
+  guidsAreIndexed_ = false;
   AddEntity(entity);
   return true;
 }
@@ -158,6 +159,7 @@ void MainContainer::SortIntoList(IfcEntity* entity) {
 }
 
 void MainContainer::NoteProject(IfcEntity* entity) {
+  projects_.push_back(entity);
   if (ifcTree != nullptr) {
     ShowBox(u"MainContainer::AddEntity. IfcTree already exists.");
     return;
@@ -169,13 +171,24 @@ void MainContainer::NoteProject(IfcEntity* entity) {
                                       : std::to_string(reinterpret_cast<std::uintptr_t>(entity));
 }
 
+IfcEntity* MainContainer::FirstProject() const {
+  IfcEntity* first = nullptr;
+  for (IfcEntity* const project : projects_) {
+    if (project->marker == kDeleted || !IsFiledHere(*project)) continue;
+    if (first == nullptr || project->marker < first->marker) first = project;
+  }
+  return first;
+}
+
 void MainContainer::EraseEntity(std::uint32_t marker) {
   entities.Remove(marker);
   NoteChangedReferences();
 }
 
 void MainContainer::OverwriteMarker(IfcEntity* entity, const IfcEntity* target) {
-  if (entity != target) entity->marker = target->marker;
+  if (entity == target) return;
+  entity->marker = target->marker;
+  NoteChangedMarkers();
 }
 
 void MainContainer::FillMarkers() {
@@ -187,6 +200,11 @@ void MainContainer::FillMarkers() {
       entity->SetMarker(number);  // refuses
     }
   }
+  markersAreTrue_ = true;
+}
+
+void MainContainer::RefreshMarkers() {
+  if (!markersAreTrue_) FillMarkers();
 }
 
 namespace {
@@ -207,6 +225,7 @@ void ResetQueuedMarkers(std::uint32_t generation, ChildQueue& queue) {
 }  // namespace
 
 bool MainContainer::ResetAllMarkers() {
+  NoteChangedMarkers();
   const std::uint32_t generation = NextVisitGeneration();
   ChildQueue queue;
   for (const auto& [number, entity] : entities) {
@@ -223,6 +242,7 @@ void MainContainer::ResetMarkersAndFillParents() {
     ResetAllMarkers();
     return;
   }
+  NoteChangedMarkers();
   const std::uint32_t generation = NextVisitGeneration();
   for (const auto& [number, entity] : entities) {
     entity->visitStamp = generation;
@@ -245,6 +265,11 @@ void MainContainer::ResetMarkersAndFillParents() {
   parentsAreCurrent_ = true;
 }
 
+void MainContainer::NoteFolded(const MainContainer& source) {
+  markersAreTrue_ = guidsAreIndexed_ = parentsAreCurrent_ = true;
+  parentsLack_ = &source;
+}
+
 int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, int to, int share,
                                     const WideString& text, bool flag) {
   if (rebuild) {
@@ -259,7 +284,9 @@ int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, in
 int MainContainer::RefreshParentsLists(int from, int to, int share, const WideString& text,
                                        bool flag) {
   if (!parentsAreCurrent_) return FillParentsLists(true, 0, from, to, share, text, flag);
-  return TickOverEntities(from, to, share, text, flag) ? 1 : 0;
+  if (!TickOverEntities(from, to, share, text, flag)) return 0;
+  if (parentsLack_ != nullptr) EnterLackingParents();
+  return 1;
 }
 
 // One tick for each hundredth (or whatever `to` - `from` is) of the entities, and by rounding one
@@ -282,7 +309,7 @@ bool MainContainer::TickOverEntities(int from, int to, int share, const WideStri
 }
 
 void MainContainer::EmptyParents(std::size_t count) {
-  parentsAreCurrent_ = false;
+  NoteChangedReferences();
   for (const auto& [number, entity] : entities) {
     if (count-- == 0) return;
     entity->parents.Clear(parentStore_);
@@ -291,15 +318,31 @@ void MainContainer::EmptyParents(std::size_t count) {
 
 void MainContainer::EnterParents() {
   ChildQueue children;
-  for (const auto& [number, entity] : entities) {
-    entity->collectChildren(children);
-    while (!children.IsEmpty()) {
-      IfcEntity* const child = children.TakeBack().entity;
-      if (child != nullptr) child->parents.Insert(entity, parentStore_);
-    }
-  }
+  for (const auto& [number, entity] : entities) EnterParentsOf(entity, children);
   parentsFilled_ = true;
   parentsAreCurrent_ = true;
+  parentsLack_ = nullptr;
+}
+
+void MainContainer::EnterParentsOf(IfcEntity* entity, ChildQueue& children) {
+  entity->collectChildren(children);
+  while (!children.IsEmpty()) {
+    IfcEntity* const child = children.TakeBack().entity;
+    if (child != nullptr) child->parents.Insert(entity, parentStore_);
+  }
+}
+
+// What was here before refers to nothing that has come since, nor the other way round. The sets of
+// the newcomers still hold parents that stayed behind.
+void MainContainer::EnterLackingParents() {
+  for (const auto& [number, entity] : parentsLack_->entities) {
+    if (IsFiledHere(*entity)) entity->parents.Clear(parentStore_);
+  }
+  ChildQueue children;
+  for (const auto& [number, entity] : parentsLack_->entities) {
+    if (IsFiledHere(*entity)) EnterParentsOf(entity, children);
+  }
+  parentsLack_ = nullptr;
 }
 
 bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
@@ -311,7 +354,12 @@ bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
     if (*root->getGlobalId() == 0) GiveMissingGuid(entity, root);
     EnterGuid(filePath, root);
   }
+  guidsAreIndexed_ = true;
   return true;
+}
+
+bool MainContainer::RefreshEntitiesGUIDmap(const WideString& filePath) {
+  return guidsAreIndexed_ || FillEntitiesGUIDmap(filePath);
 }
 
 void MainContainer::GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root) {

@@ -68,6 +68,11 @@ class MainContainer {
 
   // Gives every entity of `entities` the number that it is filed under; deleted ones keep theirs.
   void FillMarkers();
+  // As FillMarkers, at no cost while the markers are true.
+  void RefreshMarkers();
+  // To be called by whoever sets a marker to anything but the number that its entity is filed
+  // under. The operations of this class need no call.
+  void NoteChangedMarkers() { markersAreTrue_ = guidsAreIndexed_ = false; }
   // Gives everything reachable from `entities` the marker 0. Always true.
   bool ResetAllMarkers();
   // ResetAllMarkers and FillParentsLists without `rebuild`, in one walk over the references.
@@ -82,10 +87,20 @@ class MainContainer {
   int RefreshParentsLists(int from, int to, int share, const corvel::WideString& text, bool flag);
   // To be called by whoever changes what an entity refers to, or adds to a parents set, once the
   // parents lists are filled. Filing and erasing need no call.
-  void NoteChangedReferences() { parentsAreCurrent_ = false; }
+  void NoteChangedReferences() {
+    parentsAreCurrent_ = false;
+    parentsLack_ = nullptr;
+  }
+  // Markers, parents lists and GUIDs were current, and all that has happened since is that entities
+  // of `source` were filed here, and that some which were not have become stand-ins: the next
+  // refresh costs what came. `source` lives as long as this.
+  void NoteFolded(const MainContainer& source);
   // Rebuilds `entitiesGUIDmap` from `originalEntities`, in ascending number. An empty GUID and the
   // second holder of a GUID get a new one; both are logged. Always true.
   bool FillEntitiesGUIDmap(const corvel::WideString& filePath);
+  // As FillEntitiesGUIDmap, at no cost while that would find the same again. GUIDs of the objects
+  // in `originalEntities` are not changed by others meanwhile.
+  bool RefreshEntitiesGUIDmap(const corvel::WideString& filePath);
   // A new GUID, interned. Null (reported) when none could be made.
   const char* CreateGUID();
   // A new GUID for an entity whose GUID is taken, kept in `generatedGUIDs`.
@@ -106,6 +121,9 @@ class MainContainer {
   // File path + decimal marker + old GUID, to the new GUID.
   std::unordered_map<corvel::WideString, std::string> generatedGUIDs;
   std::unique_ptr<IfcTree> ifcTree;
+
+  // The first project, by number, of those that are filed here and not deleted. Null without one.
+  IfcEntity* FirstProject() const;
 
   // Relations by class, in order of filing.
   std::vector<IfcEntity*> relAggregates;
@@ -135,6 +153,11 @@ class MainContainer {
   bool TickOverEntities(int from, int to, int share, const corvel::WideString& text, bool flag);
   void EmptyParents(std::size_t count);
   void EnterParents();
+  void EnterLackingParents();
+  void EnterParentsOf(IfcEntity* entity, ChildQueue& children);
+  bool IsFiledHere(const IfcEntity& entity) const {
+    return entities.Find(entity.marker) == &entity;
+  }
   void GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root);
   void EnterGuid(const corvel::WideString& filePath, VirtualIfcRoot* root);
 
@@ -143,8 +166,12 @@ class MainContainer {
   corvel::MemoryPool memoryPool_;
   corvel::ParentStore parentStore_;
   bool parentsFilled_ = false;
-  bool parentsAreCurrent_ = false;  // a rebuild would change nothing
   bool hasRunOutOfNumbers_ = false;
+  bool parentsAreCurrent_ = false;              // a rebuild would change nothing, but for these:
+  const MainContainer* parentsLack_ = nullptr;  // what came from here, null: nothing, is missing
+  bool markersAreTrue_ = false;                 // FillMarkers would change nothing
+  bool guidsAreIndexed_ = false;                // FillEntitiesGUIDmap would find the same again
+  std::vector<IfcEntity*> projects_;            // in order of filing
 };
 
 }  // namespace IFC

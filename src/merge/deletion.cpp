@@ -17,6 +17,7 @@ constexpr std::size_t kFewParents = 8;
 std::uint32_t PlaceOf(const IFC::IfcEntity& entity) { return entity.visitStamp - kFirstPlace; }
 
 Deletion::Deletion(IFC::MainContainer& container) {
+  container.NoteChangedMarkers();
   std::uint32_t place = 0;
   for (const auto& [number, entity] : container.entities) {
     entity->visitStamp = kFirstPlace + place;

@@ -56,6 +56,7 @@ bool DocumentMerge::Merge(unsigned mergeLevel, bool nameAndGuid) {
     return true;
   }
   CleanUpDuplicates();
+  if (HasNoGuidIndex()) destination_.mainContainer->NoteFolded(source_);
   destination_.mergeStatus = MergeStatus::kMerged;
   return true;
 }
@@ -78,12 +79,12 @@ bool DocumentMerge::Prepare() {
   Log(u"Procesing FillMarkers");
   source_.FillMarkers();
   Log(u"Procesing FillEntitiesGUIDmap");
-  if (!container.FillEntitiesGUIDmap(destination_.getFilePath())) return fail();
+  if (!container.RefreshEntitiesGUIDmap(destination_.getFilePath())) return fail();
   prefix_ = u"2/3 ";
   Log(u"Procesing FillParentsLists");
   if (container.RefreshParentsLists(0, 100, 2, prefix_, true) == 0) return false;
   Log(u"Procesing FillMarkers");
-  container.FillMarkers();
+  container.RefreshMarkers();
   return true;
 }
 
@@ -175,9 +176,21 @@ bool DocumentMerge::PassOverDestination() {
   stepSize_ = stepCounter_ = static_cast<std::uint32_t>(count / kTicksPerPass);
   Log(u"Processing mainContainer " + Decimal(count) + u" Entities");
   generation_ = IFC::NextVisitGeneration();
-  std::size_t done = 0;
+  const bool passed = specificTypes_.empty() && HasNoGuidIndex() ? PassOverProject(container, count)
+                                                                 : PassOverEach(container);
+  if (passed) Log(u"Adding new objects mainContainer 0");
+  return passed;
+}
+
+// Where there is nothing else to be found.
+bool DocumentMerge::PassOverProject(const IFC::MainContainer& container, std::size_t count) {
+  destinationProject_ = container.FirstProject();
+  return TickFor(count);
+}
+
+// A deleted project on the way may become a stand-in before its turn comes.
+bool DocumentMerge::PassOverEach(const IFC::MainContainer& container) {
   for (const auto& [number, entity] : container.entities) {
-    if (destinationProject_ != nullptr && specificTypes_.empty() && HasNoGuidIndex()) break;
     if (entity->marker != IFC::kDeleted) {
       if (destinationProject_ == nullptr && IsProject(*entity)) {
         destinationProject_ = entity;
@@ -186,13 +199,8 @@ bool DocumentMerge::PassOverDestination() {
       }
       RedirectChildren(entity);
     }
-    ++done;
     if (!Tick()) return false;
   }
-  for (; done < count; ++done) {  // there is nothing left to be found
-    if (!Tick()) return false;
-  }
-  Log(u"Adding new objects mainContainer 0");
   return true;
 }
 
@@ -258,7 +266,19 @@ void DocumentMerge::CleanUpDuplicates() {
   }
   Log(u"######## DONE ########");
   Log(u"Processing deletedDuplicatedParents");
+  if (!deletedDuplicatedParents_.empty()) destination_.mainContainer->NoteChangedMarkers();
   for (IFC::IfcEntity* const entity : deletedDuplicatedParents_) DeleteDuplicatedParents(*entity);
+}
+
+// As Tick, `count` times.
+bool DocumentMerge::TickFor(std::size_t count) {
+  while (stepCounter_ != 0 && count >= stepCounter_) {
+    count -= stepCounter_;
+    stepCounter_ = 1;
+    if (!Tick()) return false;
+  }
+  stepCounter_ -= static_cast<std::uint32_t>(count);
+  return true;
 }
 
 // False when the user cancelled and meant it.

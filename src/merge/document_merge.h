@@ -37,6 +37,8 @@ class DocumentMerge {
   void ChooseSpecificTypes(unsigned mergeLevel);
   bool PassOverSource();
   bool PassOverDestination();
+  bool PassOverProject(const IFC::MainContainer& container, std::size_t count);
+  bool PassOverEach(const IFC::MainContainer& container);
   void AddSourceEntity(IFC::IfcEntity* entity);
   bool IsSpecific(const IFC::IfcEntity& entity) const;
   void NoteSpecific(IFC::IfcEntity* entity, IFC::IfcEntity* SpecificPair::*side);
@@ -49,6 +51,7 @@ class DocumentMerge {
   void MergeProjects();
   void MergeSpecificObjects(bool nameAndGuid);
   void CleanUpDuplicates();
+  bool TickFor(std::size_t count);
   bool Tick();
 
   IfcDocument& destination_;

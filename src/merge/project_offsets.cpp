@@ -97,6 +97,7 @@ VirtualLocalPlacement* NewRoot(IfcDocument& document, const Vector& shift) {
   if (root == nullptr) return nullptr;
   root->setRelativePlacement(axes);
   root->marker = IFC::kNewRootPlacement;
+  document.mainContainer->NoteChangedMarkers();
   return root;
 }
 

@@ -101,6 +101,7 @@ void NoteParents(const IFC::MainContainer& container, const std::vector<MarkerPa
 
 // One level only. An owner history is nobody's own.
 bool IfcDocument::MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>& deletePairs) {
+  mainContainer->NoteChangedMarkers();
   IFC::ChildQueue children;
   for (const MarkerPair& pair : deletePairs) {
     IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(pair.number);
@@ -118,6 +119,7 @@ bool IfcDocument::MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>&
 
 void IfcDocument::MarkEntitiesAndChildrenAndParentsToSave(
     const std::vector<MarkerPair>& savePairs, const std::vector<MarkerPair>& deletePairs) {
+  mainContainer->NoteChangedMarkers();
   ParentNumbers parentNumbers;
   NoteParents(*mainContainer, deletePairs, parentNumbers);
   NoteParents(*mainContainer, savePairs, parentNumbers);

@@ -101,6 +101,7 @@ bool AdjustUnit(IfcDocument& document, const IfcDocument& /*first*/) {
       return false;
     }
     entity->marker = IFC::kDeleted;
+    document.mainContainer->NoteChangedMarkers();
   }
   return true;
 }

@@ -37,9 +37,15 @@ class Visitor {
 
 }  // namespace
 
-void IfcDocument::VisitParentsAndSave(IFC::IfcEntity* entity) { Visitor().VisitParents(*entity); }
+void IfcDocument::VisitParentsAndSave(IFC::IfcEntity* entity) {
+  mainContainer->NoteChangedMarkers();
+  Visitor().VisitParents(*entity);
+}
 
-void IfcDocument::VisitChildrenAndSave(IFC::IfcEntity* entity) { Visitor().VisitChildren(*entity); }
+void IfcDocument::VisitChildrenAndSave(IFC::IfcEntity* entity) {
+  mainContainer->NoteChangedMarkers();
+  Visitor().VisitChildren(*entity);
+}
 
 // What is left over is taken out by its marker. That is 0 for all of it, under which nothing is
 // filed: nothing is taken out, and the marks alone are the result.

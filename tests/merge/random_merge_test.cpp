@@ -26,7 +26,7 @@ test::MergePlan AnyRun(unsigned seed) {
   std::mt19937 random(seed);
   test::MergePlan run;
   const bool large = random() % 25 == 0;  // large enough for ticks
-  const std::size_t models = random() % 3 == 0 ? 3 : 2;
+  const std::size_t models = random() % 3 == 0 ? 3 + random() % 4 : 2;
   for (std::size_t i = 0; i < models; ++i) {
     ModelShape shape;
     shape.entities = 1 + static_cast<int>(random() % (large ? 160 : 12));
