@@ -157,7 +157,6 @@ class Scanner {
 
   Token* Sign(TokenType type);
   Token* ReadWord();
-  Token* ReadToSemicolon(TokenType type);
   Token* ReadNumber();
   Token* ReadIdentifier();
   Token* ReadEnumeration();
