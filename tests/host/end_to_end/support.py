@@ -48,9 +48,10 @@ def project(*records, schema='IFC4'):
     return model('\n'.join((PROJECT,) + records), schema)
 
 
-def wall(number, guid, x=1):
+def wall(number, guid, x=1, schema='IFC4'):
     """The records of a wall that stands at `x`, from #number to #number+3."""
-    return (f"#{number}=IFCWALL('{guid}',$,'W',$,$,#{number + 1},$,$,$);",
+    predefined_type = '' if schema == 'IFC2X3' else ',$'
+    return (f"#{number}=IFCWALL('{guid}',$,'W',$,$,#{number + 1},$,${predefined_type});",
             f'#{number + 1}=IFCLOCALPLACEMENT($,#{number + 2});',
             f'#{number + 2}=IFCAXIS2PLACEMENT3D(#{number + 3},$,$);',
             f'#{number + 3}=IFCCARTESIANPOINT(({x}.,0.,0.));')

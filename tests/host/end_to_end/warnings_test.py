@@ -37,7 +37,8 @@ class Warnings(CorvelTest):
         names = []
         for number, records in enumerate((first, *others)):
             names.append(f'{"abc"[number]}.ifc')
-            self.write(names[-1], project(*records, *wall(2, f'guid{number}'), schema=schema))
+            walls = wall(2, f'guid{number}', schema=schema)
+            self.write(names[-1], project(*records, *walls, schema=schema))
         return self.run_corvel('merge', *names, '-o', 'out.ifc', *options)
 
     def assert_told(self, ended, *lines):
