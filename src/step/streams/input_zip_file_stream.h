@@ -37,9 +37,8 @@ class InputZipFileStream final : public InputStream {
   int NextEntry() override;
   // What the directory of the archive says of the current entry, cut to 32 bits.
   std::int64_t TotalSize() const override;
-  // A read failed while it was opened; there are no buffers; decompression failed, or what came out has not the size and the checksum
-  // that the archive tells. The latter is known at the end of the data, which is where
-  // decompression failed, and reported then.
+  // A read failed, there are no buffers, decompression failed, or what came out has not the size
+  // and the checksum of the entry. Known once the end has been met, and reported then.
   bool IsDamaged() const override { return damaged_; }
 
  private:
