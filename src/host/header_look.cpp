@@ -116,12 +116,13 @@ std::vector<SchemaTrouble> TroubleWithSchemas(const std::vector<WideString>& inp
                                               const std::vector<HeaderLook>& looks) {
   const WideString& first = looks.front().schemaIdentifier;
   if (NothingServes(first)) return {{0, u"no release of IFC serves its schema '" + first + u"'"}};
+  const WideString ofFirst =
+      u"', and that of the first, " + Printable(inputs.front()) + u", is '" + first + u"'";
   std::vector<SchemaTrouble> differing;
   for (std::size_t i = 1; i < looks.size(); ++i) {
     const WideString& schema = looks[i].schemaIdentifier;
     if (schema == first) return {};
-    differing.push_back({i, u"its schema is '" + schema + u"', and that of the first, " +
-                                Printable(inputs.front()) + u", is '" + first + u"'"});
+    differing.push_back({i, WideString(u"its schema is '").append(schema).append(ofFirst)});
   }
   return differing;
 }

@@ -112,7 +112,9 @@ bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   for (const WideString& mistake : mistakes) console_.Say(mistake);
   if (mistakes.empty()) return true;
   const WideString name = Printable(model.path);
-  for (const WideString& problem : model.scene.problems) console_.Say(name + u": " + problem);
+  for (const WideString& problem : model.scene.problems) {
+    console_.Say(WideString(name).append(u": ").append(problem));
+  }
   console_.Say(u"See 'corvel tree " + name + u"'.");
   return false;
 }

@@ -242,7 +242,7 @@ bool Scanner::SkipComment(std::int64_t start) {
   RecordLines lines;
   bool dropped = false;
   bool closed = false;
-  for (int before = 0; !closed;) {
+  for (char before = 0; !closed;) {
     if (stream_->Cursor() == stream_->WindowEnd()) {
       const std::size_t kept = stream_->StatementSize();
       DropLongLeadIn();

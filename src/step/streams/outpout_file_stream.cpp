@@ -19,14 +19,14 @@ OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path,
     : OutpoutFileStream(path, showError, blockSize, keepBack, platform::OpenMode::kWrite,
                         CommitTo::kDisk, kOpenFailure) {}
 
-OutpoutFileStream::OutpoutFileStream(const corvel::WideString& path, platform::File file,
+OutpoutFileStream::OutpoutFileStream(corvel::WideString path, platform::File file,
                                      corvel::ErrorReporter showError, std::uint64_t blockSize,
                                      std::uint64_t keepBack)
     : BlockOutpoutStream(std::max<std::uint64_t>(blockSize, 1), keepBack),
       file_(std::move(file)),
       reopenMode_(platform::OpenMode::kAppend),
       commitTo_(CommitTo::kDisk),
-      path_(path),
+      path_(std::move(path)),
       showError_(showError) {
   Start(kOpenFailure);
 }

@@ -19,9 +19,8 @@ class OutpoutFileStream : public BlockOutpoutStream {
                     std::uint64_t blockSize, std::uint64_t keepBack);
   // Writes to `file`, which lies elsewhere than at `path`: messages name `path`. A file that is not
   // open is a failure to open. Not for Reopen.
-  OutpoutFileStream(const corvel::WideString& path, platform::File file,
-                    corvel::ErrorReporter showError, std::uint64_t blockSize,
-                    std::uint64_t keepBack);
+  OutpoutFileStream(corvel::WideString path, platform::File file, corvel::ErrorReporter showError,
+                    std::uint64_t blockSize, std::uint64_t keepBack);
   // As Close.
   ~OutpoutFileStream() override;
 
