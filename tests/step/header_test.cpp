@@ -44,6 +44,12 @@ TEST(Header, AbsentValuesAreEmpty) {
                      "FILE_SCHEMA(('IFC4'));"));
 }
 
+TEST(Header, ADollarInThePlaceOfTheDescriptionIsAnEmptyList) {
+  EXPECT_EQ("header [] [2;1] [n] [t] ['a'] ['o'] [p] [s] [z] [IFC4]",
+            HeaderOf("FILE_DESCRIPTION($,'2;1');FILE_NAME('n','t',('a'),('o'),'p','s','z');"
+                     "FILE_SCHEMA(('IFC4'));"));
+}
+
 TEST(Header, ADollarInThePlaceOfANameListIsAnEmptyList) {
   const std::string before = "FILE_DESCRIPTION(('v'),'2;1');FILE_NAME('n','t',";
   const std::string after = ",'p','s','z');FILE_SCHEMA(('IFC4'));";
