@@ -4,8 +4,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "models_in_memory.h"
+#include "platform/file.h"
 #include "step/streams/open_input.h"
 #include "step/streams/open_output.h"
 #include "support/temporary_folder.h"
@@ -54,7 +56,9 @@ void WriteStream(benchmark::State& state) {
   const corvel::WideString path = folder.Path("out.ifc");
   constexpr std::size_t kRecords = kBytes / kRecord.size();
   for (auto _ : state) {
-    const auto stream = FileStream::OpenOutput(path, corvel::bench::Ignore);
+    platform::File file;
+    file.Open(path, platform::OpenMode::kWrite);
+    const auto stream = FileStream::OpenOutput(path, std::move(file), corvel::bench::Ignore);
     for (std::size_t i = 0; i < kRecords; ++i) {
       stream->Append(kRecord.substr(0, kRecord.size() - 3));
       stream->Append(",");

@@ -5,6 +5,8 @@ from facts import RELEASES
 SINCE_4 = RELEASES[4:]
 
 NOT_TAKEN = 'Expected: {}. Got: {}.'
+LEFT_OUT = ('What stands behind the arguments of a record was left out. Places: 1, the first in '
+            'line {} at #{}.')
 
 
 class Example:
@@ -87,11 +89,13 @@ EXAMPLES = (
                      NOT_TAKEN.format('enumeration value', 'closing bracket')]),
     # The bracket of a typed value in the place of a text is left, so that the record ends there.
     Example(["#1=IFCPROPERTYSINGLEVALUE(IFCLABEL('n'),'d',IFCLABEL('x'),$);"],
-            ["#1=IFCPROPERTYSINGLEVALUE('n',$,$,$);"], RELEASES[3:]),
+            ["#1=IFCPROPERTYSINGLEVALUE('n',$,$,$);"], RELEASES[3:],
+            reports=[LEFT_OUT.format(9, 1)]),
     # So does that of a typed value whose number has no point.
     Example(["#1=IFCVECTOR($,IFCREAL(5));", '#2=IFCCARTESIANPOINT((1.,IFCREAL(5),2.));'],
             ['#1=IFCVECTOR(*,0.);', '#2=IFCCARTESIANPOINT((1.,0.));'],
-            reports=[NOT_TAKEN.format('IfcInteger or IfcReal', 'IntegerDataTypeToken')] * 2),
+            reports=[NOT_TAKEN.format('IfcInteger or IfcReal', 'IntegerDataTypeToken')] * 2 +
+            [LEFT_OUT.format(10, 2)]),
     # --- What comes out is not what would come out of it ---------------------------------------
     Example(['#1=IFCREAL(2.9999999999999996);'], ['#1=IFCREAL(3.E+00);']),
     Example(['#1=IFCREAL(1.7976931348623157E308);', '#2=IFCREAL(inf);', '#3=IFCREAL(-1.E400);'],
@@ -113,7 +117,7 @@ EXAMPLES = (
     Example(['#1=IFCPRESENTATIONSTYLEASSIGNMENT((#2,IFCNULLSTYLE(.NULL.)));',
              '#2=IFCNULLSTYLE(.NULL.);'],
             ['#1=IFCPRESENTATIONSTYLEASSIGNMENT((#2,IFCNULLSTYLE)));', '#2=IFCNULLSTYLE);'],
-            RELEASES[2:7]),
+            RELEASES[2:7], reports=[LEFT_OUT.format(10, 2)]),
     Example(['#1=IFCVERTEX();', '#2=IFCEDGE(IFCVERTEX(),#1);'],
             ['#1=IFCVERTEX();', '#2=IFCEDGE(IFCVERTEX(),#1);']),
     # --- What ends the reading -----------------------------------------------------------------

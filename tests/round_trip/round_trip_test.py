@@ -24,6 +24,11 @@ from records import Maker, Record
 CLASSES = {'IFC2X_FINAL': 449, 'IFC2X2_PLATFORM': 397, 'IFC2X2_FINAL': 729, 'IFC2X3': 753,
            'IFC4': 890, 'IFC4X1': 915, 'IFC4X2': 930, 'IFC4X3_ADD2': 990, 'IFC4X4': 1018}
 TREE_BOX = 'Logfile error: MainContainer::AddEntity. IfcTree already exists.'
+# Said once a file of spellings after which a reader stands elsewhere than their writer did.
+LEFT_OUT = re.compile(r'corvel: in\.ifc: (What stands behind the arguments of a record was left out'
+                      r'|A number has no end: what follows was left out up to the next "," or "\)")'
+                      r'\. Places: \d+, the first in line \d+ at #\d+\.')
+WRITTEN_WITH_REPORTS = 'corvel: out.ifc was written, but something was reported.'
 MOST_SHOWN = 8
 
 
@@ -62,11 +67,23 @@ class RoundTrip(unittest.TestCase):
         self.assertEqual(0, status)
         return written
 
+    def resave_spellings(self, data):
+        """As resave_silently, where spellings may leave something over, which is then told."""
+        status, lines, written = self.resave(data)
+        left_out = [line for line in lines if LEFT_OUT.fullmatch(line)]
+        others = [line for line in lines if line != TREE_BOX and line not in left_out]
+        if left_out:
+            self.assertTrue(others.pop().startswith(WRITTEN_WITH_REPORTS))
+        self.assertEqual([], others[:MOST_SHOWN])
+        self.assertEqual(4 if left_out else 0, status)
+        return written
+
     def resave_with_reports(self, data, *options):
         """(exit status, reports in order, bytes written); no question stops the reading."""
         status, lines, written = self.resave(data, '--answer', 'no', *options)
         mark = 'corvel: in.ifc: '
-        return status, [line[len(mark):] for line in lines if line.startswith(mark)], written
+        return status, [line[len(mark):] for line in lines
+                        if line.startswith(mark) and not LEFT_OUT.fullmatch(line)], written
 
     def assert_written(self, model, written):
         """That `written` is what must come out of the records of `model`."""
@@ -89,7 +106,7 @@ class RoundTrip(unittest.TestCase):
 
     def assert_round_trip(self, model, data):
         """Read and written `model` is as wanted, and that read and written is the same."""
-        written = self.resave_silently(data)
+        written = self.resave_spellings(data)
         self.assert_written(model, written)
         self.assertTrue(self.resave_silently(written) == written, 'The second time differs.')
 
@@ -122,7 +139,7 @@ class RoundTrip(unittest.TestCase):
                       sorted(model, key=lambda record: -record.number),
                       self.rng.sample(model, len(model))):
             data = input_file(self.release.namespace, laid_out(self.rng, order))
-            self.assert_written(model, self.resave_silently(data))
+            self.assert_written(model, self.resave_spellings(data))
 
     def test_file_of_nothing_but_forward_references(self):
         last = 5000  # which refers to itself: that is forward too
@@ -143,10 +160,10 @@ class RoundTrip(unittest.TestCase):
             texts = laid_out(self.rng, model, [line_end])
             with self.subTest(line_end=line_end):
                 data = input_file(self.release.namespace, texts, line_end if line_end else '\n')
-                self.assert_written(model, self.resave_silently(data))
+                self.assert_written(model, self.resave_spellings(data))
         with self.subTest('no newline at the end'):
             data = input_file(self.release.namespace, texts).rstrip()
-            self.assert_written(model, self.resave_silently(data))
+            self.assert_written(model, self.resave_spellings(data))
 
     # --- Wrong attributes ------------------------------------------------------------------------
 
@@ -179,6 +196,7 @@ class RoundTrip(unittest.TestCase):
         model = [record for record, _ in pairs]
         data = input_file(self.release.namespace, laid_out(self.rng, model))
         status, lines, written = self.resave(data, '--ignore-enum-errors')
+        lines = [line for line in lines if not LEFT_OUT.fullmatch(line)]
         self.assertEqual(1, len(lines), lines[:MOST_SHOWN])  # where the log is
         self.assertEqual(4, status)
         self.assert_written(model, written)
@@ -235,7 +253,9 @@ class RoundTrip(unittest.TestCase):
                 continue
             with self.subTest(example.given[0]):
                 data = input_file(self.release.namespace, [line + '\n' for line in example.given])
-                status, reports, written = self.resave_with_reports(data)
+                status, lines, written = self.resave(data, '--answer', 'no')
+                mark = 'corvel: in.ifc: '
+                reports = [line[len(mark):] for line in lines if line.startswith(mark)]
                 self.assertEqual(example.reports, reports)
                 if example.written is None:
                     self.assertEqual((1, None), (status, written))

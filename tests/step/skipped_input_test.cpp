@@ -185,6 +185,7 @@ TEST_F(Skipped, ACommentIsToldWhenALineOfItBeginsLikeARecord) {
 
 TEST_F(Skipped, OtherCommentsAreNoDamage) {
   EXPECT_EQ(Texts{}, OfRecords("/* see #2=IFCPERSON() */" + Person(1) +
+                               "/*#2=IFCPERSON(); #3=IFCPERSON();*/" +
                                "/*\n#a=1\n#=1\n12=\n x #3=IFCPERSON();\n# 4=IFCPERSON();*/"));
 }
 
@@ -334,12 +335,15 @@ TEST(RecordLines, BeginWithANumberAndAnEqualSign) {
   }
 }
 
-TEST(RecordLines, StandBehindLineEndsAndSemicolonsAndMaybeAtTheStart) {
-  for (const bool textStartsLine : {true, false}) {
-    RecordLines lines(textStartsLine);
+TEST(RecordLines, StandWhereTheTextLetsThemStand) {
+  const auto countIn = [](RecordLines::Text text) {
+    RecordLines lines(text);
     lines.Take("#1=A();#2=B();\n#3=C(#4=);");
-    EXPECT_EQ(textStartsLine ? 3u : 2u, lines.Count());
-  }
+    return lines.Count();
+  };
+  EXPECT_EQ(3u, countIn(RecordLines::Text::kBetweenRecords));
+  EXPECT_EQ(2u, countIn(RecordLines::Text::kInsideRecord)) << "not at its start";
+  EXPECT_EQ(1u, countIn(RecordLines::Text::kComment)) << "whole lines only";
 }
 
 TEST(LineNumbers, AreThoseThatAnEditorShows) {

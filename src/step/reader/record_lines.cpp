@@ -7,7 +7,7 @@
 namespace corvel {
 
 void RecordLines::Take(char byte) {
-  if (byte == '\n' || byte == '\r' || byte == ';') {
+  if (byte == '\n' || byte == '\r' || (byte == ';' && text_ != Text::kComment)) {
     seen_ = Seen::kNothing;
     return;
   }

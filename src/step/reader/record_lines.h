@@ -6,13 +6,16 @@
 
 namespace corvel {
 
-// Counts the places where a record seems to begin: `#12 =` at the start of a line or behind a ";",
-// blanks before the "#" and the "=" allowed. Takes the text in pieces of any size.
+// Counts the places where a record seems to begin: `#12 =` at the start of a line, and in most text
+// behind a ";", blanks before the "#" and the "=" allowed. Takes the text in pieces of any size.
 class RecordLines {
  public:
-  // `textStartsLine`: a record may stand at the start of the text.
-  explicit RecordLines(bool textStartsLine = true)
-      : seen_(textStartsLine ? Seen::kNothing : Seen::kOther) {}
+  // Between records, one may stand at the start of the text. A comment may well hold a record that
+  // somebody took out; only whole lines of them look like an accident.
+  enum class Text { kBetweenRecords, kInsideRecord, kComment };
+
+  explicit RecordLines(Text text = Text::kBetweenRecords)
+      : text_(text), seen_(text == Text::kBetweenRecords ? Seen::kNothing : Seen::kOther) {}
 
   void Take(char byte);
   void Take(std::string_view bytes) {
@@ -25,6 +28,7 @@ class RecordLines {
 
   Seen AfterOrdinary(char byte) const;
 
+  Text text_;
   Seen seen_;
   std::uint32_t count_ = 0;
 };

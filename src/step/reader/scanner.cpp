@@ -239,7 +239,7 @@ Token* Scanner::ReadSlash() {
 
 // Behind the "/*" at `start`. False when the input ends inside the comment.
 bool Scanner::SkipComment(std::int64_t start) {
-  RecordLines lines;
+  RecordLines lines(RecordLines::Text::kComment);
   bool dropped = false;
   bool closed = false;
   for (char before = 0; !closed;) {
@@ -284,7 +284,8 @@ Token* Scanner::ReadString() {
 std::uint32_t Scanner::RecordsInLastString(std::size_t start) {
   const std::string_view bytes = stream_->StatementView().substr(start);
   if (bytes.find('#') == std::string_view::npos) return 0;
-  RecordLines lines(!inRecord_);
+  RecordLines lines(inRecord_ ? RecordLines::Text::kInsideRecord
+                              : RecordLines::Text::kBetweenRecords);
   lines.Take(bytes);
   return lines.Count();
 }
