@@ -189,6 +189,11 @@ TEST_F(Skipped, OtherCommentsAreNoDamage) {
                                "/*\n#a=1\n#=1\n12=\n x #3=IFCPERSON();\n# 4=IFCPERSON();*/"));
 }
 
+TEST_F(Skipped, ACommentThatAnotherBeginsInIsToldWhereverARecordStandsInIt) {
+  EXPECT_EQ((Texts{kComment + "Places: 1, the first in line 10 at #1. Records in them: 1.\n"}),
+            OfRecords(Person(1) + "/*#2=IFCPERSON(); /* a remark */\n" + Person(3)));
+}
+
 TEST_F(Skipped, ACommentWithoutEndEndsTheInput) {
   EXPECT_EQ((Texts{"A comment has no end: all that follows was left out. Places: 1, the first in "
                    "line 10 at #1. Records in them: 1.\n",

@@ -240,6 +240,8 @@ Token* Scanner::ReadSlash() {
 // Behind the "/*" at `start`. False when the input ends inside the comment.
 bool Scanner::SkipComment(std::int64_t start) {
   RecordLines lines(RecordLines::Text::kComment);
+  RecordLines places;
+  bool holdsComment = false;
   bool dropped = false;
   bool closed = false;
   for (char before = 0; !closed;) {
@@ -252,15 +254,20 @@ bool Scanner::SkipComment(std::int64_t start) {
     const char byte = Byte();
     TakeByte();
     closed = before == '*' && byte == '/';
+    holdsComment = holdsComment || (before == '/' && byte == '*');
     before = byte;
     lines.Take(byte);
+    places.Take(byte);
   }
+  // One without an end, or that another begins in, was not meant to go that far: then a record
+  // counts wherever it stands.
+  const std::uint32_t records = holdsComment || !closed ? places.Count() : lines.Count();
   // What is left of the text would begin inside of the comment.
   if (dropped) stream_->ClearStatementText();
   if (skipped_ != nullptr && !closed) {
-    skipped_->Note(SkippedInput::Kind::kEndlessComment, start, lines.Count());
-  } else if (skipped_ != nullptr && lines.Count() != 0) {
-    skipped_->Note(SkippedInput::Kind::kComment, start, lines.Count());
+    skipped_->Note(SkippedInput::Kind::kEndlessComment, start, records);
+  } else if (skipped_ != nullptr && records != 0) {
+    skipped_->Note(SkippedInput::Kind::kComment, start, records);
   }
   return closed;
 }
