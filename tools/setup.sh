@@ -13,7 +13,7 @@ for package in "${packages[@]}"; do
 done
 [ "${#missing[@]}" -eq 0 ] && exit 0
 
-echo "Installing: ${missing[*]}" >&2
+echo "Installing with apt-get: ${missing[*]}" >&2
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(sudo)
 export DEBIAN_FRONTEND=noninteractive
