@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "host/model_opening.h"
-#include "host/record_skipper.h"
 #include "host/run_checks.h"
+#include "step/reader/record_skipper.h"
 #include "step/reader/scanner.h"
 #include "step/reader/skipped_input.h"
 

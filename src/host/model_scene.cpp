@@ -20,7 +20,7 @@ void ReadOpened(Scanner& scanner, SceneTexts texts, ModelScene& scene) {
   try {
     const FactoryTable& factories = FactoriesOf(*schema);
     scene.schema = schema;
-    if (!ReadSceneRecords(*scanner.Stream(), factories, texts, scene)) {
+    if (!ReadSceneRecords(scanner, factories, texts, scene)) {
       scene.problems.emplace_back(u"The file ends inside of a string.");
       scene.isUnreadable = true;
     }

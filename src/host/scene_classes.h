@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -50,20 +51,12 @@ class SceneClasses {
   std::vector<std::string> TakeNames() { return std::move(names_); }
 
  private:
-  struct Entry {
-    std::string name;  // empty in a free slot
-    SceneClass found;
-  };
-
   SceneClass Ask(std::string_view name, EntityCreator create);
-  Entry& SlotOf(std::string_view name);
-  void Grow();
 
   const FactoryTable& factories_;
   MemoryPool pool_;  // of the objects that are asked
   std::vector<std::string> names_;
-  std::vector<Entry> entries_;  // a power of two, at most half full
-  std::size_t used_ = 0;
+  std::vector<std::optional<SceneClass>> found_;  // by row of the factories
 };
 
 }  // namespace corvel::host

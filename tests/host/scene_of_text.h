@@ -1,8 +1,10 @@
 // Scenes of records as text.
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "host/model_opening.h"
 #include "host/model_scene.h"
 #include "host/scene_reader.h"
 #include "support/memory_streams.h"
@@ -12,10 +14,10 @@ namespace corvel::host {
 // The scene of records of IFC4, read in windows of `window` bytes.
 inline ModelScene SceneOf(const std::string& records, SceneTexts texts = SceneTexts::kGuidsAndNames,
                           std::size_t window = 1 << 20) {
-  test::MemoryInputStream stream(records, window);
+  Scanner scanner(std::make_unique<test::MemoryInputStream>(records, window), Hear);
   ModelScene scene;
   scene.schema = SchemaNamespace::IFC4;
-  ReadSceneRecords(stream, FactoriesOf(SchemaNamespace::IFC4), texts, scene);
+  ReadSceneRecords(scanner, FactoriesOf(SchemaNamespace::IFC4), texts, scene);
   return scene;
 }
 

@@ -89,9 +89,9 @@ TEST(SceneReader, TheEndIsToldOfAFileWithoutItsClosingLineOnly) {
 
 TEST(SceneReader, AFileThatEndsInsideOfAStringIsNoScene) {
   const auto isWhole = [](const std::string& records) {
-    test::MemoryInputStream stream(records);
+    Scanner scanner(std::make_unique<test::MemoryInputStream>(records), Hear);
     ModelScene scene;
-    return ReadSceneRecords(stream, FactoriesOf(SchemaNamespace::IFC4), SceneTexts::kGuids, scene);
+    return ReadSceneRecords(scanner, FactoriesOf(SchemaNamespace::IFC4), SceneTexts::kGuids, scene);
   };
   EXPECT_TRUE(isWhole("#1=IFCWALL('a','b');"));
   EXPECT_TRUE(isWhole("#1=IFCWALL('a','b'"));

@@ -1,4 +1,4 @@
-// The kinds of bytes that the scanner tells apart.
+// The kinds of bytes that readers tell apart.
 #pragma once
 
 #include <array>
@@ -11,6 +11,8 @@ inline constexpr std::uint8_t kDigitByte = 2;
 inline constexpr std::uint8_t kBlankByte = 4;  // white space, and "_", which vanishes like a blank
 inline constexpr std::uint8_t kCommaByte = 8;
 inline constexpr std::uint8_t kNumberByte = 16;  // what numbers with a point are made of
+
+inline constexpr char kLastByte = '\xFF';  // outside of strings and comments it ends the input
 
 inline constexpr std::array<std::uint8_t, 256> kByteKinds = [] {
   std::array<std::uint8_t, 256> kinds{};

@@ -1,7 +1,5 @@
 #include "step/reader/record_borders.h"
 
-#include <string_view>
-
 #include "step/reader/byte_kinds.h"
 #include "step/reader/record_lines.h"
 
@@ -10,10 +8,6 @@ namespace corvel {
 namespace {
 
 using Kind = SkippedInput::Kind;
-
-bool IsClosingLine(const Token& token) {
-  return token.Is(TokenType::EndIsoToken) && token.text.starts_with("END-ISO");
-}
 
 // Tokens that may hold more than a value should.
 std::uint32_t RecordsInside(const Token& token) {
@@ -88,7 +82,7 @@ bool RecordBorders::IsExpected(const Token& token) {
     case TokenType::DataToken: inData_ = inDataHead_ = true; return true;
     case TokenType::EndsecToken: inData_ = false; return true;
     case TokenType::EndIsoToken:
-      if (!IsClosingLine(token)) return false;
+      if (!token.IsClosingLine()) return false;
       isClosed_ = true;
       return RecordsInside(token) == 0;
     case TokenType::OpenBracketToken:
@@ -134,8 +128,8 @@ void RecordBorders::FinishRecord(Scanner& scanner) {
     behindNumber = token.Is(TokenType::IdentifierToken);
     records += RecordsInside(token);
     if (token.Is(TokenType::EndsecToken)) inData_ = false;
-    if (IsClosingLine(token)) isClosed_ = true;
-    passedBorder = passedBorder || token.Is(TokenType::EndsecToken) || IsClosingLine(token);
+    if (token.IsClosingLine()) isClosed_ = true;
+    passedBorder = passedBorder || token.Is(TokenType::EndsecToken) || token.IsClosingLine();
   }
   if (!surplus) return;
   skipped_.Note(records != 0 || passedBorder ? Kind::kNoSemicolon : Kind::kSurplus, offset,

@@ -5,10 +5,10 @@
 #include <new>
 #include <utility>
 
-#include "core/entity.h"
 #include "step/numbers/number_text.h"
 #include "step/reader/header_reader.h"
 #include "step/reader/record_lines.h"
+#include "step/reader/record_skipper.h"
 #include "step/reader/skipped_input.h"
 #include "step/reader/string_decoder.h"
 #include "step/streams/open_input.h"
@@ -18,7 +18,6 @@ namespace corvel {
 namespace {
 
 constexpr int kEnd = -1;
-constexpr char kLastByte = '\xFF';  // looks like the end of the input
 constexpr char16_t kOutOfRange[] = u"stoul argument out of range";
 
 }  // namespace
@@ -149,7 +148,7 @@ Token* Scanner::ReadWord() {
   } else if (word == "ISO" || word == "END") {
     token->type = word == "ISO" ? TokenType::IsoToken : TokenType::EndIsoToken;
     AppendWhile(word, [](char c) { return c != ';'; });
-    metClosingLine_ = metClosingLine_ || (word.starts_with("END-ISO") && HasByte());
+    metClosingLine_ = metClosingLine_ || (token->IsClosingLine() && HasByte());
   } else if (word == "HEADER" && !inHeader_) {
     inHeader_ = true;
     auto header = HeaderReader(*this).Read();
@@ -197,18 +196,10 @@ Token* Scanner::ReadIdentifier() {
   ++argument_;
   TakeByte();
   Token* const token = Make(TokenType::IdentifierToken);
-  std::uint64_t number = 0;
-  bool anyDigit = false;
-  while (HasByte() && IsDigit(Byte())) {
-    anyDigit = true;
-    if (number <= IFC::kLargestNumber) {
-      number = number * 10 + static_cast<unsigned>(Byte() - '0');
-    }
-    TakeByte();
-  }
-  if (!anyDigit) return StopWith(u"invalid stoul argument");
-  if (number > IFC::kLargestNumber) return StopWith(kOutOfRange);
-  token->number = static_cast<std::uint32_t>(number);
+  const std::optional<std::uint64_t> number = TakeDigits(*stream_);
+  if (!number) return StopWith(u"invalid stoul argument");
+  if (*number > IFC::kLargestNumber) return StopWith(kOutOfRange);
+  token->number = static_cast<std::uint32_t>(*number);
   return token;
 }
 
@@ -243,22 +234,17 @@ bool Scanner::SkipComment(std::int64_t start) {
   RecordLines places;
   bool holdsComment = false;
   bool dropped = false;
-  bool closed = false;
-  for (char before = 0; !closed;) {
-    if (stream_->Cursor() == stream_->WindowEnd()) {
-      const std::size_t kept = stream_->StatementSize();
-      DropLongLeadIn();
-      dropped = dropped || stream_->StatementSize() < kept;
-      if (!stream_->Refill()) break;
-    }
-    const char byte = Byte();
-    TakeByte();
-    closed = before == '*' && byte == '/';
+  const auto more = [&] {
+    const std::size_t kept = stream_->StatementSize();
+    DropLongLeadIn();
+    dropped = dropped || stream_->StatementSize() < kept;
+    return stream_->Refill();
+  };
+  const bool closed = PassComment(*stream_, more, [&](char before, char byte) {
     holdsComment = holdsComment || (before == '/' && byte == '*');
-    before = byte;
     lines.Take(byte);
     places.Take(byte);
-  }
+  });
   // One without an end, or that another begins in, was not meant to go that far: then a record
   // counts wherever it stands.
   const std::uint32_t records = holdsComment || !closed ? places.Count() : lines.Count();

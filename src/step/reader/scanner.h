@@ -142,7 +142,7 @@ class Scanner {
   Token* Make(TokenType type);
   Token* StopWith(const WideString& message);
 
-  bool HasByte() { return stream_->Cursor() != stream_->WindowEnd() || stream_->Refill(); }
+  bool HasByte() { return stream_->HasByte(); }
   char Byte() const { return *stream_->Cursor(); }
   void TakeByte() { stream_->SetCursor(stream_->Cursor() + 1); }
   // The next byte, taken; -1 at the end.

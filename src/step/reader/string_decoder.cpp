@@ -33,20 +33,22 @@ std::uint32_t HexValue(int byte) {
   return static_cast<std::uint32_t>(upper < 'A' ? upper - '0' : upper - 55);
 }
 
-// One string. The code page of \S\ and \X\ lasts for the string.
+// One string. The code page of \S\ and \X\ lasts for the string. `kKeeps` false: it is only passed
+// over, and there is no text.
+template <bool kKeeps>
 class Decoder {
  public:
-  Decoder(FileStream::InputStream& stream, WideString& text) : stream_(stream), text_(text) {}
+  Decoder(FileStream::InputStream& stream, WideString* text) : stream_(stream), text_(text) {}
 
-  void Run() {
+  bool Run() {
     for (;;) {
       TakePlainRun();
       const int byte = Take();
-      if (byte == kEnd) return;
+      if (byte == kEnd) return false;
       if (byte == '\'') {
-        if (Peek() != '\'') return;
+        if (Peek() != '\'') return true;
         Take();
-        text_.push_back(u'\'');
+        Add(u'\'');
       } else if (byte == '\\') {
         TakeDirective();
       } else {
@@ -57,7 +59,10 @@ class Decoder {
 
  private:
   int Peek() {
-    if (stream_.Cursor() == stream_.WindowEnd() && !stream_.Refill()) return kEnd;
+    if (stream_.Cursor() == stream_.WindowEnd()) {
+      if constexpr (!kKeeps) stream_.ClearStatementText();
+      if (!stream_.Refill()) return kEnd;
+    }
     return static_cast<unsigned char>(*stream_.Cursor());
   }
   int Take() {
@@ -69,22 +74,34 @@ class Decoder {
   // The usual case: everything up to the closing quote stands in the window.
   void TakePlainRun() {
     const char* const begin = stream_.Cursor();
-    const char* const end = EndOfPlainText(begin, stream_.WindowEnd());
-    text_.reserve(text_.size() + static_cast<std::size_t>(end - begin));
-    for (const char* at = begin; at != end; ++at) text_.push_back(static_cast<char16_t>(*at));
+    const char* end = EndOfPlainText(begin, stream_.WindowEnd());
+    if constexpr (kKeeps) {
+      text_->reserve(text_->size() + static_cast<std::size_t>(end - begin));
+      for (const char* at = begin; at != end; ++at) Add(static_cast<char16_t>(*at));
+    } else {
+      while (end != stream_.WindowEnd() && *end != '\'' && *end != '\\') ++end;
+    }
     stream_.SetCursor(end);
   }
 
+  void Add([[maybe_unused]] char16_t unit) {
+    if constexpr (kKeeps) text_->push_back(unit);
+  }
+
   // A byte that stands for itself. Those above 127 are kept apart from decoded characters.
-  void AddPlain(int byte) {
-    text_.push_back(static_cast<char16_t>(byte > 127 ? kRawByteBase + byte : byte));
+  void AddPlain(int byte) { Add(static_cast<char16_t>(byte > 127 ? kRawByteBase + byte : byte)); }
+
+  // "\S" or "\P" that begins no directive.
+  void AddUnused(char letter) {
+    Add(u'\\');
+    Add(static_cast<char16_t>(letter));
   }
 
   void TakeDirective() {
     switch (Peek()) {
       case '\\':
         Take();
-        text_.push_back(u'\\');
+        Add(u'\\');
         return;
       case 'S': TakeShifted(); return;
       case 'P': TakeCodePage(); return;
@@ -92,7 +109,7 @@ class Decoder {
         Take();
         TakeHex();
         return;
-      default: text_.push_back(u'\\');
+      default: Add(u'\\');
     }
   }
 
@@ -100,7 +117,7 @@ class Decoder {
   void TakeShifted() {
     Take();
     if (Peek() != '\\') {
-      text_ += u"\\S";
+      AddUnused('S');
       return;
     }
     Take();
@@ -114,7 +131,7 @@ class Decoder {
     Take();
     const int page = Peek();
     if (page == kEnd || page == '\'' || page == '\\') {
-      text_ += u"\\P";
+      AddUnused('P');
       return;
     }
     Take();
@@ -122,7 +139,7 @@ class Decoder {
       Take();
       codePage_ = static_cast<unsigned>(page) + 28526u;
     } else {
-      text_ += u"\\P";
+      AddUnused('P');
       AddPlain(page);
     }
   }
@@ -163,8 +180,8 @@ class Decoder {
 
   // The low half of a long group stands first, the high half only when it is not 0.
   void AddGroup(std::uint32_t group, unsigned digits) {
-    text_.push_back(static_cast<char16_t>(group & 0xFFFF));
-    if (digits == 8 && group >> 16 != 0) text_.push_back(static_cast<char16_t>(group >> 16));
+    Add(static_cast<char16_t>(group & 0xFFFF));
+    if (digits == 8 && group >> 16 != 0) Add(static_cast<char16_t>(group >> 16));
   }
 
   // The rest of \X0\ behind its first "\".
@@ -175,12 +192,12 @@ class Decoder {
   // A byte below 128 is the same in every page; one that the page does not know stays what it is.
   void AddByte(std::uint8_t byte) {
     char16_t unit = byte;
-    if (byte > 127) unit = platform::Get().DecodeByte(codePage_, byte).value_or(unit);
-    text_.push_back(unit);
+    if (kKeeps && byte > 127) unit = platform::Get().DecodeByte(codePage_, byte).value_or(unit);
+    Add(unit);
   }
 
   FileStream::InputStream& stream_;
-  WideString& text_;
+  WideString* text_;
   unsigned codePage_ = 0;  // the system's own
 };
 
@@ -197,8 +214,10 @@ void WidenPlainText(std::string_view bytes, WideString& text) {
   std::copy(bytes.begin(), bytes.end(), text.begin());
 }
 
-void DecodeString(FileStream::InputStream& stream, WideString& text) {
-  Decoder(stream, text).Run();
+bool DecodeString(FileStream::InputStream& stream, WideString& text) {
+  return Decoder<true>(stream, &text).Run();
 }
+
+bool SkipString(FileStream::InputStream& stream) { return Decoder<false>(stream, nullptr).Run(); }
 
 }  // namespace corvel

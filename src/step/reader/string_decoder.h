@@ -9,8 +9,10 @@
 namespace corvel {
 
 // Call behind the opening quote. Appends the decoded text to `text` and takes the closing quote;
-// the end of the input ends the string too.
-void DecodeString(FileStream::InputStream& stream, WideString& text);
+// the end of the input ends the string too, and then the answer is false.
+bool DecodeString(FileStream::InputStream& stream, WideString& text);
+// The same for nobody who wants the text. Throws away what the stream keeps of the statement.
+bool SkipString(FileStream::InputStream& stream);
 
 // The first byte of [`at`, `end`) that is a quote, a "\\" or no ASCII; `end` when there is none.
 const char* EndOfPlainText(const char* at, const char* end);

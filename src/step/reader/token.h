@@ -64,6 +64,8 @@ struct Token {
   TokenType getType() const { return type; }
   const char16_t* getName() const { return NameOf(type); }
   bool Is(TokenType kind) const { return type == kind; }
+  // `END-ISO...`: all records of the file have been met.
+  bool IsClosingLine() const { return Is(TokenType::EndIsoToken) && text.starts_with("END-ISO"); }
 };
 
 }  // namespace corvel

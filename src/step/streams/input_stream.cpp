@@ -36,7 +36,7 @@ InputStream::InputStream(const corvel::WideString& path, corvel::ErrorReporter s
       showError_(showError) {}
 
 int InputStream::GetChar() {
-  if (cursor_ == windowEnd_ && !Refill()) return IsOpen() ? -1 : 0;
+  if (!HasByte()) return IsOpen() ? -1 : 0;
   return static_cast<signed char>(*cursor_++);
 }
 

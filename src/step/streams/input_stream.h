@@ -54,6 +54,9 @@ class InputStream {
   // the statement text is kept.
   bool Refill();
 
+  // True: there is a next byte, at the cursor. False: as for Refill.
+  bool HasByte() { return cursor_ != windowEnd_ || Refill(); }
+
   // The statement text without a copy where it lies in one piece. Void after the next call of any
   // operation that moves on.
   std::string_view StatementView();

@@ -1,4 +1,4 @@
-#include "host/record_skipper.h"
+#include "step/reader/record_skipper.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "step/reader/string_decoder.h"
 #include "support/memory_streams.h"
 
-namespace corvel::host {
+namespace corvel {
 
 namespace {
 
@@ -129,4 +129,4 @@ TEST(SkipBlanks, StopsAtWhatIsNoBlankAndNoComment) {
   EXPECT_EQ("(end)", RestOf(" /*\xFF*/\xFF#1", SkipBlanks));
 }
 
-}  // namespace corvel::host
+}  // namespace corvel
