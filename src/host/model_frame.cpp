@@ -6,11 +6,11 @@
 #include <unordered_map>
 
 #include "core/entity_cast.h"
-#include "host/record_arguments.h"
 #include "merge/unit_texts.h"
 #include "schema/interfaces/product.h"
 #include "schema/interfaces/properties.h"
 #include "schema/interfaces/units.h"
+#include "step/record_numbers.h"
 
 namespace corvel::host {
 
@@ -69,8 +69,7 @@ std::optional<double> MetresInSI(const IFC::VIfcSIUnit& unit) {
 
 // "0.3048 of that unit": the value comes first, the unit is the one child.
 std::optional<double> MetresInMeasure(const IFC::IfcEntity& measure, int depth) {
-  const std::vector<std::string> arguments = ArgumentsOf(measure);
-  const auto value = arguments.empty() ? std::nullopt : NumberIn(arguments.front());
+  const std::optional<double> value = NumbersOf(measure).front();
   if (!value) return {};
   for (IFC::IfcEntity* const child : ChildrenOf(measure)) {
     if (const auto metres = MetresIn(child, depth + 1)) return *value * *metres;
@@ -108,10 +107,10 @@ Kind KindOf(IFC::IfcEntity* entity) {
 
 MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
   MapConversion conversion;
-  const std::vector<std::string> arguments = ArgumentsOf(entity);
-  for (std::size_t i = 0; i < conversion.values.size(); ++i) {
-    if (kFirstValue + i >= arguments.size()) break;
-    if (const auto value = NumberIn(arguments[kFirstValue + i])) conversion.values[i] = *value;
+  std::vector<std::optional<double>> numbers = NumbersOf(entity);
+  numbers.resize(kFirstValue + MapConversion::kCount);
+  for (std::size_t i = 0; i < MapConversion::kCount; ++i) {
+    conversion.values[i] = numbers[kFirstValue + i].value_or(conversion.values[i]);
   }
   return conversion;
 }
@@ -130,8 +129,8 @@ MapConversion ConversionOfSet(const IFC::IfcEntity& set) {
     const auto* const property = EntityCast<IFC::VIfcProperty>(child);
     if (property == nullptr) continue;
     const WideString name = ToLowerAscii(property->getPropertyName());
-    const std::vector<std::string> arguments = ArgumentsOf(*child);
-    const auto value = arguments.size() > kValue ? NumberIn(arguments[kValue]) : std::nullopt;
+    const std::vector<std::optional<double>> numbers = NumbersOf(*child);
+    const auto value = numbers.size() > kValue ? numbers[kValue] : std::nullopt;
     for (std::size_t i = 0; value && i < kValueNames.size(); ++i) {
       if (kValueNames[i] == name) conversion.values[i] = *value;
     }
