@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "host/hearing.h"
 #include "host/model_opening.h"
 #include "host/run_checks.h"
 #include "step/reader/record_skipper.h"
@@ -61,7 +62,7 @@ void ListClasses(const ClassCounts& counts, FileFacts& facts) {
 
 void ReadOpened(Scanner& scanner, FileFacts& facts) {
   facts.bytes = scanner.Stream()->TotalSize();
-  facts.header = ReadHeader(scanner, facts.problems);
+  facts.header = ReadHeader(scanner, facts.path, facts.problems);
   if (facts.header == nullptr) return;
   facts.schema = ChooseSchema(facts.header->schemaIdentifier, facts.remarks, facts.problems);
   ClassCounts counts;

@@ -1,4 +1,4 @@
-// The first look at a model: what it is if it is none, and which schema it names.
+// The first look at a model: whether it is one, and which schema it names.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +8,6 @@
 #include "core/text.h"
 
 namespace corvel::host {
-
-// What a file that is no STEP file is: "is no STEP file, it begins with ...". Nothing when it
-// begins as one does, behind whatever a reader of STEP files passes over, or cannot be opened.
-std::optional<WideString> NoStepFile(const WideString& path);
 
 struct HeaderLook {
   std::optional<WideString> trouble;  // why no header could be read

@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "host/hearing.h"
 #include "host/model_opening.h"
 #include "host/run_checks.h"
 #include "host/scene_reader.h"
@@ -12,8 +13,8 @@ namespace corvel::host {
 
 namespace {
 
-void ReadOpened(Scanner& scanner, SceneTexts texts, ModelScene& scene) {
-  const auto header = ReadHeader(scanner, scene.problems);
+void ReadOpened(Scanner& scanner, const WideString& path, SceneTexts texts, ModelScene& scene) {
+  const auto header = ReadHeader(scanner, path, scene.problems);
   if (header == nullptr) return;
   const auto schema = ChooseSchema(header->schemaIdentifier, scene.remarks, scene.problems);
   if (!schema) return;
@@ -68,7 +69,7 @@ ModelScene ReadScene(const WideString& path, SceneTexts texts) {
     const Hearing problems(heard);
     Scanner scanner(path, kModelBuffer, Hear);
     if (scanner.IsOpen()) {
-      ReadOpened(scanner, texts, scene);
+      ReadOpened(scanner, path, texts, scene);
     } else {
       scene.problems.emplace_back(u"Could not open the file");
       scene.isUnreadable = true;

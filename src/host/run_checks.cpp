@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "host/hearing.h"
 #include "platform/file.h"
 #include "platform/locked_file.h"
 #include "platform/native_path.h"
@@ -48,22 +49,12 @@ const char16_t* TroubleWithName(const WideString& path) {
              : u"this is a container; name a model in it: CONTAINER.olf|ENTRY";
 }
 
-// What an archive says against itself while it is opened. Streams report through plain functions.
-WideString& ToldByArchive() {
-  static WideString message;
-  return message;
-}
-
-int HearArchive(const char* /*key*/, const WideString& message, int /*mode*/) {
-  if (ToldByArchive().empty()) ToldByArchive() = message;
-  return 0;
-}
-
 std::optional<WideString> TroubleWithArchive(const WideString& path) {
   constexpr std::size_t kSmallBuffer = 0x1000;
-  ToldByArchive().clear();
-  FileStream::InputZipFileStream stream(path, HearArchive, kSmallBuffer);
-  if (!stream.IsOpen()) return ToldByArchive();
+  std::vector<WideString> told;
+  const Hearing hearing(told);
+  FileStream::InputZipFileStream stream(path, Hear, kSmallBuffer);
+  if (!stream.IsOpen()) return told.empty() ? WideString() : told.front();
   if (stream.TotalSize() == 0 && stream.PeekChar() == -1) return u"the model in it is empty";
   return {};
 }

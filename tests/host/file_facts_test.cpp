@@ -146,8 +146,9 @@ TEST(FileFacts, WithoutAHeaderThereIsNothingButTheSize) {
   const FileFacts facts = FactsOf("hello\n");
   EXPECT_EQ(nullptr, facts.header);
   EXPECT_EQ(6, facts.bytes);
+  EXPECT_EQ(Texts{u"this is no STEP file, it begins with 'hello'"}, facts.problems);
   EXPECT_EQ(Texts{u"Unable to read header token. No schema identifier can be read."},
-            facts.problems);
+            FactsOf("ISO-10303-21;\nHEAD").problems);
 }
 
 TEST(FileFacts, FilesThatCannotBeReadTellWhy) {

@@ -50,8 +50,7 @@ TEST(ModelScene, ClassesAreThoseOfTheReleaseOfTheFile) {
 
 TEST(ModelScene, AFileThatIsNoModelHasAProblemAndNoObjects) {
   const ModelScene scene = SceneOfFile("#1=IFCWALL('w');");
-  EXPECT_EQ(Texts{u"Unable to read header token. No schema identifier can be read."},
-            scene.problems);
+  EXPECT_EQ(Texts{u"this is no STEP file, it begins with '#1=IFCWALL('w');'"}, scene.problems);
   EXPECT_EQ("", Described(scene));
   EXPECT_EQ(std::nullopt, scene.schema);
 }

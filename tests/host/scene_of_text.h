@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host/model_opening.h"
+#include "host/hearing.h"
 #include "host/model_scene.h"
 #include "host/scene_reader.h"
 #include "support/memory_streams.h"

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace corvel {
 
@@ -12,6 +13,7 @@ inline constexpr std::uint8_t kBlankByte = 4;  // white space, and "_", which va
 inline constexpr std::uint8_t kCommaByte = 8;
 inline constexpr std::uint8_t kNumberByte = 16;  // what numbers with a point are made of
 
+inline constexpr std::string_view kCommentStart = "/*";
 inline constexpr char kLastByte = '\xFF';  // outside of strings and comments it ends the input
 
 inline constexpr std::array<std::uint8_t, 256> kByteKinds = [] {

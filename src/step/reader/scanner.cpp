@@ -189,7 +189,7 @@ Token* Scanner::ReadNumber() {
 // Signs that no number has, however it is written: it goes on over something else.
 bool Scanner::GoesOn(const std::string& number) const {
   return number.find_first_of(";#='(") != std::string::npos ||
-         number.find("/*") != std::string::npos;
+         number.find(kCommentStart) != std::string::npos;
 }
 
 Token* Scanner::ReadIdentifier() {

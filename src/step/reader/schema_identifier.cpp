@@ -3,19 +3,12 @@
 #include <utility>
 
 #include "step/log/ifc_log.h"
-#include "step/reader/scanner.h"
 
 namespace corvel {
 
 namespace {
 
 constexpr std::size_t kHeaderBuffer = 0x100000;
-
-std::unique_ptr<HeaderToken> ReadHeaderToken(Scanner& scanner) {
-  if (!scanner.NextToken()->Is(TokenType::IsoToken)) return nullptr;
-  if (!scanner.NextToken()->Is(TokenType::SemicolonToken)) return nullptr;
-  return std::move(scanner.NextToken()->header);
-}
 
 }  // namespace
 
@@ -42,6 +35,12 @@ std::optional<SchemaNamespace> ChooseSchemaNamespace(const WideString& identifie
   return std::nullopt;
 }
 
+std::unique_ptr<HeaderToken> ReadHeaderToken(Scanner& scanner) {
+  if (!scanner.NextToken()->Is(TokenType::IsoToken)) return nullptr;
+  if (!scanner.NextToken()->Is(TokenType::SemicolonToken)) return nullptr;
+  return std::move(scanner.NextToken()->header);
+}
+
 SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
   IfcLog::Instance().LogText(u"[readSchemaIdentifier]");
   SchemaOfFile result;
@@ -61,7 +60,7 @@ SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
     result.opened = true;
   }
   if (header == nullptr) {
-    showError("", u"Unable to read header token. No schema identifier can be read.", kReportShow);
+    showError("", kNoHeader, kReportShow);
     return result;
   }
   result.identifier = std::move(header->schemaIdentifier);

@@ -1,11 +1,13 @@
 // The first look at a model file: which release does it ask for?
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "core/reporting.h"
 #include "core/text.h"
 #include "step/factories.h"
+#include "step/reader/scanner.h"
 
 namespace corvel {
 
@@ -14,6 +16,12 @@ namespace corvel {
 std::optional<SchemaNamespace> ChooseSchemaNamespace(const WideString& identifier,
                                                      ErrorReporter showError);
 
+// The HEADER section, and everything before it. Null without the sequence ISO line, ";", HEADER.
+std::unique_ptr<HeaderToken> ReadHeaderToken(Scanner& scanner);
+// What is said then.
+inline constexpr char16_t kNoHeader[] =
+    u"Unable to read header token. No schema identifier can be read.";
+
 // What a file says of its schema.
 struct SchemaOfFile {
   bool opened = false;    // false: it could not be opened or is damaged, which has been reported
@@ -21,7 +29,7 @@ struct SchemaOfFile {
   WideString identifier;  // the first string of FILE_SCHEMA; empty without a readable HEADER
 };
 
-// Reads the HEADER alone. A file without the sequence ISO line, ";", HEADER is reported.
+// Reads the HEADER alone. A file in which ReadHeaderToken finds none is reported.
 SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError);
 
 }  // namespace corvel

@@ -373,7 +373,7 @@ class Info(CorvelTest):
         ended = self.run_corvel('info', '--json', 'a.ifc', 'b.ifc', 'c.ifc')
         self.assert_ended(
             ended, NOTHING_WRITTEN,
-            err='corvel: b.ifc: Unable to read header token. No schema identifier can be read.\n'
+            err="corvel: b.ifc: this is no STEP file, it begins with 'no model'\n"
                 'corvel: c.ifc: there is no such file\n')
         a, b, c = json.loads(ended.out)['files']
         self.assertEqual({'IFCCARTESIANPOINT': 2, 'IFCPROJECT': 1}, a['classes'])

@@ -76,7 +76,7 @@ class Tree(CorvelTest):
 
     def test_a_file_that_is_no_model_is_a_problem(self):
         self.write('a.ifc', b'hello')
-        message = 'Unable to read header token. No schema identifier can be read.'
+        message = "this is no STEP file, it begins with 'hello'"
         self.assert_ended(self.run_corvel('tree', 'a.ifc'), NOTHING_WRITTEN, out='',
                           err=f'corvel: a.ifc: {message}\n')
         ended = self.run_corvel('tree', '--json', 'a.ifc')
