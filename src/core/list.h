@@ -49,6 +49,18 @@ class List {
     --size_;
   }
 
+  // Takes out the items for which `predicate` is true; the others keep their order. Gives how many
+  // went.
+  template <class Predicate>
+  std::size_t RemoveIf(Predicate predicate) {
+    const std::size_t before = size_;
+    size_ = 0;
+    for (std::size_t i = 0; i < before; ++i) {
+      if (!predicate(data_[i])) data_[size_++] = data_[i];
+    }
+    return before - size_;
+  }
+
   List Clone(MemoryPool& pool) const {
     List copy;
     copy.Assign({data_, size_}, pool);

@@ -5,12 +5,15 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 
 #include "core/entity.h"
 #include "core/memory_pool.h"
 
 namespace corvel {
+
+struct ReleaseClasses;
 
 // The releases whose classes the engine knows.
 enum class SchemaNamespace {
@@ -59,6 +62,8 @@ struct FactoryTable {
   const FactoryRow* slots = nullptr;
   std::uint32_t mask = 0;   // number of slots - 1
   std::uint32_t count = 0;  // number of rows
+  // What the same classes are, attribute for attribute (step/class_facts.h).
+  const ReleaseClasses* classes = nullptr;
 
   // Exact, case-sensitive. Null: no such class.
   const FactoryRow* FindRow(std::string_view name) const {
@@ -75,6 +80,8 @@ struct FactoryTable {
 
 // Defined by the schema layer: the only place where a release is chosen.
 const FactoryTable& FactoriesOf(SchemaNamespace schema);
+// The releases of this build, the oldest first; a developer's build leaves some out.
+std::span<const FactoryTable* const> BuiltFactories();
 // "IFC2X3"
 std::string_view NameOf(SchemaNamespace schema);
 

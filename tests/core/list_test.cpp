@@ -45,6 +45,18 @@ TEST(List, AppendAndEraseDoWhatAVectorDoes) {
   EXPECT_EQ(model, Items(list));
 }
 
+TEST(List, RemoveIfKeepsTheOrderOfTheOthers) {
+  MemoryPool pool(64);
+  List<int> list;
+  const auto isOdd = [](int item) { return item % 2 != 0; };
+  EXPECT_EQ(0u, list.RemoveIf(isOdd));
+  list.Assign(std::vector<int>{1, 4, 3, 2, 6, 5}, pool);
+  EXPECT_EQ(3u, list.RemoveIf(isOdd));
+  EXPECT_EQ((std::vector<int>{4, 2, 6}), Items(list));
+  EXPECT_EQ(0u, list.RemoveIf(isOdd));
+  EXPECT_EQ(3u, list.size());
+}
+
 TEST(List, AssignReplacesWhatWasThere) {
   MemoryPool pool(64);
   List<int> list;

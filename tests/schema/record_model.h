@@ -58,8 +58,9 @@ inline std::vector<Release> ReleasesBuilt(SchemaNamespace first, SchemaNamespace
 // Whatever is reported fails the test.
 class RecordModel {
  public:
-  explicit RecordModel(SchemaNamespace schema) : parser_(false, Report, nullptr) {
-    parser_.factories = &FactoriesOf(schema);
+  explicit RecordModel(SchemaNamespace schema) : RecordModel(FactoriesOf(schema)) {}
+  explicit RecordModel(const FactoryTable& factories) : parser_(false, Report, nullptr) {
+    parser_.factories = &factories;
     parser_.mainContainer = std::make_unique<IFC::MainContainer>(Report, nullptr, 1 << 16);
   }
 

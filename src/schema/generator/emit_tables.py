@@ -57,7 +57,7 @@ def registry(class_names):
     lines = [f'static constexpr corvel::FactoryRow kSlots[{len(slots)}] = {{']
     lines += ['    {},' if key is None else f'    {{"{key}", New{names[key]}}},' for key in slots]
     return lines + ['};', f'const corvel::FactoryTable kFactories{{kSlots, {len(slots) - 1}, '
-                    f'{len(names)}}};']
+                    f'{len(names)}, &kClasses}};']
 
 
 ALL_NAMESPACES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1',
@@ -75,6 +75,10 @@ def schema_registry(namespaces):
         lines.append(f'      return {name}::kFactories;' if name in namespaces
                      else f'      throw std::logic_error("{name} is left out of this build");')
     lines += ['  }', '  throw std::logic_error("no such schema namespace");', '}', '',
+              'std::span<const FactoryTable* const> BuiltFactories() {',
+              '  static constexpr const FactoryTable* kBuilt[] = {']
+    lines += [f'      &{name}::kFactories,' for name in ALL_NAMESPACES if name in namespaces]
+    lines += ['  };', '  return kBuilt;', '}', '',
               'std::string_view NameOf(SchemaNamespace schema) {', '  switch (schema) {']
     for name in ALL_NAMESPACES:
         lines += [f'    case SchemaNamespace::{name}:', f'      return "{name}";']

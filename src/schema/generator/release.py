@@ -1,5 +1,6 @@
 """Puts the files of one release together."""
 
+from .emit_attributes import attribute_tables
 from .emit_bodies import (class_test, creator_declaration, entity_functions, interface_functions,
                           value_functions)
 from .emit_classes import entity_class, select_classes, value_class
@@ -8,6 +9,12 @@ from .kinds import class_test_targets, used_enumerations
 from .layout import Layout, Shards
 from .model import SchemaError
 from .output import header, source_file
+
+
+# The classes are of no standard layout, since their root is a virtual base. Their members belong to
+# a chain of plain bases that begins where the object does, so that their places are constants.
+OFFSETS_ARE_MEANT = ['#ifdef __GNUC__', '#pragma GCC diagnostic ignored "-Winvalid-offsetof"',
+                     '#endif', '']
 
 
 def refuse_name_clashes(schema):
@@ -62,6 +69,7 @@ class Release:
             'types.cpp': self.types_source(),
             'registry.cpp': self.registry_source(),
             'interfaces.cpp': self.interfaces_source(),
+            'attributes.cpp': self.attributes_source(),
         }
         for part in range(self.shards.count):
             files[f'classes_{part:02}.h'] = self.classes_header(
@@ -118,8 +126,16 @@ class Release:
         return self.source_file(includes + ['schema/interfaces/interfaces.h'], body)
 
     def registry_source(self):
-        body = ['extern const corvel::FactoryTable kFactories;'] + registry(self.class_names())
+        body = ['extern const corvel::ReleaseClasses kClasses;',
+                'extern const corvel::FactoryTable kFactories;'] + registry(self.class_names())
         return self.source_file([self.inside('creators.h'), 'step/factories.h'], body)
+
+    def attributes_source(self):
+        body = ['extern const corvel::ReleaseClasses kClasses;', '']
+        body += OFFSETS_ARE_MEANT + attribute_tables(self.schema)
+        includes = [self.inside('classes.h'), self.inside('class_tests.h'), self.inside('enums.h'),
+                    '<cstddef>', '<typeinfo>', 'step/class_facts.h']
+        return self.source_file(includes, body)
 
     def interfaces_source(self):
         body = []

@@ -191,6 +191,15 @@ class Refusals(unittest.TestCase):
             'TINY TinyGrid: there is no rule for TinyGrid, a type of nested aggregates',
             'select TinySelect\n  TinyGrid\ntype TinyGrid = LIST [1:?] OF LIST [1:?] OF REAL')
 
+    def test_bounds_that_no_constant_holds(self):
+        self.refuse_attribute('Knots: there is no rule for the bounds of ARRAY [0:Upper] OF REAL',
+                              'Knots: ARRAY [0:Upper] OF REAL')
+        self.refuse_attribute('Knots: there is no rule for the bounds of LIST [1:255] OF REAL',
+                              'Knots: LIST [1:255] OF REAL')
+        self.assert_refused(
+            'TINY TinyKnots: there is no rule for the bounds of ARRAY [-1:1] OF REAL',
+            'select TinySelect\n  TinyKnots\ntype TinyKnots = ARRAY [-1:1] OF REAL')
+
     # --- Names -----------------------------------------------------------------------------------
     def test_flag_that_meets_an_attribute(self):
         self.assert_refused('TINY TinyPart: two members named NamePresent',
@@ -325,6 +334,10 @@ class Registry(unittest.TestCase):
                 self.assertIsNotNone(slots[at])
                 at = (at + 1) % len(slots)
 
+    def test_releases_of_the_build_are_listed_in_their_order(self):
+        text = '\n'.join(schema_registry(['IFC4', 'IFC2X3']))
+        self.assertIn('kBuilt[] = {\n      &IFC2X3::kFactories,\n      &IFC4::kFactories,\n  };', text)
+
     def test_release_left_out_throws(self):
         text = '\n'.join(schema_registry(['IFC4']))
         self.assertIn('    case SchemaNamespace::IFC4:\n      return IFC4::kFactories;\n', text)
@@ -350,7 +363,7 @@ class CommandLine(unittest.TestCase):
             for path in paths:
                 os.utime(path, (1, 1))
             self.assertEqual(0, self.release(out).returncode)
-            self.assertEqual([1] * 15, [os.stat(path).st_mtime for path in paths])
+            self.assertEqual([1] * 16, [os.stat(path).st_mtime for path in paths])
 
     def test_changed_file_is_written(self):
         with tempfile.TemporaryDirectory() as out:

@@ -19,6 +19,9 @@ struct ClassRow {
   std::string_view key;                 // "IFCWALL"
   std::u16string_view name;             // u"IfcWall"
   std::span<const std::uint16_t> isOf;  // indices of targets, ascending
+  // The supertype, and then its own attributes, a line each: name, declaration, the defined types
+  // that the type is made of, what it is in the end, and how many lists are around that.
+  std::string_view attributes;
 };
 
 struct ClassTable {

@@ -4,6 +4,7 @@
 
 namespace TINY {
 
+extern const corvel::ReleaseClasses kClasses;
 extern const corvel::FactoryTable kFactories;
 static constexpr corvel::FactoryRow kSlots[64] = {
     {},
@@ -71,6 +72,6 @@ static constexpr corvel::FactoryRow kSlots[64] = {
     {"TINYBOOLEAN", NewTinyBoolean},
     {},
 };
-const corvel::FactoryTable kFactories{kSlots, 63, 22};
+const corvel::FactoryTable kFactories{kSlots, 63, 22, &kClasses};
 
 }  // namespace TINY

@@ -1,0 +1,221 @@
+#include "schema/attributes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "core/text.h"
+#include "step/factories.h"
+#include "step/writer/step_writer.h"
+
+namespace corvel {
+
+namespace attribute_detail {
+
+namespace {
+
+template <class T>
+T& At(std::byte* object, const AttributeFacts& facts) {
+  return *reinterpret_cast<T*>(object + facts.offset);
+}
+template <class T>
+const T& At(const std::byte* object, const AttributeFacts& facts) {
+  return *reinterpret_cast<const T*>(object + facts.offset);
+}
+
+bool& FlagAt(std::byte* object, const AttributeFacts& facts) {
+  return *reinterpret_cast<bool*>(object + facts.flagOffset);
+}
+
+bool IsMarkedAbsent(const std::byte* object, const AttributeFacts& facts) {
+  return facts.IsOptional() && !*reinterpret_cast<const bool*>(object + facts.flagOffset);
+}
+
+const EnumRow* RowOf(const EnumTable& table, std::int32_t number) {
+  const auto row = std::find_if(table.rows.begin(), table.rows.end(),
+                                [number](const EnumRow& one) { return one.number == number; });
+  return row == table.rows.end() ? nullptr : &*row;
+}
+
+// The value that `read` leaves where the file has none.
+void StoreDefault(std::byte* object, const AttributeFacts& facts) {
+  if (facts.depth > 0) {
+    // All lists are alike but for their members, of which there are none to be touched.
+    static_assert(sizeof(EntityList) == sizeof(List<EntityList>));
+    facts.depth == 1 ? At<EntityList>(object, facts).Clear()
+                     : At<List<EntityList>>(object, facts).Clear();
+    return;
+  }
+  switch (facts.kind) {
+    case ValueKind::kReference:
+    case ValueKind::kSelect: At<IFC::IfcEntity*>(object, facts) = nullptr; return;
+    case ValueKind::kReal:
+    case ValueKind::kNumber: At<double>(object, facts) = 0.0; return;
+    case ValueKind::kInteger:
+    case ValueKind::kBinary: At<std::int32_t>(object, facts) = 0; return;
+    case ValueKind::kText: At<const char16_t*>(object, facts) = kEmptyWide; return;
+    case ValueKind::kGuid: At<const char*>(object, facts) = kEmptyNarrow; return;
+    case ValueKind::kBoolean:
+    case ValueKind::kLogical:
+    case ValueKind::kEnumeration:
+      At<std::int32_t>(object, facts) = facts.Values()->Fallback();
+      return;
+  }
+}
+
+// One `if` for each depth that a kind has; the writer knows the rest.
+class ValueOnItsWay {
+ public:
+  ValueOnItsWay(const std::byte* object, const AttributeFacts& facts, StepWriter& writer)
+      : object_(object), facts_(facts), writer_(writer) {}
+
+  void Write() const {
+    if (facts_.depth == 0) {
+      WriteScalar();
+    } else if (facts_.depth == 1) {
+      WriteList();
+    } else {
+      WriteLists();
+    }
+  }
+
+ private:
+  template <class T>
+  const T& Held() const {
+    return At<T>(object_, facts_);
+  }
+
+  void WriteScalar() const {
+    switch (facts_.kind) {
+      case ValueKind::kReference:
+      case ValueKind::kSelect: writer_.WriteEntityRef(Held<IFC::IfcEntity*>()); return;
+      case ValueKind::kReal: return writer_.WriteReal(Held<double>());
+      case ValueKind::kNumber: return writer_.WriteCount(Held<double>());
+      case ValueKind::kInteger: return writer_.WriteInteger(Held<std::int32_t>());
+      case ValueKind::kBinary: return writer_.WriteBinaryValue(Held<std::int32_t>());
+      case ValueKind::kText: return writer_.WriteText(Held<const char16_t*>());
+      case ValueKind::kGuid: return writer_.WriteGuid(Held<const char*>());
+      case ValueKind::kBoolean: return writer_.WriteBoolean(Held<std::int32_t>());
+      case ValueKind::kLogical: return writer_.WriteLogical(Held<std::int32_t>());
+      case ValueKind::kEnumeration:
+        return writer_.WriteEnum(*facts_.Values(), Held<std::int32_t>());
+    }
+  }
+
+  void WriteList() const {
+    using Integers = List<std::int32_t>;
+    switch (facts_.kind) {
+      case ValueKind::kReference:
+      case ValueKind::kSelect: return writer_.WriteEntityRefList(Held<EntityList>());
+      case ValueKind::kReal: return writer_.WriteRealList(Held<List<double>>());
+      case ValueKind::kInteger: return writer_.WriteIntegerList(Held<Integers>());
+      case ValueKind::kBinary: return writer_.WriteBinaryList(Held<Integers>());
+      case ValueKind::kText: return writer_.WriteStringList(Held<List<const char16_t*>>());
+      case ValueKind::kBoolean: return writer_.WriteBooleanList(Held<Integers>());
+      case ValueKind::kLogical: return writer_.WriteLogicalList(Held<Integers>());
+      case ValueKind::kEnumeration:
+        return writer_.WriteEnumList(*facts_.Values(), Held<Integers>());
+      case ValueKind::kNumber:
+      case ValueKind::kGuid: break;
+    }
+    throw std::logic_error("no class holds a list of this kind");
+  }
+
+  void WriteLists() const {
+    if (Refers(facts_.kind)) return writer_.WriteEntityRefLists(Held<List<EntityList>>());
+    if (facts_.kind == ValueKind::kReal) return writer_.WriteRealLists(Held<List<List<double>>>());
+    if (facts_.kind == ValueKind::kInteger) {
+      return writer_.WriteIntegerLists(Held<List<List<std::int32_t>>>());
+    }
+    throw std::logic_error("no class holds lists of lists of this kind");
+  }
+
+  const std::byte* object_;
+  const AttributeFacts& facts_;
+  StepWriter& writer_;
+};
+
+}  // namespace
+
+bool MayBe(const AttributeFacts& /*facts*/, double /*value*/) { return true; }
+
+bool MayBe(const AttributeFacts& facts, std::int32_t value) {
+  const EnumTable* const values = facts.Values();
+  return values == nullptr || RowOf(*values, value) != nullptr;
+}
+
+bool MayBe(const AttributeFacts& /*facts*/, const char16_t* value) { return value != nullptr; }
+
+bool MayBe(const AttributeFacts& /*facts*/, const char* value) { return value != nullptr; }
+
+bool MayBe(const AttributeFacts& facts, IFC::IfcEntity* value) { return facts.Admits(value); }
+
+AttributeState StateOf(const std::byte* object, const AttributeFacts& facts) {
+  if (IsMarkedAbsent(object, facts)) return AttributeState::kAbsent;
+  const bool leadsNowhere =
+      facts.depth == 0 && Refers(facts.kind) && At<IFC::IfcEntity*>(object, facts) == nullptr;
+  return leadsNowhere ? AttributeState::kDerived : AttributeState::kValue;
+}
+
+bool Clear(std::byte* object, const AttributeFacts& facts) {
+  const bool isReference = facts.depth == 0 && Refers(facts.kind);
+  if (!facts.IsOptional() && !isReference) return false;
+  StoreDefault(object, facts);
+  if (facts.IsOptional()) FlagAt(object, facts) = false;
+  return true;
+}
+
+void Write(const std::byte* object, const AttributeFacts& facts, StepWriter& writer) {
+  if (IsMarkedAbsent(object, facts)) {
+    writer.WriteAbsent();
+  } else {
+    ValueOnItsWay(object, facts, writer).Write();
+  }
+}
+
+std::string_view EnumerationName(const std::byte* object, const AttributeFacts& facts) {
+  const EnumTable* const values = facts.Values();
+  if (values == nullptr || facts.depth > 0 || IsMarkedAbsent(object, facts)) return {};
+  const EnumRow* const row = RowOf(*values, At<std::int32_t>(object, facts));
+  return row == nullptr ? std::string_view() : row->Name();
+}
+
+}  // namespace attribute_detail
+
+namespace {
+
+// The class's own record among those of its name, of which each release may have one.
+const ClassFacts* SearchReleases(const IFC::IfcEntity& object) {
+  const std::string name = Narrow(object.getClassName());
+  for (const FactoryTable* const release : BuiltFactories()) {
+    const ClassFacts* const found = release->classes->Find(name);
+    if (found != nullptr && *found->type == typeid(object)) return found;
+  }
+  return nullptr;
+}
+
+const ClassFacts& FactsOf(const IFC::IfcEntity& object) {
+  const ClassFacts* const facts = FindFacts(object);
+  if (facts == nullptr) throw std::logic_error("an object of no class of the releases");
+  return *facts;
+}
+
+}  // namespace
+
+const ClassFacts* FindFacts(const IFC::IfcEntity& object) {
+  static ClassMemory memory;  // the address of the facts
+  const std::type_info* const dynamicClass = &typeid(object);
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) [[likely]] {
+    return reinterpret_cast<const ClassFacts*>(*known);
+  }
+  const ClassFacts* const found = SearchReleases(object);
+  memory.Remember(dynamicClass, reinterpret_cast<std::ptrdiff_t>(found));
+  return found;
+}
+
+Attributes AttributesOf(IFC::IfcEntity& object) { return {object, FactsOf(object)}; }
+
+ConstAttributes AttributesOf(const IFC::IfcEntity& object) { return {object, FactsOf(object)}; }
+
+}  // namespace corvel
