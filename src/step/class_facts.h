@@ -92,7 +92,8 @@ struct AttributeFacts {
   const EnumTable* Values() const { return type->Root().values; }
   // Whether a reference may lead to `entity`. False for null, and for kinds that do not refer.
   bool Admits(const IFC::IfcEntity* entity) const;
-  // As a schema declares it: "OPTIONAL LIST [1:?] OF IfcLengthMeasure".
+  // As a schema declares it: "OPTIONAL LIST [1:?] OF IfcLengthMeasure". Bounds that the schema
+  // leaves out are those that it means, [0:?].
   std::string Declaration() const;
 };
 

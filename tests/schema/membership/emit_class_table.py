@@ -63,14 +63,17 @@ def read_attributes(path):
 
 
 def described(line, types):
-    """An attribute with the types that its own is made of, its kind and the depth of its lists."""
+    """An attribute with the types that its own is made of, its kind and the depth of its lists.
+    Where bounds are left out, any number of members is meant."""
     word, depth = line.split()[-1], line.count(' OF ')
-    while ' OF ' in types[word] or types[word] in types and types[word] != word:
+    while types[word].split()[-1] in types and types[word] != word:
         made_of = types[word]
         depth += made_of.count(' OF ')
         word = made_of.split()[-1]
         if types[word] != word:
             line += ' ' + word
+    for aggregate in ('LIST', 'SET'):
+        line = line.replace(aggregate + ' OF', aggregate + ' [0:?] OF')
     return f'{line} {types[word]} {depth}'
 
 
