@@ -17,8 +17,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/document.h"
 #include "core/number_table.h"
+#include "merge/document.h"
 #include "stage.h"
 #include "step/factories.h"
 #include "step/log/utilities.h"
@@ -187,7 +187,7 @@ int Run(const std::string& path) {
   table.Print("texts and the rest", 0, whole > known ? whole - known : 0);
   table.Print("after reading", container.entities.Size(), whole);
   const long beforeParents = ResidentBytes();
-  container.FillParentsLists(false, 0, 0, 100, 1, u"", false);
+  container.FillParentsLists();
   table.Print("parents lists", container.entities.Size(), Since(beforeParents));
   return 0;
 }

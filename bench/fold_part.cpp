@@ -19,7 +19,7 @@ void FillParents(benchmark::State& state) {
     state.PauseTiming();
     std::unique_ptr<IfcDocument> document = file.Read();
     state.ResumeTiming();
-    document->mainContainer->FillParentsLists(false, 0, 0, 100, 1, u"", false);
+    document->mainContainer->FillParentsLists();
     state.PauseTiming();
     document = nullptr;
     state.ResumeTiming();

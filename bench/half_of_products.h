@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "core/document.h"
+#include "merge/document.h"
 
 namespace corvel::bench {
 

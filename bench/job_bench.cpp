@@ -14,11 +14,11 @@
 #include <string>
 #include <vector>
 
-#include "core/document.h"
 #include "half_of_products.h"
+#include "merge/document.h"
 #include "merge/merge_documents.h"
+#include "schema/registry.h"
 #include "stage.h"
-#include "step/factories.h"
 #include "step/log/utilities.h"
 
 namespace {
@@ -41,7 +41,6 @@ std::unique_ptr<IfcDocument> Read(const std::string& path) {
     std::fprintf(stderr, "cannot read %s\n", path.c_str());
     std::exit(1);
   }
-  document->mergeable = true;
   return document;
 }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "core/document.h"
+#include "merge/document.h"
 #include "models_in_memory.h"
 
 namespace {

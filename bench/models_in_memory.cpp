@@ -125,7 +125,6 @@ std::unique_ptr<IfcDocument> ModelFile::Read() const {
     std::fprintf(stderr, "a model of the benchmarks cannot be read\n");
     std::exit(1);
   }
-  document->mergeable = true;
   return document;
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/document.h"
 #include "core/reporting.h"
+#include "merge/document.h"
 #include "support/quiet_reading.h"
 #include "support/temporary_folder.h"
 

@@ -6,6 +6,7 @@
 
 #include "models_in_memory.h"
 #include "sample_enum.h"
+#include "schema/registry.h"
 #include "step/reader/attribute_reader.h"
 #include "step/reader/parser.h"
 #include "support/memory_streams.h"

@@ -10,7 +10,7 @@
 #include "core/number_table.h"
 #include "core/root_interfaces.h"
 #include "models_in_memory.h"
-#include "step/factories.h"
+#include "schema/registry.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "core/memory_pool.h"
 #include "models_in_memory.h"
 #include "sample_enum.h"
-#include "step/factories.h"
+#include "schema/registry.h"
 #include "step/writer/step_writer.h"
 #include "support/memory_streams.h"
 

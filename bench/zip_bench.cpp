@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "core/document.h"
+#include "merge/document.h"
 #include "platform/file.h"
 #include "step/log/utilities.h"
 

@@ -5,8 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/document.h"
+#include "core/cancellation.h"
 #include "core/main_container.h"
+#include "merge/document.h"
 #include "step/log/utilities.h"
 #include "support/temporary_folder.h"
 #include "support/test_platform.h"
@@ -35,7 +36,7 @@ std::string WithHeader(const char* schema, const std::string& records) {
 bool Resave(const corvel::test::TemporaryFolder& folder, const char* name, const char* output) {
   IfcDocument document(true, CountReport, GoOn);
   IFC::MainContainer::ResetUniqueMarker();
-  corvel::CancelMode() = 0;
+  corvel::Cancellation::OfProcess().mode = corvel::CancelMode::kAsk;
   reports = 0;
   if (document.OpenFile(folder.Path(name), 1) == 0) return false;
   if (document.SaveFile(folder.Path(output)) != 1) std::abort();

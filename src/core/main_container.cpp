@@ -11,6 +11,7 @@ namespace IFC {
 
 namespace {
 
+using corvel::Outcome;
 using corvel::ToWide;
 using corvel::Widen;
 using corvel::WideString;
@@ -270,40 +271,35 @@ void MainContainer::NoteFolded(const MainContainer& source) {
   parentsLack_ = &source;
 }
 
-int MainContainer::FillParentsLists(bool rebuild, int /*reserved*/, int from, int to, int share,
-                                    const WideString& text, bool flag) {
-  if (rebuild) {
-    if (!TickOverEntities(from, to, share, text, flag)) return 0;
-    EmptyParents(entities.Size());
-    parentsFilled_ = false;
-  }
+void MainContainer::FillParentsLists() {
   if (!parentsFilled_) EnterParents();
-  return 1;
 }
 
-int MainContainer::RefreshParentsLists(int from, int to, int share, const WideString& text,
-                                       bool flag) {
-  if (!parentsAreCurrent_) return FillParentsLists(true, 0, from, to, share, text, flag);
-  if (!TickOverEntities(from, to, share, text, flag)) return 0;
+Outcome MainContainer::RebuildParentsLists(const ParentsTicks& ticks) {
+  if (!TickOverEntities(ticks)) return Outcome::kCancelled;
+  EmptyParents(entities.Size());
+  EnterParents();
+  return Outcome::kComplete;
+}
+
+Outcome MainContainer::RefreshParentsLists(const ParentsTicks& ticks) {
+  if (!parentsAreCurrent_) return RebuildParentsLists(ticks);
+  if (!TickOverEntities(ticks)) return Outcome::kCancelled;
   if (parentsLack_ != nullptr) EnterLackingParents();
-  return 1;
+  return Outcome::kComplete;
 }
 
-// One tick for each hundredth (or whatever `to` - `from` is) of the entities, and by rounding one
-// more, which stays at `to`. After a cancel the sets of those that had their turn are empty.
-bool MainContainer::TickOverEntities(int from, int to, int share, const WideString& text,
-                                     bool flag) {
+bool MainContainer::TickOverEntities(const ParentsTicks& ticks) {
   const std::size_t count = entities.Size();
-  std::size_t block = count;
-  if (to > from) block /= static_cast<std::size_t>(to - from);
-  if (block == 0 || progress_ == nullptr) return true;
-  for (std::size_t done = block; done <= count && from <= to; done += block) {
-    ++from;
-    if (!progress_(std::min(from, to), share, &text, flag, to) &&
-        corvel::AskCancelQuestion(corvel::SharedCancelTexts())) {
-      EmptyParents(done);
-      return false;
-    }
+  const auto parts = static_cast<std::size_t>(std::max(ticks.to - ticks.from, 1));
+  corvel::Ticker ticker(
+      {progress_, ticks.share, &ticks.text, ticks.exactMode, ticks.to},
+      {.block = count / parts, .valueBefore = ticks.from, .most = ticks.to - ticks.from + 1});
+  for (std::size_t done = 0; ticker.Left() <= count - done;) {
+    done += ticker.Left();
+    if (ticker.Advance(ticker.Left())) continue;
+    EmptyParents(done);
+    return false;
   }
   return true;
 }

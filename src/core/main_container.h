@@ -12,9 +12,11 @@
 #include "core/guid_table.h"
 #include "core/memory_pool.h"
 #include "core/number_table.h"
+#include "core/outcome.h"
 #include "core/parent_store.h"
 #include "core/reporting.h"
 #include "core/root_interfaces.h"
+#include "core/ticker.h"
 
 namespace IFC {
 
@@ -27,13 +29,24 @@ struct IfcTree {
 // The next generation for IfcEntity::visitStamp.
 std::uint32_t NextVisitGeneration();
 
+// The ticks of a walk over the parents lists: one for each part of the entities, of which there are
+// `to` - `from` (or one, if that is less), and by rounding one more, which stays at `to`.
+struct ParentsTicks {
+  int from = 0;  // the first tick says one more
+  int to = 100;
+  int share = 0;              // as in corvel::Stage
+  corvel::WideString text{};  // likewise
+  bool exactMode = false;
+};
+
 // Two numbers tell an entity here. Its original number is the #number of the source file; it never
 // changes, and only `originalEntities` is keyed by it. Its marker is the number under which it is
 // filed in `entities` and written; a merge may give it a new one. The entities and their strings
 // live in the container's pool and go with it.
 class MainContainer {
  public:
-  // `poolBlockSize`: bytes of a block of the string store. `progress` may be null.
+  // `poolBlockSize`: bytes of a block of the string store. `progress` gets the ticks of the walks
+  // below and may be null.
   MainContainer(corvel::ErrorReporter showError, corvel::ProgressCallback progress,
                 std::uint64_t poolBlockSize);
   virtual ~MainContainer();
@@ -77,14 +90,15 @@ class MainContainer {
   bool ResetAllMarkers();
   // ResetAllMarkers and FillParentsLists without `rebuild`, in one walk over the references.
   void ResetMarkersAndFillParents();
-  // Enters each entity of `entities` into the parents set of all that it refers to. `rebuild`
-  // empties the sets first, with ticks from `from` to `to`; without it a second call does nothing.
-  // 0 when the user cancelled, else 1. `reserved` is not looked at.
-  int FillParentsLists(bool rebuild, int reserved, int from, int to, int share,
-                       const corvel::WideString& text, bool flag);
-  // As FillParentsLists with `rebuild`, ticks and result included, but what a rebuild would make
-  // the same is left as it is.
-  int RefreshParentsLists(int from, int to, int share, const corvel::WideString& text, bool flag);
+  // Enters each entity of `entities` into the parents set of all that it refers to. A second call
+  // does nothing.
+  void FillParentsLists();
+  // Empties the sets first, and says so with `ticks`. Complete, or cancelled: the sets of those
+  // that had their turn are empty then.
+  corvel::Outcome RebuildParentsLists(const ParentsTicks& ticks);
+  // As RebuildParentsLists, ticks and result included, but what a rebuild would make the same is
+  // left as it is.
+  corvel::Outcome RefreshParentsLists(const ParentsTicks& ticks);
   // To be called by whoever changes what an entity refers to, or adds to a parents set, once the
   // parents lists are filled. Filing and erasing need no call.
   void NoteChangedReferences() {
@@ -150,7 +164,7 @@ class MainContainer {
   bool TakeSmallestFree(IfcEntity* entity);
   void SortIntoList(IfcEntity* entity);
   void NoteProject(IfcEntity* entity);
-  bool TickOverEntities(int from, int to, int share, const corvel::WideString& text, bool flag);
+  bool TickOverEntities(const ParentsTicks& ticks);
   void EmptyParents(std::size_t count);
   void EnterParents();
   void EnterLackingParents();

@@ -1,4 +1,4 @@
-// How the engine speaks to whoever runs it: one reporter, one progress call, one cancel question.
+// How the engine speaks to whoever runs it: one reporter, one progress call.
 #pragma once
 
 #include "core/text.h"
@@ -17,24 +17,5 @@ using ErrorReporter = int (*)(const char* key, const WideString& message, int mo
 // False means that the user pressed cancel; the caller then asks the cancel question.
 using ProgressCallback = bool (*)(int value, int stageWeight, const WideString* extraText,
                                   bool exactMode, int maximum);
-
-// The localised texts of the cancel question. One process-wide record, written once per run.
-struct CancelTexts {
-  WideString question;
-  WideString prompt = u"Are you sure you want to cancel?";
-  WideString caption = u"Cancel";
-};
-
-CancelTexts& SharedCancelTexts();
-
-// Shows the cancel question and gives true for Yes. It does not look at `CancelMode`.
-bool AskCancelQuestion(const CancelTexts& texts);
-
-// Raised by each Yes to that question, so that a run can end although the operation that was
-// stopped tells nobody. Process-wide; whoever starts a run takes it down.
-bool& CancelWasConfirmed();
-
-// Process-wide word: below 2 the user is asked before a reading ends early, 2 ends it unasked.
-int& CancelMode();
 
 }  // namespace corvel

@@ -1,6 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/info_text.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 

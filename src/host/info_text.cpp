@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "host/display_text.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 

@@ -7,8 +7,8 @@
 #include <array>
 #include <optional>
 
-#include "core/document.h"
 #include "core/text.h"
+#include "merge/document.h"
 
 namespace corvel::host {
 

@@ -8,6 +8,7 @@
 #include "host/model_opening.h"
 #include "host/run_checks.h"
 #include "host/scene_reader.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 

@@ -12,12 +12,12 @@ namespace {
 WideString NameOf(const IfcDocument& document) { return Printable(document.getFilePath()); }
 
 // Another prefix is let pass by the option, another unit by nothing.
-WideString AboutLeftOut(const IfcDocument& document) {
-  const auto& rows = document.unitDifferences;
+WideString AboutLeftOut(const RunModel& model) {
+  const auto& rows = model.unitDifferences;
   const bool mayPass = std::none_of(rows.begin(), rows.end(), [](const UnitComparison& row) {
     return row.code == UnitDifference::kOtherName;
   });
-  return NameOf(document) +
+  return NameOf(*model.document) +
          (mayPass ? u": left out for its units; --ignore-units lets it take part, with its numbers "
                     u"as they are"
                   : u": left out for its units, which no option lets pass");
@@ -63,14 +63,14 @@ class Comparison {
 
 }  // namespace
 
-std::vector<WideString> WarningsAbout(const std::vector<std::unique_ptr<IfcDocument>>& documents) {
+std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models) {
   std::vector<WideString> lines;
-  if (documents.empty()) return lines;
-  const Comparison comparison(*documents.front());
-  for (std::size_t i = 1; i < documents.size(); ++i) {
-    const IfcDocument& document = *documents[i];
-    if (!document.unitsValid) lines.push_back(AboutLeftOut(document));
-    if (document.mergeable && document.IsParsed()) comparison.Tell(document, lines);
+  if (models.empty()) return lines;
+  const Comparison comparison(*models.front().document);
+  for (std::size_t i = 1; i < models.size(); ++i) {
+    const RunModel& model = models[i];
+    if (!model.unitsValid) lines.push_back(AboutLeftOut(model));
+    if (model.mergeable && model.document->IsParsed()) comparison.Tell(*model.document, lines);
   }
   return lines;
 }

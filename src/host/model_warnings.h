@@ -4,14 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include "core/document.h"
 #include "core/text.h"
+#include "merge/run_model.h"
 
 namespace corvel::host {
 
 // Lines about the later models of a run, each measured by the first one: which option would let a
 // model pass that was left out for its units; a length unit of another size; another map
 // conversion. Nothing is changed, and none of it is an error. The models have been compared.
-std::vector<WideString> WarningsAbout(const std::vector<std::unique_ptr<IfcDocument>>& documents);
+std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models);
 
 }  // namespace corvel::host

@@ -3,8 +3,9 @@
 #include <exception>
 #include <new>
 
-#include "core/document.h"
+#include "core/outcome.h"
 #include "core/reporting.h"
+#include "merge/document.h"
 #include "plugin/progress_window.h"
 #include "plugin/run_reports.h"
 #include "plugin/texts.h"
@@ -43,8 +44,7 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");
-  constexpr int kComplete = 1;
-  result.written = document.SaveFile(output) == kComplete;
+  result.written = Outcome{document.SaveFile(output)} == Outcome::kComplete;
   result.outputKeptAt = document.outputKeptAt;
   if (result.written) log.LogText(u"Saving DONE");
   return result;

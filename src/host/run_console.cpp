@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/reporting.h"
+#include "core/cancellation.h"
 #include "host/display_text.h"
 #include "platform/console.h"
 #include "platform/terminal.h"
@@ -48,7 +48,7 @@ bool RunConsole::Draw(const ProgressView& view) {
 }
 
 bool RunConsole::ShallEnd() {
-  return cancelConfirmed_ || (platform::IsInterrupted() && AskCancelQuestion(SharedCancelTexts()));
+  return cancelConfirmed_ || (platform::IsInterrupted() && Cancellation::OfProcess().Ask());
 }
 
 // Nobody is there any more to be asked.

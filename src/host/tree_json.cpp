@@ -2,6 +2,7 @@
 #include <string>
 
 #include "host/tree_text.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 

@@ -102,16 +102,14 @@ bool CompareOneUnit(IFC::ChildQueue& otherUnits, IFC::IfcEntity* unit, UnitMatch
   return true;
 }
 
-std::vector<UnitComparison> CompareUnitAssignments(const IfcDocument& first,
-                                                   const IfcDocument& other) {
+std::vector<UnitComparison> CompareUnitAssignments(const IFC::IfcEntity* first,
+                                                   const IFC::IfcEntity* other,
+                                                   const WideString& otherPath) {
   std::vector<UnitComparison> rows;
-  const IFC::IfcEntity* const firstAssignment = first.getIfcUnitAssignment();
-  const IFC::IfcEntity* const otherAssignment = other.getIfcUnitAssignment();
-  if (firstAssignment == nullptr || otherAssignment == nullptr) return rows;
-  const UnitsByType otherUnits = SiUnitsOf(*otherAssignment);
-  const WideString otherPath = other.getFilePath();
+  if (first == nullptr || other == nullptr) return rows;
+  const UnitsByType otherUnits = SiUnitsOf(*other);
   IFC::ChildQueue units;
-  firstAssignment->collectChildren(units);
+  first->collectChildren(units);
   while (!units.IsEmpty()) {
     auto* const unit = EntityCast<IFC::VIfcSIUnit>(units.TakeBack().entity);
     if (unit == nullptr) continue;

@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "core/child_queue.h"
-#include "core/document.h"
 #include "core/text.h"
-#include "core/unit_comparison.h"
+#include "merge/unit_comparison.h"
 
 namespace corvel {
 
@@ -30,8 +29,10 @@ struct UnitMatch {
 // looked for and never differs.
 bool CompareOneUnit(IFC::ChildQueue& otherUnits, IFC::IfcEntity* unit, UnitMatch& result);
 
-// A row for each SI unit of `first`, of whatever type. None when one of the two has no assignment.
-std::vector<UnitComparison> CompareUnitAssignments(const IfcDocument& first,
-                                                   const IfcDocument& other);
+// A row for each SI unit of the assignment `first`, of whatever type. None when one of the two is
+// null. `otherPath`: file of the later model.
+std::vector<UnitComparison> CompareUnitAssignments(const IFC::IfcEntity* first,
+                                                   const IFC::IfcEntity* other,
+                                                   const WideString& otherPath);
 
 }  // namespace corvel

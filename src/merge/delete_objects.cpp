@@ -31,58 +31,55 @@ bool HasUndecided(const IFC::MainContainer& container) {
   return false;
 }
 
+// The share of a step that is worth the n-th part of a model's.
+int Share(int n, int fileCount) { return std::max(n / std::max(fileCount, 1), 1); }
+
 // The marking of one model while it runs.
 class Marking {
  public:
-  Marking(IfcDocument& document, ProgressCallback progress, int fileCount)
-      : document_(document), progress_(progress), fileCount_(std::max(fileCount, 1)) {}
+  Marking(IFC::MainContainer& container, const MarkingOrder& order)
+      : container_(container), order_(order) {}
 
-  bool Run(std::vector<MarkerPair>& deletePairs, std::vector<MarkerPair>& savePairs,
-           bool deleteUnrelated, bool deleteOpenings) {
-    return Prepare(deleteUnrelated) && MarkLists(deletePairs, savePairs, deleteOpenings) &&
-           DeleteWhatFollows(deletePairs, deleteOpenings);
-  }
+  bool Run() { return Prepare() && MarkLists() && DeleteWhatFollows(); }
 
  private:
-  // The share of a step that is worth the n-th part of a model's.
-  int Share(int n) const { return std::max(n / fileCount_, 1); }
-
-  MarkingProgress Progress(int share, const WideString& prefix) const {
-    return {progress_, share, prefix};
+  Stage StageOf(int share, const WideString& text) const {
+    return {order_.progress, Share(share, order_.fileCount), &text};
+  }
+  bool Tick(int share, int value, bool exactMode) const {
+    return Ticker(StageOf(share, first_).CountedTo(value, exactMode)).Tick(value);
   }
 
   // Unmarked entities with their parents.
-  bool Prepare(bool deleteUnrelated) {
-    IFC::MainContainer& container = *document_.mainContainer;
-    if (!Progress(Share(3), first_).Tick(10, false, 10)) return false;
-    container.ResetMarkersAndFillParents();
-    if (!Progress(Share(3), first_).Tick(20, true, 20)) return false;
-    if (deleteUnrelated) document_.DeleteUnrelatedObjects();
-    return Progress(Share(5), first_).Tick(65, true, 65);
+  bool Prepare() {
+    if (!Tick(3, 10, false)) return false;
+    container_.ResetMarkersAndFillParents();
+    if (!Tick(3, 20, true)) return false;
+    if (order_.deleteUnrelated) {
+      DeleteUnrelatedObjects(container_, order_.project, order_.showError);
+    }
+    return Tick(5, 65, true);
   }
 
   // Saving comes second: what is in both lists stays.
-  bool MarkLists(std::vector<MarkerPair>& deletePairs, std::vector<MarkerPair>& savePairs,
-                 bool deleteOpenings) {
-    if (deleteOpenings) DeleteAllOpenings(*document_.mainContainer, deletePairs, savePairs);
-    document_.MarkEntitiesAndChildrenToDelete(deletePairs);
-    document_.MarkEntitiesAndChildrenAndParentsToSave(savePairs, deletePairs);
-    return Progress(Share(5), first_).Tick(100, true, 100);
+  bool MarkLists() {
+    if (order_.deleteOpenings) DeleteAllOpenings(container_, order_.deletePairs, order_.savePairs);
+    MarkEntitiesAndChildrenToDelete(container_, order_.deletePairs);
+    MarkEntitiesAndChildrenAndParentsToSave(container_, order_.savePairs, order_.deletePairs);
+    return Tick(5, 100, true);
   }
 
-  bool DeleteWhatFollows(std::vector<MarkerPair>& deletePairs, bool deleteOpenings) {
-    IFC::MainContainer& container = *document_.mainContainer;
-    Deletion deletion(container);
-    const MarkingProgress second = Progress(Share(5), second_);
-    if (!corvel::DeleteParentsOfDeleted(container, deletion, second)) return false;
-    if (!deleteOpenings) document_.RemoveOpeningsFromDeleteList(deletePairs);
-    return corvel::MarkDependentsToDelete(container, deletion, deletePairs, second) &&
-           corvel::RemoveUnsavedEntities(container, deletion, Progress(Share(10), third_));
+  bool DeleteWhatFollows() {
+    Deletion deletion(container_);
+    const Stage second = StageOf(5, second_);
+    if (!DeleteParentsOfDeleted(container_, deletion, second)) return false;
+    if (!order_.deleteOpenings) RemoveOpeningsFromDeleteList(container_, order_.deletePairs);
+    return MarkDependentsToDelete(container_, deletion, order_.deletePairs, second) &&
+           RemoveUnsavedEntities(container_, deletion, StageOf(10, third_));
   }
 
-  IfcDocument& document_;
-  ProgressCallback progress_;
-  int fileCount_;
+  IFC::MainContainer& container_;
+  const MarkingOrder& order_;
   WideString first_ = u"1/3";
   WideString second_ = u"2/3";
   WideString third_ = u"3/3";
@@ -90,39 +87,24 @@ class Marking {
 
 }  // namespace
 
-bool IfcDocument::DeleteObjects(std::vector<MarkerPair>& deletePairs,
-                                std::vector<MarkerPair>& savePairs, bool deleteUnrelated,
-                                bool deleteOpenings, int fileCount) {
-  return Marking(*this, progress_, fileCount)
-      .Run(deletePairs, savePairs, deleteUnrelated, deleteOpenings);
+bool DeleteObjects(IFC::MainContainer& container, const MarkingOrder& order) {
+  return Marking(container, order).Run();
 }
 
 // An opening of a deleted element goes with it; one that lost only itself is spared what follows.
-void IfcDocument::RemoveOpeningsFromDeleteList(std::vector<MarkerPair>& deletePairs) const {
-  std::erase_if(deletePairs, [this](const MarkerPair& pair) {
-    const IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(pair.number);
-    const IFC::IfcEntity* const parent = mainContainer->GetEntityByOrginalNumber(pair.parentNumber);
+void RemoveOpeningsFromDeleteList(const IFC::MainContainer& container,
+                                  std::vector<MarkerPair>& deletePairs) {
+  std::erase_if(deletePairs, [&container](const MarkerPair& pair) {
+    const IFC::IfcEntity* const entity = container.GetEntityByOrginalNumber(pair.number);
+    const IFC::IfcEntity* const parent = container.GetEntityByOrginalNumber(pair.parentNumber);
     return entity != nullptr && IsOpening(*entity) && parent != nullptr && !IsDeleted(*parent);
   });
 }
 
-bool IfcDocument::DeleteParentsOfDeleted(int share, const WideString& prefix) {
-  Deletion deletion(*mainContainer);
-  return corvel::DeleteParentsOfDeleted(*mainContainer, deletion, {progress_, share, prefix});
-}
-
-bool IfcDocument::MarkDependentsToDelete(const std::vector<MarkerPair>& deletePairs, int share,
-                                         const WideString& prefix) {
-  Deletion deletion(*mainContainer);
-  return corvel::MarkDependentsToDelete(*mainContainer, deletion, deletePairs,
-                                        {progress_, share, prefix});
-}
-
-bool IfcDocument::RemoveUnsavedEntities(ProgressCallback progress, int share,
-                                        const WideString& prefix) {
-  if (progress == nullptr && !HasUndecided(*mainContainer)) return true;
-  Deletion deletion(*mainContainer);
-  return corvel::RemoveUnsavedEntities(*mainContainer, deletion, {progress, share, prefix});
+bool RemoveUnsavedEntities(IFC::MainContainer& container, const Stage& stage) {
+  if (stage.callback == nullptr && !HasUndecided(container)) return true;
+  Deletion deletion(container);
+  return RemoveUnsavedEntities(container, deletion, stage);
 }
 
 }  // namespace corvel

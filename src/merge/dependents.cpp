@@ -146,17 +146,15 @@ class Dependents {
 }  // namespace
 
 bool MarkDependentsToDelete(IFC::MainContainer& container, Deletion& deletion,
-                            const std::vector<MarkerPair>& deletePairs,
-                            const MarkingProgress& progress) {
+                            const std::vector<MarkerPair>& deletePairs, const Stage& stage) {
   Dependents dependents(container, deletion);
-  TickCounter ticks(deletePairs.size() / kFirstTick);
-  int step = kFirstTick;
+  Ticker ticker(stage.CountedTo(kLastTick, true), {.block = deletePairs.size() / kFirstTick,
+                                                   .valueBefore = kFirstTick,
+                                                   .most = kLastTick - kFirstTick + 1});
   for (const MarkerPair& pair : deletePairs) {
     IFC::IfcEntity* const product = container.GetEntityByOrginalNumber(pair.number);
     if (product != nullptr) dependents.DeleteOf(*product);
-    if (ticks.Advance() && step <= kLastTick && !progress.Tick(++step, true, kLastTick)) {
-      return false;
-    }
+    if (!ticker.Advance()) return false;
   }
   return true;
 }

@@ -6,15 +6,15 @@
 
 #include "core/entity_cast.h"
 #include "merge/duplicate_cleanup.h"
-#include "merge/merge_documents.h"
+#include "merge/guid_choice.h"
+#include "merge/merged_parents.h"
 #include "step/log/ifc_log.h"
-#include "step/reader/parser.h"
 
 namespace corvel {
 
 namespace {
 
-constexpr std::uint32_t kTicksPerPass = 50;
+constexpr std::size_t kTicksPerPass = 50;
 
 void Log(WideView text) { IfcLog::Instance().LogText(text); }
 
@@ -28,10 +28,10 @@ std::string_view GuidOf(IFC::VirtualIfcRoot& root) { return root.getGlobalId(); 
 
 }  // namespace
 
-DocumentMerge::DocumentMerge(IfcDocument& destination, IFC::MainContainer& source,
+DocumentMerge::DocumentMerge(FoldTarget destination, IFC::MainContainer& source,
                              WideString sourcePath, ErrorReporter showError,
                              ProgressCallback progress)
-    : destination_(destination),
+    : destination_(std::move(destination)),
       source_(source),
       sourcePath_(std::move(sourcePath)),
       showError_(showError),
@@ -39,16 +39,19 @@ DocumentMerge::DocumentMerge(IfcDocument& destination, IFC::MainContainer& sourc
 
 bool DocumentMerge::Run(unsigned mergeLevel, bool nameAndGuid) {
   const bool merged = Merge(mergeLevel, nameAndGuid);
-  if (!destination_.mainContainer->HasRunOutOfNumbers()) return merged;
+  if (!destination_.container.HasRunOutOfNumbers()) return merged;
   // Whatever was folded in before: half a model is not to be written.
-  destination_.mergeStatus = MergeStatus::kFailed;
+  destination_.status = MergeStatus::kFailed;
   return false;
 }
 
 bool DocumentMerge::Merge(unsigned mergeLevel, bool nameAndGuid) {
   if (!Prepare()) return false;
   ChooseSpecificTypes(mergeLevel);
-  if (!PassOverSource() || !PassOverDestination()) return false;
+  const WideString text = u"3/3";
+  Ticker ticker({.callback = progress_, .text = &text},
+                {.block = source_.entities.Size() / kTicksPerPass, .first = 1});
+  if (!PassOverSource(ticker) || !PassOverDestination(ticker)) return false;
   MergeProjects();
   if (!specificTypes_.empty()) {
     // This way out leaves the status as it was, so that the fold counts as failed.
@@ -56,33 +59,34 @@ bool DocumentMerge::Merge(unsigned mergeLevel, bool nameAndGuid) {
     return true;
   }
   CleanUpDuplicates();
-  if (HasNoGuidIndex()) destination_.mainContainer->NoteFolded(source_);
-  destination_.mergeStatus = MergeStatus::kMerged;
+  if (HasNoGuidIndex()) destination_.container.NoteFolded(source_);
+  destination_.status = MergeStatus::kMerged;
   return true;
 }
 
 // Indexes and true markers for both models. From here on the destination's pools own everything.
 bool DocumentMerge::Prepare() {
-  IFC::MainContainer& container = *destination_.mainContainer;
+  IFC::MainContainer& container = destination_.container;
   const auto fail = [this] {
-    if (destination_.mergeStatus == MergeStatus::kNotMerged) {
-      destination_.mergeStatus = MergeStatus::kFailed;
+    if (destination_.status == MergeStatus::kNotMerged) {
+      destination_.status = MergeStatus::kFailed;
     }
     return false;
   };
-  prefix_ = u"1/3 ";
   Log(u"Procesing EntitiesToDelete");
   Log(u"Procesing FillEntitiesGUIDmap");
   if (!source_.FillEntitiesGUIDmap(sourcePath_)) return fail();
   Log(u"Procesing FillParentsLists");
-  source_.RefreshParentsLists(0, 100, 0, prefix_, false);
+  source_.RefreshParentsLists({.text = u"1/3 "});
   Log(u"Procesing FillMarkers");
   source_.FillMarkers();
   Log(u"Procesing FillEntitiesGUIDmap");
-  if (!container.RefreshEntitiesGUIDmap(destination_.getFilePath())) return fail();
-  prefix_ = u"2/3 ";
+  if (!container.RefreshEntitiesGUIDmap(destination_.path)) return fail();
   Log(u"Procesing FillParentsLists");
-  if (container.RefreshParentsLists(0, 100, 2, prefix_, true) == 0) return false;
+  if (container.RefreshParentsLists({.share = 2, .text = u"2/3 ", .exactMode = true}) !=
+      Outcome::kComplete) {
+    return false;
+  }
   Log(u"Procesing FillMarkers");
   container.RefreshMarkers();
   return true;
@@ -95,19 +99,13 @@ void DocumentMerge::ChooseSpecificTypes(unsigned mergeLevel) {
   if (mergeLevel > 2) specificTypes_.insert(u"IfcBuildingStorey");
 }
 
-// The counter starts at 1, so that the first entity ticks; with a step of 0 it wraps and never
-// ticks again.
-bool DocumentMerge::PassOverSource() {
-  const std::size_t count = source_.entities.Size();
-  stepCounter_ = 1;
-  stepNumber_ = 0;
-  stepSize_ = static_cast<std::uint32_t>(count / kTicksPerPass);
-  prefix_ = u"3/3";
-  Log(u"Processing " + Decimal(count) + u" Entities");
+// The first entity ticks in any case.
+bool DocumentMerge::PassOverSource(Ticker& ticker) {
+  Log(u"Processing " + Decimal(source_.entities.Size()) + u" Entities");
   for (const auto& [number, entity] : source_.entities) {
     if (entity->marker == IFC::kDeleted) continue;
     AddSourceEntity(entity);
-    if (destination_.mainContainer->HasRunOutOfNumbers() || !Tick()) return false;
+    if (destination_.container.HasRunOutOfNumbers() || !ticker.Advance()) return false;
   }
   return true;
 }
@@ -120,7 +118,7 @@ void DocumentMerge::AddSourceEntity(IFC::IfcEntity* entity) {
   } else if (IFC::IfcEntity* const target = Colliding(entity)) {
     ResolveCollision(entity, target);
   } else {
-    destination_.mainContainer->AddEntity(entity);
+    destination_.container.AddEntity(entity);
   }
 }
 
@@ -140,7 +138,7 @@ void DocumentMerge::NoteSpecific(IFC::IfcEntity* entity, IFC::IfcEntity* Specifi
 
 // The entity that the destination's GUID index holds under the GUID of `entity`, or null.
 IFC::IfcEntity* DocumentMerge::Colliding(IFC::IfcEntity* entity) const {
-  const auto& index = destination_.GetParser().guidIndex;
+  const auto& index = destination_.guidIndex;
   if (index.empty()) return nullptr;
   auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
   if (root == nullptr) return nullptr;
@@ -155,14 +153,14 @@ void DocumentMerge::ResolveCollision(IFC::IfcEntity* entity, IFC::IfcEntity* tar
     AddWithNewGuid(entity);
     return;
   }
-  MergeParents(*entity, *target, destination_.mainContainer->Parents());
-  destination_.mainContainer->NoteChangedReferences();
-  destination_.mainContainer->OverwriteMarker(entity, target);
+  MergeParents(*entity, *target, destination_.container.Parents());
+  destination_.container.NoteChangedReferences();
+  destination_.container.OverwriteMarker(entity, target);
   deletedDuplicatedParents_.push_back(entity);
 }
 
 void DocumentMerge::AddWithNewGuid(IFC::IfcEntity* entity) {
-  IFC::MainContainer& container = *destination_.mainContainer;
+  IFC::MainContainer& container = destination_.container;
   if (const char* const guid = container.CreateGUID()) {
     const std::string& kept = *destination_.generatedGuids.insert(guid).first;
     EntityCast<IFC::VirtualIfcRoot>(entity)->setGlobalId(kept.c_str());
@@ -170,27 +168,25 @@ void DocumentMerge::AddWithNewGuid(IFC::IfcEntity* entity) {
   container.AddEntity(entity);
 }
 
-bool DocumentMerge::PassOverDestination() {
-  IFC::MainContainer& container = *destination_.mainContainer;
-  const std::size_t count = container.entities.Size();
-  stepSize_ = stepCounter_ = static_cast<std::uint32_t>(count / kTicksPerPass);
+bool DocumentMerge::PassOverDestination(Ticker& ticker) {
+  const std::size_t count = destination_.container.entities.Size();
+  ticker.StartPass(count / kTicksPerPass);
   Log(u"Processing mainContainer " + Decimal(count) + u" Entities");
   generation_ = IFC::NextVisitGeneration();
-  const bool passed = specificTypes_.empty() && HasNoGuidIndex() ? PassOverProject(container, count)
-                                                                 : PassOverEach(container);
-  if (passed) Log(u"Adding new objects mainContainer 0");
-  return passed;
-}
-
-// Where there is nothing else to be found.
-bool DocumentMerge::PassOverProject(const IFC::MainContainer& container, std::size_t count) {
-  destinationProject_ = container.FirstProject();
-  return TickFor(count);
+  // Where there is nothing else to be found, the project is known.
+  if (specificTypes_.empty() && HasNoGuidIndex()) {
+    destinationProject_ = destination_.container.FirstProject();
+    if (!ticker.Advance(count)) return false;
+  } else if (!PassOverEach(ticker)) {
+    return false;
+  }
+  Log(u"Adding new objects mainContainer 0");
+  return true;
 }
 
 // A deleted project on the way may become a stand-in before its turn comes.
-bool DocumentMerge::PassOverEach(const IFC::MainContainer& container) {
-  for (const auto& [number, entity] : container.entities) {
+bool DocumentMerge::PassOverEach(Ticker& ticker) {
+  for (const auto& [number, entity] : destination_.container.entities) {
     if (entity->marker != IFC::kDeleted) {
       if (destinationProject_ == nullptr && IsProject(*entity)) {
         destinationProject_ = entity;
@@ -199,12 +195,12 @@ bool DocumentMerge::PassOverEach(const IFC::MainContainer& container) {
       }
       RedirectChildren(entity);
     }
-    if (!Tick()) return false;
+    if (!ticker.Advance()) return false;
   }
   return true;
 }
 
-bool DocumentMerge::HasNoGuidIndex() const { return destination_.GetParser().guidIndex.empty(); }
+bool DocumentMerge::HasNoGuidIndex() const { return destination_.guidIndex.empty(); }
 
 // Everything below `entity` whose GUID the index holds for another object becomes a stand-in for
 // that one. What has been walked once would come out the same again.
@@ -222,24 +218,24 @@ void DocumentMerge::RedirectChild(IFC::IfcEntity* child) {
   child->visitStamp = generation_;
   IFC::IfcEntity* const target = Colliding(child);
   if (target != nullptr && child->marker != target->marker && target->marker != IFC::kDeleted) {
-    destination_.mainContainer->OverwriteMarker(child, target);
+    destination_.container.OverwriteMarker(child, target);
   }
   if (child->marker != IFC::kDeleted) child->collectChildren(queue_);
 }
 
 void DocumentMerge::MergeProjects() {
   if (sourceProject_ != nullptr && destinationProject_ != nullptr) {
-    destination_.mainContainer->OverwriteMarker(sourceProject_, destinationProject_);
+    destination_.container.OverwriteMarker(sourceProject_, destinationProject_);
     return;
   }
   showError_("", u"Unable to merge projects properly because couldn't find IfcProject entity.",
              kReportShow);
   // With no project to give way to, the source's own is kept like everything else.
-  if (sourceProject_ != nullptr) destination_.mainContainer->AddEntity(sourceProject_);
+  if (sourceProject_ != nullptr) destination_.container.AddEntity(sourceProject_);
 }
 
 void DocumentMerge::MergeSpecificObjects(bool nameAndGuid) {
-  IFC::MainContainer& container = *destination_.mainContainer;
+  IFC::MainContainer& container = destination_.container;
   for (auto& [className, byName] : specificObjects_) {
     for (auto& [name, pair] : byName) {
       auto* const there = EntityCast<IFC::VirtualIfcRoot>(pair.destination);
@@ -266,28 +262,8 @@ void DocumentMerge::CleanUpDuplicates() {
   }
   Log(u"######## DONE ########");
   Log(u"Processing deletedDuplicatedParents");
-  if (!deletedDuplicatedParents_.empty()) destination_.mainContainer->NoteChangedMarkers();
+  if (!deletedDuplicatedParents_.empty()) destination_.container.NoteChangedMarkers();
   for (IFC::IfcEntity* const entity : deletedDuplicatedParents_) DeleteDuplicatedParents(*entity);
-}
-
-// As Tick, `count` times.
-bool DocumentMerge::TickFor(std::size_t count) {
-  while (stepCounter_ != 0 && count >= stepCounter_) {
-    count -= stepCounter_;
-    stepCounter_ = 1;
-    if (!Tick()) return false;
-  }
-  stepCounter_ -= static_cast<std::uint32_t>(count);
-  return true;
-}
-
-// False when the user cancelled and meant it.
-bool DocumentMerge::Tick() {
-  if (--stepCounter_ != 0) return true;
-  stepCounter_ = stepSize_;
-  stepNumber_ = std::min(stepNumber_ + 1, 100);
-  if (progress_ == nullptr || progress_(stepNumber_, 0, &prefix_, false, 100)) return true;
-  return !AskCancelQuestion(SharedCancelTexts());
 }
 
 }  // namespace corvel

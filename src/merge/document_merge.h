@@ -4,22 +4,37 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
-#include "core/document.h"
 #include "core/entity.h"
 #include "core/main_container.h"
+#include "core/reporting.h"
 #include "core/root_interfaces.h"
+#include "core/text.h"
+#include "core/ticker.h"
+#include "merge/merge_status.h"
 
 namespace corvel {
+
+// The model that others are folded into. All of it is borrowed.
+struct FoldTarget {
+  IFC::MainContainer& container;
+  std::set<std::string>&
+      generatedGuids;  // every GUID that the fold makes; entities point into them
+  const std::unordered_map<std::string, IFC::IfcEntity*>& guidIndex;  // see Parser
+  MergeStatus& status;
+  WideString path;  // of its file
+};
 
 // Folds one container into another. No reference is ever rewritten: an entity that has to go stays
 // in memory, outside `entities` of the destination, and takes its survivor's marker; since the
 // writer prints markers, all references then name the survivor.
 class DocumentMerge {
  public:
-  // `source` is already owned by the destination's list of absorbed containers.
-  DocumentMerge(IfcDocument& destination, IFC::MainContainer& source, WideString sourcePath,
+  // `source` lives as long as the destination.
+  DocumentMerge(FoldTarget destination, IFC::MainContainer& source, WideString sourcePath,
                 ErrorReporter showError, ProgressCallback progress);
 
   // As IfcDocument::MergeDocument.
@@ -35,10 +50,9 @@ class DocumentMerge {
   bool Merge(unsigned mergeLevel, bool nameAndGuid);
   bool Prepare();
   void ChooseSpecificTypes(unsigned mergeLevel);
-  bool PassOverSource();
-  bool PassOverDestination();
-  bool PassOverProject(const IFC::MainContainer& container, std::size_t count);
-  bool PassOverEach(const IFC::MainContainer& container);
+  bool PassOverSource(Ticker& ticker);
+  bool PassOverDestination(Ticker& ticker);
+  bool PassOverEach(Ticker& ticker);
   void AddSourceEntity(IFC::IfcEntity* entity);
   bool IsSpecific(const IFC::IfcEntity& entity) const;
   void NoteSpecific(IFC::IfcEntity* entity, IFC::IfcEntity* SpecificPair::*side);
@@ -51,10 +65,8 @@ class DocumentMerge {
   void MergeProjects();
   void MergeSpecificObjects(bool nameAndGuid);
   void CleanUpDuplicates();
-  bool TickFor(std::size_t count);
-  bool Tick();
 
-  IfcDocument& destination_;
+  FoldTarget destination_;
   IFC::MainContainer& source_;
   WideString sourcePath_;
   ErrorReporter showError_;
@@ -67,10 +79,6 @@ class DocumentMerge {
   IFC::IfcEntity* destinationProject_ = nullptr;
   IFC::ChildQueue queue_;
   std::uint32_t generation_ = 0;
-  std::uint32_t stepCounter_ = 0;
-  std::uint32_t stepSize_ = 0;
-  int stepNumber_ = 0;
-  WideString prefix_;
 };
 
 }  // namespace corvel

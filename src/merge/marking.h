@@ -2,17 +2,16 @@
 // fate: 0 not decided, kToSave, or kDeleted.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
-#include "core/document.h"
 #include "core/entity.h"
 #include "core/main_container.h"
 #include "core/reporting.h"
 #include "core/text.h"
+#include "core/ticker.h"
+#include "merge/marker_pair.h"
 
 namespace corvel {
 
@@ -29,65 +28,23 @@ inline bool ClassIs(const IFC::IfcEntity& entity, WideView name) {
   return *at == 0;
 }
 
-// The progress of one step.
-struct MarkingProgress {
-  ProgressCallback callback = nullptr;  // may be null: silent
-  int share = 0;
-  const WideString& prefix;
-
-  // False when the user pressed cancel and confirmed it. A value that rounding has brought above
-  // the maximum is sent as the maximum.
-  bool Tick(int value, bool exactMode, int maximum) const {
-    return callback == nullptr ||
-           callback(std::min(value, maximum), share, &prefix, exactMode, maximum) ||
-           !AskCancelQuestion(SharedCancelTexts());
-  }
-};
-
-// Says at which of many equal pieces of work a tick is due: at every `block`th, never for block 0.
-class TickCounter {
- public:
-  explicit TickCounter(std::size_t block) : block_(block), left_(block) {}
-
-  // The number of pieces from here to the next tick.
-  std::size_t Left() const { return block_ == 0 ? std::numeric_limits<std::size_t>::max() : left_; }
-  // After `pieces` more, at most Left(): true when the tick is due.
-  bool Advance(std::size_t pieces = 1) {
-    if (block_ == 0 || (left_ -= pieces) != 0) return false;
-    left_ = block_;
-    return true;
-  }
-
- private:
-  std::size_t block_;
-  std::size_t left_;
-};
-
 // The ticks of passes over the places of a model of which few are looked at: a tick is due behind
 // every `block`th place, `tickCount` of them at most in all passes.
 class PassTicks {
  public:
-  PassTicks(const MarkingProgress& progress, std::size_t block, int tickCount, int maximum)
-      : progress_(progress), counter_(block), tickCount_(tickCount), maximum_(maximum) {}
+  PassTicks(const Stage& stage, std::size_t block, int tickCount)
+      : ticker_(stage, {.block = block, .most = tickCount}) {}
 
   void StartPass() { done_ = 0; }
   // The ticks of the places before `place`, of this pass. False when the user cancelled.
   bool UpTo(std::size_t place) {
-    while (done_ < place && step_ < tickCount_) {
-      const std::size_t pieces = std::min(place - done_, counter_.Left());
-      done_ += pieces;
-      if (counter_.Advance(pieces) && !progress_.Tick(++step_, false, maximum_)) return false;
-    }
+    const std::size_t pieces = place - done_;
     done_ = place;
-    return true;
+    return ticker_.Advance(pieces);
   }
 
  private:
-  const MarkingProgress& progress_;
-  TickCounter counter_;
-  int tickCount_;
-  int maximum_;
-  int step_ = 0;
+  Ticker ticker_;
   std::size_t done_ = 0;  // places of this pass
 };
 
@@ -135,13 +92,44 @@ class Deletion {
   std::vector<IFC::IfcEntity*> record_;
 };
 
-// The steps of IfcDocument::DeleteObjects that share one Deletion.
-bool DeleteParentsOfDeleted(IFC::MainContainer& container, Deletion& deletion,
-                            const MarkingProgress& progress);
+// The steps of the marking, in their order; see IfcDocument::DeleteObjects, which is all of them.
+// They look up objects by original number and skip numbers that the model does not have. Those with
+// a result give false when the user cancelled.
+
+// The objects and what they refer to directly.
+void MarkEntitiesAndChildrenToDelete(IFC::MainContainer& container,
+                                     const std::vector<MarkerPair>& deletePairs);
+void MarkEntitiesAndChildrenAndParentsToSave(IFC::MainContainer& container,
+                                             const std::vector<MarkerPair>& savePairs,
+                                             const std::vector<MarkerPair>& deletePairs);
+// Marks all that hangs together with the project as saved. False (reported) without one.
+bool DeleteUnrelatedObjects(IFC::MainContainer& container, const IFC::IfcEntity* project,
+                            ErrorReporter showError);
+// Everything that hangs together with `entity` over its parents, or over what it refers to.
+void VisitParentsAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity);
+void VisitChildrenAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity);
+// The last three share one Deletion and need the parents lists.
+bool DeleteParentsOfDeleted(IFC::MainContainer& container, Deletion& deletion, const Stage& stage);
+void RemoveOpeningsFromDeleteList(const IFC::MainContainer& container,
+                                  std::vector<MarkerPair>& deletePairs);
 bool MarkDependentsToDelete(IFC::MainContainer& container, Deletion& deletion,
-                            const std::vector<MarkerPair>& deletePairs,
-                            const MarkingProgress& progress);
-bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion,
-                           const MarkingProgress& progress);
+                            const std::vector<MarkerPair>& deletePairs, const Stage& stage);
+bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion, const Stage& stage);
+// With a Deletion of its own. A silent stage costs a walk where nothing is undecided.
+bool RemoveUnsavedEntities(IFC::MainContainer& container, const Stage& stage);
+
+// What is to be marked, and how. The lists are changed on the way.
+struct MarkingOrder {
+  std::vector<MarkerPair>& deletePairs;
+  std::vector<MarkerPair>& savePairs;
+  bool deleteUnrelated = false;  // what doesn't hang together with `project` goes
+  bool deleteOpenings = false;   // all openings go
+  int fileCount = 1;             // models of the run, for the progress
+  ProgressCallback progress = nullptr;
+  const IFC::IfcEntity* project = nullptr;  // looked at for `deleteUnrelated` alone
+  ErrorReporter showError = nullptr;
+};
+// All of it, as IfcDocument::DeleteObjects.
+bool DeleteObjects(IFC::MainContainer& container, const MarkingOrder& order);
 
 }  // namespace corvel

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/cancellation.h"
+#include "core/outcome.h"
+#include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "merge/project_offsets.h"
 #include "merge/units.h"
@@ -56,16 +59,15 @@ bool HasModelExtension(const WideString& path) {
 }
 
 // Frees the models however a run ends.
-class DocumentsOfRun {
+class ModelsOfRun {
  public:
-  explicit DocumentsOfRun(std::vector<std::unique_ptr<IfcDocument>>& documents)
-      : documents_(documents) {}
-  ~DocumentsOfRun() { documents_.clear(); }
-  DocumentsOfRun(const DocumentsOfRun&) = delete;
-  DocumentsOfRun& operator=(const DocumentsOfRun&) = delete;
+  explicit ModelsOfRun(std::vector<RunModel>& models) : models_(models) {}
+  ~ModelsOfRun() { models_.clear(); }
+  ModelsOfRun(const ModelsOfRun&) = delete;
+  ModelsOfRun& operator=(const ModelsOfRun&) = delete;
 
  private:
-  std::vector<std::unique_ptr<IfcDocument>>& documents_;
+  std::vector<RunModel>& models_;
 };
 
 }  // namespace
@@ -102,15 +104,15 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
     return {};
   }
   WarnOfLargeFiles();
-  const DocumentsOfRun whileItLasts(documents_);
+  const ModelsOfRun whileItLasts(models_);
   Prepare();
   if (!AskForOutput() || !ReadAll()) return End(false);
   // Reading is over, so that an output may take the place of a work file that it has left.
   outputPath_ = shell_.OutputPath();
-  if (!PrepareDocuments() || !Fold()) return End(false);
+  if (!PrepareModels() || !Fold()) return End(false);
   const bool saved = Save();
   // An output that is at its place is one, whatever was pressed since.
-  if (!saved && CancelWasConfirmed()) return End(false);
+  if (!saved && Cancellation::OfProcess().WasConfirmed()) return End(false);
   Conclude();
   return End(saved);
 }
@@ -129,7 +131,7 @@ void MergeJob::WarnOfLargeFiles() {
 
 void MergeJob::Prepare() {
   shell_.StartRun();
-  CancelWasConfirmed() = false;
+  Cancellation::OfProcess().ForgetAnswer();
   IfcLog::Instance().Close();
   IfcLog::Instance().Open(scene_.ProjectPath(projects_.front()));
   shell_.OpenProgress(shell_.Text("btn_merge"));
@@ -167,56 +169,55 @@ bool MergeJob::Read(HostObject project) {
   shell_.SetCurrentFile(path);
   Log(u"Reading file: " + path);
   document->OpenFile(path, projectCount);
-  document->hostProject = project;
   if (document->IsCancelled()) {
     Log(u"Reading file cancelled.");
     return false;
   }
-  documents_.push_back(std::move(document));
+  models_.emplace_back(std::move(document), project);
   return true;
 }
 
 // A model that was not read to its end stops the run, as nobody wants half a building.
-bool MergeJob::PrepareDocuments() {
+bool MergeJob::PrepareModels() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
-  const int mergeableCount = CheckUnits(documents_, shell_);
-  shell_.TellModelsCompared(documents_);
+  const int mergeableCount = CheckUnits(models_, shell_);
+  shell_.TellModelsCompared(models_);
   if (mergeableCount < 2) return false;
-  for (const auto& document : documents_) {
-    if (!document->mergeable) continue;
-    if (!document->IsParsed()) {
+  for (const RunModel& model : models_) {
+    if (!model.mergeable) continue;
+    if (!model.document->IsParsed()) {
       shell_.Reporter()("",
-                        shell_.Text("unable_to_continue") + document->getFilePath() +
+                        shell_.Text("unable_to_continue") + model.document->getFilePath() +
                             shell_.Text("merging_terminate"),
                         kReportShow);
       return false;
     }
-    if (!PrepareDocument(*document, kDeletingWeight / (mergeableCount + 1))) {
+    if (!PrepareModel(model, kDeletingWeight / (mergeableCount + 1))) {
       TellMergeFailed();
       return false;
     }
-    if (CancelWasConfirmed()) return false;
+    if (Cancellation::OfProcess().WasConfirmed()) return false;
   }
   return true;
 }
 
 // Its offset comes before its objects are chosen: what carries the offset is kept with them. False
 // when there is no number left for that.
-bool MergeJob::PrepareDocument(IfcDocument& document, int weight) {
+bool MergeJob::PrepareModel(const RunModel& model, int weight) {
+  IfcDocument& document = *model.document;
   const WideString path = document.getFilePath();
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
   shell_.SetCurrentFile(path);
-  IfcDocument& first = *documents_.front();
   Log(u"Procesing AdjustUnit");
-  if (&document != &first) AdjustUnit(document, first);
+  if (&model != &models_.front()) AdjustUnit(model);
   Log(u"Applying projects offsets to file: " + path);
-  if (!ApplyProjectOffsets(document, scene_)) return false;
+  if (!ApplyProjectOffsets(document, model.hostProject, scene_)) return false;
   Log(u"Done.");
   Log(u"getObjectsToSaveAndDelete");
   ObjectSelection selection(scene_);
   std::vector<HostObject> save;
   std::vector<HostObject> leftOut;
-  selection.getObjectsID(mode_, document.hostProject, save, leftOut);
+  selection.getObjectsID(mode_, model.hostProject, save, leftOut);
   std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
   std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
   shell_.StartStage(weight);
@@ -240,19 +241,21 @@ bool MergeJob::Fold() {
   RememberedGuidChoice() = kAskAboutGuids;
   Log(u"Merging files...");
   std::vector<IfcDocument*> documents;
-  for (const auto& document : documents_) documents.push_back(document.get());
+  for (const RunModel& model : models_) {
+    if (model.mergeable) documents.push_back(model.document.get());
+  }
   const auto announce = [this](const IfcDocument& source) {
     shell_.SetCurrentText(shell_.Text("btn_merge"));
     shell_.SetCurrentFile(source.getFilePath());
   };
   const bool merged = MergeDocuments(documents, {}, announce) != nullptr;
   // A fold that was stopped half way has a model too, but not the one that was wanted.
-  if (CancelWasConfirmed()) return false;
+  if (Cancellation::OfProcess().WasConfirmed()) return false;
   if (!merged) {
     TellMergeFailed();
     return false;
   }
-  documents_.front()->RemoveUnsavedEntities(nullptr, 0, {});
+  documents.front()->RemoveUnsavedEntities(nullptr, 0, {});
   shell_.SaveOptions();
   IfcLog::Instance().Flush();
   Log(u"Done.");
@@ -265,9 +268,9 @@ bool MergeJob::Save() {
   shell_.StartLastStage();
   shell_.RememberOutput(outputPath_);
   Log(u"Saving to output file ...");
-  constexpr int kComplete = 1;
-  const bool complete = documents_.front()->SaveFile(outputPath_) == kComplete;
-  outputKeptAt_ = documents_.front()->outputKeptAt;
+  IfcDocument& document = *models_.front().document;
+  const bool complete = Outcome{document.SaveFile(outputPath_)} == Outcome::kComplete;
+  outputKeptAt_ = document.outputKeptAt;
   Log(u"Saving DONE");
   return complete;
 }
@@ -282,15 +285,15 @@ void MergeJob::Conclude() {
 // The models go before the user is asked about the log, which may take a while.
 RunResult MergeJob::End(bool written) {
   RunResult result;
-  for (const auto& document : documents_) {
-    for (const WideString& remark : document->Remarks()) {
-      result.remarks.emplace_back(document->getFilePath(), remark);
+  for (const RunModel& model : models_) {
+    for (const WideString& remark : model.document->Remarks()) {
+      result.remarks.emplace_back(model.document->getFilePath(), remark);
     }
   }
-  documents_.clear();
+  models_.clear();
   shell_.FinishRun();
   result.written = written;
-  result.cancelled = CancelWasConfirmed();
+  result.cancelled = Cancellation::OfProcess().WasConfirmed();
   result.outputKeptAt = std::move(outputKeptAt_);
   return result;
 }

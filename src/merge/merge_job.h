@@ -1,15 +1,14 @@
 // From the host's list of loaded projects to one written file.
 #pragma once
 
-#include <memory>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "core/document.h"
 #include "merge/host_scene.h"
 #include "merge/merge_shell.h"
 #include "merge/object_selection.h"
+#include "merge/run_model.h"
 
 namespace corvel {
 
@@ -50,8 +49,8 @@ class MergeJob {
   void Prepare();
   bool ReadAll();
   bool Read(HostObject project);
-  bool PrepareDocuments();
-  bool PrepareDocument(IfcDocument& document, int weight);
+  bool PrepareModels();
+  bool PrepareModel(const RunModel& model, int weight);
   void TellMergeFailed();
   bool Fold();
   bool Save();
@@ -62,7 +61,7 @@ class MergeJob {
   MergeShell& shell_;
   std::vector<HostObject> files_;  // in the order of the run
   std::vector<HostObject> projects_;
-  std::vector<std::unique_ptr<IfcDocument>> documents_;
+  std::vector<RunModel> models_;
   SavingMode mode_ = SavingMode::kMergeActive;
   WideString outputPath_;
   WideString outputKeptAt_;

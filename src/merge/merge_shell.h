@@ -1,15 +1,14 @@
 // What a merge job needs of the shell around it: texts, dialogs, progress, options.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-#include "core/document.h"
 #include "core/reporting.h"
 #include "core/text.h"
 #include "merge/host_scene.h"
+#include "merge/run_model.h"
 
 namespace corvel {
 
@@ -57,7 +56,7 @@ class MergeShell {
   virtual ProgressCallback Ticks() = 0;
 
   // All models have been read and measured by the first one. For shells that have a use for it.
-  virtual void TellModelsCompared(const std::vector<std::unique_ptr<IfcDocument>>& /*documents*/) {}
+  virtual void TellModelsCompared(const std::vector<RunModel>& /*models*/) {}
 
   // Forgets errors and cancels of an earlier run.
   virtual void StartRun() = 0;

@@ -6,8 +6,8 @@
 #include <set>
 #include <vector>
 
-#include "core/document.h"
 #include "merge/host_scene.h"
+#include "merge/marker_pair.h"
 
 namespace corvel {
 

@@ -37,10 +37,10 @@ struct IsBehind {
 // records makes necessary.
 class Passes {
  public:
-  Passes(IFC::MainContainer& container, Deletion& deletion, const MarkingProgress& progress)
+  Passes(IFC::MainContainer& container, Deletion& deletion, const Stage& stage)
       : entityCount_(container.entities.Size()),
         deletion_(deletion),
-        ticks_(progress, entityCount_ / kLastTick * 2, kLastTick + 1, kLastTick) {}
+        ticks_(stage.CountedTo(kLastTick, false), entityCount_ / kLastTick * 2, kLastTick + 1) {}
 
   bool Run() {
     bool goesOn = FirstPass();
@@ -102,9 +102,8 @@ class Passes {
 
 }  // namespace
 
-bool DeleteParentsOfDeleted(IFC::MainContainer& container, Deletion& deletion,
-                            const MarkingProgress& progress) {
-  return Passes(container, deletion, progress).Run();
+bool DeleteParentsOfDeleted(IFC::MainContainer& container, Deletion& deletion, const Stage& stage) {
+  return Passes(container, deletion, stage).Run();
 }
 
 }  // namespace corvel

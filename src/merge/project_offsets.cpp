@@ -198,8 +198,8 @@ bool ProductMove::HangBelowRoot(VirtualLocalPlacement& top) {
 
 }  // namespace
 
-bool ApplyProjectOffsets(IfcDocument& document, HostScene& scene) {
-  const Vector offset = OffsetOf(document.hostProject, scene);
+bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene) {
+  const Vector offset = OffsetOf(project, scene);
   const Vector center = CenterOf(scene);
   if (IsUnmoved(center, offset)) return true;
   const Vector shift = ShiftOf(center, offset, document);

@@ -1,14 +1,14 @@
 // Models stand in the merged file where the host shows them.
 #pragma once
 
-#include "core/document.h"
+#include "merge/document.h"
 #include "merge/host_scene.h"
 
 namespace corvel {
 
-// Hangs the products of `document` below one new placement that carries what the host moves its
-// project by, and the centre of the scene; coordinates are not rewritten. Nothing happens when the
-// model is not moved.
+// Hangs the products of `document` below one new placement that carries what the host moves
+// `project` by, and the centre of the scene; coordinates are not rewritten. Nothing happens when
+// the model is not moved.
 //
 // The outermost local placement of each product becomes relative to the new one. It is left alone,
 // with all that hangs on it, when it is placed on a grid or along a line, or in 2D. A product
@@ -21,6 +21,6 @@ namespace corvel {
 //
 // False when there are not enough numbers left for the new entities, which has been reported: the
 // model is then half moved, and of no use.
-bool ApplyProjectOffsets(IfcDocument& document, HostScene& scene);
+bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene);
 
 }  // namespace corvel

@@ -10,14 +10,12 @@ namespace corvel {
 
 namespace {
 
-using Documents = std::vector<std::unique_ptr<IfcDocument>>;
+using Models = std::vector<RunModel>;
 
-bool TakesPart(const std::unique_ptr<IfcDocument>& document) {
-  return document->unitsValid && document->schemaValid;
-}
+bool TakesPart(const RunModel& model) { return model.unitsValid && model.schemaValid; }
 
-WideString FileNameOf(const IfcDocument& document) {
-  const WideString path = document.getFilePath();
+WideString FileNameOf(const RunModel& model) {
+  const WideString path = model.document->getFilePath();
   return path.substr(platform::FindLastSeparator(path) + 1);
 }
 
@@ -30,8 +28,8 @@ WideString UnitText(const UnitComparison& row, std::uint32_t marker, const WideS
 // Collects messages until it is shown. Its texts carry their own blanks and line ends.
 class Report {
  public:
-  Report(const Documents& documents, MergeShell& shell)
-      : documents_(documents), shell_(shell), report_(shell.Reporter()) {}
+  Report(const Models& models, MergeShell& shell)
+      : models_(models), shell_(shell), report_(shell.Reporter()) {}
 
   void TellSchemas();
   void TellUnits();
@@ -43,9 +41,9 @@ class Report {
   void Add(const WideString& message) { report_("", message, kReportCollect); }
   WideString NamesOfOtherSchemas() const;
   WideString ListOtherUnits();
-  WideString FirstInQuotes() const { return u"\"" + FileNameOf(*documents_.front()) + u"\""; }
+  WideString FirstInQuotes() const { return u"\"" + FileNameOf(models_.front()) + u"\""; }
 
-  const Documents& documents_;
+  const Models& models_;
   MergeShell& shell_;
   ErrorReporter report_;
   WideString schemaList_;
@@ -56,9 +54,9 @@ class Report {
 
 WideString Report::NamesOfOtherSchemas() const {
   WideString list;
-  for (const auto& document : documents_) {
-    if (document->schemaValid) continue;
-    list += FileNameOf(*document) + u"(" + document->KnownSchemaIdentifier() + u")\n";
+  for (const RunModel& model : models_) {
+    if (model.schemaValid) continue;
+    list += FileNameOf(model) + u"(" + model.document->KnownSchemaIdentifier() + u")\n";
   }
   return list;
 }
@@ -67,7 +65,7 @@ void Report::TellSchemas() {
   schemaList_ = NamesOfOtherSchemas();
   if (schemaList_.empty()) return;
   Add(shell_.Text("not_all_projects_merge") + u" " + FirstInQuotes() + u"(" +
-      documents_.front()->KnownSchemaIdentifier() + u")");
+      models_.front().document->KnownSchemaIdentifier() + u")");
   Add(shell_.Text("due_to_invalid_schema") + u".");
   Add(shell_.Text("projects_that_will_not_be_merged"));
   Add(schemaList_);
@@ -78,10 +76,10 @@ void Report::TellSchemas() {
 WideString Report::ListOtherUnits() {
   const bool prefixesPass = shell_.Options().ignoreUnits;
   WideString list;
-  for (const auto& document : documents_) {
-    if (document->unitsValid || document->unitDifferences.empty()) continue;
-    list += u"\n  " + FileNameOf(*document) + u":";
-    for (const UnitComparison& row : document->unitDifferences) {
+  for (const RunModel& model : models_) {
+    if (model.unitsValid || model.unitDifferences.empty()) continue;
+    list += u"\n  " + FileNameOf(model) + u":";
+    for (const UnitComparison& row : model.unitDifferences) {
       if (prefixesPass && row.code == UnitDifference::kOtherPrefix) continue;
       list += u"\n    " + UnitText(row, row.otherMarker, row.otherLabel);
       typesThatDiffer_.try_emplace(row.unitType, &row);
@@ -107,17 +105,17 @@ void Report::TellUnits() {
 void Report::TellMerged() {
   if (schemaList_.empty() && unitsList_.empty()) return;
   WideString list;
-  for (std::size_t i = 1; i < documents_.size(); ++i) {
-    if (documents_[i]->mergeable) list += FileNameOf(*documents_[i]) + u"\"\n";
+  for (std::size_t i = 1; i < models_.size(); ++i) {
+    if (models_[i].mergeable) list += FileNameOf(models_[i]) + u"\"\n";
   }
   if (!list.empty()) Add(shell_.Text("projects_that_will_be_merged") + u"\n\n" + list);
 }
 
 }  // namespace
 
-void ReportRejectedProjects(const Documents& documents, MergeShell& shell) {
-  if (std::all_of(documents.begin(), documents.end(), TakesPart)) return;
-  Report report(documents, shell);
+void ReportRejectedProjects(const Models& models, MergeShell& shell) {
+  if (std::all_of(models.begin(), models.end(), TakesPart)) return;
+  Report report(models, shell);
   report.TellSchemas();
   report.TellUnits();
   report.TellMerged();

@@ -4,15 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include "core/document.h"
 #include "merge/merge_shell.h"
+#include "merge/run_model.h"
 
 namespace corvel {
 
 // One report: which models have another schema than the first, which are left out for their units
-// and which ones, and what is merged all the same. Nothing when all take part. The documents have
+// and which ones, and what is merged all the same. Nothing when all take part. The models have
 // been through CheckUnits.
-void ReportRejectedProjects(const std::vector<std::unique_ptr<IfcDocument>>& documents,
-                            MergeShell& shell);
+void ReportRejectedProjects(const std::vector<RunModel>& models, MergeShell& shell);
 
 }  // namespace corvel

@@ -100,11 +100,12 @@ void NoteParents(const IFC::MainContainer& container, const std::vector<MarkerPa
 }  // namespace
 
 // One level only. An owner history is nobody's own.
-bool IfcDocument::MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>& deletePairs) {
-  mainContainer->NoteChangedMarkers();
+void MarkEntitiesAndChildrenToDelete(IFC::MainContainer& container,
+                                     const std::vector<MarkerPair>& deletePairs) {
+  container.NoteChangedMarkers();
   IFC::ChildQueue children;
   for (const MarkerPair& pair : deletePairs) {
-    IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(pair.number);
+    IFC::IfcEntity* const entity = container.GetEntityByOrginalNumber(pair.number);
     if (entity == nullptr) continue;
     entity->collectChildren(children);
     while (!children.IsEmpty()) {
@@ -114,18 +115,18 @@ bool IfcDocument::MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>&
     }
     entity->marker = IFC::kDeleted;
   }
-  return true;
 }
 
-void IfcDocument::MarkEntitiesAndChildrenAndParentsToSave(
-    const std::vector<MarkerPair>& savePairs, const std::vector<MarkerPair>& deletePairs) {
-  mainContainer->NoteChangedMarkers();
+void MarkEntitiesAndChildrenAndParentsToSave(IFC::MainContainer& container,
+                                             const std::vector<MarkerPair>& savePairs,
+                                             const std::vector<MarkerPair>& deletePairs) {
+  container.NoteChangedMarkers();
   ParentNumbers parentNumbers;
-  NoteParents(*mainContainer, deletePairs, parentNumbers);
-  NoteParents(*mainContainer, savePairs, parentNumbers);
-  SaveMarks marks(*mainContainer, std::move(parentNumbers));
+  NoteParents(container, deletePairs, parentNumbers);
+  NoteParents(container, savePairs, parentNumbers);
+  SaveMarks marks(container, std::move(parentNumbers));
   for (const MarkerPair& pair : savePairs) {
-    IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(pair.number);
+    IFC::IfcEntity* const entity = container.GetEntityByOrginalNumber(pair.number);
     if (entity != nullptr) marks.Save(*entity);
   }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/cancellation.h"
 #include "core/entity_cast.h"
 #include "core/reporting.h"
 #include "merge/compare_units.h"
@@ -16,24 +17,22 @@ namespace {
 
 void Log(WideView text) { IfcLog::Instance().LogText(text); }
 
-// A CancelMode of 1 holds error boxes back. The report of this check is shown in any case, and
+// Where error boxes are held back, the report of this check is shown in any case, and
 // afterwards the mode is what it was, unless it has been set meanwhile.
 class ShowingErrors {
  public:
-  ShowingErrors() : before_(CancelMode()) {
-    if (before_ == kHoldingBack) CancelMode() = kNormal;
+  ShowingErrors() : before_(mode_) {
+    if (before_ == CancelMode::kHoldBackBoxes) mode_ = CancelMode::kAsk;
   }
   ~ShowingErrors() {
-    if (CancelMode() == kNormal) CancelMode() = before_;
+    if (mode_ == CancelMode::kAsk) mode_ = before_;
   }
   ShowingErrors(const ShowingErrors&) = delete;
   ShowingErrors& operator=(const ShowingErrors&) = delete;
 
  private:
-  static constexpr int kNormal = 0;
-  static constexpr int kHoldingBack = 1;
-
-  int before_;
+  CancelMode& mode_ = Cancellation::OfProcess().mode;
+  CancelMode before_;
 };
 
 std::vector<UnitComparison> DifferencesThatCount(const std::vector<UnitComparison>& rows) {
@@ -53,11 +52,13 @@ bool UnitsPass(const std::vector<UnitComparison>& differences, bool ignoreUnits)
          });
 }
 
-void MeasureBy(const IfcDocument& first, IfcDocument& document, bool ignoreUnits) {
-  document.unitDifferences = DifferencesThatCount(CompareUnitAssignments(first, document));
-  document.unitsValid = UnitsPass(document.unitDifferences, ignoreUnits);
-  document.schemaValid = document.KnownSchemaIdentifier() == first.KnownSchemaIdentifier();
-  document.mergeable = document.unitsValid && document.schemaValid;
+void MeasureBy(const IfcDocument& first, RunModel& model, bool ignoreUnits) {
+  const IfcDocument& document = *model.document;
+  model.unitDifferences = DifferencesThatCount(CompareUnitAssignments(
+      first.getIfcUnitAssignment(), document.getIfcUnitAssignment(), document.getFilePath()));
+  model.unitsValid = UnitsPass(model.unitDifferences, ignoreUnits);
+  model.schemaValid = document.KnownSchemaIdentifier() == first.KnownSchemaIdentifier();
+  model.mergeable = model.unitsValid && model.schemaValid;
 }
 
 // Texts without dots and commas.
@@ -68,32 +69,32 @@ bool IsKnownLength(WideView unitType, WideView prefix) {
 
 }  // namespace
 
-int CheckUnits(const std::vector<std::unique_ptr<IfcDocument>>& documents, MergeShell& shell) {
+int CheckUnits(std::vector<RunModel>& models, MergeShell& shell) {
   const ShowingErrors whileItLasts;
   Log(u"Comparing units in files...");
-  if (documents.size() < 2) {
+  if (models.size() < 2) {
     Log(u"No files to compare.");
     return 0;
   }
-  IfcDocument& first = *documents.front();
-  Log(u"Check Units for: " + first.getFilePath());
+  RunModel& first = models.front();
+  Log(u"Check Units for: " + first.document->getFilePath());
   first.unitsValid = first.schemaValid = first.mergeable = true;
   const bool ignoreUnits = shell.Options().ignoreUnits;
-  for (std::size_t i = 1; i < documents.size(); ++i) {
-    Log(u"Check Units for: " + documents[i]->getFilePath());
-    MeasureBy(first, *documents[i], ignoreUnits);
+  for (std::size_t i = 1; i < models.size(); ++i) {
+    Log(u"Check Units for: " + models[i].document->getFilePath());
+    MeasureBy(*first.document, models[i], ignoreUnits);
   }
-  ReportRejectedProjects(documents, shell);
+  ReportRejectedProjects(models, shell);
   IfcLog::Instance().Flush();
   Log(u"Done.");
-  return static_cast<int>(std::count_if(documents.begin(), documents.end(),
-                                        [](const auto& document) { return document->mergeable; }));
+  return static_cast<int>(std::count_if(models.begin(), models.end(),
+                                        [](const RunModel& model) { return model.mergeable; }));
 }
 
-bool AdjustUnit(IfcDocument& document, const IfcDocument& /*first*/) {
-  for (const UnitComparison& row : document.unitDifferences) {
-    IFC::IfcEntity* const entity =
-        document.mainContainer->GetEntityByOrginalNumber(row.otherMarker);
+bool AdjustUnit(const RunModel& model) {
+  IFC::MainContainer& container = *model.document->mainContainer;
+  for (const UnitComparison& row : model.unitDifferences) {
+    IFC::IfcEntity* const entity = container.GetEntityByOrginalNumber(row.otherMarker);
     const auto* const unit = EntityCast<IFC::VIfcSIUnit>(entity);
     if (unit == nullptr) return false;
     if (!IsKnownLength(WithoutDotsAndCommas(UnitTypeText(entity)),
@@ -101,7 +102,7 @@ bool AdjustUnit(IfcDocument& document, const IfcDocument& /*first*/) {
       return false;
     }
     entity->marker = IFC::kDeleted;
-    document.mainContainer->NoteChangedMarkers();
+    container.NoteChangedMarkers();
   }
   return true;
 }

@@ -2,24 +2,22 @@
 // takes part with other units keeps its numbers.
 #pragma once
 
-#include <memory>
 #include <vector>
 
-#include "core/document.h"
 #include "merge/merge_shell.h"
+#include "merge/run_model.h"
 
 namespace corvel {
 
-// Measures every later document by the first: sets unitsValid, schemaValid, mergeable and
+// Measures every later model by the first: sets unitsValid, schemaValid, mergeable and
 // unitDifferences of each. Another prefix (millimetres for metres) is let pass by the option
 // ignoreUnits, another unit never is. What is left out is told in one report. Changes no entity.
-// Gives the number of documents that take part, the first included; 0 with fewer than two.
-int CheckUnits(const std::vector<std::unique_ptr<IfcDocument>>& documents, MergeShell& shell);
+// Gives the number of models that take part, the first included; 0 with fewer than two.
+int CheckUnits(std::vector<RunModel>& models, MergeShell& shell);
 
-// Deletes the units in which `document` differs, up to the first that is no length in kilometres,
+// Deletes the units in which `model` differs, up to the first that is no length in kilometres,
 // metres, centimetres or millimetres; false when there is such a one. Nothing is left of it later:
 // marks are taken away again before objects are marked, so that the units are written after all.
-// `first`, which the document was measured by, is not looked at.
-bool AdjustUnit(IfcDocument& document, const IfcDocument& first);
+bool AdjustUnit(const RunModel& model);
 
 }  // namespace corvel

@@ -1,6 +1,5 @@
 // Another way to tell what belongs to a model: everything that hangs together with the project.
 
-#include "core/reporting.h"
 #include "merge/marking.h"
 
 namespace corvel {
@@ -37,30 +36,26 @@ class Visitor {
 
 }  // namespace
 
-void IfcDocument::VisitParentsAndSave(IFC::IfcEntity* entity) {
-  mainContainer->NoteChangedMarkers();
-  Visitor().VisitParents(*entity);
+void VisitParentsAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity) {
+  container.NoteChangedMarkers();
+  Visitor().VisitParents(entity);
 }
 
-void IfcDocument::VisitChildrenAndSave(IFC::IfcEntity* entity) {
-  mainContainer->NoteChangedMarkers();
-  Visitor().VisitChildren(*entity);
+void VisitChildrenAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity) {
+  container.NoteChangedMarkers();
+  Visitor().VisitChildren(entity);
 }
 
 // What is left over is taken out by its marker. That is 0 for all of it, under which nothing is
 // filed: nothing is taken out, and the marks alone are the result.
-bool IfcDocument::DeleteUnrelatedObjects() {
-  if (mainContainer == nullptr) {
-    showError_("", u"Unable to delete unrelated objects because parser is NULL", kReportShow);
-    return false;
-  }
-  IFC::IfcEntity* const project = getIfcProject();
+bool DeleteUnrelatedObjects(IFC::MainContainer& container, const IFC::IfcEntity* project,
+                            ErrorReporter showError) {
   if (project == nullptr) {
-    showError_("", u"Unable to delete unrelated objects because project is NULL", kReportShow);
+    showError("", u"Unable to delete unrelated objects because project is NULL", kReportShow);
     return false;
   }
-  VisitParentsAndSave(project);
-  VisitChildrenAndSave(project);
+  VisitParentsAndSave(container, *project);
+  VisitChildrenAndSave(container, *project);
   return true;
 }
 

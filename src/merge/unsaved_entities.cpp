@@ -196,9 +196,10 @@ class UnsavedEntities {
  public:
   explicit UnsavedEntities(Deletion& deletion) : deletion_(deletion) {}
 
-  bool Remove(std::size_t entityCount, const MarkingProgress& progress) {
+  bool Remove(std::size_t entityCount, const Stage& stage) {
     Links(deletion_).Find();
-    PassTicks ticks(progress, std::max<std::size_t>(entityCount / kTicks, 1), kLastTick, kLastTick);
+    PassTicks ticks(stage.CountedTo(kLastTick, false),
+                    std::max<std::size_t>(entityCount / kTicks, 1), kLastTick);
     for (const auto [entity, place] : deletion_.Undecided()) {
       if (!ticks.UpTo(place)) return false;
       if (IsUndecided(*entity)) Decide(*entity, kFirstMoment + place);
@@ -233,9 +234,8 @@ class UnsavedEntities {
 
 }  // namespace
 
-bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion,
-                           const MarkingProgress& progress) {
-  return UnsavedEntities(deletion).Remove(container.entities.Size(), progress);
+bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion, const Stage& stage) {
+  return UnsavedEntities(deletion).Remove(container.entities.Size(), stage);
 }
 
 }  // namespace corvel

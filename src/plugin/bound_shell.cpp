@@ -46,8 +46,8 @@ ErrorReporter BoundShell::Reporter() { return ShowError; }
 
 ProgressCallback BoundShell::Ticks() { return ProgressWindow::UpdateProgress; }
 
-void BoundShell::TellModelsCompared(const std::vector<std::unique_ptr<IfcDocument>>& documents) {
-  if (const auto& listener = plugin_.Listener().modelsCompared) listener(documents);
+void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
+  if (const auto& listener = plugin_.Listener().modelsCompared) listener(models);
 }
 
 void BoundShell::StartRun() { plugin::StartRun(); }

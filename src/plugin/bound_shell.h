@@ -23,7 +23,7 @@ class BoundShell final : public MergeShell {
   void HideOptionsWindow() override;
   ErrorReporter Reporter() override;
   ProgressCallback Ticks() override;
-  void TellModelsCompared(const std::vector<std::unique_ptr<IfcDocument>>& documents) override;
+  void TellModelsCompared(const std::vector<RunModel>& models) override;
   void StartRun() override;
   void FinishRun() override;
   void OpenProgress(const WideString& title) override;

@@ -6,9 +6,9 @@
 #include <set>
 #include <utility>
 
+#include "core/cancellation.h"
 #include "core/main_container.h"
-#include "core/reporting.h"
-#include "merge/merge_documents.h"
+#include "merge/guid_choice.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "plugin/bound_scene.h"
@@ -143,7 +143,7 @@ void Plugin::OnPluginUnload() { SaveConfig(); }
 
 void Plugin::LoadCancelTexts() {
   ProgressWindow::Instance().SetOverallText(GetText("progress_bar_overall_progress"));
-  CancelTexts& texts = SharedCancelTexts();
+  CancelTexts& texts = Cancellation::OfProcess().texts;
   texts.question = GetText("continue_question");
   texts.prompt = GetText("progress_bar_cancel_message");
   texts.caption = GetText("btnCancelName");

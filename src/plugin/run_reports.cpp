@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/cancellation.h"
 #include "core/reporting.h"
 #include "platform/platform.h"
 #include "plugin/host_functions.h"
@@ -33,7 +34,7 @@ void ShowInBox(const WideString& text) {
   if (text.empty()) return;
   const WideString box =
       text + u"\n" + GetText("merge_combine_log") + u" " + IfcLog::Instance().Path();
-  if (CancelMode() != 0 && CancelMode() != 2) return;
+  if (Cancellation::OfProcess().mode == CancelMode::kHoldBackBoxes) return;
   CallHost(Host().message_box, GetText("error_caption").c_str(), box.c_str(), kErrorIcon);
 }
 
@@ -63,7 +64,7 @@ int ShowError(const char* key, const WideString& message, int mode) {
 
 void StartRun() {
   TheReports() = {};
-  CancelMode() = 0;
+  Cancellation::OfProcess().mode = CancelMode::kAsk;
 }
 
 void FinishRun() {
@@ -76,7 +77,7 @@ void FinishRun() {
     log.Close();
     if (OfferLog()) platform::Get().ShellOpen(log.Path(), {});
   }
-  CancelMode() = 0;
+  Cancellation::OfProcess().mode = CancelMode::kAsk;
 }
 
 bool SomethingWasReported() { return TheReports().reported; }

@@ -2,8 +2,8 @@
 
 #include <exception>
 
-#include "core/document.h"
 #include "core/reporting.h"
+#include "merge/document.h"
 #include "plugin/progress_window.h"
 #include "plugin/run_reports.h"
 #include "step/log/ifc_log.h"

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "core/text.h"
-#include "step/factories.h"
+#include "schema/registry.h"
 #include "step/writer/step_writer.h"
 
 namespace corvel {

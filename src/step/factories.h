@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <span>
 #include <string_view>
 
 #include "core/entity.h"
@@ -77,12 +76,5 @@ struct FactoryTable {
     return row == nullptr ? nullptr : row->create;
   }
 };
-
-// Defined by the schema layer: the only place where a release is chosen.
-const FactoryTable& FactoriesOf(SchemaNamespace schema);
-// The releases of this build, the oldest first; a developer's build leaves some out.
-std::span<const FactoryTable* const> BuiltFactories();
-// "IFC2X3"
-std::string_view NameOf(SchemaNamespace schema);
 
 }  // namespace corvel

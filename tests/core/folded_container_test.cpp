@@ -4,6 +4,7 @@
 #include <set>
 
 #include "core/main_container.h"
+#include "core/outcome.h"
 #include "support/graph.h"
 #include "support/recorded_reports.h"
 #include "support/test_platform.h"
@@ -46,7 +47,7 @@ class FoldedContainer : public testing::Test {
     container_.AddEntityByOrginalNumber(&entity, number);
     return entity;
   }
-  int Refresh() { return container_.RefreshParentsLists(0, 1, 0, u"", false); }
+  Outcome Refresh() { return container_.RefreshParentsLists({.to = 1}); }
 
   TestPlatform system_;
   RecordedReports reports_;
@@ -65,12 +66,12 @@ TEST_F(FoldedContainer, ARefreshBehindAFoldEntersTheParentsOfWhatCame) {
   Point& leftBehind = Filed<Point>(source_);
   parent.RefersTo(&child);
   leftBehind.RefersTo(&child);
-  source_.FillParentsLists(true, 0, 0, 1, 0, u"", false);
+  source_.FillParentsLists();
   container_.AddEntity(&child);
   container_.AddEntity(&parent);
   leftBehind.marker = IFC::kDeleted;
   container_.NoteFolded(source_);
-  EXPECT_EQ(1, Refresh());
+  EXPECT_EQ(Outcome::kComplete, Refresh());
   EXPECT_EQ((Set{&parent}), ParentsOf(child)) << "not what stayed behind";
   EXPECT_EQ((Set{&above}), ParentsOf(here));
 }

@@ -6,7 +6,9 @@
 #include <set>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "core/main_container.h"
+#include "core/outcome.h"
 #include "support/graph.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
@@ -42,8 +44,9 @@ class Walks : public testing::Test {
   void File(int count) {
     for (int i = 0; i < count; ++i) Filed();
   }
-  int FillParents(int from = 0, int to = 100) {
-    return container_.FillParentsLists(true, 0, from, to, 7, u"1/3 ", true);
+  static IFC::ParentsTicks Told(int from, int to) { return {from, to, 7, u"1/3 ", true}; }
+  Outcome FillParents(int from = 0, int to = 100) {
+    return container_.RebuildParentsLists(Told(from, to));
   }
   // The values of the ticks; all else in them is as FillParents gave it.
   std::vector<int> TickValues(int maximum = 100) const {
@@ -89,7 +92,7 @@ TEST_F(Walks, ParentsAreWhatRefersDirectly) {
   car.RefersTo(nullptr);
   car.RefersTo(&wheel);
   fleet.RefersTo(&car);
-  EXPECT_EQ(1, FillParents());
+  EXPECT_EQ(Outcome::kComplete, FillParents());
   EXPECT_EQ((Set{&car}), ParentsOf(wheel));
   EXPECT_EQ((Set{&fleet}), ParentsOf(car));
   EXPECT_EQ(Set{}, ParentsOf(fleet));
@@ -147,11 +150,11 @@ TEST_F(Walks, ARebuildLeavesTheParentsOfWhatIsOutsideAndTheMergedOnes) {
 TEST_F(Walks, WithoutRebuildTheSecondCallDoesNothing) {
   Point& child = Filed();
   Point& parent = Filed();
-  EXPECT_EQ(1, container_.FillParentsLists(false, 0, 0, 100, 0, u"", false));
+  container_.FillParentsLists();
   parent.RefersTo(&child);
-  EXPECT_EQ(1, container_.FillParentsLists(false, 0, 0, 100, 0, u"", false));
+  container_.FillParentsLists();
   EXPECT_EQ(Set{}, ParentsOf(child));
-  EXPECT_EQ(1, FillParents());
+  EXPECT_EQ(Outcome::kComplete, FillParents());
   EXPECT_EQ((Set{&parent}), ParentsOf(child));
 }
 
@@ -160,21 +163,14 @@ TEST_F(Walks, WithoutRebuildNothingTicksAndNothingIsEmptied) {
   Point& stranger = Outside();
   IFC::IfcEntity* const first = container_.entities.First().entity;
   first->parents.Insert(&stranger, container_.Parents());
-  EXPECT_EQ(1, container_.FillParentsLists(false, 0, 0, 100, 0, u"", false));
+  container_.FillParentsLists();
   EXPECT_EQ((Set{&stranger}), ParentsOf(*first));
   EXPECT_TRUE(progress_->empty());
 }
 
-TEST_F(Walks, TheReservedWordIsNotLookedAt) {
-  Point& child = Filed();
-  Filed().RefersTo(&child);
-  EXPECT_EQ(1, container_.FillParentsLists(true, -1, 0, 100, 0, u"", false));
-  EXPECT_EQ(1u, child.parents.Size());
-}
-
 TEST_F(Walks, EachHundredthOfTheEntitiesTicksOnce) {
   File(300);
-  EXPECT_EQ(1, FillParents());
+  EXPECT_EQ(Outcome::kComplete, FillParents());
   EXPECT_EQ(OneTo(100), TickValues());
 }
 
@@ -204,7 +200,7 @@ TEST_F(Walks, TicksFollowEachOtherByWholeBlocks) {
     MainContainer container(RecordedReports::Reporter, RecordedProgress::Callback, 64);
     for (int i = 0; i < wanted.entities; ++i) container.AddEntity(&graph_.Add<Point>());
     progress_.Forget();
-    EXPECT_EQ(1, container.FillParentsLists(true, 0, wanted.from, wanted.to, 7, u"1/3 ", true));
+    EXPECT_EQ(Outcome::kComplete, container.RebuildParentsLists(Told(wanted.from, wanted.to)));
     EXPECT_EQ(wanted.values, TickValues(wanted.to))
         << wanted.entities << " from " << wanted.from << " to " << wanted.to;
   }
@@ -222,7 +218,7 @@ TEST_F(Walks, ATickComesWhenItsBlockHasBeenEmptied) {
     }
     progress_.Forget();
     progress_.CancelAt(static_cast<std::size_t>(cancelled));
-    EXPECT_EQ(0, container.FillParentsLists(true, 0, 0, 10, 0, u"", false));
+    EXPECT_EQ(Outcome::kCancelled, container.RebuildParentsLists({.to = 10}));
     std::size_t emptied = 0;
     while (emptied < points.size() && points[emptied]->parents.IsEmpty()) ++emptied;
     EXPECT_EQ(3u * static_cast<std::size_t>(cancelled + 1), emptied);
@@ -235,14 +231,14 @@ TEST_F(Walks, CancelIsAskedAboutAndYesLeavesTheListsUnfilled) {
   Filed().RefersTo(&child);
   progress_.CancelAt(0);
   system_.answers = {platform::Answer::kYes};
-  EXPECT_EQ(0, FillParents(0, 1));
+  EXPECT_EQ(Outcome::kCancelled, FillParents(0, 1));
   EXPECT_EQ(Set{}, ParentsOf(child));
-  EXPECT_EQ(
-      (std::vector<TestPlatform::Box>{{SharedCancelTexts().caption, SharedCancelTexts().prompt,
-                                       platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
-      system_.boxes);
+  EXPECT_EQ((std::vector<TestPlatform::Box>{
+                {Cancellation::OfProcess().texts.caption, Cancellation::OfProcess().texts.prompt,
+                 platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
+            system_.boxes);
   // The lists do not count as filled.
-  EXPECT_EQ(1, container_.FillParentsLists(false, 0, 0, 1, 0, u"", false));
+  container_.FillParentsLists();
   EXPECT_EQ(1u, child.parents.Size());
 }
 
@@ -251,9 +247,9 @@ TEST_F(Walks, ACancelledRebuildOfFilledListsLeavesThemCountingAsFilled) {
   Filed().RefersTo(&child);
   FillParents();
   progress_.CancelAt(0);
-  EXPECT_EQ(0, FillParents(0, 1));
+  EXPECT_EQ(Outcome::kCancelled, FillParents(0, 1));
   EXPECT_EQ(Set{}, ParentsOf(child));
-  EXPECT_EQ(1, container_.FillParentsLists(false, 0, 0, 1, 0, u"", false));
+  container_.FillParentsLists();
   EXPECT_EQ(Set{}, ParentsOf(child));
 }
 
@@ -262,7 +258,7 @@ TEST_F(Walks, CancelAnsweredWithNoGoesOn) {
   for (int i = 0; i < 8; ++i) Filed().RefersTo(&child);
   progress_.CancelAt(1);
   system_.answers = {platform::Answer::kNo};
-  EXPECT_EQ(1, FillParents(0, 3));
+  EXPECT_EQ(Outcome::kComplete, FillParents(0, 3));
   EXPECT_EQ(1u, system_.boxes.size());
   EXPECT_EQ(OneTo(3), TickValues(3));
   EXPECT_EQ(8u, child.parents.Size());
@@ -271,7 +267,7 @@ TEST_F(Walks, CancelAnsweredWithNoGoesOn) {
 TEST_F(Walks, WithoutAProgressNothingTicks) {
   MainContainer container(RecordedReports::Reporter, nullptr, 64);
   for (int i = 0; i < 200; ++i) container.AddEntity(&graph_.Add<Point>());
-  EXPECT_EQ(1, container.FillParentsLists(true, 0, 0, 100, 0, u"", false));
+  EXPECT_EQ(Outcome::kComplete, container.RebuildParentsLists({}));
   EXPECT_TRUE(progress_->empty());
 }
 
@@ -279,23 +275,23 @@ TEST_F(Walks, WithoutAProgressNothingTicks) {
 TEST_F(Walks, ARefreshWorksOnlyAfterAChange) {
   Point& child = Filed();
   Point& parent = Filed();
-  const auto refresh = [this] { return container_.RefreshParentsLists(0, 1, 7, u"1/3 ", true); };
+  const auto refresh = [this] { return container_.RefreshParentsLists(Told(0, 1)); };
   parent.RefersTo(&child);
-  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Outcome::kComplete, refresh());
   EXPECT_EQ((Set{&parent}), ParentsOf(child));
   parent.children.clear();
-  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Outcome::kComplete, refresh());
   EXPECT_EQ((Set{&parent}), ParentsOf(child));
   container_.NoteChangedReferences();
-  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Outcome::kComplete, refresh());
   EXPECT_EQ(Set{}, ParentsOf(child));
   Point& added = Outside();
   added.RefersTo(&child);
   container_.AddEntity(&added);
-  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Outcome::kComplete, refresh());
   EXPECT_EQ((Set{&added}), ParentsOf(child));
   container_.EraseEntity(added.marker);
-  EXPECT_EQ(1, refresh());
+  EXPECT_EQ(Outcome::kComplete, refresh());
   EXPECT_EQ(Set{}, ParentsOf(child));
   EXPECT_EQ((std::vector<int>{1, 1, 1, 1, 1}), TickValues(1));
 }
@@ -304,16 +300,16 @@ TEST_F(Walks, ACancelledRefreshEmptiesTheSetsThatHadTheirTurn) {
   std::vector<Point*> points;
   for (int i = 0; i < 9; ++i) points.push_back(&Filed());
   for (Point* const point : points) point->RefersTo(point);
-  EXPECT_EQ(1, FillParents());
+  EXPECT_EQ(Outcome::kComplete, FillParents());
   progress_.Forget();
   progress_.CancelAt(1);
-  EXPECT_EQ(0, container_.RefreshParentsLists(0, 3, 7, u"1/3 ", true));
+  EXPECT_EQ(Outcome::kCancelled, container_.RefreshParentsLists(Told(0, 3)));
   EXPECT_EQ((std::vector<int>{1, 2}), TickValues(3));
   for (std::size_t i = 0; i < points.size(); ++i) {
     EXPECT_EQ(i < 6, points[i]->parents.IsEmpty()) << i;
   }
   // The next one does not take them for current.
-  EXPECT_EQ(1, container_.RefreshParentsLists(0, 0, 7, u"1/3 ", true));
+  EXPECT_EQ(Outcome::kComplete, container_.RefreshParentsLists(Told(0, 0)));
   for (Point* const point : points) EXPECT_EQ((Set{point}), ParentsOf(*point));
 }
 
@@ -361,7 +357,7 @@ TEST_F(Walks, OnceFilledTheSameWalkOnlyResets) {
 TEST_F(Walks, HalfAMillionParentsOfOneEntity) {
   Point& history = Filed();
   for (int i = 0; i < 500000; ++i) Filed().RefersTo(&history);
-  EXPECT_EQ(1, FillParents());
+  EXPECT_EQ(Outcome::kComplete, FillParents());
   EXPECT_EQ(500000u, history.parents.Size());
 }
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "core/reporting.h"
+#include "core/cancellation.h"
 #include "platform/console.h"
 #include "support/test_platform.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 class RunConsoleTest : public testing::Test {
  protected:
-  RunConsoleTest() { CancelWasConfirmed() = false; }
+  RunConsoleTest() { Cancellation::OfProcess().ForgetAnswer(); }
 
   WideString Take() { return std::exchange(written, {}); }
   bool Draw() { return console.Draw({10, 20, u"All", u"Step"}); }
@@ -61,7 +61,7 @@ TEST_F(RunConsoleTest, BarsGiveWayToAMessageBox) {
 
 TEST_F(RunConsoleTest, AnAutomaticYesIsToldAndCancels) {
   platform.answersAreAPersons = false;
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(Cancellation::OfProcess().Ask());
   EXPECT_TRUE(console.WasCancelled());
   EXPECT_EQ(u"corvel: Yes, as nobody is asked.\n", Take());
 }
@@ -69,7 +69,7 @@ TEST_F(RunConsoleTest, AnAutomaticYesIsToldAndCancels) {
 TEST_F(RunConsoleTest, AnAutomaticYesThatNobodyAskedForIsNoWishToStop) {
   platform.answersAreAPersons = false;
   EXPECT_FALSE(console.WasStoppedUnasked());
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(Cancellation::OfProcess().Ask());
   EXPECT_TRUE(console.WasStoppedUnasked());
 }
 
@@ -88,7 +88,7 @@ TEST_F(RunConsoleTest, TextsOfBoxesAreSafeToShow) {
 }
 
 TEST_F(RunConsoleTest, AYesOfAPersonCancelsWithoutAnotherWord) {
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(Cancellation::OfProcess().Ask());
   EXPECT_TRUE(console.WasCancelled());
   EXPECT_FALSE(console.WasStoppedUnasked());
   EXPECT_EQ(u"", Take());
@@ -96,15 +96,15 @@ TEST_F(RunConsoleTest, AYesOfAPersonCancelsWithoutAnotherWord) {
 
 TEST_F(RunConsoleTest, ANoDoesNotCancel) {
   platform.answers = {::platform::Answer::kNo};
-  EXPECT_FALSE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_FALSE(Cancellation::OfProcess().Ask());
   EXPECT_FALSE(console.WasCancelled());
   EXPECT_TRUE(Draw());
 }
 
 TEST_F(RunConsoleTest, AfterAYesNobodyIsAskedAgainAndTicksSayStop) {
-  AskCancelQuestion(SharedCancelTexts());
+  Cancellation::OfProcess().Ask();
   EXPECT_FALSE(Draw());
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(Cancellation::OfProcess().Ask());
   EXPECT_EQ(1u, platform.boxes.size());
 }
 
@@ -137,14 +137,14 @@ TEST_F(Interrupted, TheNextTickSaysStop) {
 
 TEST_F(Interrupted, AnAutomaticYesIsTheUsersWish) {
   Draw();
-  EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_TRUE(Cancellation::OfProcess().Ask());
   EXPECT_FALSE(console.WasStoppedUnasked());
 }
 
 TEST_F(Interrupted, ANoTakesItBack) {
   Draw();
   platform.answers = {::platform::Answer::kNo};
-  EXPECT_FALSE(AskCancelQuestion(SharedCancelTexts()));
+  EXPECT_FALSE(Cancellation::OfProcess().Ask());
   EXPECT_FALSE(console.WasCancelled());
   EXPECT_FALSE(::platform::IsInterrupted());
   EXPECT_TRUE(Draw());
@@ -191,8 +191,8 @@ TEST_F(AskedToEnd, TheRunIsCancelledWithoutAQuestionAndToldOnce) {
     EXPECT_FALSE(Draw());
     console.EraseBars();
     Take();
-    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
-    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+    EXPECT_TRUE(Cancellation::OfProcess().Ask());
+    EXPECT_TRUE(Cancellation::OfProcess().Ask());
     EXPECT_TRUE(console.ShallEnd());
     EXPECT_EQ(u"corvel: Asked to end by SIGTERM.\n", Take());
     EXPECT_TRUE(console.WasCancelled());
@@ -204,7 +204,7 @@ TEST_F(AskedToEnd, AQuestionThatWasOpenHasItsAnswer) {
   ExpectInProcess([this] {
     platform.answersAreAPersons = false;
     platform.onBox = [] { std::raise(SIGHUP); };
-    EXPECT_TRUE(AskCancelQuestion(SharedCancelTexts()));
+    EXPECT_TRUE(Cancellation::OfProcess().Ask());
     EXPECT_EQ(u"corvel: Asked to end by SIGHUP.\n", Take());
     EXPECT_TRUE(console.WasCancelled());
   });

@@ -7,6 +7,7 @@
 #include "host/hearing.h"
 #include "host/model_scene.h"
 #include "host/scene_reader.h"
+#include "schema/registry.h"
 #include "support/memory_streams.h"
 
 namespace corvel::host {

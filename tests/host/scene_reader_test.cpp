@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/scene_of_text.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 

@@ -48,9 +48,13 @@ TEST(ComparedUnitTypes, AreFiveInTheirOrder) {
 
 class CompareUnits : public test::UnitRun {
  protected:
+  static std::vector<UnitComparison> Compare(const IfcDocument& first, const IfcDocument& other) {
+    return CompareUnitAssignments(first.getIfcUnitAssignment(), other.getIfcUnitAssignment(),
+                                  other.getFilePath());
+  }
   std::vector<UnitComparison> Compare(const std::string& first, const std::string& second) {
     const IfcDocument& a = Add("a.ifc", first);
-    return CompareUnitAssignments(a, Add("b.ifc", second));
+    return Compare(a, Add("b.ifc", second));
   }
   // As "LENGTHUNIT METRE#1 MILLIMETRE#1 3", different units with " !" behind.
   static std::vector<std::string> Shown(const std::vector<UnitComparison>& rows) {
@@ -201,11 +205,12 @@ TEST_F(CompareUnits, RowsAreThoseOfAWalkForEachOfThem) {
     return Units(units);
   };
   for (int round = 0; round < 150; ++round) {
-    documents_.clear();
+    models_.clear();
     const std::string first = some();
     const std::string second = some();
     const std::vector<UnitComparison> rows = Compare(first, second);
-    const std::vector<UnitComparison> wanted = RowsByPlainWalks(*documents_[0], *documents_[1]);
+    const std::vector<UnitComparison> wanted =
+        RowsByPlainWalks(*models_[0].document, *models_[1].document);
     ASSERT_EQ(wanted.size(), rows.size()) << first << second;
     for (std::size_t i = 0; i < rows.size(); ++i) {
       ASSERT_EQ(Everything(wanted[i]), Everything(rows[i])) << first << second;
@@ -231,7 +236,7 @@ TEST_F(CompareUnits, EachAssignmentIsWalkedOnceHoweverManyUnitsItHas) {
     for (int i = 0; i < 200; ++i) assignment.RefersTo(At(document, 1 + (i % 3)));
     document.GetParser().ifcUnitAssignment = &assignment;
   }
-  EXPECT_EQ(200u, CompareUnitAssignments(*documents_[0], *documents_[1]).size());
+  EXPECT_EQ(200u, Compare(*models_[0].document, *models_[1].document).size());
   EXPECT_EQ(1, assignments[0].walks);
   EXPECT_EQ(1, assignments[1].walks);
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "graph_document.h"
+#include "merge/guid_choice.h"
 #include "support/model.h"
 #include "support/numbers_up_to.h"
 #include "support/small_stack.h"

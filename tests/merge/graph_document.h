@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/document.h"
 #include "core/main_container.h"
+#include "merge/document.h"
+#include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "step/reader/parser.h"
 #include "support/graph.h"

@@ -13,8 +13,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/document.h"
 #include "core/text.h"
+#include "merge/document.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"
 

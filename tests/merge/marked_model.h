@@ -37,7 +37,7 @@ class MarkedModel {
   // For a step alone: nothing decided, parents known.
   MarkedModel& Prepare() {
     model_->mainContainer->ResetAllMarkers();
-    model_->mainContainer->FillParentsLists(false, 0, 0, 0, 0, u"", false);
+    model_->mainContainer->FillParentsLists();
     return *this;
   }
   MarkedModel& SetSaved(std::initializer_list<std::uint32_t> numbers) {

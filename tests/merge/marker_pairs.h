@@ -4,7 +4,7 @@
 #include <ostream>
 #include <vector>
 
-#include "core/document.h"
+#include "merge/document.h"
 
 namespace corvel {
 

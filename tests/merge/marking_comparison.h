@@ -39,7 +39,7 @@ class MarkingComparison {
   }
   void FillParentsLists() {
     literal_.FillParentsLists();
-    document_.mainContainer->FillParentsLists(false, 0, 0, 0, 0, u"", false);
+    document_.mainContainer->FillParentsLists();
   }
 
   using Step = std::function<bool(IfcDocument&)>;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "graph_document.h"
+#include "merge/guid_choice.h"
 #include "support/model.h"
 
 namespace corvel {

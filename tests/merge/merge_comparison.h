@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "core/entity_cast.h"
+#include "merge/guid_choice.h"
 #include "random_models.h"
 #include "support/numbers_up_to.h"
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "graph_document.h"
+#include "merge/merged_parents.h"
 #include "step/log/ifc_log.h"
 #include "support/model.h"
 #include "support/temporary_folder.h"
@@ -62,7 +63,6 @@ class Fold : public testing::Test {
     Fill(first_, 1, 2);
     Fill(second_, 101, 2);
     Fill(third_, 201, 2);
-    second_->mergeable = third_->mergeable = true;
   }
 
   MergeWorld world_;
@@ -188,18 +188,8 @@ TEST_F(Fold, TheFirstDocumentIsTheResult) {
   EXPECT_EQ(nullptr, third_->mainContainer);
 }
 
-TEST_F(Fold, WhatIsNotMergeableIsLeftAlone) {
-  FillThree();
-  second_->mergeable = false;
-  EXPECT_EQ(&*first_, MergeAll({&first_, &second_, &third_}));
-  EXPECT_EQ((Numbers{1, 2, 202}), first_.Numbers());
-  EXPECT_NE(nullptr, second_->mainContainer);
-}
-
-TEST_F(Fold, WithNothingMergeableThereIsNoResult) {
+TEST_F(Fold, WithNothingToFoldInThereIsNoResult) {
   Fill(first_, 1, 2);
-  Fill(second_, 101, 2);
-  EXPECT_EQ(nullptr, MergeAll({&first_, &second_}));
   EXPECT_EQ(nullptr, MergeAll({&first_}));
 }
 
@@ -207,14 +197,12 @@ TEST_F(Fold, ChoicesReachTheMerge) {
   first_.AddRoot<Project>(1, "p");
   first_.AddRoot<Of<u"IfcSite">>(2, "s1", u"S");
   second_.AddRoot<Of<u"IfcSite">>(102, "s2", u"S");
-  second_->mergeable = true;
   const IFC::IfcEntity* const site = second_.At(102);
   EXPECT_EQ(nullptr, MergeDocuments({&*first_, &*second_}, {1, false}, {}));
   EXPECT_EQ(2u, site->marker);
 
   GraphDocument again(u"again.ifc");
   again.AddRoot<Of<u"IfcSite">>(103, "s3", u"S");
-  again->mergeable = true;
   const IFC::IfcEntity* const other = again.At(103);
   EXPECT_EQ(nullptr, MergeDocuments({&*first_, &*again}, {1, true}, {}));
   EXPECT_EQ(103u, other->marker);
@@ -224,7 +212,6 @@ TEST_F(Fold, ACancelledDocumentDoesNotStopTheNext) {
   Fill(first_, 1, 3);
   Fill(second_, 101, 60);
   Fill(third_, 201, 3);
-  second_->mergeable = third_->mergeable = true;
   world_.progress.CancelAt(0);
   EXPECT_EQ(&*first_, MergeAll({&first_, &second_, &third_}));
   EXPECT_EQ((Numbers{1, 2, 3, 202, 203}), first_.Numbers());
@@ -234,7 +221,6 @@ TEST_F(Fold, ACancelAfterAMergeLeavesItStanding) {
   Fill(first_, 1, 3);
   Fill(second_, 101, 3);
   Fill(third_, 201, 60);
-  second_->mergeable = third_->mergeable = true;
   world_.progress.CancelAt(2);  // one tick of the second document, the second tick of the third
   EXPECT_EQ(&*first_, MergeAll({&first_, &second_, &third_}));
   EXPECT_EQ((Numbers{1, 2, 3, 102, 103, 202}), first_.Numbers());
@@ -295,7 +281,6 @@ TEST_F(Fold, TheLogOfAMergeHoldsItsStages) {
   Fill(first_, 1, 2);
   Fill(second_, 101, 3);
   Fill(third_, 201, 5);
-  second_->mergeable = third_->mergeable = true;
   const TemporaryFolder folder;
   EXPECT_EQ(std::string("Merging second.ifc") + kBegin +
                 "Processing 3 EntitiesProcessing mainContainer 4 Entities" + kEnd +
@@ -309,7 +294,6 @@ TEST_F(Fold, TheLogOfAMergeHoldsItsStages) {
 TEST_F(Fold, TheLogOfAMergeAtALevelEndsBeforeTheCleanup) {
   Fill(first_, 1, 2);
   Fill(second_, 101, 3);
-  second_->mergeable = true;
   const TemporaryFolder folder;
   EXPECT_EQ(std::string("Merging second.ifc") + kBegin +
                 "Processing 3 EntitiesProcessing mainContainer 4 Entities"
@@ -323,7 +307,6 @@ TEST_F(Fold, TheLogOfAMergeAtALevelEndsBeforeTheCleanup) {
 TEST_F(Fold, TheLogOfACancelledMergeEndsWhereItWas) {
   Fill(first_, 1, 100);
   Fill(second_, 1001, 3);
-  second_->mergeable = true;
   const TemporaryFolder folder;
   world_.progress.CancelAt(0);
   EXPECT_EQ(
@@ -342,7 +325,7 @@ TEST_F(Fold, TheLogOfACancelledMergeEndsWhereItWas) {
 
 TEST_F(Fold, TheLogOfARunWithNothingToMergeHoldsTheResultOnly) {
   const TemporaryFolder folder;
-  EXPECT_EQ("Merging result: False ", LogOf(folder, [&] { MergeAll({&first_, &second_}); }));
+  EXPECT_EQ("Merging result: False ", LogOf(folder, [&] { MergeAll({&first_}); }));
 }
 
 TEST(MergeParents, TheTargetInheritsThemTwice) {

@@ -36,7 +36,6 @@ std::unique_ptr<IfcDocument> Open(const WideString& path) {
       std::make_unique<IfcDocument>(false, RecordedReports::Reporter, RecordedProgress::Callback);
   const test::QuietReading quiet;
   EXPECT_NE(0, document->OpenFile(path, 2));
-  document->mergeable = true;
   return document;
 }
 

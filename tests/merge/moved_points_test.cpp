@@ -147,8 +147,7 @@ class MovedPoints : public test::UnitRun {
   // Moves the model, keeps the project and of the walls these, writes it and reads it again.
   IfcDocument& MovedAndReread(IfcDocument& document, OffsetScene scene,
                               const std::vector<std::uint32_t>& kept) {
-    document.hostProject = kMovedProject;
-    ApplyProjectOffsets(document, scene);
+    ApplyProjectOffsets(document, kMovedProject, scene);
     std::vector<MarkerPair> toDelete;
     std::vector<MarkerPair> toSave = {{11, 0}};
     for (std::uint32_t number = 60; number <= 66; ++number) {
@@ -210,7 +209,7 @@ TEST_F(MovedPoints, EveryCornerIsMovedByWhatTheHostTells) {
         ExpectMoved(before.at(wall), after.at(wall), {}, unit.name);
       }
       EXPECT_TRUE(world_.reports->empty());
-      documents_.clear();
+      models_.clear();
     }
   }
 }

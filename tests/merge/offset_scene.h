@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "core/document.h"
 #include "core/main_container.h"
+#include "merge/document.h"
 #include "recorded_scene.h"
 #include "support/written_text.h"
 

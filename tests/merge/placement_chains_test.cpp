@@ -10,6 +10,7 @@
 #include "schema/interfaces/geometry.h"
 #include "schema/interfaces/product.h"
 #include "schema/record_model.h"
+#include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "support/small_stack.h"
 #include "unit_run.h"
@@ -34,7 +35,6 @@ class PlacementChains : public test::UnitRun {
  protected:
   IfcDocument& Open(const std::string& records, std::string_view schema) {
     IfcDocument& document = Add("model.ifc", kAxes + records, schema);
-    document.hostProject = kMovedProject;
     world_.reports.Forget();
     return document;
   }
@@ -45,7 +45,7 @@ class PlacementChains : public test::UnitRun {
                                       std::string_view schema = "IFC2X3") {
     IfcDocument& document = Open(records, schema);
     OffsetScene scene(1.0, 0.0, 0.0);
-    ApplyProjectOffsets(document, scene);
+    ApplyProjectOffsets(document, kMovedProject, scene);
     std::vector<std::string> found;
     for (const std::uint32_t number : placements) {
       const auto* const placement = EntityCast<IFC::VirtualLocalPlacement>(At(document, number));
@@ -128,7 +128,7 @@ TEST_P(PlacementsInRelease, ChainsAreMovedAndGridsAreNot) {
 TEST_P(PlacementsInRelease, ProductsWithoutAPlacementGetOne) {
   IfcDocument& document = Open(Wall(4, "$") + Wall(5, "$"), GetParam().name);
   OffsetScene scene(1.0, 0.0, 0.0);
-  ApplyProjectOffsets(document, scene);
+  ApplyProjectOffsets(document, kMovedProject, scene);
   const std::string written = WrittenOut(document);
   for (const char* const wanted :
        {"#4=IFCWALL('g4',", ",$,#21,$,$", "#5=IFCWALL('g5',", ",$,#23,$,$",
@@ -227,7 +227,6 @@ template <class Move>
 std::string AfterMove(const std::vector<PlannedRecord>& records, Move move) {
   IFC::MainContainer::ResetUniqueMarker();
   test::RecordDocument document(records, SchemaNamespace::IFC4);
-  (*document).hostProject = kMovedProject;
   move(*document);
   return WrittenOut(*document);
 }
@@ -239,7 +238,7 @@ TEST_F(PlacementChains, TheFastWalkMovesWhatThePlainOneMoves) {
     const std::string wanted = AfterMove(records, MovePlainly);
     const std::string moved = AfterMove(records, [](IfcDocument& document) {
       OffsetScene scene(1.0, 0.0, 0.0);
-      ApplyProjectOffsets(document, scene);
+      ApplyProjectOffsets(document, kMovedProject, scene);
     });
     ASSERT_EQ(wanted, moved) << "round " << round;
     world_.reports.Forget();
@@ -252,8 +251,7 @@ class DeepChain {
  public:
   // With `closed`, the outermost placement is relative to the innermost.
   DeepChain(std::size_t depth, const char* axesClass, bool closed) : document_(u"deep.ifc") {
-    document_->GetParser().SelectSchema(u"IFC4");
-    document_->hostProject = kMovedProject;
+    document_->GetParser().SelectSchema(FactoriesOf(SchemaNamespace::IFC4));
     IFC::IfcEntity* const axes = document_->CreateESet(axesClass);
     while (placements_.size() < depth) AddWall(axes);
     if (closed) placements_.front()->setPlacementRelTo(placements_.back());
@@ -287,7 +285,7 @@ class DeepChain {
 
 void ApplyOnSmallStack(DeepChain& chain) {
   OffsetScene scene(1.0, 0.0, 0.0);
-  test::RunOnSmallStack([&] { ApplyProjectOffsets(chain.Document(), scene); });
+  test::RunOnSmallStack([&] { ApplyProjectOffsets(chain.Document(), kMovedProject, scene); });
 }
 
 // A walk from each wall to the top would be 500,000,000,000 steps.

@@ -37,20 +37,19 @@ class ProjectOffsets : public test::UnitRun {
  protected:
   IfcDocument& Open(const std::string& records, std::string_view schema = "IFC2X3") {
     IfcDocument& document = Add("model.ifc", records, schema);
-    document.hostProject = kMovedProject;
     return document;
   }
   // The records after the move.
   std::string Moved(const std::string& records, OffsetScene scene) {
     IfcDocument& document = Open(records);
-    ApplyProjectOffsets(document, scene);
+    ApplyProjectOffsets(document, kMovedProject, scene);
     return WrittenOut(document);
   }
   // The coordinates of the new point of a model with these units.
   std::vector<double> Shift(const std::string& records, OffsetScene scene) {
     const std::uint32_t last = NumbersOf(Open(records)).back();
-    IfcDocument& document = *documents_.back();
-    ApplyProjectOffsets(document, scene);
+    IfcDocument& document = *models_.back().document;
+    ApplyProjectOffsets(document, kMovedProject, scene);
     const auto added = document.mainContainer->entities.Next(last);
     return EntityCast<IFC::VirtualIfcCartesianPoint>(added.entity)->getCoordinates();
   }
@@ -112,9 +111,9 @@ TEST_F(ProjectOffsets, OneComponentIsEnough) {
 TEST_F(ProjectOffsets, WhatIsNoNumberIsAShift) {
   for (const OffsetScene& scene : {OffsetScene(kNaN, 0.0, 0.0), Centered({}, {0.0, 0.0, kNaN})}) {
     EXPECT_EQ(1u, NumbersOf(Open(kAxes)).front());
-    IfcDocument& document = *documents_.back();
+    IfcDocument& document = *models_.back().document;
     OffsetScene host = scene;
-    ApplyProjectOffsets(document, host);
+    ApplyProjectOffsets(document, kMovedProject, host);
     EXPECT_EQ(7u, NumbersOf(document).size());
   }
 }
@@ -192,7 +191,7 @@ TEST_F(ProjectOffsets, OneChainIsMovedOnce) {
            spatial(9, "IFCBUILDING", "#4") + spatial(10, "IFCSITE", "#3"));
   const std::string before = WrittenOut(document);
   OffsetScene scene(5.0, 0.0, 0.0);
-  ApplyProjectOffsets(document, scene);
+  ApplyProjectOffsets(document, kMovedProject, scene);
   const std::string after = WrittenOut(document);
   const std::string site = Placement(3, "$", 2);
   std::string wanted = before;
@@ -263,7 +262,7 @@ TEST_F(ProjectOffsets, APlacementWithoutAxesStays) {
 TEST_F(ProjectOffsets, MarkersAreAnewForTheNewEntitiesOnly) {
   IfcDocument& document = Open(Units({kMetre}, 5) + kAxes + Placement(3, "$", 2) + Wall(4, "$"));
   OffsetScene scene(1000.0, 0.0, 0.0);
-  ApplyProjectOffsets(document, scene);
+  ApplyProjectOffsets(document, kMovedProject, scene);
   const NumberTable& entities = document.mainContainer->entities;
   std::vector<std::uint32_t> markers;
   for (auto at = entities.First(); at; at = entities.Next(at.number)) {
@@ -279,10 +278,10 @@ TEST_F(ProjectOffsets, AUnitThatWasTakenOutIsBack) {
   IfcDocument& document = Open(Units({kMillimetre}));
   shell_.options.ignoreUnits = true;
   Check();
-  ASSERT_TRUE(AdjustUnit(document, *documents_[0]));
+  ASSERT_TRUE(AdjustUnit(models_.back()));
   ASSERT_EQ(IFC::kDeleted, At(document, 1)->marker);
   OffsetScene scene(1000.0, 0.0, 0.0);
-  ApplyProjectOffsets(document, scene);
+  ApplyProjectOffsets(document, kMovedProject, scene);
   EXPECT_EQ(IFC::kUnfiled, At(document, 1)->marker);
 }
 
@@ -290,7 +289,7 @@ TEST_F(ProjectOffsets, AModelThatIsNotMovedKeepsItsMarkers) {
   IfcDocument& document = Open(Units({kMillimetre}));
   At(document, 1)->marker = IFC::kDeleted;
   OffsetScene scene;
-  ApplyProjectOffsets(document, scene);
+  ApplyProjectOffsets(document, kMovedProject, scene);
   EXPECT_EQ(IFC::kDeleted, At(document, 1)->marker);
   EXPECT_EQ(2u, At(document, 2)->marker);
 }

@@ -164,7 +164,7 @@ TEST(RandomMerge, CheckEntityForDuplicatesDoesWhatThePlainOneDoes) {
     BuiltModel model(plan, 0, u"model.ifc", seed);
     model.FileEngine();
     model.FileLiteral(literal);
-    model.engine->mainContainer->FillParentsLists(true, 0, 0, 100, 0, u"", false);
+    model.engine->mainContainer->RebuildParentsLists({});
     for (LiteralEntity& parent : model.twins) {
       for (LiteralEntity* const child : parent.children) {
         if (child != nullptr && parent.marker != 0) child->parents.insert(&parent);

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "core/document.h"
 #include "core/main_container.h"
-#include "step/factories.h"
+#include "merge/document.h"
+#include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"

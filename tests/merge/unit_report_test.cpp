@@ -225,9 +225,9 @@ TEST_F(UnitReport, OnlyUnitsThatWereNotLetPassAreTold) {
   Add("c.ifc", Units({kCentimetre}), "IFC2X3");
   Check();
   world_.reports.Forget();
-  documents_[2]->unitsValid = false;
+  models_[2].unitsValid = false;
   shell_.options.ignoreUnits = false;
-  ReportRejectedProjects(documents_, shell_);
+  ReportRejectedProjects(models_, shell_);
   ASSERT_EQ(12u, world_.reports->size());
   EXPECT_EQ(u"\n  c.ifc:\n    LENGTHUNIT(#1) - CENTIMETRE\n", (*world_.reports)[9].message);
 }
@@ -259,7 +259,7 @@ TEST_F(UnitReport, AFileThatIsNotThereIsToldWithoutASchema) {
                                                test::RecordedProgress::Callback);
   missing->OpenFile(folder_.Path("missing.ifc"), 1);
   world_.reports.Forget();
-  documents_.push_back(std::move(missing));
+  Take(std::move(missing));
   EXPECT_EQ((std::vector<WideString>{
                 u"<not_all_projects_merge> \"a.ifc\"(IFC4)",
                 u"<due_to_invalid_schema>.",

@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/document.h"
 #include "graph_document.h"
 #include "merge/merge_shell.h"
+#include "merge/run_model.h"
 #include "merge/units.h"
 #include "support/quiet_reading.h"
 #include "support/recorded_reports.h"
@@ -73,18 +73,29 @@ inline std::string Units(std::vector<std::string> units, unsigned firstNumber = 
 
 class UnitRun : public testing::Test {
  protected:
-  // Reads one more document of the run.
-  IfcDocument& Add(std::string_view fileName, std::string_view records,
-                   std::string_view schema = "IFC4") {
+  static constexpr std::size_t kMostModels = 32;
+
+  UnitRun() { models_.reserve(kMostModels); }
+
+  // Reads one more model of the run. What is given stays where it is.
+  RunModel& AddModel(std::string_view fileName, std::string_view records,
+                     std::string_view schema = "IFC4") {
     const QuietReading quiet;
     auto document =
         std::make_unique<IfcDocument>(false, RecordedReports::Reporter, RecordedProgress::Callback);
     const WideString path = folder_.Write(fileName, ModelFile(records, schema));
     if (document->OpenFile(path, 1) == 0) throw std::runtime_error("unreadable model");
-    documents_.push_back(std::move(document));
-    return *documents_.back();
+    return Take(std::move(document));
   }
-  int Check() { return CheckUnits(documents_, shell_); }
+  RunModel& Take(std::unique_ptr<IfcDocument> document) {
+    if (models_.size() == kMostModels) throw std::logic_error("more models than planned");
+    return models_.emplace_back(std::move(document), 0);
+  }
+  IfcDocument& Add(std::string_view fileName, std::string_view records,
+                   std::string_view schema = "IFC4") {
+    return *AddModel(fileName, records, schema).document;
+  }
+  int Check() { return CheckUnits(models_, shell_); }
   static IFC::IfcEntity* At(IfcDocument& document, std::uint32_t number) {
     return document.mainContainer->GetEntityByOrginalNumber(number);
   }
@@ -92,7 +103,7 @@ class UnitRun : public testing::Test {
   MergeWorld world_;
   TemporaryFolder folder_;
   TextShell shell_;
-  std::vector<std::unique_ptr<IfcDocument>> documents_;
+  std::vector<RunModel> models_;
 };
 
 }  // namespace corvel::test

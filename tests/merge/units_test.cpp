@@ -2,10 +2,11 @@
 #include "merge/units.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "core/reporting.h"
+#include "core/cancellation.h"
 #include "schema/record_model.h"
 #include "step/log/ifc_log.h"
 #include "support/written_text.h"
@@ -29,22 +30,23 @@ class CheckUnitsTest : public test::UnitRun {
     for (const UnitComparison& row : rows) types.push_back(row.unitType);
     return types;
   }
-  static void ExpectFlags(const IfcDocument& document, bool units, bool schema) {
-    EXPECT_EQ(units, document.unitsValid) << Narrow(document.getFilePath());
-    EXPECT_EQ(schema, document.schemaValid) << Narrow(document.getFilePath());
-    EXPECT_EQ(units && schema, document.mergeable) << Narrow(document.getFilePath());
+  static void ExpectFlags(const RunModel& model, bool units, bool schema) {
+    const std::string path = Narrow(model.document->getFilePath());
+    EXPECT_EQ(units, model.unitsValid) << path;
+    EXPECT_EQ(schema, model.schemaValid) << path;
+    EXPECT_EQ(units && schema, model.mergeable) << path;
   }
 };
 
 TEST_F(CheckUnitsTest, NothingIsSetBeforeTheCheck) {
-  const IfcDocument& document = Add("a.ifc", Units({kMetre}));
-  ExpectFlags(document, false, false);
-  EXPECT_TRUE(document.unitDifferences.empty());
+  const RunModel& model = AddModel("a.ifc", Units({kMetre}));
+  ExpectFlags(model, false, false);
+  EXPECT_TRUE(model.unitDifferences.empty());
 }
 
 TEST_F(CheckUnitsTest, EqualUnitsAndSchemaTakePart) {
-  const IfcDocument& first = Add("a.ifc", Units({kMetre, kSquareMetre}));
-  const IfcDocument& second = Add("b.ifc", Units({kSquareMetre, kMetre}, 30));
+  const RunModel& first = AddModel("a.ifc", Units({kMetre, kSquareMetre}));
+  const RunModel& second = AddModel("b.ifc", Units({kSquareMetre, kMetre}, 30));
   EXPECT_EQ(2, Check());
   ExpectFlags(first, true, true);
   ExpectFlags(second, true, true);
@@ -52,8 +54,8 @@ TEST_F(CheckUnitsTest, EqualUnitsAndSchemaTakePart) {
 }
 
 TEST_F(CheckUnitsTest, AnotherPrefixTakesNoPart) {
-  const IfcDocument& first = Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second = Add("b.ifc", Units({kMillimetre}, 12));
+  const RunModel& first = AddModel("a.ifc", Units({kMetre}));
+  const RunModel& second = AddModel("b.ifc", Units({kMillimetre}, 12));
   EXPECT_EQ(1, Check());
   ExpectFlags(first, true, true);
   ExpectFlags(second, false, true);
@@ -65,21 +67,21 @@ TEST_F(CheckUnitsTest, AnotherPrefixTakesNoPart) {
 TEST_F(CheckUnitsTest, AnotherPrefixIsLetPassWhenUnitsAreIgnored) {
   shell_.options.ignoreUnits = true;
   Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second =
-      Add("b.ifc", Units({kMillimetre}) + "#12=IFCCARTESIANPOINT((1500.,0.));\n");
+  const RunModel& second =
+      AddModel("b.ifc", Units({kMillimetre}) + "#12=IFCCARTESIANPOINT((1500.,0.));\n");
   EXPECT_EQ(2, Check());
   ExpectFlags(second, true, true);
   EXPECT_EQ(1u, second.unitDifferences.size());
   EXPECT_TRUE(world_.reports->empty());
   // The numbers stay as they are, and so does the unit.
   EXPECT_EQ(Units({kMillimetre}) + "#12=IFCCARTESIANPOINT((1500.,0.));\n",
-            test::LinesOf(*second.mainContainer));
+            test::LinesOf(*second.document->mainContainer));
 }
 
 TEST_F(CheckUnitsTest, AnotherUnitIsNeverLetPass) {
   shell_.options.ignoreUnits = true;
   Add("a.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,.KILO.,.GRAM.)"}));
-  const IfcDocument& second = Add("b.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,.KILO.,.PASCAL.)"}));
+  const RunModel& second = AddModel("b.ifc", Units({"IFCSIUNIT(*,.MASSUNIT.,.KILO.,.PASCAL.)"}));
   EXPECT_EQ(1, Check());
   ExpectFlags(second, false, true);
 }
@@ -87,8 +89,8 @@ TEST_F(CheckUnitsTest, AnotherUnitIsNeverLetPass) {
 TEST_F(CheckUnitsTest, AnotherUnitAmongOtherPrefixesIsNotLetPassEither) {
   shell_.options.ignoreUnits = true;
   Add("a.ifc", Units({kMetre, "IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)", kSquareMetre}));
-  const IfcDocument& second =
-      Add("b.ifc", Units({kMillimetre, "IFCSIUNIT(*,.MASSUNIT.,$,.PASCAL.)", kSquareMillimetre}));
+  const RunModel& second = AddModel(
+      "b.ifc", Units({kMillimetre, "IFCSIUNIT(*,.MASSUNIT.,$,.PASCAL.)", kSquareMillimetre}));
   EXPECT_EQ(1, Check());
   ExpectFlags(second, false, true);
   EXPECT_EQ((std::vector<WideString>{u".LENGTHUNIT.", u".AREAUNIT.", u".MASSUNIT."}),
@@ -101,8 +103,8 @@ TEST_F(CheckUnitsTest, AnotherUnitCountsOnlyAmongTheDifferences) {
   shell_.options.ignoreUnits = true;
   Add("a.ifc", Units({"IFCSIUNIT(*,.LENGTHUNIT.,$,.PASCAL.)", kMetre,
                       "IFCSIUNIT(*,.TIMEUNIT.,$,.SECOND.)"}));
-  const IfcDocument& second =
-      Add("b.ifc", Units({kMillimetre, "IFCSIUNIT(*,.TIMEUNIT.,$,.HERTZ.)"}));
+  const RunModel& second =
+      AddModel("b.ifc", Units({kMillimetre, "IFCSIUNIT(*,.TIMEUNIT.,$,.HERTZ.)"}));
   EXPECT_EQ(2, Check());
   ExpectFlags(second, true, true);
   EXPECT_EQ((std::vector<WideString>{u".LENGTHUNIT."}), TypesOf(second.unitDifferences));
@@ -111,9 +113,9 @@ TEST_F(CheckUnitsTest, AnotherUnitCountsOnlyAmongTheDifferences) {
 TEST_F(CheckUnitsTest, OnlyFiveTypesOfUnitsCount) {
   Add("a.ifc", Units({"IFCSIUNIT(*,.TIMEUNIT.,$,.SECOND.)", "IFCSIUNIT(*,.FORCEUNIT.,$,.NEWTON.)",
                       "IFCSIUNIT(*,.USERDEFINED.,$,.METRE.)"}));
-  const IfcDocument& second = Add("b.ifc", Units({"IFCSIUNIT(*,.TIMEUNIT.,.MILLI.,.SECOND.)",
-                                                  "IFCSIUNIT(*,.FORCEUNIT.,.KILO.,.NEWTON.)",
-                                                  "IFCSIUNIT(*,.USERDEFINED.,$,.GRAM.)"}));
+  const RunModel& second = AddModel("b.ifc", Units({"IFCSIUNIT(*,.TIMEUNIT.,.MILLI.,.SECOND.)",
+                                                    "IFCSIUNIT(*,.FORCEUNIT.,.KILO.,.NEWTON.)",
+                                                    "IFCSIUNIT(*,.USERDEFINED.,$,.GRAM.)"}));
   EXPECT_EQ(2, Check());
   EXPECT_TRUE(second.unitDifferences.empty());
 }
@@ -128,7 +130,7 @@ TEST_F(CheckUnitsTest, DifferencesHaveTheOrderOfTheTypesAndNotOfTheFile) {
                   unit("VOLUMEUNIT", "CUBIC_METRE")});
   };
   Add("a.ifc", units("$"));
-  const IfcDocument& second = Add("b.ifc", units(".MILLI."));
+  const RunModel& second = AddModel("b.ifc", units(".MILLI."));
   EXPECT_EQ(1, Check());
   EXPECT_EQ((std::vector<WideString>{u".LENGTHUNIT.", u".VOLUMEUNIT.", u".AREAUNIT.", u".MASSUNIT.",
                                      u".PLANEANGLEUNIT."}),
@@ -139,35 +141,35 @@ TEST_F(CheckUnitsTest, DifferencesHaveTheOrderOfTheTypesAndNotOfTheFile) {
 TEST_F(CheckUnitsTest, OfTwoLengthUnitsOnlyTheFirstRowCounts) {
   Add("a.ifc", Units({kCentimetre, kMetre}));
   EXPECT_EQ(1, (Add("b.ifc", Units({kCentimetre})), Check()));
-  documents_.pop_back();
+  models_.pop_back();
   EXPECT_EQ(2, (Add("c.ifc", Units({kMetre})), Check()));
 }
 
 TEST_F(CheckUnitsTest, AUnitTypeThatTheSecondLacksIsNoDifference) {
   Add("a.ifc", Units({kMetre, kSquareMetre}));
-  const IfcDocument& second = Add("b.ifc", Units({kMetre}));
+  const RunModel& second = AddModel("b.ifc", Units({kMetre}));
   EXPECT_EQ(2, Check());
   EXPECT_TRUE(second.unitDifferences.empty());
 }
 
 TEST_F(CheckUnitsTest, FeetAgainstMetresAreLetPass) {
   Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second =
-      Add("b.ifc", Units({"IFCCONVERSIONBASEDUNIT($,.LENGTHUNIT.,'FOOT',$)"}));
+  const RunModel& second =
+      AddModel("b.ifc", Units({"IFCCONVERSIONBASEDUNIT($,.LENGTHUNIT.,'FOOT',$)"}));
   EXPECT_EQ(2, Check());
   ExpectFlags(second, true, true);
 }
 
 TEST_F(CheckUnitsTest, AModelWithoutAnAssignmentGoesWithAll) {
   Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second = Add("b.ifc", "#1=IFCCARTESIANPOINT((0.,0.));\n");
+  const RunModel& second = AddModel("b.ifc", "#1=IFCCARTESIANPOINT((0.,0.));\n");
   EXPECT_EQ(2, Check());
   ExpectFlags(second, true, true);
 }
 
 TEST_F(CheckUnitsTest, AnotherSchemaTakesNoPart) {
-  const IfcDocument& first = Add("a.ifc", Units({kMetre}), "IFC4");
-  const IfcDocument& second = Add("b.ifc", Units({kMetre}), "IFC2X3");
+  const RunModel& first = AddModel("a.ifc", Units({kMetre}), "IFC4");
+  const RunModel& second = AddModel("b.ifc", Units({kMetre}), "IFC2X3");
   EXPECT_EQ(1, Check());
   ExpectFlags(first, true, true);
   ExpectFlags(second, true, false);
@@ -175,7 +177,7 @@ TEST_F(CheckUnitsTest, AnotherSchemaTakesNoPart) {
 
 TEST_F(CheckUnitsTest, UnitsAndSchemaAreJudgedApart) {
   Add("a.ifc", Units({kMetre}), "IFC4");
-  const IfcDocument& second = Add("b.ifc", Units({kMillimetre}), "IFC2X3");
+  const RunModel& second = AddModel("b.ifc", Units({kMillimetre}), "IFC2X3");
   EXPECT_EQ(1, Check());
   ExpectFlags(second, false, false);
   EXPECT_EQ(1u, second.unitDifferences.size());
@@ -183,8 +185,8 @@ TEST_F(CheckUnitsTest, UnitsAndSchemaAreJudgedApart) {
 
 TEST_F(CheckUnitsTest, OfThreeTheMiddleOneMayBeLeftOut) {
   Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second = Add("b.ifc", Units({kMillimetre}));
-  const IfcDocument& third = Add("c.ifc", Units({kMetre}));
+  const RunModel& second = AddModel("b.ifc", Units({kMillimetre}));
+  const RunModel& third = AddModel("c.ifc", Units({kMetre}));
   EXPECT_EQ(2, Check());
   ExpectFlags(second, false, true);
   ExpectFlags(third, true, true);
@@ -192,7 +194,7 @@ TEST_F(CheckUnitsTest, OfThreeTheMiddleOneMayBeLeftOut) {
 
 // The first is the measure, however odd its units are.
 TEST_F(CheckUnitsTest, TheFirstIsNeverLeftOut) {
-  const IfcDocument& first = Add("a.ifc", Units({"IFCSIUNIT(*,.LENGTHUNIT.,.EXA.,.GRAM.)"}));
+  const RunModel& first = AddModel("a.ifc", Units({"IFCSIUNIT(*,.LENGTHUNIT.,.EXA.,.GRAM.)"}));
   Add("b.ifc", Units({kMetre}));
   Add("c.ifc", Units({kMetre}));
   EXPECT_EQ(1, Check());
@@ -201,23 +203,23 @@ TEST_F(CheckUnitsTest, TheFirstIsNeverLeftOut) {
 
 TEST_F(CheckUnitsTest, ADocumentThatCouldNotBeOpenedHasNoSchema) {
   Add("a.ifc", Units({kMetre}));
-  documents_.push_back(std::make_unique<IfcDocument>(false, test::RecordedReports::Reporter,
-                                                     test::RecordedProgress::Callback));
+  const RunModel& model = Take(std::make_unique<IfcDocument>(false, test::RecordedReports::Reporter,
+                                                             test::RecordedProgress::Callback));
   EXPECT_EQ(1, Check());
-  ExpectFlags(*documents_[1], true, false);
+  ExpectFlags(model, true, false);
 }
 
 TEST_F(CheckUnitsTest, NoEntityIsChanged) {
   Add("a.ifc", Units({kMetre}));
-  const IfcDocument& second = Add("b.ifc", Units({kMillimetre}));
+  const RunModel& second = AddModel("b.ifc", Units({kMillimetre}));
   Check();
-  EXPECT_EQ(Units({kMetre}), test::LinesOf(*documents_[0]->mainContainer));
-  EXPECT_EQ(Units({kMillimetre}), test::LinesOf(*second.mainContainer));
+  EXPECT_EQ(Units({kMetre}), test::LinesOf(*models_[0].document->mainContainer));
+  EXPECT_EQ(Units({kMillimetre}), test::LinesOf(*second.document->mainContainer));
 }
 
 TEST_F(CheckUnitsTest, FewerThanTwoAreNotCompared) {
   EXPECT_EQ(0, Check());
-  const IfcDocument& only = Add("a.ifc", Units({kMetre}));
+  const RunModel& only = AddModel("a.ifc", Units({kMetre}));
   EXPECT_EQ(0, Check());
   ExpectFlags(only, false, false);
   EXPECT_TRUE(world_.reports->empty());
@@ -268,46 +270,46 @@ class CheckUnitsCancelMode : public CheckUnitsTest {
     Add("a.ifc", Units({kMetre}));
     Add("b.ifc", Units({kMillimetre}));
     shell_.reporter = [](const char*, const WideString&, int) {
-      atReport = CancelMode();
-      if (setAtReport >= 0) CancelMode() = setAtReport;
+      atReport = Cancellation::OfProcess().mode;
+      if (setAtReport) Cancellation::OfProcess().mode = *setAtReport;
       return 0;
     };
-    atReport = setAtReport = -1;
+    atReport = setAtReport = std::nullopt;
   }
-  ~CheckUnitsCancelMode() override { CancelMode() = 0; }
+  ~CheckUnitsCancelMode() override { Cancellation::OfProcess().mode = CancelMode::kAsk; }
 
-  static inline int atReport = -1;
-  static inline int setAtReport = -1;
+  static inline std::optional<CancelMode> atReport;
+  static inline std::optional<CancelMode> setAtReport;
 };
 
 TEST_F(CheckUnitsCancelMode, WhatHoldsErrorsBackIsTakenAwayForTheReport) {
-  CancelMode() = 1;
+  Cancellation::OfProcess().mode = CancelMode::kHoldBackBoxes;
   EXPECT_EQ(1, Check());
-  EXPECT_EQ(0, atReport);
-  EXPECT_EQ(1, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, atReport);
+  EXPECT_EQ(CancelMode::kHoldBackBoxes, Cancellation::OfProcess().mode);
 }
 
 TEST_F(CheckUnitsCancelMode, WhatWasSetMeanwhileStays) {
-  CancelMode() = 1;
-  setAtReport = 2;
+  Cancellation::OfProcess().mode = CancelMode::kHoldBackBoxes;
+  setAtReport = CancelMode::kEndUnasked;
   Check();
-  EXPECT_EQ(2, CancelMode());
+  EXPECT_EQ(CancelMode::kEndUnasked, Cancellation::OfProcess().mode);
 }
 
 TEST_F(CheckUnitsCancelMode, OtherModesAreLeftAlone) {
-  for (const int mode : {0, 2}) {
-    CancelMode() = mode;
+  for (const CancelMode mode : {CancelMode::kAsk, CancelMode::kEndUnasked}) {
+    Cancellation::OfProcess().mode = mode;
     Check();
     EXPECT_EQ(mode, atReport);
-    EXPECT_EQ(mode, CancelMode());
+    EXPECT_EQ(mode, Cancellation::OfProcess().mode);
   }
 }
 
 TEST_F(CheckUnitsCancelMode, ItIsPutBackAlsoWhenThereIsNothingToCompare) {
-  documents_.clear();
-  CancelMode() = 1;
+  models_.clear();
+  Cancellation::OfProcess().mode = CancelMode::kHoldBackBoxes;
   EXPECT_EQ(0, Check());
-  EXPECT_EQ(1, CancelMode());
+  EXPECT_EQ(CancelMode::kHoldBackBoxes, Cancellation::OfProcess().mode);
 }
 
 // --- AdjustUnit ----------------------------------------------------------------------------------
@@ -315,15 +317,15 @@ class AdjustUnitTest : public CheckUnitsTest {
  protected:
   // Measures the second by the first and adjusts it.
   bool Adjust(const std::string& first, const std::string& second) {
-    documents_.clear();
+    models_.clear();
     shell_.options.ignoreUnits = true;
-    const IfcDocument& a = Add("a.ifc", first);
-    IfcDocument& b = Add("b.ifc", second);
+    Add("a.ifc", first);
+    const RunModel& b = AddModel("b.ifc", second);
     Check();
-    return AdjustUnit(b, a);
+    return AdjustUnit(b);
   }
   bool IsDeleted(std::uint32_t number) {
-    return At(*documents_[1], number)->marker == IFC::kDeleted;
+    return At(*models_[1].document, number)->marker == IFC::kDeleted;
   }
 };
 
@@ -359,21 +361,21 @@ TEST_F(AdjustUnitTest, WithoutDifferencesNothingIsDone) {
 
 TEST_F(AdjustUnitTest, TheFirstModelIsLeftAlone) {
   EXPECT_TRUE(Adjust(Units({kMetre}), Units({kMillimetre})));
-  EXPECT_EQ(1u, At(*documents_[0], 1)->marker);
+  EXPECT_EQ(1u, At(*models_[0].document, 1)->marker);
 }
 
 TEST_F(AdjustUnitTest, ANumberThatTheModelLacksStopsIt) {
-  IfcDocument& document = Add("a.ifc", Units({kMetre}));
-  document.unitDifferences.resize(1);
-  document.unitDifferences[0].otherMarker = 77;
-  EXPECT_FALSE(AdjustUnit(document, document));
+  RunModel& model = AddModel("a.ifc", Units({kMetre}));
+  model.unitDifferences.resize(1);
+  model.unitDifferences[0].otherMarker = 77;
+  EXPECT_FALSE(AdjustUnit(model));
 }
 
 // The mark is taken away before objects are marked, so that the unit is written.
 TEST_F(AdjustUnitTest, NothingIsLeftOfItInTheOutput) {
   const std::string second = Units({kMillimetre}) + "#9=IFCPROJECT('g',$,'P',$,$,$,$,$,#2);\n";
   ASSERT_TRUE(Adjust(Units({kMetre}), second));
-  IfcDocument& document = *documents_[1];
+  IfcDocument& document = *models_[1].document;
   std::vector<MarkerPair> toDelete;
   std::vector<MarkerPair> toSave = {{9, 0}};
   ASSERT_TRUE(document.DeleteObjects(toDelete, toSave, false, false, 2));
@@ -388,7 +390,8 @@ RUN_FOR_EACH_RELEASE(CheckUnitsInRelease);
 
 TEST_P(CheckUnitsInRelease, UnitsAreComparedAndTold) {
   Add("a.ifc", Units({kMetre, kSquareMetre}), GetParam().name);
-  const IfcDocument& second = Add("b.ifc", Units({kMillimetre, kSquareMetre}, 12), GetParam().name);
+  const RunModel& second =
+      AddModel("b.ifc", Units({kMillimetre, kSquareMetre}, 12), GetParam().name);
   EXPECT_EQ(1, Check());
   ExpectFlags(second, false, true);
   ASSERT_EQ(1u, second.unitDifferences.size());
@@ -404,7 +407,7 @@ TEST_P(CheckUnitsInRelease, AModelOfAnotherReleaseTakesNoPart) {
   }
   EXPECT_EQ(2, Check());
   for (std::size_t i = 0; i < all.size(); ++i) {
-    ExpectFlags(*documents_[i + 1], true, all[i].schema == GetParam().schema);
+    ExpectFlags(models_[i + 1], true, all[i].schema == GetParam().schema);
   }
 }
 
@@ -414,7 +417,7 @@ TEST_F(CheckUnitsTest, SchemaIdentifiersAreComparedToTheLetter) {
     GTEST_SKIP() << "the release is left out of this build";
   }
   Add("a.ifc", Units({kMetre}), "IFC4X3_ADD2");
-  const IfcDocument& second = Add("b.ifc", Units({kMetre}), "IFC4X3");
+  const RunModel& second = AddModel("b.ifc", Units({kMetre}), "IFC4X3");
   EXPECT_EQ(1, Check());
   ExpectFlags(second, true, false);
 }

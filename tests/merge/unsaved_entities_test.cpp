@@ -224,7 +224,7 @@ TEST(UnsavedProgress, WithoutACallbackItIsSilent) {
 
 TEST(UnsavedProgress, NumbersInPlaceOfMarksMeanThatNothingChanges) {
   MarkedModel model(Points(2, 4));
-  model->mainContainer->FillParentsLists(false, 0, 0, 0, 0, u"", false);
+  model->mainContainer->FillParentsLists();
   model[3]->marker = IFC::kDeleted;
   EXPECT_TRUE(model->RemoveUnsavedEntities(nullptr, 10, u""));
   EXPECT_EQ("deleted 3, undecided 2? 4?", model.Marks());

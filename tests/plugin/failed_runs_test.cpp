@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "core/main_container.h"
-#include "core/reporting.h"
 #include "platform/file.h"
 #include "plugin/plugin.h"
 #include "recorded_host.h"
@@ -42,7 +42,7 @@ class FailedRun : public testing::Test {
     platform.answers = {::platform::Answer::kNo};  // to the question about the log
   }
   ~FailedRun() override {
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
   }
 

@@ -7,8 +7,8 @@
 #include <set>
 #include <utility>
 
+#include "core/cancellation.h"
 #include "core/main_container.h"
-#include "core/reporting.h"
 #include "merge/merge_documents.h"
 #include "platform/file.h"
 #include "plugin/plugin.h"
@@ -42,7 +42,7 @@ class MergeRunTest : public testing::Test {
     host.texts = {{"merged", u"_merged"}, {"show_log_question", u"See the log?"}};
     host.output = folder.Path("out.ifc");
   }
-  ~MergeRunTest() override { CancelMode() = 0; }
+  ~MergeRunTest() override { Cancellation::OfProcess().mode = CancelMode::kAsk; }
 
   WideString Write(const char* name, int index, const char* schema = "IFC4") {
     return folder.Write(name, test::ModelFile(Records(index), schema));
@@ -529,7 +529,7 @@ TEST_F(CancelTest, AYesAtAnyTickWritesNothingAndTheNextRunWorks) {
     EXPECT_FALSE(Result().written) << "tick " << tick;
     EXPECT_FALSE(IfcLog::Instance().HasStream()) << "tick " << tick;
     EXPECT_FALSE(folder.Has("a_IFC_LOG.txt")) << "tick " << tick;
-    EXPECT_EQ(0, CancelMode()) << "tick " << tick;
+    EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode) << "tick " << tick;
     EXPECT_TRUE(Boxes().empty()) << "tick " << tick << Boxes().front();
     RunAndCancelAt(0, ::platform::Answer::kYes);
     EXPECT_EQ(whole, folder.Read("out.ifc")) << "tick " << tick;

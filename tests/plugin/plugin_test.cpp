@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
+#include "core/cancellation.h"
 #include "core/main_container.h"
-#include "core/reporting.h"
+#include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "plugin/entry_points.h"
 #include "plugin/run_reports.h"
@@ -27,7 +28,7 @@ constexpr std::int32_t kOpenRecent = 506;
 
 class PluginTest : public testing::Test {
  protected:
-  ~PluginTest() override { CancelMode() = 0; }
+  ~PluginTest() override { Cancellation::OfProcess().mode = CancelMode::kAsk; }
 
   void Load() {
     host.Load();
@@ -122,9 +123,9 @@ TEST_F(PluginTest, TheCancelTextsAreTaken) {
                 {"progress_bar_cancel_message", u"Abbrechen?"},
                 {"btnCancelName", u"Abbruch"}};
   host.Load();
-  EXPECT_EQ(u"Weiter?", SharedCancelTexts().question);
-  EXPECT_EQ(u"Abbrechen?", SharedCancelTexts().prompt);
-  EXPECT_EQ(u"Abbruch", SharedCancelTexts().caption);
+  EXPECT_EQ(u"Weiter?", Cancellation::OfProcess().texts.question);
+  EXPECT_EQ(u"Abbrechen?", Cancellation::OfProcess().texts.prompt);
+  EXPECT_EQ(u"Abbruch", Cancellation::OfProcess().texts.caption);
 }
 
 TEST_F(PluginTest, TheConfigIsReadAtTheLoadAndTheToggleShown) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/cancellation.h"
 #include "core/reporting.h"
 #include "plugin/progress_window.h"
 #include "recorded_host.h"
@@ -26,7 +27,7 @@ class ReportTest : public testing::Test {
   }
   ~ReportTest() override {
     IfcLog::Instance().Close();
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
   }
 
   std::string BoxWith(const std::string& text) const {
@@ -117,19 +118,21 @@ TEST_F(ReportTest, AMutedLogTakesReportsAndStaysMuted) {
 }
 
 TEST_F(ReportTest, ACancelModeOfOneHoldsTheBoxBackAndZeroAndTwoDoNot) {
-  for (const int mode : {0, 1, 2}) {
-    CancelMode() = mode;
+  for (const CancelMode mode :
+       {CancelMode::kAsk, CancelMode::kHoldBackBoxes, CancelMode::kEndUnasked}) {
+    Cancellation::OfProcess().mode = mode;
     host.calls.clear();
     ShowError("", u"x", kReportShow);
-    EXPECT_EQ(mode == 1 ? 0u : 1u, host.calls.size()) << mode;
+    EXPECT_EQ(mode == CancelMode::kHoldBackBoxes ? 0u : 1u, host.calls.size())
+        << static_cast<int>(mode);
   }
 }
 
 TEST_F(ReportTest, AHeldBackBoxTakesThePendingTextAlong) {
   ShowError("", u"first", kReportCollect);
-  CancelMode() = 1;
+  Cancellation::OfProcess().mode = CancelMode::kHoldBackBoxes;
   ShowError("", u"second", kReportShow);
-  CancelMode() = 0;
+  Cancellation::OfProcess().mode = CancelMode::kAsk;
   ShowError("", u"third", kReportShow);
   EXPECT_EQ((std::vector<std::string>{BoxWith("third")}), host.calls);
 }
@@ -143,7 +146,7 @@ TEST_F(ReportTest, WithoutReportsTheLogIsGoneAndNobodyIsAsked) {
 TEST_F(ReportTest, AfterAReportTheUserIsAskedAboutTheLog) {
   ShowError("", u"x", kReportLog);
   platform.answers = {::platform::Answer::kNo};
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   FinishRun();
   EXPECT_EQ((std::vector<test::TestPlatform::Box>{{u"Corvel", u"See the log?",
                                                    ::platform::Buttons::kYesNo,
@@ -151,7 +154,7 @@ TEST_F(ReportTest, AfterAReportTheUserIsAskedAboutTheLog) {
             platform.boxes);
   EXPECT_TRUE(LogIsThere());
   EXPECT_TRUE(platform.opened.empty());
-  EXPECT_EQ(0, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
 }
 
 TEST_F(ReportTest, AYesOpensTheLogAndKeepsIt) {
@@ -161,7 +164,7 @@ TEST_F(ReportTest, AYesOpensTheLogAndKeepsIt) {
   EXPECT_EQ((std::vector<test::TestPlatform::Opened>{{folder.Path("a_IFC_LOG.txt"), u""}}),
             platform.opened);
   EXPECT_TRUE(LogIsThere());
-  EXPECT_EQ(0, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
 }
 
 TEST_F(ReportTest, BothAnswersClearTheErrorForTheNextRun) {
@@ -182,10 +185,10 @@ TEST_F(ReportTest, AFinishedRunUnmutesTheLog) {
 
 TEST_F(ReportTest, ANewRunForgetsReportsPendingTextsAndCancels) {
   ShowError("", u"old", kReportCollect);
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   StartRun();
   EXPECT_FALSE(SomethingWasReported());
-  EXPECT_EQ(0, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
   ShowError("", u"new", kReportShow);
   EXPECT_EQ((std::vector<std::string>{BoxWith("new")}), host.calls);
 }

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/reporting.h"
+#include "core/cancellation.h"
 #include "plugin/plugin.h"
 #include "plugin/progress_window.h"
 #include "recorded_host.h"
@@ -20,7 +20,7 @@ namespace {
 
 class ThrowingTestCommand : public testing::Test {
  protected:
-  ~ThrowingTestCommand() override { CancelMode() = 0; }
+  ~ThrowingTestCommand() override { Cancellation::OfProcess().mode = CancelMode::kAsk; }
 
   // The command on a model of no known schema: the first box about it throws, and the texts of the
   // others are what this gives.

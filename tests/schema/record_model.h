@@ -14,7 +14,7 @@
 
 #include "core/entity_cast.h"
 #include "core/main_container.h"
-#include "step/factories.h"
+#include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "step/writer/step_writer.h"
 #include "support/memory_streams.h"

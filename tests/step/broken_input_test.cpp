@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "core/cancellation.h"
+#include "schema/registry.h"
 #include "support/faulty_reads.h"
 #include "support/read_model.h"
 #include "support/replaced_allocator.h"
@@ -39,7 +41,7 @@ class BrokenInput : public test::ReadTest {
   bool Parse(const WideString& path) {
     Restart();
     parser_ = std::make_unique<Parser>(false, RecordedReports::Reporter, nullptr);
-    EXPECT_TRUE(parser_->SelectSchema(u"IFC4"));
+    parser_->SelectSchema(FactoriesOf(SchemaNamespace::IFC4));
     return parser_->ParseFile(path, 1);
   }
   // A run stops at such a document, and somebody has been told why.
@@ -67,7 +69,7 @@ class BrokenInput : public test::ReadTest {
 
  private:
   void Restart() {
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
     reports_.Forget();
   }

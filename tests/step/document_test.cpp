@@ -1,4 +1,4 @@
-#include "core/document.h"
+#include "merge/document.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "core/entity_cast.h"
 #include "step/reader/parser.h"
 #include "support/model.h"
@@ -57,7 +58,6 @@ TEST_F(Document, BeforeItIsOpenedItHasNothing) {
   EXPECT_FALSE(document_.IsCancelled());
   EXPECT_EQ(nullptr, document_.mainContainer);
   EXPECT_EQ(MergeStatus::kNotMerged, document_.mergeStatus);
-  EXPECT_FALSE(document_.mergeable);
   EXPECT_TRUE(document_.GetParser().guidIndex.empty());
   EXPECT_EQ(Reports{}, *reports_);
 }
@@ -149,10 +149,10 @@ TEST_F(Document, ACancelledReadingIsNeitherParsedNorSilent) {
                               "#2=IFCWALL('x',$,$,$,$,$,$,$,$);\n")));
   EXPECT_FALSE(document_.IsParsed());
   EXPECT_TRUE(document_.IsCancelled());
-  EXPECT_EQ(
-      (std::vector<TestPlatform::Box>{{SharedCancelTexts().caption, SharedCancelTexts().prompt,
-                                       platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
-      system_.boxes);
+  EXPECT_EQ((std::vector<TestPlatform::Box>{
+                {Cancellation::OfProcess().texts.caption, Cancellation::OfProcess().texts.prompt,
+                 platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
+            system_.boxes);
 }
 
 TEST_F(Document, ACancelThatWasNotMeantReadsOn) {

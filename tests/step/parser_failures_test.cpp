@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/cancellation.h"
+#include "schema/registry.h"
 #include "support/graph.h"
 #include "support/memory_streams.h"
 #include "support/read_model.h"
@@ -51,7 +53,7 @@ class ParserFailures : public test::ReadTest {
       EXPECT_EQ(0, report.mode);
     }
     EXPECT_EQ(0u, QuestionsAsked());
-    EXPECT_EQ(0, CancelMode());
+    EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
     EXPECT_TRUE(model.Document().IsCancelled());
     EXPECT_FALSE(model.Document().IsParsed());
   }
@@ -257,7 +259,7 @@ TEST_F(ParserFailures, ADuplicatedNumberEndsTheReadWhenTheUserAgrees) {
   EXPECT_EQ(1u, QuestionsAsked());
   EXPECT_FALSE(model.Document().IsParsed());
   EXPECT_TRUE(model.Document().IsCancelled());
-  EXPECT_EQ(2, CancelMode());
+  EXPECT_EQ(CancelMode::kEndUnasked, Cancellation::OfProcess().mode);
   EXPECT_EQ((std::vector<std::string>{"model.ifc"}), model.Folder().Names());
 }
 
@@ -278,7 +280,7 @@ TEST_F(ParserFailures, AWrongValueEndsTheReadWhenTheUserAgrees) {
   EXPECT_EQ((Texts{"Expected: String. Got: enumeration value.\n", Terminated(1)}), Messages());
   EXPECT_EQ(1u, QuestionsAsked());
   EXPECT_EQ(ParserState::kFailed, model.GetParser().state);
-  EXPECT_EQ(0, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
 }
 
 TEST_F(ParserFailures, AWrongValueIsItsDefaultWhenTheUserGoesOn) {
@@ -290,10 +292,10 @@ TEST_F(ParserFailures, AWrongValueIsItsDefaultWhenTheUserGoesOn) {
 }
 
 TEST_F(ParserFailures, TheQuestionHasTheTextsOfTheRun) {
-  SharedCancelTexts().prompt = u"Really?";
-  SharedCancelTexts().caption = u"Stop";
+  Cancellation::OfProcess().texts.prompt = u"Really?";
+  Cancellation::OfProcess().texts.caption = u"Stop";
   Model model("#1=IFCPERSON(.A.);");
-  SharedCancelTexts() = {};
+  Cancellation::OfProcess().texts = {};
   ASSERT_EQ(1u, platform_.boxes.size());
   EXPECT_EQ((TestPlatform::Box{u"Stop", u"Really?", platform::Buttons::kYesNo,
                                platform::Icon::kQuestion}),
@@ -301,7 +303,7 @@ TEST_F(ParserFailures, TheQuestionHasTheTextsOfTheRun) {
 }
 
 TEST_F(ParserFailures, NobodyIsAskedOnceTheRunIsToStop) {
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   Model model("#1=IFCPERSON(.A.);");
   EXPECT_FALSE(model.IsRead());
   EXPECT_EQ(0u, QuestionsAsked());
@@ -342,7 +344,7 @@ TEST_F(ParserFailures, FourKindsOfTokensHaveANameForUsers) {
 TEST_F(ParserFailures, AFileThatCannotBeOpenedFailsTheRead) {
   TemporaryFolder folder;
   Parser parser(false, RecordedReports::Reporter, nullptr);
-  ASSERT_TRUE(parser.SelectSchema(u"IFC4"));
+  parser.SelectSchema(FactoriesOf(SchemaNamespace::IFC4));
   EXPECT_FALSE(parser.ParseFile(folder.Path("missing.ifc"), 1));
   EXPECT_EQ((std::vector<Report>{
                 {"could_not_open_file", u". File path: " + folder.Path("missing.ifc"), 0}}),
@@ -359,15 +361,6 @@ TEST_F(ParserFailures, AnUnknownExtensionFailsTheRead) {
       (std::vector<Report>{{"could_not_open_file_extension", u" " + folder.Path("model.txt"), 0}}),
       *reports_);
   EXPECT_EQ(ParserState::kFailed, parser.state);
-}
-
-TEST_F(ParserFailures, SelectSchemaRefusesWhatNoReleaseServes) {
-  Parser parser(false, RecordedReports::Reporter, nullptr);
-  EXPECT_FALSE(parser.SelectSchema(u"IFC5"));
-  EXPECT_EQ(nullptr, parser.factories);
-  EXPECT_TRUE(parser.SelectSchema(u"IFC2X3"));
-  EXPECT_EQ(&FactoriesOf(SchemaNamespace::IFC2X3), parser.factories);
-  EXPECT_TRUE(reports_->empty());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "core/cancellation.h"
 #include "platform/locked_file.h"
 #include "support/read_model.h"
 #include "support/zip_bytes.h"
@@ -209,7 +210,7 @@ TEST_F(UnnamedWorkFile, LeavesNothingWhenTheReadingFailsOrIsCancelled) {
   EXPECT_FALSE(ReadUnnamed(folder_.Write("model.ifc", ModelFile(kForward + "#3=IFCNOTHING();"s))));
   platform_.nanosecondsPerCall = 60'000'000;
   for (const std::size_t tick : {0u, 2u}) {
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     progress_.Forget();
     progress_.CancelAt(tick);
     EXPECT_FALSE(ReadUnnamed(folder_.Write("model.ifc", ModelFile(kForward)))) << tick;

@@ -1,6 +1,7 @@
 // The watch over the machine's resources while a file is read, and what the log tells of it.
 #include <gtest/gtest.h>
 
+#include "core/cancellation.h"
 #include "step/log/ifc_log.h"
 #include "support/read_model.h"
 
@@ -61,7 +62,7 @@ TEST_F(DiskGuard, LessThanFiveGibibytesEndTheFirstPass) {
   Model model(Person(1) + Forward(500'000, 7) + Person(7));
   EXPECT_FALSE(model.IsRead());
   ExpectOutOfSpaceBox();
-  EXPECT_EQ(2, CancelMode());
+  EXPECT_EQ(CancelMode::kEndUnasked, Cancellation::OfProcess().mode);
   EXPECT_EQ(ParserState::kNotFinished, model.GetParser().state);
   EXPECT_TRUE(model.Document().IsCancelled());
   EXPECT_TRUE(reports_->empty());
@@ -103,7 +104,7 @@ TEST_F(DiskGuard, LessThanFiveGibibytesEndTheSecondPass) {
   EXPECT_FALSE(model.IsRead());
   ExpectOutOfSpaceBox();
   EXPECT_EQ(1, disk_.looks);
-  EXPECT_EQ(2, CancelMode());
+  EXPECT_EQ(CancelMode::kEndUnasked, Cancellation::OfProcess().mode);
   EXPECT_EQ(ParserState::kCancelled, model.GetParser().state);
   EXPECT_TRUE(reports_->empty());
   EXPECT_TRUE(model.Folder().Has("model_TEMP.ifc"));

@@ -1,6 +1,7 @@
 // The ticks of a read, and what becomes of a read that is cancelled at one of them.
 #include <gtest/gtest.h>
 
+#include "core/cancellation.h"
 #include "support/read_model.h"
 
 namespace corvel {
@@ -164,7 +165,7 @@ class ReadCancelled : public ReadProgress {
     progress_.CancelAt(tick);
     platform_.boxes.clear();
     platform_.answers.clear();
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
   }
 
@@ -184,7 +185,7 @@ TEST_F(ReadCancelled, AtAnyTickEndsTheRead) {
     EXPECT_EQ(ParserState::kCancelled, model.GetParser().state) << tick;
     EXPECT_TRUE(model.Document().IsCancelled());
     EXPECT_FALSE(model.Document().IsParsed());
-    EXPECT_EQ(2, CancelMode());
+    EXPECT_EQ(CancelMode::kEndUnasked, Cancellation::OfProcess().mode);
     EXPECT_EQ(std::vector<std::string>{}, Messages());
     EXPECT_EQ(tick < 7, !model.Folder().Has("model_TEMP.ifc")) << tick;
   }
@@ -215,7 +216,7 @@ TEST_F(ReadCancelled, WhoSaysNoLosesNothing) {
     EXPECT_EQ(lines, model.Lines()) << tick;
     EXPECT_EQ(temporary, model.Folder().Read("model_TEMP.ifc")) << tick;
     EXPECT_EQ(ticks, *progress_) << tick;
-    EXPECT_EQ(0, CancelMode());
+    EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
   }
 }
 
@@ -229,7 +230,7 @@ TEST_F(ReadCancelled, TheUserIsAskedAtTheLastTickToo) {
 
 TEST_F(ReadCancelled, NobodyIsAskedOnceTheRunIsToStop) {
   CancelAt(2);
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   AnswerNo(1);
   Model model(records_);
   EXPECT_FALSE(model.IsRead());

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/cancellation.h"
 #include "support/folders_in_memory.h"
 #include "support/read_model.h"
 
@@ -33,7 +34,7 @@ class SpoiltFile : public test::ReadTest {
     platform_.boxes.clear();
     platform_.answers.clear();
     if (goOn) AnswerNo(10'000);
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
     const test::RecordedReports fresh;
     Model model = Model::OfFile(bytes);

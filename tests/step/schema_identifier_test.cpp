@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/document.h"
+#include "merge/document.h"
+#include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "support/read_model.h"
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "step/reader/record_lines.h"
 #include "step/streams/line_numbers.h"
 #include "support/folders_in_memory.h"
@@ -271,7 +272,7 @@ class LostRecords : public Skipped {
   void Check(const std::string& bytes, const std::string& what) {
     const test::RecordedReports fresh;
     platform_.boxes.clear();
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
     Model model = Model::OfFile(bytes);
     if (!model.IsRead()) {

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "schema/registry.h"
 #include "step/enum_table.h"
-#include "step/factories.h"
 #include "step/streams/outpout_file_stream.h"
 #include "step/writer/step_writer.h"
 #include "support/memory_streams.h"

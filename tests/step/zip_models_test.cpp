@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "support/read_model.h"
 #include "support/zip_bytes.h"
 #ifndef _WIN32
@@ -39,7 +40,7 @@ class ZipModels : public test::ReadTest {
     document_ = std::make_unique<IfcDocument>(false, RecordedReports::Reporter,
                                               test::RecordedProgress::Callback);
     IFC::MainContainer::ResetUniqueMarker();
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     return document_->OpenFile(path, 1);
   }
   std::string SavedPlain() {

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/cancellation.h"
+#include "schema/registry.h"
 #include "support/read_model.h"
 #include "support/token_list.h"
 
@@ -24,7 +26,7 @@ class AttributeTest : public ReadTest {
     parser_.scanner = ScannerOn(std::move(text), RecordedReports::Reporter);
     parser_.state = ParserState::kNotFinished;
     parser_.forwardReference = false;
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     return parser_;
   }
   // A parser that has failed, with `text` still in front of it.

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/document.h"
+#include "merge/document.h"
 #include "support/quiet_reading.h"
 #include "support/recorded_progress.h"
 #include "support/recorded_reports.h"

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "core/reporting.h"
+#include "core/cancellation.h"
 #include "step/log/ifc_log.h"
 #include "step/log/utilities.h"
 
@@ -14,14 +14,14 @@ class QuietReading {
  public:
   QuietReading()
       : output_(MemoryReportOutput()),
-        cancelMode_(CancelMode()),
+        cancelMode_(Cancellation::OfProcess().mode),
         muted_(IfcLog::Instance().IsMuted()),
         flushes_(IfcLog::Instance().FlushesEveryLine()) {
     MemoryReportOutput() = nullptr;
   }
   ~QuietReading() {
     MemoryReportOutput() = output_;
-    CancelMode() = cancelMode_;
+    Cancellation::OfProcess().mode = cancelMode_;
     IfcLog::Instance().SetMuted(muted_);
     IfcLog::Instance().SetFlushEveryLine(flushes_);
   }
@@ -30,7 +30,7 @@ class QuietReading {
 
  private:
   std::FILE* output_;
-  int cancelMode_;
+  CancelMode cancelMode_;
   bool muted_;
   bool flushes_;
 };

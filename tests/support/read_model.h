@@ -11,9 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/document.h"
+#include "core/cancellation.h"
 #include "core/entity_cast.h"
 #include "core/main_container.h"
+#include "merge/document.h"
 #include "step/log/utilities.h"
 #include "step/reader/parser.h"
 #include "support/quiet_reading.h"
@@ -99,7 +100,7 @@ class ReadModel {
 class ReadTest : public testing::Test {
  protected:
   ReadTest() {
-    CancelMode() = 0;
+    Cancellation::OfProcess().mode = CancelMode::kAsk;
     IFC::MainContainer::ResetUniqueMarker();
   }
   ~ReadTest() override { IFC::MainContainer::ResetUniqueMarker(); }

@@ -46,7 +46,7 @@ def generate_registry(arguments):
         if name not in ALL_NAMESPACES:
             raise SchemaError(f'there is no release {name}')
     lines = [first_line('the list of releases')]
-    lines += include_lines(['<span>', '<stdexcept>', '<string_view>', 'step/factories.h'])
+    lines += include_lines(['<stdexcept>', 'schema/registry.h'])
     text = '\n'.join(lines + schema_registry(namespaces)) + '\n'
     write_if_changed(os.path.join(arguments.out, 'schema_registry.cpp'), text)
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
@@ -99,7 +100,7 @@ bool CheckDiskSpace() {
                              ToWide(static_cast<std::uint32_t>(kLeastFreeDiskGB)) +
                              u" GB. Parsing will be terminate.\n";
   FileStream::ShowLogfileError("", message, kReportShow);
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   return false;
 }
 

@@ -6,11 +6,11 @@
 #include <tuple>
 #include <utility>
 
+#include "core/cancellation.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
 #include "step/log/utilities.h"
-#include "step/reader/schema_identifier.h"
 
 namespace corvel {
 
@@ -18,8 +18,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = 0xA00000;         // of the input, the work file and the pool
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
-constexpr std::int64_t kReportNanoseconds = 50'000'000;
-constexpr std::int64_t kReportBytes = 0x10000;
+constexpr double kSecondShare = 5.0;                  // percent of the run, for all files
 
 // Also what lies behind a byte that ends the input: only a whole archive can be checked.
 bool CameWhole(FileStream::InputStream& stream) {
@@ -50,26 +49,21 @@ WideString Shown(const char16_t* token) {
 }  // namespace
 
 Parser::Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCallback ticks)
-    : ignoreEnumErrors(ignoreEnumErrorsOption), showError(reporter), progress(ticks) {
-  texts = &SharedCancelTexts();
-}
+    : ignoreEnumErrors(ignoreEnumErrorsOption), showError(reporter), progress(ticks) {}
 
 // The work file of a read that failed stays beside the input, where the next read overwrites it.
 Parser::~Parser() = default;
 
-bool Parser::SelectSchema(const WideString& identifier) {
-  const auto schema = ChooseSchemaNamespace(identifier, showError);
-  if (!schema) return false;
-  factories = &FactoriesOf(*schema);
+void Parser::SelectSchema(const FactoryTable& classes) {
+  factories = &classes;
   unitAssignmentRow_ = factories->FindRow("IFCUNITASSIGNMENT");
   ownerHistoryRow_ = factories->FindRow("IFCOWNERHISTORY");
   projectRow_ = factories->FindRow("IFCPROJECT");
   siteRow_ = factories->FindRow("IFCSITE");
-  return true;
 }
 
 bool Parser::ParseFile(const WideString& path, int fileCount) {
-  percent_ = lastPercent_ = 0;
+  readingProgress_.Start();
   forwardReference = false;
   if (!OpenInput(path) || !CheckTempFile()) {
     state = ParserState::kFailed;
@@ -106,7 +100,7 @@ bool Parser::OpenInput(const WideString& path) {
                                           showError, kBufferSize);
   tempPath = saved_->Path();
   mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kBufferSize);
-  StartPass(std::move(opened));
+  StartPass(std::move(opened), 0);
   ReadHead();
   return true;
 }
@@ -131,17 +125,18 @@ void Parser::ReportUnopened(const WideString& path) {
   showError("could_not_open_file", u". File path: " + path, kReportShow);
 }
 
-void Parser::StartPass(std::unique_ptr<Scanner> passScanner) {
+// `share`: see Stage.
+void Parser::StartPass(std::unique_ptr<Scanner> passScanner, int share) {
   scanner = std::move(passScanner);
-  totalBytes_ = scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize();
-  reportedInPass_ = false;
-  nextPercentPosition_ = 0;
+  const Stage stage{.callback = progress, .share = share, .exactMode = share >= 1};
+  readingProgress_.StartPass(stage,
+                             scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize());
 }
 
 bool Parser::ReadFile(int fileCount) {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"Parsing file...");
-  if (!ReadFirstPart(fileCount)) return false;
+  if (!ReadFirstPart()) return false;
   log.LogText(u"Done.\n");
   log.Flush();
   scanner.reset();
@@ -154,13 +149,13 @@ bool Parser::ReadFile(int fileCount) {
   return true;
 }
 
-bool Parser::ReadFirstPart(int fileCount) {
+bool Parser::ReadFirstPart() {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"Reading first part of file...");
   log.SetMuted(true);
   log.SetFlushEveryLine(true);
   for (std::uint32_t number = 0; FindRecord(number);) {
-    if (ReadRecord(number, fileCount)) continue;
+    if (ReadRecord(number)) continue;
     TellSkipped(scanner->Stream()->Position());
     return false;
   }
@@ -210,7 +205,7 @@ TokenType Parser::TakeToken(std::uint32_t& number) {
 }
 
 // False ends the pass.
-bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
+bool Parser::ReadRecord(std::uint32_t number) {
   scanner->EnterRecord();
   skipped_.AtRecord(number);
   IFC::IfcEntity* const entity = ReadNewEntity(number);
@@ -234,7 +229,7 @@ bool Parser::ReadRecord(std::uint32_t number, int fileCount) {
   scanner->LeaveRecord();
   // Before the progress: a cancellation that the user declines has looked at the next record.
   scanner->ClearTokens();
-  if (!ReportProgress(false, fileCount)) {
+  if (!ReportProgress()) {
     state = ParserState::kCancelled;
     return false;
   }
@@ -315,9 +310,8 @@ void Parser::TakeRestOfRecord() {
 
 // One unreadable record ends the whole read of the file.
 void Parser::FailRecord(std::uint32_t marker) {
-  CancelMode() = 2;
-  Cancel();
-  CancelMode() = 0;
+  Stop();
+  Cancellation::OfProcess().mode = CancelMode::kAsk;
   showError("",
             u"Unable to read entity, marker #" + ToWide(marker) + u". Parsing will be terminate.\n",
             kReportShow);
@@ -330,8 +324,7 @@ bool Parser::CheckResources() {
   ReportMemory();
   log.LogText(u"System disk free space (GB): " + Widen(std::to_string(FreeDiskGB())));
   if (!CheckDiskSpace()) {
-    CancelMode() = 2;
-    Cancel();
+    Stop();
     return false;
   }
   log.SetMuted(true);
@@ -358,7 +351,8 @@ void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
 bool Parser::ReadSecondPart(int fileCount) {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"Reading second part of file...");
-  StartPass(std::make_unique<Scanner>(saved_->ReadAgain(), showError));
+  StartPass(std::make_unique<Scanner>(saved_->ReadAgain(), showError),
+            static_cast<int>(kSecondShare / fileCount));
   hundredth_ = 1;
   for (;;) {
     std::uint32_t number = 0;
@@ -366,13 +360,13 @@ bool Parser::ReadSecondPart(int fileCount) {
     if (type == TokenType::EndOfFileToken) break;
     if (type == TokenType::IdentifierToken && !ReadRecordAgain(number)) break;
     scanner->ClearTokens();
-    if (!ReportProgress(true, fileCount)) {
+    if (!ReportProgress()) {
       Cancel();
       state = ParserState::kCancelled;
       break;
     }
   }
-  ReportProgress(true, fileCount);
+  ReportProgress();
   if (saved_->IsDamaged() || (!IsStopped() && !saved_->AllRecordsWereRead())) {
     state = ParserState::kFailed;
   }
@@ -405,66 +399,34 @@ bool Parser::PassHundredths(std::uint32_t marker) {
     log.LogReadingEntity(marker);
     ++hundredth_;
     if (CheckDiskSpace()) continue;
-    CancelMode() = 2;
-    Cancel();
+    Stop();
     break;
   }
   return !IsStopped();
 }
 
-// Throttled by time and by bytes.
-bool Parser::ReportProgress(bool secondPass, int fileCount) {
-  const std::int64_t position = scanner->Stream() == nullptr ? -1 : scanner->Stream()->Position();
-  // Most records change nothing: not even the clock is read for them.
-  if (reportedInPass_ && position < nextPercentPosition_ &&
-      position - lastReportPosition_ < kReportBytes) {
-    return true;
-  }
-  const std::int64_t now = platform::Get().MonotonicNanoseconds();
-  if (!reportedInPass_) {
-    reportedInPass_ = true;
-    lastReportTime_ = now - 1'000'000'000;
-    lastReportPosition_ = 0;
-  }
-  if (position < lastReportPosition_) lastReportPosition_ = 0;
-  if (now - lastReportTime_ < kReportNanoseconds && position - lastReportPosition_ < kReportBytes) {
-    return true;
-  }
-  lastReportTime_ = now;
-  lastReportPosition_ = position;
-  percent_ = totalBytes_ >= 1 ? static_cast<int>(position * 100 / totalBytes_) : percent_ + 1;
-  if (percent_ < 0) percent_ = 0;
-  if (percent_ > 100) percent_ = 100;
-  if (percent_ < lastPercent_) lastPercent_ = 0;
-  const bool risen = percent_ > lastPercent_;
-  nextPercentPosition_ =
-      totalBytes_ >= 1 ? (std::max(percent_, lastPercent_) + 1) * totalBytes_ / 100 : 0;
-  if (!risen) return true;
-  const int share = secondPass ? static_cast<int>(5.0 / fileCount) : 0;
-  const bool goOn = progress == nullptr || progress(percent_, share, nullptr, share >= 1, 100);
-  if (!goOn && CancelIfUserAgrees()) return false;
-  lastPercent_ = percent_;
-  return true;
+// A Yes ends the reading at once.
+bool Parser::ReportProgress() {
+  const FileStream::InputStream* const stream = scanner->Stream();
+  if (readingProgress_.Report(stream == nullptr ? -1 : stream->Position())) return true;
+  Stop();
+  return false;
 }
 
 // At the end of the input nothing is left to go on with, whatever the answer would be.
 bool Parser::Cancel() {
-  const auto inputHasEnded = [this] {
-    return scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
-  };
-  if (CancelMode() < 2 && !inputHasEnded()) return CancelIfUserAgrees();
+  Cancellation& cancellation = Cancellation::OfProcess();
+  const bool isEnding = cancellation.mode == CancelMode::kEndUnasked;
+  const bool inputHasEnded =
+      !isEnding && scanner != nullptr && scanner->PeekToken()->Is(TokenType::EndOfFileToken);
+  if (!isEnding && !inputHasEnded && !cancellation.Ask()) return false;
   Stop();
   return true;
 }
 
-bool Parser::CancelIfUserAgrees() {
-  if (CancelMode() < 2 && !AskCancelQuestion(*texts)) return false;
-  Stop();
-  return true;
-}
-
+// Whatever is on its way ends without a question.
 void Parser::Stop() {
-  CancelMode() = 2;
+  Cancellation::OfProcess().mode = CancelMode::kEndUnasked;
   {
     const LogUnmuted unmuted(IfcLog::Instance());
     IfcLog::Instance().LogText(u"Parsing CANCELED");

@@ -20,6 +20,7 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "step/factories.h"
+#include "step/reader/reading_progress.h"
 #include "step/reader/record_borders.h"
 #include "step/reader/saved_records.h"
 #include "step/reader/scanner.h"
@@ -47,8 +48,8 @@ class Parser {
   Parser(const Parser&) = delete;
   Parser& operator=(const Parser&) = delete;
 
-  // Chooses the classes of the file; call before ParseFile. False: no such release.
-  bool SelectSchema(const WideString& identifier);
+  // Chooses the classes of the file. Call before ParseFile.
+  void SelectSchema(const FactoryTable& classes);
   // The whole read. `fileCount`: files of the running merge, for the progress. The result tells
   // whether parsing finished; `state` tells failure from cancellation.
   bool ParseFile(const WideString& path, int fileCount);
@@ -85,9 +86,9 @@ class Parser {
   WideString plainText;
   // How many typed values the current one stands in.
   unsigned valueDepth = 0;
-  const FactoryTable* factories = nullptr;   // null until SelectSchema has accepted an identifier
-  std::unique_ptr<Scanner> scanner;          // null between the passes
-  std::unique_ptr<HeaderToken> headerToken;  // null if the file has no HEADER in its place
+  const FactoryTable* factories = nullptr;            // null until SelectSchema
+  std::unique_ptr<Scanner> scanner;                   // null between the passes
+  std::unique_ptr<HeaderToken> headerToken;           // null if the file has no HEADER in its place
   std::unique_ptr<IFC::MainContainer> mainContainer;  // handed to the document after ParseFile
   WideString filePath;
   WideString isoLine;           // "ISO-10303-21"
@@ -98,7 +99,6 @@ class Parser {
   std::vector<WideString> remarks;
   ErrorReporter showError;
   ProgressCallback progress;
-  const CancelTexts* texts = nullptr;
 
   // The first of each class; null if there is none.
   IFC::IfcEntity* ifcUnitAssignment = nullptr;
@@ -111,18 +111,17 @@ class Parser {
   std::unordered_map<std::string, IFC::IfcEntity*> guidIndex;
 
  private:
-  bool CancelIfUserAgrees();
   void Stop();
   bool OpenInput(const WideString& path);
   void ReportUnopened(const WideString& path);
   void ReadHead();
   bool CheckTempFile();
   bool ReadFile(int fileCount);
-  bool ReadFirstPart(int fileCount);
+  bool ReadFirstPart();
   bool FindRecord(std::uint32_t& number);
   void TellSkipped(std::int64_t end);
   TokenType TakeToken(std::uint32_t& number);
-  bool ReadRecord(std::uint32_t number, int fileCount);
+  bool ReadRecord(std::uint32_t number);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
   void FailRecord(std::uint32_t marker);
@@ -135,8 +134,8 @@ class Parser {
   void TakeEqualSign();
   void TakeOpenBracket();
   void TakeRestOfRecord();
-  void StartPass(std::unique_ptr<Scanner> passScanner);
-  bool ReportProgress(bool secondPass, int fileCount);
+  void StartPass(std::unique_ptr<Scanner> passScanner, int share);
+  bool ReportProgress();
 
   void ClearScratch();
 
@@ -153,17 +152,9 @@ class Parser {
   const FactoryRow* projectRow_ = nullptr;
   const FactoryRow* siteRow_ = nullptr;
   std::unique_ptr<SavedRecords> saved_;  // null before the first pass and after the second
-  std::int64_t totalBytes_ = -1;
-  int percent_ = 0;
-  int lastPercent_ = 0;
+  ReadingProgress readingProgress_;
   std::uint64_t lastMarker_ = 0;  // of the first pass
   std::uint64_t hundredth_ = 1;   // of the number range, second pass
-
-  // Throttle of ReportProgress; anew for each pass.
-  std::int64_t lastReportTime_ = 0;  // nanoseconds
-  std::int64_t lastReportPosition_ = 0;
-  std::int64_t nextPercentPosition_ = 0;  // before it the percentage cannot have risen
-  bool reportedInPass_ = false;
 };
 
 }  // namespace corvel

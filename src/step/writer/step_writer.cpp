@@ -2,8 +2,7 @@
 
 #include <stdexcept>
 
-#include "core/document.h"
-#include "core/main_container.h"
+#include "core/ticker.h"
 #include "step/log/ifc_log.h"
 #include "step/reader/token.h"
 #include "step/streams/open_output.h"
@@ -11,25 +10,30 @@
 
 namespace corvel {
 
-StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, IfcDocument& document,
+namespace {
+
+constexpr std::size_t kTicks = 100;  // at most
+
+}  // namespace
+
+StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, ModelToWrite model,
                        WideString path)
     : showError_(showError),
       progress_(progress),
-      cancelTexts_(&SharedCancelTexts()),
-      document_(&document),
+      model_(std::move(model)),
       path_(std::move(path)) {}
 
 StepWriter::StepWriter(FileStream::OutpoutStream& stream) : stream_(&stream) {}
 
 StepWriter::~StepWriter() = default;
 
-int StepWriter::WriteFile() {
-  if (!OpenStream()) return 0;
+Outcome StepWriter::WriteFile() {
+  if (!OpenStream()) return Outcome::kFailed;
   try {
     return WriteAll();
   } catch (const std::exception& error) {
     showError_("", Widen(error.what()), kReportShow);
-    return output_->IsComplete() ? 1 : EndEarly(0);
+    return output_->IsComplete() ? Outcome::kComplete : EndEarly(Outcome::kFailed);
   }
 }
 
@@ -43,47 +47,44 @@ bool StepWriter::OpenStream() {
   output_ = std::make_unique<UnfinishedOutput>(path_);
   ownStream_ = FileStream::OpenOutput(path_, output_->Open(), showError_);
   stream_ = ownStream_.get();
-  if (ownStream_->IsOpen() && document_->mainContainer != nullptr &&
-      document_->getHeader() != nullptr) {
-    return true;
-  }
+  if (ownStream_->IsOpen() && model_.container != nullptr && model_.header != nullptr) return true;
   showError_("could_not_open_file_write", u"File path: " + path_, kReportShow);
-  if (ownStream_->IsOpen()) EndEarly(0);
+  if (ownStream_->IsOpen()) EndEarly(Outcome::kFailed);
   return false;
 }
 
-int StepWriter::WriteAll() {
-  const std::string iso = Narrow(document_->getISO());
+Outcome StepWriter::WriteAll() {
+  const std::string iso = Narrow(model_.isoLine);
   stream_->WriteNarrowString(iso + ";\n");
   WriteHeader();
   Put("\nDATA;\n");
-  if (const int result = WriteData(); result != 1) return EndEarly(result);
+  if (const Outcome data = WriteData(); data != Outcome::kComplete) return EndEarly(data);
   stream_->WriteNarrowString("ENDSEC;\nEND-" + iso + ";\n");
   return Finish();
 }
 
 // Every byte has to have reached the disk before the file takes its place.
-int StepWriter::Finish() {
-  if (!ownStream_->CommitAndClose()) return EndEarly(0);
+Outcome StepWriter::Finish() {
+  if (!ownStream_->CommitAndClose()) return EndEarly(Outcome::kFailed);
   if (!output_->Complete()) {
     showError_("",
                u"The output is complete, but it could not be put at its place: " + path_ +
                    u". It lies here: " + output_->KeptAt(),
                kReportShow);
-    return 0;
+    return Outcome::kFailed;
   }
   CleanUp();
-  return 1;
+  return Outcome::kComplete;
 }
 
-int StepWriter::EndEarly(int result) {
+Outcome StepWriter::EndEarly(Outcome outcome) {
   ownStream_->Close();
   output_->Discard();
-  return result;
+  return outcome;
 }
 
 void StepWriter::WriteHeader() {
-  HeaderToken& header = *document_->getHeader();
+  HeaderToken& header = *model_.header;
   Put("HEADER;\nFILE_DESCRIPTION (");
   WriteHeaderList(header.fileDescription);
   WriteText(header.implementationLevel.c_str());
@@ -112,25 +113,17 @@ void StepWriter::WriteHeaderList(std::vector<WideString>& texts) {
   texts.clear();
 }
 
-// 1: all entities are written. 0: one failed. 2: the user cancelled.
-int StepWriter::WriteData() {
-  IFC::MainContainer& container = *document_->mainContainer;
-  const std::size_t step = container.entities.Size() / 100;
-  std::size_t sinceTick = 0;
-  int percent = 0;
-  if (progress_ != nullptr) progress_(0, 0, nullptr, false, 100);
+// The first tick asks nobody.
+Outcome StepWriter::WriteData() {
+  IFC::MainContainer& container = *model_.container;
+  Ticker ticker({.callback = progress_}, {.block = container.entities.Size() / kTicks + 1});
+  ticker.Show(0);
   container.FillMarkers();
   for (const auto& [number, entity] : container.entities) {
-    if (!WriteGuarded(*entity)) return 0;
-    if (++sinceTick <= step) continue;
-    sinceTick = 0;
-    if (percent < 100) ++percent;
-    if (progress_ != nullptr && !progress_(percent, 0, nullptr, false, 100) &&
-        AskCancelQuestion(*cancelTexts_)) {
-      return 2;
-    }
+    if (!WriteGuarded(*entity)) return Outcome::kFailed;
+    if (!ticker.Advance()) return Outcome::kCancelled;
   }
-  return 1;
+  return Outcome::kComplete;
 }
 
 bool StepWriter::WriteGuarded(const IFC::IfcEntity& entity) {
@@ -155,8 +148,8 @@ void StepWriter::CleanUp() {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"END write output file");
   log.LogText(u"############# CLEANING #############");
-  IFC::MainContainer& container = *document_->mainContainer;
-  if (IFC::IfcEntity* const assignment = document_->getIfcUnitAssignment()) {
+  IFC::MainContainer& container = *model_.container;
+  if (IFC::IfcEntity* const assignment = model_.unitAssignment) {
     IFC::ChildQueue units;
     assignment->collectChildren(units);
     log.LogText(u"Childrens: " + Widen(std::to_string(units.Size())));

@@ -8,22 +8,32 @@
 
 #include "core/entity.h"
 #include "core/list.h"
+#include "core/main_container.h"
+#include "core/outcome.h"
 #include "core/reporting.h"
+#include "core/text.h"
 #include "step/enum_table.h"
 #include "step/streams/outpout_stream.h"
 
 namespace corvel {
 
-class IfcDocument;
 class UnfinishedOutput;
+struct HeaderToken;
 
-// Turns the objects of a document into bytes. Every value ends with a comma; whoever closes a group
+// What of a model is written. All of it is borrowed.
+struct ModelToWrite {
+  IFC::MainContainer* container = nullptr;  // null, or no header: there is no model to write
+  HeaderToken* header = nullptr;
+  WideString isoLine;                        // the word that the file begins with
+  IFC::IfcEntity* unitAssignment = nullptr;  // may be null
+};
+
+// Turns the objects of a model into bytes. Every value ends with a comma; whoever closes a group
 // takes the last comma back. Nothing here numbers or sorts: that is settled before.
 class StepWriter {
  public:
-  // Borrows `document`. WriteFile chooses the stream by the ending of `path`; `showError` gets
-  // every failure once.
-  StepWriter(ErrorReporter showError, ProgressCallback progress, IfcDocument& document,
+  // WriteFile chooses the stream by the ending of `path`; `showError` gets every failure once.
+  StepWriter(ErrorReporter showError, ProgressCallback progress, ModelToWrite model,
              WideString path);
   // For values and single lines: writes to a stream of the caller.
   explicit StepWriter(FileStream::OutpoutStream& stream);
@@ -31,10 +41,9 @@ class StepWriter {
   StepWriter(const StepWriter&) = delete;
   StepWriter& operator=(const StepWriter&) = delete;
 
-  // 1: the output is complete and at its place. 2: the user cancelled. 0: it failed and was
-  // reported. In the last two cases the path has what it had before, a file or none. Empties the
-  // lists of the header record, and leaves all markers 0.
-  int WriteFile();
+  // Complete: the output is at its place. Otherwise the path has what it had before, a file or
+  // none. Empties the lists of the header record, and leaves all markers 0.
+  Outcome WriteFile();
   // Where the complete output lies when WriteFile failed because it could not be put at its place;
   // empty otherwise.
   WideString KeptAt() const;
@@ -79,19 +88,18 @@ class StepWriter {
   void Put(std::string_view bytes);
 
   bool OpenStream();
-  int WriteAll();
+  Outcome WriteAll();
   void WriteHeader();
   void WriteHeaderList(std::vector<WideString>& texts);
-  int WriteData();
+  Outcome WriteData();
   bool WriteGuarded(const IFC::IfcEntity& entity);
-  int Finish();
-  int EndEarly(int result);
+  Outcome Finish();
+  Outcome EndEarly(Outcome outcome);
   void CleanUp();
 
   ErrorReporter showError_ = nullptr;
   ProgressCallback progress_ = nullptr;
-  const CancelTexts* cancelTexts_ = nullptr;
-  IfcDocument* document_ = nullptr;
+  ModelToWrite model_;
   WideString path_;
   std::unique_ptr<UnfinishedOutput> output_;
   std::unique_ptr<FileStream::OutpoutStream> ownStream_;  // writes to output_, goes before it

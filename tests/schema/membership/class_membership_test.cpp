@@ -9,7 +9,7 @@
 #include "class_tables/built_releases.h"
 #include "core/memory_pool.h"
 #include "schema/membership/class_table.h"
-#include "step/factories.h"
+#include "schema/registry.h"
 
 namespace corvel::test {
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "core/cancellation.h"
 #include "platform/file.h"
 #include "step/log/ifc_log.h"
 #include "support/recorded_reports.h"
@@ -154,14 +155,15 @@ TEST(CheckDiskSpace, FiveGibibytesAreEnough) {
   system.freeDiskBytes = 5 * kGiB;
   EXPECT_TRUE(CheckDiskSpace());
   EXPECT_TRUE(system.boxes.empty());
-  EXPECT_EQ(0, CancelMode());
+  EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
 }
 
 TEST(CheckDiskSpace, LessThanFiveGibibytesStopTheParsingUnasked) {
   TestPlatform system;
   system.freeDiskBytes = 5 * kGiB - 1;
   EXPECT_FALSE(CheckDiskSpace());
-  EXPECT_EQ(2, std::exchange(CancelMode(), 0));
+  EXPECT_EQ(CancelMode::kEndUnasked,
+            std::exchange(Cancellation::OfProcess().mode, CancelMode::kAsk));
   EXPECT_EQ(std::vector{test::LogfileErrorBox(
                 u"Out of disk space. \nFree less then 5 GB. Parsing will be terminate.\n")},
             system.boxes);

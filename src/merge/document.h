@@ -1,7 +1,5 @@
-// One opened model as the rest of the system sees it.
-//
-// This header is the one door upwards: the reader, the writer and the merge implement operations
-// that are declared here.
+// One opened model as the rest of the system sees it: what can be done with it, put together from
+// the reader, the writer, the marking and the fold.
 #pragma once
 
 #include <cstdint>
@@ -13,21 +11,13 @@
 #include "core/main_container.h"
 #include "core/reporting.h"
 #include "core/text.h"
-#include "core/unit_comparison.h"
+#include "merge/marker_pair.h"
+#include "merge/merge_status.h"
 
 namespace corvel {
 
 class Parser;
 struct HeaderToken;
-
-enum class MergeStatus : std::uint32_t { kNotMerged = 0, kMerged = 1, kFailed = 2 };
-
-// Two numbers of the file: an object's, and that of the object that the host gives as its parent.
-// 0, or the object itself: there is no parent to follow.
-struct MarkerPair {
-  std::uint32_t number = 0;
-  std::uint32_t parentNumber = 0;
-};
 
 // Owns the parser, for its whole life, and after parsing the container. A merge moves the
 // container of a document to the one that it was folded into; the getters go on working.
@@ -114,13 +104,6 @@ class IfcDocument {
   // Containers taken over by merging. Their pools hold entities and texts of this model.
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
-  // Whether the model goes with the first one of a run, and takes part. CheckUnits sets them.
-  bool unitsValid = false;   // its units are those of the first, or are let pass
-  bool schemaValid = false;  // its schema identifier is that of the first
-  bool mergeable = false;    // both
-  // At most one for each of comparedUnitTypes, in their order.
-  std::vector<UnitComparison> unitDifferences;
-  std::uint64_t hostProject = 0;  // handle of the host's project that the file belongs to
   // Where the complete output of the last SaveFile lies when that failed for one reason only: it
   // could not be put at its place. Empty otherwise.
   WideString outputKeptAt;

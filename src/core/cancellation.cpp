@@ -1,0 +1,20 @@
+#include "core/cancellation.h"
+
+#include "platform/platform.h"
+
+namespace corvel {
+
+Cancellation& Cancellation::OfProcess() {
+  static Cancellation cancellation;
+  return cancellation;
+}
+
+bool Cancellation::Ask() {
+  const platform::Answer answer = platform::Get().ShowMessageBox(
+      texts.caption, texts.prompt, platform::Buttons::kYesNo, platform::Icon::kQuestion);
+  if (answer != platform::Answer::kYes) return false;
+  confirmed_ = true;
+  return true;
+}
+
+}  // namespace corvel
