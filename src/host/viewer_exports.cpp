@@ -36,10 +36,6 @@ std::uint32_t Fill(const std::vector<Item>& items, Item* list, std::uint32_t cap
   return static_cast<std::uint32_t>(items.size());
 }
 
-void FillInfos(const HostObject* objects, ObjectInfo* infos, std::uint32_t count) {
-  for (std::uint32_t i = 0; i < count; ++i) infos[i] = Scene().InfoOf(objects[i]);
-}
-
 }  // namespace
 
 CORVEL_EXPORT std::uint32_t get_all_objects(HostHandle, HostObject* list, std::uint32_t capacity) {
@@ -48,12 +44,13 @@ CORVEL_EXPORT std::uint32_t get_all_objects(HostHandle, HostObject* list, std::u
 
 CORVEL_EXPORT void get_object_info(HostHandle, const HostObject* objects, ObjectInfo* infos,
                                    std::uint32_t count) {
-  FillInfos(objects, infos, count);
+  for (std::uint32_t i = 0; i < count; ++i) infos[i] = Scene().InfoOf(objects[i]);
 }
 
 CORVEL_EXPORT void get_object_info2(HostHandle, const HostObject* objects, ObjectInfo* infos,
                                     std::uint32_t count) {
-  FillInfos(objects, infos, count);
+  const ViewerScene& scene = Scene();
+  for (std::uint32_t i = 0; i < count; ++i) infos[i].project = scene.ProjectOf(objects[i]);
 }
 
 CORVEL_EXPORT void get_object_state(HostHandle, const HostObject* objects, ObjectState* states,

@@ -13,7 +13,7 @@ HostObject HandleOf(HostObject project, std::size_t index) {
   return project << kProjectShift | (index + 1);
 }
 
-HostObject ProjectOf(HostObject object) { return object >> kProjectShift; }
+HostObject ProjectPartOf(HostObject object) { return object >> kProjectShift; }
 
 bool HasProjectsOnly(const ModelScene& scene) {
   return std::all_of(scene.objects.begin(), scene.objects.end(),
@@ -41,12 +41,14 @@ ViewerScene::ViewerScene(std::vector<LoadedModel> models, const Point& centerMet
   for (LoadedModel& model : models) {
     model.flags.resize(model.scene.objects.size());
     const bool hasProjectsOnly = HasProjectsOnly(model.scene);
+    const std::size_t count = std::max<std::size_t>(model.scene.objects.size(), 1);
     entries_.push_back({std::move(model), hasProjectsOnly, {}});
+    for (std::size_t i = 0; i < count; ++i) objects_.push_back(HandleOf(entries_.size(), i));
   }
 }
 
 const ViewerScene::Entry* ViewerScene::EntryOf(HostObject object) const {
-  const HostObject project = ProjectOf(object);
+  const HostObject project = ProjectPartOf(object);
   return project < 1 || project > entries_.size() ? nullptr : &entries_[project - 1];
 }
 
@@ -63,14 +65,8 @@ std::vector<HostObject> ViewerScene::Projects() const {
   return projects;
 }
 
-std::vector<HostObject> ViewerScene::Objects() const {
-  std::vector<HostObject> objects;
-  for (const HostObject project : Projects()) {
-    const std::size_t count = entries_[project - 1].model.scene.objects.size();
-    if (count == 0) objects.push_back(HandleOf(project, 0));
-    for (std::size_t i = 0; i < count; ++i) objects.push_back(HandleOf(project, i));
-  }
-  return objects;
+HostObject ViewerScene::ProjectOf(HostObject object) const {
+  return EntryOf(object) == nullptr ? 0 : ProjectPartOf(object);
 }
 
 ObjectInfo ViewerScene::InfoOf(HostObject object) const {
@@ -78,7 +74,7 @@ ObjectInfo ViewerScene::InfoOf(HostObject object) const {
   info.className = "";
   const Entry* const entry = EntryOf(object);
   if (entry == nullptr) return info;
-  info.project = ProjectOf(object);
+  info.project = ProjectPartOf(object);
   const ModelScene& scene = entry->model.scene;
   if (const auto index = IndexOf(*entry, object)) {
     const SceneObject& found = scene.objects[*index];
@@ -112,7 +108,7 @@ ObjectState ViewerScene::StateOf(HostObject object) const {
 void ViewerScene::SetVisible(HostObject object, bool visible) {
   const Entry* const found = EntryOf(object);
   if (found == nullptr) return;
-  Entry& entry = entries_[ProjectOf(object) - 1];
+  Entry& entry = entries_[ProjectPartOf(object) - 1];
   const auto index = IndexOf(entry, object);
   if (!index) return;
   entry.model.flags[*index].visible = visible;

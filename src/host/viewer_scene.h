@@ -39,7 +39,10 @@ class ViewerScene {
   ViewerScene(std::vector<LoadedModel> models, const Point& centerMetres);
 
   std::vector<HostObject> Projects() const;
-  std::vector<HostObject> Objects() const;
+  // In the order of the models.
+  const std::vector<HostObject>& Objects() const { return objects_; }
+  // 0 for an object that is not there.
+  HostObject ProjectOf(HostObject object) const;
   // Zeroes, and a class without a name, for an object that is not there.
   ObjectInfo InfoOf(HostObject object) const;
   // An IfcProject is active when any other object of its file is, visible when any is both that and
@@ -68,6 +71,7 @@ class ViewerScene {
   static ObjectFlags FlagsOf(const Entry& entry, HostObject object);
 
   std::vector<Entry> entries_;
+  std::vector<HostObject> objects_;  // a merge asks for them again and again
   Point centerMetres_{};
 };
 

@@ -2,7 +2,6 @@
 
 #include "merge/document_merge.h"
 #include "merge/marking.h"
-#include "platform/platform.h"
 #include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "step/reader/schema_identifier.h"
@@ -15,13 +14,11 @@ IfcDocument::IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, Progres
       progress_(progress),
       parser_(std::make_unique<Parser>(ignoreEnumErrors, showError, progress)) {}
 
-// Absorbed containers hold objects that this document's own container refers to. A viewer lives on
-// after a run, and has better use for the memory of its models.
+// Absorbed containers hold objects that this document's own container refers to.
 IfcDocument::~IfcDocument() {
   parser_.reset();
   mainContainer.reset();
   absorbedContainers.clear();
-  platform::ReturnFreeMemory();
 }
 
 void IfcDocument::ReservePaths(std::vector<WideString> paths) {

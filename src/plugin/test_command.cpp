@@ -2,8 +2,10 @@
 
 #include <exception>
 
+#include "core/outcome.h"
 #include "core/reporting.h"
 #include "merge/document.h"
+#include "platform/platform.h"
 #include "plugin/progress_window.h"
 #include "plugin/run_reports.h"
 #include "step/log/ifc_log.h"
@@ -21,8 +23,9 @@ void ReadAndWrite(const WideString& path, const WideString& userFolder, bool ign
     return;
   }
   const WideString output = path + u"_test.ifc";
-  constexpr int kComplete = 1;
-  if (document.SaveFile(output) == kComplete) SaveLastPath(userFolder, output, ShowError);
+  if (Outcome{document.SaveFile(output)} == Outcome::kComplete) {
+    SaveLastPath(userFolder, output, ShowError);
+  }
 }
 
 }  // namespace
@@ -46,6 +49,7 @@ void TestCommand(const WideString& path, const WideString& userFolder, bool igno
   } catch (...) {
     ShowError("", u"Unknown error occurred while processing file: " + path, kReportShow);
   }
+  platform::ReturnFreeMemory();
   FinishRun();
 }
 
