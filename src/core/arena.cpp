@@ -12,6 +12,8 @@ constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
 void* Arena::AllocateFromNewBlock(std::size_t size, std::size_t alignment) {
   // Blocks grow with what is in use, so that a small model stays small.
   const std::size_t usual = std::clamp(reserved_, kFirstBlock, kLargestBlock);
+  // A piece of more than a quarter of a block that starts a new one could leave as much unused
+  // behind the last piece of the old one.
   const bool ownBlock = size > usual / 4;
   const std::size_t blockSize = ownBlock ? size + alignment : usual;
   blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(blockSize));

@@ -16,7 +16,8 @@ class Arena {
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
 
-  // `alignment` is a power of two, at most that of std::max_align_t. Throws std::bad_alloc.
+  // `alignment` is a power of two, at most that of std::max_align_t. The piece belongs to the
+  // arena. Constant time but for the new block. Throws std::bad_alloc; the arena stays usable then.
   void* Allocate(std::size_t size, std::size_t alignment) {
     const std::uintptr_t start = (next_ + (alignment - 1)) & ~(alignment - 1);
     if (start + size <= end_) [[likely]] {
@@ -26,7 +27,7 @@ class Arena {
     return AllocateFromNewBlock(size, alignment);
   }
 
-  // Bytes taken from the system.
+  // Bytes taken from the system, the unused rests of blocks included.
   std::size_t ReservedBytes() const { return reserved_; }
 
  private:

@@ -23,11 +23,13 @@ enum class CancelMode {
 // one of these serves the process. To be used on the thread of the run only.
 class Cancellation {
  public:
+  // Made at the first call, and never gone.
   static Cancellation& OfProcess();
 
   // Forgets a Yes. For whoever starts a run; `mode` is left alone.
   void ForgetAnswer() { confirmed_ = false; }
-  // Shows the cancel question, whatever the mode is. True for Yes, which is remembered, so that a
+  // Shows the cancel question, a modal box that waits for its answer (see
+  // Platform::ShowMessageBox), whatever the mode is. True for Yes, which is remembered, so that a
   // run can end although the operation that was stopped tells nobody.
   bool Ask();
   // As Ask; where the mode is kEndUnasked the answer is Yes unasked, which is not remembered.

@@ -19,6 +19,7 @@ struct ChildRef {
 class ChildQueue {
  public:
   void Append(IfcEntity* entity, bool canLose) { items_.push_back({entity, canLose}); }
+  // Not for an empty queue.
   ChildRef TakeBack() {
     const ChildRef last = items_.back();
     items_.pop_back();
@@ -27,6 +28,7 @@ class ChildQueue {
   bool IsEmpty() const { return items_.empty(); }
   std::size_t Size() const { return items_.size(); }
   const ChildRef& operator[](std::size_t index) const { return items_[index]; }
+  // Keeps its storage for the next walk.
   void Clear() { items_.clear(); }
 
  private:

@@ -22,7 +22,7 @@ class ClassMemory {
  public:
   static constexpr std::ptrdiff_t kNotOfThisClass = std::numeric_limits<std::ptrdiff_t>::min();
 
-  // Null when the class has not been met yet.
+  // Null when the class has not been met yet. Void after the next Remember.
   const std::ptrdiff_t* Find(const std::type_info* dynamicClass) const {
     if (entries_.empty()) return nullptr;
     for (std::size_t i = Slot(dynamicClass);; i = (i + 1) & (entries_.size() - 1)) {
@@ -30,6 +30,7 @@ class ClassMemory {
       if (entries_[i].dynamicClass == nullptr) return nullptr;
     }
   }
+  // For a class that Find does not know.
   void Remember(const std::type_info* dynamicClass, std::ptrdiff_t offset);
 
  private:
@@ -37,6 +38,8 @@ class ClassMemory {
     const std::type_info* dynamicClass = nullptr;
     std::ptrdiff_t offset = 0;
   };
+  // By address: a class whose type_info exists twice in a process has two entries, which say the
+  // same. The lowest bits are those of an aligned object, the upper half of the product is mixed.
   std::size_t Slot(const std::type_info* dynamicClass) const {
     const auto address = reinterpret_cast<std::uintptr_t>(dynamicClass);
     return static_cast<std::size_t>((address >> 4) * 0x9E3779B97F4A7C15ull >> 32) &
@@ -70,6 +73,7 @@ Target* EntityCast(IFC::IfcEntity* entity) {
 class ClassTest {
  public:
   using SlowTest = bool (*)(const IFC::IfcEntity*);
+  // `slowTest` is asked once per dynamic class, and never about null.
   explicit ClassTest(SlowTest slowTest) : slowTest_(slowTest) {}
 
   // False for null.
@@ -85,6 +89,7 @@ class ClassTest {
   bool AdmitsAnother(const IFC::IfcEntity* entity, const std::type_info* dynamicClass);
 
   SlowTest slowTest_;
+  // Neighbours in a list are mostly of one class.
   const std::type_info* lastClass_ = nullptr;
   bool lastAnswer_ = false;
   ClassMemory memory_;

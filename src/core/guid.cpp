@@ -22,6 +22,8 @@ void AppendDigits(std::uint32_t number, unsigned count, std::string& text) {
 std::string CreateGUID() {
   const platform::Guid guid = platform::Get().NewGuid();
   const auto& d4 = guid.data4;
+  // 128 bits are 8 and five times 24: two digits, of which the first is below 4, and five times
+  // four.
   const std::uint32_t numbers[6] = {
       guid.data1 >> 24,
       guid.data1 & 0xFFFFFFu,
@@ -30,6 +32,7 @@ std::string CreateGUID() {
       (d4[2] * 256u + d4[3]) * 256u + d4[4],
       (d4[5] * 256u + d4[6]) * 256u + d4[7],
   };
+  // What a source without random bytes gives (see Platform::NewGuid).
   bool allZero = true;
   for (const std::uint32_t number : numbers) allZero = allZero && number == 0;
   if (allZero) {

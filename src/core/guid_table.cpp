@@ -45,6 +45,7 @@ void GuidTable::Clear() {
 
 std::size_t GuidTable::SlotOf(std::string_view guid, std::uint32_t hash) const {
   const std::size_t mask = slots_.size() - 1;
+  // Nothing is ever taken out alone, so the first free slot ends the search.
   std::size_t at = hash & mask;
   while (slots_[at].entry != 0 &&
          (slots_[at].hash != hash || entries_[slots_[at].entry - 1].guid != guid)) {
@@ -55,6 +56,7 @@ std::size_t GuidTable::SlotOf(std::string_view guid, std::uint32_t hash) const {
 
 void GuidTable::Grow() {
   constexpr std::size_t kFirstSize = 64;
+  // The hashes are kept, so no text is read again.
   std::vector<Slot> larger(slots_.empty() ? kFirstSize : slots_.size() * 2);
   larger.swap(slots_);
   const std::size_t mask = slots_.size() - 1;

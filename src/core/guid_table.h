@@ -12,8 +12,8 @@ class VirtualIfcRoot;
 
 namespace corvel {
 
-// Borrows the texts: a key is the GUID that an object had when it was entered, and stays that when
-// the object gets another one.
+// Constant time for each operation, on average. Borrows the texts: a key is the GUID that an object
+// had when it was entered, and stays that when the object gets another one.
 class GuidTable {
  public:
   struct Entry {
@@ -30,7 +30,7 @@ class GuidTable {
   void Clear();
   std::size_t Size() const { return entries_.size(); }
 
-  // In the order in which they were entered.
+  // In the order in which they were entered; void after the next Enter, Set or Clear.
   std::vector<Entry>::const_iterator begin() const { return entries_.begin(); }
   std::vector<Entry>::const_iterator end() const { return entries_.end(); }
 

@@ -27,9 +27,11 @@ class List {
   const T* end() const { return data_ + size_; }
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
+  // Not checked. Pointers and references to items are void after Assign and Append.
   T& operator[](std::size_t index) { return data_[index]; }
   const T& operator[](std::size_t index) const { return data_[index]; }
 
+  // Keeps the storage, which copies of this list share.
   void Clear() { size_ = 0; }
 
   // Replaces the content; `room` is how many items the storage should hold at least.
@@ -39,11 +41,14 @@ class List {
     for (std::size_t i = 0; i < items.size(); ++i) data_[i] = items[i];
   }
 
+  // `pool` is that of the model, here and below: the storage has to live as long as the object.
+  // Constant time on average.
   void Append(T item, MemoryPool& pool) {
     if (size_ == capacity_) Reserve(capacity_ == 0 ? 4 : std::size_t{capacity_} * 2, pool);
     data_[size_++] = item;
   }
 
+  // The items behind move up; `index` is below size().
   void Erase(std::size_t index) {
     for (std::size_t i = index + 1; i < size_; ++i) data_[i - 1] = data_[i];
     --size_;
@@ -61,6 +66,7 @@ class List {
     return before - size_;
   }
 
+  // The same items in storage of their own.
   List Clone(MemoryPool& pool) const {
     List copy;
     copy.Assign({data_, size_}, pool);

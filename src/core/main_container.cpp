@@ -51,6 +51,7 @@ constexpr ListOfClass kLists[] = {
     {u"IfcRelAssociatesStyle", &MainContainer::relAssociatesStyle},
 };
 
+// The class itself counts, not its supertypes; only the subtypes of IfcRelAssigns are one list.
 std::ptrdiff_t KindByName(IfcEntity* entity) {
   const WideView name = entity->getClassName();
   if (name == u"IfcProject") return kProject;
@@ -128,6 +129,7 @@ bool MainContainer::TakeSmallestFree(IfcEntity* entity) {
     entity->SetMarker(number);
     return true;
   }
+  // Said once: every object that follows would say the same.
   if (!hasRunOutOfNumbers_) {
     showError_("",
                u"All numbers up to #" + ToWide(largestNumber) +
@@ -187,6 +189,7 @@ void MainContainer::EraseEntity(std::uint32_t marker) {
 }
 
 void MainContainer::OverwriteMarker(IfcEntity* entity, const IfcEntity* target) {
+  // Not a change, so the markers stay true.
   if (entity == target) return;
   entity->marker = target->marker;
   NoteChangedMarkers();
@@ -239,6 +242,7 @@ bool MainContainer::ResetAllMarkers() {
 // Once the filed entities have their stamps, the children without one are the others: values in
 // records, and what has given way to another entity.
 void MainContainer::ResetMarkersAndFillParents() {
+  // As FillParentsLists: what is filled is left to RefreshParentsLists.
   if (parentsFilled_) {
     ResetAllMarkers();
     return;
@@ -384,6 +388,7 @@ void MainContainer::EnterGuid(const WideString& filePath, VirtualIfcRoot* root) 
 const char* MainContainer::CreateGUIDForDuplicate(const WideString& filePath, const char* oldGuid,
                                                   std::uint32_t marker) {
   const std::string guid = corvel::CreateGUID();
+  // Not interned: no text of the model equals a GUID that has just been made.
   char* const stored = memoryPool_.AllocNarrow(guid.size());
   std::copy_n(guid.c_str(), guid.size() + 1, stored);
   generatedGUIDs[filePath + ToWide(marker) + Widen(oldGuid)] = guid;

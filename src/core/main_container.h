@@ -26,7 +26,8 @@ struct IfcTree {
   std::string rootGuid;  // of an entity without GUID: its address in decimal
 };
 
-// The next generation for IfcEntity::visitStamp.
+// The next generation for IfcEntity::visitStamp, one count for all models of the process: so no
+// walk takes the stamp of an earlier one for its own.
 std::uint32_t NextVisitGeneration();
 
 // The ticks of a walk over the parents lists: one for each part of the entities, of which there are
@@ -45,8 +46,8 @@ struct ParentsTicks {
 // live in the container's pool and go with it.
 class MainContainer {
  public:
-  // `poolBlockSize`: bytes of a block of the string store. `progress` gets the ticks of the walks
-  // below and may be null.
+  // `poolBlockSize`: bytes of a block of the string store. `showError` is not null. `progress` gets
+  // the ticks of the walks below and may be null.
   MainContainer(corvel::ErrorReporter showError, corvel::ProgressCallback progress,
                 std::uint64_t poolBlockSize);
   virtual ~MainContainer();
@@ -56,13 +57,14 @@ class MainContainer {
   corvel::MemoryPool& Pool() { return memoryPool_; }
   corvel::ParentStore& Parents() { return parentStore_; }
 
-  // Files an entity that was read as record `number`. False (a message box, nothing changed) when
-  // the number is taken; false for null.
+  // Files an entity that was read as record `number`, here and as AddEntity does. False (a message
+  // box, nothing changed) when the number is taken; false for null.
   bool AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number);
-  // Files an entity under its marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets
-  // one new number, and if that is taken too a message box tells that the entity is not filed. In
-  // place of a new number above `largestNumber` an entity gets the smallest that is free here. When
-  // there is none it is not filed, and the container has run out of numbers.
+  // Files an entity, which lives in this pool or in one that lives as long. Its number is its
+  // marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets one new number, and if that
+  // is taken too a message box tells that the entity is not filed. In place of a new number above
+  // `largestNumber` an entity gets the smallest that is free here. When there is none it is not
+  // filed, and the container has run out of numbers.
   void AddEntity(IfcEntity* entity);
   // An entity found no number, which has been reported (to be shown with the next report). What is
   // in here is then no whole model any more, and is not to be written.
@@ -76,22 +78,25 @@ class MainContainer {
   }
   // Takes the entry out of `entities`; the object and all other entries stay. Silent when missing.
   void EraseEntity(std::uint32_t marker);
-  // Makes `entity` a stand-in for `target`: references to it are written with target's number.
+  // Makes `entity` a stand-in for `target`: references to it are written with target's number. It
+  // stays filed where it is; whoever wants it gone erases it.
   void OverwriteMarker(IfcEntity* entity, const IfcEntity* target);
 
-  // Gives every entity of `entities` the number that it is filed under; deleted ones keep theirs.
+  // Gives every entity of `entities` the number that it is filed under; deleted ones keep their
+  // marker. The number 0 is refused with a message box. Linear in the entities.
   void FillMarkers();
   // As FillMarkers, at no cost while the markers are true.
   void RefreshMarkers();
   // To be called by whoever sets a marker to anything but the number that its entity is filed
   // under. The operations of this class need no call.
   void NoteChangedMarkers() { markersAreTrue_ = guidsAreIndexed_ = false; }
-  // Gives everything reachable from `entities` the marker 0. Always true.
+  // Gives everything reachable from `entities`, typed values included, the marker 0. Linear in the
+  // references. Always true.
   bool ResetAllMarkers();
   // ResetAllMarkers and FillParentsLists without `rebuild`, in one walk over the references.
   void ResetMarkersAndFillParents();
-  // Enters each entity of `entities` into the parents set of all that it refers to. A second call
-  // does nothing.
+  // Enters each entity of `entities` into the parents set of all that it refers to. Linear in the
+  // references. A second call does nothing, whatever has changed: see RefreshParentsLists.
   void FillParentsLists();
   // Empties the sets first, and says so with `ticks`. Complete, or cancelled: the sets of those
   // that had their turn are empty then.
@@ -115,9 +120,10 @@ class MainContainer {
   // As FillEntitiesGUIDmap, at no cost while that would find the same again. GUIDs of the objects
   // in `originalEntities` are not changed by others meanwhile.
   bool RefreshEntitiesGUIDmap(const corvel::WideString& filePath);
-  // A new GUID, interned. Null (reported) when none could be made.
+  // A new GUID, interned; the pool keeps it. Null (reported) when none could be made.
   const char* CreateGUID();
-  // A new GUID for an entity whose GUID is taken, kept in `generatedGUIDs`.
+  // A new GUID for an entity whose GUID is taken, kept in `generatedGUIDs`; the text belongs to the
+  // pool. The entity itself is not changed. Empty when none could be made.
   const char* CreateGUIDForDuplicate(const corvel::WideString& filePath, const char* oldGuid,
                                      std::uint32_t marker);
 
@@ -137,9 +143,11 @@ class MainContainer {
   std::unique_ptr<IfcTree> ifcTree;
 
   // The first project, by number, of those that are filed here and not deleted. Null without one.
+  // Linear in the projects; markers are true.
   IfcEntity* FirstProject() const;
 
-  // Relations by class, in order of filing.
+  // Relations by class (subtypes left out, but for relAssigns), in order of filing. What is erased
+  // or deleted later stays in here.
   std::vector<IfcEntity*> relAggregates;
   std::vector<IfcEntity*> relContainedInSpatialStructure;
   std::vector<IfcEntity*> relDefinesByProperties;

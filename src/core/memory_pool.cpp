@@ -15,6 +15,7 @@ std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word) {
   return std::rotl(hash ^ (word * kMultiplier), 29) * kMultiplier;
 }
 
+// A text starts at any address: the copy is a plain load where the machine has one.
 std::uint64_t WordAt(const unsigned char* bytes) {
   std::uint64_t word = 0;
   std::memcpy(&word, bytes, sizeof word);
@@ -112,6 +113,8 @@ char* MemoryPool::Take(std::uint64_t size) {
 char* MemoryPool::AllocNarrow(std::uint64_t length) { return Take(length + 1); }
 
 char16_t* MemoryPool::AllocWide(std::uint64_t length) {
+  // The byte before is given up only where one is left: otherwise Take begins a block, which is
+  // aligned.
   const bool odd = reinterpret_cast<std::uintptr_t>(next_) % alignof(char16_t) != 0;
   if (odd && current_->free > 1) Take(1);
   return reinterpret_cast<char16_t*>(Take(2 * length + 2));
@@ -119,6 +122,7 @@ char16_t* MemoryPool::AllocWide(std::uint64_t length) {
 
 const char* MemoryPool::InternNarrow(std::string_view text) {
   const std::uint32_t hash = InternTable<char>::Hash(text);
+  // Before the search, since growing moves the slots.
   narrowStrings_.ReserveOne();
   std::size_t slot = 0;
   if (const char* const known = narrowStrings_.Find(text, hash, slot)) return known;

@@ -31,9 +31,12 @@ template <class Unit>
 class InternTable {
  public:
   // The stored pointer of `text`, null if there is none yet; then `slot` is where Enter puts it.
+  // ReserveOne has been called since the last Enter.
   const Unit* Find(std::basic_string_view<Unit> text, std::uint32_t hash, std::size_t& slot) const;
+  // Borrows `stored`, which is no longer than 4 GiB.
   void Enter(std::size_t slot, std::uint32_t hash, const Unit* stored, std::size_t length);
   std::size_t Size() const { return used_; }
+  // Depends on the machine's byte order; to be kept for the run only.
   static std::uint32_t Hash(std::basic_string_view<Unit> text);
   // Makes room for one more entry; slots found before are void then.
   void ReserveOne();
@@ -48,9 +51,11 @@ class InternTable {
   std::size_t used_ = 0;
 };
 
+// All pointers that it gives belong to it and are good until it goes.
 class MemoryPool {
  public:
-  // `blockSize`: bytes of each block of the string store.
+  // `blockSize`: bytes of each block of the string store. The first is taken at once; throws as
+  // AllocNarrow.
   explicit MemoryPool(std::uint64_t blockSize);
   ~MemoryPool();
   MemoryPool(const MemoryPool&) = delete;
@@ -62,7 +67,8 @@ class MemoryPool {
   char16_t* AllocWide(std::uint64_t length);
 
   // The one stored copy of a text, NUL-ended. Equal texts give one pointer; a text read as narrow
-  // and as wide gives two.
+  // and as wide gives two. Costs the length of the text. Throws as AllocNarrow; nothing is entered
+  // then.
   const char* InternNarrow(std::string_view text);
   const char16_t* InternWide(WideView text);
 
@@ -70,7 +76,8 @@ class MemoryPool {
   const char16_t* EmptyWide() const { return emptyWide_; }
   const char* EmptyNarrow() const { return emptyNarrow_; }
 
-  // Objects and arrays of the model; they go with the pool and no destructor is run.
+  // Objects and arrays of the model; they go with the pool and no destructor is run. Arrays are not
+  // initialised. Throws std::bad_alloc.
   template <class T, class... Arguments>
   T* New(Arguments&&... arguments) {
     return ::new (objects_.Allocate(sizeof(T), alignof(T)))

@@ -102,6 +102,7 @@ bool NumberTable::Remove(std::uint32_t number) {
     return false;
   }
   --size_;
+  // Numbers are given from 1 on; #0 is one that a file may have and that nobody gets.
   if (number != 0) smallestFree_ = std::min(smallestFree_, number);
   return true;
 }
@@ -134,6 +135,7 @@ void NumberTable::Iterator::Settle(Entry entry) {
   if (!entry) return;
   const Leaf* const leaf = table_->LeafOf(entry.number);
   if (leaf == nullptr || !leaf->IsDense()) return;
+  // `rest_` is 0 here, and stays 0 in a short list, whose entries are looked up one by one.
   slot_ = &leaf->Slots()[LowOf(entry.number)];
   rest_ = kLeafSize - 1 - LowOf(entry.number);
 }

@@ -46,7 +46,7 @@ class NumberTable {
     if (slot == nullptr) ++size_;
     slot = entity;
   }
-  // False when the number was not in use.
+  // False when the number was not in use. The entity itself stays: the table owns none.
   bool Remove(std::uint32_t number);
   void Clear();
   std::size_t Size() const { return size_; }
@@ -69,6 +69,7 @@ class NumberTable {
   Entry Next(std::uint32_t number) const {
     return number == 0xFFFFFFFFu ? Entry{} : AtOrAfter(number + 1);
   }
+  // The entry with the smallest number from `number` on. Looks at each leaf of a gap once.
   Entry AtOrAfter(std::uint32_t number) const;
 
  private:
@@ -102,7 +103,7 @@ class NumberTable {
    private:
     using Few = std::vector<Entry>;  // ascending
     static constexpr std::uintptr_t kFewTag = 1;
-    static constexpr std::size_t kMostOfFew = 32;
+    static constexpr std::size_t kMostOfFew = 32;  // 512 bytes, an eighth of the array
 
     Few* List() const { return reinterpret_cast<Few*>(word_ - kFewTag); }
     void MakeDense();

@@ -51,6 +51,7 @@ void ParentSet::Insert(IFC::IfcEntity* parent, ParentStore& store) {
   }
   Block* block = AsBlock();
   IFC::IfcEntity* const last = block->Members()[block->size - 1];
+  // An object that names a child several times comes several times in a row.
   if (last == parent) return;
   if (block->size == block->Capacity()) {
     Block* const larger = store.Take(block->sizeClass + 1u);

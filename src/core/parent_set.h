@@ -22,10 +22,13 @@ class ParentStore;
 class ParentSet {
  public:
   bool IsEmpty() const { return word_ == nullptr; }
+  // Sorts, as Members and Contains do, when something has come since the last look: n log n then.
   std::size_t Size() const { return Members().size(); }
   // In ascending order, each once. Void after the next Insert or Clear of this set.
   std::span<IFC::IfcEntity* const> Members() const;
   bool Contains(const IFC::IfcEntity* parent) const;
+  // Borrows `parent`, which is not null; once in, once more is no change. A block comes from
+  // `store`. Constant time on average.
   void Insert(IFC::IfcEntity* parent, ParentStore& store);
   // Gives the block back to `store`, which may be another one than it came from as long as the
   // store that it came from lives at least as long.

@@ -16,7 +16,10 @@ class ParentStore {
   ParentStore(const ParentStore&) = delete;
   ParentStore& operator=(const ParentStore&) = delete;
 
+  // Room for 2 << `sizeClass` members. Size and order of a block that is used again are what they
+  // were: the taker sets both. Throws std::bad_alloc.
   ParentSet::Block* Take(unsigned sizeClass);
+  // `block` may come from another store that lives as long as this one.
   void GiveBack(ParentSet::Block* block);
 
  private:

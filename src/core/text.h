@@ -29,7 +29,7 @@ inline WideString Widen(std::string_view bytes) {
   return wide;
 }
 
-// The low byte of each unit.
+// The low byte of each unit; for text that is known to be ASCII, or bytes made wide.
 inline std::string Narrow(WideView text) {
   std::string narrow;
   narrow.reserve(text.size());

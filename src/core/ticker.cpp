@@ -36,6 +36,7 @@ bool Ticker::SendDueTicks(std::size_t pieces) {
   while (pieces >= left_) {
     pieces -= left_;
     left_ = --ticksLeft_ > 0 ? block_ : kNever;
+    // A stage that has reached its maximum goes on ticking there, so that it can be cancelled.
     if (value_ < stage_.maximum) ++value_;
     if (!Tick(value_)) return false;
   }

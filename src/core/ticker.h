@@ -42,6 +42,7 @@ class Ticker {
     kUnlessEnding  // no question while the process is in CancelMode::kEndUnasked: it is a Yes
   };
 
+  // Copies what it is given, but for the text of the stage, which has to live as long.
   explicit Ticker(const Stage& stage, const TickSteps& steps = {}, Asking asking = Asking::kAlways);
 
   // Sends `value`, or the maximum of the stage if it is larger. False: the user pressed cancel and
