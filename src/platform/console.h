@@ -30,7 +30,7 @@ int TerminalColumns();
 // reads any more, or beyond the size that the system allows a file, fails from now on instead of
 // ending the process.
 void CatchInterrupts();
-// The flag is up.
+// The flag is up. Costs a load.
 bool IsInterrupted();
 // By what the process was asked to end, for people: "SIGTERM". Empty as long as it was not, or was
 // interrupted only, which leaves room for a question.
@@ -38,8 +38,8 @@ std::u16string_view RequestToEnd();
 // Takes the flag down: the user went back on an interrupt. A request to end cannot be undone.
 void ForgetInterrupt();
 
-// The file to remove when a second interrupt ends the process; empty: none. Windows keeps a file
-// that is still open.
+// The file to remove when a second interrupt ends the process; empty: none, and so is a path of
+// more than 4,095 bytes. Windows keeps a file that is still open.
 void SetUnfinishedFile(const std::u16string& path);
 
 }  // namespace platform

@@ -28,7 +28,8 @@ class File {
   File& operator=(File&& other) noexcept;
   ~File();
 
-  // False when it cannot be opened; folders cannot.
+  // Closes what was open. False when it cannot be opened; folders cannot, nor can a path with a NUL
+  // in it.
   bool Open(const std::u16string& path, OpenMode mode);
   bool IsOpen() const;
 
@@ -38,6 +39,7 @@ class File {
   std::size_t Write(const void* bytes, std::size_t count);
   // Offset from the start of the file, -1 when closed.
   std::int64_t Position() const;
+  // To an offset from the start, which may lie behind the end. False when closed, and for a pipe.
   bool Seek(std::int64_t offset);
   // Size in bytes, -1 when closed.
   std::int64_t Size() const;
@@ -45,9 +47,9 @@ class File {
   bool AtEnd() const { return atEnd_; }
   // True once a read came short for another reason than the end of the file.
   bool ReadFailed() const { return readFailed_; }
-  // Takes all bytes away; the position is 0 then.
+  // Takes all bytes away; the position is 0 then. False when the system refuses, or when closed.
   bool Empty();
-  // Hands everything to the disk. False when the system refuses.
+  // Hands everything to the disk, and waits for it. False when the system refuses.
   bool Sync();
   // False when the system reports a late write error. The file is closed in any case.
   bool Close();
@@ -66,6 +68,8 @@ bool RemoveFile(const std::u16string& path);
 // Anything but a folder.
 bool FileExists(const std::u16string& path);
 bool IsFolder(const std::u16string& path);
+// One folder in a folder that is there. False when it cannot be made, also when it is there
+// already.
 bool MakeFolder(const std::u16string& path);
 // A file of bytes, or a link to one: neither folder nor pipe nor device.
 bool IsOrdinaryFile(const std::u16string& path);

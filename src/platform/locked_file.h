@@ -17,9 +17,9 @@ enum class Claim {
   kRefused  // no ordinary file, or one that may not be written or made
 };
 
-// Opens `path` for reading and writing with its bytes as they are, makes it if it is missing, and
-// locks it until it is closed. Others may read it meanwhile. On Windows they can neither write nor
-// delete it; on other systems the lock keeps out those who claim it too.
+// Opens `path` for reading and writing at its start with its bytes as they are, makes it if it is
+// missing, and locks it until it is closed. Others may read it meanwhile. On Windows they can
+// neither write nor delete it; on other systems the lock keeps out those who claim it too.
 Claim ClaimFile(const std::u16string& path, File& file);
 
 // Removes a claimed file from `path`, and closes it. What stands at `path` in its stead by now

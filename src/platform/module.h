@@ -9,6 +9,7 @@ namespace platform {
 using ExportedFunction = void (*)();
 
 // The function that the main program, not this library, exports under `name`; null without one.
+// Good as long as the program runs.
 ExportedFunction FindInMainProgram(const char* name);
 
 // Full path of the library that holds this code, or of the program when it is linked into that.

@@ -27,7 +27,7 @@ struct PartOwner {
 std::u16string PartStem(std::u16string_view name, std::size_t longest,
                         std::size_t (*length)(std::u16string_view));
 
-// A name that is hardly ever given twice.
+// A name that is hardly ever given twice; whoever makes the file tries another one where it is.
 std::u16string PartName(std::u16string_view stem, std::uint32_t process, PartKind kind);
 
 // The name under which a complete file stays that could not be put into the place of `name`;

@@ -38,6 +38,7 @@ struct Guid {
   std::array<std::uint8_t, 8> data4{};
 };
 
+// Nothing throws but where it is said, and for lack of memory.
 class Platform {
  public:
   virtual ~Platform() = default;
@@ -56,14 +57,18 @@ class Platform {
   virtual std::uint64_t FreeSystemDiskBytes() = 0;
   // Nothing when the query fails.
   virtual std::optional<MemoryFigures> QueryMemory() = 0;
+  // All fields 0 when the system has no random bytes to give.
   virtual Guid NewGuid() = 0;
+  // From an arbitrary start that is fixed for the run; never goes back.
   virtual std::int64_t MonotonicNanoseconds() = 0;
+  // The year in full, months and days from 1, in the time zone of the machine.
   virtual LocalTime Now() = 0;
   // The character that `byte` (128..255) is in a code page (0: the system's default, Windows-1252
   // on POSIX systems); nothing when the page or the byte is unknown.
   virtual std::optional<char16_t> DecodeByte(unsigned codePage, std::uint8_t byte) = 0;
 };
 
+// What is in place; good until the next Replace.
 Platform& Get();
 
 // The system's own implementation, for those that override one operation only.
@@ -73,7 +78,8 @@ Platform& System();
 // gives what stood there. The caller keeps ownership.
 Platform* Replace(Platform* replacement);
 
-// Gives memory that has been freed back to the system where the C library would keep it.
+// Gives memory that has been freed back to the system where the C library would keep it. Costs as
+// much as there is: once behind a run, not once for each model.
 void ReturnFreeMemory();
 
 // What a yes/no box on the terminal answers unasked: kYes/kNo; nothing: ask on a terminal, and take

@@ -26,6 +26,7 @@ Dialogs CurrentDialogs();
 
 // Standard input and standard error are both a terminal.
 bool CanAskOnTerminal();
+// Line ends are the caller's. A failure is nobody's to hear of.
 void WriteStandardError(std::u16string_view text);
 // A line of standard input without its end; nothing at the end of the input, and when the process
 // is asked to end meanwhile (see RequestToEnd).

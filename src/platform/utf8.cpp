@@ -36,7 +36,7 @@ Decoded DecodeSequence(std::string_view text) {
     code = (code << 6) | (next & 0x3F);
   }
   const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-  if (code < least || code > 0x10FFFF || surrogate) return {};
+  if (code < least || code > 0x10FFFF || surrogate) return {};  // `least`: or it is overlong
   return {code, length};
 }
 

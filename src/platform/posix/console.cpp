@@ -45,7 +45,7 @@ void Catch(int signal, void (*handler)(int)) {
   if (::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = handler;
-  action.sa_flags = SA_RESTART;
+  action.sa_flags = SA_RESTART;  // calls of other libraries are not ready for EINTR
   ::sigemptyset(&action.sa_mask);
   ::sigaction(signal, &action, nullptr);
 }
@@ -105,6 +105,7 @@ std::u16string_view RequestToEnd() {
 void ForgetInterrupt() { interrupted = false; }
 
 void SetUnfinishedFile(const std::u16string& path) {
+  // Down first: a handler must not meet half a name.
   hasUnfinishedFile = false;
   const std::string name = ToUtf8(path);
   if (name.empty() || name.size() >= sizeof unfinishedFile) return;

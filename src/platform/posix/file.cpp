@@ -44,6 +44,7 @@ std::optional<struct stat> StatusOf(const std::u16string& path) {
   return status;
 }
 
+// A signal whose handler only raises a flag is no reason to fail.
 template <class Call>
 auto RetryInterrupted(Call call) {
   auto result = call();

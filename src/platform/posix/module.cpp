@@ -27,6 +27,7 @@ ExportedFunction FindInMainProgram(const char* name) {
   void* const program = ::dlopen(nullptr, RTLD_LAZY);
   if (program == nullptr) return nullptr;
   void* const address = ::dlsym(program, name);
+  // The program stays loaded, so the address stays good.
   ::dlclose(program);
   return reinterpret_cast<ExportedFunction>(address);
 }

@@ -37,6 +37,7 @@ class PosixPlatform final : public Platform {
     return OpenByShell(ToUtf8(target), ToUtf8(parameter));
   }
 
+  // Not from the arguments: who starts a program may call it as he likes.
   std::u16string ExecutablePath() override {
     std::error_code failure;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", failure);
