@@ -90,7 +90,7 @@ void CollectOptionalReferenceThroughValues(IFC::ChildQueue& queue, IFC::IfcEntit
 void CollectListThroughValues(IFC::ChildQueue& queue, const EntityList& list);
 void CollectOptionalListThroughValues(IFC::ChildQueue& queue, const EntityList& list, bool present);
 
-// True when no member is left that is not marked as deleted.
+// True when no member is left that is not marked as deleted, and of an empty list.
 bool NoneIsLive(const EntityList& list);
 
 }  // namespace corvel

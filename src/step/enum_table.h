@@ -24,7 +24,8 @@ struct EnumTable {
 
   // What a value becomes that cannot be read: the number of the last row.
   std::int32_t Fallback() const { return rows.back().number; }
-  // The row of an exact, case-sensitive match; null if there is none.
+  // The row of an exact, case-sensitive match; null if there is none. Compares the rows one by one,
+  // as ToText does.
   const EnumRow* FindByName(std::string_view text) const;
   // ".NAME.,", or "$," for a number that has no text.
   std::string_view ToText(std::int32_t number) const;

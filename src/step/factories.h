@@ -27,7 +27,8 @@ enum class SchemaNamespace {
   IFC4X4,
 };
 
-// Makes a blank object in `pool`.
+// Makes a blank object in `pool`, which owns it: marker 0, filed nowhere, every attribute at its
+// default. Throws std::bad_alloc.
 using EntityCreator = IFC::IfcEntity* (*)(MemoryPool& pool);
 
 struct FactoryRow {
@@ -64,7 +65,8 @@ struct FactoryTable {
   // What the same classes are, attribute for attribute (step/class_facts.h).
   const ReleaseClasses* classes = nullptr;
 
-  // Exact, case-sensitive. Null: no such class.
+  // Exact, case-sensitive, in constant time. Null: no such class. Rows live as long as the program,
+  // so that a row may stand for its class.
   const FactoryRow* FindRow(std::string_view name) const {
     for (std::uint64_t i = HashOfName(name) & mask;; i = (i + 1) & mask) {
       if (slots[i].name == name) return &slots[i];

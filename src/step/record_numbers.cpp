@@ -16,6 +16,7 @@ namespace corvel {
 
 namespace {
 
+// What the writer says, in memory. The keep-back is more than a writer ever takes back.
 class TextOutput final : public FileStream::BlockOutpoutStream {
  public:
   TextOutput() : BlockOutpoutStream(kBlockSize, kMaxReserve) {
@@ -52,6 +53,7 @@ class TextOutput final : public FileStream::BlockOutpoutStream {
   std::string text_;
 };
 
+// One window that holds everything.
 class TextInput final : public FileStream::InputStream {
  public:
   explicit TextInput(std::string text) : InputStream(u"", nullptr), text_(std::move(text)) {
@@ -84,6 +86,7 @@ std::optional<double> NumberIn(const Token& token) {
   const std::string text = token.Is(TokenType::WstringToken) ? Narrow(token.wide) : std::string();
   double number = 0.0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  // "inf" and "nan" are words of a text, and no numbers.
   return result.ec == std::errc() && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 

@@ -52,7 +52,7 @@ void IfcLog::Open(const WideString& path) {
     if (!stream_->IsOpen()) stream_->Reopen();
     return;
   }
-  if (heldBack_) return;
+  if (heldBack_) return;  // goes on with it, as with a file
   if (place_) return StartHeldBack();
   path_ = LogPathOf(path);
   auto stream = std::make_unique<FileStream::OutputLogFileStream>(path_);
@@ -82,6 +82,7 @@ std::string IfcLog::DateLine() {
 
 void IfcLog::KeepFile() {
   if (!heldBack_) return;
+  // Taken out first: a log that is refused its place is given up, and holds nothing back any more.
   const std::string bytes = *std::exchange(heldBack_, std::nullopt);
   const WideString path = FreeLogPath(place_->path);
   if (!MakeLogFile(path)) {

@@ -16,6 +16,7 @@
 
 namespace corvel {
 
+// For one thread, as everything in the engine.
 class IfcLog {
  public:
   // The process-wide log. Tests make their own.

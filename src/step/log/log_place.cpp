@@ -61,6 +61,7 @@ WideString FreeLogPath(const WideString& wanted) {
   return path;
 }
 
+// Appending makes a file and never empties one: what somebody puts there after the removal stays.
 bool MakeLogFile(const WideString& path) {
   if (platform::FileExists(path) && !platform::RemoveFile(path)) return false;
   platform::File file;

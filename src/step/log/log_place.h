@@ -18,6 +18,7 @@ struct LogPlace {
 // `wanted`, or the first of its numbered names ("x_IFC_LOG2.txt" for "x_IFC_LOG.txt") at which
 // nothing stands or an ordinary file that is a log already: it begins with the line of date and
 // time that every log begins with. Links, folders and devices are passed over as other files are.
+// Opens each file on the way. Makes none: another process may take the place meanwhile.
 WideString FreeLogPath(const WideString& wanted);
 
 // Makes an empty file at a path that FreeLogPath gave, in the place of the log that was there.

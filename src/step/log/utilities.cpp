@@ -123,6 +123,7 @@ void OpenLastFile(const WideString& folder, ErrorReporter showError) {
     return;
   }
   const WideString program = platform::Get().ExecutablePath().substr(0, kLongestPath);
+  // In quotes, as a command line wants a path with blanks.
   platform::Get().ShellOpen(program, u"\"" + path + u"\"");
 }
 

@@ -18,7 +18,8 @@ inline constexpr std::int64_t kLeastFreeDiskGB = 5;
 // error and in the log).
 std::uint32_t ReportMemory();
 
-// Where ReportMemory prints: standard output at first, null for nowhere.
+// Where ReportMemory prints: standard output at first, null for nowhere. Borrowed, and never
+// closed.
 std::FILE*& MemoryReportOutput();
 
 // Free space of the system disk in whole GiB. Throws std::filesystem::filesystem_error.
@@ -33,7 +34,8 @@ bool CheckDiskSpace();
 bool SaveLastPath(const WideString& folder, const WideString& path, ErrorReporter showError);
 
 // Starts the running program anew with the path that SaveLastPath remembered in `folder`, of which
-// 256 units are read. A path that is not there, or names no readable file, is reported with the key
+// 256 units are read; does not wait for it. A path that is not there, or names no readable file, is
+// reported with the key
 // "fail_to_open_last_created_file_message".
 void OpenLastFile(const WideString& folder, ErrorReporter showError);
 

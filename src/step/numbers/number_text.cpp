@@ -54,6 +54,7 @@ bool ParseShort(std::string_view text, double& value) {
     const char* at = decimal.end + 1;
     const bool negativePower = *at == '-';
     if (negativePower || *at == '+') ++at;
+    // Three digits of a power are enough for every double.
     if (at == end || end - at > 3) return false;
     int power = 0;
     for (; at != end && IsDigit(*at); ++at) power = power * 10 + (*at - '0');
@@ -124,6 +125,7 @@ std::int32_t ParseInteger(std::string_view text) {
   for (const char digit : text) {
     if (!IsDigit(digit)) break;
     value = value * 10 + (digit - '0');
+    // One more than fits without a sign, so that the smallest number fits with it.
     if (value > kMost) value = kMost;
   }
   if (negative) return static_cast<std::int32_t>(-value);
@@ -140,6 +142,7 @@ char* FormatUnsigned(std::uint32_t value, char* to) {
 
 char* FormatReal(double value, char* to) {
   if (value >= -2147483648.0 && value <= 2147483647.0) {
+    // A zero with a sign loses it here.
     const auto whole = static_cast<std::int32_t>(value);
     if (static_cast<double>(whole) == value) {
       to = FormatInteger(whole, to);
@@ -153,6 +156,7 @@ char* FormatReal(double value, char* to) {
   while (exponent != end && *exponent != 'e') ++exponent;
   if (exponent == end) return end;  // an infinity or no number at all
   char* mantissaEnd = exponent;
+  // Ends at the point at the latest, which stays: 2.E-05
   while (mantissaEnd[-1] == '0') --mantissaEnd;
   *exponent = 'E';
   while (exponent != end) *mantissaEnd++ = *exponent++;

@@ -8,7 +8,7 @@
 namespace corvel {
 
 // The longest prefix that is a decimal number, as the C library's atof takes it; 0 if there is
-// none. Out of range gives an infinity or 0.
+// none. Out of range gives an infinity or 0. Rounds to the nearest double.
 double ParseReal(std::string_view text);
 
 // An optional "-" and digits, cut to 32 bits. No digits give 0.

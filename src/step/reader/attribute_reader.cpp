@@ -13,7 +13,7 @@ namespace corvel {
 
 namespace {
 
-constexpr unsigned kDeepestValue = 1000;
+constexpr unsigned kDeepestValue = 1000;  // of typed values in one another; each takes stack
 
 // Tokens that end something: no reader takes them as a value.
 bool Ends(const Token& token) {
@@ -138,6 +138,7 @@ IFC::IfcEntity* ReadTypedValue(Parser& parser, std::string_view name, bool brack
   Scanner& scanner = *parser.scanner;
   const EntityCreator create = parser.factories->Find(name);
   if (create == nullptr) {
+    // A copy: the name goes as soon as the stream moves on.
     const WideString unknown = Widen(name);
     SkipBracket(scanner);
     if (bracket) TakeInRecord(scanner, ')');
@@ -178,6 +179,8 @@ IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
   // A bare number means a parameter value, which nothing can take: the record is unreadable.
   if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
   if (type == TokenType::IntegerDataTypeToken) {
+    // In the place of dimensional exponents an integer stands for new ones, all 0. They are filed
+    // nowhere, so that the writer gives them as `*`.
     if (const EntityCreator create = parser.factories->Find("IFCDIMENSIONALEXPONENTS")) {
       IFC::IfcEntity* const exponents = create(parser.Pool());
       if (admitted.Admits(exponents)) {
@@ -269,6 +272,7 @@ bool IsListEnd(Parser& parser) {
   if (parser.IsStopped()) return true;
   const char sign = parser.scanner->PeekSign();
   if (StartsValue(sign)) return false;
+  // Looking ahead may have stopped the scanner.
   return sign == ')' || Ends(*parser.scanner->PeekToken()) || parser.IsStopped();
 }
 

@@ -16,7 +16,8 @@ class HeaderReader {
  public:
   explicit HeaderReader(Scanner& scanner) : scanner_(scanner) {}
 
-  // Call with the word HEADER just taken. Takes everything up to and including "ENDSEC;".
+  // Call with the word HEADER just taken. Takes everything up to and including "ENDSEC;". Never
+  // null; the end of the input ends the section too.
   std::unique_ptr<HeaderToken> Read();
 
  private:

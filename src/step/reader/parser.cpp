@@ -139,7 +139,7 @@ bool Parser::ReadFile(int fileCount) {
   if (!ReadFirstPart()) return false;
   log.LogText(u"Done.\n");
   log.Flush();
-  scanner.reset();
+  scanner.reset();  // the input and its buffer, before the second pass takes one
   if (!ReadSecondPart(fileCount)) {
     if (state != ParserState::kFailed) state = ParserState::kCancelled;
     return false;
@@ -311,6 +311,7 @@ void Parser::TakeRestOfRecord() {
 // One unreadable record ends the whole read of the file.
 void Parser::FailRecord(std::uint32_t marker) {
   Stop();
+  // Stop has set the mode of an ending reading. The next file is asked about as ever.
   Cancellation::OfProcess().mode = CancelMode::kAsk;
   showError("",
             u"Unable to read entity, marker #" + ToWide(marker) + u". Parsing will be terminate.\n",
@@ -394,6 +395,7 @@ bool Parser::ReadRecordAgain(std::uint32_t marker) {
 // At each hundredth of the number range: a trace of where the reading is, and the disk guard.
 bool Parser::PassHundredths(std::uint32_t marker) {
   IfcLog& log = IfcLog::Instance();
+  // Rounded up: the number has come to that many hundredths, or beyond.
   while (hundredth_ < 101 && marker >= (hundredth_ * lastMarker_ + 99) / 100) {
     const LogUnmuted unmuted(log);
     log.LogReadingEntity(marker);

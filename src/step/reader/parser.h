@@ -42,16 +42,18 @@ struct UnreadableRecord {};
 
 class Parser {
  public:
-  // `ignoreEnumErrorsOption`: an unknown enumeration value is logged and replaced by the fallback.
+  // One parser reads one file. `ignoreEnumErrorsOption`: an unknown enumeration value is logged and
+  // replaced by the fallback. `reporter` is not null; `ticks` may be.
   Parser(bool ignoreEnumErrorsOption, ErrorReporter reporter, ProgressCallback ticks);
   ~Parser();
   Parser(const Parser&) = delete;
   Parser& operator=(const Parser&) = delete;
 
-  // Chooses the classes of the file. Call before ParseFile.
+  // Chooses the classes of the file; borrowed. Call before ParseFile.
   void SelectSchema(const FactoryTable& classes);
-  // The whole read. `fileCount`: files of the running merge, for the progress. The result tells
-  // whether parsing finished; `state` tells failure from cancellation.
+  // The whole read. `fileCount`: files of the running merge, at least 1, for the progress. The
+  // result tells whether parsing finished; `state` tells failure from cancellation. Failures have
+  // been reported; the container, if there is one, has what was read by then.
   bool ParseFile(const WideString& path, int fileCount);
 
   // Failed, cancelled, or the scanner has been stopped: every reader returns at once.
@@ -62,7 +64,8 @@ class Parser {
   // A reader gives up: asks whether to stop (unless nobody is to be asked, or the input has ended
   // anyway) and stops the scanner. True when the cancellation went ahead.
   bool Cancel();
-  // Reports "Expected: ... Got: ..." with the names of tokens as users see them.
+  // Reports "Expected: ... Got: ..." with the names of tokens as users see them. `mode`: one of
+  // those of a report. Gives what the reporter gives.
   int ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode);
 
   // Reads the attributes of `entity` behind its "(" under the guard that turns whatever goes wrong

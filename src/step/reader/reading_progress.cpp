@@ -9,7 +9,7 @@ namespace corvel {
 namespace {
 
 constexpr std::int64_t kNanoseconds = 50'000'000;
-constexpr std::int64_t kLongAgo = 1'000'000'000;
+constexpr std::int64_t kLongAgo = 1'000'000'000;  // so that the first look is not too soon
 constexpr std::int64_t kBytes = 0x10000;
 
 }  // namespace
@@ -38,6 +38,7 @@ bool ReadingProgress::LookAt(std::int64_t position) {
   const bool isKnown = totalBytes_ >= 1;
   percent_ = isKnown ? static_cast<int>(position * 100 / totalBytes_) : percent_ + 1;
   percent_ = std::clamp(percent_, 0, 100);
+  // The second pass has begun, and counts its own bytes.
   if (percent_ < lastPercent_) lastPercent_ = 0;
   const bool risen = percent_ > lastPercent_;
   const std::int64_t nextRise =

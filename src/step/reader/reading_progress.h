@@ -15,7 +15,8 @@ class ReadingProgress {
  public:
   // Forgets the reading before.
   void Start() { percent_ = lastPercent_ = 0; }
-  // A pass over `totalBytes` (below 1: not known) begins.
+  // A pass over `totalBytes` (below 1: not known) begins. Without a known size each look counts as
+  // a percent more.
   void StartPass(const Stage& stage, std::int64_t totalBytes);
   // `position`: bytes that the pass has taken, -1 without an input. False when the user pressed
   // cancel and meant it, or the process is in CancelMode::kEndUnasked. Most calls cost a

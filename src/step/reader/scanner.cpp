@@ -182,6 +182,7 @@ Token* Scanner::ReadNumber() {
     return token;
   }
   token->integer = ParseInteger(text);
+  // Up to nine digits the 32 bits hold all of it.
   token->real = text.size() < 10 ? token->integer : ParseReal(text);
   return token;
 }

@@ -38,7 +38,7 @@ class SkippedInput {
   void NoteSection(std::string_view name, std::int64_t offset);
 
   // One text a kind and section, with the places of `path`, which is looked into for the lines.
-  // Forgets everything.
+  // Forgets everything. Reads the file up to the last of the places, and not at all without one.
   std::vector<WideString> TakeTexts(const WideString& path);
 
  private:

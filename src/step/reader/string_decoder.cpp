@@ -137,7 +137,7 @@ class Decoder {
     Take();
     if (Peek() == '\\') {
       Take();
-      codePage_ = static_cast<unsigned>(page) + 28526u;
+      codePage_ = static_cast<unsigned>(page) + 28526u;  // 'A' gives 28591, which is ISO 8859-1
     } else {
       AddUnused('P');
       AddPlain(page);

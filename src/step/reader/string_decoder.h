@@ -9,7 +9,8 @@
 namespace corvel {
 
 // Call behind the opening quote. Appends the decoded text to `text` and takes the closing quote;
-// the end of the input ends the string too, and then the answer is false.
+// the end of the input ends the string too, and then the answer is false. Directives that mean
+// nothing are no failure: they are dropped, or stand as text.
 bool DecodeString(FileStream::InputStream& stream, WideString& text);
 // The same for nobody who wants the text. Throws away what the stream keeps of the statement.
 bool SkipString(FileStream::InputStream& stream);

@@ -30,7 +30,7 @@ struct WorkFile {
 // Opens the work file for `input`, which has been opened as `inputPath`, locked against other
 // readings. Whatever looks like a model keeps its place, and so does what another reading has
 // locked: the next number is taken then. Anything else in the way (no right to write, a folder, a
-// link, a pipe, a device) leaves `file` closed.
+// link, a pipe, a device) leaves `file` closed. Nothing is reported: the one who saves does that.
 WorkFile OpenWorkFile(const WideString& inputPath, const FileStream::InputStream& input,
                       const WorkFileRules& rules);
 

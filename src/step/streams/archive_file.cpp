@@ -115,6 +115,7 @@ void ArchiveFile::Write(const void* bytes, std::size_t count) {
     filePosition_ += written;
     failed_ = written != count;
   }
+  // Also for what is no longer written: offsets in the archive's own records go on counting.
   position_ += count;
 }
 

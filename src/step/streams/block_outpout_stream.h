@@ -20,6 +20,7 @@ class BlockOutpoutStream : public OutpoutStream {
   void FlushIfFull() override;
 
  protected:
+  // Bytes that a flush waits for, and bytes that stay behind it.
   BlockOutpoutStream(std::uint64_t blockSize, std::uint64_t keepBack)
       : blockSize_(blockSize), keepBack_(keepBack) {}
 

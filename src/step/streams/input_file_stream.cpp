@@ -69,6 +69,7 @@ int InputFileStream::PeekChar() {
   const std::size_t taken = ReadFile(&byte, 1);
   windowEndOffset_ -= static_cast<std::int64_t>(taken);
   if (taken == 0) return -1;
+  // The byte was read for a look only: the next window begins with it.
   file_.Seek(windowEndOffset_);
   return static_cast<signed char>(byte);
 }
@@ -80,6 +81,7 @@ std::size_t InputFileStream::Read(void* destination, std::size_t count) {
     const std::size_t wanted = count - copied;
     if (Cursor() == WindowEnd()) {
       if (endFound_) break;
+      // Two windows or more go past the buffer, which would only copy them.
       if (wanted / 2 >= capacity_) {
         const std::size_t taken = ReadFile(bytes + copied, wanted);
         endFound_ = taken < wanted;

@@ -27,8 +27,10 @@ class InputStream {
   // The next byte as a signed char, and moves on; refills when the window is used up. -1 at the end
   // of the data, 0 when the stream is closed.
   virtual int GetChar();
-  // Every byte delivered by GetChar or through the window since ClearStatementText.
+  // Every byte delivered by GetChar or through the window since ClearStatementText, as a copy. All
+  // of it is held in memory, so that long runs over the data clear it on the way.
   virtual std::string StatementText() const;
+  // Frees the buffers; again, does nothing. 0, or what the system or the library calls the failure.
   virtual int Close() = 0;
   virtual bool IsOpen() const = 0;
   // The buffer is used up and the last refill found the end of the data.
@@ -37,7 +39,7 @@ class InputStream {
   virtual std::int64_t Position() const = 0;
   // Moves to the next entry of an archive; -1 on a plain file.
   virtual int NextEntry() = 0;
-  // Size of the whole data, -1 when it cannot be told.
+  // Size of the whole data in bytes, -1 when it cannot be told. May look at the disk.
   virtual std::int64_t TotalSize() const = 0;
   // What came is not all that was written, or not as it was: the disk or the data's own checks say
   // so, or there was no memory to read it into. The stream has reported it.

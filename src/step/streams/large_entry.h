@@ -9,7 +9,7 @@ namespace FileStream {
 // for the mark of such sizes in an `unsigned long`, and where that has 64 bits it never finds it.
 // Where the current entry's sizes were left unread, this makes the library read them as they are,
 // as long as they fit into 32 bits; it changes nothing otherwise. False: the archive is damaged
-// there.
+// there. `file` is the one under `archive`, whose current entry has just been gone to.
 bool ReadSizesOfLargeEntry(unzFile archive, ArchiveFile& file);
 
 }  // namespace FileStream

@@ -27,6 +27,7 @@ class LineFeeds {
       count_ += static_cast<std::uint64_t>(std::count(begin, begin + size, '\n'));
       position_ += size;
       stream_.SetCursor(begin + size);
+      // Or all of the file would gather there.
       stream_.ClearStatementText();
     }
     return count_;

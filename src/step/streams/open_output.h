@@ -14,8 +14,9 @@ namespace FileStream {
 bool IsOutputName(const corvel::WideString& path);
 
 // The stream for the output at `path`: a plain file or an archive, as the ending wants it; null for
-// another ending. Writes to `file`, wherever that lies; names and messages follow `path`. With a
-// file that is not open, the stream is not open either, and has reported it: ask IsOpen.
+// another ending (see IsOutputName). Writes to `file`, wherever that lies; names and messages
+// follow `path`. With a file that is not open, the stream is not open either, and has reported it:
+// ask IsOpen.
 std::unique_ptr<OutpoutStream> OpenOutput(const corvel::WideString& path, platform::File file,
                                           corvel::ErrorReporter showError);
 

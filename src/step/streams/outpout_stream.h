@@ -21,7 +21,7 @@ class OutpoutStream {
   OutpoutStream(const OutpoutStream&) = delete;
   OutpoutStream& operator=(const OutpoutStream&) = delete;
 
-  // Writes a block straight to the file, past the buffer.
+  // Writes a block straight to the file, past the buffer and ahead of what stands in it.
   virtual void Write(const void* bytes, std::size_t count) = 0;
   // Writes what is due and closes. False when a write or the close failed (it has been reported).
   virtual bool Close() = 0;
@@ -60,7 +60,8 @@ class OutpoutStream {
   }
   // The byte in front of the position; something has been written.
   char LastByte() const { return window_[position_ - 1]; }
-  // MovePosition(-count) without the call, for bytes that are surely in the window.
+  // MovePosition(-count) without the call, for bytes that are surely in the window: the last
+  // keep-back bytes are.
   void StepBack(std::size_t count) { position_ -= count; }
 
  protected:

@@ -84,6 +84,7 @@ void OutputZipFileStream::Fail(const char16_t* message) {
 }
 
 void OutputZipFileStream::HandOver(const void* bytes, std::uint64_t count) {
+  // The library counts in 32 bits.
   constexpr std::uint64_t kLargestPart = std::uint64_t{1} << 30;
   const char* from = static_cast<const char*>(bytes);
   while (count != 0 && !failed_) {

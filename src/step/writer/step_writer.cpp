@@ -33,6 +33,7 @@ Outcome StepWriter::WriteFile() {
     return WriteAll();
   } catch (const std::exception& error) {
     showError_("", Widen(error.what()), kReportShow);
+    // A file that is at its place is one, even if the cleaning behind it has failed.
     return output_->IsComplete() ? Outcome::kComplete : EndEarly(Outcome::kFailed);
   }
 }
@@ -49,6 +50,7 @@ bool StepWriter::OpenStream() {
   stream_ = ownStream_.get();
   if (ownStream_->IsOpen() && model_.container != nullptr && model_.header != nullptr) return true;
   showError_("could_not_open_file_write", u"File path: " + path_, kReportShow);
+  // The output could be made, and there is no model to write: it goes again.
   if (ownStream_->IsOpen()) EndEarly(Outcome::kFailed);
   return false;
 }
@@ -118,6 +120,7 @@ Outcome StepWriter::WriteData() {
   IFC::MainContainer& container = *model_.container;
   Ticker ticker({.callback = progress_}, {.block = container.entities.Size() / kTicks + 1});
   ticker.Show(0);
+  // References are written by the markers of what they lead to, so all of them are set before.
   container.FillMarkers();
   for (const auto& [number, entity] : container.entities) {
     if (!WriteGuarded(*entity)) return Outcome::kFailed;

@@ -35,14 +35,16 @@ class StepWriter {
   // WriteFile chooses the stream by the ending of `path`; `showError` gets every failure once.
   StepWriter(ErrorReporter showError, ProgressCallback progress, ModelToWrite model,
              WideString path);
-  // For values and single lines: writes to a stream of the caller.
+  // For values and single lines: writes to a stream of the caller, which is borrowed. Not for
+  // WriteFile.
   explicit StepWriter(FileStream::OutpoutStream& stream);
   ~StepWriter();
   StepWriter(const StepWriter&) = delete;
   StepWriter& operator=(const StepWriter&) = delete;
 
-  // Complete: the output is at its place. Otherwise the path has what it had before, a file or
-  // none. Empties the lists of the header record, and leaves all markers 0.
+  // Once. Complete: the output is at its place. Otherwise the path has what it had before, a file
+  // or none, and a failure has been reported. Empties the lists of the header record, and leaves
+  // all markers 0.
   Outcome WriteFile();
   // Where the complete output lies when WriteFile failed because it could not be put at its place;
   // empty otherwise.
@@ -52,6 +54,8 @@ class StepWriter {
   void WriteEntityLine(const IFC::IfcEntity& entity);
 
   // --- Values ----------------------------------------------------------------------------------
+  // All of these, and WriteEntityLine, throw std::runtime_error when the stream cannot write. Texts
+  // and lists are borrowed for the call.
   void WriteText(const char16_t* text);  // 'text', encoded, up to the NUL
   void WriteGuid(const char* guid);      // as WriteText, each byte a character
   void WriteReal(double value);          // 3., 2.5E-05,

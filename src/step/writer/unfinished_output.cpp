@@ -24,6 +24,7 @@ bool IsDevice(const WideString& path) {
 }  // namespace
 
 WideString FollowLinks(const WideString& path) {
+  // As many as systems follow; links in a circle end there.
   constexpr int kLongestChain = 40;
   std::filesystem::path target = platform::NativePath(path);
   std::error_code failure;
@@ -50,6 +51,7 @@ platform::File UnfinishedOutput::Open() {
 
 bool UnfinishedOutput::Complete() {
   complete_ = isDevice_ || file_.Place();
+  // The work of an hour is not thrown away because another program has the target open.
   if (!complete_) keptAt_ = file_.Keep();
   return complete_;
 }

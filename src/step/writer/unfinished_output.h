@@ -7,7 +7,8 @@
 
 namespace corvel {
 
-// Where a path leads when the links at its end are followed, whether or not something is there.
+// Where a path leads when the links at its end are followed, whether or not something is there. Of
+// links in a circle it is one of them.
 WideString FollowLinks(const WideString& path);
 
 // The output at a path while it is written. What stood there before is untouched until Complete.

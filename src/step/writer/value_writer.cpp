@@ -176,6 +176,7 @@ void StepWriter::WriteEntityRefList(const EntityList& list) {
   bool any = false;
   for (const IFC::IfcEntity* const member : list) {
     if (WriteEntityRef(member)) {
+      // The `$,` of a deleted one.
       stream_->StepBack(2);
     } else {
       any = true;
