@@ -85,6 +85,7 @@ bool CompareOneUnit(IFC::ChildQueue& otherUnits, IFC::IfcEntity* unit, UnitMatch
   const WideString type = UnitTypeText(unit);
   const WideString name = wanted->getNameText();
   if (type.empty() || name.empty()) return true;
+  // On past those that are alike: a unit of the same type further in front may still differ.
   while (!otherUnits.IsEmpty()) {
     IFC::IfcEntity* const entity = otherUnits.TakeBack().entity;
     const auto* const other = EntityCast<IFC::VIfcSIUnit>(entity);

@@ -73,6 +73,7 @@ class Marking {
     Deletion deletion(container_);
     const Stage second = StageOf(5, second_);
     if (!DeleteParentsOfDeleted(container_, deletion, second)) return false;
+    // Behind the first step that deletes: which elements are gone is known from here on.
     if (!order_.deleteOpenings) RemoveOpeningsFromDeleteList(container_, order_.deletePairs);
     return MarkDependentsToDelete(container_, deletion, order_.deletePairs, second) &&
            RemoveUnsavedEntities(container_, deletion, StageOf(10, third_));

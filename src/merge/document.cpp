@@ -14,7 +14,7 @@ IfcDocument::IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, Progres
       progress_(progress),
       parser_(std::make_unique<Parser>(ignoreEnumErrors, showError, progress)) {}
 
-// Absorbed containers hold objects that this document's own container refers to.
+// Absorbed containers hold objects that this document's own container refers to, so they go last.
 IfcDocument::~IfcDocument() {
   parser_.reset();
   mainContainer.reset();
@@ -30,6 +30,7 @@ void IfcDocument::KeepWorkFileIn(WideString folder) {
 }
 
 int IfcDocument::OpenFile(const WideString& path, int share) {
+  // Also for a file that cannot be opened: reports name it.
   parser_->filePath = path;
   const SchemaOfFile schema = ReadSchemaOfFile(path, showError_);
   if (schema.damaged) parser_->state = ParserState::kFailed;
@@ -91,6 +92,7 @@ bool IfcDocument::MergeDocument(IfcDocument& source, unsigned mergeLevel, bool n
     if (mergeStatus == MergeStatus::kNotMerged) mergeStatus = MergeStatus::kFailed;
     return false;
   }
+  // Before the fold, so that what has moved over stays alive if the fold ends half way.
   absorbedContainers.push_back(std::move(source.mainContainer));
   return DocumentMerge(
              {*mainContainer, generatedGuids, parser_->guidIndex, mergeStatus, getFilePath()},

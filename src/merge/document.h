@@ -20,10 +20,16 @@ class Parser;
 struct HeaderToken;
 
 // Owns the parser, for its whole life, and after parsing the container. A merge moves the
-// container of a document to the one that it was folded into; the getters go on working.
+// container of a document to the one that it was folded into; the getters go on working. What they
+// give belongs to the document.
+//
+// An operation on the model needs the container: after OpenFile has given nonzero, and before the
+// document is folded into another. Failures are reported; what is thrown besides is a lack of
+// memory. Costs grow with the objects and their references, and with nothing faster.
 class IfcDocument {
  public:
   // `ignoreEnumErrors`: unknown enumeration values are logged and replaced, not asked about.
+  // `showError` is not null; `progress` may be.
   IfcDocument(bool ignoreEnumErrors, ErrorReporter showError, ProgressCallback progress);
   ~IfcDocument();
   IfcDocument(const IfcDocument&) = delete;
@@ -35,8 +41,8 @@ class IfcDocument {
   // The work file of the reading goes to `folder`, without a name, and is gone when the reading
   // ends. Without this call it lies beside the input and stays there. Call before OpenFile.
   void KeepWorkFileIn(WideString folder);
-  // Reads the whole file. `share`: number of documents of the run, for the progress. Nonzero on
-  // success; failures have been reported, and IsParsed and IsCancelled tell them apart.
+  // Reads the whole file, once. `share`: number of documents of the run, for the progress. Nonzero
+  // on success; failures have been reported, and IsParsed and IsCancelled tell them apart.
   int OpenFile(const WideString& path, int share);
   // The schema identifier of a file without reading its model; empty (reported) without a HEADER.
   WideString readSchemaIdentifier(const WideString& path);
@@ -45,7 +51,8 @@ class IfcDocument {
   // without a container.
   IFC::IfcEntity* CreateESet(std::string name);
   // Writes the model. 1: complete; 2: cancelled; 0: failed, and reported. In the last two cases the
-  // path has what it had before, a file or none; see `outputKeptAt`.
+  // path has what it had before, a file or none; see `outputKeptAt`. Throws nothing. All markers
+  // are 0 behind a complete one, and the lists of the header are empty.
   int SaveFile(const WideString& path);
 
   // Folds `source` into this document. `mergeLevel`: 0 merges no spatial objects by name, 1 sites,
@@ -78,6 +85,8 @@ class IfcDocument {
 
   // Marks all that hangs together with the project as saved. False (reported) without one.
   bool DeleteUnrelatedObjects();
+  // Marks as saved what hangs together with `entity`, which is not null, over its parents, or over
+  // what it refers to. The parents lists are filled.
   void VisitParentsAndSave(IFC::IfcEntity* entity);
   void VisitChildrenAndSave(IFC::IfcEntity* entity);
 

@@ -162,6 +162,7 @@ void DocumentMerge::ResolveCollision(IFC::IfcEntity* entity, IFC::IfcEntity* tar
 void DocumentMerge::AddWithNewGuid(IFC::IfcEntity* entity) {
   IFC::MainContainer& container = destination_.container;
   if (const char* const guid = container.CreateGUID()) {
+    // The members of a set stay where they are, so that entities may point into them.
     const std::string& kept = *destination_.generatedGuids.insert(guid).first;
     EntityCast<IFC::VirtualIfcRoot>(entity)->setGlobalId(kept.c_str());
   }

@@ -33,11 +33,12 @@ struct FoldTarget {
 // writer prints markers, all references then name the survivor.
 class DocumentMerge {
  public:
-  // `source` lives as long as the destination.
+  // All is borrowed; `source` lives as long as the destination, whose references lead into it.
   DocumentMerge(FoldTarget destination, IFC::MainContainer& source, WideString sourcePath,
                 ErrorReporter showError, ProgressCallback progress);
 
-  // As IfcDocument::MergeDocument.
+  // As IfcDocument::MergeDocument, once. Costs as much as the two models have references; what is
+  // known of the destination from the fold before is not found out again.
   bool Run(unsigned mergeLevel, bool nameAndGuid);
 
  private:

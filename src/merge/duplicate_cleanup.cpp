@@ -67,6 +67,7 @@ void DeleteDuplicatedParents(IFC::IfcEntity& entity) {
     if (IsDeleted(first)) continue;
     for (std::size_t j = i + 1; j < parents.size(); ++j) {
       IFC::IfcEntity& second = *parents[j];
+      // By address: a class has one name, and one address for it.
       if (IsDeleted(second) || first.getClassName() != second.getClassName()) continue;
       if (CoversChildrenOf(second, first)) second.marker = IFC::kDeleted;
     }
@@ -95,6 +96,7 @@ void CheckEntityForDuplicates(IFC::IfcEntity* entity) {
   for (IFC::IfcEntity* const parent : ParentsOf(*entity)) {
     if (IsDeleted(*parent) || WideView(parent->getClassName()) != u"IfcRelAggregates") continue;
     std::string key = KeyOfOthers(*parent, *entity);
+    // A relation that holds nothing else says nothing twice.
     if (!key.empty()) groups[std::move(key)].push_back(parent);
   }
   for (const auto& [key, relations] : groups) {

@@ -9,7 +9,8 @@ namespace corvel {
 
 // Among the parents of an entity that was folded onto another: marks as deleted each parent whose
 // class is that of an earlier parent and that covers all the children of that one. It may hold more
-// and goes all the same.
+// and goes all the same. The parents lists are filled, here and below. Compares the parents two by
+// two, and their children too.
 void DeleteDuplicatedParents(IFC::IfcEntity& entity);
 
 // Among the IfcRelAggregates that refer to `entity` (null: nothing happens): of those that

@@ -18,6 +18,7 @@ void SetGuidQuestion(GuidQuestion question) { installedQuestion = question; }
 int AskedGuidChoice() {
   int& choice = RememberedGuidChoice();
   if (choice == kAskAboutGuids) {
+    // Nobody to ask: with a new GUID nothing is lost.
     const bool generate = installedQuestion == nullptr || installedQuestion();
     choice = generate ? kGenerateGuids : kSkipSameGuids;
   }

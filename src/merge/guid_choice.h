@@ -9,11 +9,11 @@ inline constexpr int kAskAboutGuids = -1;
 inline constexpr int kSkipSameGuids = 0;
 inline constexpr int kGenerateGuids = 1;
 int& RememberedGuidChoice();
-// The choice, asked for if there is none yet.
+// The choice, asked for and remembered if there is none yet. The question may wait for the user.
 int AskedGuidChoice();
 
 // Asks the user for the choice: true means generate a new GUID. Installed by the shell; without one
-// the answer is generate.
+// the answer is generate. Null takes it away.
 using GuidQuestion = bool (*)();
 void SetGuidQuestion(GuidQuestion question);
 

@@ -49,17 +49,22 @@ struct CoordinateCenters {
   std::array<double, 3> second{};
 };
 
+// Every call goes out to the host, which takes its time: who needs something for many objects asks
+// once for all of them. Nothing throws but for lack of memory.
 class HostScene {
  public:
   virtual ~HostScene() = default;
 
+  // Of all projects, in the order of the host; empty where it does not tell.
   virtual std::vector<HostObject> AllObjects() = 0;
   // One record for each object; zeroed where the host does not tell. Projects fills `project`,
   // Infos everything else.
   virtual std::vector<ObjectInfo> Projects(const std::vector<HostObject>& objects) = 0;
   virtual std::vector<ObjectInfo> Infos(const std::vector<HostObject>& objects) = 0;
   virtual std::vector<ObjectState> States(const std::vector<HostObject>& objects) = 0;
+  // `visible`: a number of the host's as in ObjectState, of which 0 is hidden and 1 is shown.
   virtual void SetVisible(HostObject object, std::uint32_t visible) = 0;
+  // Has the host draw the scene anew when it comes to it.
   virtual void Redraw() = 0;
   // The file behind a project, or `archive|entry`; empty for a project that is not loaded.
   virtual WideString ProjectPath(HostObject project) = 0;

@@ -75,6 +75,7 @@ double Look(const IFC::IfcEntity* unitAssignment, const LengthTable& table,
             ErrorReporter showError) {
   IFC::ChildQueue units;
   if (unitAssignment != nullptr) unitAssignment->collectChildren(units);
+  // The queue is taken from its back: the last unit comes first.
   while (!units.IsEmpty()) {
     if (const auto factor = FactorOf(units.TakeBack().entity, table)) return *factor;
   }

@@ -13,6 +13,7 @@ namespace corvel {
 //
 // Of a foot the factor in the file is not read: its size is a constant that depends on what it is
 // made from, in the precision of a 32-bit float. Only a foot made from metres comes out as one.
+// Uses the visit stamps. `showError` is not null.
 double LengthUnitsPerMetre(const IFC::IfcEntity* unitAssignment, ErrorReporter showError);
 double MillimetresPerLengthUnit(const IFC::IfcEntity* unitAssignment, ErrorReporter showError);
 

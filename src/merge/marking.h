@@ -69,7 +69,7 @@ class Deletion {
   // later, so the steps look at these alone.
   const std::vector<Placed>& Undecided() const { return undecided_; }
 
-  // True also for an entity that never had a parent.
+  // All parents of the entity are deleted. True also for an entity that never had one.
   static bool IsOrphan(IFC::IfcEntity& entity);
 
   // Deletes the entity, saved or not.
@@ -96,9 +96,11 @@ class Deletion {
 // They look up objects by original number and skip numbers that the model does not have. Those with
 // a result give false when the user cancelled.
 
-// The objects and what they refer to directly.
+// Marks the objects as deleted, and what they refer to directly.
 void MarkEntitiesAndChildrenToDelete(IFC::MainContainer& container,
                                      const std::vector<MarkerPair>& deletePairs);
+// Marks as saved the objects, all that they refer to by whatever way, and the host's parents above
+// them with what these cannot do without. Takes back marks of the step before.
 void MarkEntitiesAndChildrenAndParentsToSave(IFC::MainContainer& container,
                                              const std::vector<MarkerPair>& savePairs,
                                              const std::vector<MarkerPair>& deletePairs);
@@ -108,12 +110,19 @@ bool DeleteUnrelatedObjects(IFC::MainContainer& container, const IFC::IfcEntity*
 // Everything that hangs together with `entity` over its parents, or over what it refers to.
 void VisitParentsAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity);
 void VisitChildrenAndSave(IFC::MainContainer& container, const IFC::IfcEntity& entity);
-// The last three share one Deletion and need the parents lists.
+// The rest need the parents lists; those that take a Deletion share one.
+//
+// Deletes what has lost a mandatory reference or the last member of a list that it lives on, until
+// nothing more has.
 bool DeleteParentsOfDeleted(IFC::MainContainer& container, Deletion& deletion, const Stage& stage);
+// Takes the openings out of the list of which the parent is not deleted.
 void RemoveOpeningsFromDeleteList(const IFC::MainContainer& container,
                                   std::vector<MarkerPair>& deletePairs);
+// Of the objects in the list: deletes the property relations none of whose objects is left, with
+// their sets, and the shapes of sites.
 bool MarkDependentsToDelete(IFC::MainContainer& container, Deletion& deletion,
                             const std::vector<MarkerPair>& deletePairs, const Stage& stage);
+// Deletes what is undecided and hangs together with nothing that is saved.
 bool RemoveUnsavedEntities(IFC::MainContainer& container, Deletion& deletion, const Stage& stage);
 // With a Deletion of its own. A silent stage costs a walk where nothing is undecided.
 bool RemoveUnsavedEntities(IFC::MainContainer& container, const Stage& stage);

@@ -17,6 +17,7 @@ IfcDocument* MergeDocuments(const std::vector<IfcDocument*>& documents, const Me
     IfcDocument& source = *documents[i];
     if (announce) announce(source);
     IfcLog::Instance().LogText(u"Merging " + FileNameOf(source.getFilePath()));
+    // One that fails leaves its mark in the status, which counts at the end.
     destination->MergeDocument(source, choices.mergeLevel, choices.nameAndGuid);
   }
   if (destination->mergeStatus != MergeStatus::kMerged) {

@@ -17,7 +17,8 @@ struct MergeChoices {
 
 // Folds every further document into the first and gives the first; null (logged) when its merge
 // status then is not "merged". `announce` is told each document before its turn and may be empty.
-// Documents that were folded in lose their container.
+// Documents that were folded in lose their container. Borrows all of them; at least one. A fold
+// that fails does not keep the next from its turn.
 IfcDocument* MergeDocuments(const std::vector<IfcDocument*>& documents, const MergeChoices& choices,
                             const std::function<void(const IfcDocument&)>& announce);
 

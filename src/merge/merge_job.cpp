@@ -102,6 +102,7 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
   projects_ = projects;
   files_.clear();
   outputKeptAt_.clear();
+  // In the order of the host's list: a set has that of the handles.
   for (const HostObject project : projects) {
     if (files.count(project) != 0) files_.push_back(project);
   }
@@ -217,6 +218,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight) {
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
   shell_.SetCurrentFile(path);
   Log(u"Procesing AdjustUnit");
+  // The first is what the others are measured by.
   if (&model != &models_.front()) AdjustUnit(model);
   Log(u"Applying projects offsets to file: " + path);
   if (!ApplyProjectOffsets(document, model.hostProject, scene_)) return false;

@@ -31,11 +31,13 @@ struct OutputSuggestion {
   WideString extension;  // of the first file, with its dot
 };
 
+// Called on the thread of the run alone. StartRun comes before OpenProgress and every report of
+// the run, FinishRun last.
 class MergeShell {
  public:
   virtual ~MergeShell() = default;
 
-  // The localised text of a key.
+  // The localised text of a key; what it is for an unknown one is the shell's affair.
   virtual WideString Text(const char* key) = 0;
   // A box with the error icon, or another of the flags of the system's message box.
   virtual void ShowBox(const WideString& caption, const WideString& text, unsigned flags) = 0;
@@ -43,15 +45,20 @@ class MergeShell {
   virtual bool AskForOutput(const OutputSuggestion& suggestion) = 0;
   // The answer to that.
   virtual WideString OutputPath() = 0;
+  // There is an output that the button for it may open.
   virtual void EnableOpenRecent() = 0;
   // Remembers the output for the button that opens it.
   virtual void RememberOutput(const WideString& path) = 0;
 
+  // As they are now: the user may change them while a run asks.
   virtual MergeOptions Options() = 0;
+  // Keeps them for the next start of the program.
   virtual void SaveOptions() = 0;
+  // Takes the window off the screen, if it is open.
   virtual void HideOptionsWindow() = 0;
 
-  // The reporter and the ticks that models and their merge are given.
+  // The reporter and the ticks that models and their merge are given. Neither is null; both may
+  // wait for the user.
   virtual ErrorReporter Reporter() = 0;
   virtual ProgressCallback Ticks() = 0;
 
@@ -62,6 +69,7 @@ class MergeShell {
   virtual void StartRun() = 0;
   // Closes the progress dialog, ends the log and offers it if something was reported.
   virtual void FinishRun() = 0;
+  // Before the first tick.
   virtual void OpenProgress(const WideString& title) = 0;
   virtual void SetOverallText(const WideString& text) = 0;
   virtual void SetCurrentText(const WideString& text) = 0;
@@ -71,6 +79,7 @@ class MergeShell {
   virtual void StartStage(int weight) = 0;
   // The same with all that is left.
   virtual void StartLastStage() = 0;
+  // Texts and stages as at the start; the dialog stays open.
   virtual void ResetProgress() = 0;
 };
 

@@ -7,7 +7,8 @@
 namespace corvel {
 
 // Hands the parents of `entity` to `target`: they become members of its `mergedParents`, and all of
-// those become members of its `parents`.
+// those become members of its `parents`. `store` is that of the container which `target` is in. The
+// caller tells the container (NoteChangedReferences).
 inline void MergeParents(const IFC::IfcEntity& entity, IFC::IfcEntity& target, ParentStore& store) {
   for (IFC::IfcEntity* const parent : entity.parents.Members()) {
     target.mergedParents.Insert(parent, store);

@@ -83,6 +83,7 @@ std::vector<MarkerPair> ObjectSelection::ToMarkerPairs(const std::vector<HostObj
   std::vector<HostObject> parents;
   for (const ObjectInfo& info : scene_.Infos(objects)) {
     if (info.number == 0) continue;
+    // The parent's number follows, asked for once for all.
     pairs.push_back({info.number, 0});
     parents.push_back(info.parent);
   }

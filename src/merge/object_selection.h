@@ -14,9 +14,11 @@ namespace corvel {
 // Which objects count: the active ones, those of them that are visible, or the selected ones.
 enum class SavingMode : std::uint32_t { kMergeActive = 0, kMergeVisible = 1, kMergeSelected = 2 };
 
-// Nothing is kept between calls: the scene is read at the moment of each.
+// Nothing is kept between calls: the scene is read at the moment of each, which costs a look at all
+// objects of the host.
 class ObjectSelection {
  public:
+  // Borrowed.
   explicit ObjectSelection(HostScene& scene) : scene_(scene) {}
 
   // The projects with an object that counts. None for a value that is no mode.

@@ -66,6 +66,7 @@ class Passes {
     ticks_.StartPass();
     while (!thisPass_.empty()) {
       IFC::IfcEntity* const entity = thisPass_.top();
+      // As often as it was put in.
       while (!thisPass_.empty() && thisPass_.top() == entity) thisPass_.pop();
       if (!ticks_.UpTo(PlaceOf(*entity))) return false;
       LookAt(*entity);
@@ -87,6 +88,7 @@ class Passes {
   void LookAgainAtParentsOf(const IFC::IfcEntity& entity) {
     for (IFC::IfcEntity* const parent : entity.parents.Members()) {
       if (!IsUndecided(*parent)) continue;
+      // Ahead of this pass it has its turn still; behind it waits for the next.
       (PlaceOf(*parent) > PlaceOf(entity) ? thisPass_ : nextPass_).push(parent);
     }
   }

@@ -172,6 +172,8 @@ void ProductMove::MoveTopAbove(VirtualLocalPlacement& placement) {
     }
     at = next;
   }
+  // Met on this way, `at` closes a circle; met on an earlier one, it has had its turn,
+  // and nothing is found.
   const auto circle = std::find(way_.begin(), way_.end(), at);
   closedCircles_.insert(circle, way_.end());
   if (closedCircles_.count(at) != 0) MoveCircle(*at);

@@ -8,7 +8,7 @@ namespace corvel {
 
 // The text of a file without its dots and commas, as users see it: "MILLI" for ".MILLI.,".
 WideString WithoutDotsAndCommas(WideView text);
-// True when both are the same without them.
+// True when both are the same without them; case counts.
 bool ComparePrefixes(WideView a, WideView b);
 
 // ".LENGTHUNIT.,"; empty for what is no named unit, null included.

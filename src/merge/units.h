@@ -12,7 +12,8 @@ namespace corvel {
 // Measures every later model by the first: sets unitsValid, schemaValid, mergeable and
 // unitDifferences of each. Another prefix (millimetres for metres) is let pass by the option
 // ignoreUnits, another unit never is. What is left out is told in one report. Changes no entity.
-// Gives the number of models that take part, the first included; 0 with fewer than two.
+// Gives the number of models that take part, the first included; 0 with fewer than two. All models
+// have been read.
 int CheckUnits(std::vector<RunModel>& models, MergeShell& shell);
 
 // Deletes the units in which `model` differs, up to the first that is no length in kilometres,

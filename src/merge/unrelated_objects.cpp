@@ -23,6 +23,7 @@ class Visitor {
   void Spread() {
     while (!open_.IsEmpty()) {
       IFC::IfcEntity* const entity = open_.TakeBack().entity;
+      // Never taken back: both visits of a model share what they have seen.
       if (entity == nullptr || entity->visited) continue;
       entity->visited = true;
       entity->marker = IFC::kToSave;
