@@ -9,7 +9,8 @@
 namespace corvel::host {
 
 // Runs the command that the arguments name (those behind the program's own name). Results go to
-// standard output, everything else to standard error.
+// standard output, everything else to standard error. Once per process: the merge and the resave
+// load the plug-in and catch interrupts. Throws what nobody foresees.
 ExitStatus RunCommand(const std::vector<WideString>& arguments);
 
 }  // namespace corvel::host

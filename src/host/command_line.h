@@ -37,7 +37,8 @@ struct UsageError {
   WideString text;
 };
 
-// `arguments`: those behind the program's own name.
+// `arguments`: those behind the program's own name. Touches no file; everything that is wrong with
+// the words alone is told here.
 std::variant<CommandLine, Explanation, UsageError> ParseCommandLine(
     const std::vector<WideString>& arguments);
 

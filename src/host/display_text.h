@@ -15,8 +15,8 @@ WideString Printable(WideView text, bool keepLines = false);
 // 0 for accents that combine with the letter before.
 std::size_t ColumnsOf(WideView text);
 
-// The text cut or filled up with blanks to exactly `columns`. A cut is marked by "...", and what
-// stays is the end of the text: that is where a path has its name.
+// The printable text cut or filled up with blanks to exactly `columns`. A cut is marked by "...",
+// and what stays is the end of the text: that is where a path has its name.
 WideString FitToColumns(WideView text, std::size_t columns);
 
 // What stands behind the last separator of a path.

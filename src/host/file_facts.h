@@ -32,8 +32,9 @@ inline constexpr char kComplexInstance[] = "(complex)";
 // A record whose name is missing or no word.
 inline constexpr char kNamelessInstance[] = "(nameless)";
 
-// One pass over the file. Records are told apart only, so that it works on classes that no release
-// knows; what stands inside of a record is not looked at.
+// One pass over the file, in constant memory but for the names of classes. Records are told apart
+// only, so that it works on classes that no release knows; what stands inside of a record is not
+// looked at. Nothing is reported: trouble stands among the problems.
 FileFacts ReadFacts(const WideString& path);
 
 }  // namespace corvel::host

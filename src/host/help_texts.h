@@ -6,6 +6,8 @@
 
 namespace corvel::host {
 
+// Lines of 80 columns at most, for people, with a line feed behind the last. Good as long as the
+// program.
 WideView GeneralHelp();
 WideView HelpOf(Command command);
 // "corvel 1.2.3" and a line feed.

@@ -55,6 +55,7 @@ WideString ClassLines(const FileFacts& facts) {
 WideString FactsAsText(const FileFacts& facts) {
   WideString text = Printable(facts.path) + u"\n";
   text += Line(u"size in bytes", Widen(std::to_string(facts.bytes)));
+  // No STEP file: the problems tell what it is.
   if (facts.header == nullptr) return text;
   text += HeaderLines(*facts.header);
   text += Line(u"schema", facts.schema ? Widen(NameOf(*facts.schema)) : WideString(u"none"));

@@ -28,7 +28,7 @@ struct MapConversion {
 
 // The model has been read.
 LengthUnit LengthUnitOf(const IfcDocument& document);
-// The first of the file; nothing without one.
+// The first of the file; nothing without one. Looks at each object until it is found.
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document);
 
 // True when coordinates in the two units mean different things, or might.

@@ -34,7 +34,8 @@ class ModelRun {
   // Borrows `console`.
   ModelRun(ModelOrder order, RunConsole& console);
 
-  // Nothing of the models is in memory afterwards.
+  // Once. Refusals, reports and the end are told on the console, each once. Nothing of the models
+  // is in memory afterwards. Throws what nobody foresees.
   ExitStatus Run();
 
  private:

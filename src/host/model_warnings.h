@@ -11,7 +11,8 @@ namespace corvel::host {
 
 // Lines about the later models of a run, each measured by the first one: which option would let a
 // model pass that was left out for its units; a length unit of another size; another map
-// conversion. Nothing is changed, and none of it is an error. The models have been compared.
+// conversion. Nothing is changed, and none of it is an error. The models have been compared. Looks
+// at each object of a model once.
 std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models);
 
 }  // namespace corvel::host

@@ -10,7 +10,8 @@
 namespace corvel::host {
 
 // Least number of insertions, deletions, replacements and swaps of two neighbours that turn one
-// word into the other, no letter being touched twice. Bytes count, and so does case.
+// word into the other, no letter being touched twice. Bytes count, and so does case. Costs the
+// product of the lengths.
 std::size_t EditDistance(std::string_view from, std::string_view to);
 
 // The name that `word` may have been meant for: the one with the least distance, the earliest of

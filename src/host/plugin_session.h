@@ -18,6 +18,7 @@ class PluginSession {
   PluginSession(const PluginSession&) = delete;
   PluginSession& operator=(const PluginSession&) = delete;
 
+  // Good as long as the session.
   plugin::Plugin& ThePlugin() const { return *plugin::Plugin::Instance(); }
 };
 

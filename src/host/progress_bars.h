@@ -30,7 +30,9 @@ class ProgressBars {
   ProgressBars(const ProgressBars&) = delete;
   ProgressBars& operator=(const ProgressBars&) = delete;
 
+  // Writes nothing when the bars would look the same.
   void Draw(const ProgressView& view);
+  // Does nothing when there are no bars.
   void Erase();
 
  private:

@@ -99,6 +99,7 @@ std::optional<WideString> Told(const char16_t* trouble) {
 std::optional<WideString> TroubleWithInput(const WideString& path) {
   if (path.empty()) return u"the name of an input is empty";
   const WideString file = FileOf(path);
+  // What is there comes before what it is called: who names a folder has made another mistake.
   if (auto told = Told(TroubleWithInputType(file))) return told;
   if (auto told = Told(TroubleWithName(path))) return told;
   if (auto told = Told(TroubleWithContent(file))) return told;

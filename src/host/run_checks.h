@@ -12,8 +12,9 @@ namespace corvel::host {
 // byte. Devices and pipes are refused: a model is read more than once.
 std::optional<WideString> TroubleWithInput(const WideString& path);
 
-// The reason why the output cannot be written; nothing when it can. An output that is there already
-// is left alone here, and one that could be made is not left behind.
+// The reason why the output cannot be written; nothing when it can. What it finds may be otherwise
+// a moment later, which the run then reports. An output that is there already is left alone here,
+// and one that could be made is not left behind.
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs);
 

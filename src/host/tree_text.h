@@ -8,7 +8,7 @@
 
 namespace corvel::host {
 
-// Takes text piece by piece; false: nobody wants any more.
+// Takes text piece by piece, which is borrowed; false: nobody wants any more.
 using TextSink = std::function<bool(WideView)>;
 
 // A line for each object: its number, class, GUID ("-" for none) and name, below its parent and

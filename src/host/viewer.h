@@ -41,7 +41,7 @@ class Viewer {
   ViewerScene& Scene() { return scene_; }
   const WideString& Output() const { return output_; }
 
-  // False when the file cannot be read.
+  // False when the file cannot be read; the texts are then those of before.
   bool LoadTexts(const WideString& path);
   // The text of a key; the key itself without one. It stays valid as long as the viewer lives.
   const char16_t* Text(std::string_view key);
@@ -51,6 +51,7 @@ class Viewer {
   // False: the user wants to stop.
   bool UpdateProgress(const ProgressView& view);
 
+  // The id of the new button, from 1 on. `click` may be null: a button that only opens others.
   std::int32_t CreateButton(plugin::HostCallback click);
   void EnableButton(std::int32_t button, bool enabled);
   std::int32_t ClickedButton() const { return clickedButton_; }

@@ -131,6 +131,7 @@ CORVEL_EXPORT const char16_t* get_text(HostHandle, const char* key) {
 
 CORVEL_EXPORT std::int32_t create_sub_button(HostHandle, std::int32_t /*group*/,
                                              std::int32_t /*one*/) {
+  // It only opens the entries below it.
   return Viewer::Instance()->CreateButton(nullptr);
 }
 

@@ -41,6 +41,7 @@ ViewerScene::ViewerScene(std::vector<LoadedModel> models, const Point& centerMet
   for (LoadedModel& model : models) {
     model.flags.resize(model.scene.objects.size());
     const bool hasProjectsOnly = HasProjectsOnly(model.scene);
+    // One that stands for a model without any.
     const std::size_t count = std::max<std::size_t>(model.scene.objects.size(), 1);
     entries_.push_back({std::move(model), hasProjectsOnly, {}});
     for (std::size_t i = 0; i < count; ++i) objects_.push_back(HandleOf(entries_.size(), i));

@@ -7,7 +7,8 @@
 namespace corvel::plugin {
 
 // Finds the viewer's functions, once per process, and makes the one Plugin. A second call without a
-// Detach between does nothing.
+// Detach between does nothing. Called by the system's loader, which holds its lock meanwhile: to be
+// kept short.
 void Attach(HostLookup lookup);
 // Destroys the Plugin; does nothing without one.
 void Detach();

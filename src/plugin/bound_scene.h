@@ -7,6 +7,7 @@
 
 namespace corvel::plugin {
 
+// Keeps nothing itself. A function that the viewer lacks gives an empty answer.
 class BoundScene final : public HostScene {
  public:
   std::vector<HostObject> AllObjects() override;

@@ -39,6 +39,7 @@ bool OnPluginMessage(std::uint64_t first, std::uint64_t second) {
 }  // namespace
 
 void OnButtonClick() {
+  // Asked at once: while the event runs the user may click another.
   const std::int32_t button = CallHost(Host().clicked_button);
   Deliver([=](Plugin& plugin) { plugin.OnButtonClick(button); });
 }

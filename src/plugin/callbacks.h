@@ -7,6 +7,7 @@
 
 namespace corvel::plugin::callbacks {
 
+// For every button of ours; asks the viewer which one was clicked.
 void OnButtonClick();
 
 // Registers every event but those of models, in the order of the interface.

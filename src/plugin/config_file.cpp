@@ -31,6 +31,7 @@ std::int32_t ToNumber(std::string_view line) {
   while (!line.empty() && std::isspace(static_cast<unsigned char>(line.front())) != 0) {
     line.remove_prefix(1);
   }
+  // from_chars knows no plus, and would take the minus behind one.
   const bool hasPlus = line.size() > 1 && line[0] == '+' && line[1] != '-';
   if (hasPlus) line.remove_prefix(1);
   std::int32_t value = 0;
@@ -123,6 +124,7 @@ ConfigReading ReadConfig(const WideString& path, PluginConfig& config, bool& com
     return ConfigReading::kRead;
   } catch (const std::exception& error) {
     TellError(u"Unable to read", path, error);
+    // The last line, which stands behind the one that was refused, was never read.
     const bool deleteOpenings = config.options.deleteOpenings;
     config.options = {false, false, false, false, deleteOpenings};
     config.position = kFallbackPosition;

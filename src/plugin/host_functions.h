@@ -28,10 +28,11 @@ struct HostFunctions {
 using HostAddress = void (*)();
 using HostLookup = HostAddress (*)(const char* name);
 
-// Looks up every name once and keeps what is called.
+// Looks up every name once, in the order that a viewer may watch, and keeps what is called.
 HostFunctions BindHostFunctions(HostLookup lookup);
 
-// The bound functions of this process; all null before the library was attached.
+// The bound functions of this process; all null before the library was attached. To be called on
+// the viewer's user-interface thread.
 HostFunctions& Host();
 // The handle given to on_plugin_load; 0 before.
 HostHandle& TheHostHandle();

@@ -35,7 +35,9 @@ using OptionsTexts = std::array<WideString, kOptionsTextCount>;
 // their own have the fields alone.
 class OptionsWindow {
  public:
+  // Makes no window yet.
   explicit OptionsWindow(OptionsTexts texts);
+  // Closes an open window, whose Show comes back in its own time.
   ~OptionsWindow();
   OptionsWindow(const OptionsWindow&) = delete;
   OptionsWindow& operator=(const OptionsWindow&) = delete;

@@ -201,6 +201,7 @@ void Plugin::OnModelLoad() {
     if (projectPaths_.count(project) == 0) projects_.push_back(project);
     projectPaths_[project] = TextOrEmpty(CallHost(Host().get_project_path, project));
   }
+  // The first model of a scene: no number of an earlier one is in use any more.
   if (projects_.size() == 1) IFC::MainContainer::ResetUniqueMarker();
   ribbon_.EnableForModels(HasObjects());
 }

@@ -46,8 +46,9 @@ class Plugin final : public cpp::PluginBase {
   // remembered.
   bool GeneratesGuids();
   const Ribbon& Buttons() const { return ribbon_; }
+  // Writes config.txt, if there is something to write. Trouble is told in a box.
   void SaveConfig();
-  // How the last run ended.
+  // How the last run ended; as it is made when there was none.
   const RunResult& LastRun() const { return lastRun_; }
 
  private:

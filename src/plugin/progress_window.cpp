@@ -24,6 +24,7 @@ void ShowDialog(std::int32_t visible, const WideString& title) {
 // False: the user pressed cancel.
 bool UpdateDialog(int overall, const WideString& overallText, int current,
                   const WideString& currentText) {
+  // A viewer without bars has no cancel button either, and a missing answer would be one.
   if (Host().update_progress_bar == nullptr) return true;
   return CallHost(Host().update_progress_bar, overall, overallText.c_str(), current,
                   currentText.c_str()) != 0;

@@ -8,6 +8,7 @@
 
 namespace corvel::plugin {
 
+// For the viewer's user-interface thread alone.
 class ProgressWindow {
  public:
   // The engine's ticks are calls of a plain function, so there is one window.

@@ -10,7 +10,8 @@ namespace corvel::plugin {
 
 class Ribbon {
  public:
-  // Builds the group; images lie in `dataFolder`. `click` is what the buttons call.
+  // Builds the group; images lie in `dataFolder`, which ends in a separator. `click` is what the
+  // buttons call. Where the viewer makes no buttons, their ids are 0.
   void Build(const WideString& dataFolder, HostCallback click);
   // The buttons that need a model; the options need none.
   void EnableForModels(bool enabled) const;

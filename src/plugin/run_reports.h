@@ -14,7 +14,7 @@ int ShowError(const char* key, const WideString& message, int mode);
 void StartRun();
 
 // Closes the progress dialog and the log. If anything was reported, the user is asked whether to
-// see the log, and it stays either way; otherwise it is deleted.
+// see the log, and it stays either way; otherwise it is deleted. Waits for the answer.
 void FinishRun();
 
 // True when something was reported since the last StartRun or FinishRun.

@@ -49,6 +49,7 @@ void TestCommand(const WideString& path, const WideString& userFolder, bool igno
   } catch (...) {
     ShowError("", u"Unknown error occurred while processing file: " + path, kReportShow);
   }
+  // Before the user is asked about the log, which may take a while.
   platform::ReturnFreeMemory();
   FinishRun();
 }

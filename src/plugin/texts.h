@@ -9,7 +9,8 @@ namespace corvel::plugin {
 // or the English one if there is none.
 void LoadTexts(const WideString& dataFolder);
 
-// The text of a key; empty when the viewer has no texts to give.
+// The text of a key, as a copy; empty when the viewer has no texts to give. What stands for an
+// unknown key is the viewer's affair.
 WideString GetText(const char* key);
 
 }  // namespace corvel::plugin
