@@ -180,7 +180,7 @@ IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
   if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
   if (type == TokenType::IntegerDataTypeToken) {
     // In the place of dimensional exponents an integer stands for new ones, all 0. They are filed
-    // nowhere, so that the writer gives them as `*`.
+    // nowhere and have no number, under which the writer could refer to them.
     if (const EntityCreator create = parser.factories->Find("IFCDIMENSIONALEXPONENTS")) {
       IFC::IfcEntity* const exponents = create(parser.Pool());
       if (admitted.Admits(exponents)) {
