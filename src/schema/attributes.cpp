@@ -1,7 +1,6 @@
 #include "schema/attributes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -15,21 +14,8 @@ namespace attribute_detail {
 
 namespace {
 
-template <class T>
-T& At(std::byte* object, const AttributeFacts& facts) {
-  return *reinterpret_cast<T*>(object + facts.offset);
-}
-template <class T>
-const T& At(const std::byte* object, const AttributeFacts& facts) {
-  return *reinterpret_cast<const T*>(object + facts.offset);
-}
-
 bool& FlagAt(std::byte* object, const AttributeFacts& facts) {
   return *reinterpret_cast<bool*>(object + facts.flagOffset);
-}
-
-bool IsMarkedAbsent(const std::byte* object, const AttributeFacts& facts) {
-  return facts.IsOptional() && !*reinterpret_cast<const bool*>(object + facts.flagOffset);
 }
 
 const EnumRow* RowOf(const EnumTable& table, std::int32_t number) {
@@ -38,33 +24,28 @@ const EnumRow* RowOf(const EnumTable& table, std::int32_t number) {
   return row == table.rows.end() ? nullptr : &*row;
 }
 
-// The value that `read` leaves where the file has none.
-void StoreDefault(std::byte* object, const AttributeFacts& facts) {
-  if (facts.depth > 0) {
-    // All lists are alike but for their members, of which there are none to be touched.
-    static_assert(sizeof(EntityList) == sizeof(List<EntityList>));
-    facts.depth == 1 ? At<EntityList>(object, facts).Clear()
-                     : At<List<EntityList>>(object, facts).Clear();
-    return;
-  }
-  switch (facts.kind) {
-    case ValueKind::kReference:
-    case ValueKind::kSelect: At<IFC::IfcEntity*>(object, facts) = nullptr; return;
-    case ValueKind::kReal:
-    case ValueKind::kNumber: At<double>(object, facts) = 0.0; return;
-    case ValueKind::kInteger:
-    case ValueKind::kBinary: At<std::int32_t>(object, facts) = 0; return;
-    case ValueKind::kText: At<const char16_t*>(object, facts) = kEmptyWide; return;
-    case ValueKind::kGuid: At<const char*>(object, facts) = kEmptyNarrow; return;
-    case ValueKind::kBoolean:
-    case ValueKind::kLogical:
-    case ValueKind::kEnumeration:
-      At<std::int32_t>(object, facts) = facts.Values()->Fallback();
-      return;
-  }
-}
+// Makes a member what `read` leaves where the file has no value.
+class MakeDefault {
+ public:
+  explicit MakeDefault(const AttributeFacts& facts) : values_(facts.Values()) {}
 
-// One `if` for each depth that a kind has; the writer knows the rest.
+  void operator()(IFC::IfcEntity*& reference) const { reference = nullptr; }
+  void operator()(double& real) const { real = 0.0; }
+  void operator()(std::int32_t& number) const {
+    number = values_ == nullptr ? 0 : values_->Fallback();
+  }
+  void operator()(const char16_t*& text) const { text = kEmptyWide; }
+  void operator()(const char*& guid) const { guid = kEmptyNarrow; }
+  template <class T>
+  void operator()(List<T>& list) const {
+    list.Clear();
+  }
+
+ private:
+  const EnumTable* values_;
+};
+
+// The writer's own operations for each kind and depth that a class may hold.
 class ValueOnItsWay {
  public:
   ValueOnItsWay(const std::byte* object, const AttributeFacts& facts, StepWriter& writer)
@@ -151,17 +132,11 @@ bool MayBe(const AttributeFacts& /*facts*/, const char* value) { return value !=
 
 bool MayBe(const AttributeFacts& facts, IFC::IfcEntity* value) { return facts.Admits(value); }
 
-AttributeState StateOf(const std::byte* object, const AttributeFacts& facts) {
-  if (IsMarkedAbsent(object, facts)) return AttributeState::kAbsent;
-  const bool leadsNowhere =
-      facts.depth == 0 && Refers(facts.kind) && At<IFC::IfcEntity*>(object, facts) == nullptr;
-  return leadsNowhere ? AttributeState::kDerived : AttributeState::kValue;
-}
-
 bool Clear(std::byte* object, const AttributeFacts& facts) {
   const bool isReference = facts.depth == 0 && Refers(facts.kind);
   if (!facts.IsOptional() && !isReference) return false;
-  StoreDefault(object, facts);
+  const MakeDefault makeDefault(facts);
+  VisitMember(object, facts, makeDefault);
   if (facts.IsOptional()) FlagAt(object, facts) = false;
   return true;
 }

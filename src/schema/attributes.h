@@ -5,6 +5,14 @@
 //       attribute.ForEach<double>([&](double& length) { length *= factor; });
 //     }
 //
+// Two attributes side by side, where Same is overloaded for what is held and for lists of it:
+//
+//     bool same = one.State() == other.State();
+//     one.Visit([&](const auto& value) {
+//       const auto* const there = other.As<std::remove_cvref_t<decltype(value)>>();
+//       same = there != nullptr && Same(value, *there);
+//     });
+//
 // What an attribute is (name, declared type, kind, optional or not) stands in step/class_facts.h;
 // what it holds in one object is read and replaced here. Attributes come in the order of the
 // record, inherited ones first. Inverse attributes are none: who refers to an object is told by its
@@ -24,9 +32,9 @@
 // What the model keeps beside its objects is not kept up: whoever redirects references tells
 // `parents` about it, whoever replaces a GUID the table of GUIDs (core/main_container.h).
 //
-// Cost. AttributesOf looks the class up by its dynamic type, some nanoseconds; a step, a value and
-// a test of its type are loads and a branch. The first object of a class costs a search by name in
-// each release. One thread, as all of the engine.
+// Cost. AttributesOf looks the class up by its dynamic type, in the time of a miss of the cache or
+// so; a step, a value and a test of its type are a few loads and branches. The first object of a
+// class costs a search by name in each release. One thread, as all of the engine.
 #pragma once
 
 #include <cstddef>
@@ -125,7 +133,52 @@ std::size_t RemoveMembers(List<T>& list, Predicate& predicate) {
   }
 }
 
-AttributeState StateOf(const std::byte* object, const AttributeFacts& facts);
+// The member itself, whether it counts as a value or not.
+template <class T, class Byte>
+auto& At(Byte* object, const AttributeFacts& facts) {
+  using Member = std::conditional_t<std::is_const_v<Byte>, const T, T>;
+  return *reinterpret_cast<Member*>(object + facts.offset);
+}
+
+template <class Scalar, class Byte, class Visitor>
+void VisitDepth(Byte* object, const AttributeFacts& facts, Visitor& visitor) {
+  if (facts.depth == 0) {
+    visitor(At<Scalar>(object, facts));
+  } else if (facts.depth == 1) {
+    visitor(At<List<Scalar>>(object, facts));
+  } else {
+    visitor(At<List<List<Scalar>>>(object, facts));
+  }
+}
+
+template <class Byte, class Visitor>
+void VisitMember(Byte* object, const AttributeFacts& facts, Visitor& visitor) {
+  switch (facts.kind) {
+    case ValueKind::kReference:
+    case ValueKind::kSelect: return VisitDepth<IFC::IfcEntity*>(object, facts, visitor);
+    case ValueKind::kReal:
+    case ValueKind::kNumber: return VisitDepth<double>(object, facts, visitor);
+    case ValueKind::kText: return VisitDepth<const char16_t*>(object, facts, visitor);
+    case ValueKind::kGuid: return visitor(At<const char*>(object, facts));
+    case ValueKind::kInteger:
+    case ValueKind::kBinary:
+    case ValueKind::kBoolean:
+    case ValueKind::kLogical:
+    case ValueKind::kEnumeration: return VisitDepth<std::int32_t>(object, facts, visitor);
+  }
+}
+
+inline bool IsMarkedAbsent(const std::byte* object, const AttributeFacts& facts) {
+  return facts.IsOptional() && !*reinterpret_cast<const bool*>(object + facts.flagOffset);
+}
+
+inline AttributeState StateOf(const std::byte* object, const AttributeFacts& facts) {
+  if (IsMarkedAbsent(object, facts)) return AttributeState::kAbsent;
+  const bool leadsNowhere =
+      Refers(facts.kind) && facts.depth == 0 && At<IFC::IfcEntity*>(object, facts) == nullptr;
+  return leadsNowhere ? AttributeState::kDerived : AttributeState::kValue;
+}
+
 bool Clear(std::byte* object, const AttributeFacts& facts);
 void Write(const std::byte* object, const AttributeFacts& facts, StepWriter& writer);
 std::string_view EnumerationName(const std::byte* object, const AttributeFacts& facts);
@@ -163,7 +216,9 @@ class BasicAttribute {
   // Calls `visitor` with the value as a reference to the type in which it is held, or not at all
   // when there is none. The visitor has to take each of the types at ValueKind, and lists of them.
   template <class Visitor>
-  void Visit(Visitor&& visitor) const;
+  void Visit(Visitor&& visitor) const {
+    if (HasValue()) attribute_detail::VisitMember(object_, *facts_, visitor);
+  }
 
   // Calls `action` with each scalar of type T in the attribute, through all its lists, in order:
   // T is IFC::IfcEntity*, double, std::int32_t, const char16_t* or const char*. Nothing happens
@@ -218,10 +273,8 @@ class BasicAttribute {
   }
   template <class T>
   Given<T>& Stored() const {
-    return *reinterpret_cast<Given<T>*>(object_ + facts_->offset);
+    return attribute_detail::At<T>(object_, *facts_);
   }
-  template <class Scalar, class Visitor>
-  void VisitDepth(Visitor& visitor) const;
 
   Byte* object_;
   const AttributeFacts* facts_;
@@ -331,37 +384,6 @@ void ForEachInRecord(Object& object, Action action) {
 }
 
 // --- How it is done ------------------------------------------------------------------------------
-
-template <class Object>
-template <class Scalar, class Visitor>
-void BasicAttribute<Object>::VisitDepth(Visitor& visitor) const {
-  if (facts_->depth == 0) {
-    visitor(Stored<Scalar>());
-  } else if (facts_->depth == 1) {
-    visitor(Stored<List<Scalar>>());
-  } else {
-    visitor(Stored<List<List<Scalar>>>());
-  }
-}
-
-template <class Object>
-template <class Visitor>
-void BasicAttribute<Object>::Visit(Visitor&& visitor) const {
-  if (!HasValue()) return;
-  switch (facts_->kind) {
-    case ValueKind::kReference:
-    case ValueKind::kSelect: return VisitDepth<IFC::IfcEntity*>(visitor);
-    case ValueKind::kReal:
-    case ValueKind::kNumber: return VisitDepth<double>(visitor);
-    case ValueKind::kText: return VisitDepth<const char16_t*>(visitor);
-    case ValueKind::kGuid: return visitor(Stored<const char*>());
-    case ValueKind::kInteger:
-    case ValueKind::kBinary:
-    case ValueKind::kBoolean:
-    case ValueKind::kLogical:
-    case ValueKind::kEnumeration: return VisitDepth<std::int32_t>(visitor);
-  }
-}
 
 template <class Object>
 template <class T, class Action>

@@ -1,9 +1,11 @@
 // The door to attributes on the small schema in generator/tiny.schema, which has one of every kind.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "TINY/enums.h"
@@ -191,6 +193,41 @@ TEST_F(TinyAttributes, ListsAreVisitedAsListsAndAbsentOnesNotAtAll) {
                              "TINYAGGREGATES('g','n',(#1),(TINYINTEGER(3)),(),$,((#1),()),$,"
                              "(1.),$,((1.),()),$,(1),$,((1)),$,('a'),$,(2),$,(.T.),$,(.U.),$,"
                              "(.OPEN.),$)"))));
+}
+
+bool Same(const char16_t* left, const char16_t* right) { return WideView(left) == right; }
+bool Same(const char* left, const char* right) { return std::string_view(left) == right; }
+template <class T>
+bool Same(const T& left, const T& right) {
+  return left == right;
+}
+template <class T>
+bool Same(const List<T>& left, const List<T>& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [](const T& one, const T& other) { return Same(one, other); });
+}
+
+TEST_F(TinyAttributes, ThoseOfTwoObjectsAreComparedOneByOne) {
+  Add(1, "TINYPLAINPART('p','part')");
+  Add(2, "TINYUNIT(.LENGTH.)");
+  Add(3, "TINYSTYLE('s')");
+  IFC::IfcEntity* const one = Add(4, kMandatory);
+  IFC::IfcEntity* const other = Add(5, kMandatory);
+  ASSERT_TRUE(One(other, "Hour").Set(std::int32_t{24}));
+  ASSERT_TRUE(One(other, "Colour").Set(ListOf<double>({0.5, 1, 0.75})));
+  ASSERT_TRUE(One(other, "Style").Clear());
+  std::string differing;
+  for (std::size_t i = 0; i < Of(*one).size(); ++i) {
+    const ConstAttribute left = OfConst(*one)[i];
+    const ConstAttribute right = OfConst(*other)[i];
+    bool same = left.State() == right.State();
+    left.Visit([&](const auto& value) {
+      const auto* const there = right.As<std::remove_cvref_t<decltype(value)>>();
+      same = there != nullptr && Same(value, *there);
+    });
+    if (!same) differing += std::string(left.Name()) + ' ';
+  }
+  EXPECT_EQ("Value Hour Colour Style ", differing);  // each has a typed value of its own
 }
 
 TEST_F(TinyAttributes, AbsentAndDerivedAreToldApart) {
