@@ -12,6 +12,7 @@ Cancellation& Cancellation::OfProcess() {
 bool Cancellation::Ask() {
   const platform::Answer answer = platform::Get().ShowMessageBox(
       texts.caption, texts.prompt, platform::Buttons::kYesNo, platform::Icon::kQuestion);
+  // A No takes no earlier Yes back.
   if (answer != platform::Answer::kYes) return false;
   confirmed_ = true;
   return true;

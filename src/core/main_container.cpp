@@ -214,6 +214,7 @@ void MainContainer::RefreshMarkers() {
 namespace {
 
 void ResetMarker(IfcEntity& entity, std::uint32_t generation, ChildQueue& queue) {
+  // Each object once: references may go in circles.
   if (entity.visitStamp == generation) return;
   entity.visitStamp = generation;
   entity.marker = kUnfiled;
@@ -293,6 +294,7 @@ Outcome MainContainer::RefreshParentsLists(const ParentsTicks& ticks) {
   return Outcome::kComplete;
 }
 
+// All ticks of a rebuild come before its work, so that a refresh with nothing to do sends the same.
 bool MainContainer::TickOverEntities(const ParentsTicks& ticks) {
   const std::size_t count = entities.Size();
   const auto parts = static_cast<std::size_t>(std::max(ticks.to - ticks.from, 1));

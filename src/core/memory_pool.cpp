@@ -67,6 +67,7 @@ void InternTable<Unit>::Enter(std::size_t slot, std::uint32_t hash, const Unit* 
 
 template <class Unit>
 void InternTable<Unit>::ReserveOne() {
+  // Two thirds full at most, so that Find always comes to a free slot.
   if ((used_ + 1) * 3 <= entries_.size() * 2) return;
   std::vector<Entry> old =
       std::exchange(entries_, std::vector<Entry>(entries_.empty() ? 64 : entries_.size() * 2));

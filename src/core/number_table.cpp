@@ -86,6 +86,7 @@ IFC::IfcEntity* NumberTable::FindAmongFew(std::uint32_t number) const {
 
 void NumberTable::SetAmongFew(std::uint32_t number, IFC::IfcEntity* entity) {
   const std::size_t branch = number >> (kLeafBits + kBranchBits);
+  // At most 16,384 pointers, for the largest numbers.
   if (branch >= branches_.size()) branches_.resize(branch + 1);
   if (branches_[branch] == nullptr) branches_[branch] = std::make_unique<Branch>();
   if (LeafOf(number)->SetAmongFew(LowOf(number), entity)) ++size_;

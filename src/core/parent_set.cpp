@@ -23,6 +23,7 @@ std::span<IFC::IfcEntity* const> ParentSet::Members() const {
   if (!HoldsBlock()) return {&word_, 1};
   Block* const block = AsBlock();
   IFC::IfcEntity** const first = block->Members();
+  // Changes where the members stand, not which there are, so a const set may do it.
   if (!block->inOrder) {
     std::sort(first, first + block->size, std::less<>());
     block->size = static_cast<std::uint32_t>(std::unique(first, first + block->size) - first);

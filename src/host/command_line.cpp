@@ -197,6 +197,7 @@ Outcome ParseCommand(const CommandName& command, std::vector<std::string> argume
   }
   if (words.help) return Explanation{WideString(HelpOf(command.command))};
   for (const std::string& extra : app.remaining()) {
+    // The library leaves the dashes that end the options among the rest.
     if (extra != "--") return UnknownOption(command, app, extra);
   }
   if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);

@@ -78,6 +78,7 @@ WideString FitToColumns(WideView text, std::size_t columns) {
   WideString fitted;
   if (ColumnsOf(text) > columns) {
     fitted = kCut.substr(0, columns);
+    // A wide letter may leave one column too many, which is filled below.
     while (ColumnsOf(text) > columns - fitted.size()) text.remove_prefix(UnitsOfFirst(text));
   }
   fitted.append(text);

@@ -143,6 +143,7 @@ MapConversion ConversionOfSet(const IFC::IfcEntity& set) {
 LengthUnit LengthUnitOf(const IfcDocument& document) {
   const IFC::IfcEntity* const assignment = document.getIfcUnitAssignment();
   if (assignment == nullptr) return {};
+  // From the last unit to the first, as the merge looks for it.
   for (IFC::IfcEntity* const unit : ChildrenOf(*assignment)) {
     if (WithoutDotsAndCommas(UnitTypeText(unit)) != u"LENGTHUNIT") continue;
     const std::optional<double> metres = MetresIn(unit, 0);
@@ -153,7 +154,7 @@ LengthUnit LengthUnitOf(const IfcDocument& document) {
 
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document) {
   if (document.mainContainer == nullptr) return {};
-  std::unordered_map<const char16_t*, Kind> kinds;
+  std::unordered_map<const char16_t*, Kind> kinds;  // by address: each class has one name
   for (const auto& [number, entity] : document.mainContainer->originalEntities) {
     const auto [known, isNew] = kinds.try_emplace(entity->getClassName(), Kind::kOther);
     if (isNew) known->second = KindOf(entity);

@@ -31,6 +31,7 @@ void Mark(ListKind kind, ObjectFlags& flags) {
   }
 }
 
+// Of an item that was understood as a number (see UnderstandChoices), so that nothing is thrown.
 std::uint32_t NumberOf(WideView item) {
   return static_cast<std::uint32_t>(std::stoul(ToUtf8(item.substr(1))));
 }

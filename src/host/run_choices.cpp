@@ -141,6 +141,7 @@ Mistake TakeLists(const ChoiceWords& words, const std::vector<std::string>& inpu
 Mistake TakeMode(const ChoiceWords& words, RunChoices& choices) {
   if (!words.mode) {
     if (!words.hide.empty()) choices.mode = SavingMode::kMergeVisible;
+    // A selection counts before a list of hidden objects.
     if (!words.select.empty()) choices.mode = SavingMode::kMergeSelected;
   } else if (*words.mode == "active") {
     choices.mode = SavingMode::kMergeActive;

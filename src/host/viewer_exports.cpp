@@ -23,6 +23,7 @@ using corvel::host::ViewerScene;
 using corvel::plugin::HostCallback;
 using corvel::plugin::HostHandle;
 
+// Above the projects; no project or object has this handle.
 constexpr HostObject kRoot = ~HostObject{0};
 
 ViewerScene& Scene() { return Viewer::Instance()->Scene(); }

@@ -73,6 +73,7 @@ void Deletion::Undo() {
     entity->collectChildren(children_);
     while (!children_.IsEmpty()) {
       IFC::IfcEntity* const child = children_.TakeBack().entity;
+      // A parent that was counted as gone is back.
       if (child != nullptr) child->goneParents = 0;
     }
   }

@@ -154,6 +154,7 @@ bool MergeJob::AskForOutput() {
 }
 
 bool MergeJob::ReadAll() {
+  // Ends at the first that is cancelled.
   return std::all_of(files_.begin(), files_.end(),
                      [this](HostObject project) { return Read(project); });
 }

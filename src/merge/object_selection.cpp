@@ -63,6 +63,8 @@ void ObjectSelection::getObjectsID(SavingMode mode, HostObject project,
   const std::vector<ObjectState> states = scene_.States(objects);
   const std::vector<ObjectInfo> infos = scene_.Infos(objects);
   if (mode == SavingMode::kMergeVisible) SyncOpeningVisibility(objects, infos);
+  // By the states from before the openings were set, and the kept ones by those from after: an
+  // opening may be in both lists.
   toDelete = LeftOut(objects, states, mode);
   save = CollectKeptObjects(mode, project);
 }

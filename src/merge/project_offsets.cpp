@@ -35,6 +35,7 @@ Vector CenterOf(HostScene& scene) {
   const CoordinateCenters centers = scene.Centers();
   Vector center;
   for (std::size_t i = 0; i < center.size(); ++i) {
+    // Not the negative of the sum, which for 0 is a zero with a sign.
     center[i] = 0.0 - (centers.second[i] + centers.first[i]);
   }
   return center;

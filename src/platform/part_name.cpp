@@ -15,7 +15,8 @@ constexpr std::u16string_view kBackup = u".was";
 constexpr std::u16string_view kKept = u".complete";
 constexpr std::u16string_view kDigits = u"0123456789abcdef";
 
-// Of what stands behind the target's name, the sign included, at its longest.
+// Of what stands behind the target's name at its longest: the sign, the digits of a process, a
+// dash, those of the number, and the longest ending.
 constexpr std::size_t kRoomBehind = 8 + 10 + 1 + 16 + 9;
 
 constexpr std::size_t kNumberDigits = 16;

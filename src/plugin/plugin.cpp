@@ -198,6 +198,7 @@ void Plugin::OnModelLoad() {
   projects_.clear();
   projectPaths_.clear();
   for (const HostObject project : ChildrenOf(allObjectsRoot)) {
+    // Listed twice it is one project, with the path that was told last.
     if (projectPaths_.count(project) == 0) projects_.push_back(project);
     projectPaths_[project] = TextOrEmpty(CallHost(Host().get_project_path, project));
   }
@@ -254,6 +255,7 @@ void Plugin::Merge(std::int32_t button) {
   BoundShell shell(*this);
   MergeJob job(scene, shell);
   std::set<HostObject> files = job.CollectProjectsOfMode(SavingMode::kMergeActive);
+  // With nothing active no button merges, whatever its mode.
   if (files.empty()) return;
   SavingMode mode = SavingMode::kMergeActive;
   if (button == ribbon_.mergeVisible) {

@@ -43,6 +43,7 @@ class PluginBase {
   virtual std::int32_t ApiMajorVersion() { return corvel::plugin::kApiMajorVersion; }
   virtual std::int32_t ApiMinorVersion() { return corvel::plugin::kApiMinorVersion; }
   virtual void ApiHandshake(std::uint64_t /*hostValue*/) {}
+  // Fills all fields; the texts have to live as long as this object.
   virtual void GetPluginInformation(PluginInformation& information) = 0;
   virtual std::int32_t Spare5() { return 0; }
   virtual std::int32_t OnDragEnter(const char16_t* /*path*/, std::int32_t /*x*/,
@@ -62,6 +63,7 @@ class PluginBase {
   virtual void Spare11() {}
   virtual void OnGuiColorsChange() {}
   virtual void OnMeasureChange() {}
+  // False keeps the viewer from clearing its model.
   virtual bool CanClearModel() { return true; }
   virtual void OnModelClear() {}
   virtual void OnMainFormClose() {}
@@ -74,6 +76,7 @@ class PluginBase {
   virtual void OnTabChange() {}
   virtual void OnPropertyChange() {}
   virtual void OnObjectListChanged() {}
+  // `button`: the id that the viewer gave when it made the button.
   virtual void OnButtonClick(std::int32_t button) = 0;
   virtual void OnTabSheetPlacement(std::uint64_t /*sheet*/) {}
   virtual void OnTabSheetChange(std::uint64_t /*sheet*/) {}

@@ -26,6 +26,7 @@ void WriteOptional(StepWriter& writer, bool present, Write write) {
   }
 }
 
+// An entity has a turn of its own in every walk; a value that stands in the record has none.
 void CollectReferencesOfValue(IFC::ChildQueue& queue, const IFC::IfcEntity* value) {
   if (value != nullptr && value->inlineValue) value->collectChildren(queue);
 }

@@ -58,6 +58,7 @@ class Converter {
     char* to = reinterpret_cast<char*>(output.data());
     std::size_t fromLeft = 1;
     std::size_t toLeft = output.size();
+    // Forgets what the byte before may have begun.
     ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
     const std::size_t irreversible = ::iconv(handle_, &from, &fromLeft, &to, &toLeft);
     if (irreversible != 0 || output.size() - toLeft != 2) return 0;

@@ -34,6 +34,7 @@ void RemoveUnfinishedFile() {
 void OnInterrupt(int /*signal*/) {
   if (!interrupted.exchange(true) && requestToEnd == 0) return;
   RemoveUnfinishedFile();
+  // Not exit: inside a handler nothing of the process's own may run.
   ::_exit(kInterruptedStatus);
 }
 

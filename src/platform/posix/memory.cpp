@@ -60,6 +60,7 @@ std::uint64_t TotalAddressSpace() {
 std::uint64_t UsedAddressSpace() {
   const std::string text = ReadWhole(u"/proc/self/statm");
   std::uint64_t pages = 0;
+  // The first figure is that of the whole process.
   std::from_chars(text.data(), text.data() + text.size(), pages);
   return pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
 }

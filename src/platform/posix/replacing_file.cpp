@@ -55,6 +55,8 @@ bool LeadsTo(const std::string& path, int descriptor) {
   return named && ::fstat(descriptor, &opened) == 0 && IsSame(*named, opened);
 }
 
+// A rename would get round the permissions of the file that it replaces; they are meant all the
+// same.
 bool MayBeWritten(const std::string& path) {
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) return false;
@@ -172,6 +174,7 @@ bool ReplacingFile::MakePart(std::u16string_view stem) {
 void ReplacingFile::RemoveLeftOvers(std::u16string_view stem) const {
   for (const std::u16string& name : NamesIn(folder_)) {
     const std::optional<PartOwner> owner = OwnerOfPart(name, stem);
+    // There are no backups here: a rename replaces in one step.
     if (owner && owner->kind == PartKind::kPart) RemoveUnlocked(ToUtf8(folder_ + name));
   }
 }

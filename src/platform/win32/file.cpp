@@ -49,6 +49,7 @@ bool HasAttributes(const std::u16string& path, bool folder) {
 
 // What tells one file from all others; false when there is none at `path`.
 bool IdentityOf(const std::u16string& path, BY_HANDLE_FILE_INFORMATION& identity) {
+  // With the flag for backups a folder can be opened too.
   const HANDLE handle = ::CreateFileW(PathForSystem(path).c_str(), FILE_READ_ATTRIBUTES,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);

@@ -19,7 +19,7 @@ std::unique_ptr<HeaderToken> HeaderReader::Read() {
   header->originatingSystem = ReadHeaderString();
   header->authorization = ReadHeaderString();
   SkipPastOpenBracket();  // FILE_SCHEMA(
-  if (!AtEnd()) Take();
+  if (!AtEnd()) Take();   // the second bracket
   header->schemaIdentifier = ReadHeaderString();
   while (!AtEnd()) Take();
   Take();  // ENDSEC

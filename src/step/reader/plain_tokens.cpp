@@ -107,6 +107,7 @@ bool Scanner::TakeClassName(std::string_view& name) {
   const char* const end = stream_->WindowEnd();
   const char* at = begin;
   while (at != end && IsOfKind(*at, kLetterByte | kDigitByte)) ++at;
+  // An underscore vanishes from a name, which then is no piece of the window.
   if (at == end || *at == '_' || !Between(begin, at).starts_with("IFC")) return false;
   name = Between(begin, at);
   stream_->SetCursor(at);

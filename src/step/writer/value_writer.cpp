@@ -86,7 +86,8 @@ void StepWriter::WriteUnits(WideView text) {
 void StepWriter::WriteText(const char16_t* text) { WriteUnits(text); }
 
 void StepWriter::WriteGuid(const char* guid) {
-  std::array<char16_t, 64> units;  // a GUID has 22 characters
+  // One for each root object, so without an allocation. A GUID has 22 characters.
+  std::array<char16_t, 64> units;
   const std::string_view text = guid;
   if (text.size() > units.size()) {
     WriteUnits(Widen(text));
