@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <limits>
 #include <typeinfo>
-#include <vector>
 
 #include "core/entity.h"
+#include "core/open_table.h"
 
 namespace corvel {
 
@@ -24,11 +24,10 @@ class ClassMemory {
 
   // Null when the class has not been met yet. Void after the next Remember.
   const std::ptrdiff_t* Find(const std::type_info* dynamicClass) const {
-    if (entries_.empty()) return nullptr;
-    for (std::size_t i = Slot(dynamicClass);; i = (i + 1) & (entries_.size() - 1)) {
-      if (entries_[i].dynamicClass == dynamicClass) return &entries_[i].offset;
-      if (entries_[i].dynamicClass == nullptr) return nullptr;
-    }
+    const Entry* const entry = entries_.Find(HashOf(dynamicClass), [=](const Entry& known) {
+      return known.dynamicClass == dynamicClass;
+    });
+    return entry == nullptr ? nullptr : &entry->offset;
   }
   // For a class that Find does not know.
   void Remember(const std::type_info* dynamicClass, std::ptrdiff_t offset);
@@ -37,17 +36,18 @@ class ClassMemory {
   struct Entry {
     const std::type_info* dynamicClass = nullptr;
     std::ptrdiff_t offset = 0;
+
+    bool IsFree() const { return dynamicClass == nullptr; }
+    std::size_t Hash() const { return HashOf(dynamicClass); }
   };
   // By address: a class whose type_info exists twice in a process has two entries, which say the
   // same. The lowest bits are those of an aligned object, the upper half of the product is mixed.
-  std::size_t Slot(const std::type_info* dynamicClass) const {
+  static std::size_t HashOf(const std::type_info* dynamicClass) {
     const auto address = reinterpret_cast<std::uintptr_t>(dynamicClass);
-    return static_cast<std::size_t>((address >> 4) * 0x9E3779B97F4A7C15ull >> 32) &
-           (entries_.size() - 1);
+    return static_cast<std::size_t>((address >> 4) * 0x9E3779B97F4A7C15ull >> 32);
   }
 
-  std::vector<Entry> entries_;  // a power of two, at most half full
-  std::size_t used_ = 0;
+  OpenTable<Entry, 8> entries_;
 };
 
 // As dynamic_cast<Target*>(entity), null included.

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/open_table.h"
+
 namespace IFC {
 class VirtualIfcRoot;
 }
@@ -38,16 +40,22 @@ class GuidTable {
   struct Slot {
     std::uint32_t entry = 0;  // index + 1; 0 in a free slot
     std::uint32_t hash = 0;
+
+    bool IsFree() const { return entry == 0; }
+    std::size_t Hash() const { return hash; }
   };
 
   // The entry of the GUID, with a null root when it is new.
   Entry& At(std::string_view guid);
-  // Where the GUID is, or the free slot where it belongs. There is a free one.
-  std::size_t SlotOf(std::string_view guid, std::uint32_t hash) const;
-  void Grow();
+  // Tells the slot of the GUID.
+  auto Holds(std::string_view guid, std::uint32_t hash) const {
+    return [=, this](const Slot& slot) {
+      return slot.hash == hash && !slot.IsFree() && entries_[slot.entry - 1].guid == guid;
+    };
+  }
 
   std::vector<Entry> entries_;
-  std::vector<Slot> slots_;  // a power of two, at most half full
+  OpenTable<Slot, 64> slots_;
 };
 
 }  // namespace corvel

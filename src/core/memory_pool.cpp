@@ -22,8 +22,10 @@ std::uint64_t WordAt(const unsigned char* bytes) {
   return word;
 }
 
-// Eight bytes a step; the last eight overlap the step before them. The high bits are the good ones.
-std::uint64_t HashBytes(const void* bytes, std::size_t count) {
+}  // namespace
+
+// The last eight bytes overlap the step before them.
+std::uint32_t HashOfBytes(const void* bytes, std::size_t count) {
   const auto* at = static_cast<const unsigned char*>(bytes);
   std::uint64_t hash = count * kMultiplier;
   std::uint64_t tail = 0;
@@ -34,54 +36,8 @@ std::uint64_t HashBytes(const void* bytes, std::size_t count) {
     for (; at < last; at += sizeof tail) hash = Mixed(hash, WordAt(at));
     tail = WordAt(last);
   }
-  return Mixed(hash, tail);
+  return static_cast<std::uint32_t>(Mixed(hash, tail) >> 32);
 }
-
-}  // namespace
-
-template <class Unit>
-std::uint32_t InternTable<Unit>::Hash(std::basic_string_view<Unit> text) {
-  return static_cast<std::uint32_t>(HashBytes(text.data(), text.size() * sizeof(Unit)) >> 32);
-}
-
-template <class Unit>
-const Unit* InternTable<Unit>::Find(std::basic_string_view<Unit> text, std::uint32_t hash,
-                                    std::size_t& slot) const {
-  const std::size_t mask = entries_.size() - 1;
-  for (slot = hash & mask;; slot = (slot + 1) & mask) {
-    const Entry& entry = entries_[slot];
-    if (entry.text == nullptr) return nullptr;
-    if (entry.hash == hash && entry.length == text.size() &&
-        std::equal(text.begin(), text.end(), entry.text)) {
-      return entry.text;
-    }
-  }
-}
-
-template <class Unit>
-void InternTable<Unit>::Enter(std::size_t slot, std::uint32_t hash, const Unit* stored,
-                              std::size_t length) {
-  entries_[slot] = {stored, static_cast<std::uint32_t>(length), hash};
-  ++used_;
-}
-
-template <class Unit>
-void InternTable<Unit>::ReserveOne() {
-  // Two thirds full at most, so that Find always comes to a free slot.
-  if ((used_ + 1) * 3 <= entries_.size() * 2) return;
-  std::vector<Entry> old =
-      std::exchange(entries_, std::vector<Entry>(entries_.empty() ? 64 : entries_.size() * 2));
-  const std::size_t mask = entries_.size() - 1;
-  for (const Entry& entry : old) {
-    if (entry.text == nullptr) continue;
-    std::size_t slot = entry.hash & mask;
-    while (entries_[slot].text != nullptr) slot = (slot + 1) & mask;
-    entries_[slot] = entry;
-  }
-}
-
-template class InternTable<char16_t>;
-template class InternTable<char>;
 
 MemoryPool::MemoryPool(std::uint64_t blockSize) : blockSize_(blockSize) { AddBlock(blockSize); }
 
@@ -121,29 +77,29 @@ char16_t* MemoryPool::AllocWide(std::uint64_t length) {
   return reinterpret_cast<char16_t*>(Take(2 * length + 2));
 }
 
+template <class Unit, class Allocate>
+const Unit* MemoryPool::Intern(InternTable<Unit>& table, std::basic_string_view<Unit> text,
+                               Allocate allocate) {
+  const std::uint32_t hash = HashOfBytes(text.data(), text.size() * sizeof(Unit));
+  InternedText<Unit>& slot = table.Enter(hash, [&](const InternedText<Unit>& known) {
+    return known.hash == hash && known.length == text.size() && known.text != nullptr &&
+           std::equal(text.begin(), text.end(), known.text);
+  });
+  if (slot.IsFree()) {
+    Unit* const stored = allocate(text.size());
+    std::copy(text.begin(), text.end(), stored);
+    stored[text.size()] = 0;
+    slot = {stored, static_cast<std::uint32_t>(text.size()), hash};
+  }
+  return slot.text;
+}
+
 const char* MemoryPool::InternNarrow(std::string_view text) {
-  const std::uint32_t hash = InternTable<char>::Hash(text);
-  // Before the search, since growing moves the slots.
-  narrowStrings_.ReserveOne();
-  std::size_t slot = 0;
-  if (const char* const known = narrowStrings_.Find(text, hash, slot)) return known;
-  char* const stored = AllocNarrow(text.size());
-  std::copy(text.begin(), text.end(), stored);
-  stored[text.size()] = 0;
-  narrowStrings_.Enter(slot, hash, stored, text.size());
-  return stored;
+  return Intern(narrowStrings_, text, [this](std::uint64_t length) { return AllocNarrow(length); });
 }
 
 const char16_t* MemoryPool::InternWide(WideView text) {
-  const std::uint32_t hash = InternTable<char16_t>::Hash(text);
-  wideStrings_.ReserveOne();
-  std::size_t slot = 0;
-  if (const char16_t* const known = wideStrings_.Find(text, hash, slot)) return known;
-  char16_t* const stored = AllocWide(text.size());
-  std::copy(text.begin(), text.end(), stored);
-  stored[text.size()] = 0;
-  wideStrings_.Enter(slot, hash, stored, text.size());
-  return stored;
+  return Intern(wideStrings_, text, [this](std::uint64_t length) { return AllocWide(length); });
 }
 
 }  // namespace corvel

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/arena.h"
+#include "core/open_table.h"
 #include "core/text.h"
 
 namespace corvel {
@@ -26,30 +27,21 @@ struct MemoryBlock {
   std::uint64_t free = 0;  // bytes left
 };
 
-// A set of texts by content, each with the pointer that the model keeps.
-template <class Unit>
-class InternTable {
- public:
-  // The stored pointer of `text`, null if there is none yet; then `slot` is where Enter puts it.
-  // ReserveOne has been called since the last Enter.
-  const Unit* Find(std::basic_string_view<Unit> text, std::uint32_t hash, std::size_t& slot) const;
-  // Borrows `stored`, which is no longer than 4 GiB.
-  void Enter(std::size_t slot, std::uint32_t hash, const Unit* stored, std::size_t length);
-  std::size_t Size() const { return used_; }
-  // Depends on the machine's byte order; to be kept for the run only.
-  static std::uint32_t Hash(std::basic_string_view<Unit> text);
-  // Makes room for one more entry; slots found before are void then.
-  void ReserveOne();
+// Depends on the machine's byte order; to be kept for the run only.
+std::uint32_t HashOfBytes(const void* bytes, std::size_t count);
 
- private:
-  struct Entry {
-    const Unit* text = nullptr;
-    std::uint32_t length = 0;
-    std::uint32_t hash = 0;
-  };
-  std::vector<Entry> entries_;
-  std::size_t used_ = 0;
+// Texts of up to 4 GiB by content, each with the pointer that the model keeps.
+template <class Unit>
+struct InternedText {
+  const Unit* text = nullptr;
+  std::uint32_t length = 0;
+  std::uint32_t hash = 0;
+
+  bool IsFree() const { return text == nullptr; }
+  std::size_t Hash() const { return hash; }
 };
+template <class Unit>
+using InternTable = OpenTable<InternedText<Unit>, 64>;
 
 // All pointers that it gives belong to it and are good until it goes.
 class MemoryPool {
@@ -93,6 +85,9 @@ class MemoryPool {
   std::size_t ObjectBytes() const { return objects_.ReservedBytes(); }
 
  private:
+  template <class Unit, class Allocate>
+  const Unit* Intern(InternTable<Unit>& table, std::basic_string_view<Unit> text,
+                     Allocate allocate);
   char* Take(std::uint64_t size);
   void AddBlock(std::uint64_t size);
 

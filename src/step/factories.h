@@ -9,6 +9,7 @@
 
 #include "core/entity.h"
 #include "core/memory_pool.h"
+#include "core/open_table.h"
 
 namespace corvel {
 
@@ -34,6 +35,8 @@ using EntityCreator = IFC::IfcEntity* (*)(MemoryPool& pool);
 struct FactoryRow {
   std::string_view name;  // "IFCWALL"; empty in a free slot
   EntityCreator create = nullptr;
+
+  bool IsFree() const { return name.empty(); }
 };
 
 // Where a class name is looked for: its length and two words of it, mixed. Names differ in the
@@ -68,10 +71,9 @@ struct FactoryTable {
   // Exact, case-sensitive, in constant time. Null: no such class. Rows live as long as the program,
   // so that a row may stand for its class.
   const FactoryRow* FindRow(std::string_view name) const {
-    for (std::uint64_t i = HashOfName(name) & mask;; i = (i + 1) & mask) {
-      if (slots[i].name == name) return &slots[i];
-      if (slots[i].name.empty()) return nullptr;
-    }
+    const FactoryRow& row = SlotOf(slots, mask, HashOfName(name),
+                                   [=](const FactoryRow& known) { return known.name == name; });
+    return row.IsFree() ? nullptr : &row;
   }
   EntityCreator Find(std::string_view name) const {
     const FactoryRow* const row = FindRow(name);
