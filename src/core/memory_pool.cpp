@@ -24,7 +24,7 @@ std::uint64_t WordAt(const unsigned char* bytes) {
 
 }  // namespace
 
-// The last eight bytes overlap the step before them.
+// Eight bytes a step; the last eight overlap the step before them. The high bits are the good ones.
 std::uint32_t HashOfBytes(const void* bytes, std::size_t count) {
   const auto* at = static_cast<const unsigned char*>(bytes);
   std::uint64_t hash = count * kMultiplier;

@@ -17,15 +17,9 @@ struct ReleaseClasses;
 
 // The releases whose classes the engine knows.
 enum class SchemaNamespace {
-  IFC2X_FINAL,
-  IFC2X2_PLATFORM,
-  IFC2X2_FINAL,
-  IFC2X3,
-  IFC4,
-  IFC4X1,
-  IFC4X2,
-  IFC4X3_ADD2,
-  IFC4X4,
+#define CORVEL_RELEASE(name) name,
+#include "step/releases.inc"
+#undef CORVEL_RELEASE
 };
 
 // Makes a blank object in `pool`, which owns it: marker 0, filed nowhere, every attribute at its

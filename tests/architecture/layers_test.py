@@ -16,8 +16,8 @@ LAYERS = {
     'plugin': ['platform', 'core', 'step', 'schema', 'merge'],
     'host': ['platform', 'core', 'step', 'schema', 'merge', 'plugin'],
 }
-RELEASES = ['IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1', 'IFC4X2',
-            'IFC4X3_ADD2', 'IFC4X4']
+RELEASES = re.findall(r'^CORVEL_RELEASE\((\w+)\)$',
+                      (SOURCE / 'step' / 'releases.inc').read_text(encoding='ascii'), re.MULTILINE)
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 SYSTEM_INCLUDE = re.compile(
     r'^\s*#\s*include\s+<(windows\.h|unistd\.h|sys/|fcntl\.h|dlfcn\.h|signal\.h|shlobj|shellapi|io\.h)',

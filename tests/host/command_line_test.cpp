@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "host/help_texts.h"
 
@@ -305,6 +307,21 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  3   "));
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  4   "));
   }
+}
+
+TEST(HelpTexts, EveryReleaseIsNamed) {
+  std::vector<std::string> names;
+#define CORVEL_RELEASE(name) names.emplace_back(#name);
+#include "step/releases.inc"
+#undef CORVEL_RELEASE
+  std::string list;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i != 0) list += i + 1 == names.size() ? " and " : ", ";
+    list += names[i];
+  }
+  std::string help = ToUtf8(GeneralHelp());
+  std::replace(help.begin(), help.end(), '\n', ' ');
+  EXPECT_NE(std::string::npos, help.find("of the releases " + list + ".")) << list;
 }
 
 TEST(HelpTexts, NoLineIsLongerThanATerminal) {

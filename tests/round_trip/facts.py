@@ -1,19 +1,22 @@
 """What a release holds, as far as a reader of its files can tell.
 
 A second opinion beside the generator of the classes: it shares the texts of facts with it
-(src/schema/releases/*.schema) and nothing else, so that a misreading on one side shows.
+(src/schema/releases/*.schema), the list of releases and nothing else, so that a misreading on one
+side shows.
 """
 
 import re
 from pathlib import Path
 
-RELEASES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1', 'IFC4X2',
-            'IFC4X3_ADD2', 'IFC4X4')
+SOURCE_FOLDER = Path(__file__).parents[2] / 'src'
+RELEASES = tuple(re.findall(r'^CORVEL_RELEASE\((\w+)\)$',
+                            (SOURCE_FOLDER / 'step' / 'releases.inc').read_text(encoding='ascii'),
+                            re.MULTILINE))
 OLDEST_TWO = RELEASES[:2]
 
 SIMPLE_TYPES = {'REAL', 'INTEGER', 'NUMBER', 'STRING', 'BOOLEAN', 'LOGICAL', 'BINARY'}
 
-FACTS_FOLDER = Path(__file__).parents[2] / 'src' / 'schema' / 'releases'
+FACTS_FOLDER = SOURCE_FOLDER / 'schema' / 'releases'
 
 # Two values that no text has. They are read wherever the table stands, and written in the oldest
 # release only: elsewhere they come out as an absent value.

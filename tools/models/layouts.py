@@ -6,12 +6,13 @@ import functools
 import os
 import re
 
-# Texts of FILE_SCHEMA, in order of age.
-RELEASES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1', 'IFC4X2',
-            'IFC4X3_ADD2', 'IFC4X4')
+_SOURCE = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'src')
+_FOLDER = os.path.join(_SOURCE, 'schema', 'releases')
 
-_FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'src', 'schema',
-                       'releases')
+# Texts of FILE_SCHEMA, in order of age.
+with open(os.path.join(_SOURCE, 'step', 'releases.inc'), encoding='ascii') as _list:
+    RELEASES = tuple(re.findall(r'^CORVEL_RELEASE\((\w+)\)$', _list.read(), re.MULTILINE))
+
 _ENTITY = re.compile(r'(abstract )?entity (\w+)(?: < (\w+))?$')
 _ATTRIBUTE = re.compile(r'  (\w+): (OPTIONAL )?')
 

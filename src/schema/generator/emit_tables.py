@@ -1,5 +1,8 @@
 """The tables: enumerations and the registry of class names."""
 
+import os
+import re
+
 MASK_64 = (1 << 64) - 1
 
 
@@ -60,8 +63,13 @@ def registry(class_names):
                     f'{len(names)}, &kClasses}};']
 
 
-ALL_NAMESPACES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1',
-                  'IFC4X2', 'IFC4X3_ADD2', 'IFC4X4')
+def all_namespaces():
+    path = os.path.join(os.path.dirname(__file__), '..', '..', 'step', 'releases.inc')
+    with open(path, encoding='ascii') as file:
+        return tuple(re.findall(r'^CORVEL_RELEASE\((\w+)\)$', file.read(), re.MULTILINE))
+
+
+ALL_NAMESPACES = all_namespaces()
 
 
 def schema_registry(namespaces):
