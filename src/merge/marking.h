@@ -28,8 +28,9 @@ inline bool ClassIs(const IFC::IfcEntity& entity, WideView name) {
   return *at == 0;
 }
 
-// The ticks of passes over the places of a model of which few are looked at: a tick is due behind
-// every `block`th place, `tickCount` of them at most in all passes.
+// The progress ticks of a step that passes over the entities of a model, often more than once. The
+// step visits few entities and skips the rest; skipped ones count as well. A tick is due after every
+// `block` entities, and a step sends `tickCount` ticks at most, all its passes together.
 class PassTicks {
  public:
   PassTicks(const Stage& stage, std::size_t block, int tickCount)
@@ -48,13 +49,13 @@ class PassTicks {
   std::size_t done_ = 0;  // places of this pass
 };
 
-// The place of an entity of the model in the order of the numbers. Known from the making of a
-// Deletion until anything else uses the visit stamp.
+// The place of an entity: its index when the entities of the model are ordered by number. Stored in
+// the visit stamps by the constructor of Deletion, so valid until something else writes those.
 std::uint32_t PlaceOf(const IFC::IfcEntity& entity);
 
-// Deletes entities one by one and knows at every moment who has a parent left.
+// Deletes entities one by one and keeps track of which entities have lost all their parents.
 //
-// Holds as long as nothing else brings back entities of the model, and nothing is added.
+// Meanwhile no other code may undelete entities of the model or add any.
 class Deletion {
  public:
   struct Placed {
@@ -65,21 +66,23 @@ class Deletion {
   // The parents lists of the model are filled.
   explicit Deletion(IFC::MainContainer& container);
 
-  // Those who were undecided at the start, in the order of the numbers. Nobody becomes undecided
-  // later, so the steps look at these alone.
+  // The entities that were undecided at construction, by ascending number. No entity becomes
+  // undecided that was not so then: the steps need to look at these only.
   const std::vector<Placed>& Undecided() const { return undecided_; }
 
-  // All parents of the entity are deleted. True also for an entity that never had one.
+  // All parents of the entity are deleted, or it never had one.
   static bool IsOrphan(IFC::IfcEntity& entity);
 
-  // Deletes the entity, saved or not.
+  // Deletes the entity, even one that is marked to be saved.
   void Delete(IFC::IfcEntity& entity);
-  // The same, and what became an orphan by it.
+  // Deletes the entity, then DeleteChildrenOf it.
   void DeleteWithOrphans(IFC::IfcEntity& entity);
-  // Deletes the children that are orphans and not saved, and in turn theirs.
+  // Deletes those children of the entity that are undecided and orphans, then likewise the children
+  // of each deleted child.
   void DeleteChildrenOf(IFC::IfcEntity& entity);
 
-  // From here on it is written down who is deleted; Undo brings them back, undecided.
+  // Starts an empty list of deleted entities; each later deletion is added to it. Undo makes all
+  // entities of the list undecided again.
   void StartRecord();
   const std::vector<IFC::IfcEntity*>& Record() const { return record_; }
   void Undo();
