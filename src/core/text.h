@@ -37,6 +37,8 @@ inline std::string Narrow(WideView text) {
   return narrow;
 }
 
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 // The letters A to Z in lower case, whatever the locale.
 inline WideString ToLowerAscii(WideView text) {
   WideString lower(text);

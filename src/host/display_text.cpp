@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "platform/file.h"
-
 namespace corvel::host {
 
 namespace {
@@ -84,10 +82,6 @@ WideString FitToColumns(WideView text, std::size_t columns) {
   fitted.append(text);
   fitted.append(columns - ColumnsOf(fitted), u' ');
   return fitted;
-}
-
-WideString FileNameOf(WideView path) {
-  return WideString(path.substr(platform::FindLastSeparator(path) + 1));
 }
 
 }  // namespace corvel::host

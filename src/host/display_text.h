@@ -19,7 +19,4 @@ std::size_t ColumnsOf(WideView text);
 // and what stays is the end of the text: that is where a path has its name.
 WideString FitToColumns(WideView text, std::size_t columns);
 
-// What stands behind the last separator of a path.
-WideString FileNameOf(WideView path);
-
 }  // namespace corvel::host

@@ -8,6 +8,7 @@
 
 #include "host/hearing.h"
 #include "step/reader/byte_kinds.h"
+#include "step/streams/model_form.h"
 #include "step/streams/open_input.h"
 
 namespace corvel::host {
@@ -86,7 +87,7 @@ std::optional<WideString> NoStepFile(const WideString& path) {
   const std::string bytes = FirstBytes(path);
   // A comment may stand in front of the first word.
   if (bytes.empty() || bytes.starts_with(kFirstWord) || bytes.starts_with(kCommentStart)) return {};
-  const WideString what = FileStream::ExtensionOf(path) == u".ifc"
+  const WideString what = FileStream::FormOf(path) == FileStream::ModelForm::kPlain
                               ? WideString(u"this is no STEP file, it begins with ")
                               : WideString(u"the model in it is no STEP file, it begins with ");
   return what + Shown(bytes) + KindOf(bytes);

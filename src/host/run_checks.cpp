@@ -9,6 +9,7 @@
 #include "platform/locked_file.h"
 #include "platform/native_path.h"
 #include "step/streams/input_zip_file_stream.h"
+#include "step/streams/model_form.h"
 #include "step/writer/unfinished_output.h"
 
 namespace corvel::host {
@@ -16,15 +17,15 @@ namespace corvel::host {
 namespace {
 
 namespace fs = std::filesystem;
+using FileStream::FormOf;
+using FileStream::ModelForm;
 
 fs::file_type TypeOf(const WideString& path) {
   std::error_code ignored;
   return fs::status(platform::NativePath(path), ignored).type();
 }
 
-bool IsPlainModel(const WideString& path) { return FileStream::ExtensionOf(path) == u".ifc"; }
-bool IsPackedModel(const WideString& path) { return FileStream::ExtensionOf(path) == u".ifczip"; }
-bool IsContainer(const WideString& path) { return FileStream::ExtensionOf(path) == u".olf"; }
+bool IsContainer(const WideString& path) { return FormOf(path) == ModelForm::kContained; }
 
 // The file that an input lies in: for an entry of a container, the container.
 WideString FileOf(const WideString& input) {
@@ -42,9 +43,9 @@ const char16_t* TroubleWithInputType(const WideString& path) {
 }
 
 const char16_t* TroubleWithName(const WideString& path) {
-  if (IsPlainModel(path) || IsPackedModel(path)) return nullptr;
-  if (!IsContainer(path)) return u"the name of a model has to end in .ifc or .ifczip";
-  return path.find(u'|') != WideString::npos
+  const ModelForm form = FormOf(path);
+  if (form == ModelForm::kNone) return u"the name of a model has to end in .ifc or .ifczip";
+  return form != ModelForm::kContained || path.find(u'|') != WideString::npos
              ? nullptr
              : u"this is a container; name a model in it: CONTAINER.olf|ENTRY";
 }
@@ -103,13 +104,14 @@ std::optional<WideString> TroubleWithInput(const WideString& path) {
   if (auto told = Told(TroubleWithInputType(file))) return told;
   if (auto told = Told(TroubleWithName(path))) return told;
   if (auto told = Told(TroubleWithContent(file))) return told;
-  return IsPlainModel(path) ? std::nullopt : TroubleWithArchive(path);
+  return FormOf(path) == ModelForm::kPlain ? std::nullopt : TroubleWithArchive(path);
 }
 
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs) {
   if (path.empty()) return u"the name of the output is empty";
-  if (!IsPlainModel(path) && !IsPackedModel(path)) {
+  const ModelForm form = FormOf(path);
+  if (form != ModelForm::kPlain && form != ModelForm::kPacked) {
     return u"the name of the output has to end in .ifc or .ifczip";
   }
   if (auto told = Told(TroubleWithOutputType(path))) return told;
@@ -130,7 +132,7 @@ std::optional<WideString> TroubleWithWorkFolder(const WideString& folder) {
 }
 
 std::optional<WideString> TroubleWithLog(const WideString& path) {
-  if (IsPlainModel(path) || IsPackedModel(path) || IsContainer(path)) {
+  if (FormOf(path) != ModelForm::kNone) {
     return u"the name of the log is that of a model";
   }
   const fs::file_type type = TypeOf(path);

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "core/entity.h"
-#include "host/display_text.h"
+#include "platform/file.h"
 
 namespace corvel::host {
 
@@ -81,7 +81,7 @@ std::variant<std::size_t, std::string> InputOf(std::string_view word,
   auto found = InputsThat(inputs.size(), [&](std::size_t i) { return inputs[i] == word; });
   if (found.empty()) {
     found = InputsThat(inputs.size(), [&](std::size_t i) {
-      return ToUtf8(FileNameOf(FromUtf8(inputs[i]))) == word;
+      return ToUtf8(platform::FileNameOf(FromUtf8(inputs[i]))) == word;
     });
   }
   if (found.size() == 1) return found.front();

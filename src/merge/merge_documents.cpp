@@ -1,14 +1,9 @@
 #include "merge/merge_documents.h"
 
+#include "platform/file.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel {
-
-namespace {
-
-WideString FileNameOf(const WideString& path) { return path.substr(path.find_last_of(u"/\\") + 1); }
-
-}  // namespace
 
 IfcDocument* MergeDocuments(const std::vector<IfcDocument*>& documents, const MergeChoices& choices,
                             const std::function<void(const IfcDocument&)>& announce) {
@@ -16,7 +11,8 @@ IfcDocument* MergeDocuments(const std::vector<IfcDocument*>& documents, const Me
   for (std::size_t i = 1; i < documents.size(); ++i) {
     IfcDocument& source = *documents[i];
     if (announce) announce(source);
-    IfcLog::Instance().LogText(u"Merging " + FileNameOf(source.getFilePath()));
+    const WideString path = source.getFilePath();
+    IfcLog::Instance().LogText(WideString(u"Merging ").append(platform::FileNameOf(path)));
     // One that fails leaves its mark in the status, which counts at the end.
     destination->MergeDocument(source, choices.mergeLevel, choices.nameAndGuid);
   }

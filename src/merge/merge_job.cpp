@@ -12,7 +12,7 @@
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
-#include "step/streams/input_stream.h"
+#include "step/streams/model_form.h"
 
 namespace corvel {
 
@@ -31,8 +31,6 @@ constexpr std::int64_t kLargeFiles = 104857600;
 
 void Log(WideView text) { IfcLog::Instance().LogText(text); }
 
-WideView FileNameOf(WideView path) { return path.substr(platform::FindLastSeparator(path) + 1); }
-
 std::int64_t SizeOf(const WideString& path) {
   platform::File file;
   return file.Open(path, platform::OpenMode::kRead) ? file.Size() : 0;
@@ -45,7 +43,7 @@ OutputSuggestion SuggestionFor(const WideString& path, const WideString& ending)
   const bool isEntry = bar != WideString::npos;
   const WideView file = WideView(path).substr(0, bar);
   const std::size_t folderEnd = platform::FindLastSeparator(file) + 1;
-  const WideView name = isEntry ? FileNameOf(WideView(path).substr(bar + 1)) : FileNameOf(file);
+  const WideView name = platform::FileNameOf(isEntry ? WideView(path).substr(bar + 1) : file);
   OutputSuggestion suggestion;
   suggestion.folder = file.substr(0, folderEnd);
   suggestion.name = WideString(name.substr(0, name.rfind(u'.'))) + ending;
@@ -54,8 +52,7 @@ OutputSuggestion SuggestionFor(const WideString& path, const WideString& ending)
 }
 
 bool HasModelExtension(const WideString& path) {
-  const WideString extension = FileStream::ExtensionOf(path);
-  return extension == u".ifc" || extension == u".ifczip" || extension == u".olf";
+  return FileStream::FormOf(path) != FileStream::ModelForm::kNone;
 }
 
 // A viewer lives on after a run, and has better use for the memory of its models. Once for all of
@@ -130,7 +127,7 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
 // seen this box, and nobody will before somebody asks for it.
 void MergeJob::WarnOfLargeFiles() {
   const WideString program = platform::Get().ExecutablePath();
-  if (ToLowerAscii(FileNameOf(program)) != u"Orlenta.exe") return;
+  if (ToLowerAscii(platform::FileNameOf(program)) != u"Orlenta.exe") return;
   std::int64_t size = 0;
   for (const HostObject project : files_) size += SizeOf(scene_.ProjectPath(project));
   if (size > kLargeFiles) {

@@ -14,9 +14,8 @@ using Models = std::vector<RunModel>;
 
 bool TakesPart(const RunModel& model) { return model.unitsValid && model.schemaValid; }
 
-WideString FileNameOf(const RunModel& model) {
-  const WideString path = model.document->getFilePath();
-  return path.substr(platform::FindLastSeparator(path) + 1);
+WideString NameOf(const RunModel& model) {
+  return WideString(platform::FileNameOf(model.document->getFilePath()));
 }
 
 // "LENGTHUNIT(#12) - MILLIMETRE"
@@ -41,7 +40,7 @@ class Report {
   void Add(const WideString& message) { report_("", message, kReportCollect); }
   WideString NamesOfOtherSchemas() const;
   WideString ListOtherUnits();
-  WideString FirstInQuotes() const { return u"\"" + FileNameOf(models_.front()) + u"\""; }
+  WideString FirstInQuotes() const { return u"\"" + NameOf(models_.front()) + u"\""; }
 
   const Models& models_;
   MergeShell& shell_;
@@ -56,7 +55,7 @@ WideString Report::NamesOfOtherSchemas() const {
   WideString list;
   for (const RunModel& model : models_) {
     if (model.schemaValid) continue;
-    list += FileNameOf(model) + u"(" + model.document->KnownSchemaIdentifier() + u")\n";
+    list += NameOf(model) + u"(" + model.document->KnownSchemaIdentifier() + u")\n";
   }
   return list;
 }
@@ -78,7 +77,7 @@ WideString Report::ListOtherUnits() {
   WideString list;
   for (const RunModel& model : models_) {
     if (model.unitsValid || model.unitDifferences.empty()) continue;
-    list += u"\n  " + FileNameOf(model) + u":";
+    list += u"\n  " + NameOf(model) + u":";
     for (const UnitComparison& row : model.unitDifferences) {
       if (prefixesPass && row.code == UnitDifference::kOtherPrefix) continue;
       list += u"\n    " + UnitText(row, row.otherMarker, row.otherLabel);
@@ -106,7 +105,7 @@ void Report::TellMerged() {
   if (schemaList_.empty() && unitsList_.empty()) return;
   WideString list;
   for (std::size_t i = 1; i < models_.size(); ++i) {
-    if (models_[i].mergeable) list += FileNameOf(models_[i]) + u"\"\n";
+    if (models_[i].mergeable) list += NameOf(models_[i]) + u"\"\n";
   }
   if (!list.empty()) Add(shell_.Text("projects_that_will_be_merged") + u"\n\n" + list);
 }

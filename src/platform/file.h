@@ -78,6 +78,10 @@ bool IsSameFile(const std::u16string& a, const std::u16string& b);
 
 // Index of the last "/" or "\" of a path; npos without one.
 inline std::size_t FindLastSeparator(std::u16string_view path) { return path.find_last_of(u"/\\"); }
+// What stands behind it.
+inline std::u16string_view FileNameOf(std::u16string_view path) {
+  return path.substr(FindLastSeparator(path) + 1);
+}
 // `folder` and `name` with one separator between them, whether `folder` ends in one or not.
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
 

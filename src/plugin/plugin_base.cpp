@@ -20,7 +20,7 @@ constexpr char16_t kSeparator = u'/';
 }  // namespace
 
 WideString StemOf(WideView path) {
-  const WideView name = path.substr(platform::FindLastSeparator(path) + 1);
+  const WideView name = platform::FileNameOf(path);
   return WideString(name.substr(0, name.rfind(u'.')));
 }
 

@@ -89,7 +89,7 @@ void ProgressWindow::SetCurrentText(const WideString& text) {
 }
 
 void ProgressWindow::SetCurrentFile(const WideString& path) {
-  currentText_ += u": " + path.substr(platform::FindLastSeparator(path) + 1);
+  currentText_.append(u": ").append(platform::FileNameOf(path));
   currentFile_ = path;
 }
 

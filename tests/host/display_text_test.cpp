@@ -57,10 +57,4 @@ TEST(FitToColumns, SurrogatePairsStayWhole) {
   EXPECT_EQ(u"...\U0001F3E0", FitToColumns(u"\U0001F3E0\U0001F3E0\U0001F3E0", 5));
 }
 
-TEST(FileNameOf, IsBehindTheLastSeparator) {
-  EXPECT_EQ(u"c.ifc", FileNameOf(u"/a/b/c.ifc"));
-  EXPECT_EQ(u"c.ifc", FileNameOf(u"D:\\a\\c.ifc"));
-  EXPECT_EQ(u"c.ifc", FileNameOf(u"c.ifc"));
-}
-
 }  // namespace corvel::host

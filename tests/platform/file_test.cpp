@@ -216,6 +216,13 @@ TEST(Paths, BothSeparatorsCount) {
   EXPECT_EQ(std::u16string::npos, FindLastSeparator(u"a.ifc"));
 }
 
+TEST(Paths, TheNameOfAFileIsBehindTheLastSeparator) {
+  EXPECT_EQ(u"c.ifc", FileNameOf(u"/a/b/c.ifc"));
+  EXPECT_EQ(u"c.ifc", FileNameOf(u"D:\\a\\c.ifc"));
+  EXPECT_EQ(u"c.ifc", FileNameOf(u"c.ifc"));
+  EXPECT_EQ(u"", FileNameOf(u"/a/"));
+}
+
 TEST(Paths, JoiningPutsOneSeparatorBetween) {
   EXPECT_EQ(u"/data/a.txt", JoinPath(u"/data/", u"a.txt"));
   EXPECT_EQ(u"C:\\data\\a.txt", JoinPath(u"C:\\data\\", u"a.txt"));

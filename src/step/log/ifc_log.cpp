@@ -26,9 +26,8 @@ void ShowBox(WideView title, WideView text) {
 WideString LogPathOf(WideView modelPath) {
   WideString path(modelPath);
   if (const std::size_t bar = path.find(u'|'); bar != WideString::npos) {
-    const WideString entry = path.substr(bar + 1);
-    const std::size_t folderEnd = platform::FindLastSeparator(WideView(path).substr(0, bar)) + 1;
-    path = path.substr(0, folderEnd) + entry.substr(platform::FindLastSeparator(entry) + 1);
+    path.resize(platform::FindLastSeparator(modelPath.substr(0, bar)) + 1);
+    path += platform::FileNameOf(modelPath.substr(bar + 1));
   }
   const std::size_t nameStart = platform::FindLastSeparator(path) + 1;
   const std::size_t dot = path.rfind(u'.');

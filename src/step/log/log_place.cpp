@@ -20,8 +20,7 @@ constexpr std::string_view kDateLine = "[00-00-0000    00:00:00]";
 bool IsDateLine(std::string_view text) {
   if (text.size() != kDateLine.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool isDigit = text[i] >= '0' && text[i] <= '9';
-    if (kDateLine[i] == '0' ? !isDigit : text[i] != kDateLine[i]) return false;
+    if (kDateLine[i] == '0' ? !IsDigit(text[i]) : text[i] != kDateLine[i]) return false;
   }
   return true;
 }

@@ -4,11 +4,11 @@
 #include <cmath>
 #include <limits>
 
+#include "core/text.h"
+
 namespace corvel {
 
 namespace {
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Powers of ten that a double holds exactly.
 constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "core/text.h"
+
 namespace corvel {
 
 inline constexpr std::uint8_t kLetterByte = 1;
@@ -32,7 +34,6 @@ constexpr bool IsOfKind(char byte, unsigned kinds) {
   return (kByteKinds[static_cast<unsigned char>(byte)] & kinds) != 0;
 }
 constexpr bool IsLetter(char byte) { return IsOfKind(byte, kLetterByte); }
-constexpr bool IsDigit(char byte) { return IsOfKind(byte, kDigitByte); }
 constexpr bool IsBlank(char byte) { return IsOfKind(byte, kBlankByte); }
 
 }  // namespace corvel

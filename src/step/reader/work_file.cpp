@@ -18,11 +18,10 @@ constexpr std::uint32_t kMostNumbers = 1000;
 // the entry's name, beside the container.
 WideString BaseOf(const WideString& inputPath, const FileStream::InputStream& input) {
   WideString base = inputPath;
-  if (input.Extension() == u".olf") {
-    const WideString& container = input.ContainerPath();
-    const WideString& entry = input.EntryName();
-    base = container.substr(0, platform::FindLastSeparator(container) + 1) +
-           entry.substr(platform::FindLastSeparator(entry) + 1);
+  if (FileStream::FormOfExtension(input.Extension()) == FileStream::ModelForm::kContained) {
+    base = input.ContainerPath();
+    base.resize(platform::FindLastSeparator(base) + 1);
+    base += platform::FileNameOf(input.EntryName());
   }
   const std::size_t nameStart = platform::FindLastSeparator(base) + 1;
   const std::size_t dot = base.find_last_of(u'.');
@@ -85,7 +84,7 @@ WorkFile OpenBeside(const WideString& base, const WorkFileRules& rules) {
   opened.path = base + u"_TEMP.ifc";
   for (std::uint32_t number = 2; !Settle(opened.path, rules, opened.file); ++number) {
     if (number > kMostNumbers) break;
-    opened.path = base + u"_TEMP" + ToWide(number) + u".ifc";
+    opened.path = base + u"_TEMP" + ToWide(number) + FileStream::kPlainEnding;
   }
   return opened;
 }

@@ -5,31 +5,6 @@
 
 namespace FileStream {
 
-namespace {
-
-// Extensions are ASCII; other characters have no case here, whatever the locale.
-char16_t ToLower(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
-
-}  // namespace
-
-corvel::WideString ExtensionOf(corvel::WideView path) {
-  // An entry of a container: the four characters before the bar, for extensions such as ".olf".
-  constexpr std::size_t kContainerExtension = 4;
-  const std::size_t bar = path.find(u'|');
-  corvel::WideView found;
-  if (bar != corvel::WideView::npos) {
-    const std::size_t start = bar > kContainerExtension ? bar - kContainerExtension : 0;
-    found = path.substr(start, bar - start);
-  } else if (const std::size_t dot = path.rfind(u'.'); dot != corvel::WideView::npos) {
-    found = path.substr(dot);
-  }
-  corvel::WideString extension(found);
-  for (char16_t& unit : extension) unit = ToLower(unit);
-  return extension;
-}
-
 InputStream::InputStream(const corvel::WideString& path, corvel::ErrorReporter showError)
     : extension_(ExtensionOf(path)),
       containerPath_(path.substr(0, path.find(u'|'))),

@@ -12,6 +12,7 @@
 
 #include "core/reporting.h"
 #include "core/text.h"
+#include "step/streams/model_form.h"
 
 namespace FileStream {
 
@@ -77,7 +78,7 @@ class InputStream {
     return cursor_ != deliveredStart_ ? cursor_[-1] == ';' : keptSemicolon_;
   }
 
-  // Lower-cased extension with its dot; the four characters before the "|" of `archive|entry`.
+  // See ExtensionOf.
   const corvel::WideString& Extension() const { return extension_; }
   // The path up to the "|", or the whole path.
   const corvel::WideString& ContainerPath() const { return containerPath_; }
@@ -120,8 +121,5 @@ class InputStream {
   std::string carriedText_;               // statement text that is no longer in the window
   bool keptSemicolon_ = false;            // LastWasSemicolon as of deliveredStart_
 };
-
-// Lower-cased extension of a path with its dot, as the streams form it (see Extension()).
-corvel::WideString ExtensionOf(corvel::WideView path);
 
 }  // namespace FileStream

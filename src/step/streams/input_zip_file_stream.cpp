@@ -53,10 +53,11 @@ bool CanBeRead(const unz_file_info64& info) {
 InputZipFileStream::InputZipFileStream(const corvel::WideString& path,
                                        corvel::ErrorReporter showError, std::size_t bufferSize)
     : InputStream(path, showError), path_(path) {
-  if (Extension() == u".olf") {
+  const ModelForm form = FormOfExtension(Extension());
+  if (form == ModelForm::kContained) {
     const std::size_t bar = path.find(u'|');
     if (bar != corvel::WideString::npos) entryName_ = path.substr(bar + 1);
-  } else if (Extension() != u".ifczip") {
+  } else if (form != ModelForm::kPacked) {
     Tell(u"Wrong extension of file: ", path);
     return;
   }
@@ -88,7 +89,7 @@ bool InputZipFileStream::ChooseEntry() {
     Tell(u"Could not go to first file in zip archive");
     return false;
   }
-  return Extension() == u".ifczip" ? GoToFirstFile() : GoToNamedFile();
+  return FormOfExtension(Extension()) == ModelForm::kPacked ? GoToFirstFile() : GoToNamedFile();
 }
 
 // Packed folders come before what is in them: the first file stands behind its folders.

@@ -7,12 +7,14 @@ namespace FileStream {
 
 std::unique_ptr<InputStream> OpenInput(const corvel::WideString& path, std::size_t bufferSize,
                                        corvel::ErrorReporter showError) {
-  const corvel::WideString extension = ExtensionOf(path);
-  if (extension == u".ifczip" || extension == u".olf") {
-    return std::make_unique<InputZipFileStream>(path, showError, bufferSize);
+  switch (FormOf(path)) {
+    case ModelForm::kPlain: return std::make_unique<InputFileStream>(path, showError, bufferSize);
+    case ModelForm::kPacked:
+    case ModelForm::kContained:
+      return std::make_unique<InputZipFileStream>(path, showError, bufferSize);
+    case ModelForm::kNone: break;
   }
-  if (extension != u".ifc") return nullptr;
-  return std::make_unique<InputFileStream>(path, showError, bufferSize);
+  return nullptr;
 }
 
 }  // namespace FileStream

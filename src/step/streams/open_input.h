@@ -9,9 +9,8 @@
 
 namespace FileStream {
 
-// In any case of its letters ".ifc" gives a plain file, and ".ifczip" and `container.olf|entry` an
-// entry of an archive. Null when the ending is not known. The stream may have failed to open: ask
-// IsOpen.
+// A plain model gives a file, and the other forms an entry of an archive. Null when the name is
+// that of no model. The stream may have failed to open: ask IsOpen.
 std::unique_ptr<InputStream> OpenInput(const corvel::WideString& path, std::size_t bufferSize,
                                        corvel::ErrorReporter showError);
 

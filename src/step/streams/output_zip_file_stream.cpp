@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "step/streams/archive_file.h"
+#include "step/streams/model_form.h"
 
 namespace FileStream {
 
@@ -23,7 +24,7 @@ corvel::WideString NameOfEntry(corvel::WideView path) {
   const std::size_t before =
       bar != corvel::WideView::npos ? bar : platform::FindLastSeparator(path);
   const corvel::WideView name = path.substr(before + 1);
-  return corvel::WideString(name.substr(0, name.rfind(u'.'))) + u".ifc";
+  return corvel::WideString(name.substr(0, name.rfind(u'.'))) + kPlainEnding;
 }
 
 OutputZipFileStream::OutputZipFileStream(const corvel::WideString& path,

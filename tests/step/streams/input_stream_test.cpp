@@ -25,24 +25,6 @@ std::string TakeByWindow(InputStream& stream, std::size_t count) {
   return taken;
 }
 
-TEST(ExtensionOf, ItIsTheTextFromTheLastDotInLowerCase) {
-  EXPECT_EQ(u".ifc", ExtensionOf(u"C:\\m\\a.ifc"));
-  EXPECT_EQ(u".ifczip", ExtensionOf(u"/m/a.b.IFCZip"));
-  EXPECT_EQ(u".", ExtensionOf(u"a."));
-}
-
-TEST(ExtensionOf, WithoutADotItIsEmpty) {
-  EXPECT_EQ(u"", ExtensionOf(u"model"));
-  EXPECT_EQ(u"", ExtensionOf(u""));
-}
-
-TEST(ExtensionOf, OfAContainerEntryItIsTheFourCharactersBeforeTheBar) {
-  EXPECT_EQ(u".olf", ExtensionOf(u"a.OLF|sub/model.ifc"));
-  EXPECT_EQ(u".olf", ExtensionOf(u"a.olf|x|y.ifc"));
-  EXPECT_EQ(u"chiv", ExtensionOf(u"a.archiv|model.ifc"));
-  EXPECT_EQ(u"ab", ExtensionOf(u"AB|model.ifc"));
-}
-
 TEST(InputStream, ThePathIsSplitAtTheFirstBar) {
   const MemoryInputStream entry("", 1, u"D:\\a.olf|sub/model.ifc");
   EXPECT_EQ(u"D:\\a.olf", entry.ContainerPath());
