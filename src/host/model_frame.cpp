@@ -3,20 +3,22 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "core/entity_cast.h"
 #include "merge/unit_texts.h"
+#include "schema/attributes.h"
 #include "schema/interfaces/product.h"
 #include "schema/interfaces/properties.h"
 #include "schema/interfaces/units.h"
-#include "step/record_numbers.h"
+#include "step/numbers/number_text.h"
 
 namespace corvel::host {
 
 namespace {
 
-constexpr WideView kMeasureWithUnit = u"IfcMeasureWithUnit";
 constexpr WideView kConversionSet = u"epset_mapconversion";
 // Units may be made from units; a file in which that goes in a circle ends here.
 constexpr int kDeepestUnit = 16;
@@ -32,13 +34,10 @@ constexpr Prefix kPrefixes[] = {
     {u"CENTI", 1e-2},  {u"MILLI", 1e-3}, {u"MICRO", 1e-6}, {u"NANO", 1e-9}, {u"PICO", 1e-12},
     {u"FEMTO", 1e-15}, {u"ATTO", 1e-18}};
 
-// The values of a conversion by the names of their properties, in small letters, in the order of
-// MapConversion; attributes of IfcMapConversion stand in the same order behind the two systems.
-constexpr std::array<WideView, MapConversion::kCount> kValueNames = {
-    u"eastings", u"northings", u"orthogonalheight", u"xaxisabscissa", u"xaxisordinate", u"scale"};
-constexpr std::array<const char16_t*, MapConversion::kCount> kShownNames = {
-    u"Eastings", u"Northings", u"OrthogonalHeight", u"XAxisAbscissa", u"XAxisOrdinate", u"Scale"};
-constexpr std::size_t kFirstValue = 2;
+// The values of a conversion, in the order of MapConversion: what the attributes of
+// IfcMapConversion are called, and in any case of the letters the properties that stand for them.
+constexpr std::array<std::string_view, MapConversion::kCount> kValueNames = {
+    "Eastings", "Northings", "OrthogonalHeight", "XAxisAbscissa", "XAxisOrdinate", "Scale"};
 
 WideString Shown(double number) {
   char text[32];
@@ -56,7 +55,48 @@ std::vector<IFC::IfcEntity*> ChildrenOf(const IFC::IfcEntity& entity) {
   return children;
 }
 
-std::optional<double> MetresIn(IFC::IfcEntity* unit, int depth);
+std::optional<double> NumberInText(WideView text) {
+  const std::string bytes = Narrow(text);
+  double number = 0.0;
+  const auto result = std::from_chars(bytes.data(), bytes.data() + bytes.size(), number);
+  return result.ec == std::errc() && std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
+// As it would be written: what writers leave in the last digits makes no difference.
+double AsWritten(double value) {
+  char text[kNumberRoom];
+  return ParseReal({text, static_cast<std::size_t>(FormatReal(value, text) - text)});
+}
+
+// The first number in an attribute, be it bare, in a list, typed or quoted.
+std::optional<double> NumberIn(ConstAttribute attribute) {
+  std::optional<double> number;
+  const IFC::IfcEntity* typed = nullptr;
+  const auto take = [&](std::optional<double> found) {
+    if (!number) number = found;
+  };
+  attribute.ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* value) {
+    if (value != nullptr && value->inlineValue && typed == nullptr) typed = value;
+  });
+  if (typed != nullptr && AttributesOf(*typed).size() != 0) attribute = AttributesOf(*typed)[0];
+  attribute.ForEach<double>([&](double value) { take(AsWritten(value)); });
+  if (attribute.Facts().kind == ValueKind::kInteger) attribute.ForEach<std::int32_t>(take);
+  attribute.ForEach<const char16_t*>([&](const char16_t* text) { take(NumberInText(text)); });
+  return number;
+}
+
+// As NumberIn; nothing when the object has no attribute of that name.
+std::optional<double> NumberOf(const IFC::IfcEntity& entity, std::string_view name) {
+  const auto attribute = AttributesOf(entity).Find(name);
+  return attribute ? NumberIn(*attribute) : std::nullopt;
+}
+
+// What the attribute of that name refers to; null for nothing.
+IFC::IfcEntity* ReferenceOf(const IFC::IfcEntity& entity, std::string_view name) {
+  const auto attribute = AttributesOf(entity).Find(name);
+  IFC::IfcEntity* const* const reference = attribute ? attribute->As<IFC::IfcEntity*>() : nullptr;
+  return reference == nullptr ? nullptr : *reference;
+}
 
 std::optional<double> MetresInSI(const IFC::VIfcSIUnit& unit) {
   if (WithoutDotsAndCommas(unit.getNameText()) != u"METRE") return {};
@@ -67,21 +107,20 @@ std::optional<double> MetresInSI(const IFC::VIfcSIUnit& unit) {
   return {};
 }
 
-// "0.3048 of that unit": the value comes first, the unit is the one child.
-std::optional<double> MetresInMeasure(const IFC::IfcEntity& measure, int depth) {
-  const std::optional<double> value = NumbersOf(measure).front();
-  if (!value) return {};
-  for (IFC::IfcEntity* const child : ChildrenOf(measure)) {
-    if (const auto metres = MetresIn(child, depth + 1)) return *value * *metres;
-  }
-  return {};
-}
-
-std::optional<double> MetresIn(IFC::IfcEntity* unit, int depth) {
-  if (const auto* const si = EntityCast<IFC::VIfcSIUnit>(unit)) return MetresInSI(*si);
-  if (depth > kDeepestUnit || EntityCast<IFC::VIfcConversionBasedUnit>(unit) == nullptr) return {};
-  for (const IFC::IfcEntity* const child : ChildrenOf(*unit)) {
-    if (child->getClassName() == kMeasureWithUnit) return MetresInMeasure(*child, depth);
+// A unit that is made from another: "0.3048 of that unit".
+std::optional<double> MetresIn(IFC::IfcEntity* unit) {
+  double factor = 1.0;
+  for (int depth = 0; depth <= kDeepestUnit; ++depth) {
+    if (const auto* const si = EntityCast<IFC::VIfcSIUnit>(unit)) {
+      const std::optional<double> metres = MetresInSI(*si);
+      return metres ? std::optional(factor * *metres) : std::nullopt;
+    }
+    if (EntityCast<IFC::VIfcConversionBasedUnit>(unit) == nullptr) return {};
+    const IFC::IfcEntity* const measure = ReferenceOf(*unit, "ConversionFactor");
+    const auto value = measure == nullptr ? std::nullopt : NumberOf(*measure, "ValueComponent");
+    if (!value) return {};
+    factor *= *value;
+    unit = ReferenceOf(*measure, "UnitComponent");
   }
   return {};
 }
@@ -107,10 +146,8 @@ Kind KindOf(IFC::IfcEntity* entity) {
 
 MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
   MapConversion conversion;
-  std::vector<std::optional<double>> numbers = NumbersOf(entity);
-  numbers.resize(kFirstValue + MapConversion::kCount);
   for (std::size_t i = 0; i < MapConversion::kCount; ++i) {
-    conversion.values[i] = numbers[kFirstValue + i].value_or(conversion.values[i]);
+    conversion.values[i] = NumberOf(entity, kValueNames[i]).value_or(conversion.values[i]);
   }
   return conversion;
 }
@@ -129,10 +166,10 @@ MapConversion ConversionOfSet(const IFC::IfcEntity& set) {
     const auto* const property = EntityCast<IFC::VIfcProperty>(child);
     if (property == nullptr) continue;
     const WideString name = ToLowerAscii(property->getPropertyName());
-    const std::vector<std::optional<double>> numbers = NumbersOf(*child);
-    const auto value = numbers.size() > kValue ? numbers[kValue] : std::nullopt;
+    const auto attributes = AttributesOf(std::as_const(*child));
+    const auto value = attributes.size() > kValue ? NumberIn(attributes[kValue]) : std::nullopt;
     for (std::size_t i = 0; value && i < kValueNames.size(); ++i) {
-      if (kValueNames[i] == name) conversion.values[i] = *value;
+      if (ToLowerAscii(Widen(kValueNames[i])) == name) conversion.values[i] = *value;
     }
   }
   return conversion;
@@ -146,7 +183,7 @@ LengthUnit LengthUnitOf(const IfcDocument& document) {
   // From the last unit to the first, as the merge looks for it.
   for (IFC::IfcEntity* const unit : ChildrenOf(*assignment)) {
     if (WithoutDotsAndCommas(UnitTypeText(unit)) != u"LENGTHUNIT") continue;
-    const std::optional<double> metres = MetresIn(unit, 0);
+    const std::optional<double> metres = MetresIn(unit);
     return {NameOf(unit, metres), metres};
   }
   return {};
@@ -177,8 +214,8 @@ WideString DifferenceBetween(const MapConversion& first, const MapConversion& ot
   for (std::size_t i = 0; i < first.values.size(); ++i) {
     if (first.values[i] == other.values[i]) continue;
     if (!text.empty()) text += u", ";
-    text += WideString(kShownNames[i]) + u" " + Shown(other.values[i]) + u" for " +
-            Shown(first.values[i]);
+    text +=
+        Widen(kValueNames[i]) + u" " + Shown(other.values[i]) + u" for " + Shown(first.values[i]);
   }
   return text;
 }

@@ -20,6 +20,11 @@ struct Slot {
 
 // Keys hash to their last decimal digit: most stand far behind the slot that their hash names.
 class Table {
+  static std::size_t HashOf(int key) { return static_cast<std::size_t>(key % 10); }
+  static auto Is(int key) {
+    return [key](const Slot& slot) { return slot.key == key; };
+  }
+
  public:
   void Set(int key, int value) {
     Slot& slot = slots_.Enter(HashOf(key), Is(key));
@@ -32,11 +37,6 @@ class Table {
   void Clear() { slots_.Clear(); }
 
  private:
-  static std::size_t HashOf(int key) { return static_cast<std::size_t>(key % 10); }
-  static auto Is(int key) {
-    return [key](const Slot& slot) { return slot.key == key; };
-  }
-
   OpenTable<Slot, 4> slots_;
 };
 

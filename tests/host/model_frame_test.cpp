@@ -81,11 +81,33 @@ TEST(MapConversionOf, APropertySetStandsForItInAnyCaseOfItsLetters) {
   EXPECT_EQ((MapConversion{{7.0, 0.0, 0.0, 1.0, 0.0, 2.0}}), *conversion);
 }
 
+TEST(MapConversionOf, TheLastDigitsOfANumberDoNotMatter) {
+  EXPECT_EQ(ConversionIn(MapConversionWith("10.1,20.,3.,$,$,1.")),
+            ConversionIn(MapConversionWith("10.100000000000001,20.,3.,$,$,0.99999999999999999")));
+}
+
+TEST(MapConversionOf, NumbersInPropertiesMayBeTypedQuotedOrInAList) {
+  const auto eastingsOf = [](const std::string& value) {
+    return ConversionIn(SetWith("ePset_MapConversion", "'Eastings',$," + value))->values[0];
+  };
+  EXPECT_EQ(1.5, eastingsOf("IFCREAL(1.5)"));
+  EXPECT_EQ(7.0, eastingsOf("IFCINTEGER(7)"));
+  EXPECT_EQ(-2.5, eastingsOf("IFCLABEL('-2.5')"));
+  EXPECT_EQ(12.0, eastingsOf("IFCTEXT('12 m')"));
+  const auto list = ConversionIn(
+      "#1=IFCPROPERTYSET('g',$,'ePset_MapConversion',$,(#2));"
+      "#2=IFCPROPERTYLISTVALUE('Eastings',$,(IFCREAL(3.5),IFCREAL(4.)),$);");
+  EXPECT_EQ(3.5, list->values[0]);
+}
+
 TEST(MapConversionOf, ValuesThatAreNoNumbersAreAbsent) {
-  const auto conversion =
-      ConversionIn(SetWith("ePset_MapConversion", "'Eastings',$,IFCLABEL('x')"));
-  ASSERT_TRUE(conversion);
-  EXPECT_EQ(0.0, conversion->values[0]);
+  for (const char* const value :
+       {"IFCLABEL('x')", "IFCLABEL('Infinity')", "IFCLABEL('')", "$", "IFCBOOLEAN(.T.)"}) {
+    const auto conversion =
+        ConversionIn(SetWith("ePset_MapConversion", "'Eastings',$," + std::string(value)));
+    ASSERT_TRUE(conversion);
+    EXPECT_EQ(0.0, conversion->values[0]) << value;
+  }
 }
 
 TEST(MapConversionOf, OtherSetsAreNone) {
