@@ -29,8 +29,8 @@ inline bool ClassIs(const IFC::IfcEntity& entity, WideView name) {
 }
 
 // The progress ticks of a step that passes over the entities of a model, often more than once. The
-// step visits few entities and skips the rest; skipped ones count as well. A tick is due after every
-// `block` entities, and a step sends `tickCount` ticks at most, all its passes together.
+// step visits few entities and skips the rest; skipped ones count as well. A tick is due after
+// every `block` entities, and a step sends `tickCount` ticks at most, all its passes together.
 class PassTicks {
  public:
   PassTicks(const Stage& stage, std::size_t block, int tickCount)
