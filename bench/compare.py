@@ -10,10 +10,12 @@ import statistics
 import sys
 from pathlib import Path
 
+from many import merge_many
 from measure import Failed, process, stages
 
 PAIRS = 9
 THRESHOLD = 0.05
+MANY = 200        # small models
 SHORTEST = 0.005  # seconds: stages below are all noise
 
 
@@ -25,6 +27,7 @@ def jobs(build, first, second, out):
         'merge': lambda: stages([bench, 'merge', out, first, second]),
         'mark': lambda: stages([bench, 'mark', first]),
         'program': lambda: {'merge': process([program, 'merge', first, second, '-o', out])},
+        'many': lambda: {'merge': merge_many(program, out.parent, MANY, out)},
     }
 
 

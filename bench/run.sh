@@ -2,12 +2,13 @@
 # Makes the models, measures reading, writing, merging and marking beside the yardsticks, and prints
 # one table with the targets. Each figure is the median of five runs, in processor time. Then what
 # compression costs, single parts, and how time and memory grow at the corners.
-#   bench/run.sh [SIZE...]      sizes of the models, 25MB 100MB 250MB unless told
+#   bench/run.sh [SIZE...]      sizes of the models, 25MB 100MB 250MB unless told; 25 is 25MB
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$here"
 sizes=("$@")
 [ "${#sizes[@]}" -gt 0 ] || sizes=(25MB 100MB 250MB)
+for i in "${!sizes[@]}"; do [[ ${sizes[i]} =~ ^[0-9]+$ ]] && sizes[i]+=MB; done
 
 tools/setup.sh
 cmake --preset release >/dev/null

@@ -7,6 +7,7 @@ BUILD is the folder of the release build; MODELS holds the models that run.sh ha
 import sys
 from pathlib import Path
 
+from many import COUNTS, SAMPLE, merge_many
 from measure import Failed, ROOT, medians, process, stages, web_ifc_folder
 
 READ_RATE, RESAVE_RATE, MERGE_RATE = 150.0, 100.0, 65.0  # MB per second
@@ -15,6 +16,7 @@ FLAT_SHARE = 85.0                                        # percent of the rate a
 FOUR_PEAK = 6.0                                          # GiB
 START_TIME, REGISTRY_TIME = 30.0, 1.0                    # ms
 WINE_SHARE = 60.0                                        # percent of the native rate
+MANY_SHARE = 87.0                                        # percent of the rate at ten models
 KEPT = 0.5                                               # the same, once all is released
 NEEDED_FOR_RATES = 20e6                                  # bytes: smaller models have no target
 
@@ -177,6 +179,22 @@ def print_four(build, models, size):
           f'{peak:.2f} GiB  {verdict(peak, FOUR_PEAK, "GiB", True)}')
 
 
+def print_many(build, models):
+    """Many small models: as many bytes a second as with ten, and as many bytes of memory a byte."""
+    program, out = build / 'bin' / 'corvel', models / 'out.ifc'
+    costs = medians({count: (lambda count=count: {'': merge_many(program, models, count, out)})
+                     for count in COUNTS})
+    out.unlink(missing_ok=True)
+    size = SAMPLE.stat().st_size
+    rates = {count: count * size / 1e6 / costs[f'{count}'].seconds for count in COUNTS}
+    for count in COUNTS:
+        share = 100.0 * rates[count] / rates[10]
+        target = '  ' + verdict(share, MANY_SHARE, '%') if count > 10 else ''
+        print(f'merge of {count} models of {size / 1000:.0f} KB: {rates[count]:.1f} MB/s, '
+              f'{share:.0f} % of the rate of 10, peak {costs[f"{count}"].peak / count / size:.2f} '
+              f'bytes per byte{target}')
+
+
 def print_wine(build, models, size):
     """The program for Windows beside the native one; only where it has been built. What a process
     takes before it reads anything is left out on both sides."""
@@ -224,6 +242,7 @@ def main():
         print_flatness(group)
     print_small(build, models)
     print_four(build, models, sizes[-1])
+    print_many(build, models)
     print_wine(build, models, sizes[min(1, len(sizes) - 1)])
 
 

@@ -157,6 +157,9 @@ plugin::RunListener ModelRun::Listener() {
                  u": this folder cannot be written; what was merged last is "
                  u"not remembered");
   };
+  listener.objectsOf = [](HostObject project) {
+    return Viewer::Instance()->Scene().ObjectsOf(project);
+  };
   return listener;
 }
 

@@ -66,6 +66,12 @@ std::vector<HostObject> ViewerScene::Projects() const {
   return projects;
 }
 
+std::vector<HostObject> ViewerScene::ObjectsOf(HostObject project) const {
+  const auto first = std::lower_bound(objects_.begin(), objects_.end(), HandleOf(project, 0));
+  const auto end = std::lower_bound(first, objects_.end(), HandleOf(project + 1, 0));
+  return {first, end};
+}
+
 HostObject ViewerScene::ProjectOf(HostObject object) const {
   return EntryOf(object) == nullptr ? 0 : ProjectPartOf(object);
 }

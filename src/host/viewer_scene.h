@@ -41,6 +41,8 @@ class ViewerScene {
   std::vector<HostObject> Projects() const;
   // In the order of the models.
   const std::vector<HostObject>& Objects() const { return objects_; }
+  // Those of one project; none for a project that is not there.
+  std::vector<HostObject> ObjectsOf(HostObject project) const;
   // 0 for an object that is not there.
   HostObject ProjectOf(HostObject object) const;
   // Zeroes, and a class without a name, for an object that is not there.

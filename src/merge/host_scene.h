@@ -57,6 +57,8 @@ class HostScene {
 
   // Of all projects, in the order of the host; empty where it does not tell.
   virtual std::vector<HostObject> AllObjects() = 0;
+  // Those of a project, in the same order.
+  virtual std::vector<HostObject> ObjectsOf(HostObject project);
   // One record for each object; zeroed where the host does not tell. Projects fills `project`,
   // Infos everything else.
   virtual std::vector<ObjectInfo> Projects(const std::vector<HostObject>& objects) = 0;

@@ -95,15 +95,7 @@ std::vector<MarkerPair> ObjectSelection::ToMarkerPairs(const std::vector<HostObj
 }
 
 std::vector<HostObject> ObjectSelection::ObjectsOf(HostObject project) {
-  std::vector<HostObject> objects = scene_.AllObjects();
-  if (project == 0) return objects;
-  const std::vector<ObjectInfo> owners = scene_.Projects(objects);
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < objects.size(); ++i) {
-    if (owners[i].project == project) objects[kept++] = objects[i];
-  }
-  objects.resize(kept);
-  return objects;
+  return project == 0 ? scene_.AllObjects() : scene_.ObjectsOf(project);
 }
 
 // A user does not see an opening, only that what it is in has a hole. An opening in something that

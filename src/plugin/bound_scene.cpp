@@ -26,6 +26,14 @@ std::vector<HostObject> BoundScene::AllObjects() {
   });
 }
 
+std::vector<HostObject> BoundScene::ObjectsOf(HostObject project) {
+  const Plugin* const plugin = Plugin::Instance();
+  if (plugin != nullptr && plugin->Listener().objectsOf) {
+    return plugin->Listener().objectsOf(project);
+  }
+  return HostScene::ObjectsOf(project);
+}
+
 std::vector<ObjectInfo> BoundScene::Projects(const std::vector<HostObject>& objects) {
   return Ask(Host().get_object_info2, objects);
 }

@@ -11,6 +11,7 @@ namespace corvel::plugin {
 class BoundScene final : public HostScene {
  public:
   std::vector<HostObject> AllObjects() override;
+  std::vector<HostObject> ObjectsOf(HostObject project) override;
   std::vector<ObjectInfo> Projects(const std::vector<HostObject>& objects) override;
   std::vector<ObjectInfo> Infos(const std::vector<HostObject>& objects) override;
   std::vector<ObjectState> States(const std::vector<HostObject>& objects) override;

@@ -1,11 +1,12 @@
-// What a program that has the plug-in built in hears of a run besides what a viewer is told.
+// What a program that has the plug-in built in hears of a run, and knows for it, besides what a
+// viewer is told and asked.
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <vector>
 
 #include "core/text.h"
+#include "merge/host_scene.h"
 #include "merge/run_model.h"
 
 namespace corvel::plugin {
@@ -16,6 +17,9 @@ struct RunListener {
   std::function<void(const std::vector<RunModel>&)> modelsCompared;
   // The folder for LastPath.txt refuses it. Without a listener that is a report of the run.
   std::function<void(const WideString& folder)> outputNotRemembered;
+  // The objects of a project, in the order of the scene. A viewer is asked for all objects and the
+  // project of each, again for each model: with a thousand models that is more than all the rest.
+  std::function<std::vector<HostObject>(HostObject project)> objectsOf;
 };
 
 }  // namespace corvel::plugin

@@ -53,6 +53,24 @@ TEST(ViewerScene, ObjectsOfAllModelsAreListedInOrder) {
             scene.Objects());
 }
 
+TEST(ViewerScene, TheObjectsOfAProjectAreThoseOfAllThatNameIt) {
+  const ViewerScene scene = SceneWith(Model("#9=IFCSLAB();#3=IFCPROJECT();"));
+  for (HostObject project = 0; project <= 3; ++project) {
+    std::vector<HostObject> wanted;
+    for (const HostObject object : scene.Objects()) {
+      if (scene.InfoOf(object).project == project) wanted.push_back(object);
+    }
+    EXPECT_EQ(wanted, scene.ObjectsOf(project)) << project;
+  }
+}
+
+TEST(ViewerScene, TheProjectOfAnObjectIsThatOfItsRecord) {
+  const ViewerScene scene = SceneWith(Model(kHouse));
+  for (const HostObject object : {Handle(0, 1), Handle(1, 1), Handle(2, 3), Handle(3, 1)}) {
+    EXPECT_EQ(scene.InfoOf(object).project, scene.ProjectOf(object)) << object;
+  }
+}
+
 TEST(ViewerScene, TheRecordOfAnObjectNamesItsProjectClassNumberAndParent) {
   const ViewerScene scene = SceneWith(Model(kHouse));
   const ObjectInfo info = scene.InfoOf(Handle(2, 3));

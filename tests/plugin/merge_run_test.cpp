@@ -105,6 +105,26 @@ TEST_F(MergeRunTest, AllActiveProjectsAreMergedIntoOneFile) {
   EXPECT_TRUE(platform.boxes.empty());
 }
 
+TEST_F(MergeRunTest, AProgramThatKnowsTheObjectsOfAProjectSparesTheSceneFromTheSearch) {
+  AddThree();
+  Run();
+  const std::string wanted = folder.Read("out.ifc");
+  const std::size_t searches = host.CallsOf("get_object_info2").size();
+  RunListener listener;
+  listener.objectsOf = [this](HostObject project) {
+    std::vector<HostObject> objects;
+    for (const auto& object : host.objects) {
+      if (object.project == project) objects.push_back(object.handle);
+    }
+    return objects;
+  };
+  Plugin::Instance()->SetListener(listener);
+  IFC::MainContainer::ResetUniqueMarker();  // numbers go on from run to run
+  ClickOn(SavingMode::kMergeActive);
+  EXPECT_EQ(BodyOf(wanted), BodyOf(folder.Read("out.ifc")));
+  EXPECT_EQ(searches - 6, host.CallsOf("get_object_info2").size()) << "two for each model";
+}
+
 TEST_F(MergeRunTest, ACleanRunLeavesNoLogAndForgetsItsModels) {
   AddThree();
   Run();
