@@ -65,7 +65,7 @@ class Walks : public testing::Test {
   MainContainer container_{RecordedReports::Reporter, RecordedProgress::Callback, 1 << 12};
 };
 
-std::set<IFC::IfcEntity*> ParentsOf(const IFC::IfcEntity& entity) {
+std::set<IFC::IfcEntity*> ParentSetOf(const IFC::IfcEntity& entity) {
   const auto members = entity.parents.Members();
   return {members.begin(), members.end()};
 }
@@ -93,16 +93,16 @@ TEST_F(Walks, ParentsAreWhatRefersDirectly) {
   car.RefersTo(&wheel);
   fleet.RefersTo(&car);
   EXPECT_EQ(Outcome::kComplete, FillParents());
-  EXPECT_EQ((Set{&car}), ParentsOf(wheel));
-  EXPECT_EQ((Set{&fleet}), ParentsOf(car));
-  EXPECT_EQ(Set{}, ParentsOf(fleet));
+  EXPECT_EQ((Set{&car}), ParentSetOf(wheel));
+  EXPECT_EQ((Set{&fleet}), ParentSetOf(car));
+  EXPECT_EQ(Set{}, ParentSetOf(fleet));
 }
 
 TEST_F(Walks, AnEntityMayBeItsOwnParent) {
   Point& loop = Filed();
   loop.RefersTo(&loop);
   FillParents();
-  EXPECT_EQ((Set{&loop}), ParentsOf(loop));
+  EXPECT_EQ((Set{&loop}), ParentSetOf(loop));
 }
 
 TEST_F(Walks, AChildOutsideTheContainerGainsParentsAndIsNotWalked) {
@@ -112,8 +112,8 @@ TEST_F(Walks, AChildOutsideTheContainerGainsParentsAndIsNotWalked) {
   filed.RefersTo(&outside);
   outside.RefersTo(&below);
   FillParents();
-  EXPECT_EQ((Set{&filed}), ParentsOf(outside));
-  EXPECT_EQ(Set{}, ParentsOf(below));
+  EXPECT_EQ((Set{&filed}), ParentSetOf(outside));
+  EXPECT_EQ(Set{}, ParentSetOf(below));
 }
 
 TEST_F(Walks, DeletedEntitiesAreParentsToo) {
@@ -122,7 +122,7 @@ TEST_F(Walks, DeletedEntitiesAreParentsToo) {
   parent.RefersTo(&child);
   parent.marker = IFC::kDeleted;
   FillParents();
-  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  EXPECT_EQ((Set{&parent}), ParentSetOf(child));
 }
 
 TEST_F(Walks, ARebuildForgetsParentsThatAreGone) {
@@ -132,7 +132,7 @@ TEST_F(Walks, ARebuildForgetsParentsThatAreGone) {
   FillParents();
   parent.children.clear();
   FillParents();
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
 }
 
 TEST_F(Walks, ARebuildLeavesTheParentsOfWhatIsOutsideAndTheMergedOnes) {
@@ -143,7 +143,7 @@ TEST_F(Walks, ARebuildLeavesTheParentsOfWhatIsOutsideAndTheMergedOnes) {
   FillParents();
   parent.children.clear();
   FillParents();
-  EXPECT_EQ((Set{&parent}), ParentsOf(outside));
+  EXPECT_EQ((Set{&parent}), ParentSetOf(outside));
   EXPECT_TRUE(parent.mergedParents.Contains(&outside));
 }
 
@@ -153,9 +153,9 @@ TEST_F(Walks, WithoutRebuildTheSecondCallDoesNothing) {
   container_.FillParentsLists();
   parent.RefersTo(&child);
   container_.FillParentsLists();
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   EXPECT_EQ(Outcome::kComplete, FillParents());
-  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  EXPECT_EQ((Set{&parent}), ParentSetOf(child));
 }
 
 TEST_F(Walks, WithoutRebuildNothingTicksAndNothingIsEmptied) {
@@ -164,7 +164,7 @@ TEST_F(Walks, WithoutRebuildNothingTicksAndNothingIsEmptied) {
   IFC::IfcEntity* const first = container_.entities.First().entity;
   first->parents.Insert(&stranger, container_.Parents());
   container_.FillParentsLists();
-  EXPECT_EQ((Set{&stranger}), ParentsOf(*first));
+  EXPECT_EQ((Set{&stranger}), ParentSetOf(*first));
   EXPECT_TRUE(progress_->empty());
 }
 
@@ -232,7 +232,7 @@ TEST_F(Walks, CancelIsAskedAboutAndYesLeavesTheListsUnfilled) {
   progress_.CancelAt(0);
   system_.answers = {platform::Answer::kYes};
   EXPECT_EQ(Outcome::kCancelled, FillParents(0, 1));
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   EXPECT_EQ((std::vector<TestPlatform::Box>{
                 {Cancellation::OfProcess().texts.caption, Cancellation::OfProcess().texts.prompt,
                  platform::Buttons::kYesNo, platform::Icon::kQuestion}}),
@@ -248,9 +248,9 @@ TEST_F(Walks, ACancelledRebuildOfFilledListsLeavesThemCountingAsFilled) {
   FillParents();
   progress_.CancelAt(0);
   EXPECT_EQ(Outcome::kCancelled, FillParents(0, 1));
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   container_.FillParentsLists();
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
 }
 
 TEST_F(Walks, CancelAnsweredWithNoGoesOn) {
@@ -278,21 +278,21 @@ TEST_F(Walks, ARefreshWorksOnlyAfterAChange) {
   const auto refresh = [this] { return container_.RefreshParentsLists(Told(0, 1)); };
   parent.RefersTo(&child);
   EXPECT_EQ(Outcome::kComplete, refresh());
-  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  EXPECT_EQ((Set{&parent}), ParentSetOf(child));
   parent.children.clear();
   EXPECT_EQ(Outcome::kComplete, refresh());
-  EXPECT_EQ((Set{&parent}), ParentsOf(child));
+  EXPECT_EQ((Set{&parent}), ParentSetOf(child));
   container_.NoteChangedReferences();
   EXPECT_EQ(Outcome::kComplete, refresh());
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   Point& added = Outside();
   added.RefersTo(&child);
   container_.AddEntity(&added);
   EXPECT_EQ(Outcome::kComplete, refresh());
-  EXPECT_EQ((Set{&added}), ParentsOf(child));
+  EXPECT_EQ((Set{&added}), ParentSetOf(child));
   container_.EraseEntity(added.marker);
   EXPECT_EQ(Outcome::kComplete, refresh());
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   EXPECT_EQ((std::vector<int>{1, 1, 1, 1, 1}), TickValues(1));
 }
 
@@ -310,7 +310,7 @@ TEST_F(Walks, ACancelledRefreshEmptiesTheSetsThatHadTheirTurn) {
   }
   // The next one does not take them for current.
   EXPECT_EQ(Outcome::kComplete, container_.RefreshParentsLists(Told(0, 0)));
-  for (Point* const point : points) EXPECT_EQ((Set{point}), ParentsOf(*point));
+  for (Point* const point : points) EXPECT_EQ((Set{point}), ParentSetOf(*point));
 }
 
 TEST_F(Walks, OneWalkResetsAllThatIsReachedAndFillsTheParents) {
@@ -333,10 +333,10 @@ TEST_F(Walks, OneWalkResetsAllThatIsReachedAndFillsTheParents) {
     EXPECT_EQ(0u, point->marker);
   }
   EXPECT_EQ(7u, stranger.marker);
-  EXPECT_EQ(Set{}, ParentsOf(filed));
-  EXPECT_EQ((Set{&filed}), ParentsOf(deleted));
-  EXPECT_EQ((Set{&deleted}), ParentsOf(outside));
-  EXPECT_EQ(Set{}, ParentsOf(below));
+  EXPECT_EQ(Set{}, ParentSetOf(filed));
+  EXPECT_EQ((Set{&filed}), ParentSetOf(deleted));
+  EXPECT_EQ((Set{&deleted}), ParentSetOf(outside));
+  EXPECT_EQ(Set{}, ParentSetOf(below));
   EXPECT_TRUE(progress_->empty());
 }
 
@@ -349,7 +349,7 @@ TEST_F(Walks, OnceFilledTheSameWalkOnlyResets) {
   parent.RefersTo(&outside);
   outside.marker = 5;
   container_.ResetMarkersAndFillParents();
-  EXPECT_EQ(Set{}, ParentsOf(child));
+  EXPECT_EQ(Set{}, ParentSetOf(child));
   EXPECT_EQ(0u, child.marker);
   EXPECT_EQ(0u, outside.marker);
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint32_t kMost = 4294967295u;
 
 // Entities that nobody looks at.
-IFC::IfcEntity* Fake(std::uint64_t id) { return reinterpret_cast<IFC::IfcEntity*>(id * 16); }
+IFC::IfcEntity* FakeObject(std::uint64_t id) { return reinterpret_cast<IFC::IfcEntity*>(id * 16); }
 
 using Pairs = std::vector<std::pair<std::uint32_t, IFC::IfcEntity*>>;
 
@@ -44,45 +44,45 @@ TEST(NumberTable, AnEmptyOneHasNothing) {
 
 TEST(NumberTable, TheSmallestAndTheLargestNumberAreKeysLikeAnyOther) {
   NumberTable table;
-  table.Set(kMost, Fake(2));
-  table.Set(0, Fake(1));
-  EXPECT_EQ((Pairs{{0, Fake(1)}, {kMost, Fake(2)}}), Walked(table));
+  table.Set(kMost, FakeObject(2));
+  table.Set(0, FakeObject(1));
+  EXPECT_EQ((Pairs{{0, FakeObject(1)}, {kMost, FakeObject(2)}}), Walked(table));
   EXPECT_FALSE(table.Next(kMost));
   EXPECT_TRUE(table.Remove(kMost));
-  EXPECT_EQ((Pairs{{0, Fake(1)}}), Walked(table));
+  EXPECT_EQ((Pairs{{0, FakeObject(1)}}), Walked(table));
 }
 
 TEST(NumberTable, SetReplacesAndCountsOnce) {
   NumberTable table;
-  table.Set(7, Fake(1));
-  table.Set(7, Fake(2));
+  table.Set(7, FakeObject(1));
+  table.Set(7, FakeObject(2));
   EXPECT_EQ(1u, table.Size());
-  EXPECT_EQ(Fake(2), table.Find(7));
+  EXPECT_EQ(FakeObject(2), table.Find(7));
 }
 
 TEST(NumberTable, ClearForgetsAllAndTheTableServesOn) {
   NumberTable table;
-  for (std::uint32_t number = 1; number < 3000; ++number) table.Set(number, Fake(number));
+  for (std::uint32_t number = 1; number < 3000; ++number) table.Set(number, FakeObject(number));
   table.Clear();
   EXPECT_EQ(0u, table.Size());
   EXPECT_FALSE(table.First());
-  table.Set(5, Fake(5));
-  EXPECT_EQ((Pairs{{5, Fake(5)}}), Walked(table));
+  table.Set(5, FakeObject(5));
+  EXPECT_EQ((Pairs{{5, FakeObject(5)}}), Walked(table));
 }
 
 TEST(NumberTable, TheSmallestFreeNumberIsTheFirstGapFromOneOn) {
   NumberTable table;
   EXPECT_EQ(1u, table.SmallestFree());
-  table.Set(0, Fake(1));
+  table.Set(0, FakeObject(1));
   EXPECT_EQ(1u, table.SmallestFree());
-  table.Set(2, Fake(2));
-  table.Set(kMost, Fake(3));
+  table.Set(2, FakeObject(2));
+  table.Set(kMost, FakeObject(3));
   EXPECT_EQ(1u, table.SmallestFree());
-  table.Set(1, Fake(4));
+  table.Set(1, FakeObject(4));
   EXPECT_EQ(3u, table.SmallestFree());
   table.Remove(2);
   EXPECT_EQ(2u, table.SmallestFree());
-  table.Set(2, Fake(2));
+  table.Set(2, FakeObject(2));
   table.Remove(0);
   EXPECT_EQ(3u, table.SmallestFree());
   table.Clear();
@@ -99,7 +99,7 @@ TEST(NumberTable, TheSmallestFreeNumberIsThatOfAPlainSearch) {
       table.Remove(number);
       used.erase(number);
     } else {
-      table.Set(number, Fake(1 + std::uint64_t{number}));
+      table.Set(number, FakeObject(1 + std::uint64_t{number}));
       used[number] = true;
     }
     if (round % 50 != 0) continue;
@@ -115,11 +115,11 @@ TEST(NumberTable, NumbersOfARunOf512TurnDenseWithoutALoss) {
     Pairs expected;
     for (std::uint32_t i = 0; i < 512; ++i) {
       const std::uint32_t number = start + (i * 37) % 512;  // each once, in no order
-      table.Set(number, Fake(1 + std::uint64_t{number}));
+      table.Set(number, FakeObject(1 + std::uint64_t{number}));
       ASSERT_EQ(i + 1, table.Size());
     }
     for (std::uint32_t i = 0; i < 512; ++i) {
-      expected.emplace_back(start + i, Fake(1 + std::uint64_t{start} + i));
+      expected.emplace_back(start + i, FakeObject(1 + std::uint64_t{start} + i));
     }
     EXPECT_EQ(expected, Walked(table));
     EXPECT_EQ(expected, Stepped(table));
@@ -150,7 +150,7 @@ TEST(NumberTable, ItDoesWhatAMapDoes) {
         case 0:
         case 1:
         case 2:
-          table.Set(number, Fake(1 + random() % 1000));
+          table.Set(number, FakeObject(1 + random() % 1000));
           model[number] = table.Find(number);
           break;
         case 3: ASSERT_EQ(model.erase(number) != 0, table.Remove(number)); break;
@@ -191,8 +191,8 @@ struct SteppingWalk {
 
 template <class Walk>
 class NumberTableWalk : public testing::Test {};
-using Walks = testing::Types<RunningWalk, SteppingWalk>;
-TYPED_TEST_SUITE(NumberTableWalk, Walks);
+using TableWalks = testing::Types<RunningWalk, SteppingWalk>;
+TYPED_TEST_SUITE(NumberTableWalk, TableWalks);
 
 // Entries may come and go while the table is walked, the entry at hand among them.
 TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
@@ -202,8 +202,8 @@ TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
     std::map<std::uint32_t, IFC::IfcEntity*> model;
     for (int i = 0; i < 200; ++i) {
       const std::uint32_t number = AnyNumber(random);
-      table.Set(number, Fake(1));
-      model[number] = Fake(1);
+      table.Set(number, FakeObject(1));
+      model[number] = FakeObject(1);
     }
     int budget = 500;
     auto expected = model.begin();
@@ -219,8 +219,8 @@ TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
                 ? AnyNumber(random)
                 : here + static_cast<std::uint32_t>(random() % 3 == 0 ? 0 : random() % 50);
         if (random() % 2 == 0) {
-          table.Set(number, Fake(2));
-          model[number] = Fake(2);
+          table.Set(number, FakeObject(2));
+          model[number] = FakeObject(2);
         } else {
           table.Remove(number);
           model.erase(number);
@@ -236,17 +236,21 @@ TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
 // The list of a leaf becomes an array under the walk, and entries of arrays go.
 TYPED_TEST(NumberTableWalk, GoesOnWhenALeafTurnsDenseUnderIt) {
   NumberTable table;
-  table.Set(3, Fake(3));
-  table.Set(600, Fake(600));
+  table.Set(3, FakeObject(3));
+  table.Set(600, FakeObject(600));
   Pairs seen;
   for (TypeParam walk(table); walk.Here(); walk.Step()) {
     const std::uint32_t here = walk.Here().number;
     seen.emplace_back(here, walk.Here().entity);
     if (here != 3) continue;
-    for (std::uint32_t number = 0; number < 100; ++number) table.Set(number, Fake(number + 1));
+    for (std::uint32_t number = 0; number < 100; ++number)
+      table.Set(number, FakeObject(number + 1));
     for (std::uint32_t number = 5; number < 99; ++number) table.Remove(number);
   }
-  EXPECT_EQ((Pairs{{3, Fake(3)}, {4, Fake(5)}, {99, Fake(100)}, {600, Fake(600)}}), seen);
+  EXPECT_EQ(
+      (Pairs{
+          {3, FakeObject(3)}, {4, FakeObject(5)}, {99, FakeObject(100)}, {600, FakeObject(600)}}),
+      seen);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace corvel {
 namespace {
 
 // Parents that nobody looks at.
-IFC::IfcEntity* Fake(std::uint64_t id) { return reinterpret_cast<IFC::IfcEntity*>(id * 16); }
+IFC::IfcEntity* FakeParent(std::uint64_t id) { return reinterpret_cast<IFC::IfcEntity*>(id * 16); }
 
 std::vector<IFC::IfcEntity*> MembersOf(const ParentSet& set) {
   const auto members = set.Members();
@@ -27,7 +27,7 @@ TEST(ParentSet, AnEmptyOneHasNoMember) {
   ParentSet set;
   EXPECT_TRUE(set.IsEmpty());
   EXPECT_EQ(0u, set.Size());
-  EXPECT_FALSE(set.Contains(Fake(1)));
+  EXPECT_FALSE(set.Contains(FakeParent(1)));
   EXPECT_TRUE(set.Members().empty());
 }
 
@@ -35,12 +35,12 @@ TEST(ParentSet, EachMemberCountsOnceFromOneToMany) {
   ParentStore store;
   ParentSet set;
   for (std::uint64_t id = 1; id <= 70; ++id) {
-    set.Insert(Fake(id), store);
-    set.Insert(Fake(id), store);
-    set.Insert(Fake(1), store);
+    set.Insert(FakeParent(id), store);
+    set.Insert(FakeParent(id), store);
+    set.Insert(FakeParent(1), store);
     ASSERT_EQ(id, set.Size());
-    ASSERT_TRUE(set.Contains(Fake(id)));
-    ASSERT_FALSE(set.Contains(Fake(id + 1)));
+    ASSERT_TRUE(set.Contains(FakeParent(id)));
+    ASSERT_FALSE(set.Contains(FakeParent(id + 1)));
     ASSERT_FALSE(set.IsEmpty());
   }
 }
@@ -48,10 +48,13 @@ TEST(ParentSet, EachMemberCountsOnceFromOneToMany) {
 TEST(ParentSet, MembersComeInAscendingOrderWhateverTheOrderOfArrival) {
   ParentStore store;
   ParentSet set;
-  for (const std::uint64_t id : {5, 3, 9, 1, 3, 5}) set.Insert(Fake(id), store);
-  EXPECT_EQ((std::vector{Fake(1), Fake(3), Fake(5), Fake(9)}), MembersOf(set));
-  set.Insert(Fake(4), store);
-  EXPECT_EQ((std::vector{Fake(1), Fake(3), Fake(4), Fake(5), Fake(9)}), MembersOf(set));
+  for (const std::uint64_t id : {5, 3, 9, 1, 3, 5}) set.Insert(FakeParent(id), store);
+  EXPECT_EQ((std::vector{FakeParent(1), FakeParent(3), FakeParent(5), FakeParent(9)}),
+            MembersOf(set));
+  set.Insert(FakeParent(4), store);
+  EXPECT_EQ(
+      (std::vector{FakeParent(1), FakeParent(3), FakeParent(4), FakeParent(5), FakeParent(9)}),
+      MembersOf(set));
 }
 
 TEST(ParentSet, ItDoesWhatASetDoes) {
@@ -68,11 +71,11 @@ TEST(ParentSet, ItDoesWhatASetDoes) {
         sets[which].Clear(store);
         models[which].clear();
       } else if (what < 90) {
-        IFC::IfcEntity* const parent = Fake(1 + random() % range);
+        IFC::IfcEntity* const parent = FakeParent(1 + random() % range);
         sets[which].Insert(parent, store);
         models[which].insert(parent);
       } else {
-        IFC::IfcEntity* const parent = Fake(1 + random() % range);
+        IFC::IfcEntity* const parent = FakeParent(1 + random() % range);
         ASSERT_EQ(models[which].contains(parent), sets[which].Contains(parent));
       }
       ASSERT_EQ(models[which].empty(), sets[which].IsEmpty());
@@ -89,28 +92,28 @@ TEST(ParentSet, HalfAMillionMembersInRandomOrder) {
   std::shuffle(ids.begin(), ids.end(), std::mt19937(3));
   ParentStore store;
   ParentSet set;
-  for (const std::uint64_t id : ids) set.Insert(Fake(id), store);
+  for (const std::uint64_t id : ids) set.Insert(FakeParent(id), store);
   ASSERT_EQ(ids.size(), set.Size());
   std::uint64_t expected = 0;
-  for (IFC::IfcEntity* const member : set.Members()) ASSERT_EQ(Fake(++expected), member);
+  for (IFC::IfcEntity* const member : set.Members()) ASSERT_EQ(FakeParent(++expected), member);
 }
 
 TEST(ParentStore, WhatASetGivesBackServesTheNext) {
   ParentStore store;
   ParentSet first;
-  for (std::uint64_t id = 1; id <= 8; ++id) first.Insert(Fake(id), store);
+  for (std::uint64_t id = 1; id <= 8; ++id) first.Insert(FakeParent(id), store);
   const auto* const block = first.Members().data();
   first.Clear(store);
   EXPECT_TRUE(first.IsEmpty());
   ParentSet second;
-  for (std::uint64_t id = 11; id <= 18; ++id) second.Insert(Fake(id), store);
+  for (std::uint64_t id = 11; id <= 18; ++id) second.Insert(FakeParent(id), store);
   EXPECT_EQ(block, second.Members().data());
   EXPECT_EQ(8u, second.Size());
   // A block that was out of order when it was given back starts anew.
-  second.Insert(Fake(1), store);
+  second.Insert(FakeParent(1), store);
   second.Clear(store);
-  for (std::uint64_t id = 21; id <= 29; ++id) first.Insert(Fake(id), store);
-  EXPECT_EQ(Fake(21), first.Members().front());
+  for (std::uint64_t id = 21; id <= 29; ++id) first.Insert(FakeParent(id), store);
+  EXPECT_EQ(FakeParent(21), first.Members().front());
   EXPECT_EQ(9u, first.Size());
 }
 
@@ -119,14 +122,15 @@ TEST(ParentStore, AStoreTakesBlocksOfAnotherOneBack) {
   ParentSet set;
   {
     ParentStore newer;
-    for (std::uint64_t id = 1; id <= 4; ++id) set.Insert(Fake(id), older);
+    for (std::uint64_t id = 1; id <= 4; ++id) set.Insert(FakeParent(id), older);
     set.Clear(newer);
-    for (std::uint64_t id = 5; id <= 8; ++id) set.Insert(Fake(id), newer);
-    EXPECT_EQ((std::vector{Fake(5), Fake(6), Fake(7), Fake(8)}), MembersOf(set));
+    for (std::uint64_t id = 5; id <= 8; ++id) set.Insert(FakeParent(id), newer);
+    EXPECT_EQ((std::vector{FakeParent(5), FakeParent(6), FakeParent(7), FakeParent(8)}),
+              MembersOf(set));
     set.Clear(newer);
   }
-  set.Insert(Fake(9), older);
-  EXPECT_EQ(std::vector{Fake(9)}, MembersOf(set));
+  set.Insert(FakeParent(9), older);
+  EXPECT_EQ(std::vector{FakeParent(9)}, MembersOf(set));
 }
 
 }  // namespace

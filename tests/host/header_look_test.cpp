@@ -16,7 +16,7 @@ HeaderLook LookAt(const std::string& bytes) {
 }
 
 // "1 text, 2 text": what is said against models with these schemas.
-WideString Trouble(const std::vector<WideString>& schemas) {
+WideString TroubleOf(const std::vector<WideString>& schemas) {
   std::vector<WideString> inputs;
   std::vector<HeaderLook> looks;
   for (const WideString& schema : schemas) {
@@ -57,18 +57,18 @@ TEST(HeaderLook, AFileThatCannotBeOpenedIsTrouble) {
 }
 
 TEST(TroubleWithSchemas, TheFirstNeedsAReleaseThatServesIt) {
-  EXPECT_EQ(u"0.ifc: no release of IFC serves its schema 'IFC5'", Trouble({u"IFC5", u"IFC4"}));
+  EXPECT_EQ(u"0.ifc: no release of IFC serves its schema 'IFC5'", TroubleOf({u"IFC5", u"IFC4"}));
 }
 
 TEST(TroubleWithSchemas, OthersAreToldWhenNoneHasTheSchemaOfTheFirst) {
   const WideString behind = u"', and that of the first, 0.ifc, is 'IFC4'";
   EXPECT_EQ(u"1.ifc: its schema is 'IFC2X3" + behind + u", 2.ifc: its schema is 'IFC5" + behind,
-            Trouble({u"IFC4", u"IFC2X3", u"IFC5"}));
+            TroubleOf({u"IFC4", u"IFC2X3", u"IFC5"}));
 }
 
 TEST(TroubleWithSchemas, OneThatDiffersBesideOneThatFitsIsNone) {
-  EXPECT_EQ(u"", Trouble({u"IFC4", u"IFC2X3", u"IFC4"}));
-  EXPECT_EQ(u"", Trouble({u"IFC4"}));
+  EXPECT_EQ(u"", TroubleOf({u"IFC4", u"IFC2X3", u"IFC4"}));
+  EXPECT_EQ(u"", TroubleOf({u"IFC4"}));
 }
 
 }  // namespace corvel::host

@@ -14,7 +14,7 @@ namespace {
 
 using Texts = std::vector<WideString>;
 
-std::string ModelOf(const std::string& records, const std::string& schema = "IFC4") {
+std::string SceneModelOf(const std::string& records, const std::string& schema = "IFC4") {
   return "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION(('#7=IFCWALL();'),'2;1');\n"
          "FILE_NAME('n','t',('a'),('o'),'p','s','z');\nFILE_SCHEMA(('" +
          schema + "'));\nENDSEC;\nDATA;\n" + records + "\nENDSEC;\nEND-ISO-10303-21;\n";
@@ -28,7 +28,7 @@ ModelScene SceneOfFile(const std::string& bytes) {
 }  // namespace
 
 TEST(ModelScene, AFileIsReadBehindItsHeader) {
-  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCPROJECT('p');\n#2=IFCWALL('w');"));
+  const ModelScene scene = SceneOfFile(SceneModelOf("#1=IFCPROJECT('p');\n#2=IFCWALL('w');"));
   EXPECT_EQ("1:IfcProject 2:IfcWall<1", Described(scene));
   EXPECT_EQ(SchemaNamespace::IFC4, scene.schema);
   EXPECT_EQ(Texts{}, scene.remarks);
@@ -36,16 +36,17 @@ TEST(ModelScene, AFileIsReadBehindItsHeader) {
 }
 
 TEST(ModelScene, SeveralDataSectionsAreRead) {
-  EXPECT_EQ(
-      "1:IfcProject 2:IfcWall<1",
-      Described(SceneOfFile(ModelOf("#1=IFCPROJECT('p');\nENDSEC;\nDATA;\n#2=IFCWALL('w');"))));
+  EXPECT_EQ("1:IfcProject 2:IfcWall<1",
+            Described(SceneOfFile(
+                SceneModelOf("#1=IFCPROJECT('p');\nENDSEC;\nDATA;\n#2=IFCWALL('w');"))));
 }
 
 // IfcBuildingElementProxy is no class of every release, and IfcElectricDistributionPoint of one.
 TEST(ModelScene, ClassesAreThoseOfTheReleaseOfTheFile) {
   const std::string records = "#1=IFCELECTRICDISTRIBUTIONPOINT('e');";
-  EXPECT_EQ("1:IfcElectricDistributionPoint", Described(SceneOfFile(ModelOf(records, "IFC2X3"))));
-  EXPECT_EQ("", Described(SceneOfFile(ModelOf(records, "IFC4"))));
+  EXPECT_EQ("1:IfcElectricDistributionPoint",
+            Described(SceneOfFile(SceneModelOf(records, "IFC2X3"))));
+  EXPECT_EQ("", Described(SceneOfFile(SceneModelOf(records, "IFC4"))));
 }
 
 TEST(ModelScene, AFileThatIsNoModelHasAProblemAndNoObjects) {
@@ -56,14 +57,14 @@ TEST(ModelScene, AFileThatIsNoModelHasAProblemAndNoObjects) {
 }
 
 TEST(ModelScene, OfAFileThatEndsInsideOfAStringIsUnreadable) {
-  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCWALL('w);\n#2=IFCWALL('x');"));
+  const ModelScene scene = SceneOfFile(SceneModelOf("#1=IFCWALL('w);\n#2=IFCWALL('x');"));
   EXPECT_EQ(Texts{u"The file ends inside of a string."}, scene.problems);
   EXPECT_TRUE(scene.isUnreadable);
 }
 
 TEST(ModelScene, OfADamagedArchiveIsUnreadable) {
   const test::TemporaryFolder folder;
-  test::ZipEntry entry{"m.ifc", ModelOf("#1=IFCWALL('w');")};
+  test::ZipEntry entry{"m.ifc", SceneModelOf("#1=IFCWALL('w');")};
   entry.checksum = 7;
   const WideString path = folder.Write("m.ifczip", test::ZipOf({entry}));
   const ModelScene scene = ReadScene(path, SceneTexts::kNone);
@@ -72,7 +73,7 @@ TEST(ModelScene, OfADamagedArchiveIsUnreadable) {
 }
 
 TEST(ModelScene, OfAFileWithoutItsClosingLineIsReadable) {
-  std::string bytes = ModelOf("#1=IFCWALL('w');");
+  std::string bytes = SceneModelOf("#1=IFCWALL('w');");
   bytes.resize(bytes.rfind("END-ISO"));
   const ModelScene scene = SceneOfFile(bytes);
   EXPECT_EQ(static_cast<std::int64_t>(bytes.size()), scene.endWithoutClosingLine);
@@ -82,7 +83,7 @@ TEST(ModelScene, OfAFileWithoutItsClosingLineIsReadable) {
 }
 
 TEST(ModelScene, AnUnknownSchemaIsAProblem) {
-  const ModelScene scene = SceneOfFile(ModelOf("#1=IFCWALL('w');", "IFC5"));
+  const ModelScene scene = SceneOfFile(SceneModelOf("#1=IFCWALL('w');", "IFC5"));
   EXPECT_FALSE(scene.isUnreadable) << "the plug-in leaves such a file out and names it";
   EXPECT_EQ(Texts{u"Unknown schema identifier: IFC5"}, scene.problems);
   EXPECT_EQ("", Described(scene));
@@ -90,7 +91,7 @@ TEST(ModelScene, AnUnknownSchemaIsAProblem) {
 
 TEST(ModelScene, AReplacedSchemaIsARemark) {
   EXPECT_EQ(Texts{u"Schema identifier: IFC4X3_RC4 is not supported. IFC4X3_ADD2 is used instead."},
-            SceneOfFile(ModelOf("", "IFC4X3_RC4")).remarks);
+            SceneOfFile(SceneModelOf("", "IFC4X3_RC4")).remarks);
 }
 
 TEST(ModelScene, AFileThatIsNotThereIsAProblem) {
@@ -107,7 +108,7 @@ TEST(ModelScene, ObjectsAcrossTheBordersOfTheBufferAreFound) {
     ++count;
     records += "#" + std::to_string(count) + "=IFCWALL('" + std::string(count % 997, ';') + "');\n";
   }
-  const ModelScene scene = SceneOfFile(ModelOf(records));
+  const ModelScene scene = SceneOfFile(SceneModelOf(records));
   ASSERT_EQ(count, scene.objects.size());
   for (std::size_t i = 0; i < count; ++i) ASSERT_EQ((i + 1) % 997, scene.GuidOf(i).size());
 }

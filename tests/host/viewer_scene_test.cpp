@@ -10,7 +10,7 @@ namespace corvel::host {
 
 namespace {
 
-const std::string kHouse =
+const std::string kHouseRecords =
     "#1=IFCPROJECT('p');#5=IFCWALL('w');#6=IFCOPENINGELEMENT('o');"
     "#7=IFCRELVOIDSELEMENT('r',$,$,$,#5,#6);";
 
@@ -22,7 +22,7 @@ LoadedModel Model(const std::string& records) {
   return model;
 }
 
-ViewerScene SceneWith(LoadedModel first, LoadedModel second = Model(kHouse)) {
+ViewerScene SceneWith(LoadedModel first, LoadedModel second = Model(kHouseRecords)) {
   std::vector<LoadedModel> models;
   models.push_back(std::move(first));
   models.push_back(std::move(second));
@@ -72,7 +72,7 @@ TEST(ViewerScene, TheProjectOfAnObjectIsThatOfItsRecord) {
 }
 
 TEST(ViewerScene, TheRecordOfAnObjectNamesItsProjectClassNumberAndParent) {
-  const ViewerScene scene = SceneWith(Model(kHouse));
+  const ViewerScene scene = SceneWith(Model(kHouseRecords));
   const ObjectInfo info = scene.InfoOf(Handle(2, 3));
   EXPECT_EQ(2u, info.project);
   EXPECT_STREQ("IfcOpeningElement", info.className);
@@ -83,7 +83,7 @@ TEST(ViewerScene, TheRecordOfAnObjectNamesItsProjectClassNumberAndParent) {
 }
 
 TEST(ViewerScene, AnObjectThatIsNotThereHasZeroes) {
-  const ViewerScene scene = SceneWith(Model(kHouse));
+  const ViewerScene scene = SceneWith(Model(kHouseRecords));
   for (const HostObject object :
        {HostObject{0}, HostObject{1}, Handle(3, 1), Handle(1, 4), Handle(1, 0), ~HostObject{0}}) {
     const ObjectInfo info = scene.InfoOf(object);
@@ -96,21 +96,21 @@ TEST(ViewerScene, AnObjectThatIsNotThereHasZeroes) {
 }
 
 TEST(ViewerScene, AtFirstEverythingIsActiveAndVisibleAndNothingSelected) {
-  const ViewerScene scene = SceneWith(Model(kHouse));
+  const ViewerScene scene = SceneWith(Model(kHouseRecords));
   for (const HostObject object : scene.Objects()) EXPECT_EQ("av-", StateText(scene, object));
   EXPECT_TRUE(scene.AnythingIsActive());
   EXPECT_FALSE(scene.AnythingIsSelected());
 }
 
 TEST(ViewerScene, OneSelectedObjectOfAnyModelIsASelection) {
-  LoadedModel model = Model(kHouse);
+  LoadedModel model = Model(kHouseRecords);
   model.flags.assign(3, {});
   model.flags[2] = kSelected;
-  EXPECT_TRUE(SceneWith(Model(kHouse), model).AnythingIsSelected());
+  EXPECT_TRUE(SceneWith(Model(kHouseRecords), model).AnythingIsSelected());
 }
 
 TEST(ViewerScene, AProjectHasTheStateOfItsObjects) {
-  LoadedModel model = Model(kHouse);
+  LoadedModel model = Model(kHouseRecords);
   model.flags[1] = kInactive;
   model.flags[2] = kInactive;
   EXPECT_EQ("---", StateText(SceneWith(model), Handle(1, 1)));
@@ -122,7 +122,7 @@ TEST(ViewerScene, AProjectHasTheStateOfItsObjects) {
 
 // A merge of what is visible asks for both at once.
 TEST(ViewerScene, AProjectIsVisibleWhenAnActiveObjectIs) {
-  LoadedModel model = Model(kHouse);
+  LoadedModel model = Model(kHouseRecords);
   model.flags[1] = kInactive;
   model.flags[2] = kHidden;
   EXPECT_EQ("a--", StateText(SceneWith(model), Handle(1, 1)));
@@ -155,7 +155,7 @@ TEST(ViewerScene, AModelWithoutObjectsHasOneThatStandsForItsProject) {
 }
 
 TEST(ViewerScene, VisibilityCanBeSetAndCarriesOverToTheProject) {
-  LoadedModel model = Model(kHouse);
+  LoadedModel model = Model(kHouseRecords);
   model.flags[1] = kHidden;
   model.flags[2] = kHidden;
   ViewerScene scene = SceneWith(model);
@@ -171,7 +171,7 @@ TEST(ViewerScene, VisibilityCanBeSetAndCarriesOverToTheProject) {
 }
 
 TEST(ViewerScene, NothingIsActiveWhenEveryObjectIsInactive) {
-  LoadedModel model = Model(kHouse);
+  LoadedModel model = Model(kHouseRecords);
   model.flags.assign(3, kInactive);
   EXPECT_FALSE(SceneWith(model, model).AnythingIsActive());
   EXPECT_TRUE(SceneWith(model).AnythingIsActive());
@@ -179,8 +179,8 @@ TEST(ViewerScene, NothingIsActiveWhenEveryObjectIsInactive) {
 
 TEST(ViewerScene, EveryProjectHasAnOffset) {
   std::vector<LoadedModel> models;
-  models.push_back(Model(kHouse));
-  models.push_back(Model(kHouse));
+  models.push_back(Model(kHouseRecords));
+  models.push_back(Model(kHouseRecords));
   models[1].offsetMm = {1.5, -2, 3};
   const ViewerScene scene(std::move(models), {7, 8, 9});
   const auto offsets = scene.Offsets();
@@ -195,7 +195,7 @@ TEST(ViewerScene, EveryProjectHasAnOffset) {
 }
 
 TEST(ViewerScene, APathIsThatOfAProject) {
-  const ViewerScene scene = SceneWith(Model(kHouse));
+  const ViewerScene scene = SceneWith(Model(kHouseRecords));
   EXPECT_EQ(u"m.ifc", scene.PathOf(2));
   EXPECT_EQ(u"", scene.PathOf(0));
   EXPECT_EQ(u"", scene.PathOf(3));

@@ -259,16 +259,16 @@ class WordUnit final : public test::GraphNode, public IFC::VIfcNamedUnit, public
   WideString name_;
 };
 
-struct Outcome {
+struct Comparison {
   bool same = false;
   UnitMatch match;
   std::size_t left = 0;
 };
 
-Outcome CompareWith(std::initializer_list<IFC::IfcEntity*> others, IFC::IfcEntity* unit) {
+Comparison CompareWith(std::initializer_list<IFC::IfcEntity*> others, IFC::IfcEntity* unit) {
   IFC::ChildQueue queue;
   for (IFC::IfcEntity* const other : others) queue.Append(other, true);
-  Outcome outcome;
+  Comparison outcome;
   outcome.same = CompareOneUnit(queue, unit, outcome.match);
   outcome.left = queue.Size();
   return outcome;
@@ -279,7 +279,7 @@ TEST(CompareOneUnit, WhatHasNoTypeOrNoNameIsNotLookedFor) {
   WordUnit typeless(u"", u".METRE.,");
   WordUnit nameless(u".LENGTHUNIT.,", u"");
   for (WordUnit* const unit : {&typeless, &nameless}) {
-    const Outcome outcome = CompareWith({&metre}, unit);
+    const Comparison outcome = CompareWith({&metre}, unit);
     EXPECT_TRUE(outcome.same);
     EXPECT_EQ(UnitDifference::kNotFound, outcome.match.code);
     EXPECT_EQ(nullptr, outcome.match.unit);
@@ -292,7 +292,7 @@ TEST(CompareOneUnit, WhatIsNoSiUnitNeverDiffers) {
   test::Of<u"IfcWall"> wall;
   for (IFC::IfcEntity* const unit :
        {static_cast<IFC::IfcEntity*>(nullptr), static_cast<IFC::IfcEntity*>(&wall)}) {
-    const Outcome outcome = CompareWith({&metre}, unit);
+    const Comparison outcome = CompareWith({&metre}, unit);
     EXPECT_TRUE(outcome.same);
     EXPECT_EQ(UnitDifference::kNotFound, outcome.match.code);
   }
@@ -302,12 +302,12 @@ TEST(CompareOneUnit, TheUnitsAreUsedUpFromTheBackUntilOneDiffers) {
   WordUnit metre(u".LENGTHUNIT.,", u".METRE.,");
   WordUnit inch(u".LENGTHUNIT.,", u".INCH.,");
   WordUnit gram(u".MASSUNIT.,", u".GRAM.,");
-  const Outcome different = CompareWith({&metre, &gram, &inch, nullptr, &gram}, &metre);
+  const Comparison different = CompareWith({&metre, &gram, &inch, nullptr, &gram}, &metre);
   EXPECT_FALSE(different.same);
   EXPECT_EQ(&inch, different.match.unit);
   EXPECT_EQ(UnitDifference::kOtherName, different.match.code);
   EXPECT_EQ(2u, different.left);
-  const Outcome equal = CompareWith({&gram, &metre, &gram}, &metre);
+  const Comparison equal = CompareWith({&gram, &metre, &gram}, &metre);
   EXPECT_TRUE(equal.same);
   EXPECT_EQ(&metre, equal.match.unit);
   EXPECT_EQ(UnitDifference::kNone, equal.match.code);

@@ -109,10 +109,6 @@ inline std::vector<Tick> TicksFrom(int from, int to, int share, const WideString
     ticks.push_back({value, share, prefix, exact, maximum});
   return ticks;
 }
-inline std::vector<Tick> operator+(std::vector<Tick> a, const std::vector<Tick>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
 
 // Records `first` to `last`, each a point.
 inline std::string Points(unsigned first, unsigned last) {

@@ -42,10 +42,6 @@ std::vector<Tick> Ticks(int from, int to, int weight, const WideString& text, bo
   for (int value = from; value <= to; ++value) ticks.push_back({value, weight, text, exact, 100});
   return ticks;
 }
-std::vector<Tick> operator+(std::vector<Tick> a, const std::vector<Tick>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
 std::vector<Tick> SourceParents(int to) { return Ticks(1, to, 0, u"1/3 ", false); }
 std::vector<Tick> DestinationParents(int to) { return Ticks(1, to, 2, u"2/3 ", true); }
 std::vector<Tick> Passes(int from, int to) { return Ticks(from, to, 0, u"3/3", false); }

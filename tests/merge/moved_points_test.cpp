@@ -20,8 +20,6 @@ namespace {
 
 using test::kMovedProject;
 using test::OffsetScene;
-using test::Placement;
-using test::Wall;
 
 // --- Geometry ------------------------------------------------------------------------------------
 using Vector = std::array<double, 3>;
@@ -124,10 +122,12 @@ std::string PlacedModel(std::mt19937& random, const LengthUnitOfFile& unit) {
                         "#11=IFCPROJECT('p',$,'P',$,$,$,$,$,#10);\n"
                         "#12=IFCGRIDPLACEMENT($,$);\n";
   for (unsigned number = 20; number < 40; number += 4) records += AnyAxes(random, number);
-  return records + Placement(40, "$", 20) + Placement(41, "#40", 24) + Placement(42, "#41", 28) +
-         Placement(43, "#42", 32) + Placement(44, "$", 36) + Placement(45, "#44", 20) +
-         Placement(46, "$", 24) + Placement(47, "#12", 28) + Wall(60, "#43") + Wall(61, "#41") +
-         Wall(62, "#45") + Wall(63, "#46") + Wall(64, "$") + Wall(65, "#47") + Wall(66, "#12");
+  return records + test::Placement(40, "$", 20) + test::Placement(41, "#40", 24) +
+         test::Placement(42, "#41", 28) + test::Placement(43, "#42", 32) +
+         test::Placement(44, "$", 36) + test::Placement(45, "#44", 20) +
+         test::Placement(46, "$", 24) + test::Placement(47, "#12", 28) + test::Wall(60, "#43") +
+         test::Wall(61, "#41") + test::Wall(62, "#45") + test::Wall(63, "#46") +
+         test::Wall(64, "$") + test::Wall(65, "#47") + test::Wall(66, "#12");
 }
 
 class MovedPoints : public test::UnitRun {

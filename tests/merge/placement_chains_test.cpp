@@ -20,13 +20,11 @@ namespace {
 
 using test::kMovedProject;
 using test::OffsetScene;
-using test::Placement;
 using test::PlannedRecord;
-using test::Wall;
 using test::WrittenOut;
 
 // Axes in 3D are #2, in 2D #3.
-const std::string kAxes =
+const std::string kAxisRecords =
     "#1=IFCCARTESIANPOINT((0.,0.,0.));\n"
     "#2=IFCAXIS2PLACEMENT3D(#1,$,$);\n"
     "#3=IFCAXIS2PLACEMENT2D(#1,$);\n";
@@ -34,7 +32,7 @@ const std::string kAxes =
 class PlacementChains : public test::UnitRun {
  protected:
   IfcDocument& Open(const std::string& records, std::string_view schema) {
-    IfcDocument& document = Add("model.ifc", kAxes + records, schema);
+    IfcDocument& document = Add("model.ifc", kAxisRecords + records, schema);
     world_.reports.Forget();
     return document;
   }
@@ -74,43 +72,45 @@ using Targets = std::vector<std::string>;
 // --- Circles -------------------------------------------------------------------------------------
 TEST_F(PlacementChains, ACircleIsOpenedWhereTheFirstProductEntersIt) {
   EXPECT_EQ((Targets{"#5", "root", "#4", "#4"}),
-            RelativeTo(Placement(4, "#5", 2) + Placement(5, "#6", 2) + Placement(6, "#4", 2) +
-                           Placement(7, "#4", 2) + Wall(8, "#5") + Wall(9, "#7"),
+            RelativeTo(test::Placement(4, "#5", 2) + test::Placement(5, "#6", 2) +
+                           test::Placement(6, "#4", 2) + test::Placement(7, "#4", 2) +
+                           test::Wall(8, "#5") + test::Wall(9, "#7"),
                        {4, 5, 6, 7}));
 }
 
 TEST_F(PlacementChains, AWayThatLeadsIntoACircleEndsAtTheFirstPlacementThatComesTwice) {
   EXPECT_EQ((Targets{"#5", "root", "#5"}),
-            RelativeTo(Placement(4, "#5", 2) + Placement(5, "#6", 2) + Placement(6, "#5", 2) +
-                           Wall(8, "#4"),
+            RelativeTo(test::Placement(4, "#5", 2) + test::Placement(5, "#6", 2) +
+                           test::Placement(6, "#5", 2) + test::Wall(8, "#4"),
                        {4, 5, 6}));
 }
 
 TEST_F(PlacementChains, APlacementRelativeToItselfIsOutermost) {
-  EXPECT_EQ((Targets{"root"}), RelativeTo(Placement(4, "#4", 2) + Wall(8, "#4"), {4}));
+  EXPECT_EQ((Targets{"root"}), RelativeTo(test::Placement(4, "#4", 2) + test::Wall(8, "#4"), {4}));
 }
 
 TEST_F(PlacementChains, ACircleThatIsEnteredAtAPlacementIn2DStaysClosed) {
   EXPECT_EQ((Targets{"#5", "#4", "#4"}),
-            RelativeTo(Placement(4, "#5", 3) + Placement(5, "#4", 2) + Placement(6, "#4", 2) +
-                           Wall(8, "#4") + Wall(9, "#6"),
+            RelativeTo(test::Placement(4, "#5", 3) + test::Placement(5, "#4", 2) +
+                           test::Placement(6, "#4", 2) + test::Wall(8, "#4") + test::Wall(9, "#6"),
                        {4, 5, 6}));
 }
 
 TEST_F(PlacementChains, AnotherProductMayOpenACircleThatTheFirstCouldNot) {
   EXPECT_EQ((Targets{"#5", "root", "#4"}),
-            RelativeTo(Placement(4, "#5", 3) + Placement(5, "#6", 2) + Placement(6, "#4", 2) +
-                           Wall(8, "#4") + Wall(9, "#5") + Wall(10, "#6"),
+            RelativeTo(test::Placement(4, "#5", 3) + test::Placement(5, "#6", 2) +
+                           test::Placement(6, "#4", 2) + test::Wall(8, "#4") + test::Wall(9, "#5") +
+                           test::Wall(10, "#6"),
                        {4, 5, 6}));
 }
 
 // --- Other kinds of placements -------------------------------------------------------------------
 TEST_F(PlacementChains, WhatHangsOnAGridStays) {
-  EXPECT_EQ(
-      (Targets{"#7", "#4", "root"}),
-      RelativeTo("#7=IFCGRIDPLACEMENT($,$);\n" + Placement(4, "#7", 2) + Placement(5, "#4", 2) +
-                     Placement(6, "$", 2) + Wall(8, "#5") + Wall(9, "#7") + Wall(10, "#6"),
-                 {4, 5, 6}));
+  EXPECT_EQ((Targets{"#7", "#4", "root"}),
+            RelativeTo("#7=IFCGRIDPLACEMENT($,$);\n" + test::Placement(4, "#7", 2) +
+                           test::Placement(5, "#4", 2) + test::Placement(6, "$", 2) +
+                           test::Wall(8, "#5") + test::Wall(9, "#7") + test::Wall(10, "#6"),
+                       {4, 5, 6}));
 }
 
 class PlacementsInRelease : public PlacementChains,
@@ -118,15 +118,15 @@ class PlacementsInRelease : public PlacementChains,
 RUN_FOR_EACH_RELEASE(PlacementsInRelease);
 
 TEST_P(PlacementsInRelease, ChainsAreMovedAndGridsAreNot) {
-  EXPECT_EQ(
-      (Targets{"#8", "#4", "root", "#6"}),
-      RelativeTo("#8=IFCGRIDPLACEMENT($,$);\n" + Placement(4, "#8", 2) + Placement(5, "#4", 2) +
-                     Placement(6, "$", 2) + Placement(7, "#6", 2) + Wall(9, "#5") + Wall(10, "#7"),
-                 {4, 5, 6, 7}, GetParam().name));
+  EXPECT_EQ((Targets{"#8", "#4", "root", "#6"}),
+            RelativeTo("#8=IFCGRIDPLACEMENT($,$);\n" + test::Placement(4, "#8", 2) +
+                           test::Placement(5, "#4", 2) + test::Placement(6, "$", 2) +
+                           test::Placement(7, "#6", 2) + test::Wall(9, "#5") + test::Wall(10, "#7"),
+                       {4, 5, 6, 7}, GetParam().name));
 }
 
 TEST_P(PlacementsInRelease, ProductsWithoutAPlacementGetOne) {
-  IfcDocument& document = Open(Wall(4, "$") + Wall(5, "$"), GetParam().name);
+  IfcDocument& document = Open(test::Wall(4, "$") + test::Wall(5, "$"), GetParam().name);
   OffsetScene scene(1.0, 0.0, 0.0);
   ApplyProjectOffsets(document, kMovedProject, scene);
   const std::string written = WrittenOut(document);
@@ -146,11 +146,11 @@ RUN_FOR_RELEASES(LinearPlacements, IFC4X1, IFC4X4);
 
 // From IFC4X2 on a linear placement has a PlacementRelTo of its own, which is not followed either.
 TEST_P(LinearPlacements, WhatHangsOnALineStays) {
-  EXPECT_EQ(
-      (Targets{"#7", "#4", "none"}),
-      RelativeTo("#7=IFCLINEARPLACEMENT(#6);\n" + Placement(4, "#7", 2) + Placement(5, "#4", 2) +
-                     Placement(6, "$", 2) + Wall(8, "#5") + Wall(9, "#7"),
-                 {4, 5, 6}, GetParam().name));
+  EXPECT_EQ((Targets{"#7", "#4", "none"}),
+            RelativeTo("#7=IFCLINEARPLACEMENT(#6);\n" + test::Placement(4, "#7", 2) +
+                           test::Placement(5, "#4", 2) + test::Placement(6, "$", 2) +
+                           test::Wall(8, "#5") + test::Wall(9, "#7"),
+                       {4, 5, 6}, GetParam().name));
 }
 
 // --- Against a plain version ---------------------------------------------------------------------

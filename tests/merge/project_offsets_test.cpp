@@ -20,10 +20,8 @@ using test::kMillimetre;
 using test::kMovedProject;
 using test::kSquareMetre;
 using test::OffsetScene;
-using test::Placement;
 using test::Report;
 using test::Units;
-using test::Wall;
 using test::WrittenOut;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -71,20 +69,21 @@ class ProjectOffsets : public test::UnitRun {
 // --- The new placement ---------------------------------------------------------------------------
 TEST_F(ProjectOffsets, TheOutermostPlacementHangsBelowANewOneWithTheShift) {
   const std::string records = Units({kMetre}, 5) + kAxes;
-  EXPECT_EQ(kAxes + Placement(3, "#16", 2) + Wall(4, "#3") + Units({kMetre}, 5) +
-                "#8=IFCCARTESIANPOINT((1.,-2.,5.E-01));\n"
-                "#10=IFCDIRECTION((0.,0.,1.));\n"
-                "#12=IFCDIRECTION((1.,0.,0.));\n"
-                "#14=IFCAXIS2PLACEMENT3D(#8,#10,#12);\n"
-                "#16=IFCLOCALPLACEMENT($,#14);\n",
-            Moved(records + Placement(3, "$", 2) + Wall(4, "#3"), {1000.0, -2000.0, 500.0}));
+  EXPECT_EQ(
+      kAxes + test::Placement(3, "#16", 2) + test::Wall(4, "#3") + Units({kMetre}, 5) +
+          "#8=IFCCARTESIANPOINT((1.,-2.,5.E-01));\n"
+          "#10=IFCDIRECTION((0.,0.,1.));\n"
+          "#12=IFCDIRECTION((1.,0.,0.));\n"
+          "#14=IFCAXIS2PLACEMENT3D(#8,#10,#12);\n"
+          "#16=IFCLOCALPLACEMENT($,#14);\n",
+      Moved(records + test::Placement(3, "$", 2) + test::Wall(4, "#3"), {1000.0, -2000.0, 500.0}));
   EXPECT_TRUE(world_.reports->empty());
   EXPECT_TRUE(world_.system.boxes.empty());
 }
 
 TEST_F(ProjectOffsets, AModelThatIsNotMovedStaysAsItIs) {
-  const std::string records =
-      Units({kMetre}, 5) + kAxes + Placement(3, "$", 2) + Wall(4, "#3") + Wall(9, "$");
+  const std::string records = Units({kMetre}, 5) + kAxes + test::Placement(3, "$", 2) +
+                              test::Wall(4, "#3") + test::Wall(9, "$");
   const std::string before = WrittenOut(Open(records));
   for (const OffsetScene& scene :
        {OffsetScene(), OffsetScene(0.0, 0.0, 0.0), OffsetScene(-0.0, 0.0, -0.0),
@@ -98,7 +97,8 @@ TEST_F(ProjectOffsets, AModelThatIsNotMovedStaysAsItIs) {
 TEST_F(ProjectOffsets, OffsetAndCentreThatCancelOutMoveNothing) {
   OffsetScene scene(3.0, 0.0, 0.0);
   scene.centers.first[0] = 3.0;
-  const std::string records = Units({kMetre}, 5) + kAxes + Placement(3, "$", 2) + Wall(4, "#3");
+  const std::string records =
+      Units({kMetre}, 5) + kAxes + test::Placement(3, "$", 2) + test::Wall(4, "#3");
   EXPECT_EQ(WrittenOut(Open(records)), Moved(records, scene));
 }
 
@@ -186,16 +186,17 @@ TEST_F(ProjectOffsets, OneChainIsMovedOnce) {
   };
   const std::string units = Units({kMillimetre}, 11);
   IfcDocument& document =
-      Open(units + kAxes + Placement(3, "$", 2) + Placement(4, "#3", 2) + Placement(5, "#4", 2) +
-           Placement(6, "#5", 2) + Wall(7, "#6") + spatial(8, "IFCBUILDINGSTOREY", "#5") +
-           spatial(9, "IFCBUILDING", "#4") + spatial(10, "IFCSITE", "#3"));
+      Open(units + kAxes + test::Placement(3, "$", 2) + test::Placement(4, "#3", 2) +
+           test::Placement(5, "#4", 2) + test::Placement(6, "#5", 2) + test::Wall(7, "#6") +
+           spatial(8, "IFCBUILDINGSTOREY", "#5") + spatial(9, "IFCBUILDING", "#4") +
+           spatial(10, "IFCSITE", "#3"));
   const std::string before = WrittenOut(document);
   OffsetScene scene(5.0, 0.0, 0.0);
   ApplyProjectOffsets(document, kMovedProject, scene);
   const std::string after = WrittenOut(document);
-  const std::string site = Placement(3, "$", 2);
+  const std::string site = test::Placement(3, "$", 2);
   std::string wanted = before;
-  wanted.replace(wanted.find(site), site.size(), Placement(3, "#22", 2));
+  wanted.replace(wanted.find(site), site.size(), test::Placement(3, "#22", 2));
   EXPECT_EQ(wanted, after.substr(0, wanted.size()));
   EXPECT_EQ(
       "#14=IFCCARTESIANPOINT((5.,0.,0.));\n"
@@ -207,60 +208,67 @@ TEST_F(ProjectOffsets, OneChainIsMovedOnce) {
 }
 
 TEST_F(ProjectOffsets, EveryOutermostPlacementHangsBelowTheOneNewPlacement) {
-  const std::string moved = Moved(Units({kMetre}, 7) + kAxes + Placement(3, "$", 2) +
-                                      Placement(4, "$", 2) + Wall(5, "#3") + Wall(6, "#4"),
-                                  {1000.0, 0.0, 0.0});
-  EXPECT_NE(std::string::npos, moved.find(Placement(3, "#18", 2) + Placement(4, "#18", 2)));
+  const std::string moved =
+      Moved(Units({kMetre}, 7) + kAxes + test::Placement(3, "$", 2) + test::Placement(4, "$", 2) +
+                test::Wall(5, "#3") + test::Wall(6, "#4"),
+            {1000.0, 0.0, 0.0});
+  EXPECT_NE(std::string::npos,
+            moved.find(test::Placement(3, "#18", 2) + test::Placement(4, "#18", 2)));
   EXPECT_NE(std::string::npos, moved.find("#18=IFCLOCALPLACEMENT($,#16);\n"));
 }
 
 TEST_F(ProjectOffsets, APlacementThatNoProductHangsOnStays) {
-  const std::string moved = Moved(Units({kMetre}, 7) + kAxes + Placement(3, "$", 2) +
-                                      Placement(4, "$", 2) + Wall(5, "#3") + Placement(6, "#4", 2),
-                                  {1000.0, 0.0, 0.0});
-  EXPECT_NE(std::string::npos, moved.find(Placement(4, "$", 2)));
-  EXPECT_NE(std::string::npos, moved.find(Placement(6, "#4", 2)));
+  const std::string moved =
+      Moved(Units({kMetre}, 7) + kAxes + test::Placement(3, "$", 2) + test::Placement(4, "$", 2) +
+                test::Wall(5, "#3") + test::Placement(6, "#4", 2),
+            {1000.0, 0.0, 0.0});
+  EXPECT_NE(std::string::npos, moved.find(test::Placement(4, "$", 2)));
+  EXPECT_NE(std::string::npos, moved.find(test::Placement(6, "#4", 2)));
 }
 
 // The origin is shared; it comes before the first placement that was missing.
 TEST_F(ProjectOffsets, ProductsWithoutAPlacementGetOneAtTheOrigin) {
-  EXPECT_EQ(Wall(1, "#20") + Units({kMetre}, 2) + Wall(4, "#22") +
-                "#6=IFCCARTESIANPOINT((1.,0.,0.));\n"
-                "#8=IFCDIRECTION((0.,0.,1.));\n"
-                "#10=IFCDIRECTION((1.,0.,0.));\n"
-                "#12=IFCAXIS2PLACEMENT3D(#6,#8,#10);\n"
-                "#14=IFCLOCALPLACEMENT($,#12);\n"
-                "#16=IFCCARTESIANPOINT((0.,0.,0.));\n"
-                "#18=IFCAXIS2PLACEMENT3D(#16,$,$);\n"
-                "#20=IFCLOCALPLACEMENT(#14,#18);\n"
-                "#22=IFCLOCALPLACEMENT(#14,#18);\n",
-            Moved(Units({kMetre}, 2) + Wall(1, "$") + Wall(4, "$"), {1000.0, 0.0, 0.0}));
+  EXPECT_EQ(
+      test::Wall(1, "#20") + Units({kMetre}, 2) + test::Wall(4, "#22") +
+          "#6=IFCCARTESIANPOINT((1.,0.,0.));\n"
+          "#8=IFCDIRECTION((0.,0.,1.));\n"
+          "#10=IFCDIRECTION((1.,0.,0.));\n"
+          "#12=IFCAXIS2PLACEMENT3D(#6,#8,#10);\n"
+          "#14=IFCLOCALPLACEMENT($,#12);\n"
+          "#16=IFCCARTESIANPOINT((0.,0.,0.));\n"
+          "#18=IFCAXIS2PLACEMENT3D(#16,$,$);\n"
+          "#20=IFCLOCALPLACEMENT(#14,#18);\n"
+          "#22=IFCLOCALPLACEMENT(#14,#18);\n",
+      Moved(Units({kMetre}, 2) + test::Wall(1, "$") + test::Wall(4, "$"), {1000.0, 0.0, 0.0}));
 }
 
 TEST_F(ProjectOffsets, APlacementThatIsNotThereIsNoPlacement) {
   const std::string moved = Moved(Units({kMetre}, 7) + kAxes + "#3=IFCLOCALPLACEMENT(#77,#2);\n" +
-                                      Wall(5, "#3") + Wall(6, "#78"),
+                                      test::Wall(5, "#3") + test::Wall(6, "#78"),
                                   {1000.0, 0.0, 0.0});
-  EXPECT_NE(std::string::npos, moved.find(Placement(3, "#18", 2))) << moved;
-  EXPECT_NE(std::string::npos, moved.find(Wall(6, "#24"))) << moved;
+  EXPECT_NE(std::string::npos, moved.find(test::Placement(3, "#18", 2))) << moved;
+  EXPECT_NE(std::string::npos, moved.find(test::Wall(6, "#24"))) << moved;
 }
 
 TEST_F(ProjectOffsets, APlacementIn2DStaysAndAllThatHangsOnIt) {
   const std::string records = Units({kMetre}, 7) + kAxes + "#3=IFCAXIS2PLACEMENT2D(#1,$);\n" +
-                              Placement(4, "$", 3) + Placement(5, "#4", 2) + Wall(6, "#5");
+                              test::Placement(4, "$", 3) + test::Placement(5, "#4", 2) +
+                              test::Wall(6, "#5");
   const std::string before = WrittenOut(Open(records));
   EXPECT_EQ(before, Moved(records, {1000.0, 0.0, 0.0}).substr(0, before.size()));
 }
 
 TEST_F(ProjectOffsets, APlacementWithoutAxesStays) {
-  const std::string moved = Moved(
-      Units({kMetre}, 7) + "#3=IFCLOCALPLACEMENT($,$);\n" + Wall(5, "#3"), {1000.0, 0.0, 0.0});
+  const std::string moved =
+      Moved(Units({kMetre}, 7) + "#3=IFCLOCALPLACEMENT($,$);\n" + test::Wall(5, "#3"),
+            {1000.0, 0.0, 0.0});
   EXPECT_EQ(0u, moved.find("#3=IFCLOCALPLACEMENT($,*);\n")) << moved;
 }
 
 // --- Markers -------------------------------------------------------------------------------------
 TEST_F(ProjectOffsets, MarkersAreAnewForTheNewEntitiesOnly) {
-  IfcDocument& document = Open(Units({kMetre}, 5) + kAxes + Placement(3, "$", 2) + Wall(4, "$"));
+  IfcDocument& document =
+      Open(Units({kMetre}, 5) + kAxes + test::Placement(3, "$", 2) + test::Wall(4, "$"));
   OffsetScene scene(1000.0, 0.0, 0.0);
   ApplyProjectOffsets(document, kMovedProject, scene);
   const NumberTable& entities = document.mainContainer->entities;

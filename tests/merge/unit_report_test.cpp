@@ -180,14 +180,14 @@ TEST_F(UnitReport, PrefixesAreNotToldWhenUnitsAreIgnored) {
             Messages());
 }
 
-constexpr const char* kGram = "IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)";
+constexpr const char* kGramUnit = "IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.)";
 constexpr const char* kSecondAsMass = "IFCSIUNIT(*,.MASSUNIT.,$,.SECOND.)";
 
 TEST_F(UnitReport, AnotherUnitIsToldWhenUnitsAreIgnored) {
   shell_.options.ignoreUnits = true;
-  Add("a.ifc", Units({kGram}));
+  Add("a.ifc", Units({kGramUnit}));
   Add("b.ifc", Units({kSecondAsMass}));
-  Add("c.ifc", Units({kGram}));
+  Add("c.ifc", Units({kGramUnit}));
   EXPECT_EQ((std::vector<WideString>{
                 u"<not_all_projects_merge> \"a.ifc\"",
                 u"<due_to_invalid_units>:\n",
@@ -202,9 +202,9 @@ TEST_F(UnitReport, AnotherUnitIsToldWhenUnitsAreIgnored) {
 
 TEST_F(UnitReport, APrefixThatIsIgnoredIsNoReasonToBeToldBesideAnotherUnit) {
   shell_.options.ignoreUnits = true;
-  Add("a.ifc", Units({kMetre, kGram}));
+  Add("a.ifc", Units({kMetre, kGramUnit}));
   Add("b.ifc", Units({kMillimetre, kSecondAsMass}));
-  Add("c.ifc", Units({kCentimetre, kGram}));
+  Add("c.ifc", Units({kCentimetre, kGramUnit}));
   EXPECT_EQ((std::vector<WideString>{
                 u"<not_all_projects_merge> \"a.ifc\"",
                 u"<due_to_invalid_units>:\n",

@@ -3,6 +3,7 @@
 # The classes of the small schema whose generated files people read: built, so that they run too.
 file(GLOB tiny_sources CONFIGURE_DEPENDS schema/generator/golden/TINY/*.cpp)
 target_sources(corvel_schema_tests PRIVATE ${tiny_sources})
+set_source_files_properties(${tiny_sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 target_include_directories(corvel_schema_tests PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/schema/generator/golden)
 
@@ -22,6 +23,8 @@ foreach(release IN LISTS CORVEL_RELEASES)
     COMMENT "Listing the classes of ${release}"
     VERBATIM)
   target_sources(corvel_schema_tests PRIVATE ${class_tables_dir}/${release}.cpp)
+  set_source_files_properties(${class_tables_dir}/${release}.cpp PROPERTIES
+    SKIP_UNITY_BUILD_INCLUSION ON)
   string(APPEND for_releases " one(${release})")
 endforeach()
 file(CONFIGURE OUTPUT ${class_tables_dir}/class_tables/built_releases.h CONTENT

@@ -24,7 +24,7 @@ using test::Report;
 using Reports = std::vector<Report>;
 
 // Polylines stand before their points, so that they go through the work file.
-constexpr const char* kRecords =
+constexpr const char* kGoodRecords =
     "#1=IFCPOLYLINE((#3,#4));\n#2=IFCLOCALPLACEMENT(#5,*);\n#3=IFCCARTESIANPOINT((1.,2.));\n"
     "#4=IFCCARTESIANPOINT((3.,4.));\n#5=IFCLOCALPLACEMENT($,*);\n#6=IFCPOLYLINE((#3,#7));\n"
     "#7=IFCCARTESIANPOINT((5.,6.));\n";
@@ -78,7 +78,7 @@ class BrokenInput : public test::ReadTest {
 // --- First pass ----------------------------------------------------------------------------------
 
 TEST_F(BrokenInput, AReadErrorAtAnyByteFailsTheRead) {
-  const WideString path = folder_.Write("a.ifc", test::ModelFile(kRecords));
+  const WideString path = folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
   ExpectFailedAtEachByte(path, "a.ifc", Fault::kError);
   const FaultyReads faulty(path, folder_.Read("a.ifc").size(), Fault::kError);
   EXPECT_FALSE(Parse(path)) << "even behind the last byte";
@@ -87,12 +87,12 @@ TEST_F(BrokenInput, AReadErrorAtAnyByteFailsTheRead) {
 }
 
 TEST_F(BrokenInput, AFileThatShrinksToAnyByteFailsTheRead) {
-  const WideString path = folder_.Write("a.ifc", test::ModelFile(kRecords));
+  const WideString path = folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
   ExpectFailedAtEachByte(path, "a.ifc", Fault::kEnd);
 }
 
 TEST_F(BrokenInput, AFileThatShrinksBetweenTwoRecordsSaysSo) {
-  const std::string bytes = test::ModelFile(kRecords);
+  const std::string bytes = test::ModelFile(kGoodRecords);
   const WideString path = folder_.Write("a.ifc", bytes);
   const FaultyReads faulty(path, bytes.find("#6="), Fault::kEnd);
   EXPECT_FALSE(Parse(path));
@@ -101,7 +101,7 @@ TEST_F(BrokenInput, AFileThatShrinksBetweenTwoRecordsSaysSo) {
 
 TEST_F(BrokenInput, AReadErrorAtAnyByteOfAnArchiveFailsTheRead) {
   for (const bool deflated : {true, false}) {
-    const std::string bytes = test::ZipOf({{"m.ifc", test::ModelFile(kRecords), deflated}});
+    const std::string bytes = test::ZipOf({{"m.ifc", test::ModelFile(kGoodRecords), deflated}});
     const WideString path = folder_.Write("a.ifczip", bytes);
     ExpectFailedAtEachByte(path, "a.ifczip", Fault::kError);
   }
@@ -109,7 +109,7 @@ TEST_F(BrokenInput, AReadErrorAtAnyByteOfAnArchiveFailsTheRead) {
 
 TEST_F(BrokenInput, AnArchiveThatShrinksToAnyByteIsNotRead) {
   const WideString path =
-      folder_.Write("a.ifczip", test::ZipOf({{"m.ifc", test::ModelFile(kRecords)}}));
+      folder_.Write("a.ifczip", test::ZipOf({{"m.ifc", test::ModelFile(kGoodRecords)}}));
   const std::size_t size = folder_.Read("a.ifczip").size();
   for (std::size_t at = 0; at < size; ++at) {
     const FaultyReads faulty(path, at, Fault::kEnd);
@@ -122,7 +122,7 @@ TEST_F(BrokenInput, AnArchiveThatShrinksToAnyByteIsNotRead) {
 
 // The bytes of a stored entry are delivered before its checksum is known to be wrong.
 TEST_F(BrokenInput, AnArchiveIsCheckedToItsEndThoughAByteHasEndedTheModel) {
-  std::string bytes = test::ZipOf({{"m.ifc", test::ModelFile(kRecords), false}});
+  std::string bytes = test::ZipOf({{"m.ifc", test::ModelFile(kGoodRecords), false}});
   bytes[bytes.find("#6=")] = '\xFF';
   const WideString path = folder_.Write("a.ifczip", bytes);
   EXPECT_FALSE(Parse(path));
@@ -141,7 +141,7 @@ std::vector<std::size_t> EndsOfRecords(const std::string& text) {
 // The records that are whole and name none that is not are as ever. What a file holds whose last
 // record is torn is not judged here.
 TEST_F(BrokenInput, AFileThatMerelyEndsIsReadAsFarAsItGoes) {
-  const std::string records = kRecords;
+  const std::string records = kGoodRecords;
   const std::vector<std::size_t> ends = EndsOfRecords(records);
   const std::vector<std::vector<std::size_t>> needs{{}, {3, 4}, {5}, {}, {}, {}, {3, 7}, {}};
   ASSERT_EQ(needs.size(), ends.size());
@@ -177,7 +177,7 @@ TEST_F(BrokenInput, AFileThatMerelyEndsIsReadAsFarAsItGoes) {
 // --- Second pass ---------------------------------------------------------------------------------
 
 TEST_F(BrokenInput, AReadErrorAtAnyByteOfTheWorkFileFailsTheRead) {
-  const WideString path = folder_.Write("a.ifc", test::ModelFile(kRecords));
+  const WideString path = folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
   const WideString work = folder_.Path("a_TEMP.ifc");
   ASSERT_TRUE(Read(path));
   const std::size_t size = folder_.Read("a_TEMP.ifc").size();
@@ -190,7 +190,7 @@ TEST_F(BrokenInput, AReadErrorAtAnyByteOfTheWorkFileFailsTheRead) {
 }
 
 TEST_F(BrokenInput, AWorkFileThatEndsAtAnyByteFailsTheRead) {
-  const WideString path = folder_.Write("a.ifc", test::ModelFile(kRecords));
+  const WideString path = folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
   const WideString work = folder_.Path("a_TEMP.ifc");
   ASSERT_TRUE(Read(path));
   const std::size_t size = folder_.Read("a_TEMP.ifc").size();
@@ -219,8 +219,8 @@ char* AllocateAFew(std::size_t size) {
 }
 
 TEST_F(BrokenInput, ABufferThatCannotBeHadFailsTheReadWhicheverItIs) {
-  folder_.Write("a.ifc", test::ModelFile(kRecords));
-  folder_.Write("a.ifczip", test::ZipOf({{"m.ifc", test::ModelFile(kRecords)}}));
+  folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
+  folder_.Write("a.ifczip", test::ZipOf({{"m.ifc", test::ModelFile(kGoodRecords)}}));
   for (const char* const name : {"a.ifc", "a.ifczip"}) {
     for (const auto allocator : {AllocateAFew<true>, AllocateAFew<false>}) {
       int count = 0;
@@ -240,7 +240,7 @@ TEST_F(BrokenInput, ABufferThatCannotBeHadFailsTheReadWhicheverItIs) {
 }
 
 TEST_F(BrokenInput, AModelWithoutABufferIsNoEmptyModel) {
-  const WideString path = folder_.Write("a.ifc", test::ModelFile(kRecords));
+  const WideString path = folder_.Write("a.ifc", test::ModelFile(kGoodRecords));
   const test::ReplacedAllocator replaced(test::ReplacedAllocator::Throwing);
   EXPECT_FALSE(Parse(path));
   EXPECT_EQ(ParserState::kFailed, parser_->state);

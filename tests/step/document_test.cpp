@@ -23,7 +23,6 @@
 namespace corvel {
 namespace {
 
-using test::Model;
 using test::ModelFile;
 using test::QuietReading;
 using test::RecordedProgress;
@@ -181,7 +180,7 @@ TEST_F(Document, TheGettersAnswerOnWhenTheContainerHasGone) {
 }
 
 TEST_F(Document, AnEntityIsMadeOfAClassNameInAnyCase) {
-  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
   const IFC::IfcEntity* const read = model[7];
   for (const char* const name : {"ifcwall", "IFCWALL", "IfcWall"}) {
     IFC::IfcEntity* const made = model->CreateESet(name);
@@ -196,7 +195,7 @@ TEST_F(Document, AnEntityIsMadeOfAClassNameInAnyCase) {
 }
 
 TEST_F(Document, AMadeEntityIsBlankAndHasTheNextNumber) {
-  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
   IFC::IfcEntity* const first = model->CreateESet("IFCLOCALPLACEMENT");
   IFC::IfcEntity* const second = model->CreateESet("IFCRELAGGREGATES");
   // The highest number seen is in use each time, so one is passed over.
@@ -211,7 +210,7 @@ TEST_F(Document, AMadeEntityIsBlankAndHasTheNextNumber) {
 }
 
 TEST_F(Document, AClassThatTheSchemaLacksIsNotMade) {
-  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
   EXPECT_EQ(nullptr, model->CreateESet("ifcNothing"));
   EXPECT_EQ(
       (Reports{
@@ -221,8 +220,8 @@ TEST_F(Document, AClassThatTheSchemaLacksIsNotMade) {
 }
 
 TEST_F(Document, OnlyClassesOfTheFilesOwnSchemaExist) {
-  Model older("#7=IFCWALL('w',$,$,$,$,$,$,$);\n", "older.ifc", "IFC2X3");
-  Model newer("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n", "newer.ifc", "IFC4");
+  test::Model older("#7=IFCWALL('w',$,$,$,$,$,$,$);\n", "older.ifc", "IFC2X3");
+  test::Model newer("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n", "newer.ifc", "IFC4");
   EXPECT_NE(nullptr, older->CreateESet("IFCELECTRICALBASEPROPERTIES"));
   EXPECT_EQ(nullptr, newer->CreateESet("IFCELECTRICALBASEPROPERTIES"));
   EXPECT_NE(nullptr, newer->CreateESet("IFCADVANCEDBREP"));
@@ -248,7 +247,7 @@ TEST_F(Document, BeforeAFileIsOpenedNoEntityIsMade) {
 
 TEST_F(Document, WithoutANumberLeftNoEntityIsMade) {
   const test::NumbersUpTo largest(8);
-  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
   for (int i = 0; i < 7; ++i) EXPECT_NE(nullptr, model->CreateESet("IFCCARTESIANPOINT"));
   EXPECT_EQ(Reports{}, *reports_);
   EXPECT_EQ(nullptr, model->CreateESet("IFCCARTESIANPOINT"));
@@ -261,7 +260,7 @@ TEST_F(Document, WithoutANumberLeftNoEntityIsMade) {
 }
 
 TEST_F(Document, AValueInsideARecordHasNoNumberAndIsFiledNowhere) {
-  Model model("#3=IFCPROPERTYSINGLEVALUE('Fire rating',$,IFCLABEL('F90'),$);\n");
+  test::Model model("#3=IFCPROPERTYSINGLEVALUE('Fire rating',$,IFCLABEL('F90'),$);\n");
   IFC::ChildQueue children;
   model[3]->collectChildren(children);
   ASSERT_EQ(1u, children.Size());
@@ -276,7 +275,7 @@ TEST_F(Document, AValueInsideARecordHasNoNumberAndIsFiledNowhere) {
 }
 
 TEST_F(Document, RelationsOfASchemaReachTheirLists) {
-  Model model("#1=IFCWALL('w',$,$,$,$,$,$,$);\n", "model.ifc", "IFC2X3");
+  test::Model model("#1=IFCWALL('w',$,$,$,$,$,$,$);\n", "model.ifc", "IFC2X3");
   const IFC::MainContainer& container = *model->mainContainer;
   const struct {
     const char* name;
@@ -307,7 +306,7 @@ TEST_F(Document, RelationsOfASchemaReachTheirLists) {
 }
 
 TEST_F(Document, WhatIsSavedIsReadAgain) {
-  Model model("#7=IFCWALL('w',$,'A name',$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,'A name',$,$,$,$,$,$);\n");
   EXPECT_EQ(1, model->SaveFile(folder_.Path("out.ifc")));
   IfcDocument again(false, RecordedReports::Reporter, RecordedProgress::Callback);
   EXPECT_EQ(1, again.OpenFile(folder_.Path("out.ifc"), 1));
@@ -316,7 +315,7 @@ TEST_F(Document, WhatIsSavedIsReadAgain) {
 }
 
 TEST_F(Document, AnEndingThatNoWriterKnowsIsNotSaved) {
-  Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
+  test::Model model("#7=IFCWALL('w',$,$,$,$,$,$,$,$);\n");
   const WideString path = folder_.Path("out.txt");
   EXPECT_EQ(0, model->SaveFile(path));
   EXPECT_EQ((Reports{{"could_not_open_file_extension", u" " + path, 0}}), *reports_);

@@ -24,6 +24,12 @@ inline std::ostream& operator<<(std::ostream& out, const Tick& tick) {
              << Narrow(tick.extraText) << "\"" << (tick.exactMode ? " exact" : "");
 }
 
+// What one stage ticks, then what the next one does.
+inline std::vector<Tick> operator+(std::vector<Tick> a, const std::vector<Tick>& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
 // The ticks since the last RecordedProgress was made. Pass `RecordedProgress::Callback`.
 class RecordedProgress {
  public:

@@ -24,7 +24,7 @@ using test::TemporaryFolder;
 using test::TestPlatform;
 using Reports = std::vector<Report>;
 
-constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
+constexpr std::uint64_t kGibibyte = std::uint64_t{1} << 30;
 constexpr std::uint64_t kMiB = std::uint64_t{1} << 20;
 
 // The process-wide log, open on a file of the test's own. Tests before it may have left it flushing
@@ -54,9 +54,9 @@ std::string RawUnits(const WideString& text) {
 
 platform::MemoryFigures SomeFigures() {
   platform::MemoryFigures figures;
-  figures.totalPhysical = 16 * kGiB;
+  figures.totalPhysical = 16 * kGibibyte;
   figures.availablePhysical = 5 * kMiB - 1;
-  figures.totalPageFile = 20 * kGiB;
+  figures.totalPageFile = 20 * kGibibyte;
   figures.availablePageFile = 7 * kMiB;
   figures.totalAddressSpace = std::uint64_t{1} << 47;
   figures.availableAddressSpace = 0x12345'89ABCDEFu;
@@ -129,9 +129,9 @@ TEST(ReportMemory, AFailedQueryIsToldOnStandardErrorAndInTheLog) {
 
 TEST(FreeDiskGB, PartsOfAGibibyteDoNotCount) {
   TestPlatform system;
-  system.freeDiskBytes = 7 * kGiB;
+  system.freeDiskBytes = 7 * kGibibyte;
   EXPECT_EQ(7, FreeDiskGB());
-  system.freeDiskBytes = 7 * kGiB - 1;
+  system.freeDiskBytes = 7 * kGibibyte - 1;
   EXPECT_EQ(6, FreeDiskGB());
   system.freeDiskBytes = 0;
   EXPECT_EQ(0, FreeDiskGB());
@@ -152,7 +152,7 @@ TEST(FreeDiskGB, AFailedQueryThrowsTheErrorOfTheOperationSpace) {
 
 TEST(CheckDiskSpace, FiveGibibytesAreEnough) {
   TestPlatform system;
-  system.freeDiskBytes = 5 * kGiB;
+  system.freeDiskBytes = 5 * kGibibyte;
   EXPECT_TRUE(CheckDiskSpace());
   EXPECT_TRUE(system.boxes.empty());
   EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
@@ -160,7 +160,7 @@ TEST(CheckDiskSpace, FiveGibibytesAreEnough) {
 
 TEST(CheckDiskSpace, LessThanFiveGibibytesStopTheParsingUnasked) {
   TestPlatform system;
-  system.freeDiskBytes = 5 * kGiB - 1;
+  system.freeDiskBytes = 5 * kGibibyte - 1;
   EXPECT_FALSE(CheckDiskSpace());
   EXPECT_EQ(CancelMode::kEndUnasked,
             std::exchange(Cancellation::OfProcess().mode, CancelMode::kAsk));
