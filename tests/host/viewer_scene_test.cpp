@@ -65,7 +65,7 @@ TEST(ViewerScene, TheObjectsOfAProjectAreThoseOfAllThatNameIt) {
 }
 
 TEST(ViewerScene, TheProjectOfAnObjectIsThatOfItsRecord) {
-  const ViewerScene scene = SceneWith(Model(kHouse));
+  const ViewerScene scene = SceneWith(Model(kHouseRecords));
   for (const HostObject object : {Handle(0, 1), Handle(1, 1), Handle(2, 3), Handle(3, 1)}) {
     EXPECT_EQ(scene.InfoOf(object).project, scene.ProjectOf(object)) << object;
   }
