@@ -24,6 +24,7 @@ SceneClasses::SceneClasses(const FactoryTable& factories)
     : factories_(factories), pool_(kPoolBlock), found_(factories.mask + std::size_t{1}) {}
 
 SceneClass SceneClasses::Find(std::string_view name) {
+  if (name.empty()) return {};  // no class has been read
   const FactoryRow* const row = factories_.FindRow(name);
   if (row == nullptr) return {};
   std::optional<SceneClass>& found = found_[static_cast<std::size_t>(row - factories_.slots)];
