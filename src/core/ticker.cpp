@@ -6,6 +6,16 @@
 
 namespace corvel {
 
+namespace {
+
+// False: the user pressed cancel.
+bool Send(const Stage& stage, int value) {
+  return stage.callback == nullptr || stage.callback(std::min(value, stage.maximum), stage.share,
+                                                     stage.text, stage.exactMode, stage.maximum);
+}
+
+}  // namespace
+
 Ticker::Ticker(const Stage& stage, const TickSteps& steps, Asking asking)
     : stage_(stage),
       asking_(asking),
@@ -17,20 +27,12 @@ Ticker::Ticker(const Stage& stage, const TickSteps& steps, Asking asking)
 }
 
 bool Ticker::Tick(int value) const {
-  if (stage_.callback == nullptr ||
-      stage_.callback(std::min(value, stage_.maximum), stage_.share, stage_.text, stage_.exactMode,
-                      stage_.maximum)) {
-    return true;
-  }
+  if (Send(stage_, value)) return true;
   Cancellation& cancellation = Cancellation::OfProcess();
   return !(asking_ == Asking::kAlways ? cancellation.Ask() : cancellation.AskUnlessEnding());
 }
 
-void Ticker::Show(int value) const {
-  if (stage_.callback == nullptr) return;
-  stage_.callback(std::min(value, stage_.maximum), stage_.share, stage_.text, stage_.exactMode,
-                  stage_.maximum);
-}
+void Ticker::Show(int value) const { Send(stage_, value); }
 
 bool Ticker::SendDueTicks(std::size_t pieces) {
   while (pieces >= left_) {

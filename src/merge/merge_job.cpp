@@ -165,10 +165,14 @@ bool MergeJob::Read(HostObject project) {
   const MergeOptions options = shell_.Options();
   auto document =
       std::make_unique<IfcDocument>(options.ignoreEnumErrors, shell_.Reporter(), shell_.Ticks());
-  if (options.workFolder) document->KeepWorkFileIn(*options.workFolder);
-  std::vector<WideString> reserved;
-  for (const HostObject file : files_) reserved.push_back(scene_.ProjectPath(file));
-  document->ReservePaths(std::move(reserved));
+  // A work file without a name takes nobody's place.
+  if (options.workFolder) {
+    document->KeepWorkFileIn(*options.workFolder);
+  } else {
+    std::vector<WideString> reserved;
+    for (const HostObject file : files_) reserved.push_back(scene_.ProjectPath(file));
+    document->ReservePaths(std::move(reserved));
+  }
   Log(u"ParseFile: " + path);
   shell_.StartStage(kReadingWeight / projectCount);
   shell_.SetOverallText(shell_.Text("progress_bar_overall_progress"));
