@@ -41,6 +41,14 @@ class IfcEntity {
   // True when the class lives on the members of a mandatory list and no member is left.
   virtual bool hasNoLiveMembers() const = 0;
 
+  // Everything that the object refers to: collectChildren, and behind it what the object carries.
+  // Walks over a model call this one.
+  void CollectAllChildren(ChildQueue& queue) const {
+    collectChildren(queue);
+    if (carries) [[unlikely]]
+      CollectCarried(queue);
+  }
+
   // Sets `marker`. 0 is refused with a message box and the marker stays.
   void SetMarker(std::uint32_t value);
 
@@ -54,6 +62,8 @@ class IfcEntity {
   bool visited = false;
   // Memo of the walk that asks whether a kept object is linked: 0 unknown, 1 yes, 2 no.
   std::uint8_t walkResult = 0;
+  // The object is more than its attributes tell, as tolerant readings leave it: see core/carried.h.
+  bool carries = false;
   // While a model is marked: so many of the first parents are known to be deleted.
   std::uint32_t goneParents = 0;
   // All entities that refer directly to this one; filled by MainContainer::FillParentsLists.
@@ -69,6 +79,9 @@ class IfcEntity {
   // A copy is a new object: no marker, no parents.
   IfcEntity(const IfcEntity& /*other*/) noexcept {}
   IfcEntity& operator=(const IfcEntity& /*other*/) noexcept { return *this; }
+
+ private:
+  void CollectCarried(ChildQueue& queue) const;
 };
 
 static_assert(sizeof(IfcEntity) <= 48, "millions of these: keep the base small");

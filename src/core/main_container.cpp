@@ -53,6 +53,8 @@ constexpr ListOfClass kLists[] = {
 
 // The class itself counts, not its supertypes; only the subtypes of IfcRelAssigns are one list.
 std::ptrdiff_t KindByName(IfcEntity* entity) {
+  // One class for records of many names, none of which means anything here.
+  if (dynamic_cast<const CarriedEntity*>(entity) != nullptr) return kPlain;
   const WideView name = entity->getClassName();
   if (name == u"IfcProject") return kProject;
   for (std::size_t i = 0; i < std::size(kLists); ++i) {
@@ -218,7 +220,7 @@ void ResetMarker(IfcEntity& entity, std::uint32_t generation, ChildQueue& queue)
   if (entity.visitStamp == generation) return;
   entity.visitStamp = generation;
   entity.marker = kUnfiled;
-  entity.collectChildren(queue);
+  entity.CollectAllChildren(queue);
 }
 
 void ResetQueuedMarkers(std::uint32_t generation, ChildQueue& queue) {
@@ -257,7 +259,7 @@ void MainContainer::ResetMarkersAndFillParents() {
   ChildQueue children;
   ChildQueue others;
   for (const auto& [number, entity] : entities) {
-    entity->collectChildren(children);
+    entity->CollectAllChildren(children);
     while (!children.IsEmpty()) {
       IfcEntity* const child = children.TakeBack().entity;
       if (child == nullptr) continue;
@@ -327,7 +329,7 @@ void MainContainer::EnterParents() {
 }
 
 void MainContainer::EnterParentsOf(IfcEntity* entity, ChildQueue& children) {
-  entity->collectChildren(children);
+  entity->CollectAllChildren(children);
   while (!children.IsEmpty()) {
     IfcEntity* const child = children.TakeBack().entity;
     if (child != nullptr) child->parents.Insert(entity, parentStore_);

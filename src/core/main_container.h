@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/carried.h"
 #include "core/entity.h"
 #include "core/guid_table.h"
 #include "core/memory_pool.h"
@@ -56,6 +57,8 @@ class MainContainer {
 
   corvel::MemoryPool& Pool() { return memoryPool_; }
   corvel::ParentStore& Parents() { return parentStore_; }
+  // What the objects of the pool hold beside their attributes.
+  corvel::CarriedTable& Carried() { return carried_; }
 
   // Files an entity that was read as record `number`, here and as AddEntity does. False (a message
   // box, nothing changed) when the number is taken; false for null.
@@ -187,6 +190,7 @@ class MainContainer {
   corvel::ProgressCallback progress_;
   corvel::MemoryPool memoryPool_;
   corvel::ParentStore parentStore_;
+  corvel::CarriedTable carried_;
   bool parentsFilled_ = false;
   bool hasRunOutOfNumbers_ = false;
   bool parentsAreCurrent_ = false;              // a rebuild would change nothing, but for these:

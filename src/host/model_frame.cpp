@@ -48,7 +48,7 @@ WideString Shown(double number) {
 std::vector<IFC::IfcEntity*> ChildrenOf(const IFC::IfcEntity& entity) {
   std::vector<IFC::IfcEntity*> children;
   IFC::ChildQueue queue;
-  entity.collectChildren(queue);
+  entity.CollectAllChildren(queue);
   while (!queue.IsEmpty()) {
     if (IFC::IfcEntity* const child = queue.TakeBack().entity) children.push_back(child);
   }

@@ -49,7 +49,7 @@ using UnitsByType = std::map<WideString, UnitsOfType>;
 UnitsByType SiUnitsOf(const IFC::IfcEntity& assignment) {
   UnitsByType units;
   IFC::ChildQueue members;
-  assignment.collectChildren(members);
+  assignment.CollectAllChildren(members);
   while (!members.IsEmpty()) {
     IFC::IfcEntity* const unit = members.TakeBack().entity;
     if (EntityCast<IFC::VIfcSIUnit>(unit) != nullptr) units[UnitTypeText(unit)].Add(unit);
@@ -110,7 +110,7 @@ std::vector<UnitComparison> CompareUnitAssignments(const IFC::IfcEntity* first,
   if (first == nullptr || other == nullptr) return rows;
   const UnitsByType otherUnits = SiUnitsOf(*other);
   IFC::ChildQueue units;
-  first->collectChildren(units);
+  first->CollectAllChildren(units);
   while (!units.IsEmpty()) {
     auto* const unit = EntityCast<IFC::VIfcSIUnit>(units.TakeBack().entity);
     if (unit == nullptr) continue;

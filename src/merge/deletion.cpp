@@ -52,12 +52,12 @@ void Deletion::DeleteWithOrphans(IFC::IfcEntity& entity) {
 }
 
 void Deletion::DeleteChildrenOf(IFC::IfcEntity& entity) {
-  entity.collectChildren(orphans_);
+  entity.CollectAllChildren(orphans_);
   while (!orphans_.IsEmpty()) {
     IFC::IfcEntity* const child = orphans_.TakeBack().entity;
     if (child == nullptr || !IsUndecided(*child) || !IsOrphan(*child)) continue;
     Delete(*child);
-    child->collectChildren(orphans_);
+    child->CollectAllChildren(orphans_);
   }
 }
 
@@ -70,7 +70,7 @@ void Deletion::Undo() {
   isRecording_ = false;
   for (IFC::IfcEntity* const entity : record_) {
     entity->marker = IFC::kUnfiled;
-    entity->collectChildren(children_);
+    entity->CollectAllChildren(children_);
     while (!children_.IsEmpty()) {
       IFC::IfcEntity* const child = children_.TakeBack().entity;
       // A parent that was counted as gone is back.

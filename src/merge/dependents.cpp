@@ -37,7 +37,7 @@ class Dependents {
     auto* const site = EntityCast<IFC::IfcSiteVirtual>(&entity);
     if (site == nullptr) return;
     IFC::ChildQueue children;
-    entity.collectChildren(children);
+    entity.CollectAllChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
       if (child == nullptr || IsSaved(*child) || ClassIs(*child, u"IfcOwnerHistory")) continue;
@@ -89,7 +89,7 @@ class Dependents {
 
   void NotePropertySets(const IFC::IfcEntity& relation) {
     IFC::ChildQueue children;
-    relation.collectChildren(children);
+    relation.CollectAllChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
       if (child != nullptr && IsPropertySet(*child)) asked_.sets.push_back(child);
@@ -117,7 +117,7 @@ class Dependents {
   void DeletePropertySet(IFC::IfcEntity& propertySet) {
     deletion_.Delete(propertySet);
     IFC::ChildQueue queue;
-    propertySet.collectChildren(queue);
+    propertySet.CollectAllChildren(queue);
     while (!queue.IsEmpty()) {
       IFC::IfcEntity* const entity = queue.TakeBack().entity;
       if (entity == nullptr || !Deletion::IsOrphan(*entity) || entity->walkResult == kTaken) {
@@ -125,7 +125,7 @@ class Dependents {
       }
       entity->walkResult = kTaken;
       taken_.push_back(entity);
-      entity->collectChildren(queue);
+      entity->CollectAllChildren(queue);
       deletion_.DeleteChildrenOf(*entity);
     }
     for (IFC::IfcEntity* const entity : taken_) entity->walkResult = 0;

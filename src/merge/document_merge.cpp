@@ -208,7 +208,7 @@ bool DocumentMerge::HasNoGuidIndex() const { return destination_.guidIndex.empty
 void DocumentMerge::RedirectChildren(IFC::IfcEntity* entity) {
   if (HasNoGuidIndex()) return;
   if (entity->visitStamp == generation_) return;
-  entity->collectChildren(queue_);
+  entity->CollectAllChildren(queue_);
   while (!queue_.IsEmpty()) {
     if (IFC::IfcEntity* const child = queue_.TakeBack().entity) RedirectChild(child);
   }
@@ -221,7 +221,7 @@ void DocumentMerge::RedirectChild(IFC::IfcEntity* child) {
   if (target != nullptr && child->marker != target->marker && target->marker != IFC::kDeleted) {
     destination_.container.OverwriteMarker(child, target);
   }
-  if (child->marker != IFC::kDeleted) child->collectChildren(queue_);
+  if (child->marker != IFC::kDeleted) child->CollectAllChildren(queue_);
 }
 
 void DocumentMerge::MergeProjects() {

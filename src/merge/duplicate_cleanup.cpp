@@ -29,7 +29,7 @@ std::vector<IFC::IfcEntity*> ParentsOf(const IFC::IfcEntity& entity) {
 // True when every child of `a` is one of `b`.
 bool CoversChildrenOf(const IFC::IfcEntity& b, const IFC::IfcEntity& a) {
   IFC::ChildQueue children;
-  a.collectChildren(children);
+  a.CollectAllChildren(children);
   while (!children.IsEmpty()) {
     IFC::IfcEntity* const child = children.TakeBack().entity;
     if (child != nullptr && !ParentIncludesChild(b, child)) return false;
@@ -40,7 +40,7 @@ bool CoversChildrenOf(const IFC::IfcEntity& b, const IFC::IfcEntity& a) {
 // The GUIDs that a relation holds beside that of `entity`, ascending, joined by "|".
 std::string KeyOfOthers(const IFC::IfcEntity& relation, const IFC::IfcEntity& entity) {
   IFC::ChildQueue children;
-  relation.collectChildren(children);
+  relation.CollectAllChildren(children);
   std::vector<std::string_view> guids;
   while (!children.IsEmpty()) {
     IFC::IfcEntity* const child = children.TakeBack().entity;
@@ -77,7 +77,7 @@ void DeleteDuplicatedParents(IFC::IfcEntity& entity) {
 bool ParentIncludesChild(const IFC::IfcEntity& relation, IFC::IfcEntity* child) {
   auto* const childRoot = EntityCast<IFC::VirtualIfcRoot>(child);
   IFC::ChildQueue members;
-  relation.collectChildren(members);
+  relation.CollectAllChildren(members);
   while (!members.IsEmpty()) {
     IFC::IfcEntity* const member = members.TakeBack().entity;
     if (member == nullptr) continue;

@@ -53,13 +53,13 @@ bool IsFoot(IFC::IfcEntity* entity) {
 const IFC::VIfcSIUnit* MadeFrom(const IFC::IfcEntity& foot) {
   const std::uint32_t generation = IFC::NextVisitGeneration();
   IFC::ChildQueue queue;
-  foot.collectChildren(queue);
+  foot.CollectAllChildren(queue);
   while (!queue.IsEmpty()) {
     IFC::IfcEntity* const entity = queue.TakeBack().entity;
     if (entity == nullptr || entity->visitStamp == generation) continue;
     entity->visitStamp = generation;
     if (const IFC::VIfcSIUnit* const length = AsLength(entity)) return length;
-    entity->collectChildren(queue);
+    entity->CollectAllChildren(queue);
   }
   return nullptr;
 }
@@ -74,7 +74,7 @@ std::optional<double> FactorOf(IFC::IfcEntity* unit, const LengthTable& table) {
 double Look(const IFC::IfcEntity* unitAssignment, const LengthTable& table,
             ErrorReporter showError) {
   IFC::ChildQueue units;
-  if (unitAssignment != nullptr) unitAssignment->collectChildren(units);
+  if (unitAssignment != nullptr) unitAssignment->CollectAllChildren(units);
   // The queue is taken from its back: the last unit comes first.
   while (!units.IsEmpty()) {
     if (const auto factor = FactorOf(units.TakeBack().entity, table)) return *factor;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/carried.h"
 #include "merge/marking.h"
 
 namespace corvel {
@@ -15,7 +16,7 @@ namespace {
 constexpr int kLastTick = 50;
 
 bool LacksMandatoryChild(const IFC::IfcEntity& entity, IFC::ChildQueue& children) {
-  entity.collectChildren(children);
+  entity.CollectAllChildren(children);
   while (!children.IsEmpty()) {
     const IFC::ChildRef child = children.TakeBack();
     if (child.entity == nullptr || child.canLose || !IsDeleted(*child.entity)) continue;
@@ -82,7 +83,8 @@ class Passes {
   }
 
   bool MustGo(const IFC::IfcEntity& entity) {
-    return entity.hasNoLiveMembers() || LacksMandatoryChild(entity, children_);
+    const bool hasLostMembers = entity.hasNoLiveMembers() && !CarriesLiveObject(entity);
+    return hasLostMembers || LacksMandatoryChild(entity, children_);
   }
 
   void LookAgainAtParentsOf(const IFC::IfcEntity& entity) {

@@ -35,19 +35,19 @@ class SaveMarks {
       if (entity == nullptr || entity->visitStamp == generation_) continue;
       entity->visitStamp = generation_;
       entity->marker = IFC::kToSave;
-      entity->collectChildren(queue_);
+      entity->CollectAllChildren(queue_);
     }
   }
 
   // What the record of `parent` cannot do without. Not its optional references and lists, which
   // would drag the siblings along.
   void MarkMandatoryChildren(const IFC::IfcEntity& parent) {
-    parent.collectChildren(queue_);
+    parent.CollectAllChildren(queue_);
     while (!queue_.IsEmpty()) {
       const IFC::ChildRef child = queue_.TakeBack();
       if (child.entity == nullptr || child.canLose || IsSaved(*child.entity)) continue;
       child.entity->marker = IFC::kToSave;
-      child.entity->collectChildren(queue_);
+      child.entity->CollectAllChildren(queue_);
     }
   }
 
@@ -75,7 +75,7 @@ class SaveMarks {
 
   void MarkTreeOf(const IFC::IfcEntity& project) {
     IFC::ChildQueue children;
-    project.collectChildren(children);
+    project.CollectAllChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
       if (child != nullptr) MarkTree(*child);
@@ -107,7 +107,7 @@ void MarkEntitiesAndChildrenToDelete(IFC::MainContainer& container,
   for (const MarkerPair& pair : deletePairs) {
     IFC::IfcEntity* const entity = container.GetEntityByOrginalNumber(pair.number);
     if (entity == nullptr) continue;
-    entity->collectChildren(children);
+    entity->CollectAllChildren(children);
     while (!children.IsEmpty()) {
       IFC::IfcEntity* const child = children.TakeBack().entity;
       if (child == nullptr || ClassIs(*child, u"IfcOwnerHistory")) continue;

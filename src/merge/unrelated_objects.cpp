@@ -15,7 +15,7 @@ class Visitor {
   }
 
   void VisitChildren(const IFC::IfcEntity& entity) {
-    entity.collectChildren(open_);
+    entity.CollectAllChildren(open_);
     Spread();
   }
 
@@ -28,7 +28,7 @@ class Visitor {
       entity->visited = true;
       entity->marker = IFC::kToSave;
       for (IFC::IfcEntity* const parent : entity->parents.Members()) open_.Append(parent, true);
-      entity->collectChildren(open_);
+      entity->CollectAllChildren(open_);
     }
   }
 

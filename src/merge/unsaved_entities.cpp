@@ -99,13 +99,13 @@ class Links {
   // Sets the moment of an entity and of the values in its record.
   void Prepare(IFC::IfcEntity& entity) {
     SetMoment(entity);
-    entity.collectChildren(valueQueue_);
+    entity.CollectAllChildren(valueQueue_);
     while (!valueQueue_.IsEmpty()) {
       IFC::IfcEntity* const child = valueQueue_.TakeBack().entity;
       if (child == nullptr || !child->inlineValue || !IsUndecided(*child)) continue;
       SetMoment(*child);
       NoteReferencesOf(*child);
-      child->collectChildren(valueQueue_);
+      child->CollectAllChildren(valueQueue_);
     }
   }
 
@@ -117,7 +117,7 @@ class Links {
 
   // A value that refers to an entity is not among that one's parents.
   void NoteReferencesOf(IFC::IfcEntity& value) {
-    value.collectChildren(children_);
+    value.CollectAllChildren(children_);
     if (!children_.IsEmpty()) values_.push_back(&value);
     while (!children_.IsEmpty()) {
       const IFC::IfcEntity* const child = children_.TakeBack().entity;
@@ -130,7 +130,7 @@ class Links {
       if (IsSaved(*parent)) return true;
     }
     bool found = false;
-    entity.collectChildren(children_);
+    entity.CollectAllChildren(children_);
     while (!children_.IsEmpty()) {
       const IFC::IfcEntity* const child = children_.TakeBack().entity;
       found = found || (child != nullptr && IsSaved(*child));
@@ -175,7 +175,7 @@ class Links {
     const auto [first, last] = valuesWithReference_.equal_range(&entity);
     for (auto value = first; value != last; ++value) Reach(*value->second, moment);
     if (entity.inlineValue) return;
-    entity.collectChildren(children_);
+    entity.CollectAllChildren(children_);
     while (!children_.IsEmpty()) {
       IFC::IfcEntity* const child = children_.TakeBack().entity;
       if (child != nullptr) Reach(*child, moment);
@@ -224,7 +224,7 @@ class UnsavedEntities {
       if (entity == nullptr || !IsUndecided(*entity)) continue;
       deletion_.Delete(*entity);
       for (IFC::IfcEntity* const parent : entity->parents.Members()) queue_.Append(parent, true);
-      entity->collectChildren(queue_);
+      entity->CollectAllChildren(queue_);
     }
   }
 

@@ -154,7 +154,7 @@ void StepWriter::CleanUp() {
   IFC::MainContainer& container = *model_.container;
   if (IFC::IfcEntity* const assignment = model_.unitAssignment) {
     IFC::ChildQueue units;
-    assignment->collectChildren(units);
+    assignment->CollectAllChildren(units);
     log.LogText(u"Childrens: " + Widen(std::to_string(units.Size())));
     while (!units.IsEmpty()) {
       IFC::IfcEntity* const unit = units.TakeBack().entity;

@@ -1,0 +1,65 @@
+#include "core/carried.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace corvel {
+
+namespace {
+
+using PartsByHolder = std::unordered_map<const IFC::IfcEntity*, CarriedParts>;
+
+// One for all models of the process: an object does not know its model, and a walk meets objects of
+// several.
+PartsByHolder& AllParts() {
+  static PartsByHolder parts;
+  return parts;
+}
+
+}  // namespace
+
+const CarriedArgument* CarriedParts::Find(std::size_t index) const {
+  const auto found = std::find_if(arguments.begin(), arguments.end(),
+                                  [=](const CarriedArgument& one) { return one.index == index; });
+  return found == arguments.end() ? nullptr : &*found;
+}
+
+CarriedTable::~CarriedTable() {
+  for (const IFC::IfcEntity* const holder : holders_) AllParts().erase(holder);
+}
+
+void CarriedTable::Set(IFC::IfcEntity& holder, const CarriedParts& parts) {
+  if (AllParts().insert_or_assign(&holder, parts).second) holders_.push_back(&holder);
+  holder.carries = true;
+}
+
+void CarriedTable::Remove(IFC::IfcEntity& holder) {
+  AllParts().erase(&holder);
+  holder.carries = false;
+}
+
+const CarriedParts* CarriedTable::Find(const IFC::IfcEntity& holder) {
+  if (!holder.carries) return nullptr;
+  const auto found = AllParts().find(&holder);
+  return found == AllParts().end() ? nullptr : &found->second;
+}
+
+bool CarriesLiveObject(const IFC::IfcEntity& holder) {
+  const CarriedParts* const parts = CarriedTable::Find(holder);
+  return parts != nullptr &&
+         std::any_of(parts->children.begin(), parts->children.end(),
+                     [](const IFC::IfcEntity* child) { return child->marker != IFC::kDeleted; });
+}
+
+}  // namespace corvel
+
+namespace IFC {
+
+// A carried reference can be lost: `$` is written in its place then.
+void IfcEntity::CollectCarried(ChildQueue& queue) const {
+  const corvel::CarriedParts* const parts = corvel::CarriedTable::Find(*this);
+  if (parts == nullptr) return;
+  for (IfcEntity* const child : parts->children) queue.Append(child, true);
+}
+
+}  // namespace IFC
