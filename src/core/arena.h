@@ -6,10 +6,13 @@
 #include <memory>
 #include <vector>
 
+#include "platform/large_block.h"
+
 namespace corvel {
 
-// Pieces come from blocks that grow from 16 KiB to 1 MiB; a larger request gets a block of its
-// own. Nothing is freed before the arena goes. Memory is not zeroed.
+// Pieces come from blocks that grow from 16 KiB to 1 MiB, and are 2 MiB each from 8 MiB on; a
+// larger request gets a block of its own. Nothing is freed before the arena goes. Memory is not
+// zeroed.
 class Arena {
  public:
   Arena() = default;
@@ -32,11 +35,13 @@ class Arena {
 
  private:
   void* AllocateFromNewBlock(std::size_t size, std::size_t alignment);
+  std::uintptr_t NewBlock(std::size_t size);
 
   std::uintptr_t next_ = 0;
   std::uintptr_t end_ = 0;
   std::size_t reserved_ = 0;
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
+  std::vector<platform::LargeBlock> largeBlocks_;
 };
 
 }  // namespace corvel

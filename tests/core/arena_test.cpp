@@ -65,5 +65,18 @@ TEST(Arena, BlocksGrowWithWhatIsInUseUpToOneMebibyte) {
   EXPECT_EQ((std::vector<std::size_t>{16, 16, 32, 64, 128, 256, 512, 1024, 1024}), blocks);
 }
 
+TEST(Arena, FromEightMebibytesOnBlocksAreLarge) {
+  Arena arena;
+  while (arena.ReservedBytes() < (std::size_t{8} << 20)) arena.Allocate(1024, 1);
+  const std::size_t before = arena.ReservedBytes();
+  while (arena.ReservedBytes() == before) arena.Allocate(1024, 1);
+  EXPECT_EQ(std::size_t{2} << 20, arena.ReservedBytes() - before);
+  // To the last byte: a sanitizer or the system looks at the bounds.
+  for (std::size_t used = 1024; used < (std::size_t{2} << 20); used += 1024) {
+    std::memset(arena.Allocate(1024, 1), 0xEE, 1024);
+  }
+  EXPECT_EQ(std::size_t{2} << 20, arena.ReservedBytes() - before);
+}
+
 }  // namespace
 }  // namespace corvel

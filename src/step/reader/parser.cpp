@@ -16,7 +16,9 @@ namespace corvel {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 0xA00000;         // of the input, the work file and the pool
+// Of the input and the work file: what is read next is still in the processor's cache.
+constexpr std::size_t kBufferSize = std::size_t{256} << 10;
+constexpr std::size_t kPoolBlockSize = 0xA00000;
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
 constexpr double kSecondShare = 5.0;                  // percent of the run, for all files
 
@@ -99,7 +101,7 @@ bool Parser::OpenInput(const WideString& path) {
   saved_ = std::make_unique<SavedRecords>(OpenWorkFile(path, *opened->Stream(), workFileRules),
                                           showError, kBufferSize);
   tempPath = saved_->Path();
-  mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kBufferSize);
+  mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kPoolBlockSize);
   StartPass(std::move(opened), 0);
   ReadHead();
   return true;
