@@ -30,6 +30,7 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
                        const MergeOptions& options) {
   IfcLog& log = IfcLog::Instance();
   IfcDocument document(options.ignoreEnumErrors, plugin::ShowError, ProgressWindow::UpdateProgress);
+  if (options.tolerant) document.ReadTolerantly();
   if (options.workFolder) document.KeepWorkFileIn(*options.workFolder);
   document.ReservePaths({input, output});
   ProgressWindow::Instance().StartStage(kReadingWeight);

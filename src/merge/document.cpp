@@ -29,6 +29,8 @@ void IfcDocument::KeepWorkFileIn(WideString folder) {
   parser_->workFileRules.folder = std::move(folder);
 }
 
+void IfcDocument::ReadTolerantly() { parser_->tolerance = std::make_unique<Tolerance>(); }
+
 int IfcDocument::OpenFile(const WideString& path, int share) {
   // Also for a file that cannot be opened: reports name it.
   parser_->filePath = path;

@@ -41,6 +41,9 @@ class IfcDocument {
   // The work file of the reading goes to `folder`, without a name, and is gone when the reading
   // ends. Without this call it lies beside the input and stays there. Call before OpenFile.
   void KeepWorkFileIn(WideString folder);
+  // Whatever the file holds that its release does not take is carried as it stands, and `Remarks`
+  // tells it. Call before OpenFile.
+  void ReadTolerantly();
   // Reads the whole file, once. `share`: number of documents of the run, for the progress. Nonzero
   // on success; failures have been reported, and IsParsed and IsCancelled tell them apart.
   int OpenFile(const WideString& path, int share);

@@ -22,6 +22,9 @@ struct MergeOptions {
   // Where the work files of the reading lie, without names; nothing: beside the inputs, as told at
   // IfcDocument. No choice of the window's.
   std::optional<WideString> workFolder{};
+  // What a model holds that its release does not take is carried as it stands. No choice of the
+  // window's either.
+  bool tolerant = false;
 };
 
 // What the save dialog starts with.

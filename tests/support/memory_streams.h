@@ -51,7 +51,7 @@ class MemoryInputStream final : public FileStream::InputStream {
   bool IsEof() const override { return Cursor() == WindowEnd() && endFound_; }
   std::int64_t Position() const override {
     if (!open_) return -1;
-    return static_cast<std::int64_t>(offset_) - (WindowEnd() - Cursor());
+    return static_cast<std::int64_t>(offset_) - Unread();
   }
   int NextEntry() override { return -1; }
   std::int64_t TotalSize() const override { return static_cast<std::int64_t>(text_.size()); }

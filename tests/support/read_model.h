@@ -30,6 +30,7 @@ namespace corvel::test {
 struct ReadOptions {
   std::string schema = "IFC4";
   bool ignoreEnumErrors = false;
+  bool tolerant = false;
   std::string fileName = "model.ifc";
   int fileCount = 1;
 };
@@ -86,6 +87,7 @@ class ReadModel {
             options_.ignoreEnumErrors, RecordedReports::Reporter, RecordedProgress::Callback)) {}
 
   void Read(std::string_view bytes) {
+    if (options_.tolerant) document_->ReadTolerantly();
     const WideString path = folder_->Write(options_.fileName, bytes);
     read_ = document_->OpenFile(path, options_.fileCount) != 0;
   }

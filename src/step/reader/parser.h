@@ -25,6 +25,7 @@
 #include "step/reader/saved_records.h"
 #include "step/reader/scanner.h"
 #include "step/reader/skipped_input.h"
+#include "step/reader/tolerance.h"
 #include "step/reader/work_file.h"
 
 namespace corvel {
@@ -83,6 +84,9 @@ class Parser {
 
   ParserState state = ParserState::kNotFinished;
   bool ignoreEnumErrors;
+  // Not null: the reading is tolerant, and what does not fit is carried and noted here. Null, as it
+  // is at first: strict. Set before ParseFile.
+  std::unique_ptr<Tolerance> tolerance;
   // Set by the attribute readers when a referenced number is not filed yet.
   bool forwardReference = false;
   // A string on its way from the input into the pool.

@@ -41,7 +41,7 @@ class SavedRecords::Stream final : public FileStream::InputStream {
   bool IsOpen() const override { return open_; }
   bool IsEof() const override { return Cursor() == WindowEnd() && IsAtEnd(); }
   std::int64_t Position() const override {
-    return open_ ? static_cast<std::int64_t>(delivered_) - (WindowEnd() - Cursor()) : -1;
+    return open_ ? static_cast<std::int64_t>(delivered_) - Unread() : -1;
   }
   int NextEntry() override { return -1; }
   std::int64_t TotalSize() const override { return records_.work_.file.Size(); }

@@ -120,6 +120,14 @@ class Scanner {
   }
   // Where the last token begins that NextToken or PeekToken made outside of a record.
   std::int64_t TokenOffset() const { return tokenOffset_; }
+  // Moves back behind the first `kept` bytes of the statement text, whatever tokens were made of
+  // the others.
+  void Rewind(std::size_t kept) {
+    ClearTokens();
+    afterSemicolon_ = false;
+    argument_ = 0;
+    stream_->Rewind(kept);
+  }
   // Takes everything up to and including the next statement that ends with ENDSEC, whatever it is.
   // Call with no token looked ahead.
   void SkipSection();

@@ -108,9 +108,7 @@ int InputFileStream::Close() {
   return file_.Close() ? 0 : -1;
 }
 
-std::int64_t InputFileStream::Position() const {
-  return open_ ? windowEndOffset_ - (WindowEnd() - Cursor()) : -1;
-}
+std::int64_t InputFileStream::Position() const { return open_ ? windowEndOffset_ - Unread() : -1; }
 
 std::int64_t InputFileStream::TotalSize() const {
   platform::File second;

@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <exception>
+#include <utility>
 
 namespace FileStream {
 
@@ -18,7 +19,32 @@ int InputStream::GetChar() {
 bool InputStream::Refill() {
   assert(cursor_ == windowEnd_);
   KeepConsumed();
+  if (const auto replay = std::move(replay_)) {
+    SetWindow(replay->cursor, replay->windowEnd);
+    if (cursor_ != windowEnd_) return true;
+  }
   return FillWindow();
+}
+
+void InputStream::Rewind(std::size_t kept) {
+  const std::size_t back = StatementSize() - kept;
+  if (back <= static_cast<std::size_t>(cursor_ - statementStart_)) {
+    cursor_ -= back;
+    return;
+  }
+  KeepConsumed();
+  auto replay = std::make_unique<Replay>();
+  replay->text.assign(carriedText_, kept);
+  replay->cursor = cursor_;
+  replay->windowEnd = windowEnd_;
+  if (replay_ != nullptr) {
+    replay->text.append(cursor_, windowEnd_);
+    replay->cursor = replay_->cursor;
+    replay->windowEnd = replay_->windowEnd;
+  }
+  carriedText_.resize(kept);
+  replay_ = std::move(replay);
+  SetWindow(replay_->text.data(), replay_->text.data() + replay_->text.size());
 }
 
 std::string InputStream::StatementText() const {
@@ -47,6 +73,7 @@ void InputStream::DropWindow() noexcept {
   } catch (const std::exception&) {
     carriedText_.clear();
   }
+  replay_.reset();
   SetWindow(nullptr, nullptr);
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -73,6 +74,10 @@ class InputStream {
     carriedText_.clear();
     statementStart_ = cursor_;
   }
+  // Moves back behind the first `kept` bytes of the statement text: the others come once more, and
+  // whatever is kept of them goes. For those who read by the window alone. `kept` is at most
+  // StatementSize().
+  void Rewind(std::size_t kept);
   // True when the last byte delivered was a ";".
   bool LastWasSemicolon() const {
     return cursor_ != deliveredStart_ ? cursor_[-1] == ';' : keptSemicolon_;
@@ -94,6 +99,10 @@ class InputStream {
     cursor_ = statementStart_ = deliveredStart_ = begin;
     windowEnd_ = end;
   }
+  // Bytes that were brought and not yet taken.
+  std::int64_t Unread() const {
+    return (windowEnd_ - cursor_) + (replay_ == nullptr ? 0 : replay_->windowEnd - replay_->cursor);
+  }
   // Empties the window, whose bytes may then go; what was consumed of it is kept, or the whole
   // statement text is given up when there is no memory for it.
   void DropWindow() noexcept;
@@ -111,6 +120,13 @@ class InputStream {
   corvel::ErrorReporter showError_ = nullptr;
 
  private:
+  // Text that comes once more, and the window that it has interrupted.
+  struct Replay {
+    std::string text;
+    const char* cursor = nullptr;
+    const char* windowEnd = nullptr;
+  };
+
   const char* cursor_ = nullptr;
   const char* windowEnd_ = nullptr;
   // Copies what was consumed since the last call out of the window.
@@ -120,6 +136,7 @@ class InputStream {
   const char* deliveredStart_ = nullptr;  // bytes from here to the cursor were all delivered
   std::string carriedText_;               // statement text that is no longer in the window
   bool keptSemicolon_ = false;            // LastWasSemicolon as of deliveredStart_
+  std::unique_ptr<Replay> replay_;        // null but for a while behind Rewind
 };
 
 }  // namespace FileStream

@@ -194,7 +194,7 @@ int InputZipFileStream::Close() {
 }
 
 std::int64_t InputZipFileStream::Position() const {
-  return open_ ? static_cast<std::int64_t>(delivered_) - (WindowEnd() - Cursor()) : -1;
+  return open_ ? static_cast<std::int64_t>(delivered_) - Unread() : -1;
 }
 
 int InputZipFileStream::NextEntry() {

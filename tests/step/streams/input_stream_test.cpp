@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "step/streams/input_text_stream.h"
 #include "support/memory_streams.h"
 
 #ifndef _WIN32
@@ -52,6 +53,50 @@ TEST(InputStream, BytesFrom128AreNegative) {
   EXPECT_EQ(-2, stream.GetChar());
   EXPECT_EQ(-1, stream.GetChar()) << "a byte of 255 looks like the end";
   EXPECT_EQ(3, stream.Position());
+}
+
+TEST(InputStream, RewoundBytesComeOnceMoreWhateverTheWindows) {
+  const std::string text = "#1=IFCWALL($);\n#2=IFCDOOR();";
+  for (std::size_t window = 1; window <= text.size() + 1; ++window) {
+    for (std::size_t taken = 0; taken <= text.size(); ++taken) {
+      for (std::size_t kept = 0; kept <= taken; ++kept) {
+        MemoryInputStream stream(text, window);
+        TakeByWindow(stream, taken);
+        stream.Rewind(kept);
+        ASSERT_EQ(text.substr(0, kept), stream.StatementText());
+        ASSERT_EQ(static_cast<std::int64_t>(kept), stream.Position());
+        ASSERT_EQ(text.substr(kept), TakeByWindow(stream, text.size()));
+        ASSERT_EQ(text, stream.StatementView());
+      }
+    }
+  }
+}
+
+TEST(InputStream, WhatIsRewoundTwiceComesTwice) {
+  MemoryInputStream stream("abcdefghij", 3);
+  TakeByWindow(stream, 8);
+  stream.Rewind(2);
+  EXPECT_EQ("cde", TakeByWindow(stream, 3));
+  stream.Rewind(1);
+  EXPECT_EQ("bcdefghi", TakeByWindow(stream, 8));
+  stream.Rewind(0);
+  EXPECT_EQ("abcdefghij", TakeByWindow(stream, 99));
+  EXPECT_EQ(10, stream.Position());
+}
+
+TEST(InputStream, ATextIsOneWindow) {
+  InputTextStream stream("#1=IFCWALL();");
+  EXPECT_EQ(13, stream.TotalSize());
+  EXPECT_EQ("#1", TakeByWindow(stream, 2));
+  EXPECT_EQ(2, stream.Position());
+  EXPECT_EQ('=', stream.PeekChar());
+  char bytes[20] = {};
+  EXPECT_EQ(11u, stream.Read(bytes, sizeof bytes));
+  EXPECT_STREQ("=IFCWALL();", bytes);
+  EXPECT_TRUE(stream.IsEof());
+  EXPECT_EQ(-1, stream.GetChar());
+  stream.Close();
+  EXPECT_EQ(-1, stream.Position());
 }
 
 TEST(StatementText, ItHoldsAllDeliveredBytesWhateverTheWindows) {
