@@ -14,6 +14,4 @@ if [ "${#sources[@]}" -eq 0 ]; then
   mapfile -t sources < <(git ls-files 'src/*.cpp' | grep -v '/win32/')
 fi
 cmake --preset dev >/dev/null
-printf '%s\0' "${sources[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build/dev --quiet \
-  --extra-arg=-Wno-unknown-warning-option 2>/dev/null
-echo "clang-tidy: ${#sources[@]} files are clean"
+exec tools/tidy.py build/dev "${sources[@]}"

@@ -10,7 +10,7 @@ namespace corvel::host {
 namespace {
 
 // Enough for any header that is not made to be long; the scanner refills for those.
-constexpr std::size_t kSmallBuffer = 0x10000;
+constexpr std::size_t kHeadBuffer = 0x10000;
 
 bool NothingServes(const WideString& identifier) {
   std::vector<WideString> remarks;
@@ -25,7 +25,7 @@ HeaderLook LookAtHeader(const WideString& path) {
   look.trouble = NoStepFile(path);
   if (look.trouble) return look;
   std::vector<WideString> problems;
-  Scanner scanner(path, kSmallBuffer, Hear);
+  Scanner scanner(path, kHeadBuffer, Hear);
   const auto header = scanner.IsOpen() ? ReadHeader(scanner, path, problems) : nullptr;
   if (header != nullptr) {
     look.schemaIdentifier = header->schemaIdentifier;

@@ -8,12 +8,11 @@
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
+#include "merge/marking.h"
 
 namespace corvel {
 
 namespace {
-
-bool IsDeleted(const IFC::IfcEntity& entity) { return entity.marker == IFC::kDeleted; }
 
 // By number: of two parents that say the same the later one goes, on every run, wherever the
 // objects lie in memory.

@@ -10,7 +10,7 @@ namespace corvel {
 
 namespace {
 
-constexpr int kEnd = -1;
+constexpr int kNoByte = -1;
 
 // Records that a string swallows have a "#", and whoever takes plain text does not look for them.
 bool IsPlain(char c) { return c >= 0 && c != '\'' && c != '\\' && c != '#'; }
@@ -44,7 +44,7 @@ class Decoder {
     for (;;) {
       TakePlainRun();
       const int byte = Take();
-      if (byte == kEnd) return false;
+      if (byte == kNoByte) return false;
       if (byte == '\'') {
         if (Peek() != '\'') return true;
         Take();
@@ -61,13 +61,13 @@ class Decoder {
   int Peek() {
     if (stream_.Cursor() == stream_.WindowEnd()) {
       if constexpr (!kKeeps) stream_.ClearStatementText();
-      if (!stream_.Refill()) return kEnd;
+      if (!stream_.Refill()) return kNoByte;
     }
     return static_cast<unsigned char>(*stream_.Cursor());
   }
   int Take() {
     const int byte = Peek();
-    if (byte != kEnd) stream_.SetCursor(stream_.Cursor() + 1);
+    if (byte != kNoByte) stream_.SetCursor(stream_.Cursor() + 1);
     return byte;
   }
 
@@ -122,7 +122,7 @@ class Decoder {
     }
     Take();
     const int byte = Take();
-    if (byte != kEnd) AddByte(static_cast<std::uint8_t>(byte + 128));
+    if (byte != kNoByte) AddByte(static_cast<std::uint8_t>(byte + 128));
   }
 
   // \Pc\ : page A is ISO 8859-1, B is 8859-2 and so on. Without its second "\" it is text, as in
@@ -130,7 +130,7 @@ class Decoder {
   void TakeCodePage() {
     Take();
     const int page = Peek();
-    if (page == kEnd || page == '\'' || page == '\\') {
+    if (page == kNoByte || page == '\'' || page == '\\') {
       AddUnused('P');
       return;
     }
@@ -150,8 +150,8 @@ class Decoder {
       case '\\': {
         Take();
         const int high = Take();
-        const int low = high == kEnd ? kEnd : Take();
-        if (low != kEnd) AddByte(static_cast<std::uint8_t>(HexValue(high) * 16 + HexValue(low)));
+        const int low = high == kNoByte ? kNoByte : Take();
+        if (low != kNoByte) AddByte(static_cast<std::uint8_t>(HexValue(high) * 16 + HexValue(low)));
         return;
       }
       case '2':
@@ -165,7 +165,7 @@ class Decoder {
     if (Peek() == '\\') Take();
     std::uint32_t group = 0;
     unsigned digits = 0;
-    for (int byte = Take(); byte != kEnd; byte = Take()) {
+    for (int byte = Take(); byte != kNoByte; byte = Take()) {
       if (byte == '\\') {
         TakeEndOfUnits();
         return;
