@@ -1,20 +1,21 @@
 #include "step/numbers/number_text.h"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
 #include "core/text.h"
+#include "step/numbers/eight_digits.h"
+#include "step/numbers/exact_tens.h"
+#include "step/numbers/real_text.h"
 
 namespace corvel {
 
 namespace {
 
-// Powers of ten that a double holds exactly.
-constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                            1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kLargestTen = 22;
-constexpr std::uint64_t kLargestWhole = std::uint64_t{1} << 53;
+constexpr std::uint32_t kMostInEight = 99'999'999;  // digits
 
 // The digits of a number, its point left out.
 struct Decimal {
@@ -42,8 +43,7 @@ Decimal ReadDecimal(const char* at, const char* end) {
   return decimal;
 }
 
-// Digits and a power of ten that doubles hold exactly need one operation, which rounds as a whole
-// number would be: to the nearest. False: the text is not so simple.
+// For digits and a power of ten that doubles hold exactly. False: the text is not so simple.
 bool ParseShort(std::string_view text, double& value) {
   const bool negative = !text.empty() && text.front() == '-';
   if (negative) text.remove_prefix(1);
@@ -63,9 +63,7 @@ bool ParseShort(std::string_view text, double& value) {
   }
   if (decimal.end != end || decimal.digits > kLargestWhole) return false;
   if (decimal.power < -kLargestTen || decimal.power > kLargestTen) return false;
-  const auto whole = static_cast<double>(decimal.digits);
-  const double magnitude =
-      decimal.power < 0 ? whole / kTens[-decimal.power] : whole * kTens[decimal.power];
+  const double magnitude = TimesTen(decimal.digits, decimal.power);
   value = negative ? -magnitude : magnitude;
   return true;
 }
@@ -105,6 +103,22 @@ double OutOfRange(std::string_view number) {
   return negative ? -magnitude : magnitude;
 }
 
+// By the library: slower, and for all values.
+char* FormatAnyReal(double value, char* to) {
+  char* const end =
+      std::to_chars(to, to + kNumberRoom, value, std::chars_format::scientific, kRealDigits - 1)
+          .ptr;
+  char* exponent = to;
+  while (exponent != end && *exponent != 'e') ++exponent;
+  if (exponent == end) return end;  // an infinity or no number at all
+  char* mantissaEnd = exponent;
+  // Ends at the point at the latest, which stays: 2.E-05
+  while (mantissaEnd[-1] == '0') --mantissaEnd;
+  *exponent = 'E';
+  while (exponent != end) *mantissaEnd++ = *exponent++;
+  return mantissaEnd;
+}
+
 }  // namespace
 
 double ParseReal(std::string_view text) {
@@ -133,12 +147,40 @@ std::int32_t ParseInteger(std::string_view text) {
 }
 
 char* FormatInteger(std::int32_t value, char* to) {
-  return std::to_chars(to, to + kNumberRoom, value).ptr;
+  if (value >= 0) return FormatUnsigned(static_cast<std::uint32_t>(value), to);
+  *to++ = '-';
+  return FormatUnsigned(0u - static_cast<std::uint32_t>(value), to);
 }
 
 char* FormatUnsigned(std::uint32_t value, char* to) {
+  if (value <= kMostInEight) return PutUpToEightDigits(value, to);
   return std::to_chars(to, to + kNumberRoom, value).ptr;
 }
+
+namespace {
+
+// "8.25E-05": zeros at the end of the mantissa go, the point stays.
+char* PutDigits(const RealDigits& number, char* to) {
+  constexpr std::uint64_t kLast = kMostInEight + 1;
+  // Sixteen digits, the first of them a zero.
+  const std::uint64_t high = EightDigitsOf(static_cast<std::uint32_t>(number.digits / kLast)) >> 8;
+  const std::uint64_t low = EightDigitsOf(static_cast<std::uint32_t>(number.digits % kLast));
+  PutEight(high + kEightZeros, to + 1);
+  to[0] = to[1];
+  to[1] = '.';
+  PutEight(low + kEightZeros, to + 8);
+  const auto zeros = static_cast<unsigned>(low != 0 ? std::countl_zero(low) / 8
+                                                    : 8 + std::countl_zero(high << 8) / 8);
+  to += 16 - std::min(zeros, 14u);
+  *to++ = 'E';
+  *to++ = number.power < 0 ? '-' : '+';
+  const int power = std::abs(number.power);
+  *to++ = static_cast<char>('0' + power / 10);
+  *to++ = static_cast<char>('0' + power % 10);
+  return to;
+}
+
+}  // namespace
 
 char* FormatReal(double value, char* to) {
   if (value >= -2147483648.0 && value <= 2147483647.0) {
@@ -150,17 +192,11 @@ char* FormatReal(double value, char* to) {
       return to;
     }
   }
-  char* const end =
-      std::to_chars(to, to + kNumberRoom, value, std::chars_format::scientific, 14).ptr;
-  char* exponent = to;
-  while (exponent != end && *exponent != 'e') ++exponent;
-  if (exponent == end) return end;  // an infinity or no number at all
-  char* mantissaEnd = exponent;
-  // Ends at the point at the latest, which stays: 2.E-05
-  while (mantissaEnd[-1] == '0') --mantissaEnd;
-  *exponent = 'E';
-  while (exponent != end) *mantissaEnd++ = *exponent++;
-  return mantissaEnd;
+  if (RealDigits digits; RoundToDigits(std::abs(value), digits)) {
+    if (value < 0) *to++ = '-';
+    return PutDigits(digits, to);
+  }
+  return FormatAnyReal(value, to);
 }
 
 char* FormatCount(double value, char* to) {

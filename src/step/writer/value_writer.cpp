@@ -1,7 +1,8 @@
 // The values of StepWriter.
 #include <algorithm>
 #include <array>
-#include <string>
+#include <cstring>
+#include <stdexcept>
 #include <vector>
 
 #include "core/entity_cast.h"
@@ -41,21 +42,48 @@ char* PutUnit(char16_t unit, char16_t before, char* to) {
   return PutEscaped(unit, to);
 }
 
-// "IFCWALL(" for each class, made once.
-const std::string& OpeningOf(const IFC::IfcEntity& entity) {
+// "IFCWALL(" of a class. Copied whole, which needs no call.
+struct Opening {
+  static constexpr std::size_t kRoom = 64;
+
+  std::array<char, kRoom> text{};
+  std::size_t size = 0;
+};
+
+Opening MakeOpening(WideView className) {
+  Opening opening;
+  if (className.size() >= Opening::kRoom) throw std::logic_error("a class name is too long");
+  for (const char16_t unit : className) {
+    const char c = static_cast<char>(unit);
+    opening.text[opening.size++] = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  }
+  opening.text[opening.size++] = '(';
+  return opening;
+}
+
+// Made once for each class.
+const Opening& OpeningOf(const IFC::IfcEntity& entity) {
   static ClassMemory memory;
-  static std::vector<std::string> openings;
+  static std::vector<Opening> openings;
   const std::type_info* const dynamicClass = &typeid(entity);
-  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) {
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) [[likely]] {
     return openings[static_cast<std::size_t>(*known)];
   }
-  std::string opening = Narrow(entity.getClassName());
-  for (char& c : opening) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  opening.push_back('(');
-  memory.Remember(dynamicClass, static_cast<std::ptrdiff_t>(openings.size()));
-  return openings.emplace_back(std::move(opening));
+  const Opening& opening = openings.emplace_back(MakeOpening(entity.getClassName()));
+  memory.Remember(dynamicClass, static_cast<std::ptrdiff_t>(openings.size() - 1));
+  return opening;
+}
+
+void PutOpening(FileStream::OutpoutStream& stream, const Opening& opening) {
+  std::memcpy(stream.Reserve(Opening::kRoom), opening.text.data(), Opening::kRoom);
+  stream.Advance(opening.size);
+}
+
+// As Put, for texts whose size the compiler knows.
+template <std::size_t kSize>
+void PutSigns(FileStream::OutpoutStream& stream, const char (&signs)[kSize]) {
+  std::memcpy(stream.Reserve(kSize), signs, kSize - 1);
+  stream.Advance(kSize - 1);
 }
 
 }  // namespace
@@ -67,7 +95,7 @@ void StepWriter::Put(std::string_view bytes) {
 }
 
 void StepWriter::WriteUnits(WideView text) {
-  Put("'");
+  PutSigns(*stream_, "'");
   char16_t before = 0;
   while (!text.empty()) {
     const auto piece = text.substr(0, kUnitsAtOnce);
@@ -80,7 +108,7 @@ void StepWriter::WriteUnits(WideView text) {
     stream_->Advance(static_cast<std::size_t>(end - begin));
     text.remove_prefix(piece.size());
   }
-  Put("',");
+  PutSigns(*stream_, "',");
 }
 
 void StepWriter::WriteText(const char16_t* text) { WriteUnits(text); }
@@ -127,7 +155,7 @@ void StepWriter::WriteLogical(std::int32_t value) { Put(kLogicalDataType.ToText(
 
 void StepWriter::WriteEnum(const EnumTable& table, std::int32_t value) { Put(table.ToText(value)); }
 
-void StepWriter::WriteAbsent() { Put("$,"); }
+void StepWriter::WriteAbsent() { PutSigns(*stream_, "$,"); }
 
 void StepWriter::WriteRefNumber(std::uint32_t number) {
   char* const begin = stream_->Reserve(kNumberRoom + 2);
@@ -140,24 +168,24 @@ void StepWriter::WriteRefNumber(std::uint32_t number) {
 
 bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
   if (entity == nullptr) {
-    Put("*,");
+    PutSigns(*stream_, "*,");
     return false;
   }
   if (entity->marker == IFC::kDeleted) {
-    Put("$,");
+    PutSigns(*stream_, "$,");
     return true;
   }
   if (!entity->inlineValue) {
     // An object that was made in the place of a reference has neither number nor text.
     if (entity->marker == IFC::kUnfiled) {
-      Put("*,");
+      PutSigns(*stream_, "*,");
     } else {
       WriteRefNumber(entity->marker);
     }
     return false;
   }
   WriteCall(*entity);
-  Put(",");
+  PutSigns(*stream_, ",");
   return false;
 }
 
@@ -165,15 +193,15 @@ bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
 // `IFCNULLSTYLE)`, as that class is always written; an entity class without attributes, such
 // as IfcVertex, keeps it.
 void StepWriter::WriteCall(const IFC::IfcEntity& entity) {
-  Put(OpeningOf(entity));
+  PutOpening(*stream_, OpeningOf(entity));
   entity.write(*this);
   const bool isEmptyEntity = stream_->LastByte() == '(' && entity.isComplexType();
   if (!isEmptyEntity) stream_->StepBack(1);
-  Put(")");
+  PutSigns(*stream_, ")");
 }
 
 void StepWriter::WriteEntityRefList(const EntityList& list) {
-  Put("(");
+  PutSigns(*stream_, "(");
   bool any = false;
   for (const IFC::IfcEntity* const member : list) {
     if (WriteEntityRef(member)) {
@@ -184,15 +212,15 @@ void StepWriter::WriteEntityRefList(const EntityList& list) {
     }
   }
   if (any) stream_->StepBack(1);
-  Put("),");
+  PutSigns(*stream_, "),");
 }
 
 template <class Item, class WriteItem>
 void StepWriter::WriteGroup(const List<Item>& list, WriteItem writeItem) {
-  Put("(");
+  PutSigns(*stream_, "(");
   for (const Item& item : list) writeItem(item);
   if (!list.empty()) stream_->StepBack(1);
-  Put("),");
+  PutSigns(*stream_, "),");
 }
 
 void StepWriter::WriteEntityRefLists(const List<EntityList>& lists) {
@@ -239,9 +267,9 @@ void StepWriter::WriteEntityLine(const IFC::IfcEntity& entity) {
   if (entity.marker == IFC::kDeleted) return;
   WriteRefNumber(entity.marker);
   stream_->StepBack(1);
-  Put("=");
+  PutSigns(*stream_, "=");
   WriteCall(entity);
-  Put(";\n");
+  PutSigns(*stream_, ";\n");
 }
 
 }  // namespace corvel
