@@ -44,6 +44,7 @@ int IfcDocument::OpenFile(const WideString& path, int share) {
     return 0;
   }
   parser_->SelectSchema(FactoriesOf(*release));
+  parser_->carrying.otherReleases = BuiltFactories();
   const bool parsed = parser_->ParseFile(path, share);
   mainContainer = std::move(parser_->mainContainer);
   return parsed ? 1 : 0;

@@ -6,6 +6,7 @@
 
 #include "core/text.h"
 #include "schema/registry.h"
+#include "step/carried/carried_objects.h"
 #include "step/writer/step_writer.h"
 
 namespace corvel {
@@ -184,6 +185,8 @@ const ClassFacts* FindFacts(const IFC::IfcEntity& object) {
   if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) [[likely]] {
     return reinterpret_cast<const ClassFacts*>(*known);
   }
+  // One class for records of many names.
+  if (const ClassFacts* const carried = FindCarriedFacts(object)) return carried;
   const ClassFacts* const found = SearchReleases(object);
   memory.Remember(dynamicClass, reinterpret_cast<std::ptrdiff_t>(found));
   return found;

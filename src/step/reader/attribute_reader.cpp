@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "step/carried/carrying_reader.h"
 #include "step/reader/byte_kinds.h"
 #include "step/reader/parser.h"
 #include "step/reader/string_decoder.h"
@@ -27,16 +28,26 @@ bool StartsValue(char sign) {
          sign == '-' || sign == '.';
 }
 
+// A tolerant reading looks at the record as text from here on.
+void RaiseMisfit(const Parser& parser) {
+  if (parser.tolerance != nullptr) throw MisfitInRecord();
+}
+
 // Takes the next token, which should be `usual`, unless the record ends there.
-void TakeInRecord(Scanner& scanner, char usual) {
+void TakeInRecord(Parser& parser, char usual) {
+  Scanner& scanner = *parser.scanner;
   if (scanner.TakeSign(usual)) return;
   const TokenType type = scanner.PeekToken()->getType();
+  const bool isUsual =
+      type == (usual == '(' ? TokenType::OpenBracketToken : TokenType::CloseBracketToken);
+  if (!isUsual) RaiseMisfit(parser);
   if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner.NextToken();
 }
 
 // Reports the next token as wrong, takes it unless it ends something, and asks whether to go on.
 void RejectToken(Parser& parser, const char16_t* expected) {
   const Token& token = *parser.scanner->PeekToken();
+  RaiseMisfit(parser);
   const char16_t* const got = token.getName();
   if (!Ends(token)) parser.scanner->NextToken();
   parser.ExpectedArgumentError(expected, got, kReportShow);
@@ -50,6 +61,7 @@ void RejectEnumToken(Parser& parser) {
     return;
   }
   const Token& token = *parser.scanner->PeekToken();
+  RaiseMisfit(parser);
   const char16_t* const got = token.getName();
   if (!Ends(token)) parser.scanner->NextToken();
   parser.ExpectedArgumentError(u"EnumerationToken", got, kReportLog);
@@ -108,6 +120,7 @@ class DepthGuard {
  public:
   explicit DepthGuard(Parser& parser) : parser_(parser) {
     if (parser_.valueDepth == kDeepestValue) {
+      RaiseMisfit(parser_);
       throw std::runtime_error("Values are nested too deeply");
     }
     ++parser_.valueDepth;
@@ -138,20 +151,21 @@ IFC::IfcEntity* ReadTypedValue(Parser& parser, std::string_view name, bool brack
   Scanner& scanner = *parser.scanner;
   const EntityCreator create = parser.factories->Find(name);
   if (create == nullptr) {
+    RaiseMisfit(parser);
     // A copy: the name goes as soon as the stream moves on.
     const WideString unknown = Widen(name);
     SkipBracket(scanner);
-    if (bracket) TakeInRecord(scanner, ')');
+    if (bracket) TakeInRecord(parser, ')');
     parser.showError("unknown_entity_name_in_schema", unknown, kReportShow);
     return nullptr;
   }
   const DepthGuard depth(parser);
   IFC::IfcEntity* const value = create(parser.Pool());
   value->inlineValue = true;
-  TakeInRecord(scanner, '(');
+  TakeInRecord(parser, '(');
   value->read(parser);
-  TakeInRecord(scanner, ')');
-  if (bracket) TakeInRecord(scanner, ')');
+  TakeInRecord(parser, ')');
+  if (bracket) TakeInRecord(parser, ')');
   return value;
 }
 
@@ -176,6 +190,7 @@ IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
       return ReadTypedValue(parser, scanner.NextToken()->text, true);
     }
   }
+  RaiseMisfit(parser);
   // A bare number means a parameter value, which nothing can take: the record is unreadable.
   if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
   if (type == TokenType::IntegerDataTypeToken) {
@@ -206,7 +221,9 @@ template <class Item, class ReadItem>
 void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
   Scanner& scanner = *parser.scanner;
   if (!TakeOpenBracket(parser)) {
-    parser.ExpectedArgumentError(u"OpenBracketToken", scanner.PeekToken()->getName(), kReportShow);
+    const Token& token = *scanner.PeekToken();
+    RaiseMisfit(parser);
+    parser.ExpectedArgumentError(u"OpenBracketToken", token.getName(), kReportShow);
     parser.Cancel();
     list.Clear();
     return;
@@ -215,8 +232,12 @@ void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
   const std::size_t base = gathered.size();
   std::size_t seen = 0;
   for (; !IsListEnd(parser); ++seen) readItem(gathered);
-  if (!scanner.TakeSign(')') && scanner.PeekToken()->Is(TokenType::CloseBracketToken)) {
-    scanner.NextToken();
+  if (!scanner.TakeSign(')')) {
+    if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) {
+      scanner.NextToken();
+    } else {
+      RaiseMisfit(parser);
+    }
   }
   // Room for members that only the second pass can resolve.
   list.Assign({gathered.data() + base, gathered.size() - base}, parser.Pool(), seen);
@@ -252,6 +273,12 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
   });
 }
 
+// A record or a value with too few arguments.
+bool EndsEarly(const Parser& parser) {
+  RaiseMisfit(parser);
+  return true;
+}
+
 }  // namespace
 
 bool IsAbsent(Parser& parser) {
@@ -259,13 +286,13 @@ bool IsAbsent(Parser& parser) {
   const char sign = parser.scanner->PeekSign();
   if (StartsValue(sign)) return false;
   if (sign == '$' || sign == '*') return parser.scanner->TakeSign(sign);
-  if (sign == ')') return true;
+  if (sign == ')') return EndsEarly(parser);
   const TokenType type = parser.scanner->PeekToken()->getType();
   if (type == TokenType::EmptyParameterToken) {
     parser.scanner->NextToken();
     return true;
   }
-  return type == TokenType::CloseBracketToken;
+  return type == TokenType::CloseBracketToken && EndsEarly(parser);
 }
 
 bool IsListEnd(Parser& parser) {
@@ -287,7 +314,9 @@ double ReadReal(Parser& parser) {
     return scanner.NextToken()->real;
   }
   if (token.Is(TokenType::EntityNameToken)) {
-    return IsNan(scanner.NextToken()->text) ? 0.0 : ReadTypedReal(parser);
+    if (!IsNan(scanner.NextToken()->text)) return ReadTypedReal(parser);
+    RaiseMisfit(parser);
+    return 0.0;
   }
   RejectToken(parser, u"IfcInteger or IfcReal");
   return 0.0;
@@ -300,9 +329,15 @@ std::int32_t ReadInteger(Parser& parser) {
   if (scanner.TakeInteger(value)) return value;
   if (IsAbsent(parser)) return 0;
   const Token& token = *scanner.PeekToken();
-  if (token.Is(TokenType::IntegerDataTypeToken)) return scanner.NextToken()->integer;
-  if (token.Is(TokenType::RealDataTypeToken)) return CutToInteger(scanner.NextToken()->real);
+  const bool isInteger = token.Is(TokenType::IntegerDataTypeToken);
+  if (isInteger || token.Is(TokenType::RealDataTypeToken)) {
+    const std::int32_t cut = isInteger ? token.integer : CutToInteger(token.real);
+    if (cut != token.real) RaiseMisfit(parser);
+    scanner.NextToken();
+    return cut;
+  }
   if (token.Is(TokenType::EntityNameToken) && IsNan(token.text)) {
+    RaiseMisfit(parser);
     scanner.NextToken();
     return 0;
   }
@@ -312,7 +347,9 @@ std::int32_t ReadInteger(Parser& parser) {
 
 std::int32_t ReadBinary(Parser& parser) {
   if (parser.IsStopped() || IsAbsent(parser)) return 0;
-  if (parser.scanner->PeekToken()->Is(TokenType::IntegerDataTypeToken)) {
+  const Token& token = *parser.scanner->PeekToken();
+  if (token.Is(TokenType::IntegerDataTypeToken)) {
+    if (token.integer != token.real) RaiseMisfit(parser);
     return parser.scanner->NextToken()->integer;
   }
   RejectToken(parser, u"IfcBinary");
@@ -329,6 +366,7 @@ const char16_t* ReadString(Parser& parser) {
   if (IsAbsent(parser)) return parser.Pool().EmptyWide();
   // `IFCLABEL('x')` in the place of a string: its ")" stays, and reads as an absent value.
   if (scanner.PeekToken()->Is(TokenType::EntityNameToken)) {
+    RaiseMisfit(parser);
     scanner.NextToken();
     TakeOpenBracket(parser);
   }
@@ -366,6 +404,7 @@ std::int32_t ReadEnum(Parser& parser, const EnumTable& table) {
     name = scanner.NextToken()->text;
   }
   if (const EnumRow* const row = table.FindByName(name)) return row->number;
+  RaiseMisfit(parser);
   parser.showError(
       "", u"Enume " + WideString(table.name) + u" does not contain: \"" + Widen(name) + u"\"",
       parser.ignoreEnumErrors ? kReportLog : kReportShow);
@@ -390,12 +429,15 @@ IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
   std::uint32_t number = 0;
   if (TakeIdentifier(*parser.scanner, number)) [[likely]] {
     IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(number);
+    if (admitted.Admits(entity)) [[likely]]
+      return entity;
     if (entity == nullptr) parser.forwardReference = true;
-    return admitted.Admits(entity) ? entity : nullptr;
+    return parser.tolerance == nullptr ? nullptr : KeepReference(parser, entity, number);
   }
   if (IsAbsent(parser)) return nullptr;
   IFC::IfcEntity* const value = ReadUnusualRef(parser, admitted);
-  return admitted.Admits(value) ? value : nullptr;
+  if (admitted.Admits(value)) return value;
+  return parser.tolerance == nullptr ? nullptr : KeepValue(parser, value);
 }
 
 void ReadEntityRefList(Parser& parser, ClassTest& admitted, EntityList& list) {

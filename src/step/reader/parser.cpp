@@ -251,6 +251,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   }
   row_ = factories->FindRow(name);
   if (row_ == nullptr) {
+    if (tolerance != nullptr) return CarryingReader(*this).ReadUnknown(marker);
     showError("", u"Entity named: " + Widen(name) + u" not found.", kReportShow);
     return nullptr;
   }
@@ -263,6 +264,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
 IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {
   WideString message;
   try {
+    if (tolerance != nullptr) return CarryingReader(*this).Read(*entity);
     entity->read(*this);
     return entity;
   } catch (const std::bad_alloc&) {
@@ -357,6 +359,7 @@ bool Parser::ReadSecondPart(int fileCount) {
   StartPass(std::make_unique<Scanner>(saved_->ReadAgain(), showError),
             static_cast<int>(kSecondShare / fileCount));
   hundredth_ = 1;
+  carrying.allAreFiled = true;
   for (;;) {
     std::uint32_t number = 0;
     const TokenType type = TakeToken(number);

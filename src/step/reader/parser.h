@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -19,6 +20,7 @@
 #include "core/main_container.h"
 #include "core/reporting.h"
 #include "core/text.h"
+#include "step/carried/carrying_reader.h"
 #include "step/factories.h"
 #include "step/reader/reading_progress.h"
 #include "step/reader/record_borders.h"
@@ -87,6 +89,7 @@ class Parser {
   // Not null: the reading is tolerant, and what does not fit is carried and noted here. Null, as it
   // is at first: strict. Set before ParseFile.
   std::unique_ptr<Tolerance> tolerance;
+  CarryingState carrying;
   // Set by the attribute readers when a referenced number is not filed yet.
   bool forwardReference = false;
   // A string on its way from the input into the pool.
@@ -144,6 +147,7 @@ class Parser {
   void StartPass(std::unique_ptr<Scanner> passScanner, int share);
   bool ReportProgress();
 
+  friend class CarryingReader;
   void ClearScratch();
 
   std::tuple<std::vector<IFC::IfcEntity*>, std::vector<double>, std::vector<std::int32_t>,

@@ -19,7 +19,7 @@ const char16_t* SentenceOf(Misfit kind) {
     case Misfit::kWrongValue: return u"A value that its attribute does not take, kept as it stands";
     case Misfit::kRefusedReference:
       return u"A reference that its attribute does not take, kept as it stands";
-    case Misfit::kDanglingReference: return u"A reference to no record, left out";
+    case Misfit::kDanglingReference: return u"A reference to no record, kept as it stands";
     case Misfit::kOpenString: return u"A string without its end, closed at the end of its line";
     case Misfit::kOpenEnumeration: return u"An enumeration value without its end, closed";
     case Misfit::kOpenBracket: return u"A record without its closing bracket, closed";

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "core/entity.h"
@@ -18,7 +20,10 @@
 namespace corvel {
 
 class UnfinishedOutput;
+struct CarriedParts;
+struct CarriedText;
 struct HeaderToken;
+struct RecordText;
 
 // What of a model is written. All of it is borrowed.
 struct ModelToWrite {
@@ -83,12 +88,27 @@ class StepWriter {
   void WriteRealLists(const List<List<double>>& lists);
   void WriteIntegerLists(const List<List<std::int32_t>>& lists);
 
+  // `IFCWALL(...)`, by the class alone, whatever the object carries.
+  void WriteTypedCall(const IFC::IfcEntity& entity);
+
+  // --- What tolerant readings carry --------------------------------------------------------------
+  // The text with the numbers of its objects; no comma behind it.
+  void WriteCarriedText(const CarriedText& text);
+  void WriteBytes(std::string_view bytes);  // as they are
+  void TakeBackComma();                     // the last byte that was written
+
  private:
   template <class Item, class WriteItem>
   void WriteGroup(const List<Item>& list, WriteItem writeItem);
   void WriteUnits(WideView text);
   void WriteRefNumber(std::uint32_t number);
   void WriteCall(const IFC::IfcEntity& entity);
+  bool WriteCarrying(const IFC::IfcEntity& entity);
+  void WriteMixed(const CarriedParts& parts, const RecordText& typed);
+  void WriteArgument(const CarriedParts& parts, const RecordText& typed, std::size_t index);
+  std::string TextOfTyped(const IFC::IfcEntity& entity);
+  std::uint32_t NumberOfMissing(std::uint32_t number);
+  std::uint32_t NextMissing();
   void Put(std::string_view bytes);
 
   bool OpenStream();
@@ -108,6 +128,9 @@ class StepWriter {
   std::unique_ptr<UnfinishedOutput> output_;
   std::unique_ptr<FileStream::OutpoutStream> ownStream_;  // writes to output_, goes before it
   FileStream::OutpoutStream* stream_ = nullptr;
+  // Numbers of nothing that are taken in the meantime, with those that are written instead.
+  std::unordered_map<std::uint32_t, std::uint32_t> missing_;
+  std::uint32_t lastMissing_ = 0;
 };
 
 }  // namespace corvel

@@ -192,12 +192,18 @@ bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
 // `IFCWALL(...)`. Taking the last comma back takes the bracket of the value class without a value,
 // `IFCNULLSTYLE)`, as that class is always written; an entity class without attributes, such
 // as IfcVertex, keeps it.
-void StepWriter::WriteCall(const IFC::IfcEntity& entity) {
+void StepWriter::WriteTypedCall(const IFC::IfcEntity& entity) {
   PutOpening(*stream_, OpeningOf(entity));
   entity.write(*this);
   const bool isEmptyEntity = stream_->LastByte() == '(' && entity.isComplexType();
   if (!isEmptyEntity) stream_->StepBack(1);
   PutSigns(*stream_, ")");
+}
+
+void StepWriter::WriteCall(const IFC::IfcEntity& entity) {
+  if (entity.carries && WriteCarrying(entity)) [[unlikely]]
+    return;
+  WriteTypedCall(entity);
 }
 
 void StepWriter::WriteEntityRefList(const EntityList& list) {

@@ -1,0 +1,373 @@
+#include "step/carried/carrying_reader.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "core/main_container.h"
+#include "core/text.h"
+#include "step/carried/carried_objects.h"
+#include "step/carried/record_spelling.h"
+#include "step/reader/parser.h"
+#include "step/streams/input_text_stream.h"
+#include "step/streams/outpout_text_stream.h"
+#include "step/writer/step_writer.h"
+
+namespace corvel {
+
+namespace {
+
+// What an enumeration holds whose value is carried: no row has this number.
+constexpr std::int32_t kNoValue = -1;
+
+// Stands for the class of records that have none of the release.
+constexpr FactoryRow kCarriedRow{};
+
+bool IsOneOfValues(const AttributeFacts& facts) {
+  return facts.depth == 0 && facts.Values() != nullptr;
+}
+
+// A text that the attribute takes, for one that it does not.
+std::string_view PlaceHolder(const AttributeFacts& facts) {
+  if (!IsOneOfValues(facts) || facts.IsOptional()) return "$";
+  std::string_view literal = facts.Values()->rows.back().literal;
+  literal.remove_suffix(1);
+  return literal;
+}
+
+// The attribute is to have no value, whatever stood in for it.
+void MakeBlank(IFC::IfcEntity& entity, const AttributeFacts& facts) {
+  if (!IsOneOfValues(facts) || facts.IsOptional()) return;
+  auto* const begin = static_cast<std::byte*>(dynamic_cast<void*>(&entity));
+  *reinterpret_cast<std::int32_t*>(begin + facts.offset) = kNoValue;
+}
+
+// The name as tables of classes have it.
+std::string ClassNameOf(const RecordText& record) {
+  std::string name(record.name);
+  std::erase(name, '_');
+  return name;
+}
+
+// Puts another scanner and other classes in the place of the parser's own for a while.
+class Borrowed {
+ public:
+  Borrowed(Parser& parser, std::string text, const FactoryTable& release)
+      : parser_(parser),
+        factories_(std::exchange(parser.factories, &release)),
+        byOther_(std::exchange(parser.carrying.byOtherRelease, &release != factories_)),
+        scanner_(std::make_unique<Scanner>(
+            std::make_unique<FileStream::InputTextStream>(std::move(text)), parser.showError)) {
+    std::swap(parser_.scanner, scanner_);
+  }
+  ~Borrowed() {
+    std::swap(parser_.scanner, scanner_);
+    parser_.factories = factories_;
+    parser_.carrying.byOtherRelease = byOther_;
+  }
+  Borrowed(const Borrowed&) = delete;
+  Borrowed& operator=(const Borrowed&) = delete;
+
+ private:
+  Parser& parser_;
+  const FactoryTable* factories_;
+  bool byOther_;
+  std::unique_ptr<Scanner> scanner_;
+};
+
+// Arguments joined to a text, with the end of each.
+struct Joined {
+  std::string text;
+  std::vector<std::int64_t> ends;
+
+  void Add(std::string_view argument) {
+    if (!text.empty()) text += ',';
+    text += argument;
+    ends.push_back(static_cast<std::int64_t>(text.size()));
+  }
+  // Which argument the scanner stands in, or behind.
+  std::size_t ArgumentAt(std::int64_t position) const {
+    const auto found = std::lower_bound(ends.begin(), ends.end(), position);
+    return static_cast<std::size_t>(found - ends.begin());
+  }
+};
+
+bool IsAtEndOfArguments(Scanner& scanner) {
+  const char sign = scanner.PeekSign();
+  return sign == ')' || (sign == '\0' && scanner.PeekToken()->Is(TokenType::CloseBracketToken));
+}
+
+template <class Item>
+std::span<const Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
+  if (items.empty()) return {};
+  auto* const kept = pool.NewArray<Item>(items.size());
+  std::copy(items.begin(), items.end(), kept);
+  return {kept, items.size()};
+}
+
+}  // namespace
+
+// --- The record at hand --------------------------------------------------------------------------
+
+IFC::IfcEntity* CarryingReader::Read(IFC::IfcEntity& entity) {
+  const bool wasCarried = dynamic_cast<IFC::CarriedEntity*>(&entity) != nullptr ||
+                          CarriedTable::Find(entity) != nullptr;
+  if (!wasCarried && Fits(entity)) return &entity;
+  const std::string text = TakeRecord();
+  const RecordText record = CutRecord(text);
+  return wasCarried ? ReadAgain(entity, record) : ReadText(entity, record);
+}
+
+IFC::IfcEntity* CarryingReader::ReadUnknown(std::uint32_t number) {
+  const std::string text = TakeRecord();
+  const RecordText record = CutRecord(text);
+  parser_.tolerance->Note(Misfit::kUnknownClass, ClassNameOf(record), {}, number, offset_);
+  parser_.row_ = &kCarriedRow;
+  IFC::IfcEntity* const other = ReadByOther(record, number);
+  return other != nullptr ? other : ReadByNone(record, number);
+}
+
+bool CarryingReader::Fits(IFC::IfcEntity& entity) {
+  parser_.carrying.object = &entity;
+  try {
+    entity.read(parser_);
+    return parser_.IsStopped() || IsAtEndOfArguments(*parser_.scanner);
+  } catch (const MisfitInRecord&) {
+    parser_.ClearScratch();
+    return false;
+  }
+}
+
+// The text of the record up to its ";", which is the next token.
+std::string CarryingReader::TakeRecord() {
+  Scanner& scanner = *parser_.scanner;
+  for (;;) {
+    const TokenType type = scanner.PeekToken()->getType();
+    if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) break;
+    scanner.NextToken();
+  }
+  FileStream::InputStream& stream = *scanner.Stream();
+  const std::string_view text = stream.StatementView();
+  const std::size_t begin = std::min(text.find('#'), text.size());
+  const bool isFile = !parser_.carrying.allAreFiled;
+  offset_ = isFile ? stream.Position() - static_cast<std::int64_t>(text.size() - begin)
+                   : Tolerance::kNowhere;
+  return std::string(text);
+}
+
+IFC::IfcEntity* CarryingReader::ReadText(IFC::IfcEntity& entity, const RecordText& record) {
+  const ClassFacts* const facts = parser_.factories->classes->Find(ClassNameOf(record));
+  const std::uint32_t number = entity.marker;
+  std::vector<std::size_t> misfits;
+  const bool isRead = facts != nullptr && ReadMended(entity, *facts, record, misfits);
+  const bool isCountWrong = facts == nullptr || facts->AttributeCount() != record.arguments.size();
+  if (isCountWrong) {
+    parser_.tolerance->Note(Misfit::kArgumentCount, ClassNameOf(record), {}, number, offset_);
+  }
+  if (isCountWrong && !misfits.empty()) {
+    if (IFC::IfcEntity* const other = ReadByOther(record, number)) return other;
+  }
+  if (!isRead) {
+    parser_.row_ = &kCarriedRow;
+    return ReadByNone(record, number);
+  }
+  NoteArguments(entity, *facts, record, misfits);
+  Carry(entity, *facts, record, misfits);
+  return &entity;
+}
+
+// All records are known now: the object stays what it is, and what was not found may be found.
+IFC::IfcEntity* CarryingReader::ReadAgain(IFC::IfcEntity& entity, const RecordText& record) {
+  if (auto* const carried = dynamic_cast<CarriedRecord*>(&entity)) {
+    carried->Fill(record, FindTarget(), parser_.Pool());
+    return &entity;
+  }
+  const FactoryTable* const release = CarriedTable::Find(entity)->release;
+  if (release != parser_.factories) {
+    ReadBy(*release, entity, record);
+    return &entity;
+  }
+  std::vector<std::size_t> misfits;
+  const ClassFacts& facts = *parser_.factories->classes->Find(ClassNameOf(record));
+  if (ReadMended(entity, facts, record, misfits)) Carry(entity, facts, record, misfits);
+  return &entity;
+}
+
+// --- By the classes of the release ---------------------------------------------------------------
+
+// Each attempt finds one argument more that its attribute does not take. False when there is none
+// to blame.
+bool CarryingReader::ReadMended(IFC::IfcEntity& entity, const ClassFacts& facts,
+                                const RecordText& record, std::vector<std::size_t>& misfits) {
+  const std::size_t count = facts.AttributeCount();
+  std::vector<bool> isMisfit(count);
+  for (;;) {
+    Joined joined;
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool isThere = i < record.arguments.size() && !isMisfit[i];
+      joined.Add(isThere && !record.arguments[i].empty() ? record.arguments[i]
+                                                         : PlaceHolder(facts.Attribute(i)));
+    }
+    const Borrowed borrowed(parser_, joined.text + ");", *parser_.factories);
+    if (Fits(entity) && !parser_.scanner->IsStopped()) break;
+    const std::size_t at = joined.ArgumentAt(parser_.scanner->Stream()->Position());
+    if (at >= count || at >= record.arguments.size() || isMisfit[at]) return false;
+    isMisfit[at] = true;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool isEmpty = i < record.arguments.size() && record.arguments[i].empty();
+    if (isMisfit[i] || isEmpty) misfits.push_back(i);
+    if (isMisfit[i] || isEmpty || i >= record.arguments.size()) {
+      MakeBlank(entity, facts.Attribute(i));
+    }
+  }
+  return true;
+}
+
+void CarryingReader::Carry(IFC::IfcEntity& entity, const ClassFacts& facts,
+                           const RecordText& record, const std::vector<std::size_t>& misfits) {
+  MemoryPool& pool = parser_.Pool();
+  std::vector<std::size_t> indexes = misfits;
+  for (std::size_t i = facts.AttributeCount(); i < record.arguments.size(); ++i) {
+    indexes.push_back(i);
+  }
+  std::vector<CarriedArgument> arguments;
+  std::vector<IFC::IfcEntity*> children;
+  for (const std::size_t index : indexes) {
+    CarriedValue* const value = NewCarriedValue(record.arguments[index], FindTarget(), pool);
+    arguments.push_back({static_cast<std::uint32_t>(index), value});
+    for (const CarriedReference& reference : value->text.references) {
+      if (reference.target != nullptr) children.push_back(reference.target);
+    }
+  }
+  const bool isCountWrong = record.arguments.size() != facts.AttributeCount();
+  if (arguments.empty() && !isCountWrong) return;
+  parser_.mainContainer->Carried().Set(
+      entity, {.argumentCount = static_cast<std::uint32_t>(record.arguments.size()),
+               .arguments = Keep(arguments, pool),
+               .children = Keep(children, pool),
+               .spelling = isCountWrong ? Spelling(entity, record) : nullptr,
+               .release = parser_.factories});
+}
+
+void CarryingReader::NoteArguments(const IFC::IfcEntity& entity, const ClassFacts& facts,
+                                   const RecordText& record,
+                                   const std::vector<std::size_t>& misfits) {
+  const std::string className = Narrow(entity.getClassName());
+  for (const std::size_t index : misfits) {
+    const AttributeFacts& attribute = facts.Attribute(index);
+    const bool isEnumeration =
+        attribute.Values() != nullptr && record.arguments[index].starts_with('.');
+    parser_.tolerance->Note(isEnumeration ? Misfit::kUnknownEnumValue : Misfit::kWrongValue,
+                            className, attribute.name, entity.marker, offset_);
+  }
+}
+
+// --- By the classes of another release -----------------------------------------------------------
+
+namespace {
+
+// Those next to `own` come first, and of two the newer one.
+std::vector<const FactoryTable*> ByDistance(std::span<const FactoryTable* const> releases,
+                                            const FactoryTable* own) {
+  const auto place = std::find(releases.begin(), releases.end(), own) - releases.begin();
+  std::vector<std::pair<std::ptrdiff_t, const FactoryTable*>> found;
+  for (std::ptrdiff_t i = std::ssize(releases) - 1; i >= 0; --i) {
+    if (releases[i] != own) found.emplace_back(std::abs(i - place), releases[i]);
+  }
+  std::stable_sort(found.begin(), found.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<const FactoryTable*> sorted;
+  for (const auto& [distance, release] : found) sorted.push_back(release);
+  return sorted;
+}
+
+}  // namespace
+
+IFC::IfcEntity* CarryingReader::ReadByOther(const RecordText& record, std::uint32_t number) {
+  const std::string name = ClassNameOf(record);
+  for (const FactoryTable* const release :
+       ByDistance(parser_.carrying.otherReleases, parser_.factories)) {
+    const ClassFacts* const facts = release->classes->Find(name);
+    const EntityCreator create = release->Find(name);
+    if (facts == nullptr || create == nullptr) continue;
+    if (facts->AttributeCount() != record.arguments.size()) continue;
+    IFC::IfcEntity* const entity = create(parser_.Pool());
+    if (!entity->isComplexType()) continue;
+    entity->SetMarker(number);
+    if (ReadBy(*release, *entity, record)) return entity;
+  }
+  return nullptr;
+}
+
+bool CarryingReader::ReadBy(const FactoryTable& release, IFC::IfcEntity& entity,
+                            const RecordText& record) {
+  Joined joined;
+  for (const std::string_view argument : record.arguments) joined.Add(argument);
+  {
+    const Borrowed borrowed(parser_, joined.text + ");", release);
+    if (!Fits(entity) || parser_.scanner->IsStopped()) return false;
+  }
+  parser_.mainContainer->Carried().Set(
+      entity, {.argumentCount = static_cast<std::uint32_t>(record.arguments.size()),
+               .spelling = Spelling(entity, record),
+               .release = &release});
+  return true;
+}
+
+// Compared with what the writer makes of the values that have just been read.
+const RecordSpelling* CarryingReader::Spelling(const IFC::IfcEntity& entity,
+                                               const RecordText& record) {
+  FileStream::OutpoutTextStream stream;
+  StepWriter(stream).WriteTypedCall(entity);
+  return SpellingOf(record, CutRecord(stream.Text()), parser_.Pool());
+}
+
+// --- By none -------------------------------------------------------------------------------------
+
+IFC::IfcEntity* CarryingReader::ReadByNone(const RecordText& record, std::uint32_t number) {
+  CarriedRecord* const carried = CarriedRecord::New(CountOfCarried(record), parser_.Pool());
+  carried->SetMarker(number);
+  carried->Fill(record, FindTarget(), parser_.Pool());
+  return carried;
+}
+
+// --- References ----------------------------------------------------------------------------------
+
+FindRecord CarryingReader::FindTarget() const {
+  return [this](std::uint32_t number) {
+    IFC::IfcEntity* const target = parser_.mainContainer->GetEntityByOrginalNumber(number);
+    if (target == nullptr) parser_.forwardReference = true;
+    return target;
+  };
+}
+
+IFC::IfcEntity* KeepReference(Parser& parser, IFC::IfcEntity* entity, std::uint32_t number) {
+  CarryingState& state = parser.carrying;
+  if (entity == nullptr && !state.allAreFiled) return nullptr;
+  // Of the classes of another release there are no objects in the model.
+  if (entity != nullptr && state.byOtherRelease) return entity;
+  IFC::IfcEntity& holder = *state.object;
+  const std::string what = "#" + std::to_string(number);
+  parser.tolerance->Note(entity == nullptr ? Misfit::kDanglingReference : Misfit::kRefusedReference,
+                         Narrow(holder.getClassName()), what, holder.marker);
+  holder.carries = true;
+  if (entity != nullptr) return entity;
+  return NewCarriedValue(
+      what, [](std::uint32_t) { return nullptr; }, parser.Pool());
+}
+
+IFC::IfcEntity* KeepValue(Parser& parser, IFC::IfcEntity* value) {
+  if (value == nullptr) return nullptr;
+  CarryingState& state = parser.carrying;
+  if (state.byOtherRelease) throw MisfitInRecord();
+  IFC::IfcEntity& holder = *state.object;
+  parser.tolerance->Note(Misfit::kWrongValue, Narrow(holder.getClassName()),
+                         Narrow(value->getClassName()), holder.marker);
+  holder.carries = true;
+  return value;
+}
+
+}  // namespace corvel
