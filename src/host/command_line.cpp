@@ -77,6 +77,10 @@ void AddMergeOptions(CLI::App& app, Words& words) {
   AddRepeated(app, "--offset", words.merge.offsets);
   app.add_option("--center", words.merge.center);
   app.add_option("--on-duplicate-guid", words.merge.onDuplicateGuid);
+  app.add_option("--contexts", words.merge.contexts);
+  app.add_option("--guids", words.merge.guids);
+  app.add_option("--header", words.merge.header);
+  app.add_flag("--stamp", words.merge.stamp);
   app.add_flag("--ignore-units", words.ignoreUnits);
   app.add_flag("--delete-openings", words.deleteOpenings);
 }

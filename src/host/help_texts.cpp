@@ -69,6 +69,14 @@ constexpr char16_t kMergeOptions[] =
                           the choice of the options window about a GUID that
                           two models share; it has no effect: both objects are
                           written, and keep it
+  --contexts keep|join    join: a context of a later model gives way to an
+                          equal one of an earlier model, and those that stay
+                          are entered in the project
+  --guids keep|renew      renew: objects whose GUID an earlier one has get one
+                          of their own, the same in each run
+  --stamp                 a group for each model, with its products
+  --header told|new       new: name, time and program of this run, and the
+                          inputs in the description; told: that of the first
 )help";
 
 constexpr char16_t kMergeLists[] =

@@ -194,12 +194,34 @@ Mistake TakeGuidChoice(const ChoiceWords& words, RunChoices& choices) {
   return {};
 }
 
+// An option with two words of its own: whether the second was given.
+Mistake TakeEither(const char* option, const std::optional<std::string>& word, const char* usual,
+                   const char* other, bool& isOther) {
+  isOther = word == other;
+  if (!word || isOther || *word == usual) return {};
+  return std::string(option) + " takes " + Quoted(usual) + " or " + Quoted(other) + ", not " +
+         Quoted(*word);
+}
+
+Mistake TakeFederation(const ChoiceWords& words, FederationChoices& choices) {
+  choices.stamp = words.stamp;
+  if (auto mistake =
+          TakeEither("--contexts", words.contexts, "keep", "join", choices.joinContexts)) {
+    return mistake;
+  }
+  bool renew = false;
+  if (auto mistake = TakeEither("--guids", words.guids, "keep", "renew", renew)) return mistake;
+  if (renew) choices.guids = GuidHandling::kRenew;
+  return TakeEither("--header", words.header, "told", "new", choices.newHeader);
+}
+
 }  // namespace
 
 MergeOptions RunChoices::Over(MergeOptions remembered) const {
   remembered.ignoreEnumErrors = remembered.ignoreEnumErrors || ignoreEnumErrors;
   remembered.ignoreUnits = remembered.ignoreUnits || ignoreUnits;
   remembered.deleteOpenings = remembered.deleteOpenings || deleteOpenings;
+  remembered.federation = federation;
   remembered.generateGuid = generateGuids.value_or(remembered.generateGuid);
   return remembered;
 }
@@ -211,6 +233,7 @@ std::variant<RunChoices, std::string> UnderstandChoices(const ChoiceWords& words
   if (!mistake) mistake = TakeLists(words, inputs, choices);
   if (!mistake) mistake = TakePlaces(words, inputs, choices);
   if (!mistake) mistake = TakeGuidChoice(words, choices);
+  if (!mistake) mistake = TakeFederation(words, choices.federation);
   if (mistake) return *mistake;
   return choices;
 }

@@ -35,6 +35,7 @@ struct RunChoices {
   bool ignoreUnits = false;
   bool deleteOpenings = false;
   std::optional<bool> generateGuids;  // nothing: as the plug-in remembers it
+  FederationChoices federation{};
 
   // The remembered options with the choices of this run over them.
   MergeOptions Over(MergeOptions remembered) const;
@@ -49,9 +50,13 @@ struct ChoiceWords {
   std::vector<std::string> offsets;
   std::optional<std::string> center;
   std::optional<std::string> onDuplicateGuid;
+  std::optional<std::string> contexts;
+  std::optional<std::string> guids;
+  std::optional<std::string> header;
+  bool stamp = false;
 };
 
-// Fills what the words tell: everything but the flags. The first mistake comes as a text that names
+// Fills what the words tell: everything but the flags of the options window. The first mistake comes as a text that names
 // the option and the word.
 std::variant<RunChoices, std::string> UnderstandChoices(const ChoiceWords& words,
                                                         const std::vector<std::string>& inputs);

@@ -5,6 +5,8 @@
 
 #include "core/cancellation.h"
 #include "core/outcome.h"
+#include "merge/federation/federation.h"
+#include "merge/federation/new_header.h"
 #include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "merge/project_offsets.h"
@@ -261,6 +263,8 @@ bool MergeJob::Fold() {
     shell_.SetCurrentText(shell_.Text("btn_merge"));
     shell_.SetCurrentFile(source.getFilePath());
   };
+  const FederationChoices federation = shell_.Options().federation;
+  PrepareFederation(documents, federation);
   const bool merged = MergeDocuments(documents, {}, announce) != nullptr;
   // A fold that was stopped half way has a model too, but not the one that was wanted.
   if (Cancellation::OfProcess().WasConfirmed()) return false;
@@ -269,6 +273,10 @@ bool MergeJob::Fold() {
     return false;
   }
   documents.front()->RemoveUnsavedEntities(nullptr, 0, {});
+  if (!RunFederation(documents, federation, shell_.Ticks())) {
+    if (!Cancellation::OfProcess().WasConfirmed()) TellMergeFailed();
+    return false;
+  }
   shell_.SaveOptions();
   IfcLog::Instance().Flush();
   Log(u"Done.");
@@ -282,10 +290,20 @@ bool MergeJob::Save() {
   shell_.RememberOutput(outputPath_);
   Log(u"Saving to output file ...");
   IfcDocument& document = *models_.front().document;
+  RenewHeaderIfWanted();
   const bool complete = Outcome{document.SaveFile(outputPath_)} == Outcome::kComplete;
   outputKeptAt_ = document.outputKeptAt;
   Log(u"Saving DONE");
   return complete;
+}
+
+void MergeJob::RenewHeaderIfWanted() {
+  if (!shell_.Options().federation.newHeader) return;
+  std::vector<WideString> inputs;
+  for (const RunModel& model : models_) {
+    if (model.mergeable) inputs.push_back(model.document->getFilePath());
+  }
+  RenewHeader(*models_.front().document->getHeader(), outputPath_, inputs);
 }
 
 void MergeJob::Conclude() {

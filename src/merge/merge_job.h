@@ -54,6 +54,7 @@ class MergeJob {
   void TellMergeFailed();
   bool Fold();
   bool Save();
+  void RenewHeaderIfWanted();
   void Conclude();
   RunResult End(bool written);
 

@@ -7,6 +7,7 @@
 
 #include "core/reporting.h"
 #include "core/text.h"
+#include "merge/federation/choices.h"
 #include "merge/host_scene.h"
 #include "merge/run_model.h"
 
@@ -25,6 +26,8 @@ struct MergeOptions {
   // What a model holds that its release does not take is carried as it stands. No choice of the
   // window's either.
   bool tolerant = false;
+  // Likewise.
+  FederationChoices federation{};
 };
 
 // What the save dialog starts with.

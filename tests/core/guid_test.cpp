@@ -87,5 +87,29 @@ TEST(CreateGUID, AnAllZeroGuidIsToldInABoxAndGivesNoText) {
   EXPECT_EQ(std::vector{expected}, system.boxes);
 }
 
+TEST(DerivedGuid, IsTheSameForTheSameTwo) {
+  EXPECT_EQ(DeriveGuid("2O2Fr$t4X7Zf8NOew3FLOH", 7), DeriveGuid("2O2Fr$t4X7Zf8NOew3FLOH", 7));
+}
+
+TEST(DerivedGuid, DiffersWithEachLetterAndNumber) {
+  std::set<std::string> met;
+  for (std::uint64_t number = 0; number < 1000; ++number) {
+    for (const char* const old : {"", "a", "b", "ab", "ba", "2O2Fr$t4X7Zf8NOew3FLOH"}) {
+      met.insert(DeriveGuid(old, number));
+      met.insert(DeriveGuid(old, number << 32));
+    }
+  }
+  EXPECT_EQ(6u * (2 * 1000 - 1), met.size());
+}
+
+TEST(DerivedGuid, Has22DigitsOfWhichTheFirstIsBelow4) {
+  for (std::uint64_t number = 0; number < 1000; ++number) {
+    const std::string guid = DeriveGuid("old", number);
+    EXPECT_EQ(22u, guid.size());
+    EXPECT_LT(guid.front(), '4');
+    EXPECT_EQ(std::string::npos, guid.find_first_not_of(kAlphabet));
+  }
+}
+
 }  // namespace
 }  // namespace corvel

@@ -197,6 +197,45 @@ TEST(RunChoices, ADuplicateGuidIsGeneratedOrSkipped) {
   EXPECT_EQ("--on-duplicate-guid takes 'generate' or 'skip', not 'ask'", MistakeIn(words));
 }
 
+TEST(RunChoices, NothingOfFederationIsOnByDefault) {
+  const FederationChoices none = Understood({}).federation;
+  EXPECT_FALSE(none.ChangeModel());
+  EXPECT_FALSE(none.newHeader);
+}
+
+TEST(RunChoices, FederationIsChosenStepByStep) {
+  ChoiceWords words;
+  words.contexts = "join";
+  words.guids = "renew";
+  words.header = "new";
+  words.stamp = true;
+  RunChoices choices = Understood(words);
+  EXPECT_TRUE(choices.federation.joinContexts);
+  EXPECT_EQ(GuidHandling::kRenew, choices.federation.guids);
+  EXPECT_TRUE(choices.federation.newHeader);
+  EXPECT_TRUE(choices.federation.stamp);
+  EXPECT_TRUE(choices.Over({}).federation.joinContexts);
+  words.contexts = "keep";
+  words.guids = "keep";
+  words.header = "told";
+  words.stamp = false;
+  choices = Understood(words);
+  EXPECT_FALSE(choices.federation.ChangeModel());
+  EXPECT_FALSE(choices.federation.newHeader);
+}
+
+TEST(RunChoices, AStepOfFederationTakesItsOwnWords) {
+  ChoiceWords words;
+  words.contexts = "Join";
+  EXPECT_EQ("--contexts takes 'keep' or 'join', not 'Join'", MistakeIn(words));
+  words = {};
+  words.guids = "";
+  EXPECT_EQ("--guids takes 'keep' or 'renew', not ''", MistakeIn(words));
+  words = {};
+  words.header = "join";
+  EXPECT_EQ("--header takes 'told' or 'new', not 'join'", MistakeIn(words));
+}
+
 TEST(RunChoices, ChoicesOfARunGoOverTheRememberedOnes) {
   RunChoices choices;
   const MergeOptions remembered{false, true, true, false, false};

@@ -1,0 +1,20 @@
+// What a user may ask for beyond the plain fold. Everything is off unless it is asked for.
+#pragma once
+
+namespace corvel {
+
+enum class GuidHandling {
+  kKeep,  // what several objects share they keep
+  kRenew  // every object but the first gets one of its own
+};
+
+struct FederationChoices {
+  bool joinContexts = false;
+  GuidHandling guids = GuidHandling::kKeep;
+  bool stamp = false;      // a group for each input
+  bool newHeader = false;  // the header tells of this run, not of the first input's
+
+  bool ChangeModel() const { return joinContexts || guids != GuidHandling::kKeep || stamp; }
+};
+
+}  // namespace corvel

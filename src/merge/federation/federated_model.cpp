@@ -1,0 +1,51 @@
+#include "merge/federation/federated_model.h"
+
+namespace corvel {
+
+FederatedModel::FederatedModel(const std::vector<IfcDocument*>& documents)
+    : documents_(documents) {}
+
+IFC::IfcEntity* FederatedModel::LastSurvivor(IFC::IfcEntity* entity) const {
+  for (auto next = survivors_.find(entity); next != survivors_.end();
+       next = survivors_.find(entity)) {
+    entity = next->second;
+  }
+  return entity;
+}
+
+IFC::IfcEntity* FederatedModel::InModel(IFC::IfcEntity* entity) const {
+  if (entity != nullptr) entity = LastSurvivor(entity);
+  if (entity == nullptr || entity->marker == IFC::kDeleted) return nullptr;
+  // The projects of the inputs have the number of the one that they gave way to.
+  return Container().entities.Find(entity->marker);
+}
+
+void FederatedModel::Settle() {
+  for (const auto& [gone, survivor] : survivors_) gone->marker = LastSurvivor(survivor)->marker;
+}
+
+void FederatedModel::GiveWay(IFC::IfcEntity& entity, IFC::IfcEntity& survivor) {
+  Container().EraseEntity(entity.marker);
+  Container().OverwriteMarker(&entity, &survivor);
+  survivors_.emplace(&entity, &survivor);
+}
+
+void FederatedModel::Delete(IFC::IfcEntity& entity) {
+  entity.marker = IFC::kDeleted;
+  Container().NoteChangedMarkers();
+}
+
+// What the first reads under its own numbers is its own; all that came is in its store as well.
+const NumberTable& FederatedModel::ObjectsOf(std::size_t input) const {
+  const IfcDocument& merged = Merged();
+  return input == 0 ? merged.mainContainer->originalEntities
+                    : merged.absorbedContainers[input - 1]->entities;
+}
+
+std::size_t FederatedModel::ObjectCount() const {
+  std::size_t count = 0;
+  for (std::size_t input = 0; input < InputCount(); ++input) count += ObjectsOf(input).Size();
+  return count;
+}
+
+}  // namespace corvel

@@ -1,0 +1,80 @@
+// The folded model as the steps of federation see it: one container, and which of its objects came
+// with which input.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "core/main_container.h"
+#include "core/ticker.h"
+#include "merge/document.h"
+
+namespace corvel {
+
+// An object that is in the model is filed and not deleted. One that gives way to another (the
+// survivor) is not filed any more, and whoever refers to it is written with the survivor's number.
+class FederatedModel {
+ public:
+  // `documents`: all that were folded into the first, in their order, the first included. All are
+  // borrowed.
+  explicit FederatedModel(const std::vector<IfcDocument*>& documents);
+  FederatedModel(const FederatedModel&) = delete;
+  FederatedModel& operator=(const FederatedModel&) = delete;
+
+  std::size_t InputCount() const { return documents_.size(); }
+  IfcDocument& Document(std::size_t input) const { return *documents_[input]; }
+  IfcDocument& Merged() const { return *documents_.front(); }
+  IFC::MainContainer& Container() const { return *Merged().mainContainer; }
+  // The project that those of all inputs gave way to. Null without one.
+  IFC::IfcEntity* Project() const { return Container().FirstProject(); }
+
+  bool Contains(const IFC::IfcEntity& entity) const {
+    return entity.marker != IFC::kDeleted && Container().entities.Find(entity.marker) == &entity;
+  }
+  // The object itself, or the one that stands in the model for it. Null for null, for what was
+  // deleted, and for what stayed behind in the fold.
+  IFC::IfcEntity* InModel(IFC::IfcEntity* entity) const;
+
+  // From here on `survivor` stands for `entity`. Both are in the model, and two objects.
+  void GiveWay(IFC::IfcEntity& entity, IFC::IfcEntity& survivor);
+  // To be called behind the last step: whoever gave way to an object that gave way itself gets the
+  // number of the last survivor.
+  void Settle();
+  // Leaves the object out of what is written: `$` stands in places that refer to it, and lists are
+  // shorter by it.
+  void Delete(IFC::IfcEntity& entity);
+
+  // Calls `action` with each object that came with an input and is in the model, in ascending
+  // number of its file. False as soon as the user cancels; each object is a piece for `ticker`.
+  template <class Action>
+  bool ForEachOf(std::size_t input, Ticker& ticker, Action action) const {
+    for (const auto& [number, entity] : ObjectsOf(input)) {
+      if (Contains(*entity)) action(*entity);
+      if (!ticker.Advance()) return false;
+    }
+    return true;
+  }
+  // As ForEachOf, also with those that gave way: `action` gets what stands for them.
+  template <class Action>
+  bool ForEachWithSurvivorsOf(std::size_t input, Ticker& ticker, Action action) const {
+    for (const auto& [number, entity] : ObjectsOf(input)) {
+      if (IFC::IfcEntity* const there = InModel(entity)) action(*there);
+      if (!ticker.Advance()) return false;
+    }
+    return true;
+  }
+  // Objects of all inputs, for the ticks of a loop over them.
+  std::size_t ObjectCount() const;
+
+ private:
+  IFC::IfcEntity* LastSurvivor(IFC::IfcEntity* entity) const;
+  const NumberTable& ObjectsOf(std::size_t input) const;
+
+  std::vector<IfcDocument*> documents_;
+  // By who gave way. A survivor may give way in turn.
+  std::unordered_map<IFC::IfcEntity*, IFC::IfcEntity*> survivors_;
+};
+
+}  // namespace corvel

@@ -1,0 +1,89 @@
+#include "merge/federation/federation.h"
+
+#include "core/ticker.h"
+#include "merge/federation/federated_model.h"
+#include "merge/federation/join_contexts.h"
+#include "merge/federation/renew_guids.h"
+#include "merge/federation/stamp_inputs.h"
+#include "step/log/ifc_log.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kTicksOfStep = 50;
+
+void Log(const WideString& text) { IfcLog::Instance().LogText(text); }
+
+WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
+
+class Steps {
+ public:
+  Steps(FederatedModel& model, ProgressCallback progress) : model_(model), progress_(progress) {}
+
+  bool JoinContexts() {
+    JoinedContexts counts;
+    const bool done = Run(
+        u"contexts", [&](Ticker& ticker) { return corvel::JoinContexts(model_, ticker, counts); });
+    Log(u"Contexts joined: " + Count(counts.joined) + u", entered in the project: " +
+        Count(counts.entered));
+    for (const WideString& context : counts.apart) {
+      Log(u"Context stays apart for its coordinate system: " + context);
+    }
+    return done;
+  }
+
+  bool RenewGuids() {
+    std::size_t renewed = 0;
+    const bool done =
+        Run(u"GUIDs", [&](Ticker& ticker) { return corvel::RenewGuids(model_, ticker, renewed); });
+    Log(u"GUIDs renewed: " + Count(renewed));
+    return done;
+  }
+
+  bool Stamp() {
+    std::size_t stamped = 0;
+    const bool done =
+        Run(u"stamp", [&](Ticker& ticker) { return StampInputs(model_, ticker, stamped); });
+    Log(u"Groups made for inputs: " + Count(stamped));
+    return done;
+  }
+
+ private:
+  template <class Step>
+  bool Run(const WideString& name, Step step) const {
+    Ticker ticker({.callback = progress_, .text = &name},
+                  {.block = model_.ObjectCount() / kTicksOfStep + 1});
+    return step(ticker);
+  }
+
+  FederatedModel& model_;
+  ProgressCallback progress_;
+};
+
+}  // namespace
+
+void PrepareFederation(const std::vector<IfcDocument*>& documents,
+                       const FederationChoices& choices) {
+  if (choices.guids != GuidHandling::kRenew) return;
+  for (std::size_t input = 0; input < documents.size(); ++input) {
+    const std::size_t renewed = RenewGuidsWithin(*documents[input]->mainContainer, input);
+    if (renewed != 0) {
+      Log(u"GUIDs renewed within " + documents[input]->getFilePath() + u": " + Count(renewed));
+    }
+  }
+}
+
+bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
+                   ProgressCallback progress) {
+  if (!choices.ChangeModel()) return true;
+  FederatedModel model(documents);
+  Steps steps(model, progress);
+  if (choices.joinContexts && !steps.JoinContexts()) return false;
+  if (choices.guids == GuidHandling::kRenew && !steps.RenewGuids()) return false;
+  if (choices.stamp && !steps.Stamp()) return false;
+  model.Settle();
+  return true;
+}
+
+}  // namespace corvel

@@ -1,0 +1,23 @@
+// The steps that make one building of several models, in the order in which they work.
+#pragma once
+
+#include <vector>
+
+#include "core/reporting.h"
+#include "merge/document.h"
+#include "merge/federation/choices.h"
+
+namespace corvel {
+
+// Before the models are folded: what has to be seen in each by itself. The documents have their
+// containers.
+void PrepareFederation(const std::vector<IfcDocument*>& documents,
+                       const FederationChoices& choices);
+
+// Behind fold and sweep. `documents`: all that were folded into the first, in order, the first
+// included. What each step did goes to the log. False: the user cancelled, or what failed has been
+// reported; the model is not to be written then. Linear in the models.
+bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
+                   ProgressCallback progress);
+
+}  // namespace corvel

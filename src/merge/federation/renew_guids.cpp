@@ -1,0 +1,67 @@
+#include "merge/federation/renew_guids.h"
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "core/entity_cast.h"
+#include "core/guid.h"
+#include "core/root_interfaces.h"
+
+namespace corvel {
+
+namespace {
+
+// The objects that were met, by GUID. The texts live in the pools of the models.
+class MetGuids {
+ public:
+  explicit MetGuids(IFC::MainContainer& container) : container_(container) {}
+
+  // True when the object had to get a new GUID. Empty ones are nobody's.
+  bool Meet(IFC::IfcEntity& entity, std::size_t input) {
+    auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
+    if (root == nullptr) return false;
+    const std::string_view old = root->getGlobalId();
+    if (old.empty() || met_.insert(old).second) return false;
+    const char* const renewed = Unused(old, input);
+    met_.insert(renewed);
+    root->setGlobalId(renewed);
+    return true;
+  }
+
+ private:
+  // The position of the input comes last, so that inputs never share a number.
+  const char* Unused(std::string_view old, std::size_t input) {
+    for (std::uint64_t turn = 0;; ++turn) {
+      const std::string guid = DeriveGuid(old, (turn << 32) + input);
+      if (!met_.contains(guid)) return container_.Pool().InternNarrow(guid);
+    }
+  }
+
+  IFC::MainContainer& container_;
+  std::unordered_set<std::string_view> met_;
+};
+
+}  // namespace
+
+std::size_t RenewGuidsWithin(IFC::MainContainer& container, std::size_t input) {
+  MetGuids met(container);
+  std::size_t renewed = 0;
+  for (const auto& [number, entity] : container.originalEntities) {
+    if (entity->marker != IFC::kDeleted && met.Meet(*entity, input)) ++renewed;
+  }
+  return renewed;
+}
+
+bool RenewGuids(FederatedModel& model, Ticker& ticker, std::size_t& renewed) {
+  MetGuids met(model.Container());
+  for (std::size_t input = 0; input < model.InputCount(); ++input) {
+    const bool goesOn = model.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
+      if (met.Meet(entity, input)) ++renewed;
+    });
+    if (!goesOn) return false;
+  }
+  return true;
+}
+
+}  // namespace corvel

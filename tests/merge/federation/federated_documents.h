@@ -1,0 +1,59 @@
+// Models from a few records each, folded into one and federated.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "merge/federation/federation.h"
+#include "merge/graph_document.h"
+#include "merge/merge_documents.h"
+#include "merge/record_document.h"
+#include "support/written_text.h"
+
+namespace corvel::test {
+
+class FederatedDocuments {
+ public:
+  explicit FederatedDocuments(SchemaNamespace schema) : schema_(schema) {}
+
+  // A model of a file of this name. Its project is #1 and knows the contexts that are given.
+  void Add(const WideString& name, const std::string& contextsOfProject,
+           std::vector<PlannedRecord> records, const std::string& ownerHistory = "$") {
+    const std::string contexts = contextsOfProject.empty() ? "$" : "(" + contextsOfProject + ")";
+    records.insert(records.begin(),
+                   {1, "IFCPROJECT",
+                    "'" + ProjectGuid() + "'," + ownerHistory + ",'P',$,$,$,$," + contexts + ",$"});
+    documents_.push_back(std::make_unique<RecordDocument>(records, schema_));
+    (**documents_.back()).GetParser().filePath = u"/models/" + name;
+  }
+
+  // What is written behind fold and steps, a line an object, in order of the numbers.
+  std::string Run(const FederationChoices& choices) {
+    std::vector<IfcDocument*> documents;
+    for (const auto& document : documents_) documents.push_back(&**document);
+    PrepareFederation(documents, choices);
+    merged_ = MergeDocuments(documents, {}, {});
+    if (merged_ == nullptr) return "not merged";
+    if (!RunFederation(documents, choices, RecordedProgress::Callback)) return "not federated";
+    merged_->mainContainer->FillMarkers();
+    return LinesOf(*merged_->mainContainer);
+  }
+
+  // Before Run. An object as its file numbers it.
+  IFC::IfcEntity& At(std::size_t document, std::uint32_t number) {
+    return *(**documents_[document]).mainContainer->GetEntityByOrginalNumber(number);
+  }
+
+ private:
+  std::string ProjectGuid() const {
+    return "0000000000000000000P0" + std::to_string(documents_.size());
+  }
+
+  MergeWorld world_;
+  SchemaNamespace schema_;
+  std::vector<std::unique_ptr<RecordDocument>> documents_;
+  IfcDocument* merged_ = nullptr;
+};
+
+}  // namespace corvel::test
