@@ -33,6 +33,7 @@ struct Words {
   std::string log;
   ChoiceWords merge;
   bool ignoreEnumErrors = false;
+  bool tolerant = false;
   bool ignoreUnits = false;
   bool deleteOpenings = false;
   bool quiet = false;
@@ -93,6 +94,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   if (command == Command::kMerge) AddMergeOptions(app, words);
   if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
+  app.add_flag("--tolerant", words.tolerant);
   app.add_flag("--quiet", words.quiet);
   app.add_option("--answer", words.answer);
   app.add_option("--user-folder", words.userFolder);
@@ -179,6 +181,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   if (!words.workFolder.empty()) line.workFolder = FromUtf8(words.workFolder);
   if (!words.log.empty()) line.log = FromUtf8(words.log);
   line.choices.ignoreEnumErrors = words.ignoreEnumErrors;
+  line.choices.tolerant = words.tolerant;
   line.choices.ignoreUnits = words.ignoreUnits;
   line.choices.deleteOpenings = words.deleteOpenings;
   line.quiet = words.quiet;

@@ -219,6 +219,7 @@ Mistake TakeFederation(const ChoiceWords& words, FederationChoices& choices) {
 
 MergeOptions RunChoices::Over(MergeOptions remembered) const {
   remembered.ignoreEnumErrors = remembered.ignoreEnumErrors || ignoreEnumErrors;
+  remembered.tolerant = remembered.tolerant || tolerant;
   remembered.ignoreUnits = remembered.ignoreUnits || ignoreUnits;
   remembered.deleteOpenings = remembered.deleteOpenings || deleteOpenings;
   remembered.federation = federation;

@@ -32,6 +32,7 @@ struct RunChoices {
   std::vector<std::pair<std::size_t, Point>> offsetsMm;  // by the index of the input
   Point centerMetres{};
   bool ignoreEnumErrors = false;
+  bool tolerant = false;
   bool ignoreUnits = false;
   bool deleteOpenings = false;
   std::optional<bool> generateGuids;  // nothing: as the plug-in remembers it

@@ -11,6 +11,7 @@
 #include "step/carried/carried_objects.h"
 #include "step/carried/record_spelling.h"
 #include "step/reader/parser.h"
+#include "step/reader/record_mender.h"
 #include "step/streams/input_text_stream.h"
 #include "step/streams/outpout_text_stream.h"
 #include "step/writer/step_writer.h"
@@ -45,10 +46,11 @@ void MakeBlank(IFC::IfcEntity& entity, const AttributeFacts& facts) {
 }
 
 // The name as tables of classes have it.
-std::string ClassNameOf(const RecordText& record) {
-  std::string name(record.name);
-  std::erase(name, '_');
-  return name;
+std::string ClassNameOf(const RecordText& record) { return TableName(record.name); }
+
+Misfit KindOfUnknown(const RecordText& record) {
+  if (!record.name.empty()) return Misfit::kUnknownClass;
+  return record.hasBrackets ? Misfit::kComplexInstance : Misfit::kNoClass;
 }
 
 // Puts another scanner and other classes in the place of the parser's own for a while.
@@ -60,6 +62,8 @@ class Borrowed {
         byOther_(std::exchange(parser.carrying.byOtherRelease, &release != factories_)),
         scanner_(std::make_unique<Scanner>(
             std::make_unique<FileStream::InputTextStream>(std::move(text)), parser.showError)) {
+    scanner_->ReadTolerantly(false);
+    scanner_->EnterRecord();
     std::swap(parser_.scanner, scanner_);
   }
   ~Borrowed() {
@@ -123,7 +127,7 @@ IFC::IfcEntity* CarryingReader::Read(IFC::IfcEntity& entity) {
 IFC::IfcEntity* CarryingReader::ReadUnknown(std::uint32_t number) {
   const std::string text = TakeRecord();
   const RecordText record = CutRecord(text);
-  parser_.tolerance->Note(Misfit::kUnknownClass, ClassNameOf(record), {}, number, offset_);
+  parser_.tolerance->Note(KindOfUnknown(record), ClassNameOf(record), {}, number, offset_);
   parser_.row_ = &kCarriedRow;
   IFC::IfcEntity* const other = ReadByOther(record, number);
   return other != nullptr ? other : ReadByNone(record, number);
@@ -142,19 +146,9 @@ bool CarryingReader::Fits(IFC::IfcEntity& entity) {
 
 // The text of the record up to its ";", which is the next token.
 std::string CarryingReader::TakeRecord() {
-  Scanner& scanner = *parser_.scanner;
-  for (;;) {
-    const TokenType type = scanner.PeekToken()->getType();
-    if (type == TokenType::SemicolonToken || type == TokenType::EndOfFileToken) break;
-    scanner.NextToken();
-  }
-  FileStream::InputStream& stream = *scanner.Stream();
-  const std::string_view text = stream.StatementView();
-  const std::size_t begin = std::min(text.find('#'), text.size());
-  const bool isFile = !parser_.carrying.allAreFiled;
-  offset_ = isFile ? stream.Position() - static_cast<std::int64_t>(text.size() - begin)
-                   : Tolerance::kNowhere;
-  return std::string(text);
+  parser_.PassMendedRecord();
+  offset_ = parser_.RecordOffset();
+  return parser_.scanner->Stream()->StatementText();
 }
 
 IFC::IfcEntity* CarryingReader::ReadText(IFC::IfcEntity& entity, const RecordText& record) {

@@ -11,6 +11,7 @@
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
 #include "step/log/utilities.h"
+#include "step/reader/tolerant_reading.h"
 
 namespace corvel {
 
@@ -67,6 +68,7 @@ void Parser::SelectSchema(const FactoryTable& classes) {
 bool Parser::ParseFile(const WideString& path, int fileCount) {
   readingProgress_.Start();
   forwardReference = false;
+  StartTolerantReading();
   if (!OpenInput(path) || !CheckTempFile()) {
     state = ParserState::kFailed;
     saved_.reset();
@@ -109,11 +111,12 @@ bool Parser::OpenInput(const WideString& path) {
 
 // ISO line, ";", HEADER section, DATA. Nothing of the header is checked here.
 void Parser::ReadHead() {
-  scanner->NoteIn(&skipped_);
+  if (tolerance == nullptr) scanner->NoteIn(&skipped_);
   isoLine = Widen(scanner->NextToken()->text);
   scanner->NextToken();
   headerToken = std::move(scanner->NextToken()->header);
   borders_.TakeHead(*scanner);
+  if (tolerance != nullptr) scanner->ReadTolerantly(true);
 }
 
 bool Parser::CheckTempFile() {
@@ -148,6 +151,7 @@ bool Parser::ReadFile(int fileCount) {
   }
   log.LogText(u"Done.\n");
   state = ParserState::kParsed;
+  if (tolerance != nullptr) TellMisfits();
   return true;
 }
 
@@ -161,6 +165,7 @@ bool Parser::ReadFirstPart() {
     TellSkipped(scanner->Stream()->Position());
     return false;
   }
+  if (tolerance != nullptr && !ReadPutAside()) return false;
   // Half a model is worse than none.
   FileStream::InputStream& stream = *scanner->Stream();
   const std::int64_t end = stream.Position();
@@ -176,6 +181,7 @@ bool Parser::ReadFirstPart() {
 
 // The number of the next record. False at the end of the input.
 bool Parser::FindRecord(std::uint32_t& number) {
+  if (tolerance != nullptr) return FindRecordTolerantly(number);
   scanner->StartStatement();
   if (!scanner->TakeIdentifier(number)) {
     if (!borders_.FindRecord(*scanner, number)) return false;
@@ -208,9 +214,14 @@ TokenType Parser::TakeToken(std::uint32_t& number) {
 
 // False ends the pass.
 bool Parser::ReadRecord(std::uint32_t number) {
+  if (tolerance != nullptr && mainContainer->HasEntityWithOrginalNumber(number)) {
+    PutAside(number);
+    return true;
+  }
   scanner->EnterRecord();
   skipped_.AtRecord(number);
-  IFC::IfcEntity* const entity = ReadNewEntity(number);
+  IFC::IfcEntity* const entity =
+      tolerance == nullptr ? ReadNewEntity(number) : ReadEntityTolerantly(number);
   if (entity == nullptr || IsStopped()) {
     FailRecord(number);
     return false;
@@ -244,12 +255,14 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   if (!scanner->TakeClassName(name)) {
     const Token* const token = scanner->NextToken();
     if (!token->Is(TokenType::EntityNameToken)) {
+      if (tolerance != nullptr) return CarryingReader(*this).ReadUnknown(marker);
       ExpectedArgumentError(u"EntityNameToken", token->getName(), kReportShow);
       return nullptr;
     }
     name = token->text;
   }
   row_ = factories->FindRow(name);
+  if (row_ == nullptr && tolerance != nullptr) row_ = factories->FindRow(TableName(name));
   if (row_ == nullptr) {
     if (tolerance != nullptr) return CarryingReader(*this).ReadUnknown(marker);
     showError("", u"Entity named: " + Widen(name) + u" not found.", kReportShow);
@@ -267,6 +280,8 @@ IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {
     if (tolerance != nullptr) return CarryingReader(*this).Read(*entity);
     entity->read(*this);
     return entity;
+  } catch (const MisfitInRecord&) {
+    throw;
   } catch (const std::bad_alloc&) {
     message = u"Not enough memory space. Try to run 64-bit Orlenta";
   } catch (const std::exception& error) {
@@ -360,6 +375,7 @@ bool Parser::ReadSecondPart(int fileCount) {
             static_cast<int>(kSecondShare / fileCount));
   hundredth_ = 1;
   carrying.allAreFiled = true;
+  if (tolerance != nullptr) scanner->ReadTolerantly(false);
   for (;;) {
     std::uint32_t number = 0;
     const TokenType type = TakeToken(number);
@@ -387,6 +403,7 @@ bool Parser::ReadRecordAgain(std::uint32_t marker) {
   if (!PassHundredths(marker)) return false;
   scanner->EnterRecord();
   saved_->CountReadRecord();
+  if (tolerance != nullptr) EnterRecordTolerantly(marker);
   TakeEqualSign();
   if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
   IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);

@@ -43,6 +43,8 @@ enum class ParserState : std::uint32_t {
 // "Unknown error occurred while reading entity".
 struct UnreadableRecord {};
 
+struct TolerantReading;
+
 class Parser {
  public:
   // One parser reads one file. `ignoreEnumErrorsOption`: an unknown enumeration value is logged and
@@ -74,6 +76,12 @@ class Parser {
   // Reads the attributes of `entity` behind its "(" under the guard that turns whatever goes wrong
   // into a report. Null when it did.
   IFC::IfcEntity* ReadArguments(IFC::IfcEntity* entity);
+
+  // In tolerant readings: moves before the ";" of the record at hand, whose statement text is then
+  // that of a mended record (see RecordMender), whatever the file has.
+  void PassMendedRecord();
+  // Where in the file that record stands; Tolerance::kNowhere when it comes from elsewhere.
+  std::int64_t RecordOffset() const;
 
   MemoryPool& Pool() { return mainContainer->Pool(); }
 
@@ -150,6 +158,17 @@ class Parser {
   friend class CarryingReader;
   void ClearScratch();
 
+  // --- Tolerant readings alone, in tolerant_parser.cpp -------------------------------------------
+  void StartTolerantReading();
+  bool FindRecordTolerantly(std::uint32_t& number);
+  void EnterRecordTolerantly(std::uint32_t number);
+  IFC::IfcEntity* ReadEntityTolerantly(std::uint32_t number);
+  bool TakeCloseBrackets();
+  void MendRecord();
+  void PutAside(std::uint32_t number);
+  bool ReadPutAside();
+  void TellMisfits();
+
   std::tuple<std::vector<IFC::IfcEntity*>, std::vector<double>, std::vector<std::int32_t>,
              std::vector<const char16_t*>, std::vector<EntityList>, std::vector<List<double>>,
              std::vector<List<std::int32_t>>>
@@ -162,7 +181,8 @@ class Parser {
   const FactoryRow* ownerHistoryRow_ = nullptr;
   const FactoryRow* projectRow_ = nullptr;
   const FactoryRow* siteRow_ = nullptr;
-  std::unique_ptr<SavedRecords> saved_;  // null before the first pass and after the second
+  std::unique_ptr<TolerantReading> tolerant_;  // null in strict readings
+  std::unique_ptr<SavedRecords> saved_;        // null before the first pass and after the second
   ReadingProgress readingProgress_;
   std::uint64_t lastMarker_ = 0;  // of the first pass
   std::uint64_t hundredth_ = 1;   // of the number range, second pass

@@ -11,6 +11,7 @@
 #include "step/reader/record_skipper.h"
 #include "step/reader/skipped_input.h"
 #include "step/reader/string_decoder.h"
+#include "step/reader/tolerance.h"
 #include "step/streams/open_input.h"
 
 namespace corvel {
@@ -149,7 +150,7 @@ Token* Scanner::ReadWord() {
     token->type = word == "ISO" ? TokenType::IsoToken : TokenType::EndIsoToken;
     AppendWhile(word, [](char c) { return c != ';'; });
     metClosingLine_ = metClosingLine_ || (token->IsClosingLine() && HasByte());
-  } else if (word == "HEADER" && !inHeader_) {
+  } else if (word == "HEADER" && !inHeader_ && !(tolerant_ && inRecord_)) {
     inHeader_ = true;
     auto header = HeaderReader(*this).Read();
     inHeader_ = false;
@@ -173,7 +174,8 @@ Token* Scanner::ReadNumber() {
   if (HasByte() && Byte() == '.') {
     // Everything up to the end of the value belongs to it, exponent and all.
     const std::int64_t offset = skipped_ == nullptr ? 0 : stream_->Position();
-    AppendWhile(text, [](char c) { return c != ',' && c != ')'; });
+    AppendWhile(text, [this](char c) { return c != ',' && c != ')' && (c != ';' || !tolerant_); });
+    if (tolerant_ && GoesOn(text)) Suspect();
     if (skipped_ != nullptr && inRecord_ && GoesOn(text)) {
       skipped_->Note(SkippedInput::Kind::kRunOnNumber, offset, RecordsIn(text));
     }
@@ -198,6 +200,7 @@ Token* Scanner::ReadIdentifier() {
   TakeByte();
   Token* const token = Make(TokenType::IdentifierToken);
   const std::optional<std::uint64_t> number = TakeDigits(*stream_);
+  if (tolerant_ && (!number || *number > IFC::kLargestNumber)) throw MisfitInRecord();
   if (!number) return StopWith(u"invalid stoul argument");
   if (*number > IFC::kLargestNumber) return StopWith(kOutOfRange);
   token->number = static_cast<std::uint32_t>(*number);
@@ -251,6 +254,7 @@ bool Scanner::SkipComment(std::int64_t start) {
   const std::uint32_t records = holdsComment || !closed ? places.Count() : lines.Count();
   // What is left of the text would begin inside of the comment.
   if (dropped) stream_->ClearStatementText();
+  if (records != 0 || !closed) Suspect();
   if (skipped_ != nullptr && !closed) {
     skipped_->Note(SkippedInput::Kind::kEndlessComment, start, records);
   } else if (skipped_ != nullptr && records != 0) {
@@ -266,8 +270,9 @@ Token* Scanner::ReadString() {
   Token* const token = Make(TokenType::WstringToken);
   token->wide.clear();
   DecodeString(*stream_, token->wide);
-  token->number = skipped_ == nullptr ? 0 : RecordsInLastString(start);
-  if (token->number != 0 && inRecord_) {
+  token->number = skipped_ == nullptr && !suspicious_ ? 0 : RecordsInLastString(start);
+  if (token->number != 0) Suspect();
+  if (token->number != 0 && inRecord_ && skipped_ != nullptr) {
     skipped_->Note(SkippedInput::Kind::kRunOnString, offset, token->number);
   }
   return token;
@@ -282,6 +287,10 @@ std::uint32_t Scanner::RecordsInLastString(std::size_t start) {
                               : RecordLines::Text::kBetweenRecords);
   lines.Take(bytes);
   return lines.Count();
+}
+
+void Scanner::Suspect() const {
+  if (suspicious_ && inRecord_ && !trusted_) throw MisfitInRecord();
 }
 
 void Scanner::RefuseNumber() { StopWith(kOutOfRange); }

@@ -107,13 +107,25 @@ class Scanner {
   // From now on only EndOfFileToken is given.
   void Stop() { stopped_ = true; }
 
+  // Words and numbers within records take nothing along that stands behind them, and a "#" that is
+  // no number throws MisfitInRecord. If `suspicious`, so do strings and comments that may hold
+  // records, up to TrustRecord.
+  void ReadTolerantly(bool suspicious) {
+    tolerant_ = true;
+    suspicious_ = suspicious;
+  }
+  // The record that has been entered holds what it seems to hold.
+  void TrustRecord() { trusted_ = true; }
   // Where comments, strings and numbers that swallow records are noted. Borrowed; null: nowhere.
   void NoteIn(SkippedInput* skipped) { skipped_ = skipped; }
 
   // The statement text matters inside of records only, and begins with the blanks and comments
   // before them. Outside it is given up when it gets long, and then begins somewhere outside of
   // comments.
-  void EnterRecord() { inRecord_ = true; }
+  void EnterRecord() {
+    inRecord_ = true;
+    trusted_ = false;
+  }
   void LeaveRecord() { inRecord_ = false; }
   void DropLongLeadIn() {
     if (!inRecord_ && stream_->StatementSize() > kLongestLeadIn) stream_->ClearStatementText();
@@ -160,6 +172,7 @@ class Scanner {
   bool SkipComment(std::int64_t start);
   std::uint32_t RecordsInLastString(std::size_t start);
   bool GoesOn(const std::string& number) const;
+  void Suspect() const;
   template <class Accept>
   void AppendWhile(std::string& text, Accept accept);
 
@@ -185,6 +198,9 @@ class Scanner {
   bool inHeader_ = false;
   bool inRecord_ = false;
   bool metClosingLine_ = false;
+  bool tolerant_ = false;
+  bool suspicious_ = false;
+  bool trusted_ = false;
 };
 
 }  // namespace corvel

@@ -35,6 +35,8 @@ enum class Misfit : std::uint8_t {
   kNoEnd               // the input ends inside of the record
 };
 
+inline constexpr std::size_t kMisfits = static_cast<std::size_t>(Misfit::kNoEnd) + 1;
+
 // Ends the reading of a record in the strict way, so that it is looked at as text. Thrown in
 // tolerant readings alone, and caught within the parser.
 struct MisfitInRecord {};

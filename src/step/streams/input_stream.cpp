@@ -19,8 +19,9 @@ int InputStream::GetChar() {
 bool InputStream::Refill() {
   assert(cursor_ == windowEnd_);
   KeepConsumed();
-  if (const auto replay = std::move(replay_)) {
-    SetWindow(replay->cursor, replay->windowEnd);
+  while (const auto ended = std::move(interruption_)) {
+    interruption_ = std::move(ended->outer);
+    SetWindow(ended->cursor, ended->windowEnd);
     if (cursor_ != windowEnd_) return true;
   }
   return FillWindow();
@@ -33,18 +34,34 @@ void InputStream::Rewind(std::size_t kept) {
     return;
   }
   KeepConsumed();
-  auto replay = std::make_unique<Replay>();
-  replay->text.assign(carriedText_, kept);
-  replay->cursor = cursor_;
-  replay->windowEnd = windowEnd_;
-  if (replay_ != nullptr) {
-    replay->text.append(cursor_, windowEnd_);
-    replay->cursor = replay_->cursor;
-    replay->windowEnd = replay_->windowEnd;
-  }
+  std::string text = carriedText_.substr(kept);
   carriedText_.resize(kept);
-  replay_ = std::move(replay);
-  SetWindow(replay_->text.data(), replay_->text.data() + replay_->text.size());
+  Interrupt(std::move(text));
+}
+
+void InputStream::Replace(std::size_t kept, std::string text) {
+  KeepConsumed();
+  carriedText_.resize(kept);
+  Interrupt(std::move(text));
+}
+
+void InputStream::Interrupt(std::string text) {
+  auto outer = std::move(interruption_);
+  interruption_ = std::make_unique<Interruption>();
+  interruption_->text = std::move(text);
+  interruption_->cursor = cursor_;
+  interruption_->windowEnd = windowEnd_;
+  interruption_->outer = std::move(outer);
+  const std::string& next = interruption_->text;
+  SetWindow(next.data(), next.data() + next.size());
+}
+
+std::int64_t InputStream::Unread() const {
+  std::int64_t unread = windowEnd_ - cursor_;
+  for (const Interruption* it = interruption_.get(); it != nullptr; it = it->outer.get()) {
+    unread += it->windowEnd - it->cursor;
+  }
+  return unread;
 }
 
 std::string InputStream::StatementText() const {
@@ -73,7 +90,7 @@ void InputStream::DropWindow() noexcept {
   } catch (const std::exception&) {
     carriedText_.clear();
   }
-  replay_.reset();
+  interruption_.reset();
   SetWindow(nullptr, nullptr);
 }
 

@@ -74,10 +74,12 @@ class InputStream {
     carriedText_.clear();
     statementStart_ = cursor_;
   }
-  // Moves back behind the first `kept` bytes of the statement text: the others come once more, and
-  // whatever is kept of them goes. For those who read by the window alone. `kept` is at most
-  // StatementSize().
+  // Moves back behind the first `kept` bytes of the statement text, at most StatementSize(): the
+  // others come once more. For those who read by the window alone.
   void Rewind(std::size_t kept);
+  // Forgets all but the first `kept` bytes of the statement text; `text` comes next, in their
+  // place. For those who read by the window alone. Costs no more than `text` is long.
+  void Replace(std::size_t kept, std::string text);
   // True when the last byte delivered was a ";".
   bool LastWasSemicolon() const {
     return cursor_ != deliveredStart_ ? cursor_[-1] == ';' : keptSemicolon_;
@@ -100,9 +102,7 @@ class InputStream {
     windowEnd_ = end;
   }
   // Bytes that were brought and not yet taken.
-  std::int64_t Unread() const {
-    return (windowEnd_ - cursor_) + (replay_ == nullptr ? 0 : replay_->windowEnd - replay_->cursor);
-  }
+  std::int64_t Unread() const;
   // Empties the window, whose bytes may then go; what was consumed of it is kept, or the whole
   // statement text is given up when there is no memory for it.
   void DropWindow() noexcept;
@@ -120,23 +120,25 @@ class InputStream {
   corvel::ErrorReporter showError_ = nullptr;
 
  private:
-  // Text that comes once more, and the window that it has interrupted.
-  struct Replay {
+  // A text that comes next, and the window that it has interrupted.
+  struct Interruption {
     std::string text;
     const char* cursor = nullptr;
     const char* windowEnd = nullptr;
+    std::unique_ptr<Interruption> outer;  // whose text that window is; null: none
   };
 
   const char* cursor_ = nullptr;
   const char* windowEnd_ = nullptr;
   // Copies what was consumed since the last call out of the window.
   void KeepConsumed();
+  void Interrupt(std::string text);
 
   const char* statementStart_ = nullptr;
-  const char* deliveredStart_ = nullptr;  // bytes from here to the cursor were all delivered
-  std::string carriedText_;               // statement text that is no longer in the window
-  bool keptSemicolon_ = false;            // LastWasSemicolon as of deliveredStart_
-  std::unique_ptr<Replay> replay_;        // null but for a while behind Rewind
+  const char* deliveredStart_ = nullptr;        // bytes from here to the cursor were all delivered
+  std::string carriedText_;                     // statement text that is no longer in the window
+  bool keptSemicolon_ = false;                  // LastWasSemicolon as of deliveredStart_
+  std::unique_ptr<Interruption> interruption_;  // null but for a while behind Rewind and Replace
 };
 
 }  // namespace FileStream

@@ -84,6 +84,23 @@ TEST(InputStream, WhatIsRewoundTwiceComesTwice) {
   EXPECT_EQ(10, stream.Position());
 }
 
+TEST(InputStream, AReplacementComesInThePlaceOfWhatWasTaken) {
+  for (std::size_t window = 1; window <= 12; ++window) {
+    MemoryInputStream stream("abcdefghij", window);
+    TakeByWindow(stream, 5);
+    stream.Replace(2, "12345");
+    EXPECT_EQ("ab", stream.StatementText());
+    EXPECT_EQ("123", TakeByWindow(stream, 3));
+    stream.Replace(1, "xy");
+    EXPECT_EQ("xy45f", TakeByWindow(stream, 5));
+    EXPECT_EQ("axy45f", stream.StatementView());
+    EXPECT_EQ(6, stream.Position());
+    stream.Rewind(1);
+    EXPECT_EQ("xy45fghij", TakeByWindow(stream, 99));
+    EXPECT_EQ(10, stream.Position());
+  }
+}
+
 TEST(InputStream, ATextIsOneWindow) {
   InputTextStream stream("#1=IFCWALL();");
   EXPECT_EQ(13, stream.TotalSize());

@@ -1,0 +1,141 @@
+// What the parser does in tolerant readings alone.
+#include <utility>
+
+#include "step/reader/parser.h"
+#include "step/reader/tolerant_reading.h"
+#include "step/streams/input_text_stream.h"
+
+namespace corvel {
+
+namespace {
+
+// One that no record has, `candidate` if possible.
+std::uint32_t FreeNumber(const IFC::MainContainer& container, std::uint32_t candidate) {
+  if (candidate == 0 || candidate > IFC::kLargestNumber) candidate = 1;
+  while (container.HasEntityWithOrginalNumber(candidate)) ++candidate;
+  return candidate;
+}
+
+}  // namespace
+
+void Parser::StartTolerantReading() {
+  if (tolerance == nullptr) return;
+  tolerant_ = std::make_unique<TolerantReading>(*tolerance, skipped_);
+}
+
+bool Parser::FindRecordTolerantly(std::uint32_t& number) {
+  scanner->StartStatement();
+  if (scanner->TakeIdentifier(number) && scanner->Argument() == 1 && number != 0 &&
+      scanner->PeekSign() == '=') {
+    return true;
+  }
+  scanner->Rewind(0);
+  for (;;) {
+    switch (tolerant_->borders.FindRecord(*scanner, number)) {
+      case TolerantBorders::Found::kRecord: return true;
+      case TolerantBorders::Found::kNumberlessRecord: PutAside(0); break;
+      case TolerantBorders::Found::kEnd: return false;
+    }
+  }
+}
+
+void Parser::EnterRecordTolerantly(std::uint32_t number) {
+  tolerant_->number = number;
+  tolerant_->start = scanner->Stream()->StatementSize();
+  tolerant_->isMended = false;
+}
+
+// What the strict way does not get through is mended, and read the same way again.
+IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
+  EnterRecordTolerantly(number);
+  for (const bool mends : {false, true}) {
+    try {
+      if (mends) MendRecord();
+      IFC::IfcEntity* const entity = ReadNewEntity(number);
+      if (entity == nullptr || IsStopped() || TakeCloseBrackets()) return entity;
+    } catch (const MisfitInRecord&) {
+      ClearScratch();
+    }
+  }
+  return nullptr;
+}
+
+// Also those too many. True before a ";".
+bool Parser::TakeCloseBrackets() {
+  for (;;) {
+    while (scanner->TakeSign(')')) {
+    }
+    if (scanner->PeekSign() == ';') return true;
+    const TokenType type = scanner->PeekToken()->getType();
+    if (type != TokenType::CloseBracketToken) return type == TokenType::SemicolonToken;
+    scanner->NextToken();
+  }
+}
+
+void Parser::MendRecord() {
+  TolerantReading& tolerant = *tolerant_;
+  scanner->Rewind(tolerant.start);
+  scanner->TrustRecord();
+  if (std::exchange(tolerant.isMended, true)) return;
+  const MendedRecord record = tolerant.mender.Take(*scanner, tolerant.number);
+  tolerant.offset = record.offset;
+  tolerant.size = record.text.size() + 2;
+  scanner->Stream()->Replace(tolerant.start, "=" + record.text + ";");
+}
+
+void Parser::PassMendedRecord() {
+  MendRecord();
+  FileStream::InputStream& stream = *scanner->Stream();
+  const std::size_t end = tolerant_->start + tolerant_->size - 1;
+  while (stream.StatementSize() < end && stream.HasByte()) stream.SetCursor(stream.Cursor() + 1);
+}
+
+std::int64_t Parser::RecordOffset() const {
+  return tolerant_->isOfFile ? tolerant_->offset : Tolerance::kNowhere;
+}
+
+// `number`: what it has and cannot keep.
+void Parser::PutAside(std::uint32_t number) {
+  MendedRecord record = tolerant_->mender.Take(*scanner, number);
+  scanner->Rewind(scanner->Stream()->StatementSize());
+  scanner->Stream()->ClearStatementText();
+  tolerant_->putAside.push_back(
+      {std::move(record.text), std::move(record.className), number, record.offset});
+}
+
+// Behind all others of the file: their references go to the first of a number.
+bool Parser::ReadPutAside() {
+  const auto records = std::move(tolerant_->putAside);
+  if (records.empty()) return true;
+  std::string text;
+  std::uint32_t number = 0;
+  for (const auto [known, entity] : mainContainer->originalEntities) number = known;
+  for (const auto& record : records) {
+    number = FreeNumber(*mainContainer, number + 1);
+    text += "#" + std::to_string(number) + "=" + record.text + ";\n";
+    const bool isDuplicate = record.number != 0;
+    const std::string was = isDuplicate ? "was #" + std::to_string(record.number) : "";
+    tolerance->Note(isDuplicate ? Misfit::kDuplicatedNumber : Misfit::kNumberlessRecord,
+                    record.className, was, number, record.offset);
+  }
+  auto file = std::exchange(
+      scanner, std::make_unique<Scanner>(
+                   std::make_unique<FileStream::InputTextStream>(std::move(text)), showError));
+  scanner->ReadTolerantly(false);
+  tolerant_->isOfFile = false;
+  bool read = true;
+  for (number = 0; read && FindRecordTolerantly(number);) read = ReadRecord(number);
+  if (scanner->IsStopped()) file->Stop();
+  scanner = std::move(file);
+  return read;
+}
+
+// What had to be carried, mended or passed over, once all of it is known.
+void Parser::TellMisfits() {
+  for (WideString& text : tolerance->TakeTexts(filePath)) {
+    showError("", text + u"\n", kReportLog);
+    remarks.push_back(std::move(text));
+  }
+}
+
+}  // namespace corvel

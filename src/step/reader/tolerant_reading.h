@@ -1,0 +1,39 @@
+// What a tolerant reading needs besides what a strict one has.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "step/reader/record_mender.h"
+#include "step/reader/tolerant_borders.h"
+
+namespace corvel {
+
+struct TolerantReading {
+  // Borrows both.
+  TolerantReading(Tolerance& tolerance, SkippedInput& skipped)
+      : mender(tolerance), borders(skipped, mender) {}
+
+  // A record that waits for a free number: which are free is known at the end of the file.
+  struct PutAside {
+    std::string text;  // behind the "="
+    std::string className;
+    std::uint32_t number = 0;  // which another record has; 0: none
+    std::int64_t offset = -1;
+  };
+
+  RecordMender mender;
+  TolerantBorders borders;
+  std::vector<PutAside> putAside;
+
+  // Of the record at hand.
+  std::uint32_t number = 0;
+  std::size_t start = 0;  // in the statement text, behind the number
+  std::size_t size = 0;   // in bytes, once it has been mended
+  bool isMended = false;
+  bool isOfFile = true;      // it stands at `offset`
+  std::int64_t offset = -1;  // of the byte behind the number
+};
+
+}  // namespace corvel
