@@ -92,6 +92,9 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.allow_windows_style_options(false);
   app.add_option("FILE", words.files);
   if (command == Command::kMerge) AddMergeOptions(app, words);
+  if (command == Command::kMerge || command == Command::kResave) {
+    app.add_flag("--prune", words.merge.prune);
+  }
   if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);

@@ -74,6 +74,7 @@ constexpr char16_t kMergeOptions[] =
                           are entered in the project
   --guids keep|renew      renew: objects whose GUID an earlier one has get one
                           of their own, the same in each run
+  --prune                 leave out what nothing with a GUID needs
   --stamp                 a group for each model, with its products
   --header told|new       new: name, time and program of this run, and the
                           inputs in the description; told: that of the first
@@ -113,6 +114,8 @@ Usage:
 Reads IN and writes OUT with every record that was read, in order of their
 numbers, one record to a line.
 
+Options:
+  --prune                 leave out what nothing with a GUID needs
 )help";
 
 constexpr char16_t kModelOptions[] =
@@ -306,7 +309,7 @@ WideView HelpOf(Command command) {
   static const WideString merge = WideString(kMerge) + kMergeOptions + kModelOptions + kMergeLists +
                                   kModelFiles + kMergeExamples;
   static const WideString resave =
-      WideString(kResave) + u"Options:\n" + kModelOptions + kModelFiles + kResaveExamples;
+      WideString(kResave) + kModelOptions + kModelFiles + kResaveExamples;
   switch (command) {
     case Command::kMerge: return merge;
     case Command::kResave: return resave;

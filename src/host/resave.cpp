@@ -6,6 +6,7 @@
 #include "core/outcome.h"
 #include "core/reporting.h"
 #include "merge/document.h"
+#include "merge/federation/federation.h"
 #include "plugin/progress_window.h"
 #include "plugin/run_reports.h"
 #include "plugin/texts.h"
@@ -42,6 +43,9 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
   RunResult result;
   for (const WideString& remark : document.Remarks()) result.remarks.emplace_back(input, remark);
   if (!document.IsParsed()) return result;
+  if (!RunFederation({&document}, options.federation, ProgressWindow::UpdateProgress)) {
+    return result;
+  }
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");

@@ -204,6 +204,7 @@ Mistake TakeEither(const char* option, const std::optional<std::string>& word, c
 }
 
 Mistake TakeFederation(const ChoiceWords& words, FederationChoices& choices) {
+  choices.prune = words.prune;
   choices.stamp = words.stamp;
   if (auto mistake =
           TakeEither("--contexts", words.contexts, "keep", "join", choices.joinContexts)) {

@@ -54,6 +54,7 @@ struct ChoiceWords {
   std::optional<std::string> contexts;
   std::optional<std::string> guids;
   std::optional<std::string> header;
+  bool prune = false;
   bool stamp = false;
 };
 

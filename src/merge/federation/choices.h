@@ -11,10 +11,13 @@ enum class GuidHandling {
 struct FederationChoices {
   bool joinContexts = false;
   GuidHandling guids = GuidHandling::kKeep;
+  bool prune = false;      // what nothing needs is left out
   bool stamp = false;      // a group for each input
   bool newHeader = false;  // the header tells of this run, not of the first input's
 
-  bool ChangeModel() const { return joinContexts || guids != GuidHandling::kKeep || stamp; }
+  bool ChangeModel() const {
+    return joinContexts || guids != GuidHandling::kKeep || prune || stamp;
+  }
 };
 
 }  // namespace corvel

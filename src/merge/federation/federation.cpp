@@ -3,6 +3,7 @@
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
 #include "merge/federation/join_contexts.h"
+#include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
 #include "merge/federation/stamp_inputs.h"
 #include "step/log/ifc_log.h"
@@ -38,6 +39,14 @@ class Steps {
     const bool done =
         Run(u"GUIDs", [&](Ticker& ticker) { return corvel::RenewGuids(model_, ticker, renewed); });
     Log(u"GUIDs renewed: " + Count(renewed));
+    return done;
+  }
+
+  bool Prune() {
+    std::size_t pruned = 0;
+    const bool done =
+        Run(u"prune", [&](Ticker& ticker) { return corvel::Prune(model_, ticker, pruned); });
+    Log(u"Objects left out since nothing needs them: " + Count(pruned));
     return done;
   }
 
@@ -81,6 +90,7 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   Steps steps(model, progress);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
   if (choices.guids == GuidHandling::kRenew && !steps.RenewGuids()) return false;
+  if (choices.prune && !steps.Prune()) return false;
   if (choices.stamp && !steps.Stamp()) return false;
   model.Settle();
   return true;

@@ -4,14 +4,14 @@ import os
 import re
 import unittest
 
-from support import DONE, WRONG_USAGE, CorvelTest
+from support import DONE, WRONG_USAGE, CorvelTest, project
 
 SAMPLES = os.path.join(os.path.dirname(__file__), '..', '..', '..', 'samples')
 # Under an emulator the program sees this machine's root as a drive.
 DRIVE = 'Z:' if os.environ.get('CORVEL_SYSTEM') == 'Windows' else ''
 HOUSE = DRIVE + os.path.abspath(os.path.join(SAMPLES, 'house_IFC2X3.ifc'))
 HOUSE_OF_IFC4 = DRIVE + os.path.abspath(os.path.join(SAMPLES, 'house_IFC4.ifc'))
-ALL = ('--contexts', 'join', '--guids', 'renew', '--stamp', '--header', 'new')
+ALL = ('--contexts', 'join', '--guids', 'renew', '--prune', '--stamp', '--header', 'new')
 
 
 def count(text, class_name):
@@ -59,6 +59,20 @@ class Federation(CorvelTest):
         told = self.merged()
         self.assertEqual(
             told, self.merged('--contexts', 'keep', '--guids', 'keep', '--header', 'told'))
+
+    def test_pruning_leaves_nothing_dangling_and_no_product_out(self):
+        told = self.merged('--select', '1:IfcWallStandardCase', '--select', '2:IfcDoor')
+        pruned = self.merged('--select', '1:IfcWallStandardCase', '--select', '2:IfcDoor', '--prune')
+        self.assertLess(len(pruned), len(told))
+        guid = re.compile(r"^#\d+=IFC\w+\('[0-3][\w$]{21}'.*$", re.MULTILINE)
+        self.assertEqual(guid.findall(told), guid.findall(pruned))
+        numbers = set(re.findall(r'^#(\d+)=', pruned, re.MULTILINE))
+        self.assertLessEqual(set(re.findall(r'[(,]#(\d+)', pruned)), numbers)
+
+    def test_a_resave_may_prune_too(self):
+        self.write('in.ifc', project('#2=IFCCARTESIANPOINT((1.,2.));'))
+        self.assert_ended(self.run_corvel('resave', 'in.ifc', 'out.ifc', '--prune'), DONE)
+        self.assertNotIn(b'IFCCARTESIANPOINT', self.read('out.ifc'))
 
     def test_a_model_without_records_to_join_is_no_trouble(self):
         self.write('a.ifc', b"ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"

@@ -1,0 +1,154 @@
+#include "merge/federation/prune.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "core/carried.h"
+#include "core/child_queue.h"
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
+#include "merge/federation/pointing_classes.h"
+#include "schema/attributes.h"
+
+namespace corvel {
+
+namespace {
+
+class Pruner {
+ public:
+  explicit Pruner(FederatedModel& model) : model_(model) {}
+
+  bool Run(Ticker& ticker, std::size_t& pruned) {
+    if (!Gather(ticker)) return false;
+    std::sort(pointers_.begin(), pointers_.end(), [](const Pointer& one, const Pointer& other) {
+      return one.described < other.described;
+    });
+    for (IFC::IfcEntity* const root : roots_) Keep(root);
+    while (!waiting_.empty()) {
+      IFC::IfcEntity* const entity = waiting_.back();
+      waiting_.pop_back();
+      if (entity->visitStamp == whole_) {
+        KeepChildren(*entity);
+      } else {
+        KeepAllButDescribed(*entity);
+      }
+      KeepPointersTo(*entity);
+    }
+    pruned = Sweep();
+    return true;
+  }
+
+ private:
+  // `pointing` describes `described`. Sorted by address, to be found: what is done with those that
+  // are found does not depend on their order.
+  struct Pointer {
+    const IFC::IfcEntity* described = nullptr;
+    IFC::IfcEntity* pointing = nullptr;
+  };
+
+  bool Gather(Ticker& ticker) {
+    for (const auto& [number, entity] : model_.Container().entities) {
+      if (entity->marker != IFC::kDeleted) Gather(*entity);
+      if (!ticker.Advance()) return false;
+    }
+    return true;
+  }
+
+  void Gather(IFC::IfcEntity& entity) {
+    const bool isRoot = EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr ||
+                        EntityCast<IFC::CarriedEntity>(&entity) != nullptr;
+    if (isRoot) {
+      roots_.push_back(&entity);
+      return;
+    }
+    for (const AttributeFacts* const facts : pointing_.DescribedBy(entity)) {
+      Attribute(entity, *facts).ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* described) {
+        if (const auto* const there = InModel(described)) pointers_.push_back({there, &entity});
+      });
+    }
+  }
+
+  // Most objects stand for themselves.
+  IFC::IfcEntity* InModel(IFC::IfcEntity* entity) const {
+    if (entity == nullptr || model_.Contains(*entity)) return entity;
+    return model_.InModel(entity);
+  }
+
+  bool IsKept(const IFC::IfcEntity& entity) const {
+    return entity.visitStamp == whole_ || entity.visitStamp == asPointer_;
+  }
+
+  // With all that it refers to.
+  void Keep(IFC::IfcEntity* entity) {
+    IFC::IfcEntity* const there = InModel(entity);
+    if (there == nullptr || there->visitStamp == whole_) return;
+    there->visitStamp = whole_;
+    waiting_.push_back(there);
+  }
+
+  void KeepChildren(const IFC::IfcEntity& entity) {
+    entity.CollectAllChildren(children_);
+    while (!children_.IsEmpty()) KeepReferred(children_.TakeBack().entity);
+  }
+
+  // A value in a record is no object of the model, but may refer to some.
+  void KeepReferred(IFC::IfcEntity* entity) {
+    if (entity == nullptr) return;
+    if (entity->inlineValue) {
+      entity->CollectAllChildren(children_);
+    } else {
+      Keep(entity);
+    }
+  }
+
+  void KeepPointersTo(const IFC::IfcEntity& described) {
+    auto pointer = std::lower_bound(
+        pointers_.begin(), pointers_.end(), &described,
+        [](const Pointer& one, const IFC::IfcEntity* other) { return one.described < other; });
+    for (; pointer != pointers_.end() && pointer->described == &described; ++pointer) {
+      if (IsKept(*pointer->pointing)) continue;
+      pointer->pointing->visitStamp = asPointer_;
+      waiting_.push_back(pointer->pointing);
+    }
+  }
+
+  // What a pointer describes beside what it is kept for does not stay for its sake.
+  void KeepAllButDescribed(IFC::IfcEntity& pointing) {
+    const auto described = pointing_.DescribedBy(pointing);
+    for (const Attribute attribute : AttributesOf(pointing)) {
+      if (std::find(described.begin(), described.end(), &attribute.Facts()) != described.end()) {
+        continue;
+      }
+      attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { KeepReferred(child); });
+      while (!children_.IsEmpty()) KeepReferred(children_.TakeBack().entity);
+    }
+  }
+
+  std::size_t Sweep() {
+    std::size_t pruned = 0;
+    for (const auto& [number, entity] : model_.Container().entities) {
+      if (entity->marker == IFC::kDeleted || IsKept(*entity)) continue;
+      model_.Delete(*entity);
+      ++pruned;
+    }
+    return pruned;
+  }
+
+  FederatedModel& model_;
+  PointingClasses pointing_;
+  std::vector<IFC::IfcEntity*> roots_;
+  std::vector<Pointer> pointers_;
+  std::vector<IFC::IfcEntity*> waiting_;
+  IFC::ChildQueue children_;
+  std::uint32_t whole_ = IFC::NextVisitGeneration();
+  std::uint32_t asPointer_ = IFC::NextVisitGeneration();
+};
+
+}  // namespace
+
+bool Prune(FederatedModel& model, Ticker& ticker, std::size_t& pruned) {
+  return Pruner(model).Run(ticker, pruned);
+}
+
+}  // namespace corvel

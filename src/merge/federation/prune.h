@@ -1,0 +1,18 @@
+// Only what somebody needs.
+#pragma once
+
+#include <cstddef>
+
+#include "core/ticker.h"
+#include "merge/federation/federated_model.h"
+
+namespace corvel {
+
+// Leaves out what nothing with a GUID leads to: shapes of products that are not there, contexts and
+// unit assignments that nobody knows, loose points. What only points at others (styles, layers,
+// aspects, properties of materials, map conversions; see pointing_classes.h) stays as far as what
+// it describes, and lists of that are shorter by what went. Records of unknown classes stay with
+// all that they refer to. False: the user cancelled.
+bool Prune(FederatedModel& model, Ticker& ticker, std::size_t& pruned);
+
+}  // namespace corvel
