@@ -33,9 +33,13 @@ void CarriedTable::Set(IFC::IfcEntity& holder, const CarriedParts& parts) {
   holder.carries = true;
 }
 
-void CarriedTable::Remove(IFC::IfcEntity& holder) {
-  AllParts().erase(&holder);
-  holder.carries = false;
+void CarriedTable::Drop(const IFC::IfcEntity& holder, std::size_t index) {
+  const auto found = AllParts().find(&holder);
+  if (found == AllParts().end()) return;
+  CarriedParts& parts = found->second;
+  const auto kept = std::remove_if(parts.arguments.begin(), parts.arguments.end(),
+                                   [=](const CarriedArgument& one) { return one.index == index; });
+  parts.arguments = {parts.arguments.begin(), kept};
 }
 
 const CarriedParts* CarriedTable::Find(const IFC::IfcEntity& holder) {

@@ -25,14 +25,15 @@ struct CarriedArgument {
 
 // Of one object. All of it belongs to the pool of the object's model.
 struct CarriedParts {
-  std::uint32_t argumentCount = 0;                  // of the record
-  std::span<const CarriedArgument> arguments = {};  // in ascending order
+  std::uint32_t argumentCount = 0;            // of the record
+  std::span<CarriedArgument> arguments = {};  // in ascending order
   // Objects that they refer to.
   std::span<IFC::IfcEntity* const> children = {};
   // Null, or how the whole record is written while it has the values that it was read with.
   const RecordSpelling* spelling = nullptr;
-  // The classes that it was read with.
+  // The classes that it was read with, and whether these are another release's than its model's.
   const FactoryTable* release = nullptr;
+  bool byOtherRelease = false;
 
   // Null when the argument is not carried.
   const CarriedArgument* Find(std::size_t index) const;
@@ -49,8 +50,9 @@ class CarriedTable {
 
   // Replaces what `holder` carried and sets its flag.
   void Set(IFC::IfcEntity& holder, const CarriedParts& parts);
-  // Nothing is carried by `holder` any more.
-  void Remove(IFC::IfcEntity& holder);
+  // The argument is not carried any more: its attribute has got a value. What it referred to stays
+  // among the children.
+  static void Drop(const IFC::IfcEntity& holder, std::size_t index);
   // Null when `holder` carries nothing beside its attributes. Void after the next Set.
   static const CarriedParts* Find(const IFC::IfcEntity& holder);
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "core/carried.h"
 #include "core/text.h"
 #include "schema/registry.h"
 #include "step/carried/carried_objects.h"
@@ -119,6 +120,81 @@ class ValueOnItsWay {
 };
 
 }  // namespace
+
+namespace {
+
+// Its place in the record; the attribute is one of the object's.
+std::size_t IndexOf(const IFC::IfcEntity& object, const AttributeFacts& facts) {
+  for (const ClassFacts* declaring = FindFacts(object); declaring != nullptr;
+       declaring = declaring->supertype) {
+    const std::span own(declaring->own, declaring->ownCount);
+    if (!own.empty() && &facts >= &own.front() && &facts <= &own.back()) {
+      return declaring->inheritedCount + static_cast<std::size_t>(&facts - &own.front());
+    }
+  }
+  throw std::logic_error("an attribute of another class");
+}
+
+// Null when there is none.
+const CarriedArgument* FindCarried(const IFC::IfcEntity& holder, const AttributeFacts& facts) {
+  const CarriedParts* const parts = CarriedTable::Find(holder);
+  return parts == nullptr || parts->arguments.empty() ? nullptr
+                                                      : parts->Find(IndexOf(holder, facts));
+}
+
+// An object of another release than its model's admits nothing that is in the model.
+bool LeadsToMisfit(const IFC::IfcEntity& holder, const IFC::IfcEntity* target,
+                   const AttributeFacts& facts) {
+  if (target == nullptr || facts.Admits(target)) return false;
+  const CarriedParts* const parts = CarriedTable::Find(holder);
+  const bool isOfAnotherRelease = parts != nullptr && parts->byOtherRelease;
+  return !isOfAnotherRelease || target->inlineValue;
+}
+
+// As reading leaves a value that is carried; whatever else stands there has been put in since.
+class IsBlank {
+ public:
+  explicit IsBlank(const AttributeFacts& facts) : values_(facts.Values()) {}
+
+  void operator()(const IFC::IfcEntity* reference) { blank = reference == nullptr; }
+  void operator()(double real) { blank = real == 0.0; }
+  void operator()(std::int32_t number) {
+    blank = values_ == nullptr ? number == 0 : RowOf(*values_, number) == nullptr;
+  }
+  void operator()(const char16_t* text) { blank = *text == 0; }
+  void operator()(const char* guid) { blank = *guid == 0; }
+  template <class T>
+  void operator()(const List<T>& list) {
+    blank = list.empty();
+  }
+
+  bool blank = false;
+
+ private:
+  const EnumTable* values_;
+};
+
+}  // namespace
+
+bool IsMisfit(const IFC::IfcEntity& holder, const std::byte* object, const AttributeFacts& facts) {
+  if (FindCarried(holder, facts) != nullptr) {
+    IsBlank isBlank(facts);
+    if (!IsMarkedAbsent(object, facts)) VisitMember(object, facts, isBlank);
+    return isBlank.blank || IsMarkedAbsent(object, facts);
+  }
+  return Refers(facts.kind) && facts.depth == 0 &&
+         LeadsToMisfit(holder, At<IFC::IfcEntity*>(object, facts), facts);
+}
+
+bool WriteMisfit(const IFC::IfcEntity& holder, const AttributeFacts& facts, StepWriter& writer) {
+  const CarriedArgument* const carried = FindCarried(holder, facts);
+  if (carried != nullptr) writer.WriteEntityRef(carried->value);
+  return carried != nullptr;
+}
+
+void DropMisfit(const IFC::IfcEntity& holder, const AttributeFacts& facts) {
+  if (FindCarried(holder, facts) != nullptr) CarriedTable::Drop(holder, IndexOf(holder, facts));
+}
 
 bool MayBe(const AttributeFacts& /*facts*/, double /*value*/) { return true; }
 

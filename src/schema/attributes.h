@@ -22,7 +22,7 @@
 // "value". Such typed values are objects of their own (`inlineValue`), and AttributesOf gives the
 // reference to them; ForEachInRecord goes through them too.
 //
-// Ownership. An Attribute is a name of a place in an object: two pointers, copied freely, good as
+// Ownership. An Attribute is a name of a place in an object: a few pointers, copied freely, good as
 // long as the object. Texts, lists and objects that are put in belong to the pool of the model that
 // the object is in, or to one that lives as long; nothing is copied. A list that is copied shares
 // its storage (core/list.h). IFC::Prototype::clone shares too: the copy has the typed values of the
@@ -55,9 +55,11 @@ class StepWriter;
 
 // What stands in the place of an attribute, and what becomes of it in the file.
 enum class AttributeState : std::uint8_t {
-  kValue,   // a value. That a reference leads to a deleted object, or that a number has no text in
-            // its enumeration, is a matter of the value: both are written as `$` all the same
-  kAbsent,  // an optional attribute without a value: `$`
+  kValue,  // a value. That a reference leads to a deleted object, or that a number has no text in
+           // its enumeration, is a matter of the value: both are written as `$` all the same
+  // An optional attribute without a value: `$`. Also any whose value does not fit, in models that
+  // were read with tolerance: such a value is written as it stood until another is put in.
+  kAbsent,
   // A reference that is not absent and leads nowhere: `*`. Such is an attribute that a subtype
   // derives, and a mandatory one whose file had `$`, a number of nothing or an object of a wrong
   // class: reading makes one of them all.
@@ -179,6 +181,14 @@ inline AttributeState StateOf(const std::byte* object, const AttributeFacts& fac
   return leadsNowhere ? AttributeState::kDerived : AttributeState::kValue;
 }
 
+// Of an object that carries something: whether that stands in the place of the attribute, or what a
+// reference leads to is not admitted there.
+bool IsMisfit(const IFC::IfcEntity& holder, const std::byte* object, const AttributeFacts& facts);
+// The same, as it is written; false when nothing is carried.
+bool WriteMisfit(const IFC::IfcEntity& holder, const AttributeFacts& facts, StepWriter& writer);
+// Another value takes the place of what is carried.
+void DropMisfit(const IFC::IfcEntity& holder, const AttributeFacts& facts);
+
 bool Clear(std::byte* object, const AttributeFacts& facts);
 void Write(const std::byte* object, const AttributeFacts& facts, StepWriter& writer);
 std::string_view EnumerationName(const std::byte* object, const AttributeFacts& facts);
@@ -197,11 +207,13 @@ class BasicAttribute {
  public:
   // `facts` are of the class of `object` or of a supertype of it.
   BasicAttribute(Object& object, const AttributeFacts& facts)
-      : BasicAttribute(BeginOf(object), facts) {}
+      : BasicAttribute(BeginOf(object), facts, HolderOf(object)) {}
 
   const AttributeFacts& Facts() const { return *facts_; }
   std::string_view Name() const { return facts_->name; }
-  AttributeState State() const { return attribute_detail::StateOf(object_, *facts_); }
+  AttributeState State() const {
+    return IsMisfit() ? AttributeState::kAbsent : attribute_detail::StateOf(object_, *facts_);
+  }
   bool HasValue() const { return State() == AttributeState::kValue; }
 
   // --- The value -------------------------------------------------------------------------------
@@ -236,7 +248,10 @@ class BasicAttribute {
 
   // The value as the object's own `write` puts it into the record, a comma behind it: `'name',`,
   // `$,`, `(1.,2.5E+00),`, `IFCLABEL('x'),`. References are numbers as they are filed now.
-  void Write(StepWriter& writer) const { attribute_detail::Write(object_, *facts_, writer); }
+  void Write(StepWriter& writer) const {
+    if (IsMisfit() && attribute_detail::WriteMisfit(*holder_, *facts_, writer)) return;
+    attribute_detail::Write(object_, *facts_, writer);
+  }
 
   // --- Replacing it ----------------------------------------------------------------------------
   // Each gives true when it was done; otherwise nothing has changed.
@@ -253,7 +268,9 @@ class BasicAttribute {
   // false for every other, which cannot be without a value.
   bool Clear() const {
     static_assert(!kReadsOnly);
-    return attribute_detail::Clear(object_, *facts_);
+    if (!attribute_detail::Clear(object_, *facts_)) return false;
+    DropMisfit();
+    return true;
   }
   // Takes those references out of a list, or out of the lists in it, for which `predicate` is true,
   // and gives their number. The others keep their order. A list may end up empty and stays there:
@@ -265,7 +282,17 @@ class BasicAttribute {
   template <class OfObject>
   friend class BasicAttributes;
 
-  BasicAttribute(Byte* object, const AttributeFacts& facts) : object_(object), facts_(&facts) {}
+  BasicAttribute(Byte* object, const AttributeFacts& facts, const IFC::IfcEntity* holder)
+      : object_(object), facts_(&facts), holder_(holder) {}
+  static const IFC::IfcEntity* HolderOf(Object& object) {
+    return object.carries ? &object : nullptr;
+  }
+  bool IsMisfit() const {
+    return holder_ != nullptr && attribute_detail::IsMisfit(*holder_, object_, *facts_);
+  }
+  void DropMisfit() const {
+    if (holder_ != nullptr) attribute_detail::DropMisfit(*holder_, *facts_);
+  }
   // The whole object, of which IfcEntity is a part at some distance: offsets count from there.
   static Byte* BeginOf(Object& object) {
     return static_cast<Byte*>(
@@ -278,6 +305,7 @@ class BasicAttribute {
 
   Byte* object_;
   const AttributeFacts* facts_;
+  const IFC::IfcEntity* holder_;  // the object, if it carries something; null otherwise
 };
 
 using Attribute = BasicAttribute<IFC::IfcEntity>;
@@ -292,7 +320,7 @@ class BasicAttributes {
     using difference_type = std::ptrdiff_t;
     using value_type = BasicAttribute<Object>;
 
-    value_type operator*() const { return {object_, declaring_->own[next_]}; }
+    value_type operator*() const { return {object_, declaring_->own[next_], holder_}; }
     Iterator& operator++() {
       ++next_;
       SkipFinished();
@@ -308,7 +336,7 @@ class BasicAttributes {
    private:
     friend class BasicAttributes;
     explicit Iterator(const BasicAttributes& all)
-        : object_(all.object_), facts_(all.facts_), declaring_(all.facts_) {
+        : object_(all.object_), holder_(all.holder_), facts_(all.facts_), declaring_(all.facts_) {
       while (declaring_->supertype != nullptr) declaring_ = declaring_->supertype;
       SkipFinished();
     }
@@ -324,6 +352,7 @@ class BasicAttributes {
     }
 
     typename BasicAttribute<Object>::Byte* object_;
+    const IFC::IfcEntity* holder_;
     const ClassFacts* facts_;      // of the object
     const ClassFacts* declaring_;  // of the supertype that it has come to; null at the end
     std::size_t next_ = 0;
@@ -331,7 +360,9 @@ class BasicAttributes {
 
   // `facts` are those of the object's class.
   BasicAttributes(Object& object, const ClassFacts& facts)
-      : object_(BasicAttribute<Object>::BeginOf(object)), facts_(&facts) {}
+      : object_(BasicAttribute<Object>::BeginOf(object)),
+        holder_(BasicAttribute<Object>::HolderOf(object)),
+        facts_(&facts) {}
 
   const ClassFacts& Facts() const { return *facts_; }
   std::size_t size() const { return facts_->AttributeCount(); }
@@ -339,17 +370,18 @@ class BasicAttributes {
   std::default_sentinel_t end() const { return {}; }
   // `index` is below size().
   BasicAttribute<Object> operator[](std::size_t index) const {
-    return {object_, facts_->Attribute(index)};
+    return {object_, facts_->Attribute(index), holder_};
   }
   // By the name that the schema gives it, "RelatedObjects".
   std::optional<BasicAttribute<Object>> Find(std::string_view name) const {
     const AttributeFacts* const found = facts_->FindAttribute(name);
     if (found == nullptr) return std::nullopt;
-    return BasicAttribute<Object>(object_, *found);
+    return BasicAttribute<Object>(object_, *found, holder_);
   }
 
  private:
   typename BasicAttribute<Object>::Byte* object_;
+  const IFC::IfcEntity* holder_;
   const ClassFacts* facts_;
 };
 
@@ -407,6 +439,7 @@ bool BasicAttribute<Object>::Set(T value) const {
     return false;
   }
   Stored<T>() = value;
+  DropMisfit();
   if (facts_->IsOptional()) *reinterpret_cast<bool*>(object_ + facts_->flagOffset) = true;
   return true;
 }

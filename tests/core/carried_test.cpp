@@ -76,10 +76,15 @@ TEST_F(Carried, NothingIsFoundBehindTheTable) {
   }
   EXPECT_TRUE(holder_.carries);
   EXPECT_EQ(nullptr, CarriedTable::Find(holder_));
+}
+
+TEST_F(Carried, ADroppedArgumentIsNotFoundAnyMore) {
   Carry();
-  table_.Remove(holder_);
-  EXPECT_FALSE(holder_.carries);
-  EXPECT_EQ(nullptr, CarriedTable::Find(holder_));
+  CarriedTable::Drop(holder_, 1);
+  EXPECT_NE(nullptr, CarriedTable::Find(holder_)->Find(2));
+  CarriedTable::Drop(holder_, 2);
+  EXPECT_EQ(nullptr, CarriedTable::Find(holder_)->Find(2));
+  EXPECT_EQ(3u, CarriedTable::Find(holder_)->argumentCount);
 }
 
 TEST_F(Carried, ADeletedObjectIsNoLiveOne) {

@@ -104,7 +104,7 @@ bool IsAtEndOfArguments(Scanner& scanner) {
 }
 
 template <class Item>
-std::span<const Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
+std::span<Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
   if (items.empty()) return {};
   auto* const kept = pool.NewArray<Item>(items.size());
   std::copy(items.begin(), items.end(), kept);
@@ -243,7 +243,8 @@ void CarryingReader::Carry(IFC::IfcEntity& entity, const ClassFacts& facts,
                .arguments = Keep(arguments, pool),
                .children = Keep(children, pool),
                .spelling = isCountWrong ? Spelling(entity, record) : nullptr,
-               .release = parser_.factories});
+               .release = parser_.factories,
+               .byOtherRelease = false});
 }
 
 void CarryingReader::NoteArguments(const IFC::IfcEntity& entity, const ClassFacts& facts,
@@ -307,7 +308,8 @@ bool CarryingReader::ReadBy(const FactoryTable& release, IFC::IfcEntity& entity,
   parser_.mainContainer->Carried().Set(
       entity, {.argumentCount = static_cast<std::uint32_t>(record.arguments.size()),
                .spelling = Spelling(entity, record),
-               .release = &release});
+               .release = &release,
+               .byOtherRelease = &release != parser_.factories});
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "step/carried/tolerant_model.h"
 #include "support/read_model.h"
 
 namespace corvel {
@@ -15,12 +16,6 @@ constexpr const char* kWall = "#9=IFCWALL('w',$,$,$,$,$,$,$,$);\n";
 
 class TolerantReading : public test::ReadTest {
  protected:
-  static test::ReadModel Read(std::string_view records, std::string schema = "IFC4") {
-    test::ReadOptions options;
-    options.schema = std::move(schema);
-    options.tolerant = true;
-    return test::ReadModel(records, options);
-  }
   // The records are written as they stand, and nothing is shown to anybody.
   void ExpectKept(std::string_view records, std::string schema = "IFC4") {
     ExpectWritten(records, records, std::move(schema));
@@ -28,14 +23,14 @@ class TolerantReading : public test::ReadTest {
   void ExpectWritten(std::string_view written, std::string_view records,
                      std::string schema = "IFC4") {
     IFC::MainContainer::ResetUniqueMarker();
-    test::ReadModel model = Read(records, schema);
+    test::ReadModel model = test::ReadTolerantly(records, schema);
     ASSERT_TRUE(model.IsRead()) << records;
     const std::string once = model.Lines();
     EXPECT_EQ(written, once);
     for (const test::Report& report : *reports_)
       EXPECT_NE(kReportShow, report.mode) << Narrow(report.message);
     IFC::MainContainer::ResetUniqueMarker();
-    EXPECT_EQ(once, Read(once, std::move(schema)).Lines()) << "a second time";
+    EXPECT_EQ(once, test::ReadTolerantly(once, std::move(schema)).Lines()) << "a second time";
   }
 };
 
@@ -121,7 +116,7 @@ TEST_F(TolerantReading, AReferenceToNoRecordIsKept) {
 }
 
 TEST_F(TolerantReading, ReferencesInMisfitsFollowTheirObjects) {
-  test::ReadModel model = Read(
+  test::ReadModel model = test::ReadTolerantly(
       "#1=IFCWALL('g',$,(#2,#3),$,$,$,$,$,.X.);\n"
       "#2=IFCSPHERE(*,1.);\n#3=IFCNEW(#2,(#1,#4),#4);\n");
   ASSERT_TRUE(model.IsRead());
@@ -183,7 +178,7 @@ TEST_F(TolerantReading, ArgumentsThatFitAnotherReleaseAreReadByIt) {
 // --- Nothing to carry ----------------------------------------------------------------------------
 
 TEST_F(TolerantReading, WhatFitsCarriesNothing) {
-  test::ReadModel model = Read(
+  test::ReadModel model = test::ReadTolerantly(
       "#1=IFCWALL('g',#2,'W',$,$,$,$,$,.SOLIDWALL.);\n#2=IFCOWNERHISTORY($,$,$,.ADDED.,$,$,$,5);\n"
       "#3=IFCRELAGGREGATES('g',#2,$,$,#1,(#1,$));\n");
   ASSERT_TRUE(model.IsRead());
