@@ -143,6 +143,8 @@ void ProductMove::Move(IFC::VirtualIfcProduct& product) {
     if (auto* const local = EntityCast<VirtualLocalPlacement>(own)) MoveTopAbove(*local);
     return;
   }
+  // It would be given a placement of its own release, which can be put nowhere in this model.
+  if (product.carries) return;
   VirtualLocalPlacement* const made = product.getRootPlacement(document_.mainContainer->Pool());
   if (made != nullptr && made->marker == IFC::kMadePlacement) PlaceAtOrigin(*made);
 }

@@ -35,6 +35,8 @@ class Comparison {
   bool Meet(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
     if (one == other) return true;
     if (one == nullptr || other == nullptr) return false;
+    // There is more to it than its attributes tell.
+    if (one->carries || other->carries) return false;
     const ClassFacts* const facts = FindFacts(*one);
     if (facts == nullptr || facts != FindFacts(*other)) return false;
     if (met_.emplace(one, other).second) waiting_.emplace_back(one, other);
