@@ -3,6 +3,7 @@
 #include "merge/document_merge.h"
 #include "merge/marking.h"
 #include "schema/registry.h"
+#include "schema/schema_choice.h"
 #include "step/reader/parser.h"
 #include "step/reader/schema_identifier.h"
 #include "step/writer/step_writer.h"
@@ -34,20 +35,37 @@ void IfcDocument::ReadTolerantly() { parser_->tolerance = std::make_unique<Toler
 int IfcDocument::OpenFile(const WideString& path, int share) {
   // Also for a file that cannot be opened: reports name it.
   parser_->filePath = path;
-  const SchemaOfFile schema = ReadSchemaOfFile(path, showError_);
+  const bool tolerant = parser_->tolerance != nullptr;
+  const SchemaOfFile schema = ReadSchemaOfFile(path, showError_, tolerant);
   if (schema.damaged) parser_->state = ParserState::kFailed;
   if (!schema.opened) return 0;
   knownSchemaIdentifier_ = schema.identifier;
-  const auto release = ChooseSchemaNamespace(schema.identifier, showError_);
-  if (!release) {
+  release_ =
+      tolerant ? ChooseTolerantly(path) : ChooseSchemaNamespace(schema.identifier, showError_);
+  if (!release_) {
     showError_("unknown_schema_identifier", u": " + schema.identifier, kReportShow);
     return 0;
   }
-  parser_->SelectSchema(FactoriesOf(*release));
+  parser_->SelectSchema(FactoriesOf(*release_));
   parser_->carrying.otherReleases = BuiltFactories();
   const bool parsed = parser_->ParseFile(path, share);
+  // A file that names no schema is given the name of its release.
+  if (parsed && tolerant && schema.identifier.empty()) {
+    parser_->headerToken->schemaIdentifier = Widen(NameOf(*release_));
+  }
   mainContainer = std::move(parser_->mainContainer);
   return parsed ? 1 : 0;
+}
+
+SchemaNamespace IfcDocument::ChooseTolerantly(const WideString& path) {
+  const SchemaChoice choice = ChooseSchemaTolerantly(knownSchemaIdentifier_, path);
+  if (!choice.told.empty()) parser_->tolerance->Tell(choice.told);
+  return choice.release;
+}
+
+bool IfcDocument::HasSchemaOf(const IfcDocument& other) const {
+  if (knownSchemaIdentifier_ == other.knownSchemaIdentifier_) return true;
+  return parser_->tolerance != nullptr && release_ && release_ == other.release_;
 }
 
 WideString IfcDocument::readSchemaIdentifier(const WideString& path) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "core/text.h"
 #include "merge/marker_pair.h"
 #include "merge/merge_status.h"
+#include "step/factories.h"
 
 namespace corvel {
 
@@ -101,6 +103,8 @@ class IfcDocument {
   // The identifier that OpenFile found; empty without one. Unlike the getter above it reports
   // nothing when the file had no header or was not read.
   const WideString& KnownSchemaIdentifier() const { return knownSchemaIdentifier_; }
+  // The identifiers are the same; in tolerant readings also when one release serves both.
+  bool HasSchemaOf(const IfcDocument& other) const;
   WideString getISO() const;
   bool IsParsed() const;
   // What of the file is not in the model, and that it lacks its closing line, as one does that was
@@ -121,10 +125,13 @@ class IfcDocument {
   WideString outputKeptAt;
 
  private:
+  SchemaNamespace ChooseTolerantly(const WideString& path);
+
   ErrorReporter showError_;
   ProgressCallback progress_;
   std::unique_ptr<Parser> parser_;
   WideString knownSchemaIdentifier_;
+  std::optional<SchemaNamespace> release_;
 };
 
 }  // namespace corvel

@@ -57,7 +57,7 @@ void MeasureBy(const IfcDocument& first, RunModel& model, bool ignoreUnits) {
   model.unitDifferences = DifferencesThatCount(CompareUnitAssignments(
       first.getIfcUnitAssignment(), document.getIfcUnitAssignment(), document.getFilePath()));
   model.unitsValid = UnitsPass(model.unitDifferences, ignoreUnits);
-  model.schemaValid = document.KnownSchemaIdentifier() == first.KnownSchemaIdentifier();
+  model.schemaValid = document.HasSchemaOf(first);
   model.mergeable = model.unitsValid && model.schemaValid;
 }
 

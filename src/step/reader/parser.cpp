@@ -111,12 +111,15 @@ bool Parser::OpenInput(const WideString& path) {
 
 // ISO line, ";", HEADER section, DATA. Nothing of the header is checked here.
 void Parser::ReadHead() {
-  if (tolerance == nullptr) scanner->NoteIn(&skipped_);
+  if (tolerance != nullptr) {
+    ReadHeadTolerantly();
+    return;
+  }
+  scanner->NoteIn(&skipped_);
   isoLine = Widen(scanner->NextToken()->text);
   scanner->NextToken();
   headerToken = std::move(scanner->NextToken()->header);
   borders_.TakeHead(*scanner);
-  if (tolerance != nullptr) scanner->ReadTolerantly(true);
 }
 
 bool Parser::CheckTempFile() {

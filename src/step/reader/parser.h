@@ -160,6 +160,7 @@ class Parser {
 
   // --- Tolerant readings alone, in tolerant_parser.cpp -------------------------------------------
   void StartTolerantReading();
+  void ReadHeadTolerantly();
   bool FindRecordTolerantly(std::uint32_t& number);
   void EnterRecordTolerantly(std::uint32_t number);
   IFC::IfcEntity* ReadEntityTolerantly(std::uint32_t number);

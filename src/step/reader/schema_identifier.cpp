@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "step/log/ifc_log.h"
+#include "step/reader/tolerant_head.h"
 
 namespace corvel {
 
@@ -41,7 +42,7 @@ std::unique_ptr<HeaderToken> ReadHeaderToken(Scanner& scanner) {
   return std::move(scanner.NextToken()->header);
 }
 
-SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
+SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError, bool tolerant) {
   IfcLog::Instance().LogText(u"[readSchemaIdentifier]");
   SchemaOfFile result;
   std::unique_ptr<HeaderToken> header;
@@ -53,7 +54,7 @@ SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError) {
       showError("could_not_open_file", u". File path: " + path, kReportShow);
       return result;
     }
-    header = ReadHeaderToken(scanner);
+    header = tolerant ? TakeTolerantHead(scanner).header : ReadHeaderToken(scanner);
     // It has been reported; nothing more can be said of a file that did not come as it is.
     result.damaged = scanner.Stream()->IsDamaged();
     if (result.damaged) return result;

@@ -29,7 +29,9 @@ struct SchemaOfFile {
   WideString identifier;  // the first string of FILE_SCHEMA; empty without a readable HEADER
 };
 
-// Reads the HEADER alone. A file in which ReadHeaderToken finds none is reported.
-SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError);
+// Reads the HEADER alone. A file in which ReadHeaderToken finds none is reported; not so if
+// `tolerant`, where whatever can be found counts.
+SchemaOfFile ReadSchemaOfFile(const WideString& path, ErrorReporter showError,
+                              bool tolerant = false);
 
 }  // namespace corvel

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "step/reader/parser.h"
+#include "step/reader/tolerant_head.h"
 #include "step/reader/tolerant_reading.h"
 #include "step/streams/input_text_stream.h"
 
@@ -21,6 +22,17 @@ std::uint32_t FreeNumber(const IFC::MainContainer& container, std::uint32_t cand
 void Parser::StartTolerantReading() {
   if (tolerance == nullptr) return;
   tolerant_ = std::make_unique<TolerantReading>(*tolerance, skipped_);
+}
+
+void Parser::ReadHeadTolerantly() {
+  TolerantHead head = TakeTolerantHead(*scanner);
+  isoLine = Widen(head.isoLine);
+  headerToken = std::move(head.header);
+  if (head.isMended) {
+    tolerance->Tell(
+        u"The HEADER section was not as it should be: what could be found of it is kept.");
+  }
+  scanner->ReadTolerantly(true);
 }
 
 bool Parser::FindRecordTolerantly(std::uint32_t& number) {
