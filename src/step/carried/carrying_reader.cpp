@@ -116,8 +116,10 @@ std::span<Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
 // --- The record at hand --------------------------------------------------------------------------
 
 IFC::IfcEntity* CarryingReader::Read(IFC::IfcEntity& entity) {
-  const bool wasCarried = dynamic_cast<IFC::CarriedEntity*>(&entity) != nullptr ||
-                          CarriedTable::Find(entity) != nullptr;
+  // An object with the flag alone holds all of its record.
+  const bool wasCarried =
+      entity.carries && (dynamic_cast<IFC::CarriedEntity*>(&entity) != nullptr ||
+                         CarriedTable::Find(entity) != nullptr);
   if (!wasCarried && Fits(entity)) return &entity;
   const std::string text = TakeRecord();
   const RecordText record = CutRecord(text);
@@ -137,7 +139,7 @@ bool CarryingReader::Fits(IFC::IfcEntity& entity) {
   parser_.carrying.object = &entity;
   try {
     entity.read(parser_);
-    return parser_.IsStopped() || IsAtEndOfArguments(*parser_.scanner);
+    return IsAtEndOfArguments(*parser_.scanner) || parser_.IsStopped();
   } catch (const MisfitInRecord&) {
     parser_.ClearScratch();
     return false;
