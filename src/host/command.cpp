@@ -83,7 +83,7 @@ class BlockOutput {
 ExitStatus RunTree(const CommandLine& line) {
   RunConsole console(RunConsole::StandardError(false));
   const WideString& path = line.inputs.front();
-  ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames);
+  ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames, line.choices.tolerant);
   if (scene.endWithoutClosingLine) {
     scene.problems.push_back(ClosingLineIsMissing(path, *scene.endWithoutClosingLine));
   }

@@ -102,7 +102,7 @@ bool ModelRun::LoadScene() {
 
 bool ModelRun::Load(std::size_t input, LoadedModel& model) {
   const std::vector<ObjectList>& lists = order_.choices.lists;
-  model.scene = ReadScene(model.path, TextsForLists(lists, input));
+  model.scene = ReadScene(model.path, TextsForLists(lists, input), order_.choices.tolerant);
   if (model.scene.isUnreadable) return true;
   std::vector<WideString> mistakes;
   for (const ObjectList& list : lists) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <span>
 #include <utility>
 
 #include "host/hearing.h"
@@ -14,7 +15,8 @@ namespace corvel::host {
 
 namespace {
 
-void ReadOpened(Scanner& scanner, const WideString& path, SceneTexts texts, ModelScene& scene) {
+void ReadOpened(Scanner& scanner, const WideString& path, SceneTexts texts, bool tolerant,
+                ModelScene& scene) {
   const auto header = ReadHeader(scanner, path, scene.problems);
   if (header == nullptr) return;
   const auto schema = ChooseSchema(header->schemaIdentifier, scene.remarks, scene.problems);
@@ -22,7 +24,8 @@ void ReadOpened(Scanner& scanner, const WideString& path, SceneTexts texts, Mode
   try {
     const FactoryTable& factories = FactoriesOf(*schema);
     scene.schema = schema;
-    if (!ReadSceneRecords(scanner, factories, texts, scene)) {
+    const auto others = tolerant ? BuiltFactories() : std::span<const FactoryTable* const>();
+    if (!ReadSceneRecords(scanner, factories, texts, scene, others)) {
       scene.problems.emplace_back(u"The file ends inside of a string.");
       scene.isUnreadable = true;
     }
@@ -58,7 +61,7 @@ const SceneObject* ModelScene::Find(std::uint32_t number) const {
   return found == objects.end() || found->number != number ? nullptr : &*found;
 }
 
-ModelScene ReadScene(const WideString& path, SceneTexts texts) {
+ModelScene ReadScene(const WideString& path, SceneTexts texts, bool tolerant) {
   ModelScene scene;
   if (auto trouble = TroubleWithInput(path)) {
     scene.problems.push_back(std::move(*trouble));
@@ -70,7 +73,7 @@ ModelScene ReadScene(const WideString& path, SceneTexts texts) {
     const Hearing problems(heard);
     Scanner scanner(path, kModelBuffer, Hear);
     if (scanner.IsOpen()) {
-      ReadOpened(scanner, path, texts, scene);
+      ReadOpened(scanner, path, texts, tolerant, scene);
     } else {
       scene.problems.emplace_back(u"Could not open the file");
       scene.isUnreadable = true;

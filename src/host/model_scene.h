@@ -63,7 +63,8 @@ struct ModelScene {
 
 // One pass over the file, without making objects of it: some hundred megabytes a second. Memory:
 // 12 bytes per object and its texts, and 12 per related object until the parents are settled.
-// Records that cannot be read don't count: whoever reads the model reports them.
-ModelScene ReadScene(const WideString& path, SceneTexts texts);
+// Records that cannot be read don't count: whoever reads the model reports them. In a scene for a
+// tolerant reading those of classes count that another release has.
+ModelScene ReadScene(const WideString& path, SceneTexts texts, bool tolerant = false);
 
 }  // namespace corvel::host

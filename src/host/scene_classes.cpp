@@ -5,6 +5,7 @@
 
 #include "core/entity_cast.h"
 #include "schema/interfaces/product.h"
+#include "step/reader/record_mender.h"
 
 namespace corvel::host {
 
@@ -20,16 +21,35 @@ const RelationShape* RelationOf(std::string_view name) {
 
 }  // namespace
 
-SceneClasses::SceneClasses(const FactoryTable& factories)
-    : factories_(factories), pool_(kPoolBlock), found_(factories.mask + std::size_t{1}) {}
+SceneClasses::SceneClasses(const FactoryTable& factories,
+                           std::span<const FactoryTable* const> others)
+    : factories_(factories),
+      others_(others),
+      pool_(kPoolBlock),
+      found_(factories.mask + std::size_t{1}) {}
 
 SceneClass SceneClasses::Find(std::string_view name) {
   if (name.empty()) return {};  // no class has been read
   const FactoryRow* const row = factories_.FindRow(name);
-  if (row == nullptr) return {};
+  if (row == nullptr) return FindAmongOthers(name);
   std::optional<SceneClass>& found = found_[static_cast<std::size_t>(row - factories_.slots)];
   if (!found) found = Ask(name, row->create);
   return *found;
+}
+
+// A tolerant reading takes names in any case.
+SceneClass SceneClasses::FindAmongOthers(std::string_view word) {
+  if (others_.empty()) return {};
+  const std::string name = TableName(word);
+  if (const FactoryRow* const own = factories_.FindRow(name)) return Find(own->name);
+  for (const FactoryTable* const other : others_) {
+    const FactoryRow* const row = other->FindRow(name);
+    if (row == nullptr) continue;
+    const auto [known, isNew] = foundAmongOthers_.try_emplace(row);
+    if (isNew) known->second = Ask(name, row->create);
+    return known->second;
+  }
+  return {};
 }
 
 SceneClass SceneClasses::Ask(std::string_view name, EntityCreator create) {

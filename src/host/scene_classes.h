@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -43,20 +45,25 @@ struct SceneClass {
 // Answers for one release; each class is asked about once.
 class SceneClasses {
  public:
-  explicit SceneClasses(const FactoryTable& factories);
+  // `others`: releases that know what the release of `factories` does not; none in strict readings.
+  explicit SceneClasses(const FactoryTable& factories,
+                        std::span<const FactoryTable* const> others = {});
 
-  // `name` as files write it. A class that the release does not have is kOther.
+  // `name` as files write it. A class that no release has is kOther.
   SceneClass Find(std::string_view name);
   // By id: the names of the classes of objects that were met, as the schema spells them.
   std::vector<std::string> TakeNames() { return std::move(names_); }
 
  private:
   SceneClass Ask(std::string_view name, EntityCreator create);
+  SceneClass FindAmongOthers(std::string_view word);
 
   const FactoryTable& factories_;
+  std::span<const FactoryTable* const> others_;
   MemoryPool pool_;  // of the objects that are asked
   std::vector<std::string> names_;
   std::vector<std::optional<SceneClass>> found_;  // by row of the factories
+  std::map<const FactoryRow*, SceneClass> foundAmongOthers_;
 };
 
 }  // namespace corvel::host

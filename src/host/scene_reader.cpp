@@ -14,8 +14,13 @@ namespace {
 
 class SceneReader {
  public:
-  SceneReader(Scanner& scanner, const FactoryTable& factories, SceneTexts texts, ModelScene& scene)
-      : scanner_(scanner), walker_(scanner), classes_(factories), texts_(texts), scene_(scene) {}
+  SceneReader(Scanner& scanner, const FactoryTable& factories,
+              std::span<const FactoryTable* const> others, SceneTexts texts, ModelScene& scene)
+      : scanner_(scanner),
+        walker_(scanner),
+        classes_(factories, others),
+        texts_(texts),
+        scene_(scene) {}
 
   // False when the input ends inside of a string.
   bool Run() {
@@ -121,8 +126,8 @@ class SceneReader {
 }  // namespace
 
 bool ReadSceneRecords(Scanner& scanner, const FactoryTable& factories, SceneTexts texts,
-                      ModelScene& scene) {
-  return SceneReader(scanner, factories, texts, scene).Run();
+                      ModelScene& scene, std::span<const FactoryTable* const> others) {
+  return SceneReader(scanner, factories, others, texts, scene).Run();
 }
 
 }  // namespace corvel::host

@@ -14,11 +14,12 @@ namespace corvel::host {
 
 // The scene of records of IFC4, read in windows of `window` bytes.
 inline ModelScene SceneOf(const std::string& records, SceneTexts texts = SceneTexts::kGuidsAndNames,
-                          std::size_t window = 1 << 20) {
+                          std::size_t window = 1 << 20, bool tolerant = false) {
   Scanner scanner(std::make_unique<test::MemoryInputStream>(records, window), Hear);
   ModelScene scene;
   scene.schema = SchemaNamespace::IFC4;
-  ReadSceneRecords(scanner, FactoriesOf(SchemaNamespace::IFC4), texts, scene);
+  const auto others = tolerant ? BuiltFactories() : std::span<const FactoryTable* const>();
+  ReadSceneRecords(scanner, FactoriesOf(SchemaNamespace::IFC4), texts, scene, others);
   return scene;
 }
 

@@ -55,6 +55,15 @@ TEST(SceneReader, BlanksCommentsAndUnderscoresMayStandBetween) {
                                                       "\n#5 /* ; */ =\r\n_IFC_WALL ( 'g' ) ;"));
 }
 
+TEST(SceneReader, ATolerantSceneHasTheProductsOfAnotherRelease) {
+  const std::string records = kProject +
+                              "#2=IFCELECTRICALELEMENT('e',$,'E');#3=IFCSPACESHIP('s');"
+                              "#4=IfcWall('w');#5=IFCELECTRICALELEMENT('f');";
+  EXPECT_EQ("1:IfcProject", DescribedText(records));
+  EXPECT_EQ("1:IfcProject 2:IfcElectricalElement<1 4:IfcWall<1 5:IfcElectricalElement<1",
+            Described(SceneOf(records, SceneTexts::kGuidsAndNames, 1 << 20, true)));
+}
+
 TEST(SceneReader, NamesOfClassesAreThoseOfTheReleaseToTheLetter) {
   EXPECT_EQ("", DescribedText("#1=IfcWall();#2=IFCWALLS();#3=IFCWAL();#4=IFCSPACESHIP();"));
 }
