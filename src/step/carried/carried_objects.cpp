@@ -25,6 +25,10 @@ std::size_t OffsetOfArguments() {
   return (sizeof(CarriedRecord) + kStep - 1) / kStep * kStep;
 }
 
+std::size_t OffsetOfFlags(std::size_t count) {
+  return OffsetOfArguments() + count * sizeof(IFC::IfcEntity*);
+}
+
 bool AdmitsAll(const IFC::IfcEntity* /*entity*/) { return true; }
 
 // Facts of carried records are made when they are asked for. Those of a number of arguments serve
@@ -57,7 +61,7 @@ class CarriedFacts {
                             .kind = ValueKind::kSelect,
                             .depth = 0,
                             .offset = static_cast<std::uint16_t>(offset),
-                            .flagOffset = 0});
+                            .flagOffset = static_cast<std::uint16_t>(OffsetOfFlags(count) + i)});
     }
     return attributes.data();
   }
@@ -97,11 +101,19 @@ const ClassFacts& FactsOfValue(const CarriedValue& value) {
 
 // --- CarriedValue --------------------------------------------------------------------------------
 
-CarriedValue* NewCarriedValue(std::string_view text, const FindRecord& find, MemoryPool& pool) {
+namespace {
+
+CarriedValue* NewCarriedValue(std::string_view shown, const CarriedText& text, MemoryPool& pool) {
   auto* const value = pool.New<CarriedValue>();
-  value->text = CarryText(text, find, pool);
-  value->shown = pool.InternWide(Widen(text));
+  value->text = text;
+  value->shown = pool.InternWide(Widen(shown));
   return value;
+}
+
+}  // namespace
+
+CarriedValue* NewCarriedValue(std::string_view text, const FindRecord& find, MemoryPool& pool) {
+  return NewCarriedValue(text, CarryText(text, find, pool), pool);
 }
 
 void CarriedValue::collectChildren(IFC::ChildQueue& queue) const {
@@ -117,6 +129,19 @@ void CarriedValue::write(StepWriter& writer) const {
 
 void CarriedValue::writeWhole(StepWriter& writer) const { writer.WriteCarriedText(text); }
 
+namespace {
+
+// The object itself, where the argument is no more than a reference to one.
+IFC::IfcEntity* NewArgument(std::string_view text, const FindRecord& find, MemoryPool& pool) {
+  const CarriedText carried = CarryText(text, find, pool);
+  if (IsReference(carried) && carried.references[0].target != nullptr) {
+    return carried.references[0].target;
+  }
+  return NewCarriedValue(text, carried, pool);
+}
+
+}  // namespace
+
 // --- CarriedRecord -------------------------------------------------------------------------------
 
 std::size_t CountOfCarried(const RecordText& record) {
@@ -124,13 +149,15 @@ std::size_t CountOfCarried(const RecordText& record) {
 }
 
 CarriedRecord* CarriedRecord::New(std::size_t count, MemoryPool& pool) {
-  const std::size_t bytes = OffsetOfArguments() + count * sizeof(IFC::IfcEntity*);
+  const std::size_t bytes = OffsetOfFlags(count) + count * sizeof(bool);
   auto* const storage = pool.NewArray<std::max_align_t>((bytes - 1) / sizeof(std::max_align_t) + 1);
   auto* const record = ::new (storage) CarriedRecord();
   record->count_ = static_cast<std::uint32_t>(count);
-  record->arguments_ = reinterpret_cast<IFC::IfcEntity**>(reinterpret_cast<std::byte*>(storage) +
-                                                          OffsetOfArguments());
+  auto* const begin = reinterpret_cast<std::byte*>(storage);
+  record->arguments_ = reinterpret_cast<IFC::IfcEntity**>(begin + OffsetOfArguments());
+  record->arePresent_ = reinterpret_cast<bool*>(begin + OffsetOfFlags(count));
   std::fill_n(record->arguments_, count, nullptr);
+  std::fill_n(record->arePresent_, count, false);
   return record;
 }
 
@@ -148,9 +175,10 @@ void CarriedRecord::Fill(const RecordText& record, const FindRecord& find, Memor
     kept.glue.resize(count_ + 1);
   }
   for (std::size_t i = 0; i < count_; ++i) {
-    CarriedValue* const value = NewCarriedValue(kept.arguments[i], find, pool);
-    const bool isObject = IsReference(value->text) && value->text.references[0].target != nullptr;
-    arguments_[i] = isObject ? value->text.references[0].target : value;
+    arePresent_[i] = kept.arguments[i] != "$";
+    if (arePresent_[i] && kept.arguments[i] != "*") {
+      arguments_[i] = NewArgument(kept.arguments[i], find, pool);
+    }
   }
   if (!record.hasBrackets || kept.IsPlain()) return;
   auto* const glue = pool.NewArray<std::string_view>(kept.glue.size());
@@ -161,13 +189,22 @@ void CarriedRecord::Fill(const RecordText& record, const FindRecord& find, Memor
 
 void CarriedRecord::collectChildren(IFC::ChildQueue& queue) const {
   for (IFC::IfcEntity* const argument : Arguments()) {
+    if (argument == nullptr) continue;
     queue.Append(argument, true);
-    if (argument != nullptr && argument->inlineValue) argument->collectChildren(queue);
+    if (argument->inlineValue) argument->collectChildren(queue);
   }
 }
 
 void CarriedRecord::write(StepWriter& writer) const {
-  for (const IFC::IfcEntity* const argument : Arguments()) writer.WriteEntityRef(argument);
+  for (std::size_t i = 0; i < count_; ++i) WriteArgument(i, writer);
+}
+
+void CarriedRecord::WriteArgument(std::size_t index, StepWriter& writer) const {
+  if (arePresent_[index]) {
+    writer.WriteEntityRef(arguments_[index]);
+  } else {
+    writer.WriteAbsent();
+  }
 }
 
 void CarriedRecord::writeWhole(StepWriter& writer) const {
@@ -176,7 +213,7 @@ void CarriedRecord::writeWhole(StepWriter& writer) const {
   writer.WriteBytes("(");
   for (std::size_t i = 0; i < count_; ++i) {
     writer.WriteBytes(glue_.empty() ? (i == 0 ? "" : ",") : glue_[i]);
-    writer.WriteEntityRef(arguments_[i]);
+    WriteArgument(i, writer);
     writer.TakeBackComma();
   }
   if (!glue_.empty()) writer.WriteBytes(glue_.back());

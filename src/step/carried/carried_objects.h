@@ -31,7 +31,7 @@ class CarriedValue final : public IFC::IfcSimpleType, public IFC::CarriedEntity 
 CarriedValue* NewCarriedValue(std::string_view text, const FindRecord& find, MemoryPool& pool);
 
 // A record of a class that nobody knows: an argument is an object of the model, where it is no more
-// than a reference, or a CarriedValue. Each can be lost.
+// than a reference, absent or derived, or a CarriedValue. Each can be lost.
 class CarriedRecord final : public IFC::IfcComplexType, public IFC::CarriedEntity {
  public:
   // What a record has beyond that is one more value.
@@ -48,18 +48,21 @@ class CarriedRecord final : public IFC::IfcComplexType, public IFC::CarriedEntit
   void write(StepWriter& writer) const override;
   void writeWhole(StepWriter& writer) const override;
 
+  // Null where the record has `$` or `*`.
   std::span<IFC::IfcEntity* const> Arguments() const { return {arguments_, count_}; }
 
  private:
-  friend class MemoryPool;
   CarriedRecord() = default;
+  void WriteArgument(std::size_t index, StepWriter& writer) const;
 
   const char16_t* className_ = u"";
   std::string_view name_;
   bool hasBrackets_ = true;
   std::span<const std::string_view> glue_;  // empty: commas alone
   std::uint32_t count_ = 0;
-  IFC::IfcEntity** arguments_ = nullptr;  // behind the object, so that facts can tell their places
+  // Behind the object, so that facts can tell their places.
+  IFC::IfcEntity** arguments_ = nullptr;
+  bool* arePresent_ = nullptr;  // false: `$`
 };
 
 // How many arguments an object of `record` has.

@@ -1,5 +1,6 @@
 #include "step/reader/attribute_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -273,6 +274,12 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
   });
 }
 
+// Whether a GUID can have all of it.
+bool IsNarrow(WideView text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char16_t unit) { return unit != 0 && unit <= 0xFF; });
+}
+
 // A record or a value with too few arguments.
 bool EndsEarly(const Parser& parser) {
   RaiseMisfit(parser);
@@ -371,6 +378,8 @@ const char16_t* ReadString(Parser& parser) {
     TakeOpenBracket(parser);
   }
   if (scanner.PeekToken()->Is(TokenType::WstringToken)) {
+    // What stands behind a NUL would not be written.
+    if (scanner.PeekToken()->wide.find(u'\0') != WideString::npos) RaiseMisfit(parser);
     return parser.Pool().InternWide(scanner.NextToken()->wide);
   }
   RejectToken(parser, u"String");
@@ -388,6 +397,7 @@ const char* ReadGuid(Parser& parser) {
   }
   Token& token = *parser.scanner->NextToken();
   token.text.clear();
+  if (!IsNarrow(token.wide)) RaiseMisfit(parser);
   for (const char16_t unit : token.wide) token.text.push_back(static_cast<char>(unit & 0xFF));
   return parser.Pool().InternNarrow(token.text);
 }

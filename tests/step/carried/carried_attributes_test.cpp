@@ -83,6 +83,7 @@ TEST_F(CarriedAttributes, ARecordThatNobodyKnowsHasItsArguments) {
   EXPECT_EQ("argument 2", attributes[1].Name());
   EXPECT_EQ(model[2], *attributes[1].As<IFC::IfcEntity*>());
   IFC::IfcEntity* const list = *attributes.Find("argument 3")->As<IFC::IfcEntity*>();
+  EXPECT_EQ(State::kAbsent, attributes[3].State());
   EXPECT_EQ(u"(#2,1.50)", WideView(*Of(list, "text").As<const char16_t*>()));
   EXPECT_EQ(0u, AttributesOf(*model[2]).size());
   EXPECT_STREQ("IFCEXTRA", AttributesOf(*model[2]).Facts().name);

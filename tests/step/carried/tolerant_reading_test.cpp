@@ -63,6 +63,11 @@ TEST_F(TolerantReading, AValueOfAnotherKindIsKept) {
   ExpectKept("#1=IFCSPHERE(*,.T.);\n");
 }
 
+TEST_F(TolerantReading, ATextThatItsAttributeCannotHoldWholeIsKept) {
+  ExpectKept("#1=IFCWALL('g',$,'a\\X\\00b',$,$,$,$,$,$);\n");
+  ExpectKept("#1=IFCWALL('\\X2\\0416\\X0\\',$,'W',$,$,$,$,$,$);\n");
+}
+
 TEST_F(TolerantReading, ATypedValueInThePlaceOfATextIsKept) {
   ExpectKept("#1=IFCWALL('g',$,IFCLABEL('x'),IFCTEXT('y'),$,$,$,$,$);\n");
 }
