@@ -277,6 +277,7 @@ std::vector<const FactoryTable*> ByDistance(std::span<const FactoryTable* const>
   std::stable_sort(found.begin(), found.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<const FactoryTable*> sorted;
+  sorted.reserve(found.size());
   for (const auto& [distance, release] : found) sorted.push_back(release);
   return sorted;
 }
