@@ -47,7 +47,7 @@ ExitStatus RunInfo(const CommandLine& line) {
   bool good = true;
   std::vector<FileFacts> files;
   for (const WideString& path : line.inputs) {
-    FileFacts facts = ReadFacts(path);
+    FileFacts facts = ReadFacts(path, line.choices.tolerant);
     for (const WideString& problem : facts.problems)
       console.Say(Printable(path).append(u": ").append(problem));
     good = good && facts.problems.empty();

@@ -60,11 +60,18 @@ void ListClasses(const ClassCounts& counts, FileFacts& facts) {
   });
 }
 
-void ReadOpened(Scanner& scanner, FileFacts& facts) {
+void ReadOpened(Scanner& scanner, bool tolerant, FileFacts& facts) {
   facts.bytes = scanner.Stream()->TotalSize();
+  if (tolerant) {
+    if (auto told = NoModelFile(facts.path, tolerant)) {
+      facts.problems.push_back(std::move(*told));
+      return;
+    }
+  }
   facts.header = ReadHeader(scanner, facts.path, facts.problems);
   if (facts.header == nullptr) return;
-  facts.schema = ChooseSchema(facts.header->schemaIdentifier, facts.remarks, facts.problems);
+  facts.schema = ChooseSchema(facts.header->schemaIdentifier, facts.path, tolerant, facts.remarks,
+                              facts.problems);
   ClassCounts counts;
   ReadRecords(scanner, facts, counts);
   ListClasses(counts, facts);
@@ -72,17 +79,17 @@ void ReadOpened(Scanner& scanner, FileFacts& facts) {
 
 }  // namespace
 
-FileFacts ReadFacts(const WideString& path) {
+FileFacts ReadFacts(const WideString& path, bool tolerant) {
   FileFacts facts;
   facts.path = path;
   if (auto trouble = TroubleWithInput(path)) {
     facts.problems.push_back(std::move(*trouble));
     return facts;
   }
-  Scanner scanner(path, kModelBuffer, Hear);
-  if (scanner.IsOpen()) {
+  const auto scanner = OpenModel(path, tolerant);
+  if (scanner->IsOpen()) {
     const Hearing problems(facts.problems);
-    ReadOpened(scanner, facts);
+    ReadOpened(*scanner, tolerant, facts);
   } else {
     facts.problems.emplace_back(u"Could not open the file");
   }

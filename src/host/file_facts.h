@@ -34,7 +34,8 @@ inline constexpr char kNamelessInstance[] = "(nameless)";
 
 // One pass over the file, in constant memory but for the names of classes. Records are told apart
 // only, so that it works on classes that no release knows; what stands inside of a record is not
-// looked at. Nothing is reported: trouble stands among the problems.
-FileFacts ReadFacts(const WideString& path);
+// looked at. Nothing is reported: trouble stands among the problems. If `tolerant` the records are
+// those that a tolerant reading takes.
+FileFacts ReadFacts(const WideString& path, bool tolerant = false);
 
 }  // namespace corvel::host

@@ -67,7 +67,8 @@ bool ModelRun::InputsAreGood() {
   std::vector<HeaderLook> looks;
   for (const WideString& input : order_.inputs) {
     const auto trouble = TroubleWithInput(input);
-    HeaderLook look = trouble ? HeaderLook{trouble, {}} : LookAtHeader(input);
+    HeaderLook look =
+        trouble ? HeaderLook{trouble, {}} : LookAtHeader(input, order_.choices.tolerant);
     if (look.trouble) tell(input, *look.trouble);
     looks.push_back(std::move(look));
   }

@@ -17,9 +17,16 @@ namespace {
 
 void ReadOpened(Scanner& scanner, const WideString& path, SceneTexts texts, bool tolerant,
                 ModelScene& scene) {
+  if (tolerant) {
+    if (auto told = NoModelFile(path, tolerant)) {
+      scene.problems.push_back(std::move(*told));
+      return;
+    }
+  }
   const auto header = ReadHeader(scanner, path, scene.problems);
   if (header == nullptr) return;
-  const auto schema = ChooseSchema(header->schemaIdentifier, scene.remarks, scene.problems);
+  const auto schema =
+      ChooseSchema(header->schemaIdentifier, path, tolerant, scene.remarks, scene.problems);
   if (!schema) return;
   try {
     const FactoryTable& factories = FactoriesOf(*schema);
@@ -71,9 +78,9 @@ ModelScene ReadScene(const WideString& path, SceneTexts texts, bool tolerant) {
   std::vector<WideString> heard;
   {
     const Hearing problems(heard);
-    Scanner scanner(path, kModelBuffer, Hear);
-    if (scanner.IsOpen()) {
-      ReadOpened(scanner, path, texts, tolerant, scene);
+    const auto scanner = OpenModel(path, tolerant);
+    if (scanner->IsOpen()) {
+      ReadOpened(*scanner, path, texts, tolerant, scene);
     } else {
       scene.problems.emplace_back(u"Could not open the file");
       scene.isUnreadable = true;

@@ -63,8 +63,9 @@ struct ModelScene {
 
 // One pass over the file, without making objects of it: some hundred megabytes a second. Memory:
 // 12 bytes per object and its texts, and 12 per related object until the parents are settled.
-// Records that cannot be read don't count: whoever reads the model reports them. In a scene for a
-// tolerant reading those of classes count that another release has.
+// Records that cannot be read don't count: whoever reads the model reports them.
+// If `tolerant` the records are those that a tolerant reading takes, under the numbers that they
+// have there; a class that the release lacks is what another release says of it.
 ModelScene ReadScene(const WideString& path, SceneTexts texts, bool tolerant = false);
 
 }  // namespace corvel::host

@@ -58,8 +58,8 @@ struct ChoiceWords {
   bool stamp = false;
 };
 
-// Fills what the words tell: everything but the flags of the options window. The first mistake comes as a text that names
-// the option and the word.
+// Fills what the words tell: everything but the flags of the options window. The first mistake
+// comes as a text that names the option and the word.
 std::variant<RunChoices, std::string> UnderstandChoices(const ChoiceWords& words,
                                                         const std::vector<std::string>& inputs);
 

@@ -178,7 +178,20 @@ void Plugin::SaveConfig() {
 
 MergeOptions Plugin::RunOptions() const {
   if (overridden_) return *overridden_;
-  return options_ == nullptr ? MergeOptions() : options_->options;
+  MergeOptions now = options_ == nullptr ? MergeOptions() : options_->options;
+  now.tolerant = federation_.tolerant;
+  return now;
+}
+
+// False when there is a mistake in the file, which is told: nothing is to be read then. Whoever has
+// set other options has no use for it.
+bool Plugin::LoadFederation() {
+  if (overridden_) return true;
+  const auto mistake = ReadFederationFile(folders.user + u"federation.txt", federation_);
+  if (!mistake) return true;
+  const WideString caption = GetText("error_caption");
+  CallHost(Host().message_box, caption.c_str(), mistake->c_str(), kErrorIcon);
+  return false;
 }
 
 bool Plugin::GeneratesGuids() {
@@ -268,13 +281,15 @@ void Plugin::Merge(std::int32_t button) {
   if (mode != SavingMode::kMergeActive) files = job.CollectProjectsOfMode(mode);
   // Whoever has selected nothing has asked for nothing.
   if (mode == SavingMode::kMergeSelected && files.empty()) return;
+  if (!LoadFederation()) return;
   lastRun_ = job.Run(files, projects_, mode);
 }
 
 void Plugin::RunTestCommand() {
   const Running whileItLasts(running_);
+  if (!LoadFederation()) return;
   TestCommand(projects_.empty() ? WideString() : ProjectPath(projects_.front()), folders.user,
-              RunOptions().ignoreEnumErrors);
+              RunOptions());
 }
 
 }  // namespace corvel::plugin

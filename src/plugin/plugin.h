@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "merge/merge_job.h"
+#include "plugin/federation_file.h"
 #include "plugin/options_window.h"
 #include "plugin/plugin_base.h"
 #include "plugin/ribbon.h"
@@ -35,8 +36,8 @@ class Plugin final : public cpp::PluginBase {
   const std::vector<HostObject>& Projects() const { return projects_; }
   // Null before OnPluginLoad.
   OptionsWindow* Options() { return options_.get(); }
-  // What a run looks at: the choices of the window, unless others were set for a while. Those are
-  // neither shown nor kept in config.txt.
+  // What a run looks at: the choices of the window and those of federation.txt, unless others were
+  // set for a while. Those are neither shown nor kept in config.txt.
   MergeOptions RunOptions() const;
   void OverrideOptions(const MergeOptions& options) { overridden_ = options; }
   // For a program that has the plug-in built in.
@@ -57,6 +58,7 @@ class Plugin final : public cpp::PluginBase {
   void LoadConfig();
   void ApplyState();
   WideString ConfigPath() const { return folders.user + u"config.txt"; }
+  bool LoadFederation();
   void Dispatch(std::int32_t button);
   void Merge(std::int32_t button);
   void RunTestCommand();
@@ -64,6 +66,7 @@ class Plugin final : public cpp::PluginBase {
   Ribbon ribbon_;
   std::unique_ptr<OptionsWindow> options_;
   std::optional<MergeOptions> overridden_;
+  FederationOptions federation_;      // of the run at hand, or the last one
   std::vector<HostObject> projects_;  // in the viewer's order
   std::unordered_map<HostObject, WideString> projectPaths_;
   // The two ways to match spatial objects, for a choice that the window does not offer yet.

@@ -15,8 +15,10 @@ namespace corvel::plugin {
 
 namespace {
 
-void ReadAndWrite(const WideString& path, const WideString& userFolder, bool ignoreEnumErrors) {
-  IfcDocument document(ignoreEnumErrors, ShowError, ProgressWindow::UpdateProgress);
+void ReadAndWrite(const WideString& path, const WideString& userFolder,
+                  const MergeOptions& options) {
+  IfcDocument document(options.ignoreEnumErrors, ShowError, ProgressWindow::UpdateProgress);
+  if (options.tolerant) document.ReadTolerantly();
   constexpr int kOneFile = 1;
   if (document.OpenFile(path, kOneFile) == 0) {
     ShowError("", u"Unable to parse file: " + path, kReportShow);
@@ -30,7 +32,8 @@ void ReadAndWrite(const WideString& path, const WideString& userFolder, bool ign
 
 }  // namespace
 
-void TestCommand(const WideString& path, const WideString& userFolder, bool ignoreEnumErrors) {
+void TestCommand(const WideString& path, const WideString& userFolder,
+                 const MergeOptions& options) {
   if (path.empty()) {
     ShowError("", u"No project loaded", kReportShow);
     return;
@@ -42,7 +45,7 @@ void TestCommand(const WideString& path, const WideString& userFolder, bool igno
   progress.SetCurrentText(u"Processing file");
   progress.SetCurrentFile(path);
   try {
-    ReadAndWrite(path, userFolder, ignoreEnumErrors);
+    ReadAndWrite(path, userFolder, options);
   } catch (const std::exception& error) {
     ShowError("", u"Error occurred while processing file: " + path, kReportCollect);
     ShowError("", Widen(error.what()), kReportShow);

@@ -130,4 +130,6 @@ SchemaChoice ChooseSchemaTolerantly(const WideString& identifier, const WideStri
                           u" classes of the file."};
 }
 
+bool SeemsToHoldRecords(const WideString& path) { return !ClassesIn(StartOf(path)).empty(); }
+
 }  // namespace corvel

@@ -19,4 +19,7 @@ struct SchemaChoice {
 // reported.
 SchemaChoice ChooseSchemaTolerantly(const WideString& identifier, const WideString& path);
 
+// The first megabyte of the file holds what looks like records.
+bool SeemsToHoldRecords(const WideString& path);
+
 }  // namespace corvel

@@ -124,27 +124,29 @@ std::string ArgumentsOf(const std::string& text, const HeadRecord& record) {
   return arguments.starts_with('(') ? arguments : std::string(record.missing);
 }
 
-std::unique_ptr<HeaderToken> Mended(const std::string& text) {
+std::string Mended(const std::string& text) {
   std::string mended = kIsoLine;
   mended += ";HEADER;";
   for (const HeadRecord& record : kHeadRecords) {
     mended.append(record.name).append(ArgumentsOf(text, record)).append(";");
   }
-  Scanner scanner = ScannerOf(mended + "ENDSEC;");
-  return ReadHeaderToken(scanner);
+  return mended + "ENDSEC;\n";
 }
 
 }  // namespace
 
 TolerantHead TakeTolerantHead(Scanner& scanner) {
   StreamBytes bytes(scanner);
-  const std::string text = TakeHeadText(bytes);
-  bytes.Forget();
   TolerantHead head;
+  head.text = TakeHeadText(bytes);
+  bytes.Forget();
   head.isoLine = kIsoLine;
-  head.header = AsItStands(text, head.isoLine);
+  head.header = AsItStands(head.text, head.isoLine);
   head.isMended = head.header == nullptr;
-  if (head.isMended) head.header = Mended(text);
+  if (!head.isMended) return head;
+  head.text = Mended(head.text);
+  Scanner mended = ScannerOf(head.text);
+  head.header = ReadHeaderToken(mended);
   return head;
 }
 

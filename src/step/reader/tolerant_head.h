@@ -12,6 +12,7 @@ namespace corvel {
 struct TolerantHead {
   std::string isoLine;                  // "ISO-10303-21" also where the file has none
   std::unique_ptr<HeaderToken> header;  // never null
+  std::string text;                     // a good head that reads to the same
   bool isMended = false;                // it did not read as it stands
 };
 

@@ -1,0 +1,109 @@
+#include "plugin/federation_file.h"
+
+#include <gtest/gtest.h>
+
+#include "plugin/plugin.h"
+#include "recorded_host.h"
+#include "support/model.h"
+#include "support/temporary_folder.h"
+#include "support/test_platform.h"
+
+namespace corvel::plugin {
+
+namespace {
+
+class FederationFile : public testing::Test {
+ protected:
+  // What is said against the file, without its path.
+  std::string Mistake(const std::string& content) {
+    const WideString path = folder_.Write("federation.txt", content);
+    const auto mistake = ReadFederationFile(path, options_);
+    if (!mistake) return "";
+    EXPECT_TRUE(mistake->starts_with(path));
+    return ToUtf8(mistake->substr(path.size()));
+  }
+
+  const test::TemporaryFolder folder_;
+  FederationOptions options_;
+};
+
+}  // namespace
+
+TEST_F(FederationFile, WithoutTheFileEverythingIsOff) {
+  options_.tolerant = true;
+  EXPECT_EQ(std::nullopt, ReadFederationFile(folder_.Path("none.txt"), options_));
+  EXPECT_FALSE(options_.tolerant);
+}
+
+TEST_F(FederationFile, OptionsStandOneALineWithCommentsAndBlanks) {
+  for (const char* const content :
+       {"tolerant", "\xEF\xBB\xBFtolerant\r\n", "# what is read\n\n \t tolerant # all of it\n",
+        "tolerant\ntolerant\n"}) {
+    EXPECT_EQ("", Mistake(content));
+    EXPECT_TRUE(options_.tolerant) << content;
+  }
+  EXPECT_EQ("", Mistake("# tolerant\n"));
+  EXPECT_FALSE(options_.tolerant);
+}
+
+TEST_F(FederationFile, TheFirstMistakeIsToldWithItsLine) {
+  EXPECT_EQ(", line 2: there is no option 'tolerrant'.", Mistake("tolerant\ntolerrant\nx\n"));
+  EXPECT_EQ(", line 1: 'tolerant' takes no value.", Mistake("tolerant = yes\n"));
+  EXPECT_EQ(", line 1: 'tolerant' takes no value.", Mistake("tolerant=\n"));
+  EXPECT_EQ(", line 1: there is no option ''.", Mistake("= 1\n"));
+  EXPECT_EQ(", line 1: there is no option 'Tolerant'.", Mistake("Tolerant"));
+}
+
+namespace {
+
+class FederatedRun : public testing::Test {
+ protected:
+  FederatedRun() {
+    host_.output = folder_.Path("out.ifc");
+    const std::string records =
+        "#1=IFCPROJECT('p',$,'P',$,$,$,$,(),$);\n#2=IFCNEWTHING('n',#1);\n"
+        "#3=IFCRELAGGREGATES('r',$,$,$,#1,(#2));\n";
+    host_.AddProject(1, folder_.Write("a.ifc", test::ModelFile(records, "IFC4")));
+    host_.AddProject(2, folder_.Write("b.ifc", test::ModelFile(records, "ifc4")));
+  }
+  void Run() {
+    host_.Load();
+    host_.TellModelsAreLoaded();
+    host_.calls.clear();
+    host_.Click(Plugin::Instance()->Buttons().mergeActive);
+  }
+
+  test::TestPlatform platform_;
+  test::RecordedHost host_;
+  const test::TemporaryFolder folder_;
+};
+
+}  // namespace
+
+TEST_F(FederatedRun, WithoutTheFileAModelThatDoesNotFitIsRefused) {
+  Run();
+  EXPECT_FALSE(folder_.Has("out.ifc"));
+}
+
+TEST_F(FederatedRun, ATolerantRunMergesWhatDoesNotFit) {
+  host_.user.Write("federation.txt", "tolerant\n");
+  Run();
+  EXPECT_TRUE(Plugin::Instance()->LastRun().written);
+  const std::string out = folder_.Read("out.ifc");
+  EXPECT_NE(std::string::npos, out.find("=IFCNEWTHING('n',#")) << out;
+  EXPECT_FALSE(host_.user.Has("config.txt") &&
+               host_.user.Read("config.txt").find("tolerant") != std::string::npos);
+}
+
+TEST_F(FederatedRun, AMistakeIsToldAndNothingIsRead) {
+  const WideString path = host_.user.Write("federation.txt", "tolerrant\n");
+  Run();
+  EXPECT_EQ((std::vector<std::string>{"message_box(\"error_caption\", \"" + ToUtf8(path) +
+                                      ", line 1: there is no option 'tolerrant'.\", 16)"}),
+            host_.CallsOf("message_box"));
+  EXPECT_FALSE(Plugin::Instance()->LastRun().written);
+  EXPECT_TRUE(host_.CallsOf("save_file_dialog").empty());
+  EXPECT_FALSE(folder_.Has("a_TEMP.ifc"));
+}
+
+}  // namespace corvel::plugin
