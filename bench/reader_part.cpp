@@ -89,7 +89,7 @@ const Kind kKinds[] = {
     {"list of 3 integers", [](unsigned i) { return "(" + Number(i) + ",2,3)"; },
      ReadList<std::int32_t, corvel::ReadIntegerList>},
     {"list of 2 texts", [](unsigned i) { return "('a " + Number(i % 50) + "','b')"; },
-     ReadList<const char16_t*, corvel::ReadStringList>},
+     ReadList<corvel::ModelText, corvel::ReadStringList>},
     {"2 lists of 3 reals", [](unsigned i) { return "((" + Number(i) + ".5,2.,3.),(4.,5.,6.))"; },
      ReadList<corvel::List<double>, corvel::ReadRealLists>},
 };

@@ -20,7 +20,7 @@ constexpr std::uint32_t kTexts = 20000;
 
 // `kEach`: of so many texts one is new.
 template <std::uint32_t kEach>
-void InternWide(benchmark::State& state) {
+void InternText(benchmark::State& state) {
   std::vector<corvel::WideString> texts;
   for (std::uint32_t i = 0; i < kTexts; ++i) {
     texts.push_back(i % kEach == 0 ? u"Tag " + corvel::ToWide(i)
@@ -28,13 +28,13 @@ void InternWide(benchmark::State& state) {
   }
   for (auto _ : state) {
     corvel::MemoryPool pool(kPoolBlock);
-    for (const auto& text : texts) benchmark::DoNotOptimize(pool.InternWide(text));
+    for (const auto& text : texts) benchmark::DoNotOptimize(pool.InternText(text));
   }
   state.SetItemsProcessed(state.iterations() * kTexts);
 }
-BENCHMARK(InternWide<1>)->Name("Interning/all new");
-BENCHMARK(InternWide<5>)->Name("Interning/one in five new");
-BENCHMARK(InternWide<kTexts>)->Name("Interning/all met before");
+BENCHMARK(InternText<1>)->Name("Interning/all new");
+BENCHMARK(InternText<5>)->Name("Interning/one in five new");
+BENCHMARK(InternText<kTexts>)->Name("Interning/all met before");
 
 void InternGuids(benchmark::State& state) {
   std::vector<std::string> guids;

@@ -33,7 +33,7 @@ struct Stock {
     reals.Assign(coordinates, pool);
     const std::int32_t numbers[] = {1, 22, 333};
     integers.Assign(numbers, pool);
-    const char16_t* const labels[] = {u"a", u"label"};
+    const ModelText labels[] = {u"a", u"label"};
     texts.Assign(labels, pool);
     realLists.Append(reals, pool);
     realLists.Append(reals, pool);
@@ -44,7 +44,7 @@ struct Stock {
   corvel::EntityList entityList;
   List<double> reals;
   List<std::int32_t> integers;
-  List<const char16_t*> texts;
+  List<ModelText> texts;
   List<List<double>> realLists;
   std::string guid = corvel::bench::Guid('0', 4711);
 };

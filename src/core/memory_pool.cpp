@@ -52,7 +52,13 @@ void MemoryPool::AddBlock(std::uint64_t size) {
                              error.what());
   }
   block->free = size;
+  const std::uint64_t firstPage = pages_.size();
+  for (std::uint64_t begin = 0; begin < size && pages_.size() < kMostPages;
+       begin += std::uint64_t{1} << kPageBits) {
+    pages_.push_back(block->data.get() + begin);
+  }
   blocks_.push_back(std::move(block));
+  currentPage_ = firstPage;
   current_ = blocks_.back().get();
   next_ = current_->data.get();
 }
@@ -77,29 +83,78 @@ char16_t* MemoryPool::AllocWide(std::uint64_t length) {
   return reinterpret_cast<char16_t*>(Take(2 * length + 2));
 }
 
+// A new block begins at an even address.
+char* MemoryPool::AllocPlain(std::uint64_t length) {
+  if (length + 2 >= current_->free) AddBlock(std::max(blockSize_, length + 3));
+  if (reinterpret_cast<std::uintptr_t>(next_) % 2 == 0) Take(1);
+  return Take(length + 1);
+}
+
+// Half of it is enough: texts of one index are all at odd addresses, or all at even ones, and so
+// are the bytes where pages begin.
+std::uint32_t MemoryPool::PlaceOf(const void* inCurrent) const {
+  const auto offset =
+      static_cast<std::uint64_t>(static_cast<const char*>(inCurrent) - current_->data.get());
+  const std::uint64_t page = currentPage_ + (offset >> kPageBits);
+  if (page >= kMostPages) return 0;
+  const std::uint64_t inPage = offset & ((std::uint64_t{1} << kPageBits) - 1);
+  return static_cast<std::uint32_t>(((page << kPageBits) + inPage) / 2 + 1);
+}
+
+template <class Unit>
+const Unit* MemoryPool::AtPlace(std::uint32_t place) const {
+  const std::uint64_t even = (std::uint64_t{place} - 1) * 2;
+  const char* const begin =
+      pages_[even >> kPageBits] + (even & ((std::uint64_t{1} << kPageBits) - 1));
+  return reinterpret_cast<const Unit*>(begin + (sizeof(Unit) == 1 ? 1 : 0));
+}
+
 template <class Unit, class Allocate>
-const Unit* MemoryPool::Intern(InternTable<Unit>& table, std::basic_string_view<Unit> text,
+const Unit* MemoryPool::Intern(TextIndex& index, std::basic_string_view<Unit> text,
                                Allocate allocate) {
-  const std::uint32_t hash = HashOfBytes(text.data(), text.size() * sizeof(Unit));
-  InternedText<Unit>& slot = table.Enter(hash, [&](const InternedText<Unit>& known) {
-    return known.hash == hash && known.length == text.size() && known.text != nullptr &&
-           std::equal(text.begin(), text.end(), known.text);
-  });
-  if (slot.IsFree()) {
+  const auto store = [&] {
     Unit* const stored = allocate(text.size());
     std::copy(text.begin(), text.end(), stored);
     stored[text.size()] = 0;
-    slot = {stored, static_cast<std::uint32_t>(text.size()), hash};
+    return stored;
+  };
+  const std::uint32_t hash = HashOfBytes(text.data(), text.size() * sizeof(Unit));
+  const auto isText = [&](const TextSlot& known) {
+    return known.hash == hash && !known.IsFree() &&
+           std::basic_string_view<Unit>(AtPlace<Unit>(known.place)) == text;
+  };
+  if (pages_.size() == kMostPages) {
+    const TextSlot* const known = index.Find(hash, isText);
+    return known == nullptr ? store() : AtPlace<Unit>(known->place);
   }
-  return slot.text;
+  TextSlot& slot = index.Enter(hash, isText);
+  if (!slot.IsFree()) return AtPlace<Unit>(slot.place);
+  const Unit* const stored = store();
+  slot = {PlaceOf(stored), hash};
+  return stored;
 }
 
 const char* MemoryPool::InternNarrow(std::string_view text) {
-  return Intern(narrowStrings_, text, [this](std::uint64_t length) { return AllocNarrow(length); });
+  return Intern(narrowStrings_, text, [this](std::uint64_t length) { return AllocPlain(length); });
 }
 
 const char16_t* MemoryPool::InternWide(WideView text) {
   return Intern(wideStrings_, text, [this](std::uint64_t length) { return AllocWide(length); });
+}
+
+ModelText MemoryPool::InternText(std::string_view text) {
+  return ModelText::OfPlain(
+      Intern(plainStrings_, text, [this](std::uint64_t length) { return AllocPlain(length); }));
+}
+
+ModelText MemoryPool::InternText(WideView text) {
+  const bool isPlain =
+      std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 256; });
+  if (!isPlain) return InternWide(text);
+  constexpr std::size_t kLong = std::size_t{1} << 16;
+  if (text.size() > kLong) return InternText(std::string_view(Narrow(text)));
+  plainText_.assign(text.begin(), text.end());
+  return InternText(std::string_view(plainText_));
 }
 
 }  // namespace corvel

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/arena.h"
+#include "core/model_text.h"
 #include "core/open_table.h"
 #include "core/text.h"
 
@@ -30,18 +31,15 @@ struct MemoryBlock {
 // Depends on the machine's byte order; to be kept for the run only.
 std::uint32_t HashOfBytes(const void* bytes, std::size_t count);
 
-// Texts of up to 4 GiB by content, each with the pointer that the model keeps.
-template <class Unit>
-struct InternedText {
-  const Unit* text = nullptr;
-  std::uint32_t length = 0;
+// An interned text in the index that finds it again: 8 bytes, as models have one for each GUID.
+struct TextSlot {
+  std::uint32_t place = 0;  // half its distance from where places begin, + 1; 0 in a free slot
   std::uint32_t hash = 0;
 
-  bool IsFree() const { return text == nullptr; }
+  bool IsFree() const { return place == 0; }
   std::size_t Hash() const { return hash; }
 };
-template <class Unit>
-using InternTable = OpenTable<InternedText<Unit>, 64>;
+using TextIndex = OpenTable<TextSlot, 64>;
 
 // All pointers that it gives belong to it and are good until it goes.
 class MemoryPool {
@@ -58,14 +56,18 @@ class MemoryPool {
   char* AllocNarrow(std::uint64_t length);
   char16_t* AllocWide(std::uint64_t length);
 
-  // The one stored copy of a text, NUL-ended. Equal texts give one pointer; a text read as narrow
-  // and as wide gives two. Costs the length of the text. Throws as AllocNarrow; nothing is entered
-  // then.
+  // The one stored copy of a text, NUL-ended: as bytes for a GUID, in 16 bits whatever is in it, or
+  // as attributes hold it. Equal texts give each operation one pointer of its own. A text with a
+  // NUL in it, which ends it, is stored each time, and so is behind some 5 GiB one that is not
+  // known yet. Costs the length of the text. Throws as AllocNarrow; nothing is entered then.
   const char* InternNarrow(std::string_view text);
   const char16_t* InternWide(WideView text);
+  ModelText InternText(WideView text);
+  // Each byte is the unit of its value.
+  ModelText InternText(std::string_view text);
 
   // The value of an absent string; never equal (as a pointer) to the interned empty text.
-  const char16_t* EmptyWide() const { return emptyWide_; }
+  ModelText EmptyWide() const { return emptyWide_; }
   const char* EmptyNarrow() const { return emptyNarrow_; }
 
   // Objects and arrays of the model; they go with the pool and no destructor is run. Arrays are not
@@ -85,9 +87,16 @@ class MemoryPool {
   std::size_t ObjectBytes() const { return objects_.ReservedBytes(); }
 
  private:
+  // Places count bytes, on from a multiple of this at each block.
+  static constexpr unsigned kPageBits = 24;
+  static constexpr std::uint64_t kMostPages = std::uint64_t{1} << (33 - kPageBits);
+
   template <class Unit, class Allocate>
-  const Unit* Intern(InternTable<Unit>& table, std::basic_string_view<Unit> text,
-                     Allocate allocate);
+  const Unit* Intern(TextIndex& index, std::basic_string_view<Unit> text, Allocate allocate);
+  template <class Unit>
+  const Unit* AtPlace(std::uint32_t place) const;
+  std::uint32_t PlaceOf(const void* inCurrent) const;
+  char* AllocPlain(std::uint64_t length);
   char* Take(std::uint64_t size);
   void AddBlock(std::uint64_t size);
 
@@ -95,8 +104,12 @@ class MemoryPool {
   std::vector<std::unique_ptr<MemoryBlock>> blocks_;
   MemoryBlock* current_ = nullptr;
   char* next_ = nullptr;
-  InternTable<char16_t> wideStrings_;
-  InternTable<char> narrowStrings_;
+  std::vector<char*> pages_;       // where the bytes of each page begin
+  std::uint64_t currentPage_ = 0;  // the first of the current block
+  TextIndex wideStrings_;
+  TextIndex plainStrings_;
+  TextIndex narrowStrings_;
+  std::string plainText_;  // a 16-bit text on its way to being a plain one
   char16_t emptyWide_[1] = {0};
   char emptyNarrow_[1] = {0};
   Arena objects_;

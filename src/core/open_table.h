@@ -1,9 +1,12 @@
 // Open hash tables: all slots in one array, and behind a slot that is taken the next one is tried.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace corvel {
 
@@ -17,19 +20,28 @@ Slot& SlotOf(Slot* slots, std::size_t mask, std::size_t hash, IsKey isKey) {
   return slots[at];
 }
 
-// A table that grows. Nothing is ever taken out of it but everything. Constant time on average, at
-// most two thirds of the slots are taken, and no memory before the first entry.
+// A table that grows, in place: at no time do two arrays stand side by side. Nothing is ever taken
+// out of it but everything. Constant time on average, at most two thirds of the slots are taken,
+// and no memory before the first entry. Throws std::bad_alloc, and serves on then.
 //
 // A Slot holds key and value as its owner likes, or what leads to them. It is free when default
 // constructed, and tells so by IsFree(); one that is taken gives the hash of its key by Hash().
+// `kFirstSize` is a power of two.
 template <class Slot, std::size_t kFirstSize>
 class OpenTable {
+  static_assert(std::is_trivially_copyable_v<Slot>, "the array moves as bytes");
+
  public:
+  OpenTable() = default;
+  ~OpenTable() { std::free(slots_); }
+  OpenTable(const OpenTable&) = delete;
+  OpenTable& operator=(const OpenTable&) = delete;
+
   // Null when no slot holds the key.
   template <class IsKey>
   const Slot* Find(std::size_t hash, IsKey isKey) const {
-    if (slots_.empty()) return nullptr;
-    const Slot& slot = SlotOf(slots_.data(), slots_.size() - 1, hash, isKey);
+    if (slots_ == nullptr) return nullptr;
+    const Slot& slot = SlotOf(slots_, size_ - 1, hash, isKey);
     return slot.IsFree() ? nullptr : &slot;
   }
 
@@ -37,29 +49,48 @@ class OpenTable {
   // it before the next call. Slots found before are void.
   template <class IsKey>
   Slot& Enter(std::size_t hash, IsKey isKey) {
-    if ((used_ + 1) * 3 > slots_.size() * 2) Grow();
-    Slot& slot = SlotOf(slots_.data(), slots_.size() - 1, hash, isKey);
+    if ((used_ + 1) * 3 > size_ * 2) Grow();
+    Slot& slot = SlotOf(slots_, size_ - 1, hash, isKey);
     if (slot.IsFree()) ++used_;
     return slot;
   }
 
   void Clear() {
-    slots_ = {};
-    used_ = 0;
+    std::free(slots_);
+    slots_ = nullptr;
+    size_ = used_ = 0;
   }
 
  private:
   // The hashes are kept, so no key is read again.
   void Grow() {
-    std::vector<Slot> larger(slots_.empty() ? kFirstSize : slots_.size() * 2);
-    const auto isNew = [](const Slot&) { return false; };
-    for (const Slot& slot : slots_) {
-      if (!slot.IsFree()) SlotOf(larger.data(), larger.size() - 1, slot.Hash(), isNew) = slot;
-    }
-    slots_ = std::move(larger);
+    const std::size_t before = size_;
+    const std::size_t larger = before == 0 ? kFirstSize : before * 2;
+    auto* const slots = static_cast<Slot*>(std::realloc(slots_, larger * sizeof(Slot)));
+    if (slots == nullptr) throw std::bad_alloc();
+    slots_ = slots;
+    size_ = larger;
+    std::fill(slots_ + before, slots_ + larger, Slot());
+    if (before != 0) Spread(before);
   }
 
-  std::vector<Slot> slots_;
+  // Gives each entry of the lower half its place in the whole. They have their turn in the order of
+  // the runs in which they stand, which begin behind free slots: then all slots from an entry's
+  // place on up to where it stood have had theirs, so that what it steps over stays.
+  void Spread(std::size_t half) {
+    std::size_t start = 0;
+    while (!slots_[start].IsFree()) ++start;
+    const auto isNew = [](const Slot&) { return false; };
+    for (std::size_t i = 1; i < half; ++i) {
+      Slot& slot = slots_[(start + i) & (half - 1)];
+      if (slot.IsFree()) continue;
+      const Slot entry = std::exchange(slot, Slot());
+      SlotOf(slots_, size_ - 1, entry.Hash(), isNew) = entry;
+    }
+  }
+
+  Slot* slots_ = nullptr;
+  std::size_t size_ = 0;  // a power of two, or 0
   std::size_t used_ = 0;
 };
 

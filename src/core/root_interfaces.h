@@ -13,14 +13,14 @@ class VirtualIfcRoot : public virtual IfcEntity {
   // optional gets the reference but keeps its present flag, so that an object without an owner
   // history goes on writing `$`. An owner history of another class becomes null.
   virtual void setRootAttributes(const char* globalId, IfcEntity* ownerHistory,
-                                 const char16_t* name) = 0;
+                                 corvel::ModelText name) = 0;
   // NUL-ended, never null; empty when the attribute was absent.
   virtual const char* getGlobalId() const = 0;
   // Borrows the text, which is in the pool of the object's model. The GUID table of the container
   // learns nothing of it.
   virtual void setGlobalId(const char* globalId) = 0;
   // The text of `Name`, which means nothing when the name is absent.
-  virtual const char16_t* getName() const = 0;
+  virtual corvel::ModelText getName() const = 0;
 
  protected:
   ~VirtualIfcRoot() = default;

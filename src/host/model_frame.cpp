@@ -81,7 +81,7 @@ std::optional<double> NumberIn(ConstAttribute attribute) {
   if (typed != nullptr && AttributesOf(*typed).size() != 0) attribute = AttributesOf(*typed)[0];
   attribute.ForEach<double>([&](double value) { take(AsWritten(value)); });
   if (attribute.Facts().kind == ValueKind::kInteger) attribute.ForEach<std::int32_t>(take);
-  attribute.ForEach<const char16_t*>([&](const char16_t* text) { take(NumberInText(text)); });
+  attribute.ForEach<ModelText>([&](ModelText text) { take(NumberInText(text.ToWide())); });
   return number;
 }
 
@@ -154,8 +154,8 @@ MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
 
 bool IsConversionSet(IFC::IfcEntity* entity) {
   const auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
-  const char16_t* const name = root == nullptr ? nullptr : root->getName();
-  return name != nullptr && ToLowerAscii(name) == kConversionSet;
+  const ModelText name = root == nullptr ? ModelText() : root->getName();
+  return !name.IsNull() && ToLowerAscii(name.ToWide()) == kConversionSet;
 }
 
 // The value of a property stands behind its name and description.

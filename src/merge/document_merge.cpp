@@ -133,7 +133,7 @@ void DocumentMerge::NoteSpecific(IFC::IfcEntity* entity, IFC::IfcEntity* Specifi
     showError_("", u"Unable to cast source entity to IfcRoot", kReportShow);
     return;
   }
-  specificObjects_[entity->getClassName()][root->getName()].*side = entity;
+  specificObjects_[entity->getClassName()][root->getName().ToWide()].*side = entity;
 }
 
 // The entity that the destination's GUID index holds under the GUID of `entity`, or null.
@@ -243,7 +243,7 @@ void DocumentMerge::MergeSpecificObjects(bool nameAndGuid) {
       auto* const here = EntityCast<IFC::VirtualIfcRoot>(pair.source);
       if (there == nullptr && pair.source != nullptr) container.AddEntity(pair.source);
       if (here == nullptr || there == nullptr) continue;
-      const bool same = WideView(here->getName()) == WideView(there->getName());
+      const bool same = here->getName() == there->getName();
       // Then the source's object stays outside, and references to it lead nowhere.
       if (nameAndGuid && GuidOf(*here) != GuidOf(*there)) continue;
       if (!same) continue;

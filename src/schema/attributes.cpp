@@ -36,7 +36,7 @@ class MakeDefault {
   void operator()(std::int32_t& number) const {
     number = values_ == nullptr ? 0 : values_->Fallback();
   }
-  void operator()(const char16_t*& text) const { text = kEmptyWide; }
+  void operator()(ModelText& text) const { text = kEmptyWide; }
   void operator()(const char*& guid) const { guid = kEmptyNarrow; }
   template <class T>
   void operator()(List<T>& list) const {
@@ -77,7 +77,7 @@ class ValueOnItsWay {
       case ValueKind::kNumber: return writer_.WriteCount(Held<double>());
       case ValueKind::kInteger: return writer_.WriteInteger(Held<std::int32_t>());
       case ValueKind::kBinary: return writer_.WriteBinaryValue(Held<std::int32_t>());
-      case ValueKind::kText: return writer_.WriteText(Held<const char16_t*>());
+      case ValueKind::kText: return writer_.WriteText(Held<ModelText>());
       case ValueKind::kGuid: return writer_.WriteGuid(Held<const char*>());
       case ValueKind::kBoolean: return writer_.WriteBoolean(Held<std::int32_t>());
       case ValueKind::kLogical: return writer_.WriteLogical(Held<std::int32_t>());
@@ -94,7 +94,7 @@ class ValueOnItsWay {
       case ValueKind::kReal: return writer_.WriteRealList(Held<List<double>>());
       case ValueKind::kInteger: return writer_.WriteIntegerList(Held<Integers>());
       case ValueKind::kBinary: return writer_.WriteBinaryList(Held<Integers>());
-      case ValueKind::kText: return writer_.WriteStringList(Held<List<const char16_t*>>());
+      case ValueKind::kText: return writer_.WriteStringList(Held<List<ModelText>>());
       case ValueKind::kBoolean: return writer_.WriteBooleanList(Held<Integers>());
       case ValueKind::kLogical: return writer_.WriteLogicalList(Held<Integers>());
       case ValueKind::kEnumeration:
@@ -161,7 +161,7 @@ class IsBlank {
   void operator()(std::int32_t number) {
     blank = values_ == nullptr ? number == 0 : RowOf(*values_, number) == nullptr;
   }
-  void operator()(const char16_t* text) { blank = *text == 0; }
+  void operator()(ModelText text) { blank = text.ToWide().empty(); }
   void operator()(const char* guid) { blank = *guid == 0; }
   template <class T>
   void operator()(const List<T>& list) {
@@ -203,7 +203,7 @@ bool MayBe(const AttributeFacts& facts, std::int32_t value) {
   return values == nullptr || RowOf(*values, value) != nullptr;
 }
 
-bool MayBe(const AttributeFacts& /*facts*/, const char16_t* value) { return value != nullptr; }
+bool MayBe(const AttributeFacts& /*facts*/, ModelText value) { return !value.IsNull(); }
 
 bool MayBe(const AttributeFacts& /*facts*/, const char* value) { return value != nullptr; }
 

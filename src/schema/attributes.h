@@ -86,7 +86,7 @@ constexpr bool HoldsScalar(ValueKind kind) {
     return Refers(kind);
   } else if constexpr (std::is_same_v<Scalar, double>) {
     return kind == ValueKind::kReal || kind == ValueKind::kNumber;
-  } else if constexpr (std::is_same_v<Scalar, const char16_t*>) {
+  } else if constexpr (std::is_same_v<Scalar, ModelText>) {
     return kind == ValueKind::kText;
   } else if constexpr (std::is_same_v<Scalar, const char*>) {
     return kind == ValueKind::kGuid;
@@ -104,7 +104,7 @@ constexpr bool Holds(const AttributeFacts& facts) {
 // Whether the attribute may have this value (see BasicAttribute::Set).
 bool MayBe(const AttributeFacts& facts, double value);
 bool MayBe(const AttributeFacts& facts, std::int32_t value);
-bool MayBe(const AttributeFacts& facts, const char16_t* value);
+bool MayBe(const AttributeFacts& facts, ModelText value);
 bool MayBe(const AttributeFacts& facts, const char* value);
 bool MayBe(const AttributeFacts& facts, IFC::IfcEntity* value);
 template <class T>
@@ -160,7 +160,7 @@ void VisitMember(Byte* object, const AttributeFacts& facts, Visitor& visitor) {
     case ValueKind::kSelect: return VisitDepth<IFC::IfcEntity*>(object, facts, visitor);
     case ValueKind::kReal:
     case ValueKind::kNumber: return VisitDepth<double>(object, facts, visitor);
-    case ValueKind::kText: return VisitDepth<const char16_t*>(object, facts, visitor);
+    case ValueKind::kText: return VisitDepth<ModelText>(object, facts, visitor);
     case ValueKind::kGuid: return visitor(At<const char*>(object, facts));
     case ValueKind::kInteger:
     case ValueKind::kBinary:
@@ -233,7 +233,7 @@ class BasicAttribute {
   }
 
   // Calls `action` with each scalar of type T in the attribute, through all its lists, in order:
-  // T is IFC::IfcEntity*, double, std::int32_t, const char16_t* or const char*. Nothing happens
+  // T is IFC::IfcEntity*, double, std::int32_t, ModelText or const char*. Nothing happens
   // when the attribute has no value or holds others. Integers come with enumerations and the like:
   // Facts().kind tells them apart. What a reference leads to is not entered.
   template <class T, class Action>

@@ -56,7 +56,7 @@ void ReadOptionalBinary(Parser& parser, std::int32_t& value, bool& present) {
   value = present ? ReadBinary(parser) : 0;
 }
 
-void ReadOptionalString(Parser& parser, const char16_t*& value, bool& present) {
+void ReadOptionalString(Parser& parser, ModelText& value, bool& present) {
   present = !IsAbsent(parser);
   value = present ? ReadString(parser) : kEmptyWide;
 }
@@ -98,7 +98,7 @@ void ReadOptionalBinaryList(Parser& parser, List<std::int32_t>& list, bool& pres
   ReadOptionalList(parser, list, present, [&] { ReadBinaryList(parser, list); });
 }
 
-void ReadOptionalStringList(Parser& parser, List<const char16_t*>& list, bool& present) {
+void ReadOptionalStringList(Parser& parser, List<ModelText>& list, bool& present) {
   ReadOptionalList(parser, list, present, [&] { ReadStringList(parser, list); });
 }
 
@@ -145,7 +145,7 @@ void WriteOptionalBinaryValue(StepWriter& writer, std::int32_t value, bool prese
   WriteOptional(writer, present, [&] { writer.WriteBinaryValue(value); });
 }
 
-void WriteOptionalText(StepWriter& writer, const char16_t* value, bool present) {
+void WriteOptionalText(StepWriter& writer, ModelText value, bool present) {
   WriteOptional(writer, present, [&] { writer.WriteText(value); });
 }
 
@@ -182,7 +182,7 @@ void WriteOptionalBinaryList(StepWriter& writer, const List<std::int32_t>& list,
   WriteOptional(writer, present, [&] { writer.WriteBinaryList(list); });
 }
 
-void WriteOptionalStringList(StepWriter& writer, const List<const char16_t*>& list, bool present) {
+void WriteOptionalStringList(StepWriter& writer, const List<ModelText>& list, bool present) {
   WriteOptional(writer, present, [&] { writer.WriteStringList(list); });
 }
 

@@ -26,7 +26,7 @@ void ReadOptionalEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*&
 void ReadOptionalReal(Parser& parser, double& value, bool& present);
 void ReadOptionalInteger(Parser& parser, std::int32_t& value, bool& present);
 void ReadOptionalBinary(Parser& parser, std::int32_t& value, bool& present);
-void ReadOptionalString(Parser& parser, const char16_t*& value, bool& present);
+void ReadOptionalString(Parser& parser, ModelText& value, bool& present);
 void ReadOptionalBoolean(Parser& parser, std::int32_t& value, bool& present);
 void ReadOptionalLogical(Parser& parser, std::int32_t& value, bool& present);
 void ReadOptionalEnum(Parser& parser, const EnumTable& table, std::int32_t& value, bool& present);
@@ -38,7 +38,7 @@ void ReadOptionalEntityRefLists(Parser& parser, ClassTest& admitted, List<Entity
 void ReadOptionalRealList(Parser& parser, List<double>& list, bool& present);
 void ReadOptionalIntegerList(Parser& parser, List<std::int32_t>& list, bool& present);
 void ReadOptionalBinaryList(Parser& parser, List<std::int32_t>& list, bool& present);
-void ReadOptionalStringList(Parser& parser, List<const char16_t*>& list, bool& present);
+void ReadOptionalStringList(Parser& parser, List<ModelText>& list, bool& present);
 void ReadOptionalBooleanList(Parser& parser, List<std::int32_t>& list, bool& present);
 void ReadOptionalLogicalList(Parser& parser, List<std::int32_t>& list, bool& present);
 void ReadOptionalEnumList(Parser& parser, const EnumTable& table, List<std::int32_t>& list,
@@ -53,7 +53,7 @@ void WriteOptionalReal(StepWriter& writer, double value, bool present);
 void WriteOptionalCount(StepWriter& writer, double value, bool present);
 void WriteOptionalInteger(StepWriter& writer, std::int32_t value, bool present);
 void WriteOptionalBinaryValue(StepWriter& writer, std::int32_t value, bool present);
-void WriteOptionalText(StepWriter& writer, const char16_t* value, bool present);
+void WriteOptionalText(StepWriter& writer, ModelText value, bool present);
 void WriteOptionalBoolean(StepWriter& writer, std::int32_t value, bool present);
 void WriteOptionalLogical(StepWriter& writer, std::int32_t value, bool present);
 void WriteOptionalEnum(StepWriter& writer, const EnumTable& table, std::int32_t value,
@@ -64,7 +64,7 @@ void WriteOptionalEntityRefLists(StepWriter& writer, const List<EntityList>& lis
 void WriteOptionalRealList(StepWriter& writer, const List<double>& list, bool present);
 void WriteOptionalIntegerList(StepWriter& writer, const List<std::int32_t>& list, bool present);
 void WriteOptionalBinaryList(StepWriter& writer, const List<std::int32_t>& list, bool present);
-void WriteOptionalStringList(StepWriter& writer, const List<const char16_t*>& list, bool present);
+void WriteOptionalStringList(StepWriter& writer, const List<ModelText>& list, bool present);
 void WriteOptionalBooleanList(StepWriter& writer, const List<std::int32_t>& list, bool present);
 void WriteOptionalLogicalList(StepWriter& writer, const List<std::int32_t>& list, bool present);
 void WriteOptionalEnumList(StepWriter& writer, const EnumTable& table,

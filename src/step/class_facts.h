@@ -32,8 +32,8 @@ enum class ValueKind : std::uint8_t {
   kNumber,       // double, written with six significant digits; never in a list
   kInteger,      // std::int32_t
   kBinary,       // std::int32_t
-  kText,         // const char16_t*: NUL-ended, in the pool of the model
-  kGuid,         // const char*: the same; never in a list
+  kText,         // ModelText (core/model_text.h), in the pool of the model
+  kGuid,         // const char*: NUL-ended, in that pool; never in a list
   kBoolean,      // std::int32_t: 0 true, 1 false
   kLogical,      // std::int32_t: 0 true, 1 false, 2 unknown
   kEnumeration,  // std::int32_t: a number of the table that Values() gives

@@ -124,60 +124,125 @@ TEST(MemoryPool, AFirstBlockThatCannotBeHadIsToldAsWell) {
 
 TEST(MemoryPool, EqualTextsAreStoredOnce) {
   MemoryPool pool(64);
-  const char16_t* const wide = pool.InternWide(u"Basic wall");
-  const char* const narrow = pool.InternNarrow("Basic wall");
-  EXPECT_EQ(wide, pool.InternWide(WideString(u"Basic ") + u"wall"));
-  EXPECT_EQ(narrow, pool.InternNarrow(std::string("Basic ") + "wall"));
-  EXPECT_EQ(u"Basic wall", WideView(wide));
-  EXPECT_STREQ("Basic wall", narrow);
+  const ModelText text = pool.InternText(u"Basic wall");
+  const ModelText wide = pool.InternText(u"\u5EFA");
+  const char* const guid = pool.InternNarrow("Basic wall");
+  EXPECT_EQ(text.Address(), pool.InternText(WideString(u"Basic ") + u"wall").Address());
+  EXPECT_EQ(text.Address(), pool.InternText("Basic wall").Address());
+  EXPECT_EQ(wide.Address(), pool.InternText(WideString(1, u'\u5EFA')).Address());
+  EXPECT_EQ(guid, pool.InternNarrow(std::string("Basic ") + "wall"));
+  EXPECT_EQ(u"Basic wall", text.ToWide());
+  EXPECT_EQ(u"\u5EFA", wide.ToWide());
+  EXPECT_STREQ("Basic wall", guid);
 }
 
-TEST(MemoryPool, TheSameTextAsNarrowAndAsWideIsTwoEntries) {
+TEST(MemoryPool, TheSameTextAsGuidAndAsTextIsTwoEntries) {
   MemoryPool pool(64);
-  const char* const narrow = pool.InternNarrow("a");
-  const char16_t* const wide = pool.InternWide(u"a");
-  EXPECT_NE(static_cast<const void*>(narrow), static_cast<const void*>(wide));
-  // Even where the bytes agree.
-  const std::string_view bytes("a\0", 2);
-  EXPECT_NE(static_cast<const void*>(pool.InternNarrow(bytes)), static_cast<const void*>(wide));
+  const void* const guid = pool.InternNarrow("a");
+  EXPECT_NE(guid, pool.InternText(u"a").Address());
+  EXPECT_NE(guid, pool.InternText("a").Address());
+}
+
+TEST(MemoryPool, ATextTakesOneByteAUnitUnlessAUnitNeedsTwo) {
+  MemoryPool pool(64);
+  const WideString latin = {u'a', u'\u00E9', u'\u00FF', 1};
+  const ModelText plain = pool.InternText(latin);
+  EXPECT_TRUE(plain.IsPlain());
+  EXPECT_EQ("a\xE9\xFF\x01", plain.Plain());
+  EXPECT_EQ(plain.Address(), pool.InternText("a\xE9\xFF\x01").Address());
+  const ModelText wide = pool.InternText(u"a\u0100");
+  EXPECT_FALSE(wide.IsPlain());
+  EXPECT_EQ(u"a\u0100", wide.Units());
+  EXPECT_FALSE(pool.InternText(WideString(1, kRawByteBase + 0xE9)).IsPlain());
+}
+
+TEST(MemoryPool, PlainTextsAreToldByTheirAddressWhateverStandsBeforeThem) {
+  for (std::uint64_t before = 1; before < 64; ++before) {
+    for (std::size_t length = 0; length < 70; ++length) {
+      MemoryPool pool(64);
+      pool.AllocNarrow(before - 1);
+      const std::string text(length, 'x');
+      const ModelText plain = pool.InternText(text);  // a sanitizer looks at the bounds
+      const ModelText wide = pool.InternText(WideString(length, u'\u0100') + u'\u0101');
+      ASSERT_TRUE(plain.IsPlain()) << before << " bytes before " << length;
+      ASSERT_EQ(text, plain.Plain());
+      ASSERT_FALSE(wide.IsPlain()) << before << " bytes before " << length;
+      ASSERT_EQ(length + 1, wide.Units().size());
+      ASSERT_EQ(plain.Address(), pool.InternText(text).Address());
+    }
+  }
+}
+
+TEST(MemoryPool, ALongTextThatNeedsNoUnitsIsPlainToo) {
+  MemoryPool pool(64);
+  const WideString text(1'000'000, u'\u00E9');
+  const ModelText plain = pool.InternText(text);
+  EXPECT_TRUE(plain.IsPlain());
+  EXPECT_EQ(text, plain.ToWide());
+  EXPECT_EQ(plain.Address(), pool.InternText(text).Address());
 }
 
 TEST(MemoryPool, AnInternedEmptyTextIsNotTheAbsentText) {
   MemoryPool pool(64);
-  EXPECT_NE(pool.EmptyWide(), pool.InternWide(u""));
+  EXPECT_NE(pool.EmptyWide().Address(), pool.InternText(u"").Address());
   EXPECT_NE(pool.EmptyNarrow(), pool.InternNarrow(""));
-  EXPECT_EQ(pool.InternWide(u""), pool.InternWide(u""));
+  EXPECT_EQ(pool.InternText(u"").Address(), pool.InternText(u"").Address());
   EXPECT_EQ(pool.InternNarrow(""), pool.InternNarrow(""));
-  EXPECT_EQ(u'\0', *pool.EmptyWide());
-  EXPECT_EQ('\0', *pool.EmptyNarrow());
-  EXPECT_EQ(u'\0', *pool.InternWide(u""));
-  EXPECT_EQ('\0', *pool.InternNarrow(""));
+  EXPECT_EQ(u"", pool.EmptyWide().ToWide());
+  EXPECT_STREQ("", pool.EmptyNarrow());
+  EXPECT_EQ(u"", pool.InternText(u"").ToWide());
+  EXPECT_STREQ("", pool.InternNarrow(""));
 }
 
-TEST(MemoryPool, TextsThatDifferBehindAZeroAreDifferent) {
+TEST(MemoryPool, AZeroEndsATextAndWhatStandsBehindItMakesADifference) {
   MemoryPool pool(64);
   const std::string_view first("a\0b", 3);
   const std::string_view second("a\0c", 3);
-  EXPECT_NE(pool.InternNarrow(first), pool.InternNarrow(second));
-  EXPECT_NE(pool.InternNarrow(first), pool.InternNarrow("a"));
+  const char* const stored = pool.InternNarrow(first);
+  EXPECT_STREQ("a", stored);
+  EXPECT_NE(stored, pool.InternNarrow(second));
+  EXPECT_NE(stored, pool.InternNarrow("a"));
+  pool.InternText("a");
+  pool.InternText("b");
+  EXPECT_EQ(u"a", pool.InternText(first).ToWide());
+  EXPECT_NE(pool.InternText(first).Address(), pool.InternText("a").Address());
 }
 
-TEST(MemoryPool, ManyTextsKeepTheirPointersWhileTheTableGrows) {
+TEST(MemoryPool, ManyTextsKeepTheirPointersWhileTheIndexGrows) {
   MemoryPool pool(1 << 12);
   std::mt19937 random(5);
-  std::map<std::string, const char*> narrow;
-  std::map<WideString, const char16_t*> wide;
+  std::map<std::string, const char*> guids;
+  std::map<WideString, const void*> texts;
   for (int i = 0; i < 40000; ++i) {
-    std::string text(random() % 20, ' ');
-    for (char& c : text) c = static_cast<char>('a' + random() % 3);
-    const WideString wideText = Widen(text);
-    const auto [atNarrow, newNarrow] = narrow.try_emplace(text, pool.InternNarrow(text));
-    const auto [atWide, newWide] = wide.try_emplace(wideText, pool.InternWide(wideText));
-    ASSERT_EQ(atNarrow->second, pool.InternNarrow(text));
-    ASSERT_EQ(atWide->second, pool.InternWide(wideText));
+    std::string guid(random() % 20, ' ');
+    for (char& c : guid) c = static_cast<char>('a' + random() % 3);
+    WideString text = Widen(guid);
+    for (char16_t& unit : text) {
+      if (random() % 50 == 0) unit = static_cast<char16_t>(0xFE + random() % 4);
+    }
+    const auto [atGuid, newGuid] = guids.try_emplace(guid, pool.InternNarrow(guid));
+    const auto [atText, newText] = texts.try_emplace(text, pool.InternText(text).Address());
+    ASSERT_EQ(atGuid->second, pool.InternNarrow(guid));
+    const ModelText stored = pool.InternText(text);
+    ASSERT_EQ(atText->second, stored.Address());
+    ASSERT_EQ(text, stored.ToWide());
   }
-  for (const auto& [text, stored] : narrow) ASSERT_EQ(text, stored);
-  for (const auto& [text, stored] : wide) ASSERT_EQ(text, stored);
+  for (const auto& [guid, stored] : guids) ASSERT_EQ(guid, stored);
+  EXPECT_LT(pool.BlockCount(), 512u);
+}
+
+TEST(MemoryPool, BehindTheLastPlaceOnlyWhatIsKnownIsFoundAgain) {
+  MemoryPool pool(16);
+  std::map<int, const void*> stored;
+  for (int i = 0; i < 600; ++i) {
+    stored[i] = pool.InternText("text " + std::to_string(1000 + i)).Address();  // a block each
+  }
+  for (int i = 0; i < 600; ++i) {
+    const std::string text = "text " + std::to_string(1000 + i);
+    const ModelText again = pool.InternText(text);
+    ASSERT_EQ(i < 512, again.Address() == stored[i]) << i;
+    ASSERT_EQ(text, again.Plain());
+  }
 }
 
 TEST(MemoryPool, ObjectsAndArraysAreAlignedAndCountedApartFromTexts) {

@@ -127,7 +127,7 @@ class Filler {
       case ValueKind::kSelect: return FillWith<IFC::IfcEntity*>(attribute);
       case ValueKind::kReal:
       case ValueKind::kNumber: return FillWith<double>(attribute);
-      case ValueKind::kText: return FillWith<const char16_t*>(attribute);
+      case ValueKind::kText: return FillWith<ModelText>(attribute);
       case ValueKind::kGuid: return FillWith<const char*>(attribute);
       default: return FillWith<std::int32_t>(attribute);
     }
@@ -161,8 +161,8 @@ class Filler {
       return targets.empty() ? nullptr : targets[count_ % targets.size()];
     } else if constexpr (std::is_same_v<Scalar, double>) {
       return static_cast<double>(count_) + 0.5;
-    } else if constexpr (std::is_same_v<Scalar, const char16_t*>) {
-      return model_.Pool().InternWide(u"It's " + ToWide(count_));
+    } else if constexpr (std::is_same_v<Scalar, ModelText>) {
+      return model_.Pool().InternText(u"It's " + ToWide(count_));
     } else if constexpr (std::is_same_v<Scalar, const char*>) {
       return model_.Pool().InternNarrow("guid" + std::to_string(count_));
     } else {

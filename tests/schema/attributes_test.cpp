@@ -144,7 +144,7 @@ class Describer {
  public:
   void operator()(double value) { text_ += "real " + std::to_string(value).substr(0, 4) + ' '; }
   void operator()(std::int32_t value) { text_ += "number " + std::to_string(value) + ' '; }
-  void operator()(const char16_t* text) { text_ += "text " + Narrow(text) + ' '; }
+  void operator()(ModelText text) { text_ += "text " + Narrow(text.ToWide()) + ' '; }
   void operator()(const char* guid) { text_ += "guid " + std::string(guid) + ' '; }
   void operator()(const IFC::IfcEntity* entity) {
     text_ += "to " + Narrow(entity->getClassName()) + ' ';
@@ -195,7 +195,7 @@ TEST_F(TinyAttributes, ListsAreVisitedAsListsAndAbsentOnesNotAtAll) {
                              "(.OPEN.),$)"))));
 }
 
-bool Same(const char16_t* left, const char16_t* right) { return WideView(left) == right; }
+bool Same(ModelText left, ModelText right) { return left == right; }
 bool Same(const char* left, const char* right) { return std::string_view(left) == right; }
 template <class T>
 bool Same(const T& left, const T& right) {
@@ -318,10 +318,10 @@ TEST_F(TinyAttributes, ValuesOfEveryKindArePutIntoABlankObject) {
   IFC::IfcEntity* const part = Add(1, "TINYPLAINPART('p','part')");
   IFC::IfcEntity* const unit = Add(2, "TINYUNIT(.LENGTH.)");
   IFC::IfcEntity* const label = NewValue("TINYLABEL");
-  ASSERT_TRUE(One(label, "value").Set(Pool().InternWide(u"x")));
+  ASSERT_TRUE(One(label, "value").Set(Pool().InternText(u"x")));
   IFC::IfcEntity* const object = Add(3, "TINYOPTIONAL");
   EXPECT_TRUE(One(object, "GlobalId").Set(Pool().InternNarrow("g")));
-  EXPECT_TRUE(One(object, "Name").Set(Pool().InternWide(u"n")));
+  EXPECT_TRUE(One(object, "Name").Set(Pool().InternText(u"n")));
   EXPECT_TRUE(One(object, "Part").Set(part));
   EXPECT_TRUE(One(object, "Value").Set(label));
   EXPECT_TRUE(One(object, "Unit").Set(unit));
@@ -331,7 +331,7 @@ TEST_F(TinyAttributes, ValuesOfEveryKindArePutIntoABlankObject) {
   for (const char* const integer : {"Integer", "Binary"}) {
     EXPECT_TRUE(One(object, integer).Set(std::int32_t{7})) << integer;
   }
-  EXPECT_TRUE(One(object, "Text").Set(Pool().InternWide(u"six")));
+  EXPECT_TRUE(One(object, "Text").Set(Pool().InternText(u"six")));
   for (const char* const boolean : {"Boolean", "BooleanValue", "Flag", "Logical", "LogicalValue"}) {
     EXPECT_TRUE(One(object, boolean).SetEnumeration("T")) << boolean;
   }
@@ -342,7 +342,7 @@ TEST_F(TinyAttributes, ValuesOfEveryKindArePutIntoABlankObject) {
       "TINYOPTIONAL('g','n',#1,TINYLABEL('x'),#2,1.5E+00,1.5E+00,1.5,7,7,'six',.T.,.T.,.T.,.T.,.T.,"
       ".AJAR.,(1,2,3),(1.,2.))",
       Written(object));
-  EXPECT_EQ(u"six", WideView(Value<const char16_t*>(object, "Text")));
+  EXPECT_EQ(u"six", Value<ModelText>(object, "Text").ToWide());
   EXPECT_EQ("AJAR", One(object, "State").EnumerationName());
   EXPECT_EQ("T", One(object, "Logical").EnumerationName());
   EXPECT_EQ(3u, Value<List<std::int32_t>>(object, "Angle").size());
@@ -372,7 +372,7 @@ TEST_F(TinyAttributes, WhatCouldNotBeReadBackIsRefused) {
   EXPECT_FALSE(One(optional, "State").Set(std::int32_t{9}));
   EXPECT_FALSE(One(optional, "State").SetEnumeration("ajar"));
   EXPECT_FALSE(One(optional, "Integer").SetEnumeration("T"));
-  EXPECT_FALSE(One(optional, "Text").Set(static_cast<const char16_t*>(nullptr)));
+  EXPECT_FALSE(One(optional, "Text").Set(ModelText()));
   EXPECT_FALSE(One(optional, "GlobalId").Set(static_cast<const char*>(nullptr)));
   EXPECT_EQ(before, Written(optional));
   IFC::IfcEntity* const lists = Add(4, "TINYAGGREGATES('g','n',(#1))");

@@ -176,7 +176,7 @@ TEST_F(GeneratedClass, SecondReadReplacesEveryAttribute) {
   EXPECT_EQ(nullptr, object.Part);
   EXPECT_EQ(0.0, object.Real);
   EXPECT_EQ(0, object.Integer);
-  EXPECT_STREQ("", Narrow(object.Text).c_str());
+  EXPECT_EQ(u"", object.Text.ToWide());
   EXPECT_EQ(1, object.Boolean);
   EXPECT_EQ(2, object.Logical);
   EXPECT_EQ(3, object.State);

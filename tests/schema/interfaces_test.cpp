@@ -53,13 +53,13 @@ TEST_P(RootInterface, EachArgumentReplacesItsAttributeOnly) {
 
 TEST_P(RootInterface, TextsAreKeptAsPointers) {
   const char* const guid = Pool().InternNarrow("kept");
-  const char16_t* const name = Pool().InternWide(u"kept");
+  const ModelText name = Pool().InternText(u"kept");
   auto& wall = AddAs<IFC::VirtualIfcRoot>(1, "IFCWALL('guid',$,'name')");
   EXPECT_STREQ("guid", wall.getGlobalId());
-  EXPECT_EQ(u"name", WideString(wall.getName()));
+  EXPECT_EQ(u"name", wall.getName().ToWide());
   wall.setRootAttributes(guid, nullptr, name);
   EXPECT_EQ(guid, wall.getGlobalId());
-  EXPECT_EQ(name, wall.getName());
+  EXPECT_EQ(name.Address(), wall.getName().Address());
 }
 
 TEST_P(RootInterface, SetGlobalIdKeepsThePointer) {
@@ -71,7 +71,7 @@ TEST_P(RootInterface, SetGlobalIdKeepsThePointer) {
 
 TEST_P(RootInterface, NameThatIsSetIsPresent) {
   auto& wall = AddAs<IFC::VirtualIfcRoot>(1, "IFCWALL('guid',$,$)");
-  EXPECT_NE(nullptr, wall.getName());
+  EXPECT_FALSE(wall.getName().IsNull());
   wall.setRootAttributes(nullptr, nullptr, u"new");
   EXPECT_EQ(OwnerHistoryIsMandatory() ? "'guid',*,'new'" : "'guid',$,'new'",
             FirstWritten(3, &wall));
@@ -116,7 +116,7 @@ RUN_FOR_RELEASES(VoxelDataInterface, IFC4X4, IFC4X4);
 TEST_P(VoxelDataInterface, NameOfARootIsTheOneBesideItsGuid) {
   auto& voxels =
       AddAs<IFC::VirtualIfcRoot>(1, "IFCREALVOXELDATA('guid',$,'name',$,$,$,$,'own name')");
-  EXPECT_EQ(u"name", WideString(voxels.getName()));
+  EXPECT_EQ(u"name", voxels.getName().ToWide());
   voxels.setRootAttributes(nullptr, nullptr, u"new");
   EXPECT_EQ("'guid',$,'new',$,$,$,$,'own name'", FirstWritten(8, &voxels));
 }
@@ -196,12 +196,12 @@ class ProjectInterface : public EachRelease {};
 RUN_FOR_EACH_RELEASE(ProjectInterface);
 
 TEST_P(ProjectInterface, ProjectTakesTheName) {
-  const char16_t* const name = Pool().InternWide(u"new");
+  const ModelText name = Pool().InternText(u"new");
   Add(1, "IFCOWNERHISTORY");
   auto& project = AddAs<IFC::IfcProjectVirtual>(2, "IFCPROJECT('guid',#1,$,'text')");
   project.setProjectName(name);
   EXPECT_EQ("'guid',#1,'new','text'", FirstWritten(4, &project));
-  EXPECT_EQ(name, EntityCast<IFC::VirtualIfcRoot>(&project)->getName());
+  EXPECT_EQ(name.Address(), EntityCast<IFC::VirtualIfcRoot>(&project)->getName().Address());
 }
 
 TEST_P(ProjectInterface, NullLeavesTheNameOfTheProject) {

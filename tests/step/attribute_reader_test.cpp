@@ -209,35 +209,44 @@ TEST_F(AttributeReader, BinariesAreIntegersOnly) {
 // --- Texts ---------------------------------------------------------------------------------------
 
 TEST_F(AttributeReader, EqualTextsAreOnePointer) {
-  const char16_t* const first = ReadString(On("'wall'"));
-  EXPECT_EQ(u"wall"s, first);
-  EXPECT_EQ(first, ReadString(On("'wall'")));
-  EXPECT_NE(first, ReadString(On("'Wall'")));
-  EXPECT_EQ(u""s, ReadString(On("''")));
+  const ModelText first = ReadString(On("'wall'"));
+  EXPECT_EQ(u"wall", first.ToWide());
+  EXPECT_EQ(first.Address(), ReadString(On("'wall'")).Address());
+  EXPECT_NE(first.Address(), ReadString(On("'Wall'")).Address());
+  EXPECT_EQ(u"", ReadString(On("''")).ToWide());
+}
+
+TEST_F(AttributeReader, HowATextIsEscapedMakesNoDifferenceInThePool) {
+  const ModelText first = ReadString(On("'it''s a wall'"));
+  EXPECT_TRUE(first.IsPlain());
+  EXPECT_EQ(u"it's a wall", first.ToWide());
+  EXPECT_EQ(first.Address(), ReadString(On("'it\\X\\27s a wall'")).Address());
+  EXPECT_EQ(first.Address(), ReadString(On("'it\\X2\\0027\\X0\\s a wall'")).Address());
+  EXPECT_EQ(u"\u5EFA", ReadString(On("'\\X2\\5EFA\\X0\\'")).ToWide());
 }
 
 TEST_F(AttributeReader, AnAbsentTextIsTheEmptyOneOfThePool) {
   for (const std::string text : {"$", "*", ")"}) {
-    EXPECT_EQ(parser_.Pool().EmptyWide(), ReadString(On(text)));
+    EXPECT_EQ(parser_.Pool().EmptyWide().Address(), ReadString(On(text)).Address());
     EXPECT_EQ(parser_.Pool().EmptyNarrow(), ReadGuid(On(text)));
   }
   EXPECT_EQ(Texts{}, Reported());
 }
 
 TEST_F(AttributeReader, ATypedTextLeavesItsBracket) {
-  EXPECT_EQ(u"x"s, ReadString(On("IFCLABEL('x'),7")));
+  EXPECT_EQ(u"x", ReadString(On("IFCLABEL('x'),7")).ToWide());
   EXPECT_EQ((TokenList{")", "integer 7"}), Rest()) << "which then reads as an absent value";
 }
 
 TEST_F(AttributeReader, NothingElseIsAText) {
   ExpectWrongTokens({kInteger, kReal, kIdentifier, kEnumeration, kOpenBracket, kSemicolon, kEqual},
-                    "String", [](Parser& parser) { EXPECT_EQ(u""s, ReadString(parser)); });
-  ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(u""s, ReadString(parser)); });
+                    "String", [](Parser& parser) { EXPECT_EQ(u"", ReadString(parser).ToWide()); });
+  ExpectUntouchedWhenStopped([](Parser& parser) { EXPECT_EQ(u"", ReadString(parser).ToWide()); });
 }
 
 TEST_F(AttributeReader, ATypedTextThatIsNotThereIsAWrongToken) {
   AnswerNo(1);
-  EXPECT_EQ(u""s, ReadString(On("IFCLABEL(7),8")));
+  EXPECT_EQ(u"", ReadString(On("IFCLABEL(7),8")).ToWide());
   EXPECT_EQ((Texts{"0: Expected: String. Got: IntegerDataTypeToken.\n"}), Reported());
   EXPECT_EQ((TokenList{")", "integer 8"}), Rest());
 }

@@ -44,10 +44,10 @@ TEST_F(ListReader, ListsOfNumbersHoldWhatTheirElementsRead) {
 }
 
 TEST_F(ListReader, ListsOfTextsAndEnumerationsDoSoToo) {
-  List<const char16_t*> texts;
+  List<ModelText> texts;
   ReadStringList(On("('a','')"), texts);
   ASSERT_EQ(2u, texts.size());
-  EXPECT_EQ(u"a"s, texts[0]);
+  EXPECT_EQ(u"a", texts[0].ToWide());
   List<std::int32_t> numbers;
   ReadBooleanList(On("(.T.,.F.)"), numbers);
   EXPECT_EQ("0 1", Items(numbers));
@@ -65,10 +65,10 @@ TEST_F(ListReader, ADollarInAListIsTheDefaultOfTheElementAndStays) {
   List<std::int32_t> numbers;
   ReadBooleanList(On("($,.T.)"), numbers);
   EXPECT_EQ("1 0", Items(numbers));
-  List<const char16_t*> texts;
+  List<ModelText> texts;
   ReadStringList(On("($)"), texts);
   ASSERT_EQ(1u, texts.size());
-  EXPECT_EQ(u""s, texts[0]);
+  EXPECT_EQ(u"", texts[0].ToWide());
   List<List<double>> lists;
   ReadRealLists(On("((1.),$,())"), lists);
   EXPECT_EQ("(1)()()", Items(lists));

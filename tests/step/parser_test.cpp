@@ -339,8 +339,8 @@ TEST_F(ParserPasses, KeepsNothingOfAModelWithoutSpecialClasses) {
 TEST_F(ParserPasses, EqualTextsOfAModelAreOnePointer) {
   Model model("#1=IFCWALL('g',$,'wall',$,$,$,$,$,$);#2=IFCWALL('h',$,'wall',$,$,$,$,$,$);");
   ExpectRead(model);
-  EXPECT_EQ(model.As<IFC::VirtualIfcRoot>(1)->getName(),
-            model.As<IFC::VirtualIfcRoot>(2)->getName());
+  EXPECT_EQ(model.As<IFC::VirtualIfcRoot>(1)->getName().Address(),
+            model.As<IFC::VirtualIfcRoot>(2)->getName().Address());
 }
 
 TEST_F(ParserPasses, ASecondDocumentIsReadUnderTheSameNumbers) {

@@ -23,11 +23,7 @@ using test::ScannerOn;
 using test::TokenList;
 using test::Visible;
 
-std::string Quoted(std::string_view text) {
-  WideString wide;
-  WidenPlainText(text, wide);
-  return "'" + Visible(wide) + "'";
-}
+std::string Quoted(std::string_view text) { return "'" + Visible(Widen(text)) + "'"; }
 
 // The next token and what else the scanner tells, numbers with and without a point alike.
 std::string Shown(const Token& token) {

@@ -28,7 +28,10 @@ class ValueWriter : public testing::Test {
   }
   std::string Text(const WideString& text) {
     writer_.WriteText(text.c_str());
-    return Written();
+    const std::string written = Written();
+    writer_.WriteText(pool_.InternText(text));  // in bytes where it can be
+    EXPECT_EQ(written, Written());
+    return written;
   }
   std::string Ref(const IFC::IfcEntity* entity) {
     writer_.WriteEntityRef(entity);
@@ -110,6 +113,17 @@ TEST_F(ValueWriter, LongTextsOfEscapesComeWhole) {
     for (std::size_t i = 0; i < length; ++i) expected += "\\X2\\00E4\\X0\\";
     EXPECT_TRUE(expected + "'," == Text(WideString(length, u'\u00E4'))) << length;
     EXPECT_TRUE("'" + std::string(length, 'x') + "'," == Text(WideString(length, u'x'))) << length;
+  }
+}
+
+TEST_F(ValueWriter, EachUnitIsWrittenAlikeAtEachPlaceOfAText) {
+  for (char16_t unit = 1; unit < 300; ++unit) {
+    const std::string alone = Text(WideString(1, unit));
+    for (std::size_t before = 0; before < 17; ++before) {
+      ASSERT_EQ("'" + std::string(before, 'x') + alone.substr(1, alone.size() - 3) + "yyyyyyyyy',",
+                Text(WideString(before, u'x') + unit + WideString(9, u'y')))
+          << before << " before " << static_cast<int>(unit);
+    }
   }
 }
 
@@ -228,7 +242,7 @@ TEST_F(ValueWriter, AListOfValuesHasNoCommaBehindItsLast) {
   EXPECT_EQ("(1,-2),", Written());
   writer_.WriteBinaryList(ListOf<std::int32_t>({0, 101}));
   EXPECT_EQ("(0,101),", Written());
-  writer_.WriteStringList(ListOf<const char16_t*>({u"a", u"", u"it's"}));
+  writer_.WriteStringList(ListOf<ModelText>({u"a", u"", u"it's"}));
   EXPECT_EQ("('a','','it''s'),", Written());
   writer_.WriteBooleanList(ListOf<std::int32_t>({0, 1}));
   EXPECT_EQ("(.T.,.F.),", Written());

@@ -39,16 +39,16 @@ class GraphNode : public virtual IFC::IfcEntity {
 class GraphRoot : public GraphNode, public virtual IFC::VirtualIfcRoot {
  public:
   void setRootAttributes(const char* globalId, IFC::IfcEntity* /*ownerHistory*/,
-                         const char16_t* newName) override {
+                         corvel::ModelText newName) override {
     if (globalId != nullptr) guid = globalId;
-    if (newName != nullptr) name = newName;
+    if (!newName.IsNull()) name = newName;
   }
   const char* getGlobalId() const override { return guid; }
   void setGlobalId(const char* globalId) override { guid = globalId; }
-  const char16_t* getName() const override { return name; }
+  corvel::ModelText getName() const override { return name; }
 
   const char* guid = "";
-  const char16_t* name = u"";
+  corvel::ModelText name = u"";
 };
 
 class GraphAssigns : public GraphRoot, public virtual IFC::VIfcRelAssigns {};

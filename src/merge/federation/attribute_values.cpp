@@ -15,8 +15,8 @@ const T* ValueOf(const IFC::IfcEntity& entity, std::string_view attribute) {
 }  // namespace
 
 WideString TextOf(const IFC::IfcEntity& entity, std::string_view attribute) {
-  const auto* const text = ValueOf<const char16_t*>(entity, attribute);
-  return text == nullptr ? WideString() : WideString(*text);
+  const auto* const text = ValueOf<ModelText>(entity, attribute);
+  return text == nullptr ? WideString() : text->ToWide();
 }
 
 IFC::IfcEntity* ReferenceOf(const IFC::IfcEntity& entity, std::string_view attribute) {

@@ -73,9 +73,7 @@ class Comparison {
   }
   bool SameHeld(double here, double there) const { return std::abs(here - there) <= tolerance_; }
   static bool SameHeld(std::int32_t here, std::int32_t there) { return here == there; }
-  static bool SameHeld(const char16_t* here, const char16_t* there) {
-    return WideView(here) == WideView(there);
-  }
+  static bool SameHeld(ModelText here, ModelText there) { return here == there; }
   static bool SameHeld(const char* here, const char* there) {
     return std::string_view(here) == there;
   }

@@ -57,7 +57,7 @@ class Stamp {
     if (IFC::IfcEntity* const history = OwnerHistoryOf(input)) {
       SetAttribute(*made, "OwnerHistory", history);
     }
-    if (!name.empty()) SetAttribute<const char16_t*>(*made, "Name", pool.InternWide(name));
+    if (!name.empty()) SetAttribute(*made, "Name", pool.InternText(name));
     return made;
   }
 

@@ -57,12 +57,12 @@ def _product_bindings():
     return {
         'IfcRoot': [Binding('IFC::VirtualIfcRoot', (
             Method('void setRootAttributes(const char* globalId, IFC::IfcEntity* ownerHistory, '
-                   'const char16_t* name)',
+                   'corvel::ModelText name)',
                    'IFC::implement::SetRootAttributes<IfcOwnerHistory>(*this, globalId, '
                    'ownerHistory, name);'),
             Method('const char* getGlobalId() const', 'return GlobalId;'),
             Method('void setGlobalId(const char* globalId)', 'GlobalId = globalId;'),
-            Method('const char16_t* getName() const', 'return Name;'),
+            Method('corvel::ModelText getName() const', 'return Name;'),
         ))],
         'IfcProduct': [Binding('IFC::VirtualIfcProduct', (
             Method('IFC::IfcEntity* getObjectPlacement() const',
@@ -71,7 +71,7 @@ def _product_bindings():
                    'return IFC::implement::ProductRootPlacement<IfcLocalPlacement>(*this, pool);'),
         ))],
         'IfcProject': [Binding('IFC::IfcProjectVirtual', (
-            Method('void setProjectName(const char16_t* name)',
+            Method('void setProjectName(corvel::ModelText name)',
                    'IFC::implement::SetName<IfcRoot>(*this, name);'),
         ))],
         'IfcSite': [Binding('IFC::IfcSiteVirtual', (
@@ -96,8 +96,8 @@ def _cloned_with_list(name, attribute):
 
 
 _NAMED_PROPERTY = Binding('IFC::VIfcProperty', (
-    Method('corvel::WideString getPropertyName() const', 'return Name;'),
-    Method('void setPropertyName(const char16_t* name)', 'Name = name;'),
+    Method('corvel::WideString getPropertyName() const', 'return Name.ToWide();'),
+    Method('void setPropertyName(corvel::ModelText name)', 'Name = name;'),
 ))
 
 _SET_NEW_SI_UNIT = Method(
@@ -123,7 +123,7 @@ def _property_bindings():
     return {
         'IfcProperty': [_NOT_CLONED, _NAMED_PROPERTY],
         'IfcPropertySingleValue': [_CLONED, Binding('IFC::VIfcPropertySingleValue', (
-            _set_nominal_value('setNominalValueText', 'const char16_t* text', 'IfcIdentifier',
+            _set_nominal_value('setNominalValueText', 'corvel::ModelText text', 'IfcIdentifier',
                                'text'),
             _set_nominal_value('setNominalValueBoolean', 'bool value', 'IfcBoolean',
                                'IFC::implement::BooleanRow(value)'),
@@ -221,8 +221,8 @@ def _unit_bindings():
                    'IFC::implement::SetPrefix(*this, prefix);'),
         ))],
         'IfcConversionBasedUnit': [Binding('IFC::VIfcConversionBasedUnit', (
-            Method('corvel::WideString getUnitName() const', 'return Name;'),
-            Method('IFC::IfcEntity* setConversion(const char16_t* name, double factor, '
+            Method('corvel::WideString getUnitName() const', 'return Name.ToWide();'),
+            Method('IFC::IfcEntity* setConversion(corvel::ModelText name, double factor, '
                    'IFC::VIfcNamedUnit* unit, corvel::MemoryPool& pool)',
                    'return IFC::implement::SetConversion<IfcReal, IfcMeasureWithUnit>('
                    '*this, name, factor, unit, pool);'),

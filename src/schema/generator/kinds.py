@@ -17,7 +17,7 @@ SCALARS = {
     'count': ('double', '0.0'),          # read as a real, written with six digits
     'integer': ('std::int32_t', '0'),
     'binary': ('std::int32_t', '0'),
-    'text': ('const char16_t*', 'corvel::kEmptyWide'),
+    'text': ('corvel::ModelText', 'corvel::kEmptyWide'),
     'guid': ('const char*', 'corvel::kEmptyNarrow'),
     'boolean': ('std::int32_t', '1'),    # false
     'logical': ('std::int32_t', '2'),    # unknown

@@ -10,15 +10,15 @@ namespace IFC::implement {
 
 // `Root` is IfcRoot itself, also where a subtype calls: a subtype may declare a `Name` of its own.
 template <class Root>
-void SetName(Root& root, const char16_t* name) {
-  if (name == nullptr) return;
+void SetName(Root& root, corvel::ModelText name) {
+  if (name.IsNull()) return;
   root.Name = name;
   if constexpr (requires { root.NamePresent; }) root.NamePresent = true;
 }
 
 template <class OwnerHistory, class Root>
 void SetRootAttributes(Root& root, const char* globalId, IfcEntity* ownerHistory,
-                       const char16_t* name) {
+                       corvel::ModelText name) {
   if (globalId != nullptr) root.GlobalId = globalId;
   // An OwnerHistoryPresent is left alone: the interface promises that.
   if (ownerHistory != nullptr) root.OwnerHistory = Admitted<OwnerHistory>(ownerHistory);

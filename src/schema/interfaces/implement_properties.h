@@ -84,7 +84,7 @@ IfcEntity* RemoveByName(corvel::EntityList& members, corvel::WideView name) {
   for (std::size_t i = 0; i < members.size(); ++i) {
     IfcEntity* const entity = members[i];
     const auto* const member = corvel::EntityCast<Member>(entity);
-    if (member != nullptr && member->Name == name) {
+    if (member != nullptr && member->Name.ToWide() == name) {
       members.Erase(i);
       return entity;
     }

@@ -27,7 +27,7 @@ void SetPrefix(SIUnit& unit, std::optional<std::int32_t> prefix) {
 }
 
 template <class Real, class MeasureWithUnit, class ConversionBasedUnit>
-IfcEntity* SetConversion(ConversionBasedUnit& conversion, const char16_t* name, double factor,
+IfcEntity* SetConversion(ConversionBasedUnit& conversion, corvel::ModelText name, double factor,
                          VIfcNamedUnit* unit, corvel::MemoryPool& pool) {
   auto* const measure = pool.New<MeasureWithUnit>();
   measure->ValueComponent = NewInlineValue<Real>(factor, pool);

@@ -30,7 +30,7 @@ class VirtualIfcProduct : public virtual IfcEntity {
 class IfcProjectVirtual : public virtual IfcEntity {
  public:
   // As the name of VirtualIfcRoot::setRootAttributes: null leaves the name as it is.
-  virtual void setProjectName(const char16_t* name) = 0;
+  virtual void setProjectName(corvel::ModelText name) = 0;
 
  protected:
   ~IfcProjectVirtual() = default;

@@ -34,7 +34,7 @@ class Prototype : public virtual IfcEntity {
 class VIfcProperty : public virtual Prototype {
  public:
   virtual corvel::WideString getPropertyName() const = 0;
-  virtual void setPropertyName(const char16_t* name) = 0;
+  virtual void setPropertyName(corvel::ModelText name) = 0;
 
  protected:
   ~VIfcProperty() = default;
@@ -45,7 +45,7 @@ class VIfcPropertySingleValue : public virtual VIfcProperty {
  public:
   // The next three replace the value by a new inline IfcIdentifier, IfcBoolean or IfcReal and give
   // true.
-  virtual bool setNominalValueText(const char16_t* text, corvel::MemoryPool& pool) = 0;
+  virtual bool setNominalValueText(corvel::ModelText text, corvel::MemoryPool& pool) = 0;
   virtual bool setNominalValueBoolean(bool value, corvel::MemoryPool& pool) = 0;
   virtual bool setNominalValueReal(double value, corvel::MemoryPool& pool) = 0;
   // Makes an IfcSIUnit the unit of the value and gives it back. The numbers are rows of

@@ -53,7 +53,7 @@ class VIfcConversionBasedUnit : public virtual IfcEntity {
   virtual corvel::WideString getUnitName() const = 0;
   // Names the unit and makes it `factor` times `unit`. Gives the new IfcMeasureWithUnit back. The
   // text lives in the model's pool and is not null.
-  virtual IfcEntity* setConversion(const char16_t* name, double factor, VIfcNamedUnit* unit,
+  virtual IfcEntity* setConversion(corvel::ModelText name, double factor, VIfcNamedUnit* unit,
                                    corvel::MemoryPool& pool) = 0;
 
  protected:

@@ -106,7 +106,7 @@ namespace {
 CarriedValue* NewCarriedValue(std::string_view shown, const CarriedText& text, MemoryPool& pool) {
   auto* const value = pool.New<CarriedValue>();
   value->text = text;
-  value->shown = pool.InternWide(Widen(shown));
+  value->shown = pool.InternText(shown);
   return value;
 }
 

@@ -24,7 +24,7 @@ class CarriedValue final : public IFC::IfcSimpleType, public IFC::CarriedEntity 
   void writeWhole(StepWriter& writer) const override;
 
   CarriedText text;
-  const char16_t* shown = nullptr;  // the text, with the numbers as they were read
+  ModelText shown;  // the text, with the numbers as they were read
 };
 
 // Makes a value of `text`; it belongs to `pool`.

@@ -363,13 +363,10 @@ std::int32_t ReadBinary(Parser& parser) {
   return 0;
 }
 
-const char16_t* ReadString(Parser& parser) {
+ModelText ReadString(Parser& parser) {
   if (parser.IsStopped()) return kEmptyWide;
   Scanner& scanner = *parser.scanner;
-  if (std::string_view plain; scanner.TakeString(plain)) {
-    WidenPlainText(plain, parser.plainText);
-    return parser.Pool().InternWide(parser.plainText);
-  }
+  if (std::string_view plain; scanner.TakeString(plain)) return parser.Pool().InternText(plain);
   if (IsAbsent(parser)) return parser.Pool().EmptyWide();
   // `IFCLABEL('x')` in the place of a string: its ")" stays, and reads as an absent value.
   if (scanner.PeekToken()->Is(TokenType::EntityNameToken)) {
@@ -380,7 +377,7 @@ const char16_t* ReadString(Parser& parser) {
   if (scanner.PeekToken()->Is(TokenType::WstringToken)) {
     // What stands behind a NUL would not be written.
     if (scanner.PeekToken()->wide.find(u'\0') != WideString::npos) RaiseMisfit(parser);
-    return parser.Pool().InternWide(scanner.NextToken()->wide);
+    return parser.Pool().InternText(scanner.NextToken()->wide);
   }
   RejectToken(parser, u"String");
   return parser.Pool().EmptyWide();
@@ -474,7 +471,7 @@ void ReadBinaryList(Parser& parser, List<std::int32_t>& list) {
   ReadValueList(parser, list, ReadBinary);
 }
 
-void ReadStringList(Parser& parser, List<const char16_t*>& list) {
+void ReadStringList(Parser& parser, List<ModelText>& list) {
   ReadValueList(parser, list, ReadString);
 }
 

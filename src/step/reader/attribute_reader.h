@@ -24,11 +24,11 @@ bool IsAbsent(Parser& parser);
 bool IsListEnd(Parser& parser);
 
 // --- Scalars -----------------------------------------------------------------------------------
-double ReadReal(Parser& parser);             // absent: 0.0
-std::int32_t ReadInteger(Parser& parser);    // absent: 0; saturates to 32 bits
-std::int32_t ReadBinary(Parser& parser);     // absent: 0; takes integer tokens only
-const char16_t* ReadString(Parser& parser);  // interned; absent: the empty text
-const char* ReadGuid(Parser& parser);        // interned; absent: the empty text
+double ReadReal(Parser& parser);           // absent: 0.0
+std::int32_t ReadInteger(Parser& parser);  // absent: 0; saturates to 32 bits
+std::int32_t ReadBinary(Parser& parser);   // absent: 0; takes integer tokens only
+ModelText ReadString(Parser& parser);      // interned; absent: the empty text
+const char* ReadGuid(Parser& parser);      // interned; absent: the empty text
 // The next three have no absent form: `$` is a wrong token for them.
 std::int32_t ReadBoolean(Parser& parser);  // 0 true, 1 false; 1 on a wrong token
 std::int32_t ReadLogical(Parser& parser);  // 0 true, 1 false, 2 unknown; 2 on a wrong token
@@ -51,7 +51,7 @@ void ReadEntityRefLists(Parser& parser, ClassTest& admitted, List<EntityList>& l
 void ReadRealList(Parser& parser, List<double>& list);
 void ReadIntegerList(Parser& parser, List<std::int32_t>& list);
 void ReadBinaryList(Parser& parser, List<std::int32_t>& list);
-void ReadStringList(Parser& parser, List<const char16_t*>& list);
+void ReadStringList(Parser& parser, List<ModelText>& list);
 void ReadBooleanList(Parser& parser, List<std::int32_t>& list);
 void ReadLogicalList(Parser& parser, List<std::int32_t>& list);
 void ReadEnumList(Parser& parser, const EnumTable& table, List<std::int32_t>& list);

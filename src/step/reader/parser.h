@@ -100,8 +100,6 @@ class Parser {
   CarryingState carrying;
   // Set by the attribute readers when a referenced number is not filed yet.
   bool forwardReference = false;
-  // A string on its way from the input into the pool.
-  WideString plainText;
   // How many typed values the current one stands in.
   unsigned valueDepth = 0;
   const FactoryTable* factories = nullptr;            // null until SelectSchema
@@ -171,7 +169,7 @@ class Parser {
   void TellMisfits();
 
   std::tuple<std::vector<IFC::IfcEntity*>, std::vector<double>, std::vector<std::int32_t>,
-             std::vector<const char16_t*>, std::vector<EntityList>, std::vector<List<double>>,
+             std::vector<ModelText>, std::vector<EntityList>, std::vector<List<double>>,
              std::vector<List<std::int32_t>>>
       scratch_;
   SkippedInput skipped_;  // by the first pass

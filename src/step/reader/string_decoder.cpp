@@ -209,11 +209,6 @@ const char* EndOfPlainText(const char* at, const char* end) {
   return at;
 }
 
-void WidenPlainText(std::string_view bytes, WideString& text) {
-  text.resize(bytes.size());
-  std::copy(bytes.begin(), bytes.end(), text.begin());
-}
-
 bool DecodeString(FileStream::InputStream& stream, WideString& text) {
   return Decoder<true>(stream, &text).Run();
 }

@@ -17,7 +17,5 @@ bool SkipString(FileStream::InputStream& stream);
 
 // The first byte of [`at`, `end`) that is a quote, a "\\" or no ASCII; `end` when there is none.
 const char* EndOfPlainText(const char* at, const char* end);
-// Replaces `text` by these ASCII bytes.
-void WidenPlainText(std::string_view bytes, WideString& text);
 
 }  // namespace corvel

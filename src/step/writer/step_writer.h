@@ -61,9 +61,9 @@ class StepWriter {
   // --- Values ----------------------------------------------------------------------------------
   // All of these, and WriteEntityLine, throw std::runtime_error when the stream cannot write. Texts
   // and lists are borrowed for the call.
-  void WriteText(const char16_t* text);  // 'text', encoded, up to the NUL
-  void WriteGuid(const char* guid);      // as WriteText, each byte a character
-  void WriteReal(double value);          // 3., 2.5E-05,
+  void WriteText(ModelText text);    // 'text', encoded, up to the NUL
+  void WriteGuid(const char* guid);  // as WriteText, each byte a character
+  void WriteReal(double value);      // 3., 2.5E-05,
   void WriteInteger(std::int32_t value);
   void WriteCount(double value);  // six significant digits, no forced point: 3, 1e+06,
   void WriteBinaryValue(std::int32_t value);
@@ -81,7 +81,7 @@ class StepWriter {
   void WriteRealList(const List<double>& list);
   void WriteIntegerList(const List<std::int32_t>& list);
   void WriteBinaryList(const List<std::int32_t>& list);
-  void WriteStringList(const List<const char16_t*>& list);
+  void WriteStringList(const List<ModelText>& list);
   void WriteBooleanList(const List<std::int32_t>& list);
   void WriteLogicalList(const List<std::int32_t>& list);
   void WriteEnumList(const EnumTable& table, const List<std::int32_t>& list);
@@ -100,6 +100,7 @@ class StepWriter {
  private:
   template <class Item, class WriteItem>
   void WriteGroup(const List<Item>& list, WriteItem writeItem);
+  void WritePlain(std::string_view text);
   void WriteUnits(WideView text);
   void WriteRefNumber(std::uint32_t number);
   void WriteCall(const IFC::IfcEntity& entity);

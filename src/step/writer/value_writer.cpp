@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/entity_cast.h"
+#include "step/numbers/byte_runs.h"
 #include "step/numbers/number_text.h"
 #include "step/writer/step_writer.h"
 
@@ -40,6 +41,34 @@ char* PutUnit(char16_t unit, char16_t before, char* to) {
     return to;
   }
   return PutEscaped(unit, to);
+}
+
+// Eight bytes at once: not 0 when one of them does not stand for itself in the file.
+std::uint64_t AnyEncoded(std::uint64_t word) {
+  using bytes::All;
+  const std::uint64_t quotes = word ^ All('\'');
+  const std::uint64_t slashes = word ^ All('\\');
+  return (word | (word - All(' ')) | (word + All(1)) | (quotes - All(1)) | (slashes - All(1))) &
+         All(0x80);
+}
+
+// Bytes that are the units of their value, so none of them a raw one.
+char* PutPlain(std::string_view text, char* to) {
+  constexpr std::size_t kAtOnce = sizeof(std::uint64_t);
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at != end) {
+    if (static_cast<std::size_t>(end - at) >= kAtOnce) {
+      if (AnyEncoded(bytes::EightAt(at)) == 0) {
+        std::memcpy(to, at, kAtOnce);
+        at += kAtOnce;
+        to += kAtOnce;
+        continue;
+      }
+    }
+    to = PutUnit(static_cast<unsigned char>(*at++), 0, to);
+  }
+  return to;
 }
 
 // "IFCWALL(" of a class. Copied whole, which needs no call.
@@ -94,6 +123,17 @@ void StepWriter::Put(std::string_view bytes) {
   stream_->Advance(bytes.size());
 }
 
+void StepWriter::WritePlain(std::string_view text) {
+  PutSigns(*stream_, "'");
+  while (!text.empty()) {
+    const auto piece = text.substr(0, kUnitsAtOnce);
+    char* const begin = stream_->Reserve(FileStream::OutpoutStream::kMaxReserve);
+    stream_->Advance(static_cast<std::size_t>(PutPlain(piece, begin) - begin));
+    text.remove_prefix(piece.size());
+  }
+  PutSigns(*stream_, "',");
+}
+
 void StepWriter::WriteUnits(WideView text) {
   PutSigns(*stream_, "'");
   char16_t before = 0;
@@ -111,20 +151,15 @@ void StepWriter::WriteUnits(WideView text) {
   PutSigns(*stream_, "',");
 }
 
-void StepWriter::WriteText(const char16_t* text) { WriteUnits(text); }
-
-void StepWriter::WriteGuid(const char* guid) {
-  // One for each root object, so without an allocation. A GUID has 22 characters.
-  std::array<char16_t, 64> units;
-  const std::string_view text = guid;
-  if (text.size() > units.size()) {
-    WriteUnits(Widen(text));
-    return;
+void StepWriter::WriteText(ModelText text) {
+  if (text.IsPlain()) {
+    WritePlain(text.Plain());
+  } else {
+    WriteUnits(text.Units());
   }
-  std::transform(text.begin(), text.end(), units.begin(),
-                 [](char c) { return static_cast<unsigned char>(c); });
-  WriteUnits({units.data(), text.size()});
 }
+
+void StepWriter::WriteGuid(const char* guid) { WritePlain(guid); }
 
 void StepWriter::WriteReal(double value) {
   char* const begin = stream_->Reserve(kNumberRoom + 1);
@@ -245,8 +280,8 @@ void StepWriter::WriteBinaryList(const List<std::int32_t>& list) {
   WriteGroup(list, [this](std::int32_t value) { WriteBinaryValue(value); });
 }
 
-void StepWriter::WriteStringList(const List<const char16_t*>& list) {
-  WriteGroup(list, [this](const char16_t* text) { WriteText(text); });
+void StepWriter::WriteStringList(const List<ModelText>& list) {
+  WriteGroup(list, [this](ModelText text) { WriteText(text); });
 }
 
 void StepWriter::WriteBooleanList(const List<std::int32_t>& list) {

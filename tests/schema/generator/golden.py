@@ -18,7 +18,7 @@ GOLDEN = os.path.join(HERE, 'golden', 'TINY')
 BINDINGS = {
     'TinyPlainPart': [
         Binding('IFC::IfcProjectVirtual', (
-            Method('void setProjectName(const char16_t* name)', 'Name = name;'),)),
+            Method('void setProjectName(corvel::ModelText name)', 'Name = name;'),)),
         Binding('IFC::VIfcMonetaryUnit'),
     ],
     'TinyUnit': [Binding('IFC::IfcUnit')],

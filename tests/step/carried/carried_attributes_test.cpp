@@ -52,7 +52,7 @@ TEST_F(CarriedAttributes, AnotherValueTakesThePlaceOfWhatIsCarried) {
   test::ReadModel model = test::ReadTolerantly(
       "#1=IFCWALL('g',.ME.,5,$,$,$,$,(2),.CURTAIN.);\n#2=IFCSIUNIT(*,.WARPUNIT.,$,7);\n"
       "#3=IFCSPHERE(*,'five');\n");
-  EXPECT_TRUE(Of(model[1], "Name").Set(u"W"));
+  EXPECT_TRUE(Of(model[1], "Name").Set(ModelText(u"W")));
   EXPECT_TRUE(Of(model[1], "Tag").Clear());
   EXPECT_TRUE(Of(model[1], "PredefinedType").SetEnumeration("SOLIDWALL"));
   EXPECT_EQ("#1=IFCWALL('g',.ME.,'W',$,$,$,$,$,.SOLIDWALL.);", model.Line(1));
@@ -84,7 +84,7 @@ TEST_F(CarriedAttributes, ARecordThatNobodyKnowsHasItsArguments) {
   EXPECT_EQ(model[2], *attributes[1].As<IFC::IfcEntity*>());
   IFC::IfcEntity* const list = *attributes.Find("argument 3")->As<IFC::IfcEntity*>();
   EXPECT_EQ(State::kAbsent, attributes[3].State());
-  EXPECT_EQ(u"(#2,1.50)", WideView(*Of(list, "text").As<const char16_t*>()));
+  EXPECT_EQ(u"(#2,1.50)", Of(list, "text").As<ModelText>()->ToWide());
   EXPECT_EQ(0u, AttributesOf(*model[2]).size());
   EXPECT_STREQ("IFCEXTRA", AttributesOf(*model[2]).Facts().name);
 }
@@ -95,7 +95,7 @@ TEST_F(CarriedAttributes, ARecordOfAnotherReleaseHasTheAttributesOfItsClass) {
       "#2=IFCLOCALPLACEMENT($,$);\n#3=IFCOWNERHISTORY($,$,$,.ADDED.,$,$,$,0);\n",
       "IFC2X3");
   EXPECT_EQ(u"IfcShadingDevice", WideView(model[1]->getClassName()));
-  EXPECT_EQ(u"Blind", WideView(*Of(model[1], "Name").As<const char16_t*>()));
+  EXPECT_EQ(u"Blind", Of(model[1], "Name").As<ModelText>()->ToWide());
   EXPECT_EQ("JALOUSIE", Of(model[1], "PredefinedType").EnumerationName());
   EXPECT_EQ(model[2], *Of(model[1], "ObjectPlacement").As<IFC::IfcEntity*>());
   const auto* const root = model.As<IFC::VirtualIfcRoot>(1);

@@ -26,8 +26,8 @@ class TinyAggregates : public TinyPart {
   corvel::List<std::int32_t> OptionalIntegers;
   corvel::List<corvel::List<std::int32_t>> Triangles;
   corvel::List<corvel::List<std::int32_t>> OptionalTriangles;
-  corvel::List<const char16_t*> Texts;
-  corvel::List<const char16_t*> OptionalTexts;
+  corvel::List<corvel::ModelText> Texts;
+  corvel::List<corvel::ModelText> OptionalTexts;
   corvel::List<std::int32_t> Pixels;
   corvel::List<std::int32_t> OptionalPixels;
   corvel::List<std::int32_t> Booleans;
@@ -63,9 +63,9 @@ class TinyMandatory : public TinyPart {
   double Real = 0.0;
   double Length = 0.0;
   double Number = 0.0;
-  const char16_t* Text = corvel::kEmptyWide;
-  const char16_t* Label = corvel::kEmptyWide;
-  const char16_t* Alignment = corvel::kEmptyWide;
+  corvel::ModelText Text = corvel::kEmptyWide;
+  corvel::ModelText Label = corvel::kEmptyWide;
+  corvel::ModelText Alignment = corvel::kEmptyWide;
   corvel::List<std::int32_t> Angle;
   corvel::List<double> Colour;
   IFC::IfcEntity* Style = nullptr;

@@ -18,7 +18,7 @@ class TinyOptional : public TinyPart {
   double Real = 0.0;
   double Length = 0.0;
   double Number = 0.0;
-  const char16_t* Text = corvel::kEmptyWide;
+  corvel::ModelText Text = corvel::kEmptyWide;
   corvel::List<std::int32_t> Angle;
   corvel::List<double> Colour;
   std::int32_t Integer = 0;
@@ -59,13 +59,13 @@ class TinyPlainPart
  public:
   CORVEL_CONSTRUCTOR TinyPlainPart() noexcept {}
   const char16_t* getClassName() const override;
-  void setProjectName(const char16_t* name) override;
+  void setProjectName(corvel::ModelText name) override;
 };
 
 class TinyStyle : public virtual IFC::IfcComplexType, public TinyStyleSelect {
  public:
   CORVEL_CONSTRUCTOR TinyStyle() noexcept {}
-  const char16_t* Name = corvel::kEmptyWide;
+  corvel::ModelText Name = corvel::kEmptyWide;
   bool NamePresent = false;
   const char16_t* getClassName() const override;
   void read(corvel::Parser& parser) override;

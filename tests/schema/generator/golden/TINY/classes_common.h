@@ -14,7 +14,7 @@ class TinyRoot : public virtual IFC::IfcComplexType {
  public:
   CORVEL_CONSTRUCTOR TinyRoot() noexcept {}
   const char* GlobalId = corvel::kEmptyNarrow;
-  const char16_t* Name = corvel::kEmptyWide;
+  corvel::ModelText Name = corvel::kEmptyWide;
   const char16_t* getClassName() const override;
   void read(corvel::Parser& parser) override;
   void write(corvel::StepWriter& writer) const override;

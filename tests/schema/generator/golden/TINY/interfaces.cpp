@@ -5,7 +5,7 @@
 
 namespace TINY {
 
-void TinyPlainPart::setProjectName(const char16_t* name) {
+void TinyPlainPart::setProjectName(corvel::ModelText name) {
   Name = name;
 }
 

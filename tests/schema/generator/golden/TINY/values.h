@@ -63,7 +63,7 @@ class TinyInteger : public virtual IFC::IfcSimpleType, public TinyValue {
 class TinyLabel : public virtual IFC::IfcSimpleType, public TinyValue {
  public:
   CORVEL_CONSTRUCTOR TinyLabel() noexcept {}
-  const char16_t* value = corvel::kEmptyWide;
+  corvel::ModelText value = corvel::kEmptyWide;
   const char16_t* getClassName() const override;
   void read(corvel::Parser& parser) override;
   void write(corvel::StepWriter& writer) const override;
