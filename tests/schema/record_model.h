@@ -29,15 +29,9 @@ struct Release {
 // The releases from `first` to `last` that are in this build: a developer's build leaves some out.
 inline std::vector<Release> ReleasesBuilt(SchemaNamespace first, SchemaNamespace last) {
   constexpr Release kAll[] = {
-      {SchemaNamespace::IFC2X_FINAL, "IFC2X_FINAL"},
-      {SchemaNamespace::IFC2X2_PLATFORM, "IFC2X2_PLATFORM"},
-      {SchemaNamespace::IFC2X2_FINAL, "IFC2X2_FINAL"},
-      {SchemaNamespace::IFC2X3, "IFC2X3"},
-      {SchemaNamespace::IFC4, "IFC4"},
-      {SchemaNamespace::IFC4X1, "IFC4X1"},
-      {SchemaNamespace::IFC4X2, "IFC4X2"},
-      {SchemaNamespace::IFC4X3_ADD2, "IFC4X3_ADD2"},
-      {SchemaNamespace::IFC4X4, "IFC4X4"},
+#define CORVEL_RELEASE(name) {SchemaNamespace::name, #name},
+#include "step/releases.inc"
+#undef CORVEL_RELEASE
   };
   std::vector<Release> built;
   for (const Release& release : kAll) {

@@ -3,6 +3,7 @@
 import glob
 import json
 import os
+import re
 import sys
 import unittest
 
@@ -13,8 +14,10 @@ import program  # noqa: E402  (from the folder above, as all of these)
 import schema_facts  # noqa: E402
 import step_text  # noqa: E402
 
-RELEASES = ('IFC2X_FINAL', 'IFC2X2_PLATFORM', 'IFC2X2_FINAL', 'IFC2X3', 'IFC4', 'IFC4X1', 'IFC4X2',
-            'IFC4X3_ADD2', 'IFC4X4')
+_LIST = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', '..', 'src', 'step',
+                     'releases.inc')
+with open(_LIST, encoding='ascii') as _file:
+    RELEASES = re.findall(r'^CORVEL_RELEASE\((\w+)\)', _file.read(), re.MULTILINE)
 
 HOUSE = ("#2=IFCSITE('s',$,'Site',$,$,$,$,$,$,$,$,$,$,$);",
          "#3=IFCBUILDING('b',$,'B\\X2\\00FC\\X0\\ro',$,$,$,$,$,$,$,$,$);",
