@@ -18,10 +18,44 @@ using Mistake = std::optional<std::string>;
 // Nothing for an option without "=".
 using Value = std::optional<std::string_view>;
 
-Mistake TakeTolerant(const Value& value, FederationOptions& options) {
+Mistake TurnOn(const Value& value, bool& option) {
   if (value) return "takes no value";
-  options.tolerant = true;
+  option = true;
   return {};
+}
+
+Mistake TakeEither(const Value& value, std::string_view usual, std::string_view other,
+                   bool& isOther) {
+  isOther = value == other;
+  if (isOther || value == usual) return {};
+  return "takes '" + std::string(usual) + "' or '" + std::string(other) + "'";
+}
+
+Mistake TakeTolerant(const Value& value, FederationOptions& options) {
+  return TurnOn(value, options.tolerant);
+}
+
+Mistake TakeContexts(const Value& value, FederationOptions& options) {
+  return TakeEither(value, "keep", "join", options.steps.joinContexts);
+}
+
+Mistake TakeGuids(const Value& value, FederationOptions& options) {
+  bool renew = false;
+  const Mistake mistake = TakeEither(value, "keep", "renew", renew);
+  options.steps.guids = renew ? GuidHandling::kRenew : GuidHandling::kKeep;
+  return mistake;
+}
+
+Mistake TakeHeader(const Value& value, FederationOptions& options) {
+  return TakeEither(value, "told", "new", options.steps.newHeader);
+}
+
+Mistake TakePrune(const Value& value, FederationOptions& options) {
+  return TurnOn(value, options.steps.prune);
+}
+
+Mistake TakeStamp(const Value& value, FederationOptions& options) {
+  return TurnOn(value, options.steps.stamp);
 }
 
 struct FileOption {
@@ -30,7 +64,10 @@ struct FileOption {
   Mistake (*take)(const Value& value, FederationOptions& options);
 };
 
-constexpr FileOption kOptions[] = {{"tolerant", TakeTolerant}};
+// As on the command line.
+constexpr FileOption kOptions[] = {{"tolerant", TakeTolerant}, {"contexts", TakeContexts},
+                                   {"guids", TakeGuids},       {"header", TakeHeader},
+                                   {"prune", TakePrune},       {"stamp", TakeStamp}};
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";

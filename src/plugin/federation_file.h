@@ -4,12 +4,14 @@
 #include <optional>
 
 #include "core/text.h"
+#include "merge/federation/choices.h"
 
 namespace corvel::plugin {
 
 // All of it is off where there is no such file.
 struct FederationOptions {
   bool tolerant = false;  // whatever a model holds that its release does not take is carried
+  FederationChoices steps{};
 };
 
 // Reads the file at `path` into `options`, which are as they are made when there is none. It has

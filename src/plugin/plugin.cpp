@@ -180,6 +180,7 @@ MergeOptions Plugin::RunOptions() const {
   if (overridden_) return *overridden_;
   MergeOptions now = options_ == nullptr ? MergeOptions() : options_->options;
   now.tolerant = federation_.tolerant;
+  now.federation = federation_.steps;
   return now;
 }
 

@@ -54,6 +54,25 @@ TEST_F(FederationFile, TheFirstMistakeIsToldWithItsLine) {
   EXPECT_EQ(", line 1: there is no option 'Tolerant'.", Mistake("Tolerant"));
 }
 
+TEST_F(FederationFile, HasTheStepsOfTheCommandLine) {
+  EXPECT_EQ("", Mistake("contexts = join\nguids=renew\nheader = new\nprune\nstamp # all\n"));
+  EXPECT_TRUE(options_.steps.joinContexts);
+  EXPECT_EQ(GuidHandling::kRenew, options_.steps.guids);
+  EXPECT_TRUE(options_.steps.newHeader);
+  EXPECT_TRUE(options_.steps.prune);
+  EXPECT_TRUE(options_.steps.stamp);
+  EXPECT_EQ("", Mistake("contexts = keep\nguids = keep\nheader = told\n"));
+  EXPECT_FALSE(options_.steps.ChangeModel());
+  EXPECT_FALSE(options_.steps.newHeader);
+}
+
+TEST_F(FederationFile, AStepTakesItsOwnWords) {
+  EXPECT_EQ(", line 1: 'contexts' takes 'keep' or 'join'.", Mistake("contexts"));
+  EXPECT_EQ(", line 1: 'guids' takes 'keep' or 'renew'.", Mistake("guids = Renew"));
+  EXPECT_EQ(", line 1: 'header' takes 'told' or 'new'.", Mistake("header ="));
+  EXPECT_EQ(", line 1: 'prune' takes no value.", Mistake("prune = yes"));
+}
+
 namespace {
 
 class FederatedRun : public testing::Test {
@@ -93,6 +112,16 @@ TEST_F(FederatedRun, ATolerantRunMergesWhatDoesNotFit) {
   EXPECT_NE(std::string::npos, out.find("=IFCNEWTHING('n',#")) << out;
   EXPECT_FALSE(host_.user.Has("config.txt") &&
                host_.user.Read("config.txt").find("tolerant") != std::string::npos);
+}
+
+TEST_F(FederatedRun, StepsOfTheFileAreTaken) {
+  host_.user.Write("federation.txt", "tolerant\nguids = renew\n");
+  Run();
+  EXPECT_TRUE(Plugin::Instance()->LastRun().written);
+  const std::string out = folder_.Read("out.ifc");
+  const std::size_t first = out.find("=IFCRELAGGREGATES('r',");
+  EXPECT_NE(std::string::npos, first) << out;
+  EXPECT_EQ(std::string::npos, out.find("=IFCRELAGGREGATES('r',", first + 1));
 }
 
 TEST_F(FederatedRun, AMistakeIsToldAndNothingIsRead) {
