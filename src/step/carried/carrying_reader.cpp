@@ -98,11 +98,6 @@ struct Joined {
   }
 };
 
-bool IsAtEndOfArguments(Scanner& scanner) {
-  const char sign = scanner.PeekSign();
-  return sign == ')' || (sign == '\0' && scanner.PeekToken()->Is(TokenType::CloseBracketToken));
-}
-
 template <class Item>
 std::span<Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
   if (items.empty()) return {};
@@ -115,15 +110,15 @@ std::span<Item> Keep(const std::vector<Item>& items, MemoryPool& pool) {
 
 // --- The record at hand --------------------------------------------------------------------------
 
+bool CarryingReader::IsCarried(const IFC::IfcEntity& entity) {
+  return entity.carries && (dynamic_cast<const IFC::CarriedEntity*>(&entity) != nullptr ||
+                            CarriedTable::Find(entity) != nullptr);
+}
+
 IFC::IfcEntity* CarryingReader::Read(IFC::IfcEntity& entity) {
-  // An object with the flag alone holds all of its record.
-  const bool wasCarried =
-      entity.carries && (dynamic_cast<IFC::CarriedEntity*>(&entity) != nullptr ||
-                         CarriedTable::Find(entity) != nullptr);
-  if (!wasCarried && Fits(entity)) return &entity;
   const std::string text = TakeRecord();
   const RecordText record = CutRecord(text);
-  return wasCarried ? ReadAgain(entity, record) : ReadText(entity, record);
+  return IsCarried(entity) ? ReadAgain(entity, record) : ReadText(entity, record);
 }
 
 IFC::IfcEntity* CarryingReader::ReadUnknown(std::uint32_t number) {
@@ -139,7 +134,7 @@ bool CarryingReader::Fits(IFC::IfcEntity& entity) {
   parser_.carrying.object = &entity;
   try {
     entity.read(parser_);
-    return IsAtEndOfArguments(*parser_.scanner) || parser_.IsStopped();
+    return parser_.scanner->PeekSign() == ')' && !parser_.scanner->IsStopped();
   } catch (const MisfitInRecord&) {
     parser_.ClearScratch();
     return false;
@@ -207,7 +202,7 @@ bool CarryingReader::ReadMended(IFC::IfcEntity& entity, const ClassFacts& facts,
                                                          : PlaceHolder(facts.Attribute(i)));
     }
     const Borrowed borrowed(parser_, joined.text + ");", *parser_.factories);
-    if (Fits(entity) && !parser_.scanner->IsStopped()) break;
+    if (Fits(entity)) break;
     const std::size_t at = joined.ArgumentAt(parser_.scanner->Stream()->Position());
     if (at >= count || at >= record.arguments.size() || isMisfit[at]) return false;
     isMisfit[at] = true;
@@ -306,7 +301,7 @@ bool CarryingReader::ReadBy(const FactoryTable& release, IFC::IfcEntity& entity,
   for (const std::string_view argument : record.arguments) joined.Add(argument);
   {
     const Borrowed borrowed(parser_, joined.text + ");", release);
-    if (!Fits(entity) || parser_.scanner->IsStopped()) return false;
+    if (!Fits(entity)) return false;
   }
   parser_.mainContainer->Carried().Set(
       entity, {.argumentCount = static_cast<std::uint32_t>(record.arguments.size()),

@@ -37,9 +37,12 @@ class CarryingReader {
   // Borrows `parser`, whose reading is tolerant.
   explicit CarryingReader(Parser& parser) : parser_(parser) {}
 
-  // Behind the opening bracket of a record: reads the attributes of `entity`, and otherwise carries
-  // what does not fit. Leaves the closing bracket, or the ";" behind it. Gives the object of the
-  // record: `entity`, or what has to stand in its place.
+  // Whether the object holds its record as text, or some of it.
+  static bool IsCarried(const IFC::IfcEntity& entity);
+
+  // Within a record that did not fit, or whose object is carried: reads the attributes of `entity`,
+  // and carries what does not fit. Leaves the ";". Gives the object of the record: `entity`, or
+  // what has to stand in its place.
   IFC::IfcEntity* Read(IFC::IfcEntity& entity);
   // As Read, behind the name of a class that the release lacks.
   IFC::IfcEntity* ReadUnknown(std::uint32_t number);

@@ -184,9 +184,13 @@ bool Parser::ReadFirstPart() {
 
 // The number of the next record. False at the end of the input.
 bool Parser::FindRecord(std::uint32_t& number) {
-  if (tolerance != nullptr) return FindRecordTolerantly(number);
   scanner->StartStatement();
-  if (!scanner->TakeIdentifier(number)) {
+  const bool isNumber = scanner->TakeIdentifier(number);
+  if (tolerance != nullptr) {
+    const bool isPlain = isNumber && scanner->Argument() == 1 && number != 0;
+    return (isPlain && scanner->PeekSign() == '=') || FindRecordTolerantly(number);
+  }
+  if (!isNumber) {
     if (!borders_.FindRecord(*scanner, number)) return false;
   } else if (scanner->Argument() != 1) {
     borders_.NoteCommas(*scanner);
@@ -217,7 +221,7 @@ TokenType Parser::TakeToken(std::uint32_t& number) {
 
 // False ends the pass.
 bool Parser::ReadRecord(std::uint32_t number) {
-  if (tolerance != nullptr && mainContainer->HasEntityWithOrginalNumber(number)) {
+  if (tolerance != nullptr && HasRecord(number)) {
     PutAside(number);
     return true;
   }
@@ -230,7 +234,7 @@ bool Parser::ReadRecord(std::uint32_t number) {
     return false;
   }
   const bool filed = FileEntity(entity, number);
-  TakeRestOfRecord();
+  if (tolerance == nullptr) TakeRestOfRecord();
   const std::uint32_t marker = entity->marker;
   if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
   IfcLog& log = IfcLog::Instance();
@@ -280,7 +284,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
 IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {
   WideString message;
   try {
-    if (tolerance != nullptr) return CarryingReader(*this).Read(*entity);
+    if (tolerance != nullptr) return ReadArgumentsTolerantly(entity);
     entity->read(*this);
     return entity;
   } catch (const MisfitInRecord&) {

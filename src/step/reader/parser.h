@@ -160,7 +160,9 @@ class Parser {
   void StartTolerantReading();
   void ReadHeadTolerantly();
   bool FindRecordTolerantly(std::uint32_t& number);
+  bool HasRecord(std::uint32_t number);
   void EnterRecordTolerantly(std::uint32_t number);
+  IFC::IfcEntity* ReadArgumentsTolerantly(IFC::IfcEntity* entity);
   IFC::IfcEntity* ReadEntityTolerantly(std::uint32_t number);
   bool TakeCloseBrackets();
   void MendRecord();

@@ -35,12 +35,8 @@ void Parser::ReadHeadTolerantly() {
   scanner->ReadTolerantly(true);
 }
 
+// What is no record at the first look.
 bool Parser::FindRecordTolerantly(std::uint32_t& number) {
-  scanner->StartStatement();
-  if (scanner->TakeIdentifier(number) && scanner->Argument() == 1 && number != 0 &&
-      scanner->PeekSign() == '=') {
-    return true;
-  }
   scanner->Rewind(0);
   for (;;) {
     switch (tolerant_->borders.FindRecord(*scanner, number)) {
@@ -51,25 +47,59 @@ bool Parser::FindRecordTolerantly(std::uint32_t& number) {
   }
 }
 
+// Whether an earlier record has the number. Most files count upwards.
+bool Parser::HasRecord(std::uint32_t number) {
+  std::uint32_t& highest = tolerant_->highest;
+  if (number <= highest) return mainContainer->HasEntityWithOrginalNumber(number);
+  highest = number;
+  return false;
+}
+
 void Parser::EnterRecordTolerantly(std::uint32_t number) {
   tolerant_->number = number;
   tolerant_->start = scanner->Stream()->StatementSize();
   tolerant_->isMended = false;
 }
 
-// What the strict way does not get through is mended, and read the same way again.
+// Behind the record. What the strict way does not get through is mended, and read the same way
+// again.
 IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
   EnterRecordTolerantly(number);
-  for (const bool mends : {false, true}) {
+  for (bool mends = false;; mends = true) {
     try {
       if (mends) MendRecord();
       IFC::IfcEntity* const entity = ReadNewEntity(number);
-      if (entity == nullptr || IsStopped() || TakeCloseBrackets()) return entity;
+      scanner->TakeSign(')');
+      if (scanner->TakeSemicolon()) [[likely]]
+        return entity;
+      if (entity == nullptr || IsStopped()) return entity;
+      if (TakeCloseBrackets()) {
+        TakeRestOfRecord();
+        return entity;
+      }
+    } catch (const MisfitInRecord&) {
+      ClearScratch();
+    }
+    if (mends) return nullptr;
+  }
+}
+
+// What fits costs no more than in a strict reading, but for a look at its end.
+IFC::IfcEntity* Parser::ReadArgumentsTolerantly(IFC::IfcEntity* entity) {
+  carrying.object = entity;
+  if (!entity->carries || !CarryingReader::IsCarried(*entity)) [[likely]] {
+    try {
+      entity->read(*this);
+      const char sign = scanner->PeekSign();
+      if (sign == ')') [[likely]]
+        return entity;
+      const bool isBracket = sign == '\0' && scanner->PeekToken()->Is(TokenType::CloseBracketToken);
+      if (isBracket || IsStopped()) return entity;
     } catch (const MisfitInRecord&) {
       ClearScratch();
     }
   }
-  return nullptr;
+  return CarryingReader(*this).Read(*entity);
 }
 
 // Also those too many. True before a ";".

@@ -27,6 +27,8 @@ struct TolerantReading {
   TolerantBorders borders;
   std::vector<PutAside> putAside;
 
+  std::uint32_t highest = 0;  // of the numbers so far
+
   // Of the record at hand.
   std::uint32_t number = 0;
   std::size_t start = 0;  // in the statement text, behind the number
