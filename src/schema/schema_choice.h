@@ -15,7 +15,7 @@ struct SchemaChoice {
 
 // For tolerant readings. Letter case and blanks around count for nothing; a draft or an addendum
 // that nobody knows goes to the release that has most of the classes in the first megabyte of the
-// file, of several to the one whose name is nearest. Always one of this build's; nothing is
+// file, of several to the one whose name it begins with. Always one of this build's; nothing is
 // reported.
 SchemaChoice ChooseSchemaTolerantly(const WideString& identifier, const WideString& path);
 
