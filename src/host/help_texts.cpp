@@ -119,7 +119,9 @@ Options:
 )help";
 
 constexpr char16_t kModelOptions[] =
-    uR"help(  --ignore-enum-errors    replace enumeration values that the release does
+    uR"help(  --tolerant              open every model: what does not fit its release is
+                          carried as it stands, and told once a kind and class
+  --ignore-enum-errors    replace enumeration values that the release does
                           not know, and log that, instead of asking whether
                           to stop
   --quiet                 no progress bars and no word about success; reports
@@ -183,8 +185,9 @@ Exit status:
        the like; nothing was written
   4    OUT was written, but something was reported. Everything that goes to
        the log as a report counts, also what is not shown, such as
-       "IFC4X3_ADD2 is used instead" or a replaced enumeration value. The log
-       is kept, and its path is told.
+       "IFC4X3_ADD2 is used instead" or a replaced enumeration value, and
+       whatever --tolerant had to carry or to pass over. The log is kept, and
+       its path is told.
   130  interrupted a second time, nothing was written
 
 )help";
@@ -220,6 +223,8 @@ record without a class name as "(nameless)".
 
 Options:
   --json                  for programs, see below
+  --tolerant              look into a spoilt file as merge and resave take it
+                          with this option
   -h, --help              this text
   --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
   --user-folder DIR, --work-folder DIR
@@ -276,6 +281,8 @@ further in; the depth then stands in front of them, as in "[33]".
 
 Options:
   --json                  for programs, see below
+  --tolerant              look into a spoilt file as merge and resave take it
+                          with this option
   -h, --help              this text
   --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
   --user-folder DIR, --work-folder DIR

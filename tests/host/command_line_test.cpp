@@ -289,8 +289,8 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
        {Command::kMerge, Command::kResave, Command::kInfo, Command::kTree}) {
     const std::string help = ToUtf8(HelpOf(command));
     for (const char* const word :
-         {"Usage:", "--ignore-enum-errors", "--quiet", "--answer yes|no", "-h, --help",
-          "Exit status:", "Examples:", "  0   ", "  1   ", "  2   "}) {
+         {"Usage:", "--tolerant", "--ignore-enum-errors", "--quiet", "--answer yes|no",
+          "-h, --help", "Exit status:", "Examples:", "  0   ", "  1   ", "  2   "}) {
       EXPECT_NE(std::string::npos, help.find(word)) << word;
     }
   }
