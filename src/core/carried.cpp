@@ -48,6 +48,13 @@ const CarriedParts* CarriedTable::Find(const IFC::IfcEntity& holder) {
   return found == AllParts().end() ? nullptr : &found->second;
 }
 
+bool IsOfNoClassOfModel(const IFC::IfcEntity& entity) {
+  if (!entity.carries || entity.inlineValue) return false;
+  if (dynamic_cast<const IFC::CarriedEntity*>(&entity) != nullptr) return true;
+  const CarriedParts* const parts = CarriedTable::Find(entity);
+  return parts != nullptr && parts->byOtherRelease;
+}
+
 bool CarriesLiveObject(const IFC::IfcEntity& holder) {
   const CarriedParts* const parts = CarriedTable::Find(holder);
   return parts != nullptr &&

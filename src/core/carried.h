@@ -60,6 +60,10 @@ class CarriedTable {
   std::vector<const IFC::IfcEntity*> holders_;
 };
 
+// Whether the object is of none of the classes of its model's release: text, or read by another
+// one. Whatever refers to it does so on purpose.
+bool IsOfNoClassOfModel(const IFC::IfcEntity& entity);
+
 // Whether something that is not marked as deleted is referred to by what `holder` carries.
 bool CarriesLiveObject(const IFC::IfcEntity& holder);
 

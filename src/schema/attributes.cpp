@@ -145,7 +145,7 @@ const CarriedArgument* FindCarried(const IFC::IfcEntity& holder, const Attribute
 // An object of another release than its model's admits nothing that is in the model.
 bool LeadsToMisfit(const IFC::IfcEntity& holder, const IFC::IfcEntity* target,
                    const AttributeFacts& facts) {
-  if (target == nullptr || facts.Admits(target)) return false;
+  if (target == nullptr || facts.Admits(target) || IsOfNoClassOfModel(*target)) return false;
   const CarriedParts* const parts = CarriedTable::Find(holder);
   const bool isOfAnotherRelease = parts != nullptr && parts->byOtherRelease;
   return !isOfAnotherRelease || target->inlineValue;

@@ -48,6 +48,17 @@ TEST_F(CarriedAttributes, AReferenceThatIsNotAdmittedIsAbsent) {
   EXPECT_EQ("#3=IFCRELAGGREGATES('g',$,$,$,#2,(#1));", model.Line(3));
 }
 
+TEST_F(CarriedAttributes, AReferenceToAnObjectOfNoClassIsThere) {
+  test::ReadModel model = test::ReadTolerantly(
+      "#1=IFCWALL('g',.ME.,$,$,$,#2,$,$,$);\n#2=IFCNEWPLACEMENT();\n#3=IFCNEWOWNER();\n"
+      "#4=IFCWALL('h',#3,$,$,$,$,$,$,$);\n");
+  EXPECT_EQ(model[2], *Of(model[1], "ObjectPlacement").As<IFC::IfcEntity*>());
+  EXPECT_EQ(model[3], *Of(model[4], "OwnerHistory").As<IFC::IfcEntity*>());
+  for (const std::string& message : Messages()) {
+    EXPECT_EQ(std::string::npos, message.find("A reference")) << message;
+  }
+}
+
 TEST_F(CarriedAttributes, AnotherValueTakesThePlaceOfWhatIsCarried) {
   test::ReadModel model = test::ReadTolerantly(
       "#1=IFCWALL('g',.ME.,5,$,$,$,$,(2),.CURTAIN.);\n#2=IFCSIUNIT(*,.WARPUNIT.,$,7);\n"
