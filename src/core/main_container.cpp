@@ -96,40 +96,43 @@ MainContainer::~MainContainer() = default;
 
 bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number) {
   if (entity == nullptr) return false;
-  if (originalEntities.Contains(number)) {
+  if (!originalEntities.Add(number, entity)) {
     ShowBox(u"AddEntityByOrginalNumber method error: Entity with marker: " + ToWide(number) +
             u" already exists.");
     return false;
   }
-  originalEntities.Set(number, entity);
   guidsAreIndexed_ = false;
   AddEntity(entity);
   return true;
 }
 
-// A clash is resolved once only. The counter itself never comes further than one above the largest
-// number: what it would count to next are the reserved values, and 0.
-bool MainContainer::ChooseMarker(IfcEntity* entity) {
+// Under its own number, or the next one of all containers. The counter itself never comes further
+// than one above the largest number: what it would count to next are the reserved values, and 0.
+bool MainContainer::File(IfcEntity* entity) {
   if (entity->marker != kUnfiled) {
     uniqueMarker = std::max(uniqueMarker, entity->marker);
   } else if (uniqueMarker > largestNumber) {
-    return TakeSmallestFree(entity);
+    return FileUnderSmallestFree(entity);
   } else {
     entity->SetMarker(uniqueMarker);
     ++uniqueMarker;
   }
-  if (!entities.Contains(entity->marker)) return true;
-  if (uniqueMarker >= largestNumber) return TakeSmallestFree(entity);
-  ++uniqueMarker;
-  entity->SetMarker(uniqueMarker);
-  return !entities.Contains(entity->marker);
+  return entities.Add(entity->marker, entity) || FileAfterClash(entity);
 }
 
-bool MainContainer::TakeSmallestFree(IfcEntity* entity) {
+// A clash is resolved once only.
+bool MainContainer::FileAfterClash(IfcEntity* entity) {
+  if (uniqueMarker >= largestNumber) return FileUnderSmallestFree(entity);
+  ++uniqueMarker;
+  entity->SetMarker(uniqueMarker);
+  return entities.Add(entity->marker, entity);
+}
+
+bool MainContainer::FileUnderSmallestFree(IfcEntity* entity) {
   const std::uint32_t number = entities.SmallestFree();
   if (number <= largestNumber) {
     entity->SetMarker(number);
-    return true;
+    return entities.Add(number, entity);
   }
   // Said once: every object that follows would say the same.
   if (!hasRunOutOfNumbers_) {
@@ -143,12 +146,11 @@ bool MainContainer::TakeSmallestFree(IfcEntity* entity) {
 }
 
 void MainContainer::AddEntity(IfcEntity* entity) {
-  if (!ChooseMarker(entity)) {
+  if (!File(entity)) {
     if (hasRunOutOfNumbers_) return;
     ShowBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker));
     return;
   }
-  entities.Set(entity->marker, entity);
   NoteChangedReferences();
   SortIntoList(entity);
 }

@@ -171,8 +171,9 @@ class MainContainer {
   std::vector<IfcEntity*> relAssociatesStyle;
 
  private:
-  bool ChooseMarker(IfcEntity* entity);
-  bool TakeSmallestFree(IfcEntity* entity);
+  bool File(IfcEntity* entity);
+  bool FileAfterClash(IfcEntity* entity);
+  bool FileUnderSmallestFree(IfcEntity* entity);
   void SortIntoList(IfcEntity* entity);
   void NoteProject(IfcEntity* entity);
   bool TickOverEntities(const ParentsTicks& ticks);

@@ -46,6 +46,20 @@ class NumberTable {
     if (slot == nullptr) ++size_;
     slot = entity;
   }
+  // As Set, for a number that is not in use. False: it is, and nothing has changed.
+  bool Add(std::uint32_t number, IFC::IfcEntity* entity) {
+    Leaf* const leaf = LeafOf(number);
+    if (leaf == nullptr || !leaf->IsDense()) {
+      if (FindAmongFew(number) != nullptr) return false;
+      SetAmongFew(number, entity);
+      return true;
+    }
+    IFC::IfcEntity*& slot = leaf->Slots()[LowOf(number)];
+    if (slot != nullptr) return false;
+    slot = entity;
+    ++size_;
+    return true;
+  }
   // False when the number was not in use. The entity itself stays: the table owns none.
   bool Remove(std::uint32_t number);
   void Clear();

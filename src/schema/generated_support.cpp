@@ -2,14 +2,23 @@
 
 #include <algorithm>
 
+#include "step/reader/parser.h"
+
 namespace corvel {
 
 namespace {
 
+// !IsAbsent: mostly a look is enough.
+bool IsPresent(Parser& parser) {
+  if (parser.StandsAtValue()) return true;
+  if (!parser.IsStopped() && parser.scanner->TakeSign('$')) return false;
+  return !IsAbsent(parser);
+}
+
 // A list that is absent is emptied: `read` replaces whatever an earlier pass left.
 template <class Item, class ReadList>
 void ReadOptionalList(Parser& parser, List<Item>& list, bool& present, ReadList readList) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   if (present) {
     readList();
   } else {
@@ -37,42 +46,42 @@ void CollectReferencesOfValue(IFC::ChildQueue& queue, const IFC::IfcEntity* valu
 
 void ReadOptionalEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*& value,
                            bool& present) {
-  value = IsAbsent(parser) ? nullptr : ReadEntityRef(parser, admitted);
+  value = IsPresent(parser) ? ReadEntityRef(parser, admitted) : nullptr;
   present = value != nullptr;
 }
 
 void ReadOptionalReal(Parser& parser, double& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadReal(parser) : 0.0;
 }
 
 void ReadOptionalInteger(Parser& parser, std::int32_t& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadInteger(parser) : 0;
 }
 
 void ReadOptionalBinary(Parser& parser, std::int32_t& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadBinary(parser) : 0;
 }
 
 void ReadOptionalString(Parser& parser, ModelText& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadString(parser) : kEmptyWide;
 }
 
 void ReadOptionalBoolean(Parser& parser, std::int32_t& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadBoolean(parser) : kBooleanDataType.Fallback();
 }
 
 void ReadOptionalLogical(Parser& parser, std::int32_t& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadLogical(parser) : kLogicalDataType.Fallback();
 }
 
 void ReadOptionalEnum(Parser& parser, const EnumTable& table, std::int32_t& value, bool& present) {
-  present = !IsAbsent(parser);
+  present = IsPresent(parser);
   value = present ? ReadEnum(parser, table) : table.Fallback();
 }
 

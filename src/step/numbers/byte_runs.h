@@ -63,6 +63,12 @@ inline DigitRun DigitsAt(const char* at) {
   return {static_cast<std::uint32_t>(digits), count};
 }
 
+// How many of the eight bytes at `at` stand before the first `sign`.
+inline unsigned BytesBefore(char sign, const char* at) {
+  const std::uint64_t word = bytes::EightAt(at) ^ bytes::All(static_cast<unsigned char>(sign));
+  return bytes::BytesBefore((word - bytes::All(1)) & ~word & bytes::All(0x80));
+}
+
 // How many of the eight bytes at `at` are letters and digits, up to the first that is not.
 inline unsigned LettersAndDigitsAt(const char* at) {
   const std::uint64_t word = bytes::EightAt(at);

@@ -23,12 +23,6 @@ bool Ends(const Token& token) {
          token.Is(TokenType::EndOfFileToken);
 }
 
-// The first byte of a token that is neither an absent value nor the end of anything.
-bool StartsValue(char sign) {
-  return IsOfKind(sign, kLetterByte | kDigitByte) || sign == '#' || sign == '\'' || sign == '(' ||
-         sign == '-' || sign == '.';
-}
-
 // A tolerant reading looks at the record as text from here on.
 void RaiseMisfit(const Parser& parser) {
   if (parser.tolerance != nullptr) throw MisfitInRecord();
@@ -232,7 +226,7 @@ void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
   std::vector<Item>& gathered = parser.Scratch<Item>();
   const std::size_t base = gathered.size();
   std::size_t seen = 0;
-  for (; !IsListEnd(parser); ++seen) readItem(gathered);
+  for (; parser.StandsAtValue() || !IsListEnd(parser); ++seen) readItem(gathered);
   if (!scanner.TakeSign(')')) {
     if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) {
       scanner.NextToken();
@@ -291,7 +285,7 @@ bool EndsEarly(const Parser& parser) {
 bool IsAbsent(Parser& parser) {
   if (parser.IsStopped()) return false;
   const char sign = parser.scanner->PeekSign();
-  if (StartsValue(sign)) return false;
+  if (IsOfKind(sign, kValueByte)) return false;
   if (sign == '$' || sign == '*') return parser.scanner->TakeSign(sign);
   if (sign == ')') return EndsEarly(parser);
   const TokenType type = parser.scanner->PeekToken()->getType();
@@ -305,7 +299,7 @@ bool IsAbsent(Parser& parser) {
 bool IsListEnd(Parser& parser) {
   if (parser.IsStopped()) return true;
   const char sign = parser.scanner->PeekSign();
-  if (StartsValue(sign)) return false;
+  if (IsOfKind(sign, kValueByte)) return false;
   // Looking ahead may have stopped the scanner.
   return sign == ')' || Ends(*parser.scanner->PeekToken()) || parser.IsStopped();
 }

@@ -15,6 +15,8 @@ inline constexpr std::uint8_t kBlankByte = 4;  // white space, and "_", which va
 inline constexpr std::uint8_t kCommaByte = 8;
 inline constexpr std::uint8_t kNumberByte = 16;  // what numbers with a point are made of
 
+inline constexpr std::uint8_t kValueByte = 32;  // the first of a value that is there
+
 inline constexpr std::string_view kCommentStart = "/*";
 inline constexpr char kLastByte = '\xFF';  // outside of strings and comments it ends the input
 
@@ -27,6 +29,11 @@ inline constexpr std::array<std::uint8_t, 256> kByteKinds = [] {
   for (unsigned c = 9; c <= 13; ++c) kinds[c] = kBlankByte;
   kinds[' '] = kinds['_'] = kBlankByte;
   kinds[','] = kCommaByte;
+  for (std::uint8_t& kind : kinds) {
+    if ((kind & (kLetterByte | kDigitByte)) != 0) kind |= kValueByte;
+  }
+  for (const char c : {'#', '\'', '(', '-', '.'})
+    kinds[static_cast<unsigned char>(c)] |= kValueByte;
   return kinds;
 }();
 

@@ -23,6 +23,10 @@ constexpr std::size_t kPoolBlockSize = 0xA00000;
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
 constexpr double kSecondShare = 5.0;                  // percent of the run, for all files
 
+// Lines of each record, whose lengths are not to be counted each time.
+constexpr WideView kSavingLine = u"SaveLineFSI";
+constexpr WideView kAssigning = u"AssignSpecIE.";
+
 // Also what lies behind a byte that ends the input: only a whole archive can be checked.
 bool CameWhole(FileStream::InputStream& stream) {
   do {
@@ -238,10 +242,10 @@ bool Parser::ReadRecord(std::uint32_t number) {
   const std::uint32_t marker = entity->marker;
   if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
   IfcLog& log = IfcLog::Instance();
-  log.LogText(u"SaveLineFSI");
+  log.LogText(kSavingLine);
   if (filed) {
     SaveForSecondPass();
-    log.LogText(u"AssignSpecIE.");
+    log.LogText(kAssigning);
     AssignSpecIE(entity);
   }
   forwardReference = false;
@@ -258,6 +262,13 @@ bool Parser::ReadRecord(std::uint32_t number) {
 
 IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   TakeEqualSign();
+  // The name of a class in front of a bracket needs no other look.
+  const std::string_view call = scanner->PeekCall();
+  row_ = factories->FindRow(call);
+  if (row_ != nullptr) {
+    scanner->TakeCall(call);
+    return ReadArguments(MakeEntity(marker));
+  }
   std::string_view name;
   if (!scanner->TakeClassName(name)) {
     const Token* const token = scanner->NextToken();
@@ -275,10 +286,15 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
     showError("", u"Entity named: " + Widen(name) + u" not found.", kReportShow);
     return nullptr;
   }
-  IFC::IfcEntity* const entity = row_->create(Pool());
-  entity->SetMarker(marker);
+  IFC::IfcEntity* const entity = MakeEntity(marker);
   TakeOpenBracket();
   return ReadArguments(entity);
+}
+
+IFC::IfcEntity* Parser::MakeEntity(std::uint32_t marker) {
+  IFC::IfcEntity* const entity = row_->create(Pool());
+  entity->SetMarker(marker);
+  return entity;
 }
 
 IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {

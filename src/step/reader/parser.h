@@ -63,9 +63,11 @@ class Parser {
 
   // Failed, cancelled, or the scanner has been stopped: every reader returns at once.
   bool IsStopped() const {
-    return state == ParserState::kFailed || state == ParserState::kCancelled ||
-           (scanner != nullptr && scanner->IsStopped());
+    return state >= ParserState::kFailed || (scanner != nullptr && scanner->IsStopped());
   }
+  // A look tells that the next token is neither an absent value nor the end of anything. False: it
+  // may be one all the same.
+  bool StandsAtValue() const { return !IsStopped() && IsOfKind(scanner->PeekSign(), kValueByte); }
   // A reader gives up: asks whether to stop (unless nobody is to be asked, or the input has ended
   // anyway) and stops the scanner. True when the cancellation went ahead.
   bool Cancel();
@@ -139,6 +141,7 @@ class Parser {
   TokenType TakeToken(std::uint32_t& number);
   bool ReadRecord(std::uint32_t number);
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
+  IFC::IfcEntity* MakeEntity(std::uint32_t marker);
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
   void FailRecord(std::uint32_t marker);
   bool CheckResources();

@@ -30,14 +30,7 @@ bool StartsNumber(char sign) { return IsDigit(sign) || sign == '-'; }
 
 }  // namespace
 
-bool Scanner::TakeSemicolon() {
-  if (!TakeSign(';')) return false;
-  argument_ = 0;
-  afterSemicolon_ = true;
-  return true;
-}
-
-bool Scanner::TakeIdentifier(std::uint32_t& number) {
+bool Scanner::TakeAnyIdentifier(std::uint32_t& number) {
   if (PeekSign() != '#') return false;
   const char* const begin = stream_->Cursor() + 1;
   const char* const end = stream_->WindowEnd();
@@ -49,7 +42,7 @@ bool Scanner::TakeIdentifier(std::uint32_t& number) {
   return true;
 }
 
-bool Scanner::TakeNumber(double& value) {
+bool Scanner::TakeAnyNumber(double& value) {
   if (!StartsNumber(PeekSign())) return false;
   const char* const begin = stream_->Cursor();
   const char* const end = stream_->WindowEnd();
@@ -106,6 +99,8 @@ bool Scanner::TakeClassName(std::string_view& name) {
   const char* const begin = stream_->Cursor();
   const char* const end = stream_->WindowEnd();
   const char* at = begin;
+  unsigned run = kRunRoom;
+  while (run == kRunRoom && end - at > kRunRoom) at += run = LettersAndDigitsAt(at);
   while (at != end && IsOfKind(*at, kLetterByte | kDigitByte)) ++at;
   // An underscore vanishes from a name, which then is no piece of the window.
   if (at == end || *at == '_' || !Between(begin, at).starts_with("IFC")) return false;

@@ -99,6 +99,12 @@ class Scanner {
   // A word that begins with "IFC".
   bool TakeClassName(std::string_view& name);
 
+  // What stands between the next token and a "(" in the window. Empty: that takes more than a look.
+  // Nothing but blanks and commas before the token is taken.
+  std::string_view PeekCall();
+  // Takes what PeekCall gave, and the "(".
+  void TakeCall(std::string_view call) { stream_->SetCursor(call.data() + call.size() + 1); }
+
   // Null when the extension was not known.
   FileStream::InputStream* Stream() { return stream_.get(); }
   bool IsOpen() const { return stream_ != nullptr && stream_->IsOpen(); }
@@ -156,6 +162,10 @@ class Scanner {
  private:
   friend class HeaderReader;
 
+  // As those without Any, whatever stands in the window.
+  bool TakeAnyIdentifier(std::uint32_t& number);
+  bool TakeAnyNumber(double& value);
+
   Token* StoppedToken();
   Token* MakeToken();
   Token* ScanToken();
@@ -204,3 +214,5 @@ class Scanner {
 };
 
 }  // namespace corvel
+
+#include "step/reader/plain_tokens.h"  // IWYU pragma: export
