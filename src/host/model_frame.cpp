@@ -4,7 +4,6 @@
 #include <cmath>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "core/entity_cast.h"
@@ -135,13 +134,22 @@ WideString NameOf(IFC::IfcEntity* unit, const std::optional<double>& metres) {
 }
 
 // By class: a model has few classes and many objects.
-enum class Kind { kOther, kMapConversion, kPropertySet };
+enum Kind : std::ptrdiff_t { kOther, kMapConversion, kPropertySet };
 
-Kind KindOf(IFC::IfcEntity* entity) {
+Kind KindByName(IFC::IfcEntity* entity) {
   const WideView name = entity->getClassName();
-  if (name == u"IfcMapConversion" || name == u"IfcMapConversionScaled") return Kind::kMapConversion;
-  const bool isSet = EntityCast<IFC::VirtualIfcPropertySet>(entity) != nullptr;
-  return isSet ? Kind::kPropertySet : Kind::kOther;
+  if (name == u"IfcMapConversion" || name == u"IfcMapConversionScaled") return kMapConversion;
+  return EntityCast<IFC::VirtualIfcPropertySet>(entity) != nullptr ? kPropertySet : kOther;
+}
+
+// Asked of every object of a model: the names are compared once per class.
+std::ptrdiff_t KindOf(IFC::IfcEntity* entity) {
+  static ClassMemory memory;
+  const std::type_info* const dynamicClass = &typeid(*entity);
+  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
+  const Kind kind = KindByName(entity);
+  memory.Remember(dynamicClass, kind);
+  return kind;
 }
 
 MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
@@ -191,13 +199,10 @@ LengthUnit LengthUnitOf(const IfcDocument& document) {
 
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document) {
   if (document.mainContainer == nullptr) return {};
-  std::unordered_map<const char16_t*, Kind> kinds;  // by address: each class has one name
   for (const auto& [number, entity] : document.mainContainer->originalEntities) {
-    const auto [known, isNew] = kinds.try_emplace(entity->getClassName(), Kind::kOther);
-    if (isNew) known->second = KindOf(entity);
-    if (known->second == Kind::kMapConversion) return ConversionOfRecord(*entity);
-    const bool isSet = known->second == Kind::kPropertySet;
-    if (isSet && IsConversionSet(entity)) return ConversionOfSet(*entity);
+    const std::ptrdiff_t kind = KindOf(entity);
+    if (kind == kMapConversion) return ConversionOfRecord(*entity);
+    if (kind == kPropertySet && IsConversionSet(entity)) return ConversionOfSet(*entity);
   }
   return {};
 }

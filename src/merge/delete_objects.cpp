@@ -71,6 +71,7 @@ class Marking {
 
   bool DeleteWhatFollows() {
     Deletion deletion(container_);
+    if (order_.deletePairs.empty()) deletion.NoteNothingIsDeleted();
     const Stage second = StageOf(5, second_);
     if (!DeleteParentsOfDeleted(container_, deletion, second)) return false;
     // Behind the first step that deletes: which elements are gone is known from here on.

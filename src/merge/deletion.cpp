@@ -43,6 +43,7 @@ bool Deletion::IsOrphan(IFC::IfcEntity& entity) {
 void Deletion::Delete(IFC::IfcEntity& entity) {
   if (IsDeleted(entity)) return;
   entity.marker = IFC::kDeleted;
+  anyIsDeleted_ = true;
   if (isRecording_) record_.push_back(&entity);
 }
 

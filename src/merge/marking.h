@@ -73,6 +73,12 @@ class Deletion {
   // All parents of the entity are deleted, or it never had one.
   static bool IsOrphan(IFC::IfcEntity& entity);
 
+  // To be called before the first deletion by those who know that neither an entity of the model
+  // nor a value in its record is deleted.
+  void NoteNothingIsDeleted() { anyIsDeleted_ = false; }
+  // True as long as nobody knows better.
+  bool AnyIsDeleted() const { return anyIsDeleted_; }
+
   // Deletes the entity, even one that is marked to be saved.
   void Delete(IFC::IfcEntity& entity);
   // Deletes the entity, then DeleteChildrenOf it.
@@ -91,6 +97,7 @@ class Deletion {
   std::vector<Placed> undecided_;
   IFC::ChildQueue children_;
   IFC::ChildQueue orphans_;
+  bool anyIsDeleted_ = true;
   bool isRecording_ = false;
   std::vector<IFC::IfcEntity*> record_;
 };

@@ -84,7 +84,8 @@ class Passes {
 
   bool MustGo(const IFC::IfcEntity& entity) {
     const bool hasLostMembers = entity.hasNoLiveMembers() && !CarriesLiveObject(entity);
-    return hasLostMembers || LacksMandatoryChild(entity, children_);
+    if (hasLostMembers || !deletion_.AnyIsDeleted()) return hasLostMembers;
+    return LacksMandatoryChild(entity, children_);
   }
 
   void LookAgainAtParentsOf(const IFC::IfcEntity& entity) {

@@ -33,6 +33,7 @@ constexpr int kLastTick = 100;
 constexpr std::uint8_t kNotReached = 0;
 constexpr std::uint8_t kReached = 1;
 constexpr std::uint8_t kToBeRemoved = 2;
+constexpr std::uint8_t kAwaited = 4;  // not reached, and among those that all have to be
 
 // A moment is the place of the entity whose turn it is. In the visit stamp it stands above all that
 // walks stamp with.
@@ -85,21 +86,25 @@ class Links {
   void FindNeighboursOfSaved() {
     for (const Deletion::Placed& at : deletion_.Undecided()) {
       if (!IsUndecided(*at.entity)) continue;
-      Prepare(*at.entity);
-      if (IsNextToSaved(*at.entity)) Reach(*at.entity, kNever);
+      if (Prepare(*at.entity)) Reach(*at.entity, kNever);
     }
     for (IFC::IfcEntity* const value : values_) {
       if (IsNextToSaved(*value)) Reach(*value, kNever);
+      valueQueue_.Clear();
     }
     for (IFC::IfcEntity* const entity : removed_) {
       if (entity->walkResult == kToBeRemoved) entity->walkResult = kNotReached;
     }
   }
 
-  // Sets the moment of an entity and of the values in its record.
-  void Prepare(IFC::IfcEntity& entity) {
+  // Sets the moment of an entity and of the values in its record. True when a neighbour is saved.
+  bool Prepare(IFC::IfcEntity& entity) {
     SetMoment(entity);
-    entity.CollectAllChildren(valueQueue_);
+    if (entity.walkResult == kNotReached) {
+      entity.walkResult = kAwaited;
+      ++awaited_;
+    }
+    const bool found = IsNextToSaved(entity);
     while (!valueQueue_.IsEmpty()) {
       IFC::IfcEntity* const child = valueQueue_.TakeBack().entity;
       if (child == nullptr || !child->inlineValue || !IsUndecided(*child)) continue;
@@ -107,6 +112,7 @@ class Links {
       NoteReferencesOf(*child);
       child->CollectAllChildren(valueQueue_);
     }
+    return found;
   }
 
   static void SetMoment(IFC::IfcEntity& entity) {
@@ -125,15 +131,17 @@ class Links {
     }
   }
 
+  // Appends the values in its record.
   bool IsNextToSaved(const IFC::IfcEntity& entity) {
-    for (const IFC::IfcEntity* const parent : entity.parents.Members()) {
-      if (IsSaved(*parent)) return true;
-    }
-    bool found = false;
+    const auto parents = entity.parents.Members();
+    bool found = std::any_of(parents.begin(), parents.end(),
+                             [](const IFC::IfcEntity* parent) { return IsSaved(*parent); });
     entity.CollectAllChildren(children_);
     while (!children_.IsEmpty()) {
-      const IFC::IfcEntity* const child = children_.TakeBack().entity;
-      found = found || (child != nullptr && IsSaved(*child));
+      IFC::IfcEntity* const child = children_.TakeBack().entity;
+      if (child == nullptr) continue;
+      found = found || IsSaved(*child);
+      if (child->inlineValue) valueQueue_.Append(child, false);
     }
     return found;
   }
@@ -143,34 +151,36 @@ class Links {
     if (!IsUndecided(entity) || entity.walkResult == kReached) return;
     const Moment cut = std::min(moment, entity.visitStamp);
     if (cut == kNever) {
+      Note(entity, kNever);
       uncut_.push_back(&entity);
     } else {
       cut_.emplace(cut, &entity);
     }
   }
 
+  void Note(IFC::IfcEntity& entity, Moment moment) {
+    if (entity.walkResult == kAwaited) --awaited_;
+    entity.walkResult = kReached;
+    entity.visitStamp = moment;
+  }
+
   // The ways that are cut last come first, so that the first one to reach an entity is its best.
+  // Once all are reached, as they mostly are, what is left of the ways leads to nobody new.
   void Spread() {
-    for (;;) {
-      if (!uncut_.empty()) {
-        IFC::IfcEntity* const entity = uncut_.back();
-        uncut_.pop_back();
-        Settle(*entity, kNever);
-      } else if (!cut_.empty()) {
-        const auto [moment, entity] = cut_.top();
-        cut_.pop();
-        Settle(*entity, moment);
-      } else {
-        return;
-      }
+    for (std::size_t i = 0; i < uncut_.size() && !AllAreReached(); ++i) Pass(*uncut_[i], kNever);
+    while (!cut_.empty() && !AllAreReached()) {
+      const auto [moment, entity] = cut_.top();
+      cut_.pop();
+      if (entity->walkResult == kReached) continue;
+      Note(*entity, moment);
+      Pass(*entity, moment);
     }
   }
 
+  bool AllAreReached() const { return awaited_ == 0 && removed_.empty(); }
+
   // Everything that the entity is a parent or a child of has a way over it.
-  void Settle(IFC::IfcEntity& entity, Moment moment) {
-    if (entity.walkResult == kReached) return;
-    entity.walkResult = kReached;
-    entity.visitStamp = moment;
+  void Pass(IFC::IfcEntity& entity, Moment moment) {
     for (IFC::IfcEntity* const parent : entity.parents.Members()) Reach(*parent, moment);
     const auto [first, last] = valuesWithReference_.equal_range(&entity);
     for (auto value = first; value != last; ++value) Reach(*value->second, moment);
@@ -186,7 +196,8 @@ class Links {
   std::vector<IFC::IfcEntity*> removed_;
   std::vector<IFC::IfcEntity*> values_;  // with references
   std::unordered_multimap<const IFC::IfcEntity*, IFC::IfcEntity*> valuesWithReference_;
-  std::vector<IFC::IfcEntity*> uncut_;
+  std::size_t awaited_ = 0;
+  std::vector<IFC::IfcEntity*> uncut_;  // reached by a way without end, in that order
   std::priority_queue<std::pair<Moment, IFC::IfcEntity*>> cut_;
   IFC::ChildQueue children_;
   IFC::ChildQueue valueQueue_;

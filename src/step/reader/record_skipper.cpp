@@ -1,7 +1,8 @@
 #include "step/reader/record_skipper.h"
 
-#include <cstring>
+#include <bit>
 
+#include "step/numbers/byte_runs.h"
 #include "step/reader/string_decoder.h"
 
 namespace corvel {
@@ -31,31 +32,33 @@ bool SkipIfComment(InputStream& stream) {
       stream, [&] { return Refill(stream); }, [](char, char) {});
 }
 
-// The ";" of a record whose rest stands in the window, with neither string nor comment nor the end
-// of the input: of most records of a model. Null when a closer look is needed.
-const char* PlainEnd(const char* at, const char* end) {
-  const auto find = [at](char byte, const char* until) {
-    return static_cast<const char*>(std::memchr(at, byte, static_cast<std::size_t>(until - at)));
-  };
-  const char* const semicolon = find(';', end);
-  if (semicolon == nullptr || find('\'', semicolon) != nullptr) return nullptr;
-  if (find(kLastByte, semicolon) != nullptr) return nullptr;
-  return find('/', semicolon) == nullptr ? semicolon : nullptr;
-}
-
 bool IsNotable(char c) { return c == ';' || c == '\'' || c == '/' || c == kLastByte; }
+
+// The first byte that ends a record, begins something inside of it, or is above 127.
+const char* FindNotable(const char* at, const char* end) {
+  using bytes::All;
+  // Of all bytes these two alone become the same with that bit.
+  constexpr unsigned kBetween = '\'' ^ '/';
+  static_assert(std::has_single_bit(kBetween));
+  for (; end - at >= kRunRoom; at += kRunRoom) {
+    const std::uint64_t word = bytes::EightAt(at);
+    const std::uint64_t semicolons = word ^ All(';');
+    const std::uint64_t starts = (word | All(kBetween)) ^ All('/');
+    const std::uint64_t found =
+        (((semicolons - All(1)) & ~semicolons) | ((starts - All(1)) & ~starts) | word) & All(0x80);
+    if (found != 0) return at + bytes::BytesBefore(found);
+  }
+  return at;
+}
 
 }  // namespace
 
 bool SkipToSemicolon(InputStream& stream, bool* endsInString) {
-  if (!HasByte(stream)) return false;
-  if (const char* const semicolon = PlainEnd(stream.Cursor(), stream.WindowEnd())) {
-    stream.SetCursor(semicolon);
-    return true;
-  }
   while (HasByte(stream)) {
     const char* at = stream.Cursor();
     const char* const end = stream.WindowEnd();
+    // Most records of a model have at most a string in them.
+    at = FindNotable(at, end);
     while (at != end && !IsNotable(*at)) ++at;
     stream.SetCursor(at);
     if (at == end) continue;

@@ -1,10 +1,30 @@
 #include "step/reader/record_walker.h"
 
+#include "step/numbers/byte_runs.h"
 #include "step/reader/string_decoder.h"
 
 namespace corvel {
 
+// `;` and line ends, then `#12=` with a byte behind it that is neither a blank nor a comment: all
+// of it stands in the window in most cases.
+bool RecordWalker::TakePlainHead(std::uint32_t& number) {
+  constexpr std::ptrdiff_t kRoom = 3 + 1 + kRunRoom + 2;
+  const char* at = stream_.Cursor();
+  if (stream_.WindowEnd() - at < kRoom) return false;
+  if (*at == ';') ++at;
+  if (*at == '\r') ++at;
+  if (*at == '\n') ++at;
+  if (*at != '#') return false;
+  const DigitRun run = DigitsAt(++at);
+  at += run.count;
+  if (run.value == 0 || run.count == kRunRoom || *at != '=' || !IsLetter(at[1])) return false;
+  number = run.value;
+  stream_.SetCursor(at + 1);
+  return true;
+}
+
 bool RecordWalker::FindRecord(std::uint32_t& number) {
+  if (!endsInString_ && TakePlainHead(number)) return true;
   while (!endsInString_ && SkipBlanks(stream_)) {
     const char byte = Byte();
     if (byte == '#') {

@@ -59,6 +59,7 @@ class RecordWalker {
  private:
   char Byte() const { return *stream_.Cursor(); }
   void TakeByte() { stream_.SetCursor(stream_.Cursor() + 1); }
+  bool TakePlainHead(std::uint32_t& number);
   bool TakeEqual();
   std::uint32_t TakeNumber();
 

@@ -121,7 +121,7 @@ Outcome StepWriter::WriteData() {
   Ticker ticker({.callback = progress_}, {.block = container.entities.Size() / kTicks + 1});
   ticker.Show(0);
   // References are written by the markers of what they lead to, so all of them are set before.
-  container.FillMarkers();
+  container.RefreshMarkers();
   for (const auto& [number, entity] : container.entities) {
     if (!WriteGuarded(*entity)) return Outcome::kFailed;
     if (!ticker.Advance()) return Outcome::kCancelled;
