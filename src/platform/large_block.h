@@ -13,9 +13,9 @@ struct FreeLargeBlock {
 };
 using LargeBlock = std::unique_ptr<std::byte[], FreeLargeBlock>;
 
-// kLargeBlock bytes, not to be counted on as zeroed, in one large page where the system gives such
-// pages to any program: the first touch then costs one fault instead of hundreds. All of it may be
-// resident from the first touch on. Throws std::bad_alloc.
+// kLargeBlock bytes, not to be counted on as zeroed. Where the system can, it brings all of them in
+// at once, which costs less than a page fault for each page: they are resident from then on. Throws
+// std::bad_alloc.
 LargeBlock AllocateLargeBlock();
 
 }  // namespace platform

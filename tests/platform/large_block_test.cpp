@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -21,13 +20,6 @@ TEST(LargeBlock, AllOfItCanBeUsedAndNoneOverlapsAnother) {
     EXPECT_NE(std::byte{2}, block[0]);
   }
 }
-
-#ifndef _WIN32
-TEST(LargeBlock, IsAlignedToItsSizeSoThatItCanBeOnePage) {
-  const LargeBlock block = AllocateLargeBlock();
-  EXPECT_EQ(0u, reinterpret_cast<std::uintptr_t>(block.get()) % kLargeBlock);
-}
-#endif
 
 }  // namespace
 }  // namespace platform

@@ -95,6 +95,20 @@ TEST(SkipToSemicolon, StringsAndCommentsBehindTheSemicolonDoNotMatter) {
   EXPECT_EQ(";'/*", RestOf("(1);'/*"));
 }
 
+// In windows of one byte nothing is looked at eight bytes at a time.
+TEST(SkipToSemicolon, StopsAtTheSamePlaceWhateverStandsInTheWindow) {
+  std::mt19937 random(11);  // NOLINT: the same records every time
+  const std::string signs =
+      "#(),.1A\x80\x7F'';/*+7 \n\xFB\xA7\xAF"
+      "\xBB"
+      "3:&";
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    for (std::size_t i = random() % 40; i > 0; --i) text += signs[random() % signs.size()];
+    RestOf(text + "bcdefghi;j");
+  }
+}
+
 TEST(SkipString, StopsBehindTheClosingApostrophe) {
   EXPECT_EQ(",x'", RestOf("abc',x'", SkipString));
   EXPECT_EQ(",x", RestOf("it''s',x", SkipString));

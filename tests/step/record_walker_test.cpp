@@ -67,6 +67,12 @@ TEST(RecordWalker, NumbersAndNamesAreFound) {
   EXPECT_EQ("1:IFCWALL", Records("/* #2=IFCDOOR(); */ #1/**/=\n_IFC_WALL();"));
 }
 
+TEST(RecordWalker, HeadsOfRecordsAreReadAlikeWhateverStandsBetweenThem) {
+  EXPECT_EQ("1:IFCA 1234567:IFCB 12345678:IFCC 3:IFCD 4:IFCE 5:IFCF",
+            Records("#1=IFCA();\r\n#1234567=IFCB();\n#12345678=IFCC();#3= IFCD();\n\n"
+                    "#4=IFCE('a;\n#9=IFCX();');;\n#5=/**/IFCF();\n#0=IFCX();ENDSEC;"));
+}
+
 TEST(RecordWalker, ARecordWithoutANameHasAnEmptyOne) {
   EXPECT_EQ("1: 2: 3: 4: 5:", Records("#1=;#2='x';#3=(IFCA()IFCB(';'));#4=#5;#5=DATA;"));
 }

@@ -2,7 +2,6 @@
 
 namespace platform {
 
-// Large pages are for privileged programs only.
 LargeBlock AllocateLargeBlock() { return LargeBlock(new std::byte[kLargeBlock]); }
 
 void FreeLargeBlock::operator()(std::byte* block) const { delete[] block; }
