@@ -77,8 +77,8 @@ void ExpectMended(const std::string& text, const std::vector<std::string>& told,
 TEST(MendedRecords, AGoodRecordStaysAsItStands) {
   for (const std::string& text :
        {"IFCA('a;b''c',$,(#1,#2),.T.,1.E-5,/* x */ IFCLABEL('\\X2\\00E4\\X0\\'))"s,
-        "IFC_A( *\r\n , '\\S\\'' , '\\\\' )"s, "(IFCA('x')IFCB(#3))"s, "IFCA()IFCB(1)"s, "IFCA"s,
-        ""s, "IFCA(\"0F\",.NOT DEFINED.,-.5,'\xE4\xFF')"s, "IFCA('a\n#5=IFCB(b;',1)"s}) {
+        "IFC_A( *\r\n , '\\S\\'' , '\\\\' )"s, "(IFCA('x')IFCB(#3))"s, "IFCA"s, ""s,
+        "IFCA(\"0F\",.NOT DEFINED.,-.5,'\xE4\xFF')"s, "IFCA('a\n#5=IFCB(b;',1)"s}) {
     ExpectMended(text, {}, "=" + text + ";", kNext);
   }
 }
@@ -134,6 +134,14 @@ TEST(MendedRecords, WhatMeansNothingIsLeftOut) {
                kNext);
   ExpectMended("IFCA(1)", {}, "=IFCA(1)));", kNext);
   ExpectMended("IFCA(1)", {kStray + "IFCA"}, " IFCA(1);", kNext);
+}
+
+TEST(MendedRecords, SeveralClassesGetTheBracketsAroundThem) {
+  ExpectMended("(IFCA()IFCB(1))", {}, "=IFCA()IFCB(1);", kNext);
+}
+
+TEST(MendedRecords, BetweenTwoValuesStandsAComma) {
+  ExpectMended("IFCA(#1,#2,'x',$,(1),.T.,#3)", {}, "=IFCA(#1#2'x'$(1),.T.#3);", kNext);
 }
 
 TEST(MendedRecords, AnEnumerationValueIsClosed) {

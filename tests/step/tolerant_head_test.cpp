@@ -73,6 +73,13 @@ TEST(TolerantHeads, AnOpenTextTakesNothingAlong) {
   EXPECT_EQ(u"n", head.header->name);
 }
 
+TEST(TolerantHeads, ANumberThatIsNoneStopsNothing) {
+  const TolerantHead head =
+      HeadOf("ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((#99999999999),'2;1');\n" + kName + kSchema +
+             "ENDSEC;\n");
+  EXPECT_EQ(u"IFC4", head.header->schemaIdentifier);
+}
+
 TEST(TolerantHeads, WithoutAHeaderEverythingIsEmpty) {
   const TolerantHead head = HeadOf("", "#1=IFCLABEL('x');");
   EXPECT_TRUE(head.isMended);

@@ -108,7 +108,7 @@ bool MendedStream::FillWindow() {
 
 void MendedStream::AddHead() {
   block_ = TakeTolerantHead(*file_).text;
-  block_ += "DATA;\n";
+  block_ += "\nDATA;\n";
 }
 
 // As many as stand whole in the window.

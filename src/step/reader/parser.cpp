@@ -273,7 +273,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   if (!scanner->TakeClassName(name)) {
     const Token* const token = scanner->NextToken();
     if (!token->Is(TokenType::EntityNameToken)) {
-      if (tolerance != nullptr) return CarryingReader(*this).ReadUnknown(marker);
+      if (tolerance != nullptr) return ReadUnknownRecord(marker);
       ExpectedArgumentError(u"EntityNameToken", token->getName(), kReportShow);
       return nullptr;
     }
@@ -282,7 +282,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   row_ = factories->FindRow(name);
   if (row_ == nullptr && tolerance != nullptr) row_ = factories->FindRow(TableName(name));
   if (row_ == nullptr) {
-    if (tolerance != nullptr) return CarryingReader(*this).ReadUnknown(marker);
+    if (tolerance != nullptr) return ReadUnknownRecord(marker);
     showError("", u"Entity named: " + Widen(name) + u" not found.", kReportShow);
     return nullptr;
   }

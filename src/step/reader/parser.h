@@ -167,6 +167,7 @@ class Parser {
   void EnterRecordTolerantly(std::uint32_t number);
   IFC::IfcEntity* ReadArgumentsTolerantly(IFC::IfcEntity* entity);
   IFC::IfcEntity* ReadEntityTolerantly(std::uint32_t number);
+  IFC::IfcEntity* ReadUnknownRecord(std::uint32_t number);
   bool TakeCloseBrackets();
   void MendRecord();
   void PutAside(std::uint32_t number);

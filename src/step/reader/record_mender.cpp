@@ -55,6 +55,7 @@ class RecordMender::Mending {
     while (!ended_) TakePiece();
     TrimBlanks(text_);
     text_.append(depth_, ')');
+    if (hasSeveralClasses_) text_ = "(" + text_ + ")";
     FindClassName();
     for (std::size_t kind = 0; kind < kMisfits; ++kind) {
       if (!found_.test(kind)) continue;
@@ -79,6 +80,24 @@ class RecordMender::Mending {
 
   void TakePiece() {
     const int c = bytes_.Peek();
+    const std::size_t before = text_.size();
+    if (depth_ != 0 && StartsValue(c) && EndsValue()) text_.push_back(',');
+    TakePiece(c);
+    const bool isComment = text_.compare(before, 2, "/*") == 0;
+    if (text_.size() > before && !IsBlank(text_.back()) && !isComment) last_ = text_.back();
+  }
+
+  // Readers need no comma between two values, but whoever cuts a record into arguments does.
+  bool StartsValue(int c) {
+    if (c == '#') return !bytes_.AtRecord();
+    return c == '\'' || c == '$' || c == '*' || (c == '(' && !IsWordByte(last_));
+  }
+  bool EndsValue() const {
+    return last_ == ')' || last_ == '.' || last_ == '\'' || last_ == '$' || last_ == '*' ||
+           IsWordByte(last_);
+  }
+
+  void TakePiece(int c) {
     switch (c) {
       case kEnd:
         Note(Misfit::kNoEnd);
@@ -170,7 +189,10 @@ class RecordMender::Mending {
     while (IsWordByte(bytes_.Peek())) Keep();
     if (before == 0 || !IsWhole()) return;
     // Of several classes, without the brackets around them; or else nothing that can be kept.
-    if (BracketFollows()) return;
+    if (BracketFollows()) {
+      hasSeveralClasses_ = true;
+      return;
+    }
     text_.resize(before);
     Note(Misfit::kStrayBytes);
   }
@@ -369,9 +391,11 @@ class RecordMender::Mending {
   std::uint32_t number_;
   MendedRecord record_;
   std::string text_;
+  char last_ = 0;                // of the text, blanks and comments left out
   std::size_t depth_ = 0;        // of brackets
   std::size_t lastBracket_ = 0;  // behind the one that has closed the record; 0: none has
   bool ended_ = false;
+  bool hasSeveralClasses_ = false;      // without the brackets around them
   std::size_t start_ = 0;               // of the string at hand, a mark
   std::size_t textStart_ = 0;           // the same in the text
   std::optional<std::size_t> lineEnd_;  // a mark: a record begins behind it

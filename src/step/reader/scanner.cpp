@@ -19,6 +19,14 @@ namespace corvel {
 namespace {
 
 constexpr int kEnd = -1;
+// Behind what makes a number stands more than blanks and comments.
+bool HoldsMore(std::string_view number) {
+  const std::size_t end = number.find_first_not_of("0123456789.+-eE");
+  if (end == std::string_view::npos) return false;
+  const std::size_t next = number.find_first_not_of("_ \t\r\n\v\f", end);
+  return next != std::string_view::npos && !number.substr(next).starts_with(kCommentStart);
+}
+
 constexpr char16_t kOutOfRange[] = u"stoul argument out of range";
 
 }  // namespace
@@ -175,7 +183,7 @@ Token* Scanner::ReadNumber() {
     // Everything up to the end of the value belongs to it, exponent and all.
     const std::int64_t offset = skipped_ == nullptr ? 0 : stream_->Position();
     AppendWhile(text, [this](char c) { return c != ',' && c != ')' && (c != ';' || !tolerant_); });
-    if (tolerant_ && GoesOn(text)) Suspect();
+    if (tolerant_ && inRecord_ && HoldsMore(text)) throw MisfitInRecord();
     if (skipped_ != nullptr && inRecord_ && GoesOn(text)) {
       skipped_->Note(SkippedInput::Kind::kRunOnNumber, offset, RecordsIn(text));
     }

@@ -25,8 +25,10 @@ constexpr HeadRecord kHeadRecords[] = {{"FILE_DESCRIPTION", "((''),'2;1')"},
                                        {"FILE_NAME", "('','',(''),(''),'','','')"},
                                        {"FILE_SCHEMA", "((''))"}};
 
+int Unheard(const char* /*key*/, const WideString& /*message*/, int /*mode*/) { return 0; }
+
 Scanner ScannerOf(std::string text) {
-  return {std::make_unique<FileStream::InputTextStream>(std::move(text)), nullptr};
+  return {std::make_unique<FileStream::InputTextStream>(std::move(text)), Unheard};
 }
 
 // `DATA;` or `DATA(`
@@ -107,8 +109,19 @@ std::unique_ptr<HeaderToken> AsItStands(const std::string& text, std::string& is
   const Token& first = *scanner.PeekToken();
   if (first.Is(TokenType::IsoToken)) isoLine = first.text;
   auto header = ReadHeaderToken(scanner);
-  if (header == nullptr || header->schemaIdentifier.empty()) return nullptr;
+  if (header == nullptr || header->schemaIdentifier.empty() || scanner.IsStopped()) return nullptr;
   return header;
+}
+
+// A header refers to nothing, and what is no number at all would stop its reading.
+std::string WithoutNumbers(const std::string& text) {
+  std::string left;
+  bool inString = false;
+  for (const char c : text) {
+    if (c == '\'') inString = !inString;
+    if (c != '#' || inString) left.push_back(c);
+  }
+  return left;
 }
 
 // The arguments of a record of the header, closed as those of the model are.
@@ -120,7 +133,7 @@ std::string ArgumentsOf(const std::string& text, const HeadRecord& record) {
   for (const HeadRecord& other : kHeadRecords) end = std::min(end, text.find(other.name, begin));
   Tolerance unheard;
   Scanner scanner = ScannerOf("=" + text.substr(begin, end - begin));
-  std::string arguments = RecordMender(unheard).Take(scanner, 0).text;
+  const std::string arguments = WithoutNumbers(RecordMender(unheard).Take(scanner, 0).text);
   return arguments.starts_with('(') ? arguments : std::string(record.missing);
 }
 
@@ -147,6 +160,7 @@ TolerantHead TakeTolerantHead(Scanner& scanner) {
   head.text = Mended(head.text);
   Scanner mended = ScannerOf(head.text);
   head.header = ReadHeaderToken(mended);
+  if (head.header == nullptr) head.header = std::make_unique<HeaderToken>();
   return head;
 }
 

@@ -80,8 +80,12 @@ IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
     } catch (const MisfitInRecord&) {
       ClearScratch();
     }
-    if (mends) return nullptr;
+    if (mends) break;
   }
+  // Not even then.
+  IFC::IfcEntity* const carried = CarryingReader(*this).ReadUnknown(number);
+  TakeRestOfRecord();
+  return carried;
 }
 
 // What fits costs no more than in a strict reading, but for a look at its end.
@@ -100,6 +104,12 @@ IFC::IfcEntity* Parser::ReadArgumentsTolerantly(IFC::IfcEntity* entity) {
     }
   }
   return CarryingReader(*this).Read(*entity);
+}
+
+// What has no class of the release may have one once it is mended.
+IFC::IfcEntity* Parser::ReadUnknownRecord(std::uint32_t number) {
+  if (!tolerant_->isMended) throw MisfitInRecord();
+  return CarryingReader(*this).ReadUnknown(number);
 }
 
 // Also those too many. True before a ";".
