@@ -96,13 +96,22 @@ MainContainer::~MainContainer() = default;
 
 bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number) {
   if (entity == nullptr) return false;
-  if (!originalEntities.Add(number, entity)) {
+  // The usual case: a marker that is free here is free there, and both tables get it at once.
+  const bool isSame =
+      entity->marker == number && number != kUnfiled && originalEntities.SharesAllWith(entities);
+  if (!(isSame ? originalEntities.AddForAll(number, entity)
+               : originalEntities.Add(number, entity))) {
     ShowBox(u"AddEntityByOrginalNumber method error: Entity with marker: " + ToWide(number) +
             u" already exists.");
     return false;
   }
   guidsAreIndexed_ = false;
-  AddEntity(entity);
+  if (isSame) {
+    uniqueMarker = std::max(uniqueMarker, number);
+    NoteFiled(entity);
+  } else {
+    AddEntity(entity);
+  }
   return true;
 }
 
@@ -151,6 +160,10 @@ void MainContainer::AddEntity(IfcEntity* entity) {
     ShowBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker));
     return;
   }
+  NoteFiled(entity);
+}
+
+void MainContainer::NoteFiled(IfcEntity* entity) {
   NoteChangedReferences();
   SortIntoList(entity);
 }

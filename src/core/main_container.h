@@ -138,8 +138,9 @@ class MainContainer {
   // The largest number that is given to an entity: kLargestNumber, lowered by tests only.
   static std::uint32_t largestNumber;
 
-  corvel::NumberTable entities;          // by marker; every walk is in ascending order
-  corvel::NumberTable originalEntities;  // by original number
+  corvel::NumberTable entities;  // by marker; every walk is in ascending order
+  // By original number. The same as `entities` until that is changed, and held once until then.
+  corvel::NumberTable originalEntities{entities};
   corvel::GuidTable entitiesGUIDmap;
   // File path + decimal marker + old GUID, to the new GUID.
   std::unordered_map<corvel::WideString, std::string> generatedGUIDs;
@@ -174,6 +175,7 @@ class MainContainer {
   bool File(IfcEntity* entity);
   bool FileAfterClash(IfcEntity* entity);
   bool FileUnderSmallestFree(IfcEntity* entity);
+  void NoteFiled(IfcEntity* entity);
   void SortIntoList(IfcEntity* entity);
   void NoteProject(IfcEntity* entity);
   bool TickOverEntities(const ParentsTicks& ticks);

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <map>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -173,6 +176,96 @@ TEST(NumberTable, ItDoesWhatAMapDoes) {
   }
 }
 
+// In each gap width a list of a leaf or of a branch becomes an array at another time.
+TEST(NumberTable, NumbersWithAnyGapsAreFoundInAnyOrderOfFiling) {
+  for (const std::uint32_t gap : {1u, 3u, 4u, 5u, 17u, 60u, 300u, 511u, 512u, 513u, 6500u}) {
+    std::vector<std::uint32_t> numbers;
+    for (std::uint32_t i = 0; i < 2500; ++i) numbers.push_back(7 + i * gap);
+    for (unsigned order = 0; order < 3; ++order) {
+      if (order == 1) std::reverse(numbers.begin(), numbers.end());
+      if (order == 2) std::shuffle(numbers.begin(), numbers.end(), std::mt19937(gap));
+      NumberTable table;
+      Pairs expected;
+      for (const std::uint32_t number : numbers) {
+        table.Set(number, FakeObject(number));
+        expected.emplace_back(number, FakeObject(number));
+      }
+      std::sort(expected.begin(), expected.end());
+      ASSERT_EQ(expected, Walked(table)) << gap << ", order " << order;
+      ASSERT_EQ(expected, Stepped(table)) << gap << ", order " << order;
+      for (const std::uint32_t number : numbers) {
+        ASSERT_EQ(FakeObject(number), table.Find(number));
+        ASSERT_EQ(gap == 1 && number != 7 + 2499 * gap, table.Contains(number + 1));
+      }
+      for (const std::uint32_t number : numbers) ASSERT_TRUE(table.Remove(number));
+      ASSERT_EQ(0u, table.Size());
+      ASSERT_FALSE(table.First());
+    }
+  }
+}
+
+// --- Copies --------------------------------------------------------------------------------------
+
+TEST(NumberTable, WhatIsAddedForAllIsInTheCopyToo) {
+  NumberTable table;
+  NumberTable copy(table);
+  for (std::uint32_t number = 1; number < 2000; ++number) {
+    table.AddForAll(number, FakeObject(number));
+    copy.AddForAll(number * 1000, FakeObject(number));
+  }
+  EXPECT_TRUE(copy.SharesAllWith(table));
+  EXPECT_EQ(Walked(table), Walked(copy));
+  EXPECT_EQ(table.Size(), copy.Size());
+  EXPECT_EQ(FakeObject(77), table.Find(77));
+  copy.Set(77, FakeObject(5));
+  EXPECT_FALSE(copy.SharesAllWith(table));
+  EXPECT_EQ(FakeObject(77), table.Find(77));
+  EXPECT_EQ(FakeObject(5), copy.Find(77));
+  EXPECT_FALSE(table.Add(78, FakeObject(6)));
+  EXPECT_TRUE(table.Add(5000001, FakeObject(6)));
+  EXPECT_FALSE(copy.Contains(5000001));
+}
+
+TEST(NumberTable, ACopyAndItsOriginalGoWaysOfTheirOwn) {
+  for (unsigned seed = 1; seed <= 30; ++seed) {
+    std::mt19937 random(seed);
+    std::array<std::map<std::uint32_t, IFC::IfcEntity*>, 2> models;
+    auto first = std::make_unique<NumberTable>();
+    auto second = std::make_unique<NumberTable>(*first);
+    for (int step = 0; step < 4000; ++step) {
+      const std::size_t which = random() % 2;
+      NumberTable& table = which == 0 ? *first : *second;
+      auto& model = models[which];
+      const std::uint32_t number = AnyNumber(random);
+      IFC::IfcEntity* const object = FakeObject(1 + random() % 1000);
+      if (step < 2000) {
+        ASSERT_TRUE(first->SharesAllWith(*second));
+        models[1].try_emplace(number, object);
+        ASSERT_EQ(models[0].try_emplace(number, object).second, table.AddForAll(number, object));
+      } else if (random() % 2 == 0) {
+        table.Set(number, object);
+        model[number] = object;
+      } else if (random() % 2 == 0) {
+        ASSERT_EQ(model.try_emplace(number, object).second, table.Add(number, object));
+      } else {
+        ASSERT_EQ(model.erase(number) != 0, table.Remove(number));
+      }
+      ASSERT_EQ(models[0].size(), first->Size());
+      ASSERT_EQ(models[1].size(), second->Size());
+    }
+    ASSERT_EQ(Pairs(models[0].begin(), models[0].end()), Walked(*first));
+    ASSERT_EQ(Pairs(models[1].begin(), models[1].end()), Walked(*second));
+    // What is left when one of the two goes belongs to the other.
+    (seed % 2 == 0 ? first : second).reset();
+    const std::size_t left = seed % 2 == 0 ? 1 : 0;
+    NumberTable& table = left == 0 ? *first : *second;
+    for (const auto& [number, object] : models[left]) table.Set(number, FakeObject(4));
+    ASSERT_EQ(models[left].size(), table.Size());
+    table.Clear();
+    ASSERT_EQ(0u, table.Size());
+  }
+}
+
 // A walk by the iterator and one that looks up each step, under one face.
 struct RunningWalk {
   explicit RunningWalk(const NumberTable& table) : at(table.begin()) {}
@@ -205,6 +298,10 @@ TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
       table.Set(number, FakeObject(1));
       model[number] = FakeObject(1);
     }
+    // What a copy shares is moved by changes; half of the tables have begun with that.
+    const Pairs before = Walked(table);
+    const NumberTable copy(table);
+    if (seed % 2 == 0) table.Set(before[0].first, before[0].second);
     int budget = 500;
     auto expected = model.begin();
     TypeParam walk(table);
@@ -230,7 +327,27 @@ TYPED_TEST(NumberTableWalk, SeesWhatIsAddedAheadAndNotWhatIsRemoved) {
       walk.Step();
     }
     ASSERT_EQ(model.end(), expected);
+    ASSERT_EQ(before, Walked(copy));
   }
+}
+
+TYPED_TEST(NumberTableWalk, GoesOnWhenAnArrayThatACopySharesIsChanged) {
+  NumberTable table;
+  for (std::uint32_t number = 1; number <= 1000; ++number) table.Set(number, FakeObject(number));
+  const NumberTable copy(table);
+  std::vector<std::uint32_t> seen;
+  for (TypeParam walk(table); walk.Here(); walk.Step()) {
+    const std::uint32_t here = walk.Here().number;
+    seen.push_back(here);
+    // Every other one goes before it has its turn.
+    if (here % 2 == 1) table.Remove(here + 1);
+    if (here == 999) table.Set(1002, FakeObject(1));
+  }
+  ASSERT_EQ(501u, seen.size());
+  for (std::size_t i = 0; i < 500; ++i) ASSERT_EQ(2 * i + 1, seen[i]);
+  EXPECT_EQ(1002u, seen[500]);
+  EXPECT_EQ(1000u, copy.Size());
+  EXPECT_EQ(1000u, Walked(copy).size());
 }
 
 // The list of a leaf becomes an array under the walk, and entries of arrays go.
