@@ -150,7 +150,7 @@ std::size_t Since(long before) {
   return now > before ? static_cast<std::size_t>(now - before) : 0;
 }
 
-// One table as the container has two: by original number and by marker.
+// One table: those by original number and by marker share all that they have after reading.
 std::size_t NumberTableBytes(const corvel::NumberTable& model) {
   const long before = ResidentBytes();
   corvel::NumberTable copy;
@@ -180,7 +180,7 @@ int Run(const std::string& path) {
   }
   const std::size_t store = container.Pool().ObjectBytes();
   const std::size_t lists = store > objects ? store - objects : 0;
-  const std::size_t numbers = 2 * NumberTableBytes(container.entities);
+  const std::size_t numbers = NumberTableBytes(container.entities);
   const std::size_t known = objects + lists + numbers;
   table.Print("lists", 0, lists);
   table.Print("tables of numbers", container.entities.Size(), numbers);
