@@ -92,7 +92,9 @@ double ReadTypedReal(Parser& parser) {
   Scanner& scanner = *parser.scanner;
   if (TakeOpenBracket(parser) && scanner.PeekToken()->Is(TokenType::RealDataTypeToken)) {
     const double value = scanner.NextToken()->real;
-    if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) scanner.NextToken();
+    const bool isClosed = scanner.PeekToken()->Is(TokenType::CloseBracketToken);
+    if (!isClosed) RaiseMisfit(parser);
+    if (isClosed) scanner.NextToken();
     return value;
   }
   RejectToken(parser, u"IfcInteger or IfcReal");

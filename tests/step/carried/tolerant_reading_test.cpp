@@ -78,6 +78,7 @@ TEST_F(TolerantReading, ANumberThatIntegersDoNotHoldIsKept) {
   ExpectWritten("#1=IFCGEOMETRICREPRESENTATIONCONTEXT($,$,3,$,*,$);\n",
                 "#1=IFCGEOMETRICREPRESENTATIONCONTEXT($,$,3.,$,*,$);\n");
   ExpectKept("#1=IFCSPHERE(*,NAN);\n");
+  ExpectKept("#1=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,*,IFCFOO(1.,#1),$);\n");
 }
 
 TEST_F(TolerantReading, WhatIsNoReferenceIsKeptInThePlaceOfOne) {
