@@ -38,7 +38,7 @@ std::string RealByLibrary(double value) {
   return text.erase(last + 1, exponent - last - 1);
 }
 
-std::string Real(double value) {
+std::string WrittenReal(double value) {
   char text[kNumberRoom];
   return {text, FormatReal(value, text)};
 }
@@ -66,7 +66,7 @@ TEST(FastNumbers, RealsAreRoundedAsTheLibraryRounds) {
   std::mt19937_64 random(1);
   for (int i = 0; i < kRounds; ++i) {
     for (const double value : RandomReals(random)) {
-      ASSERT_EQ(RealByLibrary(value), Real(value)) << std::hexfloat << value;
+      ASSERT_EQ(RealByLibrary(value), WrittenReal(value)) << std::hexfloat << value;
     }
   }
 }
@@ -77,17 +77,17 @@ TEST(FastNumbers, NeighboursOfPowersOfTenHaveTheirDigits) {
     double value = ten;
     for (int i = 0; i < 6; ++i) value = std::nextafter(value, 0.0);
     for (int i = 0; i < 12; ++i, value = std::nextafter(value, 1e300)) {
-      ASSERT_EQ(RealByLibrary(value), Real(value)) << std::hexfloat << value;
+      ASSERT_EQ(RealByLibrary(value), WrittenReal(value)) << std::hexfloat << value;
     }
   }
-  EXPECT_EQ("1.E+01", Real(std::nextafter(10.0, 0.0)));
+  EXPECT_EQ("1.E+01", WrittenReal(std::nextafter(10.0, 0.0)));
 }
 
 TEST(FastNumbers, HalfwayGoesToTheEvenDigit) {
-  EXPECT_EQ("1.00000000000002E+00", Real(1 + 0x1p-46 + 0x1p-48));
+  EXPECT_EQ("1.00000000000002E+00", WrittenReal(1 + 0x1p-46 + 0x1p-48));
   // 15 digits and a half, which doubles of this size hold exactly.
-  EXPECT_EQ("1.00000000000002E+14", Real(100000000000002.5));
-  EXPECT_EQ("1.00000000000004E+14", Real(100000000000003.5));
+  EXPECT_EQ("1.00000000000002E+14", WrittenReal(100000000000002.5));
+  EXPECT_EQ("1.00000000000004E+14", WrittenReal(100000000000003.5));
 }
 
 TEST(FastNumbers, ValuesThatTakeTooManyBitsAreLeftToTheLibrary) {
@@ -96,8 +96,8 @@ TEST(FastNumbers, ValuesThatTakeTooManyBitsAreLeftToTheLibrary) {
   EXPECT_FALSE(RoundToDigits(2e15, digits));
   EXPECT_FALSE(RoundToDigits(OfBits(1), digits));
   EXPECT_FALSE(RoundToDigits(HUGE_VAL, digits));
-  EXPECT_EQ("1.E-09", Real(1e-9));
-  EXPECT_EQ("-2.5E+300", Real(-2.5e300));
+  EXPECT_EQ("1.E-09", WrittenReal(1e-9));
+  EXPECT_EQ("-2.5E+300", WrittenReal(-2.5e300));
 }
 
 TEST(FastNumbers, WholeNumbersOfAllLengthsAreThoseOfTheLibrary) {

@@ -13,6 +13,13 @@
 
 namespace corvel::test {
 
+using Records = std::vector<PlannedRecord>;
+
+inline Records operator+(Records records, const Records& more) {
+  records.insert(records.end(), more.begin(), more.end());
+  return records;
+}
+
 class FederatedDocuments {
  public:
   explicit FederatedDocuments(SchemaNamespace schema) : schema_(schema) {}

@@ -13,7 +13,8 @@ namespace {
 
 using test::FederatedDocuments;
 using test::PlannedRecord;
-using Records = std::vector<PlannedRecord>;
+using test::Records;
+using test::operator+;
 
 constexpr FederationChoices kJoin{.joinContexts = true};
 
@@ -25,11 +26,6 @@ Records ContextAt(std::uint32_t number, const std::string& point, const std::str
           {number + 1, "IFCAXIS2PLACEMENT3D", "#" + std::to_string(number) + ",$,$"},
           {number + 2, "IFCGEOMETRICREPRESENTATIONCONTEXT",
            "$,'Model',3," + precision + "," + placement + "," + rest}};
-}
-
-Records operator+(Records records, const Records& more) {
-  records.insert(records.end(), more.begin(), more.end());
-  return records;
 }
 
 bool Has(const std::string& text, const std::string& line) {

@@ -14,14 +14,15 @@ namespace {
 
 using test::FederatedDocuments;
 using test::PlannedRecord;
-using Records = std::vector<PlannedRecord>;
-using Numbers = std::set<int>;
+using test::Records;
+using test::operator+;
+using KeptLines = std::set<int>;
 
 constexpr FederationChoices kPrune{.prune = true};
 
 // The numbers of the lines, and the lines.
-Numbers NumbersOf(const std::string& text) {
-  Numbers numbers;
+KeptLines LinesIn(const std::string& text) {
+  KeptLines numbers;
   for (std::size_t at = text.find('#'); at != std::string::npos;) {
     numbers.insert(std::stoi(text.substr(at + 1)));
     const std::size_t end = text.find('\n', at);
@@ -40,8 +41,8 @@ class Pruned : public testing::TestWithParam<SchemaNamespace> {
     if (deleted != 0) models.At(0, deleted).marker = IFC::kDeleted;
     return models.Run(kPrune);
   }
-  Numbers Of(const Records& records, std::uint32_t deleted = 0) {
-    return NumbersOf(TextOf(records, deleted));
+  KeptLines Of(const Records& records, std::uint32_t deleted = 0) {
+    return LinesIn(TextOf(records, deleted));
   }
 };
 
@@ -67,23 +68,18 @@ Records Shaped() {
           {25, "IFCCARTESIANPOINT", "(0.,0.,0.)"}};
 }
 
-Records operator+(Records records, const Records& more) {
-  records.insert(records.end(), more.begin(), more.end());
-  return records;
-}
-
 TEST_P(Pruned, WhatAProductLeadsToStays) {
-  EXPECT_EQ((Numbers{1, 10, 20, 21, 22, 23, 24, 25}), Of(Shaped()));
+  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25}), Of(Shaped()));
 }
 
 TEST_P(Pruned, TheShapeOfADroppedProductGoesWithItsContext) {
-  EXPECT_EQ((Numbers{1}), Of(Shaped(), 10));
+  EXPECT_EQ((KeptLines{1}), Of(Shaped(), 10));
 }
 
 TEST_P(Pruned, LoosePointsAndUnitsOfNobodyGo) {
-  EXPECT_EQ((Numbers{1}), Of({{30, "IFCCARTESIANPOINT", "(0.,0.)"},
-                              {31, "IFCSIUNIT", "*,.LENGTHUNIT.,$,.METRE."},
-                              {32, "IFCUNITASSIGNMENT", "(#31)"}}));
+  EXPECT_EQ((KeptLines{1}), Of({{30, "IFCCARTESIANPOINT", "(0.,0.)"},
+                                {31, "IFCSIUNIT", "*,.LENGTHUNIT.,$,.METRE."},
+                                {32, "IFCUNITASSIGNMENT", "(#31)"}}));
 }
 
 TEST_P(Pruned, AStyleStaysWithTheItemThatItIsFor) {
@@ -91,8 +87,8 @@ TEST_P(Pruned, AStyleStaysWithTheItemThatItIsFor) {
       {40, "IFCSTYLEDITEM", "#23,(#41),$"},
       {41, "IFCPRESENTATIONSTYLEASSIGNMENT", "(#42)"},
       {42, "IFCCURVESTYLE", GetParam() == SchemaNamespace::IFC4 ? "'s',$,$,$,$" : "'s',$,$,$"}};
-  EXPECT_EQ((Numbers{1, 10, 20, 21, 22, 23, 24, 25, 40, 41, 42}), Of(Shaped() + style));
-  EXPECT_EQ((Numbers{1}), Of(Shaped() + style, 10));
+  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25, 40, 41, 42}), Of(Shaped() + style));
+  EXPECT_EQ((KeptLines{1}), Of(Shaped() + style, 10));
 }
 
 TEST_P(Pruned, ALayerLosesWhatIsGone) {
@@ -102,20 +98,20 @@ TEST_P(Pruned, ALayerLosesWhatIsGone) {
                          {53, "IFCCARTESIANPOINT", "(1.,2.,3.)"},
                          {60, "IFCPRESENTATIONLAYERASSIGNMENT", "'l',$,(#21,#52),$"}};
   const std::string text = TextOf(Shaped() + layer, 50);
-  EXPECT_EQ((Numbers{1, 10, 20, 21, 22, 23, 24, 25, 60}), NumbersOf(text));
+  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25, 60}), LinesIn(text));
   EXPECT_NE(std::string::npos, text.find("('l',$,(#21),$);")) << text;
 }
 
 TEST_P(Pruned, ALayerOfWhatIsGoneGoes) {
-  EXPECT_EQ((Numbers{1}),
+  EXPECT_EQ((KeptLines{1}),
             Of(Shaped() + Records{{60, "IFCPRESENTATIONLAYERASSIGNMENT", "'l',$,(#21),$"}}, 10));
 }
 
 TEST_P(Pruned, APointerOfAPointerStaysWithIt) {
   const Records records = {{40, "IFCSTYLEDITEM", "#23,(),$"},
                            {60, "IFCPRESENTATIONLAYERASSIGNMENT", "'l',$,(#40),$"}};
-  EXPECT_EQ((Numbers{1, 10, 20, 21, 22, 23, 24, 25, 40, 60}), Of(Shaped() + records));
-  EXPECT_EQ((Numbers{1}), Of(Shaped() + records, 10));
+  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25, 40, 60}), Of(Shaped() + records));
+  EXPECT_EQ((KeptLines{1}), Of(Shaped() + records, 10));
 }
 
 TEST_P(Pruned, ALongChainOfPointersTakesNoStack) {
@@ -134,7 +130,7 @@ TEST_P(Pruned, AValueInARecordKeepsWhatItRefersTo) {
       {70, "IFCPROPERTYSET", "'ps',$,'s',$,(#71)"},
       {71, "IFCPROPERTYREFERENCEVALUE", "'r',$,$,#72"},
       {72, "IFCMATERIAL", GetParam() == SchemaNamespace::IFC4 ? "'m',$,$" : "'m'"}};
-  EXPECT_EQ((Numbers{1, 70, 71, 72}), Of(records));
+  EXPECT_EQ((KeptLines{1, 70, 71, 72}), Of(records));
 }
 
 TEST(PrunedContexts, OfALaterModelGoWhenNobodyKnowsThem) {
@@ -148,7 +144,7 @@ TEST(PrunedContexts, OfALaterModelGoWhenNobodyKnowsThem) {
   };
   models.Add(u"a.ifc", "#10", context(10));
   models.Add(u"b.ifc", "#20", context(20));
-  EXPECT_EQ((Numbers{1, 10, 11, 12}), NumbersOf(models.Run(kPrune)));
+  EXPECT_EQ((KeptLines{1, 10, 11, 12}), LinesIn(models.Run(kPrune)));
 }
 
 TEST(PrunedContexts, AMapConversionStaysWithItsContext) {
@@ -161,7 +157,7 @@ TEST(PrunedContexts, AMapConversionStaysWithItsContext) {
               {14, "IFCMAPCONVERSION", "#10,#13,1.,2.,3.,$,$,$"},
               {15, "IFCPROJECTEDCRS", "'d',$,$,$,$,$,$"}});
   models.Add(u"b.ifc", "", {});
-  EXPECT_EQ((Numbers{1, 10, 11, 12, 13, 14}), NumbersOf(models.Run(kPrune)));
+  EXPECT_EQ((KeptLines{1, 10, 11, 12, 13, 14}), LinesIn(models.Run(kPrune)));
 }
 
 }  // namespace

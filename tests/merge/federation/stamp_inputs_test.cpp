@@ -16,7 +16,7 @@ using test::PlannedRecord;
 
 constexpr FederationChoices kStamp{.stamp = true};
 
-PlannedRecord Site(std::uint32_t number, const std::string& guid) {
+PlannedRecord SiteRecord(std::uint32_t number, const std::string& guid) {
   return {number, "IFCSITE", "'" + guid + "',$,'s',$,$,$,$,$,.ELEMENT.,$,$,$,$,$"};
 }
 
@@ -30,8 +30,9 @@ bool EndsLine(const std::string& text, const std::string& end) {
 }
 
 TEST_P(StampedInputs, EachHasAGroupOfItsNameWithItsProducts) {
-  models_.Add(u"a.ifc", "", {Site(10, "1"), Site(11, "2"), {12, "IFCDIRECTION", "(1.,0.)"}});
-  models_.Add(u"b.ifc", "", {Site(20, "3")});
+  models_.Add(u"a.ifc", "",
+              {SiteRecord(10, "1"), SiteRecord(11, "2"), {12, "IFCDIRECTION", "(1.,0.)"}});
+  models_.Add(u"b.ifc", "", {SiteRecord(20, "3")});
   const std::string text = models_.Run(kStamp);
   EXPECT_TRUE(EndsLine(text, ",'a.ifc',$,$);")) << text;
   EXPECT_TRUE(EndsLine(text, ",'b.ifc',$,$);"));
@@ -40,7 +41,7 @@ TEST_P(StampedInputs, EachHasAGroupOfItsNameWithItsProducts) {
 }
 
 TEST_P(StampedInputs, OneWithoutProductsHasNoGroup) {
-  models_.Add(u"a.ifc", "", {Site(10, "1")});
+  models_.Add(u"a.ifc", "", {SiteRecord(10, "1")});
   models_.Add(u"b.ifc", "", {{20, "IFCDIRECTION", "(1.,0.)"}});
   const std::string text = models_.Run(kStamp);
   EXPECT_TRUE(EndsLine(text, ",'a.ifc',$,$);"));
@@ -48,8 +49,8 @@ TEST_P(StampedInputs, OneWithoutProductsHasNoGroup) {
 }
 
 TEST_P(StampedInputs, InputsOfOneNameHaveTwoGroupsWithTheirOwnGuids) {
-  models_.Add(u"a.ifc", "", {Site(10, "1")});
-  models_.Add(u"a.ifc", "", {Site(20, "2")});
+  models_.Add(u"a.ifc", "", {SiteRecord(10, "1")});
+  models_.Add(u"a.ifc", "", {SiteRecord(20, "2")});
   const std::string text = models_.Run(kStamp);
   const std::size_t first = text.find("=IFCGROUP('");
   const std::size_t second = text.find("=IFCGROUP('", first + 1);
@@ -58,8 +59,8 @@ TEST_P(StampedInputs, InputsOfOneNameHaveTwoGroupsWithTheirOwnGuids) {
 }
 
 TEST_P(StampedInputs, ProductsThatWereLeftOutAreInNoGroup) {
-  models_.Add(u"a.ifc", "", {Site(10, "1"), Site(11, "2")});
-  models_.Add(u"b.ifc", "", {Site(20, "3")});
+  models_.Add(u"a.ifc", "", {SiteRecord(10, "1"), SiteRecord(11, "2")});
+  models_.Add(u"b.ifc", "", {SiteRecord(20, "3")});
   models_.At(0, 11).marker = IFC::kDeleted;
   EXPECT_NE(std::string::npos, models_.Run(kStamp).find(",(#10),$,#"));
 }
@@ -75,8 +76,8 @@ TEST(StampedInputsWithHistories, HaveThatOfTheirOwnProject) {
   const auto history = [](std::uint32_t number) {
     return PlannedRecord{number, "IFCOWNERHISTORY", "$,$,$,.NOCHANGE.,$,$,$,0"};
   };
-  models.Add(u"a.ifc", "", {Site(10, "1"), history(12)}, "#12");
-  models.Add(u"b.ifc", "", {Site(20, "2"), history(22)}, "#22");
+  models.Add(u"a.ifc", "", {SiteRecord(10, "1"), history(12)}, "#12");
+  models.Add(u"b.ifc", "", {SiteRecord(20, "2"), history(22)}, "#22");
   const std::string text = models.Run(kStamp);
   EXPECT_TRUE(EndsLine(text, ",#12,'a.ifc',$,$);")) << text;
   EXPECT_TRUE(EndsLine(text, ",#22,'b.ifc',$,$);")) << text;
