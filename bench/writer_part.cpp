@@ -14,6 +14,7 @@
 namespace {
 
 using corvel::List;
+using corvel::ModelText;
 using corvel::StepWriter;
 
 constexpr std::uint32_t kValues = 4096;

@@ -264,7 +264,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
   TakeEqualSign();
   // The name of a class in front of a bracket needs no other look.
   const std::string_view call = scanner->PeekCall();
-  row_ = factories->FindRow(call);
+  row_ = call.empty() ? nullptr : factories->FindRow(call);
   if (row_ != nullptr) {
     scanner->TakeCall(call);
     return ReadArguments(MakeEntity(marker));
