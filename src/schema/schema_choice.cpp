@@ -111,16 +111,16 @@ SchemaChoice ChooseSchemaTolerantly(const WideString& identifier, const WideStri
 
   const std::set<std::string> classes = ClassesIn(StartOf(path));
   const Release* best = nullptr;
-  std::tuple<std::size_t, bool, std::size_t, std::size_t> most;
+  std::tuple<std::size_t, std::size_t, std::size_t, bool> most;
   std::size_t shared = 0;
   for (const Release& release : releases) {
     const auto count = static_cast<std::size_t>(std::count_if(
         classes.begin(), classes.end(),
         [&](const std::string& one) { return release.classes->FindRow(one) != nullptr; }));
     const WideString known = Widen(NameOf(release.name));
-    const std::tuple measure(count, isStrict(release),
+    const std::tuple measure(count, CommonPrefix(name, known),
                              name.starts_with(known) ? known.size() : std::size_t{0},
-                             CommonPrefix(name, known));
+                             isStrict(release));
     if (best != nullptr && measure < most) continue;
     best = &release;
     most = measure;
