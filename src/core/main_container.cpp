@@ -52,14 +52,14 @@ constexpr ListOfClass kLists[] = {
 };
 
 // The class itself counts, not its supertypes; only the subtypes of IfcRelAssigns are one list.
-std::ptrdiff_t KindByName(IfcEntity* entity) {
+std::ptrdiff_t KindByName(IfcEntity& entity) {
   // One class for records of many names, none of which means anything here.
-  if (dynamic_cast<const CarriedEntity*>(entity) != nullptr) return kPlain;
-  const WideView name = entity->getClassName();
+  if (dynamic_cast<const CarriedEntity*>(&entity) != nullptr) return kPlain;
+  const WideView name = entity.getClassName();
   if (name == u"IfcProject") return kProject;
   for (std::size_t i = 0; i < std::size(kLists); ++i) {
     const bool matches = kLists[i].className.empty()
-                             ? corvel::EntityCast<VIfcRelAssigns>(entity) != nullptr
+                             ? corvel::EntityCast<VIfcRelAssigns>(&entity) != nullptr
                              : kLists[i].className == name;
     if (matches) return kFirstList + static_cast<std::ptrdiff_t>(i);
   }
@@ -71,7 +71,7 @@ std::ptrdiff_t KindOf(IfcEntity* entity) {
   static corvel::ClassMemory memory;
   const std::type_info* const dynamicClass = &typeid(*entity);
   if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
-  const std::ptrdiff_t kind = KindByName(entity);
+  const std::ptrdiff_t kind = KindByName(*entity);
   memory.Remember(dynamicClass, kind);
   return kind;
 }

@@ -110,7 +110,7 @@ NumberTable::Word& NumberTable::OwnWord(Word& word) {
   } else if (word.List() != nullptr && word.List()->owners != 1) {
     Few* const own = Few::CopyOf(*word.List());
     --word.List()->owners;
-    word = Word::OfList(own);
+    word = Word::OfList(own);  // NOLINT(clang-analyzer-unix.Malloc): the word owns it
   }
   return word;
 }
@@ -184,6 +184,7 @@ bool NumberTable::InsertAmongFew(Word& word, std::uint32_t low, IFC::IfcEntity* 
   std::copy_backward(few->begin() + at, few->end(), few->end() + 1);
   few->entries[at] = {low, entity};
   ++few->size;
+  // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the word owns it
   if (few->size < most && !few->IsRun()) return true;
   auto array = std::make_unique<Array>();
   const Word dense(array.get());

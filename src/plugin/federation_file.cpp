@@ -41,7 +41,7 @@ Mistake TakeContexts(const Value& value, FederationOptions& options) {
 
 Mistake TakeGuids(const Value& value, FederationOptions& options) {
   bool renew = false;
-  const Mistake mistake = TakeEither(value, "keep", "renew", renew);
+  Mistake mistake = TakeEither(value, "keep", "renew", renew);
   options.steps.guids = renew ? GuidHandling::kRenew : GuidHandling::kKeep;
   return mistake;
 }

@@ -1,9 +1,11 @@
 #include "merge/federation/federated_model.h"
 
+#include <utility>
+
 namespace corvel {
 
-FederatedModel::FederatedModel(const std::vector<IfcDocument*>& documents)
-    : documents_(documents) {}
+FederatedModel::FederatedModel(std::vector<IfcDocument*> documents)
+    : documents_(std::move(documents)) {}
 
 IFC::IfcEntity* FederatedModel::LastSurvivor(IFC::IfcEntity* entity) const {
   for (auto next = survivors_.find(entity); next != survivors_.end();

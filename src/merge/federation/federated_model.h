@@ -19,7 +19,7 @@ class FederatedModel {
  public:
   // `documents`: all that were folded into the first, in their order, the first included. All are
   // borrowed.
-  explicit FederatedModel(const std::vector<IfcDocument*>& documents);
+  explicit FederatedModel(std::vector<IfcDocument*> documents);
   FederatedModel(const FederatedModel&) = delete;
   FederatedModel& operator=(const FederatedModel&) = delete;
 
