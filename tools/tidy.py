@@ -39,7 +39,7 @@ def write_groups(groups, commands, folder):
         path = folder / f"group_{number}.cpp"
         path.write_text("\n".join(source.read_text() for source in group))
         of_first = commands[group[0]]
-        command = of_first["command"].replace(str(group[0]), str(path))
+        command = of_first["command"].replace(of_first["file"], str(path))
         entries.append(of_first | {"command": command, "file": str(path)})
     (folder / "compile_commands.json").write_text(json.dumps(entries))
     return [folder / f"group_{number}.cpp" for number in range(len(groups))]
@@ -60,7 +60,7 @@ def tidy(database, source):
 def main():
     database = pathlib.Path(sys.argv[1]).resolve()
     entries = json.loads((database / "compile_commands.json").read_text())
-    commands = {pathlib.Path(entry["file"]): entry for entry in entries}
+    commands = {pathlib.Path(entry["file"]).resolve(): entry for entry in entries}
     sources = [pathlib.Path(source).resolve() for source in sys.argv[2:]]
     groups = groups_of(sources, commands)
     paths = write_groups(groups, commands, database / "tidy")
