@@ -78,12 +78,30 @@ void AddMergeOptions(CLI::App& app, Words& words) {
   AddRepeated(app, "--offset", words.merge.offsets);
   app.add_option("--center", words.merge.center);
   app.add_option("--on-duplicate-guid", words.merge.onDuplicateGuid);
-  app.add_option("--contexts", words.merge.contexts);
-  app.add_option("--guids", words.merge.guids);
-  app.add_option("--header", words.merge.header);
-  app.add_flag("--stamp", words.merge.stamp);
   app.add_flag("--ignore-units", words.ignoreUnits);
   app.add_flag("--delete-openings", words.deleteOpenings);
+}
+
+void AddFederationOptions(CLI::App& app, Command command) {
+  for (const FederationOption& option : AllFederationOptions()) {
+    if (command != Command::kMerge && !(command == Command::kResave && option.ofResave)) continue;
+    const std::string name = "--" + std::string(option.name);
+    if (option.takesValue) {
+      app.add_option(name)->take_last();
+    } else {
+      app.add_flag(name);
+    }
+  }
+}
+
+// In the order in which they were typed, each with the last value that was given for it.
+void GatherFederation(const CLI::App& app, ChoiceWords& words) {
+  for (const CLI::Option* const given : app.parse_order()) {
+    const FederationOption* const option = FindFederationOption(given->get_single_name());
+    if (option == nullptr) continue;
+    words.federation.emplace_back(option,
+                                  option->takesValue ? given->as<std::string>() : std::string());
+  }
 }
 
 void AddOptions(CLI::App& app, Command command, Words& words) {
@@ -92,9 +110,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.allow_windows_style_options(false);
   app.add_option("FILE", words.files);
   if (command == Command::kMerge) AddMergeOptions(app, words);
-  if (command == Command::kMerge || command == Command::kResave) {
-    app.add_flag("--prune", words.merge.prune);
-  }
+  AddFederationOptions(app, command);
   if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);
@@ -211,6 +227,7 @@ Outcome ParseCommand(const CommandName& command, std::vector<std::string> argume
     if (extra != "--") return UnknownOption(command, app, extra);
   }
   if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);
+  GatherFederation(app, words.merge);
   auto choices = UnderstandChoices(words.merge, words.files);
   if (const auto* const mistake = std::get_if<std::string>(&choices)) {
     return Wrong(command, *mistake);

@@ -194,26 +194,13 @@ Mistake TakeGuidChoice(const ChoiceWords& words, RunChoices& choices) {
   return {};
 }
 
-// An option with two words of its own: whether the second was given.
-Mistake TakeEither(const char* option, const std::optional<std::string>& word, const char* usual,
-                   const char* other, bool& isOther) {
-  isOther = word == other;
-  if (!word || isOther || *word == usual) return {};
-  return std::string(option) + " takes " + Quoted(usual) + " or " + Quoted(other) + ", not " +
-         Quoted(*word);
-}
-
 Mistake TakeFederation(const ChoiceWords& words, FederationChoices& choices) {
-  choices.prune = words.prune;
-  choices.stamp = words.stamp;
-  if (auto mistake =
-          TakeEither("--contexts", words.contexts, "keep", "join", choices.joinContexts)) {
-    return mistake;
+  for (const auto& [option, value] : words.federation) {
+    auto mistake = option->take(value, choices);
+    if (!mistake) continue;
+    return "--" + std::string(option->name) + " " + *mistake + ", not " + Quoted(value);
   }
-  bool renew = false;
-  if (auto mistake = TakeEither("--guids", words.guids, "keep", "renew", renew)) return mistake;
-  if (renew) choices.guids = GuidHandling::kRenew;
-  return TakeEither("--header", words.header, "told", "new", choices.newHeader);
+  return {};
 }
 
 }  // namespace

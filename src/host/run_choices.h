@@ -11,6 +11,7 @@
 
 #include "core/text.h"
 #include "host/viewer_scene.h"
+#include "merge/federation/federation_options.h"
 #include "merge/merge_job.h"
 #include "merge/merge_shell.h"
 
@@ -51,11 +52,8 @@ struct ChoiceWords {
   std::vector<std::string> offsets;
   std::optional<std::string> center;
   std::optional<std::string> onDuplicateGuid;
-  std::optional<std::string> contexts;
-  std::optional<std::string> guids;
-  std::optional<std::string> header;
-  bool prune = false;
-  bool stamp = false;
+  // In the order in which they were typed; the value is empty for an option that takes none.
+  std::vector<std::pair<const FederationOption*, std::string>> federation;
 };
 
 // Fills what the words tell: everything but the flags of the options window. The first mistake

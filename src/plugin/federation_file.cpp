@@ -1,10 +1,10 @@
 #include "plugin/federation_file.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string>
 #include <string_view>
 
+#include "merge/federation/federation_options.h"
 #include "platform/file.h"
 
 namespace corvel::plugin {
@@ -18,62 +18,26 @@ using Mistake = std::optional<std::string>;
 // Nothing for an option without "=".
 using Value = std::optional<std::string_view>;
 
-Mistake TurnOn(const Value& value, bool& option) {
-  if (value) return "takes no value";
-  option = true;
-  return {};
-}
-
-Mistake TakeEither(const Value& value, std::string_view usual, std::string_view other,
-                   bool& isOther) {
-  isOther = value == other;
-  if (isOther || value == usual) return {};
-  return "takes '" + std::string(usual) + "' or '" + std::string(other) + "'";
-}
-
-Mistake TakeTolerant(const Value& value, FederationOptions& options) {
-  return TurnOn(value, options.tolerant);
-}
-
-Mistake TakeContexts(const Value& value, FederationOptions& options) {
-  return TakeEither(value, "keep", "join", options.steps.joinContexts);
-}
-
-Mistake TakeGuids(const Value& value, FederationOptions& options) {
-  bool renew = false;
-  Mistake mistake = TakeEither(value, "keep", "renew", renew);
-  options.steps.guids = renew ? GuidHandling::kRenew : GuidHandling::kKeep;
-  return mistake;
-}
-
-Mistake TakeHeader(const Value& value, FederationOptions& options) {
-  return TakeEither(value, "told", "new", options.steps.newHeader);
-}
-
-Mistake TakePrune(const Value& value, FederationOptions& options) {
-  return TurnOn(value, options.steps.prune);
-}
-
-Mistake TakeStamp(const Value& value, FederationOptions& options) {
-  return TurnOn(value, options.steps.stamp);
-}
-
-struct FileOption {
-  std::string_view name;
-  // What is wrong with the value, or nothing.
-  Mistake (*take)(const Value& value, FederationOptions& options);
-};
-
-// As on the command line.
-constexpr FileOption kOptions[] = {{"tolerant", TakeTolerant}, {"contexts", TakeContexts},
-                                   {"guids", TakeGuids},       {"header", TakeHeader},
-                                   {"prune", TakePrune},       {"stamp", TakeStamp}};
+constexpr std::string_view kTolerant = "tolerant";
+constexpr const char* kTakesNoValue = "takes no value";
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";
   const std::size_t begin = text.find_first_not_of(kBlanks);
   if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+Mistake TakeTolerant(const Value& value, FederationOptions& options) {
+  if (value) return kTakesNoValue;
+  options.tolerant = true;
+  return {};
+}
+
+// The same names and words as on the command line.
+Mistake TakeStep(const FederationOption& option, const Value& value, FederationChoices& steps) {
+  if (value && !option.takesValue) return kTakesNoValue;
+  return option.take(value.value_or(std::string_view()), steps);
 }
 
 Mistake TakeLine(std::string_view line, FederationOptions& options) {
@@ -84,11 +48,10 @@ Mistake TakeLine(std::string_view line, FederationOptions& options) {
   Value value;
   if (equal != std::string_view::npos) value = Trimmed(line.substr(equal + 1));
   const std::string quoted = "'" + std::string(name) + "'";
-  const auto* const option =
-      std::find_if(std::begin(kOptions), std::end(kOptions),
-                   [name](const FileOption& known) { return known.name == name; });
-  if (option == std::end(kOptions)) return "there is no option " + quoted;
-  const Mistake mistake = option->take(value, options);
+  const FederationOption* const option = FindFederationOption(name);
+  if (option == nullptr && name != kTolerant) return "there is no option " + quoted;
+  const Mistake mistake =
+      option == nullptr ? TakeTolerant(value, options) : TakeStep(*option, value, options.steps);
   if (!mistake) return {};
   return quoted + " " + *mistake;
 }

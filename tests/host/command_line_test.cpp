@@ -324,6 +324,42 @@ TEST(HelpTexts, EveryReleaseIsNamed) {
   EXPECT_NE(std::string::npos, help.find("of the releases " + list + ".")) << list;
 }
 
+TEST(CommandLine, OptionsOfFederationCountInTheirOrder) {
+  const auto prunes = [](std::vector<WideString> options) {
+    std::vector<WideString> words = {u"merge", u"a.ifc", u"b.ifc", u"-o", u"out.ifc"};
+    words.insert(words.end(), options.begin(), options.end());
+    return Parsed(words).choices.federation.prune;
+  };
+  EXPECT_FALSE(prunes({}));
+  EXPECT_TRUE(prunes({u"--prune"}));
+  EXPECT_FALSE(prunes({u"--prune", u"--stamp", u"--no-prune"}));
+  EXPECT_TRUE(prunes({u"--no-prune", u"--prune"}));
+  EXPECT_TRUE(Parsed({u"resave", u"a.ifc", u"b.ifc", u"--prune"}).choices.federation.prune);
+}
+
+TEST(CommandLine, OfTwoValuesOfAnOptionOfFederationTheLastCounts) {
+  const auto joins = [](const WideString& first, const WideString& last) {
+    return Parsed({u"merge", u"a", u"b", u"-o", u"c", u"--contexts", first, u"--prune",
+                   u"--contexts", last})
+        .choices.federation.joinContexts;
+  };
+  EXPECT_TRUE(joins(u"keep", u"join"));
+  EXPECT_FALSE(joins(u"join", u"keep"));
+}
+
+TEST(CommandLine, AnOptionOfFederationNeedsAWordOfItsOwn) {
+  EXPECT_TRUE(Parsed({u"merge", u"a", u"b", u"-o", u"c", u"--contexts=join"})
+                  .choices.federation.joinContexts);
+  EXPECT_EQ(
+      "merge: --contexts takes 'keep' or 'join', not 'both'\n"
+      "See 'corvel merge --help'.",
+      ErrorOf({u"merge", u"a", u"b", u"-o", u"c", u"--contexts", u"both"}));
+  EXPECT_EQ(
+      "resave: unknown option '--stamp'. "
+      "(A file name that begins with '-' goes behind '--'.)\nSee 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--stamp"}));
+}
+
 TEST(HelpTexts, NoLineIsLongerThanATerminal) {
   for (const WideView help : {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave),
                               HelpOf(Command::kInfo), HelpOf(Command::kTree)}) {

@@ -197,6 +197,14 @@ TEST(RunChoices, ADuplicateGuidIsGeneratedOrSkipped) {
   EXPECT_EQ("--on-duplicate-guid takes 'generate' or 'skip', not 'ask'", MistakeIn(words));
 }
 
+namespace {
+
+std::pair<const FederationOption*, std::string> Option(const char* name, const char* value = "") {
+  return {FindFederationOption(name), value};
+}
+
+}  // namespace
+
 TEST(RunChoices, NothingOfFederationIsOnByDefault) {
   const FederationChoices none = Understood({}).federation;
   EXPECT_FALSE(none.ChangeModel());
@@ -205,11 +213,8 @@ TEST(RunChoices, NothingOfFederationIsOnByDefault) {
 
 TEST(RunChoices, FederationIsChosenStepByStep) {
   ChoiceWords words;
-  words.contexts = "join";
-  words.guids = "renew";
-  words.header = "new";
-  words.prune = true;
-  words.stamp = true;
+  words.federation = {Option("contexts", "join"), Option("guids", "renew"), Option("header", "new"),
+                      Option("prune"), Option("stamp")};
   RunChoices choices = Understood(words);
   EXPECT_TRUE(choices.federation.joinContexts);
   EXPECT_EQ(GuidHandling::kRenew, choices.federation.guids);
@@ -217,11 +222,8 @@ TEST(RunChoices, FederationIsChosenStepByStep) {
   EXPECT_TRUE(choices.federation.prune);
   EXPECT_TRUE(choices.federation.stamp);
   EXPECT_TRUE(choices.Over({}).federation.joinContexts);
-  words.contexts = "keep";
-  words.guids = "keep";
-  words.header = "told";
-  words.prune = false;
-  words.stamp = false;
+  words.federation = {Option("contexts", "keep"), Option("guids", "keep"),
+                      Option("header", "told")};
   choices = Understood(words);
   EXPECT_FALSE(choices.federation.ChangeModel());
   EXPECT_FALSE(choices.federation.newHeader);
@@ -229,14 +231,24 @@ TEST(RunChoices, FederationIsChosenStepByStep) {
 
 TEST(RunChoices, AStepOfFederationTakesItsOwnWords) {
   ChoiceWords words;
-  words.contexts = "Join";
+  words.federation = {Option("contexts", "Join")};
   EXPECT_EQ("--contexts takes 'keep' or 'join', not 'Join'", MistakeIn(words));
   words = {};
-  words.guids = "";
+  words.federation = {Option("guids", "")};
   EXPECT_EQ("--guids takes 'keep' or 'renew', not ''", MistakeIn(words));
   words = {};
-  words.header = "join";
+  words.federation = {Option("header", "join")};
   EXPECT_EQ("--header takes 'told' or 'new', not 'join'", MistakeIn(words));
+}
+
+TEST(RunChoices, OfTwoOptionsOfAStepTheLastCounts) {
+  ChoiceWords words;
+  words.federation = {Option("prune"), Option("stamp"), Option("no-prune"),
+                      Option("contexts", "join"), Option("contexts", "keep")};
+  const FederationChoices choices = Understood(words).federation;
+  EXPECT_FALSE(choices.prune);
+  EXPECT_TRUE(choices.stamp);
+  EXPECT_FALSE(choices.joinContexts);
 }
 
 TEST(RunChoices, ChoicesOfARunGoOverTheRememberedOnes) {

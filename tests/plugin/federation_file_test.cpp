@@ -66,6 +66,12 @@ TEST_F(FederationFile, HasTheStepsOfTheCommandLine) {
   EXPECT_FALSE(options_.steps.newHeader);
 }
 
+TEST_F(FederationFile, OfTwoLinesForAStepTheLastCounts) {
+  EXPECT_EQ("", Mistake("prune\nno-stamp\nstamp\nno-prune\n"));
+  EXPECT_FALSE(options_.steps.prune);
+  EXPECT_TRUE(options_.steps.stamp);
+}
+
 TEST_F(FederationFile, AStepTakesItsOwnWords) {
   EXPECT_EQ(", line 1: 'contexts' takes 'keep' or 'join'.", Mistake("contexts"));
   EXPECT_EQ(", line 1: 'guids' takes 'keep' or 'renew'.", Mistake("guids = Renew"));

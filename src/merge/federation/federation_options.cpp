@@ -1,0 +1,81 @@
+#include "merge/federation/federation_options.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace corvel {
+
+namespace {
+
+using Mistake = std::optional<std::string>;
+
+template <class T>
+using Words = std::span<const std::pair<std::string_view, T>>;
+
+// "takes 'keep', 'renew' or 'join'"
+template <class T>
+std::string TakesOneOf(Words<T> words) {
+  std::string text = "takes ";
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i != 0) text += i + 1 == words.size() ? " or " : ", ";
+    text.append("'").append(words[i].first).append("'");
+  }
+  return text;
+}
+
+template <class T, std::size_t kCount>
+Mistake TakeOneOf(const std::pair<std::string_view, T> (&words)[kCount], std::string_view value,
+                  T& chosen) {
+  for (const auto& [word, meaning] : words) {
+    if (value != word) continue;
+    chosen = meaning;
+    return {};
+  }
+  return TakesOneOf(Words<T>(words));
+}
+
+Mistake TakeContexts(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, bool> kWords[] = {{"keep", false}, {"join", true}};
+  return TakeOneOf(kWords, value, choices.joinContexts);
+}
+
+Mistake TakeGuids(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, GuidHandling> kWords[] = {{"keep", GuidHandling::kKeep},
+                                                                  {"renew", GuidHandling::kRenew}};
+  return TakeOneOf(kWords, value, choices.guids);
+}
+
+Mistake TakeHeader(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, bool> kWords[] = {{"told", false}, {"new", true}};
+  return TakeOneOf(kWords, value, choices.newHeader);
+}
+
+template <bool FederationChoices::*kChoice, bool kOn>
+Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
+  choices.*kChoice = kOn;
+  return {};
+}
+
+constexpr FederationOption kOptions[] = {
+    {.name = "contexts", .takesValue = true, .take = TakeContexts},
+    {.name = "guids", .takesValue = true, .take = TakeGuids},
+    {.name = "header", .takesValue = true, .take = TakeHeader},
+    {.name = "prune", .ofResave = true, .take = Turn<&FederationChoices::prune, true>},
+    {.name = "no-prune", .ofResave = true, .take = Turn<&FederationChoices::prune, false>},
+    {.name = "stamp", .take = Turn<&FederationChoices::stamp, true>},
+    {.name = "no-stamp", .take = Turn<&FederationChoices::stamp, false>},
+};
+
+}  // namespace
+
+std::span<const FederationOption> AllFederationOptions() { return kOptions; }
+
+const FederationOption* FindFederationOption(std::string_view name) {
+  const auto* const found =
+      std::find_if(std::begin(kOptions), std::end(kOptions),
+                   [name](const FederationOption& option) { return option.name == name; });
+  return found == std::end(kOptions) ? nullptr : found;
+}
+
+}  // namespace corvel
