@@ -78,6 +78,8 @@ constexpr char16_t kMergeOptions[] =
   --stamp                 a group for each model, with its products
   --header told|new       new: name, time and program of this run, and the
                           inputs in the description; told: that of the first
+  --numbers told|exact    exact: each real in the fewest digits that read back
+                          as the same number; told: in 15 digits
 )help";
 
 constexpr char16_t kMergeLists[] =
@@ -116,6 +118,8 @@ numbers, one record to a line.
 
 Options:
   --prune                 leave out what nothing with a GUID needs
+  --numbers told|exact    exact: each real in the fewest digits that read back
+                          as the same number; told: in 15 digits
 )help";
 
 constexpr char16_t kModelOptions[] =

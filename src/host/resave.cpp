@@ -46,6 +46,7 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
   if (!RunFederation({&document}, options.federation, ProgressWindow::UpdateProgress)) {
     return result;
   }
+  document.numbers = options.federation.numbers;
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");

@@ -15,6 +15,7 @@
 #include "merge/marker_pair.h"
 #include "merge/merge_status.h"
 #include "step/factories.h"
+#include "step/numbers/number_form.h"
 
 namespace corvel {
 
@@ -120,6 +121,7 @@ class IfcDocument {
   // Containers taken over by merging. Their pools hold entities and texts of this model.
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
+  NumberForm numbers = NumberForm::kTold;  // of SaveFile
   // Where the complete output of the last SaveFile lies when that failed for one reason only: it
   // could not be put at its place. Empty otherwise.
   WideString outputKeptAt;

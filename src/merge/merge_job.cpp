@@ -291,6 +291,7 @@ bool MergeJob::Save() {
   Log(u"Saving to output file ...");
   IfcDocument& document = *models_.front().document;
   RenewHeaderIfWanted();
+  document.numbers = shell_.Options().federation.numbers;
   const bool complete = Outcome{document.SaveFile(outputPath_)} == Outcome::kComplete;
   outputKeptAt_ = document.outputKeptAt;
   Log(u"Saving DONE");

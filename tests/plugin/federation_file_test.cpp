@@ -55,7 +55,9 @@ TEST_F(FederationFile, TheFirstMistakeIsToldWithItsLine) {
 }
 
 TEST_F(FederationFile, HasTheStepsOfTheCommandLine) {
-  EXPECT_EQ("", Mistake("contexts = join\nguids=renew\nheader = new\nprune\nstamp # all\n"));
+  EXPECT_EQ("", Mistake("contexts = join\nguids=renew\nheader = new\nprune\nstamp # all\n"
+                        "numbers = exact\n"));
+  EXPECT_EQ(NumberForm::kExact, options_.steps.numbers);
   EXPECT_TRUE(options_.steps.joinContexts);
   EXPECT_EQ(GuidHandling::kRenew, options_.steps.guids);
   EXPECT_TRUE(options_.steps.newHeader);
@@ -76,6 +78,7 @@ TEST_F(FederationFile, AStepTakesItsOwnWords) {
   EXPECT_EQ(", line 1: 'contexts' takes 'keep' or 'join'.", Mistake("contexts"));
   EXPECT_EQ(", line 1: 'guids' takes 'keep' or 'renew'.", Mistake("guids = Renew"));
   EXPECT_EQ(", line 1: 'header' takes 'told' or 'new'.", Mistake("header ="));
+  EXPECT_EQ(", line 1: 'numbers' takes 'told' or 'exact'.", Mistake("numbers = 15"));
   EXPECT_EQ(", line 1: 'prune' takes no value.", Mistake("prune = yes"));
 }
 

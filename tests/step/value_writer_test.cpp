@@ -326,5 +326,13 @@ TEST_F(ValueWriter, AFullDiskShowsAsAnException) {
       std::runtime_error);
 }
 
+TEST_F(ValueWriter, ExactNumbersReadBackAsTheyAreAlsoInListsAndCounts) {
+  StepWriter exact(stream_, NumberForm::kExact);
+  exact.WriteReal(0.1 + 0.2);
+  exact.WriteCount(1234567.0);
+  exact.WriteRealList(ListOf({1.5, -0.0, 1e100}));
+  EXPECT_EQ("0.30000000000000004,1234567,(1.5,-0.,1.E+100),", Written());
+}
+
 }  // namespace
 }  // namespace corvel

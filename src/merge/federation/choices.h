@@ -1,6 +1,8 @@
 // What a user may ask for beyond the plain fold. Everything is off unless it is asked for.
 #pragma once
 
+#include "step/numbers/number_form.h"
+
 namespace corvel {
 
 enum class GuidHandling {
@@ -14,6 +16,7 @@ struct FederationChoices {
   bool prune = false;      // what nothing needs is left out
   bool stamp = false;      // a group for each input
   bool newHeader = false;  // the header tells of this run, not of the first input's
+  NumberForm numbers = NumberForm::kTold;
 
   bool ChangeModel() const {
     return joinContexts || guids != GuidHandling::kKeep || prune || stamp;

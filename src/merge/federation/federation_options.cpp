@@ -51,6 +51,12 @@ Mistake TakeHeader(std::string_view value, FederationChoices& choices) {
   return TakeOneOf(kWords, value, choices.newHeader);
 }
 
+Mistake TakeNumbers(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, NumberForm> kWords[] = {{"told", NumberForm::kTold},
+                                                                {"exact", NumberForm::kExact}};
+  return TakeOneOf(kWords, value, choices.numbers);
+}
+
 template <bool FederationChoices::*kChoice, bool kOn>
 Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
   choices.*kChoice = kOn;
@@ -61,6 +67,7 @@ constexpr FederationOption kOptions[] = {
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
     {.name = "guids", .takesValue = true, .take = TakeGuids},
     {.name = "header", .takesValue = true, .take = TakeHeader},
+    {.name = "numbers", .takesValue = true, .ofResave = true, .take = TakeNumbers},
     {.name = "prune", .ofResave = true, .take = Turn<&FederationChoices::prune, true>},
     {.name = "no-prune", .ofResave = true, .take = Turn<&FederationChoices::prune, false>},
     {.name = "stamp", .take = Turn<&FederationChoices::stamp, true>},

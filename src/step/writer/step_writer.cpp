@@ -23,7 +23,9 @@ StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, Model
       model_(std::move(model)),
       path_(std::move(path)) {}
 
-StepWriter::StepWriter(FileStream::OutpoutStream& stream) : stream_(&stream) {}
+StepWriter::StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers) : stream_(&stream) {
+  model_.numbers = numbers;
+}
 
 StepWriter::~StepWriter() = default;
 

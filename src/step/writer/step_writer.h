@@ -15,6 +15,7 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "step/enum_table.h"
+#include "step/numbers/number_form.h"
 #include "step/streams/outpout_stream.h"
 
 namespace corvel {
@@ -31,6 +32,7 @@ struct ModelToWrite {
   HeaderToken* header = nullptr;
   WideString isoLine;                        // the word that the file begins with
   IFC::IfcEntity* unitAssignment = nullptr;  // may be null
+  NumberForm numbers = NumberForm::kTold;
 };
 
 // Turns the objects of a model into bytes. Every value ends with a comma; whoever closes a group
@@ -42,7 +44,7 @@ class StepWriter {
              WideString path);
   // For values and single lines: writes to a stream of the caller, which is borrowed. Not for
   // WriteFile.
-  explicit StepWriter(FileStream::OutpoutStream& stream);
+  explicit StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers = NumberForm::kTold);
   ~StepWriter();
   StepWriter(const StepWriter&) = delete;
   StepWriter& operator=(const StepWriter&) = delete;
@@ -63,9 +65,10 @@ class StepWriter {
   // and lists are borrowed for the call.
   void WriteText(ModelText text);    // 'text', encoded, up to the NUL
   void WriteGuid(const char* guid);  // as WriteText, each byte a character
-  void WriteReal(double value);      // 3., 2.5E-05,
+  void WriteReal(double value);      // 3., 2.5E-05, (exact: see step/numbers/exact_real.h)
   void WriteInteger(std::int32_t value);
-  void WriteCount(double value);  // six significant digits, no forced point: 3, 1e+06,
+  // Six significant digits and no forced point, unless numbers are exact: 3, 1e+06,
+  void WriteCount(double value);
   void WriteBinaryValue(std::int32_t value);
   void WriteBoolean(std::int32_t value);  // .T., .F., and $, for any other number
   void WriteLogical(std::int32_t value);

@@ -7,6 +7,7 @@
 
 #include "core/entity_cast.h"
 #include "step/numbers/byte_runs.h"
+#include "step/numbers/exact_real.h"
 #include "step/numbers/number_text.h"
 #include "step/writer/step_writer.h"
 
@@ -163,7 +164,8 @@ void StepWriter::WriteGuid(const char* guid) { WritePlain(guid); }
 
 void StepWriter::WriteReal(double value) {
   char* const begin = stream_->Reserve(kNumberRoom + 1);
-  char* end = FormatReal(value, begin);
+  const bool exact = model_.numbers == NumberForm::kExact;
+  char* end = exact ? FormatExactReal(value, begin) : FormatReal(value, begin);
   *end++ = ',';
   stream_->Advance(static_cast<std::size_t>(end - begin));
 }
@@ -177,7 +179,8 @@ void StepWriter::WriteInteger(std::int32_t value) {
 
 void StepWriter::WriteCount(double value) {
   char* const begin = stream_->Reserve(kNumberRoom + 1);
-  char* end = FormatCount(value, begin);
+  const bool exact = model_.numbers == NumberForm::kExact;
+  char* end = exact ? FormatExactCount(value, begin) : FormatCount(value, begin);
   *end++ = ',';
   stream_->Advance(static_cast<std::size_t>(end - begin));
 }
