@@ -42,6 +42,13 @@ std::int32_t IntegerOf(const IFC::IfcEntity& entity, std::string_view attribute)
   return value == nullptr ? 0 : *value;
 }
 
+WideString DisplayName(const IFC::IfcEntity& entity) {
+  const WideString name = TextOf(entity, "Name");
+  WideString text = entity.getClassName();
+  if (!name.empty()) text += u" '" + name + u"'";
+  return text + u" (#" + ToWide(entity.marker) + u")";
+}
+
 bool AppendReference(IFC::IfcEntity& entity, std::string_view attribute, IFC::IfcEntity& member,
                      MemoryPool& pool) {
   if (FindFacts(entity) == nullptr) return false;

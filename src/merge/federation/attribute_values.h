@@ -21,6 +21,9 @@ const List<double>* RealsOf(const IFC::IfcEntity& entity, std::string_view attri
 double RealOf(const IFC::IfcEntity& entity, std::string_view attribute);
 std::int32_t IntegerOf(const IFC::IfcEntity& entity, std::string_view attribute);
 
+// "IfcWall 'Wall' (#12)", for the log; without a name it is left out.
+WideString DisplayName(const IFC::IfcEntity& entity);
+
 // Puts a value in, as BasicAttribute::Set. False also where the class has no such attribute.
 template <class T>
 bool SetAttribute(IFC::IfcEntity& entity, std::string_view attribute, T value) {

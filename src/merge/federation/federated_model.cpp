@@ -1,11 +1,31 @@
 #include "merge/federation/federated_model.h"
 
+#include <stdexcept>
 #include <utility>
+
+#include "schema/registry.h"
+#include "step/reader/parser.h"
 
 namespace corvel {
 
 FederatedModel::FederatedModel(std::vector<IfcDocument*> documents)
     : documents_(std::move(documents)) {}
+
+std::optional<SchemaNamespace> FederatedModel::Release() const {
+  const FactoryTable* const classes = Merged().GetParser().factories;
+  const auto is = [classes](SchemaNamespace release) {
+    try {
+      return &FactoriesOf(release) == classes;
+    } catch (const std::logic_error&) {  // not of this build
+      return false;
+    }
+  };
+#define CORVEL_RELEASE(name) \
+  if (is(SchemaNamespace::name)) return SchemaNamespace::name;
+#include "step/releases.inc"
+#undef CORVEL_RELEASE
+  return {};
+}
 
 IFC::IfcEntity* FederatedModel::LastSurvivor(IFC::IfcEntity* entity) const {
   for (auto next = survivors_.find(entity); next != survivors_.end();

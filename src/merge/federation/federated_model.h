@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
 #include "core/main_container.h"
 #include "core/ticker.h"
 #include "merge/document.h"
+#include "step/factories.h"
 
 namespace corvel {
 
@@ -27,6 +29,8 @@ class FederatedModel {
   IfcDocument& Document(std::size_t input) const { return *documents_[input]; }
   IfcDocument& Merged() const { return *documents_.front(); }
   IFC::MainContainer& Container() const { return *Merged().mainContainer; }
+  // Nothing when the classes of the model are those of no release.
+  std::optional<SchemaNamespace> Release() const;
   // The project that those of all inputs gave way to. Null without one.
   IFC::IfcEntity* Project() const { return Container().FirstProject(); }
 
@@ -45,6 +49,14 @@ class FederatedModel {
   // Leaves the object out of what is written: `$` stands in places that refer to it, and lists are
   // shorter by it.
   void Delete(IFC::IfcEntity& entity);
+
+  bool HasSurvivors() const { return !survivors_.empty(); }
+  // Calls `action` with each object that gave way and the one that stands for it now, which may be
+  // deleted. In no particular order.
+  template <class Action>
+  void ForEachThatGaveWay(Action action) const {
+    for (const auto& [gone, survivor] : survivors_) action(*gone, *LastSurvivor(survivor));
+  }
 
   // Calls `action` with each object that came with an input and is in the model, in ascending
   // number of its file. False as soon as the user cancels; each object is a piece for `ticker`.

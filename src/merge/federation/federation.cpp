@@ -3,6 +3,7 @@
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
 #include "merge/federation/join_contexts.h"
+#include "merge/federation/mend_relations.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
 #include "merge/federation/stamp_inputs.h"
@@ -30,6 +31,21 @@ class Steps {
         Count(counts.entered));
     for (const WideString& context : counts.apart) {
       Log(u"Context stays apart for its coordinate system: " + context);
+    }
+    return done;
+  }
+
+  bool MendRelations() {
+    MendedRelations counts;
+    const bool done = Run(u"relations", [&](Ticker& ticker) {
+      return corvel::MendRelations(model_, ticker, counts);
+    });
+    Log(u"Members that left a later relation: " + Count(counts.left) + u", relations united: " +
+        Count(counts.united) + u", gone: " + Count(counts.gone));
+    Log(u"Property sets joined: " + Count(counts.propertySets) + u", records left behind: " +
+        Count(counts.leftBehind));
+    for (const WideString& difference : counts.differences) {
+      Log(u"Differs, and the first stays: " + difference);
     }
     return done;
   }

@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/map_properties.h"
 #include "merge/federation/same_value.h"
 #include "merge/length_unit.h"
 #include "platform/file.h"
@@ -81,12 +82,6 @@ struct Context {
   std::vector<IFC::IfcEntity*> mapProperties;  // in their place, in IFC2X3; by name
 };
 
-// The sets that say in IFC2X3 what map conversions and reference systems say from IFC4 on.
-bool IsAboutMap(const IFC::IfcEntity& propertySet) {
-  const WideString name = ToLowerAscii(TextOf(propertySet, "Name"));
-  return name == u"epset_mapconversion" || name == u"epset_projectedcrs";
-}
-
 class ContextJoiner {
  public:
   ContextJoiner(FederatedModel& model, JoinedContexts& counts) : model_(model), counts_(counts) {}
@@ -124,7 +119,7 @@ class ContextJoiner {
         contexts_.push_back(&entity);
       } else if (isConversion_.IsTrueOf(entity)) {
         conversions_[ReferenceOf(entity, "SourceCRS")].push_back(&entity);
-      } else if (isPropertySet_.IsTrueOf(entity) && IsAboutMap(entity)) {
+      } else if (isPropertySet_.IsTrueOf(entity) && IsNameOfMapProperties(TextOf(entity, "Name"))) {
         const EntityList* const properties = ReferencesOf(entity, "HasProperties");
         if (properties == nullptr) return;
         mapProperties_.insert(mapProperties_.end(), properties->begin(), properties->end());

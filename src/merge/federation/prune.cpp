@@ -21,21 +21,18 @@ class Pruner {
 
   bool Run(Ticker& ticker, std::size_t& pruned) {
     if (!Gather(ticker)) return false;
-    std::sort(pointers_.begin(), pointers_.end(), [](const Pointer& one, const Pointer& other) {
-      return one.described < other.described;
-    });
-    for (IFC::IfcEntity* const root : roots_) Keep(root);
-    while (!waiting_.empty()) {
-      IFC::IfcEntity* const entity = waiting_.back();
-      waiting_.pop_back();
-      if (entity->visitStamp == whole_) {
-        KeepChildren(*entity);
-      } else {
-        KeepAllButDescribed(*entity);
-      }
-      KeepPointersTo(*entity);
+    MarkKept();
+    for (const auto& [number, entity] : model_.Container().entities) {
+      if (entity->marker != IFC::kDeleted) Drop(*entity, pruned);
     }
-    pruned = Sweep();
+    return true;
+  }
+
+  bool RunBehind(const std::vector<IFC::IfcEntity*>& gone, Ticker& ticker, std::size_t& pruned) {
+    if (!Gather(ticker)) return false;
+    const std::vector<IFC::IfcEntity*> belongings = BelongingsOf(gone);
+    MarkKept();
+    for (IFC::IfcEntity* const entity : belongings) Drop(*entity, pruned);
     return true;
   }
 
@@ -47,18 +44,74 @@ class Pruner {
     IFC::IfcEntity* pointing = nullptr;
   };
 
+  void MarkKept() {
+    for (IFC::IfcEntity* const root : roots_) Keep(root);
+    while (!waiting_.empty()) {
+      IFC::IfcEntity* const entity = waiting_.back();
+      waiting_.pop_back();
+      if (entity->visitStamp == whole_) {
+        KeepChildren(*entity);
+      } else {
+        KeepAllButDescribed(*entity);
+      }
+      KeepPointersTo(*entity);
+    }
+  }
+
+  void Drop(IFC::IfcEntity& entity, std::size_t& pruned) {
+    if (IsKept(entity)) return;
+    model_.Delete(entity);
+    ++pruned;
+  }
+
+  // What is led to without passing anything that stays for its own sake, and what points there.
+  std::vector<IFC::IfcEntity*> BelongingsOf(const std::vector<IFC::IfcEntity*>& gone) {
+    std::vector<IFC::IfcEntity*> belongings;
+    const std::uint32_t belongs = IFC::NextVisitGeneration();
+    const auto take = [&](IFC::IfcEntity& entity) {
+      if (entity.visitStamp == belongs || !model_.Contains(entity) || IsRoot(entity)) return;
+      entity.visitStamp = belongs;
+      belongings.push_back(&entity);
+    };
+    const auto takeChildren = [&](const IFC::IfcEntity& entity) {
+      entity.CollectAllChildren(children_);
+      while (!children_.IsEmpty()) {
+        IFC::IfcEntity* const child = children_.TakeBack().entity;
+        if (child == nullptr) continue;
+        if (child->inlineValue) {
+          child->CollectAllChildren(children_);
+        } else {
+          take(*child);
+        }
+      }
+    };
+    for (const IFC::IfcEntity* const entity : gone) takeChildren(*entity);
+    for (std::size_t next = 0; next < belongings.size();) {
+      const IFC::IfcEntity& entity = *belongings[next++];
+      takeChildren(entity);
+      ForEachPointerTo(entity, take);
+    }
+    return belongings;
+  }
+
   bool Gather(Ticker& ticker) {
     for (const auto& [number, entity] : model_.Container().entities) {
       if (entity->marker != IFC::kDeleted) Gather(*entity);
       if (!ticker.Advance()) return false;
     }
+    std::sort(pointers_.begin(), pointers_.end(), [](const Pointer& one, const Pointer& other) {
+      return one.described < other.described;
+    });
     return true;
   }
 
+  static bool IsRoot(IFC::IfcEntity& entity) {
+    return EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr ||
+           EntityCast<IFC::CarriedEntity>(&entity) != nullptr;
+  }
+
   void Gather(IFC::IfcEntity& entity) {
-    const bool isRoot = EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr ||
-                        EntityCast<IFC::CarriedEntity>(&entity) != nullptr;
-    if (isRoot) {
+    if (IsRoot(entity)) {
       roots_.push_back(&entity);
       return;
     }
@@ -102,15 +155,22 @@ class Pruner {
     }
   }
 
-  void KeepPointersTo(const IFC::IfcEntity& described) {
+  template <class Action>
+  void ForEachPointerTo(const IFC::IfcEntity& described, Action action) {
     auto pointer = std::lower_bound(
         pointers_.begin(), pointers_.end(), &described,
         [](const Pointer& one, const IFC::IfcEntity* other) { return one.described < other; });
     for (; pointer != pointers_.end() && pointer->described == &described; ++pointer) {
-      if (IsKept(*pointer->pointing)) continue;
-      pointer->pointing->visitStamp = asPointer_;
-      waiting_.push_back(pointer->pointing);
+      action(*pointer->pointing);
     }
+  }
+
+  void KeepPointersTo(const IFC::IfcEntity& described) {
+    ForEachPointerTo(described, [this](IFC::IfcEntity& pointing) {
+      if (IsKept(pointing)) return;
+      pointing.visitStamp = asPointer_;
+      waiting_.push_back(&pointing);
+    });
   }
 
   // What a pointer describes beside what it is kept for does not stay for its sake.
@@ -123,16 +183,6 @@ class Pruner {
       attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { KeepReferred(child); });
       while (!children_.IsEmpty()) KeepReferred(children_.TakeBack().entity);
     }
-  }
-
-  std::size_t Sweep() {
-    std::size_t pruned = 0;
-    for (const auto& [number, entity] : model_.Container().entities) {
-      if (entity->marker == IFC::kDeleted || IsKept(*entity)) continue;
-      model_.Delete(*entity);
-      ++pruned;
-    }
-    return pruned;
   }
 
   FederatedModel& model_;
@@ -149,6 +199,11 @@ class Pruner {
 
 bool Prune(FederatedModel& model, Ticker& ticker, std::size_t& pruned) {
   return Pruner(model).Run(ticker, pruned);
+}
+
+bool PruneLeftBehind(FederatedModel& model, const std::vector<IFC::IfcEntity*>& gone,
+                     Ticker& ticker, std::size_t& pruned) {
+  return Pruner(model).RunBehind(gone, ticker, pruned);
 }
 
 }  // namespace corvel

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
@@ -14,5 +15,10 @@ namespace corvel {
 // it describes, and lists of that are shorter by what went. Records of unknown classes stay with
 // all that they refer to. False: the user cancelled.
 bool Prune(FederatedModel& model, Ticker& ticker, std::size_t& pruned);
+
+// The same among what these objects, which are not in the model any more, led to: the shape of a
+// product that gave way goes unless somebody else has it too, and loose points of others stay.
+bool PruneLeftBehind(FederatedModel& model, const std::vector<IFC::IfcEntity*>& gone,
+                     Ticker& ticker, std::size_t& pruned);
 
 }  // namespace corvel

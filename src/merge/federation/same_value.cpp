@@ -1,5 +1,6 @@
 #include "merge/federation/same_value.h"
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 #include <string_view>
@@ -15,7 +16,7 @@ namespace {
 
 class Comparison {
  public:
-  Comparison(double tolerance, std::string_view ignored)
+  Comparison(double tolerance, std::span<const std::string_view> ignored)
       : tolerance_(tolerance), ignored_(ignored) {}
 
   bool Same(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
@@ -48,9 +49,13 @@ class Comparison {
     std::size_t index = 0;
     for (const ConstAttribute here : AttributesOf(one)) {
       const ConstAttribute opposite = there[index++];
-      if (here.Name() != ignored_ && !SameAttribute(here, opposite)) return false;
+      if (!IsIgnored(here.Name()) && !SameAttribute(here, opposite)) return false;
     }
     return true;
+  }
+
+  bool IsIgnored(std::string_view name) const {
+    return std::find(ignored_.begin(), ignored_.end(), name) != ignored_.end();
   }
 
   bool SameAttribute(const ConstAttribute& here, const ConstAttribute& there) {
@@ -82,7 +87,7 @@ class Comparison {
   }
 
   double tolerance_;
-  std::string_view ignored_;
+  std::span<const std::string_view> ignored_;
   std::set<Pair> met_;
   std::vector<Pair> waiting_;
 };
@@ -90,7 +95,7 @@ class Comparison {
 }  // namespace
 
 bool SameByValue(const IFC::IfcEntity* one, const IFC::IfcEntity* other, double tolerance,
-                 std::string_view ignored) {
+                 std::span<const std::string_view> ignored) {
   return Comparison(tolerance, ignored).Same(one, other);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "merge/federation/federated_model.h"
 #include "merge/federation/federation.h"
 #include "merge/graph_document.h"
 #include "merge/merge_documents.h"
@@ -47,10 +48,27 @@ class FederatedDocuments {
     return LinesOf(*merged_->mainContainer);
   }
 
+  // What is written behind fold and `step`, which gets the FederatedModel, as Run gives it.
+  template <class Step>
+  std::string RunStep(Step step) {
+    std::vector<IfcDocument*> documents;
+    for (const auto& document : documents_) documents.push_back(&**document);
+    merged_ = MergeDocuments(documents, {}, {});
+    if (merged_ == nullptr) return "not merged";
+    FederatedModel model(documents);
+    step(model);
+    model.Settle();
+    merged_->mainContainer->FillMarkers();
+    return LinesOf(*merged_->mainContainer);
+  }
+
   // Before Run. An object as its file numbers it.
   IFC::IfcEntity& At(std::size_t document, std::uint32_t number) {
     return *(**documents_[document]).mainContainer->GetEntityByOrginalNumber(number);
   }
+
+  // The ticks of fold and steps, and the button that stops them.
+  RecordedProgress& Progress() { return world_.progress; }
 
  private:
   std::string ProjectGuid() const {

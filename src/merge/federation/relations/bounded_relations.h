@@ -1,0 +1,26 @@
+// No more relations of a kind than an object may have.
+#pragma once
+
+#include <unordered_set>
+
+#include "core/ticker.h"
+#include "merge/federation/federated_model.h"
+#include "merge/federation/mend_relations.h"
+#include "merge/federation/relations/inverse_bounds.h"
+#include "merge/federation/relations/relation_edits.h"
+
+namespace corvel {
+
+using Survivors = std::unordered_set<const IFC::IfcEntity*>;
+
+// Of relations that `survivors` have too many of by now, later ones lose the member, or give the
+// members of theirs to the first. False: the user cancelled.
+bool KeepWithinBounds(FederatedModel& model, const Survivors& survivors, BoundsOfRelations& bounds,
+                      RelationEdits& edits, MendedRelations& mended, Ticker& ticker);
+
+// Deletes what the schema wants to have a relation of a kind, and lost the last one of it in
+// `edits`; then what refers to that and cannot be without it, and so on. False: the user cancelled.
+bool DeleteOrphans(FederatedModel& model, BoundsOfRelations& bounds, RelationEdits& edits,
+                   Ticker& ticker);
+
+}  // namespace corvel
