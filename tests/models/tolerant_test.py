@@ -39,9 +39,13 @@ class Tolerant(ModelTest):
 class GeneratedMisfits(Tolerant):
 
     def models(self):
-        """A model of every release that is built, with one record a line."""
+        """A model of every release that is built, with one record a line. An emulator takes its
+        time for each start, and gets a model of two."""
+        releases = ('IFC2X3', 'IFC4') if 'CORVEL_SYSTEM' in os.environ else None
         for path in program.sample_paths():
             model = program.model_of(path)
+            if releases is not None and model.identifier not in releases:
+                continue
             if model.identifier not in self.seen and self.has_release(model.identifier):
                 self.seen.add(model.identifier)
                 yield model.identifier, model.text()

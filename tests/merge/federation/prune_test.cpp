@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,7 +25,7 @@ constexpr FederationChoices kPrune{.prune = true};
 KeptLines LinesIn(const std::string& text) {
   KeptLines numbers;
   for (std::size_t at = text.find('#'); at != std::string::npos;) {
-    numbers.insert(std::stoi(text.substr(at + 1)));
+    numbers.insert(std::atoi(&text[at + 1]));
     const std::size_t end = text.find('\n', at);
     at = end == std::string::npos ? end : text.find('#', end);
   }

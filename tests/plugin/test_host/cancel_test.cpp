@@ -1,5 +1,5 @@
-// The user presses cancel at every update of the progress dialog that a small job has, one run for
-// each, and then means it or not.
+// The user presses cancel at updates of the progress dialog, one run for each (of a small job at
+// all of them), and then means it or not.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,6 +20,7 @@ struct Job {
   const char* name;
   unsigned pointCount;  // of each of the three models
   ClockMode clock;
+  int stride;  // within a stage of the job one of so many updates is a moment to cancel at
 };
 
 class CancelledJob : public testing::TestWithParam<Job> {
@@ -61,6 +62,20 @@ class CancelledJob : public testing::TestWithParam<Job> {
     EXPECT_LE(boxCount, 1u);
     session.ForgetBoxes();
     return boxCount > 0;
+  }
+
+  // The updates to cancel at, counted from 1: those around the borders of stages, and some between.
+  std::vector<int> Moments() const {
+    std::vector<int> moments;
+    for (int update = 1; update <= updateCount; ++update) {
+      const auto at = static_cast<std::size_t>(update) - 1;
+      const std::string& stage = reference[at].currentText;
+      const bool isBorder = update == 1 || update == updateCount ||
+                            reference[at - 1].currentText != stage ||
+                            reference[at + 1].currentText != stage;
+      if (isBorder || update % GetParam().stride == 0) moments.push_back(update);
+    }
+    return moments;
   }
 
   bool HasOutput() const { return std::filesystem::exists(session.work / "out.ifc"); }
@@ -109,7 +124,7 @@ TEST_P(CancelledJob, MemoryOfTheModelsIsSeenByTheMeasure) {
 TEST_P(CancelledJob, YesLeavesNothing) {
   std::vector<int> unasked;
   const std::size_t handles = OpenHandles();
-  for (int update = 1; update <= updateCount; ++update) {
+  for (const int update : Moments()) {
     SCOPED_TRACE("cancelled at update " + std::to_string(update));
     const std::size_t bytes = AllocatedBytes();
     if (Run(update, true)) {
@@ -146,7 +161,7 @@ TEST_P(CancelledJob, NoAtEveryUpdateChangesNothing) {
 
 TEST_P(CancelledJob, NoChangesNothing) {
   const std::size_t handles = OpenHandles();
-  for (int update = 1; update <= updateCount; ++update) {
+  for (const int update : Moments()) {
     SCOPED_TRACE("cancelled at update " + std::to_string(update));
     Run(update, false);
     ExpectWholeOutput();
@@ -157,8 +172,8 @@ TEST_P(CancelledJob, NoChangesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CancelledJob,
-                         testing::Values(Job{"RecordByRecord", 6, ClockMode::kLeaping},
-                                         Job{"StageByStage", 120, ClockMode::kStopped}),
+                         testing::Values(Job{"RecordByRecord", 6, ClockMode::kLeaping, 1},
+                                         Job{"StageByStage", 120, ClockMode::kStopped, 11}),
                          [](const testing::TestParamInfo<Job>& job) { return job.param.name; });
 
 }  // namespace
