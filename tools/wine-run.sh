@@ -64,11 +64,33 @@ fi
 [ -e /proc/self/fd/1 ] || exec >/dev/null
 [ -e /proc/self/fd/2 ] || exec 2>/dev/null
 
-# The server and its helpers stay for a minute after the last program: a start takes a fifth of a
+# The server and its helpers stay for a minute after the last program: a start takes a tenth of a
 # second then, and a whole one without. It has to be started apart from the program, whose output
 # would not end before the server's otherwise. The same holds for the desktop, which comes with the
-# first program that needs it and goes a second after the last program: it is asked for anew each
-# time, and lives until the program has started.
+# first program that needs it and goes a second after the last one.
 $server -p60 </dev/null >/dev/null 2>&1
-timeout 60 $wine rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
+start_desktop() {
+  timeout 60 $wine rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
+}
+
+# Without a screen a program that nobody sees keeps the desktop for some minutes: asking for it anew
+# at each start takes longer than most starts. Its marker is made when the desktop stands, and counts
+# as long as the program has most of its time before it.
+keeper=$WINEPREFIX.desktop
+desktop_is_kept() {
+  [ -n "$(find "$keeper" -mmin -8 2>/dev/null)" ] && kill -0 "$(cat "$keeper")" 2>/dev/null
+}
+keep_desktop() {
+  flock 9
+  desktop_is_kept && return
+  setsid timeout 900 $wine notepad </dev/null >/dev/null 2>&1 9>&- &
+  start_desktop 9>&-
+  echo $! >"$keeper"
+}
+
+if [ "$ui" != null ]; then
+  start_desktop
+elif ! desktop_is_kept; then
+  keep_desktop 9>"$WINEPREFIX.lock"
+fi
 exec timeout "${WINE_TIMEOUT:-600}" $wine "$@"
