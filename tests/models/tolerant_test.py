@@ -10,13 +10,13 @@ import unittest
 import misfits
 import program
 import text_counts
-from program import ModelTest
+from tolerant_case import TolerantTest
 
 MISFITS = os.environ.get('CORVEL_MISFITS',
                          os.path.join(os.path.dirname(program.ROOT), 'shared', 'misfits'))
 
 
-class Tolerant(ModelTest):
+class Tolerant(TolerantTest):
 
     def resave_tolerantly(self, source, target):
         """Gives the status and what was told."""
@@ -38,27 +38,7 @@ class Tolerant(ModelTest):
 
 class GeneratedMisfits(Tolerant):
 
-    def models(self):
-        """A model of every release that is built, with one record a line. An emulator takes its
-        time for each start, and gets a model of two."""
-        releases = ('IFC2X3', 'IFC4') if 'CORVEL_SYSTEM' in os.environ else None
-        for path in program.sample_paths():
-            model = program.model_of(path)
-            if releases is not None and model.identifier not in releases:
-                continue
-            if model.identifier not in self.seen and self.has_release(model.identifier):
-                self.seen.add(model.identifier)
-                yield model.identifier, model.text()
-
-    def has_release(self, identifier):
-        try:
-            self.need_release(identifier)
-        except unittest.SkipTest:
-            return False
-        return True
-
     def test_WhateverIsSpoiltEverythingComesOut(self):
-        self.seen = set()
         spoilt_models = 0
         for identifier, data in self.models():
             for number, kind in enumerate(misfits.KINDS):
@@ -73,7 +53,6 @@ class GeneratedMisfits(Tolerant):
         self.assertGreater(spoilt_models, len(misfits.KINDS))
 
     def test_EveryKindAtOnceIsToldByKindAndClass(self):
-        self.seen = set()
         for identifier, data in self.models():
             with self.subTest(schema=identifier):
                 spoiler, spoilt = misfits.Spoiler(1), data
@@ -88,7 +67,6 @@ class GeneratedMisfits(Tolerant):
                     self.assertRegex(line, r': \w+\. Records: \d+, the first: #\d+ in line \d+ ')
 
     def test_InfoAndTreeLookIntoSpoiltModels(self):
-        self.seen = set()
         for identifier, data in self.models():
             healthy = len(text_counts.counts_of(data).records)
             for kind in (misfits.no_semicolon, misfits.open_string, misfits.schema_draft,
@@ -107,31 +85,6 @@ class GeneratedMisfits(Tolerant):
                              for name in ('good.ifc', 'in.ifc')]
                     if kind is not misfits.unknown_class:
                         self.assertEqual(*trees)
-
-    def test_SpoiltModelsAreMergedInEveryModeAsGoodOnes(self):
-        self.seen = set()
-        kinds = [kind for kind in misfits.KINDS if kind is not misfits.unknown_class]
-        for place, (identifier, data) in enumerate(self.models()):
-            for number, kind in enumerate(kinds):
-                spoilt = kind(misfits.Spoiler(number), data)
-                if spoilt is None or number % 3 != place % 3:
-                    continue
-                with self.subTest(schema=identifier, kind=kind.__name__):
-                    mode = ('active', 'visible', 'selected')[number // 3 % 3]
-                    merged = [self.merged(data, other, mode) for other in set(spoilt)]
-                    self.assert_same_file(merged[0], merged[-1])
-
-    def merged(self, first, second, mode):
-        """The records of the output."""
-        self.write('a.ifc', first)
-        self.write('b.ifc', second)
-        choice = ['--select', '1:IfcProject', '--select', '2:IfcProject']
-        result = program.run(['merge', '--tolerant', '--quiet', '--mode', mode,
-                              *(choice if mode == 'selected' else []), '--on-duplicate-guid',
-                              'skip', 'a.ifc', 'b.ifc', '-o', 'merged.ifc'], self.folder)
-        self.assertIn(result.status, (program.DONE, program.WRITTEN_WITH_REPORTS), result.errors)
-        written = self.read('merged.ifc')
-        return written[written.index(b'DATA;'):]
 
 
 class GivenMisfits(Tolerant):

@@ -136,6 +136,17 @@ TEST_F(SpoiltSyntax, AClassInSmallLettersIsTheClass) {
   ExpectLine("#3=IFCLABEL('x');\n", "#3=IfcLabel('x');", {});
 }
 
+TEST_F(SpoiltSyntax, ARecordThatFitsOnceItIsMendedIsRead) {
+  EXPECT_EQ("#3=IFCLABEL('c');\n", LinesOf("ISO-10303-21;HEADER;FILE_SCHEMA(('IFC4'));ENDSEC;DATA;"
+                                           "\n#3=IFCLABEL('c',\nENDSEC;\nEND-ISO-10303-21;\n"));
+}
+
+TEST_F(SpoiltSyntax, AnOpenCommentAtTheEndOpensNoOther) {
+  EXPECT_EQ("#1=IFCLABEL('first');\n#2=IFCA(/*\n#9=IFCLABEL('x');\n*/$,#3,7);\n#3=IFCB();\n",
+            Lines("#1=IFCLABEL('first');\n#2=IFCA(/*\n#9=IFCLABEL('x');\n*/$,#3,7);\n"
+                  "#3=IFCB(/*);"));
+}
+
 TEST_F(SpoiltSyntax, ForwardReferencesOfMendedRecordsAreBound) {
   ExpectLine(
       "#3=IFCPOLYLINE((#4,#1));\n#4=IFCCARTESIANPOINT((2.,2.));\n",

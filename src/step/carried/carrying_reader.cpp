@@ -267,7 +267,8 @@ std::vector<const FactoryTable*> ByDistance(std::span<const FactoryTable* const>
   const auto place = std::find(releases.begin(), releases.end(), own) - releases.begin();
   std::vector<std::pair<std::ptrdiff_t, const FactoryTable*>> found;
   for (std::ptrdiff_t i = std::ssize(releases) - 1; i >= 0; --i) {
-    if (releases[i] != own) found.emplace_back(std::abs(i - place), releases[i]);
+    const FactoryTable* const release = *(releases.begin() + i);
+    if (release != own) found.emplace_back(std::abs(i - place), release);
   }
   std::stable_sort(found.begin(), found.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });

@@ -96,11 +96,30 @@ std::string_view WithoutEnd(std::string_view text) {
 
 }  // namespace
 
+namespace {
+
+// A quote may stand behind `\S\` as any other letter.
+std::size_t BehindString(std::string_view text, std::size_t at) {
+  constexpr std::string_view kShift = "\\S\\";
+  for (++at; at < text.size() && text[at] != '\'';) {
+    if (text[at] != '\\') {
+      ++at;
+    } else if (text.substr(at, kShift.size()) == kShift) {
+      at += kShift.size();
+      if (at < text.size() && text[at] != '\n') ++at;
+    } else {
+      at += text.substr(at + 1, 1) == "\\" ? 2 : 1;
+    }
+  }
+  return at < text.size() ? at + 1 : kAll;
+}
+
+}  // namespace
+
 std::size_t BehindPiece(std::string_view text, std::size_t at) {
   std::size_t end = kAll;
   if (text[at] == '\'') {
-    end = text.find('\'', at + 1);
-    if (end != kAll) ++end;
+    end = BehindString(text, at);
   } else if (StartsComment(text, at)) {
     end = text.find("*/", at + kCommentStart.size());
     if (end != kAll) end += 2;

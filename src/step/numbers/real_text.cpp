@@ -23,7 +23,6 @@ constexpr auto kWholeTens = [] {
   for (std::size_t i = 1; i < tens.size(); ++i) tens[i] = tens[i - 1] * 10;
   return tens;
 }();
-constexpr std::uint64_t kLeast = kWholeTens[kRealDigits - 1];
 constexpr std::uint64_t kTooMany = kWholeTens[kRealDigits];
 
 // Up to kLargestTen, with which a mantissa of 53 bits makes 127.

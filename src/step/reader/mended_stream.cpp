@@ -35,13 +35,12 @@ const char* BehindPlainRecord(const char* at, const char* end, std::uint32_t& nu
         while (at != end && *at != '\'' && *at != '\n' && !(*at == 'S' && at[-1] == '\\')) ++at;
         if (at == end || *at != '\'') return nullptr;
       } while (at + 1 != end && at[1] == '\'' && ++at != end);
-    } else if (c == ';') {
-      return depth == 0 && at[-1] == ')' ? at + 1 : nullptr;
     } else if (c == '(') {
       ++depth;
     } else if (c == ')') {
       if (--depth < 0) return nullptr;
-    } else if (c == '/' || c == '=' || c <= 0) {
+      if (depth == 0) return at + 1 != end && at[1] == ';' ? at + 2 : nullptr;
+    } else if (c == ';' || c == '/' || c == '=' || c <= 0) {
       return nullptr;
     }
   }

@@ -398,7 +398,7 @@ bool Parser::ReadSecondPart(int fileCount) {
             static_cast<int>(kSecondShare / fileCount));
   hundredth_ = 1;
   carrying.allAreFiled = true;
-  if (tolerance != nullptr) scanner->ReadTolerantly(false);
+  if (tolerance != nullptr) StartSecondPassTolerantly();
   for (;;) {
     std::uint32_t number = 0;
     const TokenType type = TakeToken(number);

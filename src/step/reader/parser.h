@@ -161,6 +161,7 @@ class Parser {
 
   // --- Tolerant readings alone, in tolerant_parser.cpp -------------------------------------------
   void StartTolerantReading();
+  void StartSecondPassTolerantly();
   void ReadHeadTolerantly();
   bool FindRecordTolerantly(std::uint32_t& number);
   bool HasRecord(std::uint32_t number);

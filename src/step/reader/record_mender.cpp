@@ -62,6 +62,7 @@ class RecordMender::Mending {
       mender_.tolerance_.Note(static_cast<Misfit>(kind), record_.className, {}, number_,
                               record_.offset);
     }
+    record_.isChanged = found_.any();
     record_.text = std::move(text_);
     return std::move(record_);
   }
@@ -205,6 +206,15 @@ class RecordMender::Mending {
     return found;
   }
 
+  // At a "/".
+  bool CommentFollows() {
+    const std::size_t mark = bytes_.Mark();
+    bytes_.Take();
+    const bool found = bytes_.Peek() == '*';
+    bytes_.GoBack(mark);
+    return found;
+  }
+
   // Of a number, or the first of an enumeration value.
   void TakePoint() {
     const bool ofNumber = !text_.empty() && IsDigitByte(static_cast<unsigned char>(text_.back()));
@@ -213,6 +223,7 @@ class RecordMender::Mending {
     constexpr std::string_view kBehindValue = ",)(';#\r\n";
     for (int c = bytes_.Peek(); c != kEnd && c != '.'; c = bytes_.Peek()) {
       if (kBehindValue.find(static_cast<char>(c)) != std::string_view::npos) break;
+      if (c == '/' && CommentFollows()) break;
       IsPrintable(c) || IsBlankByte(c) ? Keep() : Drop();
     }
     if (bytes_.Peek() == '.') {
@@ -224,13 +235,11 @@ class RecordMender::Mending {
   }
 
   void TakeSlash() {
-    const std::size_t mark = bytes_.Mark();
-    bytes_.Take();
-    if (bytes_.Peek() != '*') {
-      bytes_.GoBack(mark);
+    if (!CommentFollows()) {
       TakeOther('/');
       return;
     }
+    bytes_.Take();
     bytes_.Take();
     std::string comment = "/*";
     if (mender_.TakeComment(bytes_, &comment)) {

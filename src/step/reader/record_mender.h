@@ -16,6 +16,7 @@ struct MendedRecord {
   std::string text;
   std::string className;     // its first word, see TableName; empty when there is none
   std::int64_t offset = -1;  // of the byte behind the number
+  bool isChanged = false;    // something was noted
 };
 
 // A class as tables of classes name it, whatever the letters and underscores are that a file has.
@@ -30,6 +31,9 @@ class RecordMender {
   static constexpr std::size_t kLongestComment = 0xA00000;
 
   explicit RecordMender(Tolerance& tolerance) : tolerance_(tolerance) {}
+
+  // Call before the first record of another input.
+  void StartInput() { noCommentEnds_ = false; }
 
   // Call behind the number of a record. Takes everything up to and including its ";", or what else
   // its end is.

@@ -24,6 +24,11 @@ void Parser::StartTolerantReading() {
   tolerant_ = std::make_unique<TolerantReading>(*tolerance, skipped_);
 }
 
+void Parser::StartSecondPassTolerantly() {
+  scanner->ReadTolerantly(false);
+  tolerant_->mender.StartInput();
+}
+
 void Parser::ReadHeadTolerantly() {
   TolerantHead head = TakeTolerantHead(*scanner);
   isoLine = Widen(head.isoLine);
@@ -103,6 +108,11 @@ IFC::IfcEntity* Parser::ReadArgumentsTolerantly(IFC::IfcEntity* entity) {
       ClearScratch();
     }
   }
+  // What the text is spoilt by may be all that does not fit.
+  if (!tolerant_->isMended && !carrying.allAreFiled) {
+    MendRecord();
+    if (tolerant_->isChanged) throw MisfitInRecord();
+  }
   return CarryingReader(*this).Read(*entity);
 }
 
@@ -132,6 +142,7 @@ void Parser::MendRecord() {
   const MendedRecord record = tolerant.mender.Take(*scanner, tolerant.number);
   tolerant.offset = record.offset;
   tolerant.size = record.text.size() + 2;
+  tolerant.isChanged = record.isChanged;
   scanner->Stream()->Replace(tolerant.start, "=" + record.text + ";");
 }
 
@@ -174,6 +185,7 @@ bool Parser::ReadPutAside() {
       scanner, std::make_unique<Scanner>(
                    std::make_unique<FileStream::InputTextStream>(std::move(text)), showError));
   scanner->ReadTolerantly(false);
+  tolerant_->mender.StartInput();
   tolerant_->isOfFile = false;
   bool read = true;
   for (number = 0; read && FindRecordTolerantly(number);) read = ReadRecord(number);

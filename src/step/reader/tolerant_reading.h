@@ -34,6 +34,7 @@ struct TolerantReading {
   std::size_t start = 0;  // in the statement text, behind the number
   std::size_t size = 0;   // in bytes, once it has been mended
   bool isMended = false;
+  bool isChanged = false;    // once it has been mended: it is not what it was
   bool isOfFile = true;      // it stands at `offset`
   std::int64_t offset = -1;  // of the byte behind the number
 };

@@ -32,6 +32,11 @@ TEST(RecordText, QuotesInStringsAreDoubled) {
   EXPECT_EQ((Views{"'it''s, (so'", "2"}), CutRecord("#1=A('it''s, (so',2);").arguments);
 }
 
+TEST(RecordText, AQuoteMayBeALetterOfAnotherPage) {
+  EXPECT_EQ((Views{"'a\\S\\'b'", "2"}), CutRecord("#1=A('a\\S\\'b',2);").arguments);
+  EXPECT_EQ((Views{"'a\\\\S\\'", "2"}), CutRecord("#1=A('a\\\\S\\',2);").arguments);
+}
+
 TEST(RecordText, EmptyBracketsHoldNoArgument) {
   EXPECT_EQ(Views{}, CutRecord("#1=A();").arguments);
   EXPECT_EQ(Views{" "}, CutRecord("#1=A( );").glue);
