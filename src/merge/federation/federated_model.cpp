@@ -52,6 +52,12 @@ void FederatedModel::GiveWay(IFC::IfcEntity& entity, IFC::IfcEntity& survivor) {
   survivors_.emplace(&entity, &survivor);
 }
 
+void FederatedModel::GiveWayForGood(std::uint32_t number, IFC::IfcEntity& entity,
+                                    const IFC::IfcEntity& survivor) {
+  Container().EraseEntity(number);
+  Container().OverwriteMarker(&entity, &survivor);
+}
+
 void FederatedModel::Delete(IFC::IfcEntity& entity) {
   entity.marker = IFC::kDeleted;
   Container().NoteChangedMarkers();

@@ -43,6 +43,9 @@ class FederatedModel {
 
   // From here on `survivor` stands for `entity`. Both are in the model, and two objects.
   void GiveWay(IFC::IfcEntity& entity, IFC::IfcEntity& survivor);
+  // As GiveWay, for very many, since nothing is remembered of it: `survivor` never gives way
+  // itself. `number` is the one that `entity` is filed under, whatever its marker says by now.
+  void GiveWayForGood(std::uint32_t number, IFC::IfcEntity& entity, const IFC::IfcEntity& survivor);
   // To be called behind the last step: whoever gave way to an object that gave way itself gets the
   // number of the last survivor.
   void Settle();

@@ -6,8 +6,8 @@
 #include "merge/federation/mend_relations.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
+#include "merge/federation/share_equal.h"
 #include "merge/federation/stamp_inputs.h"
-#include "merge/federation/tree/join_trees.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel {
@@ -51,20 +51,6 @@ class Steps {
     return done;
   }
 
-  bool JoinTrees(const FederationChoices& choices) {
-    JoinedTrees counts;
-    const bool done = Run(u"tree", [&](Ticker& ticker) {
-      return corvel::JoinTrees(model_, choices, ticker, counts);
-    });
-    Log(u"Sites, buildings and storeys joined: " + Count(counts.joined) +
-        u", made parts for their shape: " + Count(counts.parts) + u", placements folded: " +
-        Count(counts.folded));
-    for (const WideString& objects : counts.ambiguous) {
-      Log(u"Several would match, none is taken: " + objects);
-    }
-    return done;
-  }
-
   bool RenewGuids() {
     std::size_t renewed = 0;
     const bool done =
@@ -78,6 +64,15 @@ class Steps {
     const bool done =
         Run(u"prune", [&](Ticker& ticker) { return corvel::Prune(model_, ticker, pruned); });
     Log(u"Objects left out since nothing needs them: " + Count(pruned));
+    return done;
+  }
+
+  bool ShareEqual(NumberForm numbers) {
+    std::size_t shared = 0;
+    const bool done = Run(u"share", [&](Ticker& ticker) {
+      return corvel::ShareEqual(model_, numbers, ticker, shared);
+    });
+    Log(u"Objects left out since an equal one is written: " + Count(shared));
     return done;
   }
 
@@ -120,10 +115,9 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   FederatedModel model(documents);
   Steps steps(model, progress);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
-  const bool joinsTrees = choices.tree != TreeMatching::kKeep;
-  if (joinsTrees && !(steps.JoinTrees(choices) && steps.MendRelations())) return false;
   if (choices.guids == GuidHandling::kRenew && !steps.RenewGuids()) return false;
   if (choices.prune && !steps.Prune()) return false;
+  if (choices.shareEqual && !steps.ShareEqual(choices.numbers)) return false;
   if (choices.stamp && !steps.Stamp()) return false;
   model.Settle();
   return true;
