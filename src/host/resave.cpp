@@ -47,6 +47,7 @@ RunResult ReadAndWrite(const WideString& input, const WideString& output,
     return result;
   }
   document.numbers = options.federation.numbers;
+  document.isReleasedNext = true;
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", output);
   log.LogText(u"Saving to output file ...");

@@ -98,7 +98,8 @@ IFC::IfcEntity* IfcDocument::CreateESet(std::string name) {
 int IfcDocument::SaveFile(const WideString& path) {
   try {
     StepWriter writer(showError_, progress_,
-                      {mainContainer.get(), getHeader(), getISO(), getIfcUnitAssignment(), numbers},
+                      {mainContainer.get(), getHeader(), getISO(), getIfcUnitAssignment(), numbers,
+                       isReleasedNext},
                       path);
     const Outcome outcome = writer.WriteFile();
     outputKeptAt = writer.KeptAt();

@@ -122,6 +122,8 @@ class IfcDocument {
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
   NumberForm numbers = NumberForm::kTold;  // of SaveFile
+  // SaveFile leaves the markers as they are instead of putting all of them to 0.
+  bool isReleasedNext = false;
   // Where the complete output of the last SaveFile lies when that failed for one reason only: it
   // could not be put at its place. Empty otherwise.
   WideString outputKeptAt;

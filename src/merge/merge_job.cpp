@@ -292,6 +292,7 @@ bool MergeJob::Save() {
   IfcDocument& document = *models_.front().document;
   RenewHeaderIfWanted();
   document.numbers = shell_.Options().federation.numbers;
+  document.isReleasedNext = true;
   const bool complete = Outcome{document.SaveFile(outputPath_)} == Outcome::kComplete;
   outputKeptAt_ = document.outputKeptAt;
   Log(u"Saving DONE");

@@ -165,6 +165,14 @@ TEST_F(StepWriterFile, AfterItIsSavedAllMarkersAreZero) {
   EXPECT_EQ(0u, model[2]->marker);
 }
 
+TEST_F(StepWriterFile, AModelThatIsReleasedNextKeepsItsMarkers) {
+  Model model("#1=IFCPROPERTYSINGLEVALUE('p',$,IFCLABEL('x'),$);#2=IFCPERSON();");
+  model.Document().isReleasedNext = true;
+  model.Saved();
+  EXPECT_EQ(1u, model[1]->marker);
+  EXPECT_EQ(2u, model[2]->marker);
+}
+
 TEST_F(StepWriterFile, AfterItIsSavedTheUnitsAreFoundUnderTheNumbersThatTheyWereWrittenWith) {
   Model model(
       "#1=IFCUNITASSIGNMENT((#2,#3));#2=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);"

@@ -148,7 +148,8 @@ bool StepWriter::WriteGuarded(const IFC::IfcEntity& entity) {
   return false;
 }
 
-// The units that were kept become the ones that their numbers find, and all markers go to 0.
+// The units that were kept become the ones that their numbers find, and all markers go to 0 if
+// somebody may see them.
 void StepWriter::CleanUp() {
   IfcLog& log = IfcLog::Instance();
   log.LogText(u"END write output file");
@@ -166,7 +167,7 @@ void StepWriter::CleanUp() {
     container.originalEntities.Set(assignment->marker, assignment);
   }
   log.LogText(u"ResetAllMarkers: " + Widen(std::to_string(container.entities.Size())));
-  container.ResetAllMarkers();
+  if (!model_.isReleasedNext) container.ResetAllMarkers();
   log.LogText(u"############# DONE #############");
 }
 

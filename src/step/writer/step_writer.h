@@ -33,6 +33,9 @@ struct ModelToWrite {
   WideString isoLine;                        // the word that the file begins with
   IFC::IfcEntity* unitAssignment = nullptr;  // may be null
   NumberForm numbers = NumberForm::kTold;
+  // Nobody asks the objects for anything behind the writing: their markers stay as they are, which
+  // saves a visit of each reference.
+  bool isReleasedNext = false;
 };
 
 // Turns the objects of a model into bytes. Every value ends with a comma; whoever closes a group
@@ -51,7 +54,7 @@ class StepWriter {
 
   // Once. Complete: the output is at its place. Otherwise the path has what it had before, a file
   // or none, and a failure has been reported. Empties the lists of the header record, and leaves
-  // all markers 0.
+  // all markers 0 unless the model is released next.
   Outcome WriteFile();
   // Where the complete output lies when WriteFile failed because it could not be put at its place;
   // empty otherwise.
