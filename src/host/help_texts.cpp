@@ -72,6 +72,14 @@ constexpr char16_t kMergeOptions[] =
   --contexts keep|join    join: a context of a later model gives way to an
                           equal one of an earlier model, and those that stay
                           are entered in the project
+  --tree keep|guid|name|elevation|one
+                          sites, buildings and storeys of later models give
+                          way to those of earlier ones, from the top down:
+                          those of equal GUID; also of equal name or height;
+                          also of equal height; as by name, and the only ones
+                          of their level whatever they are called
+  --tolerance MM          storeys that differ by no more are at one height; 10
+                          without this option
   --guids keep|renew      renew: objects whose GUID an earlier one has get one
                           of their own, the same in each run
   --prune                 leave out what nothing with a GUID needs

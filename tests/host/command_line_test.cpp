@@ -347,6 +347,21 @@ TEST(CommandLine, OfTwoValuesOfAnOptionOfFederationTheLastCounts) {
   EXPECT_FALSE(joins(u"join", u"keep"));
 }
 
+TEST(CommandLine, TheToleranceIsANumberOfMillimetres) {
+  const auto line = [](const WideString& millimetres) {
+    return std::vector<WideString>{u"merge",  u"a",   u"b",           u"-o",      u"c",
+                                   u"--tree", u"one", u"--tolerance", millimetres};
+  };
+  const FederationChoices choices = Parsed(line(u"12.5")).choices.federation;
+  EXPECT_EQ(TreeMatching::kOne, choices.tree);
+  EXPECT_EQ(12.5, choices.toleranceMm);
+  for (const char16_t* const wrong : {u"1cm", u"", u"nan"}) {
+    EXPECT_EQ("merge: --tolerance takes a number of millimetres, not '" + Narrow(wrong) +
+                  "'\nSee 'corvel merge --help'.",
+              ErrorOf(line(wrong)));
+  }
+}
+
 TEST(CommandLine, AnOptionOfFederationNeedsAWordOfItsOwn) {
   EXPECT_TRUE(Parsed({u"merge", u"a", u"b", u"-o", u"c", u"--contexts=join"})
                   .choices.federation.joinContexts);

@@ -10,8 +10,19 @@ enum class GuidHandling {
   kRenew  // every object but the first gets one of its own
 };
 
+// What sites, buildings and storeys of several models become one by.
+enum class TreeMatching {
+  kKeep,       // they stay apart
+  kGuid,
+  kName,       // GUID, name, height
+  kElevation,  // GUID, height
+  kOne         // as by name, and as the only ones of their level
+};
+
 struct FederationChoices {
   bool joinContexts = false;
+  TreeMatching tree = TreeMatching::kKeep;
+  double toleranceMm = 10.0;  // storeys that differ by no more are at one height
   GuidHandling guids = GuidHandling::kKeep;
   bool prune = false;       // what nothing needs is left out
   bool shareEqual = false;  // what says the same is written once
@@ -20,7 +31,8 @@ struct FederationChoices {
   NumberForm numbers = NumberForm::kTold;
 
   bool ChangeModel() const {
-    return joinContexts || guids != GuidHandling::kKeep || prune || shareEqual || stamp;
+    return joinContexts || tree != TreeMatching::kKeep || guids != GuidHandling::kKeep || prune ||
+           shareEqual || stamp;
   }
 };
 

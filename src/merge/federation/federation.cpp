@@ -8,6 +8,7 @@
 #include "merge/federation/renew_guids.h"
 #include "merge/federation/share_equal.h"
 #include "merge/federation/stamp_inputs.h"
+#include "merge/federation/tree/join_trees.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel {
@@ -47,6 +48,20 @@ class Steps {
         Count(counts.leftBehind));
     for (const WideString& difference : counts.differences) {
       Log(u"Differs, and the first stays: " + difference);
+    }
+    return done;
+  }
+
+  bool JoinTrees(const FederationChoices& choices) {
+    JoinedTrees counts;
+    const bool done = Run(u"tree", [&](Ticker& ticker) {
+      return corvel::JoinTrees(model_, choices, ticker, counts);
+    });
+    Log(u"Sites, buildings and storeys joined: " + Count(counts.joined) +
+        u", made parts for their shape: " + Count(counts.parts) + u", placements folded: " +
+        Count(counts.folded));
+    for (const WideString& objects : counts.ambiguous) {
+      Log(u"Several would match, none is taken: " + objects);
     }
     return done;
   }
@@ -115,6 +130,8 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   FederatedModel model(documents);
   Steps steps(model, progress);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
+  const bool joinsTrees = choices.tree != TreeMatching::kKeep;
+  if (joinsTrees && !(steps.JoinTrees(choices) && steps.MendRelations())) return false;
   if (choices.guids == GuidHandling::kRenew && !steps.RenewGuids()) return false;
   if (choices.prune && !steps.Prune()) return false;
   if (choices.shareEqual && !steps.ShareEqual(choices.numbers)) return false;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
 #include <utility>
 
 namespace corvel {
@@ -40,6 +43,26 @@ Mistake TakeContexts(std::string_view value, FederationChoices& choices) {
   return TakeOneOf(kWords, value, choices.joinContexts);
 }
 
+Mistake TakeTree(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, TreeMatching> kWords[] = {
+      {"keep", TreeMatching::kKeep},
+      {"guid", TreeMatching::kGuid},
+      {"name", TreeMatching::kName},
+      {"elevation", TreeMatching::kElevation},
+      {"one", TreeMatching::kOne}};
+  return TakeOneOf(kWords, value, choices.tree);
+}
+
+Mistake TakeTolerance(std::string_view value, FederationChoices& choices) {
+  double number = 0.0;
+  const char* const end = value.data() + value.size();
+  const auto [rest, error] = std::from_chars(value.data(), end, number);
+  const bool isNumber = error == std::errc() && rest == end;
+  if (!isNumber || !std::isfinite(number) || number < 0.0) return "takes a number of millimetres";
+  choices.toleranceMm = number;
+  return {};
+}
+
 Mistake TakeGuids(std::string_view value, FederationChoices& choices) {
   constexpr std::pair<std::string_view, GuidHandling> kWords[] = {{"keep", GuidHandling::kKeep},
                                                                   {"renew", GuidHandling::kRenew}};
@@ -65,6 +88,8 @@ Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
 
 constexpr FederationOption kOptions[] = {
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
+    {.name = "tree", .takesValue = true, .take = TakeTree},
+    {.name = "tolerance", .takesValue = true, .take = TakeTolerance},
     {.name = "guids", .takesValue = true, .take = TakeGuids},
     {.name = "header", .takesValue = true, .take = TakeHeader},
     {.name = "numbers", .takesValue = true, .ofResave = true, .take = TakeNumbers},

@@ -11,7 +11,7 @@ SAMPLES = os.path.join(os.path.dirname(__file__), '..', '..', '..', 'samples')
 DRIVE = 'Z:' if os.environ.get('CORVEL_SYSTEM') == 'Windows' else ''
 HOUSE = DRIVE + os.path.abspath(os.path.join(SAMPLES, 'house_IFC2X3.ifc'))
 HOUSE_OF_IFC4 = DRIVE + os.path.abspath(os.path.join(SAMPLES, 'house_IFC4.ifc'))
-ALL = ('--contexts', 'join', '--guids', 'renew', '--prune', '--stamp', '--header', 'new')
+ALL = ('--contexts', 'join', '--tree', 'one', '--guids', 'renew', '--prune', '--stamp', '--header', 'new')
 
 
 def count(text, class_name):
@@ -58,7 +58,7 @@ class Federation(CorvelTest):
     def test_words_for_the_usual_leave_the_output_as_it_is(self):
         told = self.merged()
         self.assertEqual(
-            told, self.merged('--contexts', 'keep', '--guids', 'keep', '--header', 'told'))
+            told, self.merged('--contexts', 'keep', '--tree', 'keep', '--guids', 'keep', '--header', 'told'))
 
     def test_pruning_leaves_nothing_dangling_and_no_product_out(self):
         told = self.merged('--select', '1:IfcWallStandardCase', '--select', '2:IfcDoor')
@@ -81,6 +81,17 @@ class Federation(CorvelTest):
                    b"ENDSEC;\nEND-ISO-10303-21;\n")
         ended = self.run_corvel('merge', 'a.ifc', 'a.ifc', '-o', 'out.ifc', *ALL)
         self.assert_ended(ended, DONE)
+
+    def test_the_trees_of_two_models_become_one(self):
+        for house in (HOUSE, HOUSE_OF_IFC4):
+            with self.subTest(house):
+                told = self.merged(house=house)
+                joined = self.merged('--tree', 'one', house=house)
+                for name in ('SITE', 'BUILDING', 'BUILDINGSTOREY'):
+                    self.assertEqual(2 * count(joined, name), count(told, name))
+                self.assertEqual(count(joined, 'WALLSTANDARDCASE'), count(told, 'WALLSTANDARDCASE'))
+                numbers = set(re.findall(r'^#(\d+)=', joined, re.MULTILINE))
+                self.assertLessEqual(set(re.findall(r'[(,]#(\d+)', joined)), numbers)
 
     def test_another_word_is_wrong_usage(self):
         ended = self.run_corvel('merge', HOUSE, HOUSE, '-o', 'out.ifc', '--contexts', 'both')

@@ -62,6 +62,11 @@ class FederatedDocuments {
     return LinesOf(*merged_->mainContainer);
   }
 
+  // Before Run. The lengths of a document are in the units of this assignment.
+  void MeasureBy(std::size_t document, std::uint32_t number) {
+    (**documents_[document]).GetParser().ifcUnitAssignment = &At(document, number);
+  }
+
   // Before Run. An object as its file numbers it.
   IFC::IfcEntity& At(std::size_t document, std::uint32_t number) {
     return *(**documents_[document]).mainContainer->GetEntityByOrginalNumber(number);

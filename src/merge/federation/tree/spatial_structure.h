@@ -1,0 +1,94 @@
+// Sites, buildings and storeys of all inputs, each with what it is a part of.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "core/text.h"
+#include "core/ticker.h"
+#include "merge/federation/federated_model.h"
+
+namespace corvel {
+
+enum class SpatialRank : std::uint8_t {
+  kSite,
+  kFacility,  // a building, a bridge, a railway
+  kPart       // a storey, a part of a bridge
+};
+
+// What an object says of its composition, in the order in which one stands below the other. Objects
+// that say nothing are elements.
+enum class Composition : std::uint8_t { kComplex, kElement, kPartial };
+
+// How far down in its model an object stands: what stands below it has a larger one.
+struct SpatialLevel {
+  SpatialRank rank = SpatialRank::kSite;
+  Composition composition = Composition::kElement;
+  std::uint32_t nesting = 0;  // ancestors in a row of the same rank and composition
+
+  friend bool operator<(const SpatialLevel& one, const SpatialLevel& other) {
+    return std::tie(one.rank, one.composition, one.nesting) <
+           std::tie(other.rank, other.composition, other.nesting);
+  }
+  friend bool operator==(const SpatialLevel&, const SpatialLevel&) = default;
+};
+
+// What two objects were found to be one by.
+enum class MatchReason : std::uint8_t {
+  kNone,
+  kGuid,
+  kName,
+  kHeight,
+  kOnly  // each side has one object of the level
+};
+
+struct SpatialObject;
+
+// Objects of which several would have matched, so that none was taken.
+struct Ambiguity {
+  MatchReason reason = MatchReason::kNone;
+  std::vector<const SpatialObject*> objects{};
+};
+
+struct SpatialObject {
+  IFC::IfcEntity* entity = nullptr;
+  std::size_t input = 0;
+  SpatialLevel level{};
+  bool isStorey = false;
+  // The object that it is a part of; null for one that is a part of the project.
+  SpatialObject* parent = nullptr;
+  // Parts lead from the project to it, one level below the other. What has no place among them is
+  // compared with nothing.
+  bool isPlaced = false;
+  std::vector<SpatialObject*> children{};  // placed or not
+  std::string guid{};
+  WideString name{};  // comparable
+  bool isGeneric = false;
+  // The class and, of those that have one, the predefined type: "IfcBridgePart DECK".
+  std::string kind{};
+  std::optional<double> heightMetres{};  // of storeys: see storey_heights.h
+
+  // What the matching found, see tree_matching.h. The first of those that are one; null for itself.
+  SpatialObject* survivor = nullptr;
+  MatchReason reason = MatchReason::kNone;  // of that
+  const Ambiguity* ambiguity = nullptr;     // why it takes no part in more
+  bool isContradicted = false;              // its name stands in another model at another height
+};
+
+// Addresses of objects last as long as this.
+struct SpatialStructure {
+  std::deque<SpatialObject> objects;  // by input, and then in the order of their numbers
+  std::deque<Ambiguity> ambiguities;
+};
+
+// Collects what stands in the model. A part of two wholes belongs to the first. False: the user
+// cancelled.
+bool CollectSpatialStructure(FederatedModel& model, Ticker& ticker, SpatialStructure& structure);
+
+}  // namespace corvel

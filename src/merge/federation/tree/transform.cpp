@@ -1,0 +1,64 @@
+#include "merge/federation/tree/transform.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvel {
+
+namespace {
+
+bool Near(const Triple& one, const Triple& other, double tolerance) {
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    if (!(std::abs(one[i] - other[i]) <= tolerance)) return false;
+  }
+  return true;
+}
+
+double LargestOf(const Triple& vector) {
+  return std::max({std::abs(vector[0]), std::abs(vector[1]), std::abs(vector[2])});
+}
+
+}  // namespace
+
+Triple Plus(const Triple& one, const Triple& other) {
+  return {one[0] + other[0], one[1] + other[1], one[2] + other[2]};
+}
+
+Triple Times(const Triple& vector, double factor) {
+  return {vector[0] * factor, vector[1] * factor, vector[2] * factor};
+}
+
+double Dot(const Triple& one, const Triple& other) {
+  return one[0] * other[0] + one[1] * other[1] + one[2] * other[2];
+}
+
+Triple Cross(const Triple& one, const Triple& other) {
+  return {one[1] * other[2] - one[2] * other[1], one[2] * other[0] - one[0] * other[2],
+          one[0] * other[1] - one[1] * other[0]};
+}
+
+Triple Normalised(const Triple& vector) {
+  const double length = std::hypot(vector[0], vector[1], vector[2]);
+  return length == 0.0 ? vector : Times(vector, 1.0 / length);
+}
+
+Triple Transform::Turned(const Triple& direction) const {
+  return Plus(Plus(Times(x, direction[0]), Times(y, direction[1])), Times(z, direction[2]));
+}
+
+Transform Transform::Around(const Transform& inner) const {
+  return {Moved(inner.origin), Turned(inner.x), Turned(inner.y), Turned(inner.z)};
+}
+
+bool Transform::IsUpright() const {
+  constexpr Transform kUpright;
+  return x == kUpright.x && y == kUpright.y && z == kUpright.z;
+}
+
+bool SamePlace(const Transform& one, const Transform& other, const PlaceTolerance& tolerance) {
+  const double ofOrigin = tolerance.origin + tolerance.partOfOrigin * LargestOf(one.origin);
+  return Near(one.origin, other.origin, ofOrigin) && Near(one.x, other.x, tolerance.axis) &&
+         Near(one.z, other.z, tolerance.axis);
+}
+
+}  // namespace corvel
