@@ -80,14 +80,18 @@ constexpr char16_t kMergeOptions[] =
                           of their level whatever they are called
   --tolerance MM          storeys that differ by no more are at one height; 10
                           without this option
-  --guids keep|renew      renew: objects whose GUID an earlier one has get one
-                          of their own, the same in each run
+  --guids keep|renew|join renew: objects whose GUID an earlier one has get one
+                          of their own, the same in each run; join: those that
+                          say the same as that one give way to it before
   --prune                 leave out what nothing with a GUID needs
   --stamp                 a group for each model, with its products
   --header told|new       new: name, time and program of this run, and the
                           inputs in the description; told: that of the first
   --share-equal           write objects that say the same and have no identity
                           of their own once
+  --one-building          --contexts join --tree one --guids join --prune
+                          --stamp --header new; options behind it change
+                          their part: also --no-prune and --no-stamp
   --numbers told|exact    exact: each real in the fewest digits that read back
                           as the same number; told: in 15 digits
 )help";

@@ -235,10 +235,29 @@ TEST(RunChoices, AStepOfFederationTakesItsOwnWords) {
   EXPECT_EQ("--contexts takes 'keep' or 'join', not 'Join'", MistakeIn(words));
   words = {};
   words.federation = {Option("guids", "")};
-  EXPECT_EQ("--guids takes 'keep' or 'renew', not ''", MistakeIn(words));
+  EXPECT_EQ("--guids takes 'keep', 'renew' or 'join', not ''", MistakeIn(words));
   words = {};
   words.federation = {Option("header", "join")};
   EXPECT_EQ("--header takes 'told' or 'new', not 'join'", MistakeIn(words));
+}
+
+TEST(RunChoices, OneBuildingIsManyOptionsAndThoseBehindItChangeTheirPart) {
+  ChoiceWords words;
+  words.federation = {Option("header", "told"), Option("one-building")};
+  FederationChoices choices = Understood(words).federation;
+  EXPECT_TRUE(choices.joinContexts);
+  EXPECT_EQ(TreeMatching::kOne, choices.tree);
+  EXPECT_EQ(GuidHandling::kJoin, choices.guids);
+  EXPECT_TRUE(choices.prune);
+  EXPECT_TRUE(choices.stamp);
+  EXPECT_TRUE(choices.newHeader);
+  words.federation.insert(
+      words.federation.end(),
+      {Option("contexts", "keep"), Option("tree", "keep"), Option("guids", "keep"),
+       Option("no-prune"), Option("no-stamp"), Option("header", "told")});
+  choices = Understood(words).federation;
+  EXPECT_FALSE(choices.ChangeModel());
+  EXPECT_FALSE(choices.newHeader);
 }
 
 TEST(RunChoices, OfTwoOptionsOfAStepTheLastCounts) {

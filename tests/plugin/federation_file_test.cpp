@@ -69,6 +69,17 @@ TEST_F(FederationFile, HasTheStepsOfTheCommandLine) {
   EXPECT_FALSE(options_.steps.newHeader);
 }
 
+TEST_F(FederationFile, OneBuildingIsALineThatLaterOnesMayChange) {
+  EXPECT_EQ("", Mistake("one-building\nguids = renew\nno-stamp\n"));
+  EXPECT_TRUE(options_.steps.joinContexts);
+  EXPECT_EQ(TreeMatching::kOne, options_.steps.tree);
+  EXPECT_EQ(GuidHandling::kRenew, options_.steps.guids);
+  EXPECT_TRUE(options_.steps.prune);
+  EXPECT_FALSE(options_.steps.stamp);
+  EXPECT_TRUE(options_.steps.newHeader);
+  EXPECT_EQ(", line 1: 'one-building' takes no value.", Mistake("one-building = yes\n"));
+}
+
 TEST_F(FederationFile, OfTwoLinesForAStepTheLastCounts) {
   EXPECT_EQ("", Mistake("prune\nno-stamp\nstamp\nno-prune\n"));
   EXPECT_FALSE(options_.steps.prune);
@@ -77,7 +88,7 @@ TEST_F(FederationFile, OfTwoLinesForAStepTheLastCounts) {
 
 TEST_F(FederationFile, AStepTakesItsOwnWords) {
   EXPECT_EQ(", line 1: 'contexts' takes 'keep' or 'join'.", Mistake("contexts"));
-  EXPECT_EQ(", line 1: 'guids' takes 'keep' or 'renew'.", Mistake("guids = Renew"));
+  EXPECT_EQ(", line 1: 'guids' takes 'keep', 'renew' or 'join'.", Mistake("guids = Renew"));
   EXPECT_EQ(", line 1: 'header' takes 'told' or 'new'.", Mistake("header ="));
   EXPECT_EQ(", line 1: 'numbers' takes 'told' or 'exact'.", Mistake("numbers = 15"));
   EXPECT_EQ(", line 1: 'prune' takes no value.", Mistake("prune = yes"));

@@ -6,8 +6,9 @@
 namespace corvel {
 
 enum class GuidHandling {
-  kKeep,  // what several objects share they keep
-  kRenew  // every object but the first gets one of its own
+  kKeep,   // what several objects share they keep
+  kRenew,  // every object but the first gets one of its own
+  kJoin    // one that says the same as the first gives way to it; others get one of their own
 };
 
 // What sites, buildings and storeys of several models become one by.

@@ -1,14 +1,18 @@
 #include "merge/federation/federation.h"
 
 #include "core/ticker.h"
+#include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
 #include "merge/federation/join_contexts.h"
+#include "merge/federation/join_equal_objects.h"
 #include "merge/federation/mend_relations.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
 #include "merge/federation/share_equal.h"
 #include "merge/federation/stamp_inputs.h"
 #include "merge/federation/tree/join_trees.h"
+#include "merge/federation/unite_relations.h"
+#include "platform/file.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel {
@@ -17,7 +21,7 @@ namespace {
 
 constexpr std::size_t kTicksOfStep = 50;
 
-void Log(const WideString& text) { IfcLog::Instance().LogText(text); }
+void Log(const WideString& text) { IfcLog::Instance().LogLine(text); }
 
 WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
 
@@ -66,11 +70,36 @@ class Steps {
     return done;
   }
 
-  bool RenewGuids() {
-    std::size_t renewed = 0;
+  bool JoinEqualObjects() {
+    JoinedObjects counts;
+    const bool done = Run(u"objects", [&](Ticker& ticker) {
+      return corvel::JoinEqualObjects(model_, ticker, counts);
+    });
+    Log(u"Objects joined with an equal one: " + Count(counts.joined) + u", applications: " +
+        Count(counts.applications));
+    return done;
+  }
+
+  bool UniteRelations() {
+    std::size_t united = 0;
+    const bool done = Run(u"relations", [&](Ticker& ticker) {
+      return corvel::UniteRelations(model_, ticker, united);
+    });
+    Log(u"Relations joined with one that says the same: " + Count(united));
+    return done;
+  }
+
+  bool RenewGuids(bool listed) {
+    std::vector<RenewedGuid> renewed;
     const bool done =
         Run(u"GUIDs", [&](Ticker& ticker) { return corvel::RenewGuids(model_, ticker, renewed); });
-    Log(u"GUIDs renewed: " + Count(renewed));
+    Log(u"GUIDs renewed: " + Count(renewed.size()));
+    for (const auto& [object, input] : renewed) {
+      if (!listed) break;
+      const WideString path = model_.Document(input).getFilePath();
+      Log(u"Differs from the one whose GUID it had: " + DisplayName(*object) + u" of " +
+          WideString(platform::FileNameOf(path)));
+    }
     return done;
   }
 
@@ -115,9 +144,11 @@ class Steps {
 
 void PrepareFederation(const std::vector<IfcDocument*>& documents,
                        const FederationChoices& choices) {
-  if (choices.guids != GuidHandling::kRenew) return;
+  if (choices.guids == GuidHandling::kKeep) return;
   for (std::size_t input = 0; input < documents.size(); ++input) {
-    const std::size_t renewed = RenewGuidsWithin(*documents[input]->mainContainer, input);
+    // Inputs that are to be joined get the same GUIDs where they are the same.
+    const std::size_t position = choices.guids == GuidHandling::kJoin ? 0 : input;
+    const std::size_t renewed = RenewGuidsWithin(*documents[input]->mainContainer, position);
     if (renewed != 0) {
       Log(u"GUIDs renewed within " + documents[input]->getFilePath() + u": " + Count(renewed));
     }
@@ -131,8 +162,12 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   Steps steps(model, progress);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
   const bool joinsTrees = choices.tree != TreeMatching::kKeep;
-  if (joinsTrees && !(steps.JoinTrees(choices) && steps.MendRelations())) return false;
-  if (choices.guids == GuidHandling::kRenew && !steps.RenewGuids()) return false;
+  const bool joinsObjects = choices.guids == GuidHandling::kJoin;
+  if (joinsTrees && !steps.JoinTrees(choices)) return false;
+  if (joinsObjects && !steps.JoinEqualObjects()) return false;
+  if ((joinsTrees || joinsObjects) && !steps.MendRelations()) return false;
+  if (joinsObjects && !steps.UniteRelations()) return false;
+  if (choices.guids != GuidHandling::kKeep && !steps.RenewGuids(joinsObjects)) return false;
   if (choices.prune && !steps.Prune()) return false;
   if (choices.shareEqual && !steps.ShareEqual(choices.numbers)) return false;
   if (choices.stamp && !steps.Stamp()) return false;

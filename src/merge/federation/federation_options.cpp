@@ -65,7 +65,8 @@ Mistake TakeTolerance(std::string_view value, FederationChoices& choices) {
 
 Mistake TakeGuids(std::string_view value, FederationChoices& choices) {
   constexpr std::pair<std::string_view, GuidHandling> kWords[] = {{"keep", GuidHandling::kKeep},
-                                                                  {"renew", GuidHandling::kRenew}};
+                                                                  {"renew", GuidHandling::kRenew},
+                                                                  {"join", GuidHandling::kJoin}};
   return TakeOneOf(kWords, value, choices.guids);
 }
 
@@ -86,7 +87,19 @@ Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
   return {};
 }
 
+// Options behind it change their part of it, those before it count for nothing.
+Mistake TakeOneBuilding(std::string_view /*value*/, FederationChoices& choices) {
+  choices.joinContexts = true;
+  choices.tree = TreeMatching::kOne;
+  choices.guids = GuidHandling::kJoin;
+  choices.prune = true;
+  choices.stamp = true;
+  choices.newHeader = true;
+  return {};
+}
+
 constexpr FederationOption kOptions[] = {
+    {.name = "one-building", .take = TakeOneBuilding},
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
     {.name = "tree", .takesValue = true, .take = TakeTree},
     {.name = "tolerance", .takesValue = true, .take = TakeTolerance},

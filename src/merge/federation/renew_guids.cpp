@@ -53,11 +53,11 @@ std::size_t RenewGuidsWithin(IFC::MainContainer& container, std::size_t input) {
   return renewed;
 }
 
-bool RenewGuids(FederatedModel& model, Ticker& ticker, std::size_t& renewed) {
+bool RenewGuids(FederatedModel& model, Ticker& ticker, std::vector<RenewedGuid>& renewed) {
   MetGuids met(model.Container());
   for (std::size_t input = 0; input < model.InputCount(); ++input) {
     const bool goesOn = model.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
-      if (met.Meet(entity, input)) ++renewed;
+      if (met.Meet(entity, input)) renewed.push_back({&entity, input});
     });
     if (!goesOn) return false;
   }

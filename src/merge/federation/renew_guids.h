@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
@@ -13,9 +14,14 @@ namespace corvel {
 // them GUIDs by chance. Gives the number of objects that got one.
 std::size_t RenewGuidsWithin(IFC::MainContainer& container, std::size_t input);
 
+struct RenewedGuid {
+  IFC::IfcEntity* object = nullptr;
+  std::size_t input = 0;
+};
+
 // The same among all inputs behind the fold: who comes first keeps his. New GUIDs are made from the
 // old one and the position of the input, so that the same merge gives the same ones again. False:
 // the user cancelled.
-bool RenewGuids(FederatedModel& model, Ticker& ticker, std::size_t& renewed);
+bool RenewGuids(FederatedModel& model, Ticker& ticker, std::vector<RenewedGuid>& renewed);
 
 }  // namespace corvel

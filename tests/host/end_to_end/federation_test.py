@@ -25,6 +25,11 @@ class Federation(CorvelTest):
         self.assert_ended(ended, DONE)
         return self.read('out.ifc').decode('latin-1')
 
+    @staticmethod
+    def house_text(house=HOUSE):
+        with open(house[len(DRIVE):], encoding='latin-1', newline='') as file:
+            return file.read()
+
     def test_contexts_of_two_models_become_one_and_nothing_dangles(self):
         for house in (HOUSE, HOUSE_OF_IFC4):
             with self.subTest(house):
@@ -42,6 +47,62 @@ class Federation(CorvelTest):
         guids = re.findall(r"^#\d+=IFC\w+\('([0-3][\w$]{21})'", first, re.MULTILINE)
         self.assertEqual(len(guids), len(set(guids)))
         self.assertEqual(first, self.merged('--guids', 'renew'))
+
+    def test_a_model_merged_with_itself_is_that_model(self):
+        for house in (HOUSE, HOUSE_OF_IFC4):
+            with self.subTest(house):
+                joined = self.merged('--contexts', 'join', '--guids', 'join', '--prune', house=house)
+                self.assert_ended(self.run_corvel('resave', house, 'one.ifc', '--prune'), DONE)
+                one = self.read('one.ifc').decode('latin-1')
+                self.assertEqual(one.split('DATA;')[1], joined.split('DATA;')[1])
+
+    def test_without_the_prune_nothing_of_the_copy_stays_but_what_its_project_had(self):
+        joined = self.merged('--contexts', 'join', '--guids', 'join')
+        told = self.merged()
+        guids = re.findall(r"^#\d+=IFC\w+\('([0-3][\w$]{21})'", joined, re.MULTILINE)
+        self.assertEqual(len(guids), len(set(guids)))
+        for name in ('WALLSTANDARDCASE', 'SHAPEREPRESENTATION', 'LOCALPLACEMENT', 'PROPERTYSET',
+                     'RELDEFINESBYPROPERTIES', 'OWNERHISTORY', 'STYLEDITEM', 'APPLICATION'):
+            with self.subTest(name):
+                self.assertLess(0, count(told, name))
+                self.assertEqual(count(told, name), 2 * count(joined, name))
+
+    def test_one_wall_that_differs_is_there_twice_with_two_guids(self):
+        house = self.house_text()
+        wall = re.search(r"^#\d+=IFCWALLSTANDARDCASE\('([^']+)',(#\d+),'([^']*)'", house, re.MULTILINE)
+        self.write('other.ifc', house.replace(wall[0], wall[0][:-1] + " changed'").encode('latin-1'))
+        ended = self.run_corvel('merge', HOUSE, 'other.ifc', '-o', 'out.ifc', '--contexts', 'join',
+                                '--guids', 'join', '--prune')
+        self.assert_ended(ended, DONE)
+        merged = self.read('out.ifc').decode('latin-1')
+        self.assertEqual(count(house, 'WALLSTANDARDCASE') + 1, count(merged, 'WALLSTANDARDCASE'))
+        self.assertEqual(count(house, 'DOOR'), count(merged, 'DOOR'))
+        changed = re.search(rf"^#\d+=IFCWALLSTANDARDCASE\('([^']+)',#\d+,'{re.escape(wall[3])} changed'",
+                            merged, re.MULTILINE)
+        self.assertNotEqual(wall[1], changed[1])
+        numbers = set(re.findall(r'^#(\d+)=', merged, re.MULTILINE))
+        self.assertLessEqual(set(re.findall(r'[(,]#(\d+)', merged)), numbers)
+
+    def test_one_building_of_two_copies_is_one_of_each_with_both_stamps(self):
+        for house in (HOUSE, HOUSE_OF_IFC4):
+            with self.subTest(house):
+                one = self.merged('--one-building', house=house)
+                source = self.house_text(house)
+                for name in ('SITE', 'BUILDING', 'BUILDINGSTOREY', 'DOOR', 'PROPERTYSET',
+                             'RELCONTAINEDINSPATIALSTRUCTURE'):
+                    self.assertEqual(count(source, name), count(one, name), name)
+                self.assertEqual(count(source, 'GROUP') + 2, count(one, 'GROUP'))
+                self.assertIn("'Input 2: " + os.path.basename(house) + "'", one)
+                self.assertEqual(one.split('DATA;')[1],
+                                 self.merged('--one-building', house=house).split('DATA;')[1])
+
+    def test_options_behind_one_building_change_their_part(self):
+        self.assertEqual(self.merged(),
+                         self.merged('--one-building', '--contexts', 'keep', '--tree', 'keep', '--guids',
+                                     'keep', '--no-prune', '--no-stamp', '--header', 'told'))
+        self.assertEqual(self.merged('--stamp'),
+                         self.merged('--one-building', '--contexts', 'keep', '--tree', 'keep', '--guids',
+                                     'keep', '--no-prune', '--header', 'told'))
 
     def test_a_stamp_adds_a_group_and_its_relation_for_each_model(self):
         told = self.merged()

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/relations/related_list.h"
 #include "merge/federation/same_value.h"
 #include "schema/attributes.h"
 
@@ -14,15 +15,6 @@ namespace corvel {
 namespace {
 
 using Bound = BoundsOfRelations::Bound;
-
-// The list of those that a relation relates to one object. Null where it has no such list.
-const AttributeFacts* ListOfRelated(const IFC::IfcEntity& relation) {
-  for (const ConstAttribute attribute : AttributesOf(relation)) {
-    const bool isList = Refers(attribute.Facts().kind) && attribute.Facts().depth == 1;
-    if (isList && attribute.Name().starts_with("Related")) return &attribute.Facts();
-  }
-  return nullptr;
-}
 
 class BoundsKeeper {
  public:

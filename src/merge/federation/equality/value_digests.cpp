@@ -1,0 +1,77 @@
+#include "merge/federation/equality/value_digests.h"
+
+#include <utility>
+
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
+#include "merge/federation/equality/attribute_digest.h"
+#include "schema/attributes.h"
+
+namespace corvel {
+
+namespace {
+
+Digest OfItself(const IFC::IfcEntity* entity) {
+  DigestMaker maker;
+  maker.Add(entity);
+  return maker.Made();
+}
+
+}  // namespace
+
+bool StandsForItself(IFC::IfcEntity& entity) {
+  return entity.carries || FindFacts(entity) == nullptr ||
+         EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr;
+}
+
+// Values in records are in no model.
+IFC::IfcEntity* ValueDigests::There(IFC::IfcEntity* entity) const {
+  return entity == nullptr || entity->inlineValue ? entity : model_.InModel(entity);
+}
+
+Digest ValueDigests::Of(IFC::IfcEntity* entity) {
+  Push(There(entity));
+  while (!waiting_.empty()) {
+    IFC::IfcEntity& current = *waiting_.back();
+    const auto [entry, isNew] = known_.try_emplace(&current);
+    if (isNew) {
+      // First all that it refers to; then it is at the back again.
+      for (const Attribute attribute : AttributesOf(current)) {
+        attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { Push(There(child)); });
+      }
+      continue;
+    }
+    waiting_.pop_back();
+    if (entry->second.progress == Progress::kBegun) {
+      known_[&current] = {Progress::kDone, Make(current)};
+    }
+  }
+  return KnownOf(There(entity));
+}
+
+// What has been begun is on the way from here, or done.
+void ValueDigests::Push(IFC::IfcEntity* entity) {
+  if (entity == nullptr || StandsForItself(*entity) || known_.contains(entity)) return;
+  waiting_.push_back(entity);
+}
+
+Digest ValueDigests::Make(IFC::IfcEntity& entity) {
+  DigestMaker maker;
+  maker.Add(FindFacts(entity));
+  AttributeDigest attributes(maker,
+                             [this](IFC::IfcEntity* child) { return KnownOf(There(child)); });
+  for (const ConstAttribute attribute : AttributesOf(std::as_const(entity))) {
+    attributes.Add(attribute);
+  }
+  return maker.Made();
+}
+
+// What has been begun and is not done leads to itself.
+Digest ValueDigests::KnownOf(IFC::IfcEntity* entity) const {
+  if (entity == nullptr) return {};
+  const auto found = known_.find(entity);
+  const bool isKnown = found != known_.end() && found->second.progress == Progress::kDone;
+  return isKnown ? found->second.digest : OfItself(entity);
+}
+
+}  // namespace corvel

@@ -1,0 +1,116 @@
+#include "merge/federation/join_equal_objects.h"
+
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
+#include "merge/federation/equality/equal_pairs.h"
+#include "merge/federation/tree/length_in_metres.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::string_view kPlacement = "ObjectPlacement";
+
+class ObjectJoiner {
+ public:
+  ObjectJoiner(FederatedModel& model, JoinedObjects& counts)
+      : model_(model), counts_(counts), contents_(model) {}
+
+  bool Run(Ticker& ticker) {
+    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
+      applications_.clear();
+      objects_.clear();
+      placed_.clear();
+      const bool goesOn =
+          model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) { Gather(entity); });
+      if (!goesOn) return false;
+      const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
+      if (input != 0) Join(MetresPerLengthUnit(units));
+      JoinApplications();
+      for (IFC::IfcEntity* const object : objects_) {
+        if (model_.Contains(*object)) earlier_[GuidOf(*object)].push_back(object);
+      }
+    }
+    return true;
+  }
+
+ private:
+  static std::string_view GuidOf(IFC::IfcEntity& object) {
+    return EntityCast<IFC::VirtualIfcRoot>(&object)->getGlobalId();
+  }
+
+  void Gather(IFC::IfcEntity& entity) {
+    belongings_.Gather(entity);
+    if (isApplication_.IsTrueOf(entity)) applications_.push_back(&entity);
+    if (EntityCast<IFC::VirtualIfcRoot>(&entity) == nullptr || entity.carries) return;
+    if (IFC::IfcEntity* const placement = ReferenceOf(entity, kPlacement)) ++placed_[placement];
+    if (!isRelation_.IsTrueOf(entity) && !GuidOf(entity).empty()) objects_.push_back(&entity);
+  }
+
+  void Join(double metresPerUnit) {
+    EqualPairs pairs(model_, contents_, belongings_);
+    for (IFC::IfcEntity* const object : objects_) {
+      const auto earlier = earlier_.find(GuidOf(*object));
+      if (earlier == earlier_.end()) continue;
+      for (IFC::IfcEntity* const other : earlier->second) {
+        if (FindFacts(*object) == FindFacts(*other)) pairs.Add(*object, *other);
+      }
+    }
+    const auto equal = pairs.Equal(metresPerUnit);
+    for (const auto& [later, earlier] : equal) model_.GiveWay(*later, *earlier);
+    for (const auto& [later, earlier] : equal) JoinPlacements(*later, *earlier);
+    counts_.joined += equal.size();
+  }
+
+  // They are the same place in the world. One that places others too stays.
+  void JoinPlacements(const IFC::IfcEntity& later, const IFC::IfcEntity& earlier) {
+    IFC::IfcEntity* const placement = ReferenceOf(later, kPlacement);
+    IFC::IfcEntity* const survivor = model_.InModel(ReferenceOf(earlier, kPlacement));
+    if (placement == nullptr || survivor == nullptr || placement == survivor) return;
+    if (!model_.Contains(*placement) || --placed_[placement] != 0) return;
+    model_.GiveWay(*placement, *survivor);
+  }
+
+  // No two of one input.
+  void JoinApplications() {
+    std::vector<std::pair<Digest, IFC::IfcEntity*>> own;
+    for (IFC::IfcEntity* const application : applications_) {
+      const Digest digest = contents_.OfValue(application);
+      const auto earlier = earlierApplications_.find(digest);
+      if (earlier == earlierApplications_.end()) {
+        own.emplace_back(digest, application);
+      } else {
+        model_.GiveWay(*application, *earlier->second);
+        ++counts_.applications;
+      }
+    }
+    earlierApplications_.insert(own.begin(), own.end());
+  }
+
+  FederatedModel& model_;
+  JoinedObjects& counts_;
+  ObjectContents contents_;
+  Belongings belongings_;
+  ClassQuestion isApplication_{"IfcApplication"};
+  ClassQuestion isRelation_{"IfcRelationship"};
+  // What stays of the inputs that had their turn.
+  std::unordered_map<std::string_view, std::vector<IFC::IfcEntity*>> earlier_;
+  std::unordered_map<Digest, IFC::IfcEntity*, HashOfDigest> earlierApplications_;
+  // Of the input whose turn it is.
+  std::vector<IFC::IfcEntity*> objects_;
+  std::vector<IFC::IfcEntity*> applications_;
+  std::unordered_map<const IFC::IfcEntity*, std::size_t> placed_;  // products of a placement
+};
+
+}  // namespace
+
+bool JoinEqualObjects(FederatedModel& model, Ticker& ticker, JoinedObjects& counts) {
+  return ObjectJoiner(model, counts).Run(ticker);
+}
+
+}  // namespace corvel
