@@ -13,7 +13,7 @@ enum class GuidHandling {
 
 // What sites, buildings and storeys of several models become one by.
 enum class TreeMatching {
-  kKeep,       // they stay apart
+  kKeep,  // they stay apart
   kGuid,
   kName,       // GUID, name, height
   kElevation,  // GUID, height
