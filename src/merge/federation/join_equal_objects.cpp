@@ -1,5 +1,6 @@
 #include "merge/federation/join_equal_objects.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -19,7 +20,7 @@ constexpr std::string_view kPlacement = "ObjectPlacement";
 class ObjectJoiner {
  public:
   ObjectJoiner(FederatedModel& model, JoinedObjects& counts)
-      : model_(model), counts_(counts), contents_(model) {}
+      : model_(model), counts_(counts), contents_(model), belongings_(model.Release()) {}
 
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
@@ -63,7 +64,10 @@ class ObjectJoiner {
     }
     const auto equal = pairs.Equal(metresPerUnit);
     for (const auto& [later, earlier] : equal) model_.GiveWay(*later, *earlier);
-    for (const auto& [later, earlier] : equal) JoinPlacements(*later, *earlier);
+    for (const auto& [later, earlier] : equal) {
+      JoinPlacements(*later, *earlier);
+      JoinAxes(*later, *earlier);
+    }
     counts_.joined += equal.size();
   }
 
@@ -74,6 +78,20 @@ class ObjectJoiner {
     if (placement == nullptr || survivor == nullptr || placement == survivor) return;
     if (!model_.Contains(*placement) || --placed_[placement] != 0) return;
     model_.GiveWay(*placement, *survivor);
+  }
+
+  // Of a grid: an axis without one is none. They are the same, one by one.
+  void JoinAxes(const IFC::IfcEntity& later, const IFC::IfcEntity& earlier) {
+    for (const char* const axes : {"UAxes", "VAxes", "WAxes"}) {
+      const EntityList* const own = ReferencesOf(later, axes);
+      const EntityList* const others = ReferencesOf(earlier, axes);
+      if (own == nullptr || others == nullptr) continue;
+      for (std::size_t i = 0; i < std::min(own->size(), others->size()); ++i) {
+        IFC::IfcEntity* const survivor = model_.InModel((*others)[i]);
+        const bool differ = survivor != nullptr && survivor != (*own)[i];
+        if (differ && model_.Contains(*(*own)[i])) model_.GiveWay(*(*own)[i], *survivor);
+      }
+    }
   }
 
   // No two of one input.

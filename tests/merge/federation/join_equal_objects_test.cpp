@@ -211,6 +211,43 @@ TEST_P(JoinedByGuid, PropertySetsAreOneWhateverTheOrderOfTheirProperties) {
   EXPECT_TRUE(IsWritten(Of(set(10, "#11,#12", "x"), set(110, "#112,#111", "y")), 110));
 }
 
+// IFC2X3 allows a property set to one type.
+TEST_P(JoinedByGuid, PropertySetsOfTypesThatDifferAreOneWhereTypesMayShareThem) {
+  const auto type = [](std::uint32_t number, const char* name) {
+    return Records{
+        {number, "IFCWALLTYPE",
+         "'t',$,'" + std::string(name) + "',$,$,(" + Number(number + 1) + "),$,$,$,.NOTDEFINED."},
+        {number + 1, "IFCPROPERTYSET", "'p',$,'Pset_A',$,(" + Number(number + 2) + ")"},
+        {number + 2, "IFCPROPERTYSINGLEVALUE", "'A',$,IFCLABEL('x'),$"}};
+  };
+  EXPECT_FALSE(IsWritten(Of(type(10, "T"), type(110, "T")), 110));
+  EXPECT_FALSE(IsWritten(Of(type(10, "T"), type(110, "T")), 111));
+  const std::string text = Of(type(10, "T"), type(110, "S"));
+  EXPECT_TRUE(IsWritten(text, 110));
+  EXPECT_EQ(!IsIfc4(), IsWritten(text, 111)) << text;
+}
+
+TEST_P(JoinedByGuid, WhatStandsOnAGridThatGaveWayStandsOnTheOther) {
+  const auto grid = [](std::uint32_t number) {
+    const std::string axes = "(" + Number(number + 1) + "),(" + Number(number + 2) + ")";
+    return Records{{number, "IFCGRID", "'g',$,'G',$,$,$,$," + axes + ",$"},
+                   {number + 1, "IFCGRIDAXIS", "'A'," + Number(number + 3) + ",.T."},
+                   {number + 2, "IFCGRIDAXIS", "'1'," + Number(number + 3) + ",.T."},
+                   {number + 3, "IFCPOLYLINE", "()"}};
+  };
+  const Records onGrid = {Wall(120, "v", "#121"),
+                          {121, "IFCGRIDPLACEMENT", "#122,$"},
+                          {122, "IFCVIRTUALGRIDINTERSECTION", "(#111,#112),(0.,0.)"}};
+  Records one = grid(10);
+  Records other = grid(110);
+  for (Records* const records : {&one, &other}) {
+    if (IsIfc4()) records->front().attributes += ",$";
+  }
+  const std::string text = Of(one, other + onGrid);
+  EXPECT_EQ("#122=IFCVIRTUALGRIDINTERSECTION((#11,#12),(0.,0.));", RecordIn(text, 122));
+  for (const std::uint32_t gone : {110, 111, 112, 113}) EXPECT_FALSE(IsWritten(text, gone));
+}
+
 TEST_P(JoinedByGuid, PropertySetsOfObjectsThatBecameOneAreJoined) {
   const auto defined = [this](std::uint32_t number, const char* guid, const char* property) {
     return Records{
