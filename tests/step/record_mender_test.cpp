@@ -149,6 +149,19 @@ TEST(MendedRecords, AnEnumerationValueIsClosed) {
                "=IFCA(.X,1);", kNext);
 }
 
+TEST(MendedRecords, WhatIsLeftOutMakesNoRecordAndNoOtherReference) {
+  ExpectMended("IFCA((4),#1 2, )", {kStray + "IFCA"},
+               "=IFCA((#\x01"
+               "4=),#1\x01"
+               "2,# );",
+               kNext);
+}
+
+TEST(MendedRecords, BehindTheLastBracketNothingIsKept) {
+  ExpectMended("IFCA(1)", {kStray + "IFCA"}, "=IFCA(1).;", kNext);
+  ExpectMended("IFCA(1)", {kStray + "IFCA"}, "=IFCA(1)(2);", kNext);
+}
+
 TEST(MendedRecords, AnOpenCommentIsNoCommentAtAll) {
   ExpectMended("IFCA(1,2)", {kOpenComment + "IFCA"}, "=IFCA(1,/*2);", kNext);
   ExpectMended("IFCA(1,2)", {kOpenComment + "IFCA"}, "=IFCA(1,/*2);", kNext + "\n/* so */");

@@ -76,14 +76,21 @@ class Cutter {
   std::size_t glueBegin_;
 };
 
+// An underscore is a blank where no name stands.
+std::size_t BehindUnderscores(std::string_view text, std::size_t at) {
+  while ((at = BehindBlanks(text, at)) < text.size() && text[at] == '_') ++at;
+  return at;
+}
+
 // Behind `#12=`, as far as it is there.
 std::size_t BehindNumber(std::string_view text) {
-  std::size_t at = BehindBlanks(text, 0);
-  if (at == text.size() || text[at] != '#') return at;
+  const std::size_t begin = BehindBlanks(text, 0);
+  std::size_t at = BehindUnderscores(text, begin);
+  if (at == text.size() || text[at] != '#') return begin;
   do {
     ++at;
   } while (at < text.size() && IsDigit(text[at]));
-  at = BehindBlanks(text, at);
+  at = BehindUnderscores(text, at);
   if (at < text.size() && text[at] == '=') ++at;
   return BehindBlanks(text, at);
 }

@@ -23,6 +23,11 @@ bool IsHexByte(int byte) {
 }
 bool IsPrintable(int byte) { return byte > ' ' && byte < 0x7F; }
 
+bool EndsInReference(std::string_view text) {
+  while (!text.empty() && IsDigit(text.back())) text.remove_suffix(1);
+  return text.ends_with('#');
+}
+
 void TrimBlanks(std::string& text) {
   while (!text.empty() && IsBlank(text.back())) text.pop_back();
 }
@@ -72,9 +77,11 @@ class RecordMender::Mending {
   void Note(Misfit kind) { found_.set(static_cast<std::size_t>(kind)); }
 
   void Keep() { text_.push_back(static_cast<char>(bytes_.Take())); }
+  // What goes must not make another reference of one, or a record of it with what stands behind.
   void Drop() {
     Note(Misfit::kStrayBytes);
     bytes_.Take();
+    if (EndsInReference(text_)) text_.push_back(' ');
   }
   // The brackets of the record have been closed.
   bool IsWhole() const { return depth_ == 0 && lastBracket_ != 0; }
@@ -106,17 +113,14 @@ class RecordMender::Mending {
         return;
       case ';': TakeSemicolon(); return;
       case '\'': TakeString(); return;
-      case '(':
-        ++depth_;
-        Keep();
-        return;
+      case '(': TakeOpenBracket(); return;
       case ')': TakeCloseBracket(); return;
       case ',':
         if (IsWhole()) Reopen();
         Keep();
         return;
-      case '#': bytes_.AtRecord() ? EndBeforeNext() : TakeOther(c); return;
-      case '.': TakePoint(); return;
+      case '#': TakeReference(); return;
+      case '.': IsWhole() ? Drop() : TakePoint(); return;
       case '/': TakeSlash(); return;
       default: break;
     }
@@ -127,8 +131,26 @@ class RecordMender::Mending {
     }
   }
 
+  void TakeReference() {
+    if (bytes_.AtRecord()) {
+      EndBeforeNext();
+    } else if (IsWhole() || !DigitFollows()) {
+      Drop();
+    } else {
+      Keep();
+    }
+  }
+
+  bool DigitFollows() {
+    const std::size_t mark = bytes_.Mark();
+    bytes_.Take();
+    const bool found = IsDigitByte(bytes_.Peek());
+    bytes_.GoBack(mark);
+    return found;
+  }
+
   void TakeOther(int c) {
-    if (IsBlankByte(c) || (IsPrintable(c) && !IsWhole())) {
+    if (IsBlankByte(c) || (IsPrintable(c) && c != '=' && !IsWhole())) {
       Keep();
     } else {
       Drop();
@@ -164,6 +186,16 @@ class RecordMender::Mending {
     ended_ = true;
   }
 
+  // Behind the record it opens nothing, unless it is that of one class more.
+  void TakeOpenBracket() {
+    if (IsWhole() && !IsWordByte(last_)) {
+      Drop();
+      return;
+    }
+    ++depth_;
+    Keep();
+  }
+
   // One too many is left behind by writers, and means nothing.
   void TakeCloseBracket() {
     if (depth_ == 0) {
@@ -190,13 +222,15 @@ class RecordMender::Mending {
     while (IsWordByte(bytes_.Peek())) Keep();
     if (before == 0 || !IsWhole()) return;
     // Of several classes, without the brackets around them; or else nothing that can be kept.
-    if (BracketFollows()) {
+    if (BracketFollows() && StartsWithClass()) {
       hasSeveralClasses_ = true;
       return;
     }
     text_.resize(before);
     Note(Misfit::kStrayBytes);
   }
+
+  bool StartsWithClass() const { return !text_.empty() && IsLetter(text_.front()); }
 
   bool BracketFollows() {
     const std::size_t mark = bytes_.Mark();

@@ -37,6 +37,10 @@ TEST(RecordText, AQuoteMayBeALetterOfAnotherPage) {
   EXPECT_EQ((Views{"'a\\\\S\\'", "2"}), CutRecord("#1=A('a\\\\S\\',2);").arguments);
 }
 
+TEST(RecordText, UnderscoresAroundTheNumberAreBlanks) {
+  EXPECT_EQ("_A_", CutRecord("_#1 _=_A_(2);").name);
+}
+
 TEST(RecordText, EmptyBracketsHoldNoArgument) {
   EXPECT_EQ(Views{}, CutRecord("#1=A();").arguments);
   EXPECT_EQ(Views{" "}, CutRecord("#1=A( );").glue);
