@@ -80,6 +80,15 @@ class FederatedModel {
     }
     return true;
   }
+  // As ForEachOf, also with those that were left out or gave way.
+  template <class Action>
+  bool ForEachThatCameWith(std::size_t input, Ticker& ticker, Action action) const {
+    for (const auto& [number, entity] : ObjectsOf(input)) {
+      action(*entity);
+      if (!ticker.Advance()) return false;
+    }
+    return true;
+  }
   // Objects of all inputs, for the ticks of a loop over them.
   std::size_t ObjectCount() const;
 

@@ -5,6 +5,7 @@
 #include "merge/federation/federated_model.h"
 #include "merge/federation/join_contexts.h"
 #include "merge/federation/join_equal_objects.h"
+#include "merge/federation/lost_hosts.h"
 #include "merge/federation/mend_relations.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
@@ -104,9 +105,13 @@ class Steps {
   }
 
   bool Prune() {
+    std::size_t hostless = 0;
     std::size_t pruned = 0;
-    const bool done =
-        Run(u"prune", [&](Ticker& ticker) { return corvel::Prune(model_, ticker, pruned); });
+    const bool done = Run(u"prune", [&](Ticker& ticker) {
+      return DeleteWhatLostItsHost(model_, ticker, hostless) &&
+             corvel::Prune(model_, ticker, pruned);
+    });
+    Log(u"Objects and relations left out since their hosts are gone: " + Count(hostless));
     Log(u"Objects left out since nothing needs them: " + Count(pruned));
     return done;
   }

@@ -24,6 +24,7 @@ class Pruner {
     MarkKept();
     for (const auto& [number, entity] : model_.Container().entities) {
       if (entity->marker != IFC::kDeleted) Drop(*entity, pruned);
+      if (!ticker.Advance()) return false;
     }
     return true;
   }

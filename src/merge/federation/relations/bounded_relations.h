@@ -2,6 +2,7 @@
 #pragma once
 
 #include <unordered_set>
+#include <vector>
 
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
@@ -19,8 +20,9 @@ bool KeepWithinBounds(FederatedModel& model, const Survivors& survivors, BoundsO
                       RelationEdits& edits, MendedRelations& mended, Ticker& ticker);
 
 // Deletes what the schema wants to have a relation of a kind, and lost the last one of it in
-// `edits`; then what refers to that and cannot be without it, and so on. False: the user cancelled.
+// `edits`; then what refers to that and cannot be without it, and so on. `known` (in the model, each
+// once) is treated as such an object. False: the user cancelled.
 bool DeleteOrphans(FederatedModel& model, BoundsOfRelations& bounds, RelationEdits& edits,
-                   Ticker& ticker);
+                   Ticker& ticker, const std::vector<IFC::IfcEntity*>& known = {});
 
 }  // namespace corvel

@@ -15,9 +15,10 @@ class OrphanSearch {
   OrphanSearch(FederatedModel& model, BoundsOfRelations& bounds, RelationEdits& edits)
       : model_(model), bounds_(bounds), edits_(edits) {}
 
-  bool Run(Ticker& ticker) {
-    if (!MayLeaveOrphans()) return true;
+  bool Run(const std::vector<IFC::IfcEntity*>& known, Ticker& ticker) {
+    if (known.empty() && !MayLeaveOrphans()) return true;
     if (!Gather(ticker)) return false;
+    for (IFC::IfcEntity* const orphan : known) edits_.Delete(*orphan);
     // What is deleted on the way gets its turn behind the rest.
     for (std::size_t next = 0; next < edits_.Deleted().size();) {
       const IFC::IfcEntity& deleted = *edits_.Deleted()[next++];
@@ -119,8 +120,8 @@ class OrphanSearch {
 }  // namespace
 
 bool DeleteOrphans(FederatedModel& model, BoundsOfRelations& bounds, RelationEdits& edits,
-                   Ticker& ticker) {
-  return OrphanSearch(model, bounds, edits).Run(ticker);
+                   Ticker& ticker, const std::vector<IFC::IfcEntity*>& known) {
+  return OrphanSearch(model, bounds, edits).Run(known, ticker);
 }
 
 }  // namespace corvel
