@@ -9,6 +9,7 @@
 #include "host/model_run.h"
 #include "host/model_scene.h"
 #include "host/run_console.h"
+#include "host/savings.h"
 #include "host/tree_text.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
@@ -27,16 +28,21 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ModelOrder order{line.inputs,
-                         line.output,
-                         line.choices,
-                         line.userFolder,
-                         line.workFolder.value_or(platform::SystemTemporaryFolder()),
-                         line.log,
-                         line.answer.has_value()};
-  const ExitStatus status = ModelRun(order, console).Run();
-  if (status == ExitStatus::kDone && !line.quiet) {
+  const ModelOrder order{
+      line.inputs,     line.output,
+      line.choices,    line.command == Command::kExtract,
+      line.userFolder, line.workFolder.value_or(platform::SystemTemporaryFolder()),
+      line.log,        line.answer.has_value()};
+  ModelRun run(order, console);
+  const ExitStatus status = run.Run();
+  if (line.quiet) return status;
+  if (status == ExitStatus::kDone) {
     platform::WriteStandardOutput(Printable(line.output) + u" was written.\n");
+  }
+  if (line.command == Command::kOptimise && run.Result().written) {
+    platform::WriteStandardOutput(
+        SavingsAsText({run.Result().recordsRead, run.Result().recordsWritten},
+                      {BytesOfModel(line.inputs.front()), BytesOfModel(line.output)}));
   }
   return status;
 }
@@ -102,7 +108,9 @@ ExitStatus Run(const CommandLine& line) {
     case Command::kInfo: return RunInfo(line);
     case Command::kTree: return RunTree(line);
     case Command::kMerge:
-    case Command::kResave: break;
+    case Command::kExtract:
+    case Command::kResave:
+    case Command::kOptimise: break;
   }
   return RunModels(line);
 }

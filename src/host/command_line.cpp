@@ -18,10 +18,9 @@ struct CommandName {
   Command command;
 };
 
-constexpr CommandName kCommands[] = {{"merge", Command::kMerge},
-                                     {"resave", Command::kResave},
-                                     {"info", Command::kInfo},
-                                     {"tree", Command::kTree}};
+constexpr CommandName kCommands[] = {{"merge", Command::kMerge},   {"extract", Command::kExtract},
+                                     {"resave", Command::kResave}, {"optimise", Command::kOptimise},
+                                     {"info", Command::kInfo},     {"tree", Command::kTree}};
 
 // The words of one command before they are judged.
 struct Words {
@@ -69,7 +68,17 @@ void AddRepeated(CLI::App& app, const std::string& name, std::vector<std::string
   app.add_option(name, values)->allow_extra_args(false)->take_all();
 }
 
-void AddMergeOptions(CLI::App& app, Words& words) {
+// merge and extract: objects are chosen, and models have places.
+bool ChoosesObjects(Command command) {
+  return command == Command::kMerge || command == Command::kExtract;
+}
+
+// resave and optimise: one file in, one out, and nothing to choose.
+bool IsWholeCopy(Command command) {
+  return command == Command::kResave || command == Command::kOptimise;
+}
+
+void AddChoiceOptions(CLI::App& app, Words& words) {
   app.add_option("-o,--output", words.output);
   app.add_option("--mode", words.merge.mode);
   AddRepeated(app, "--inactive", words.merge.inactive);
@@ -77,14 +86,17 @@ void AddMergeOptions(CLI::App& app, Words& words) {
   AddRepeated(app, "--select", words.merge.select);
   AddRepeated(app, "--offset", words.merge.offsets);
   app.add_option("--center", words.merge.center);
+  app.add_flag("--delete-openings", words.deleteOpenings);
+}
+
+void AddMergeOptions(CLI::App& app, Words& words) {
   app.add_option("--on-duplicate-guid", words.merge.onDuplicateGuid);
   app.add_flag("--ignore-units", words.ignoreUnits);
-  app.add_flag("--delete-openings", words.deleteOpenings);
 }
 
 void AddFederationOptions(CLI::App& app, Command command) {
   for (const FederationOption& option : AllFederationOptions()) {
-    if (command != Command::kMerge && !(command == Command::kResave && option.ofResave)) continue;
+    if (!ChoosesObjects(command) && !(IsWholeCopy(command) && option.ofResave)) continue;
     const std::string name = "--" + std::string(option.name);
     if (option.takesValue) {
       app.add_option(name)->take_last();
@@ -94,8 +106,17 @@ void AddFederationOptions(CLI::App& app, Command command) {
   }
 }
 
+// What optimise means, in front of what else is typed.
+constexpr std::pair<std::string_view, const char*> kOptimising[] = {
+    {"prune", ""}, {"share-equal", ""}, {"numbers", "exact"}};
+
 // In the order in which they were typed, each with the last value that was given for it.
-void GatherFederation(const CLI::App& app, ChoiceWords& words) {
+void GatherFederation(const CLI::App& app, Command command, ChoiceWords& words) {
+  if (command == Command::kOptimise) {
+    for (const auto& [name, value] : kOptimising) {
+      words.federation.emplace_back(FindFederationOption(name), value);
+    }
+  }
   for (const CLI::Option* const given : app.parse_order()) {
     const FederationOption* const option = FindFederationOption(given->get_single_name());
     if (option == nullptr) continue;
@@ -109,6 +130,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.allow_extras();
   app.allow_windows_style_options(false);
   app.add_option("FILE", words.files);
+  if (ChoosesObjects(command)) AddChoiceOptions(app, words);
   if (command == Command::kMerge) AddMergeOptions(app, words);
   AddFederationOptions(app, command);
   if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
@@ -150,9 +172,16 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
       }
       break;
     case Command::kResave:
+    case Command::kOptimise:
       if (files != 2) {
         return "one input and one output are needed, and " + std::to_string(files) +
                (files == 1 ? " file is given" : " files are given");
+      }
+      break;
+    case Command::kExtract:
+      if (files != 1) {
+        return "one input is needed, and " + std::to_string(files) +
+               (files == 1 ? " is given" : " are given");
       }
       break;
     case Command::kInfo:
@@ -180,7 +209,7 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   }
   if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
   if (auto error = CountError(command, words.files.size())) return error;
-  if (command == Command::kMerge && app.count("--output") == 0) {
+  if (ChoosesObjects(command) && app.count("--output") == 0) {
     return "the output is missing: -o OUT";
   }
   return {};
@@ -192,7 +221,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.choices = std::move(choices);
   for (const std::string& file : words.files) line.inputs.push_back(FromUtf8(file));
   line.output = FromUtf8(words.output);
-  if (command == Command::kResave) {
+  if (IsWholeCopy(command)) {
     line.output = std::move(line.inputs.back());
     line.inputs.pop_back();
   }
@@ -227,7 +256,8 @@ Outcome ParseCommand(const CommandName& command, std::vector<std::string> argume
     if (extra != "--") return UnknownOption(command, app, extra);
   }
   if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);
-  GatherFederation(app, words.merge);
+  GatherFederation(app, command.command, words.merge);
+  words.merge.areOfOneInput = command.command == Command::kExtract;
   auto choices = UnderstandChoices(words.merge, words.files);
   if (const auto* const mistake = std::get_if<std::string>(&choices)) {
     return Wrong(command, *mistake);

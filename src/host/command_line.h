@@ -12,13 +12,13 @@
 
 namespace corvel::host {
 
-enum class Command { kMerge, kResave, kInfo, kTree };
+enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree };
 
 struct CommandLine {
   Command command = Command::kMerge;
-  std::vector<WideString> inputs;  // merge: two or more; resave, tree: one; info: one or more
-  WideString output;               // merge and resave
-  RunChoices choices;              // merge; of resave the way with enumeration values alone
+  std::vector<WideString> inputs;  // merge: two or more; info: one or more; others: one
+  WideString output;               // of all but info and tree
+  RunChoices choices;  // merge and extract; resave and optimise choose no objects and no places
   bool quiet = false;
   bool json = false;                       // info and tree
   std::optional<platform::Answer> answer;  // kYes or kNo

@@ -9,7 +9,9 @@ constexpr char16_t kGeneral[] =
 
 Usage:
   corvel merge FILE FILE... -o OUT   fold all models into the first, write OUT
+  corvel extract IN -o OUT           write what is chosen of one model
   corvel resave IN OUT               read one model and write it back
+  corvel optimise IN OUT             write one model as small as it can be
   corvel info FILE...                tell what files hold
   corvel tree FILE                   show the objects of one model as a tree
   corvel COMMAND --help              all about one command
@@ -69,7 +71,10 @@ constexpr char16_t kMergeOptions[] =
                           the choice of the options window about a GUID that
                           two models share; it has no effect: both objects are
                           written, and keep it
-  --contexts keep|join    join: a context of a later model gives way to an
+)help";
+
+constexpr char16_t kFederationOptions[] =
+    uR"help(  --contexts keep|join    join: a context of a later model gives way to an
                           equal one of an earlier model, and those that stay
                           are entered in the project
   --tree keep|guid|name|elevation|one
@@ -121,6 +126,58 @@ options may be given any number of times.
 
 )help";
 
+constexpr char16_t kExtract[] =
+    uR"help(corvel extract - writes what is chosen of one model
+
+Usage:
+  corvel extract IN -o OUT [options]
+
+Reads IN, marks its objects as a merge does with each of its models, and writes
+OUT with those that are kept and all that they need, under their numbers.
+
+Options:
+  -o, --output OUT        the file to write; required
+  --mode active|visible|selected
+                          which objects are kept, see below
+  --inactive LIST         these objects are not active
+  --hide LIST             these objects are not visible
+  --select LIST           these objects are selected
+  --offset X,Y,Z          move the model so far from its own coordinates, in
+                          millimetres
+  --center X,Y,Z          the coordinate centre, in metres: it becomes the
+                          origin
+  --delete-openings       openings go with what they are in
+)help";
+
+constexpr char16_t kExtractLists[] =
+    uR"help(Objects that are kept:
+The model has objects: its IfcProject and every product, which are walls as
+well as storeys and openings. 'corvel tree IN' shows them. At first all are
+active and visible, and none is selected. Kept are, by --mode,
+  active      the active objects
+  visible     those that are both active and visible
+  selected    the selected objects
+and what they need. Without --mode it is 'selected' if there is a --select,
+else 'visible' if there is a --hide, and 'active' otherwise.
+
+LIST has one or more of these, with commas between them:
+  #123        the object with that number
+  IfcWall     all objects of that class, in any case, not those of subclasses
+  2O2Fr$t4X7Zf8NOew3FLOH
+              the object with that GUID
+The IfcProject stands for all objects. Whatever matches nothing is wrong usage.
+Quote lists: '#' and '$' mean something to most shells. These options may be
+given any number of times.
+
+)help";
+
+constexpr char16_t kExtractExamples[] =
+    uR"help(Examples:
+  corvel extract house.ifc -o doors.ifc --select IfcDoor --prune
+  corvel extract house.ifc -o bare.ifc --hide IfcSpace,IfcAnnotation
+  corvel extract house.ifc -o moved.ifc --offset 0,0,-3500
+)help";
+
 constexpr char16_t kResave[] =
     uR"help(corvel resave - reads one model and writes it back
 
@@ -136,6 +193,24 @@ Options:
                           of their own once
   --numbers told|exact    exact: each real in the fewest digits that read back
                           as the same number; told: in 15 digits
+)help";
+
+constexpr char16_t kOptimise[] =
+    uR"help(corvel optimise - writes one model as small as it can be
+
+Usage:
+  corvel optimise IN OUT [options]
+
+Reads IN and writes OUT as 'corvel resave' does with --prune, --share-equal and
+--numbers exact: without records that nothing with a GUID needs, with equal
+ones once, and with reals in the fewest digits that read back as the same
+numbers. Tells how many records and bytes there were and are; bytes are those
+of the model's text, packed or not.
+
+Options:
+  --no-prune              keep what nothing with a GUID needs
+  --no-share-equal        write equal objects as often as they are there
+  --numbers told          write reals in 15 digits
 )help";
 
 constexpr char16_t kModelOptions[] =
@@ -226,6 +301,12 @@ constexpr char16_t kResaveExamples[] =
     uR"help(Examples:
   corvel resave house.ifc house-clean.ifc
   corvel resave --ignore-enum-errors draft.ifc readable.ifc
+)help";
+
+constexpr char16_t kOptimiseExamples[] =
+    uR"help(Examples:
+  corvel optimise house.ifc house-small.ifc
+  corvel optimise --no-prune house.ifc house-small.ifczip
 )help";
 
 constexpr char16_t kInfo[] =
@@ -333,13 +414,19 @@ Examples:
 WideView GeneralHelp() { return kGeneral; }
 
 WideView HelpOf(Command command) {
-  static const WideString merge = WideString(kMerge) + kMergeOptions + kModelOptions + kMergeLists +
-                                  kModelFiles + kMergeExamples;
+  static const WideString merge = WideString(kMerge) + kMergeOptions + kFederationOptions +
+                                  kModelOptions + kMergeLists + kModelFiles + kMergeExamples;
+  static const WideString extract = WideString(kExtract) + kFederationOptions + kModelOptions +
+                                    kExtractLists + kModelFiles + kExtractExamples;
   static const WideString resave =
       WideString(kResave) + kModelOptions + kModelFiles + kResaveExamples;
+  static const WideString optimise =
+      WideString(kOptimise) + kModelOptions + kModelFiles + kOptimiseExamples;
   switch (command) {
     case Command::kMerge: return merge;
+    case Command::kExtract: return extract;
     case Command::kResave: return resave;
+    case Command::kOptimise: return optimise;
     case Command::kInfo: return kInfo;
     case Command::kTree: return kTree;
   }

@@ -9,6 +9,8 @@
 #include "host/plugin_session.h"
 #include "host/resave.h"
 #include "host/run_checks.h"
+#include "merge/object_selection.h"
+#include "plugin/bound_scene.h"
 #include "plugin/texts.h"
 #include "step/log/ifc_log.h"
 
@@ -32,14 +34,13 @@ ModelRun::ModelRun(ModelOrder order, RunConsole& console)
 
 ExitStatus ModelRun::Run() {
   const LogPlaced whileItLasts(PlaceOfLog());
-  RunResult result;
   if (PathsAreGood() && !console_.ShallEnd()) {
     const bool listsAreGood = LoadScene();
     if (!listsAreGood && !console_.WasCancelled()) return ExitStatus::kWrongUsage;
-    if (!console_.ShallEnd() && ScenesAreReadable()) result = Write();
+    if (!console_.ShallEnd() && ScenesAreReadable()) result_ = Write();
   }
   console_.EraseBars();
-  return Conclude(result);
+  return Conclude();
 }
 
 // All that is wrong is told, not the first alone.
@@ -94,7 +95,7 @@ bool ModelRun::LoadScene() {
   for (std::size_t i = 0; i < order_.inputs.size() && !console_.ShallEnd(); ++i) {
     LoadedModel& model = models_.emplace_back();
     model.path = order_.inputs[i];
-    if (order_.inputs.size() > 1) good = Load(i, model) && good;
+    if (ChoosesObjects()) good = Load(i, model) && good;
   }
   if (console_.WasCancelled()) return good;
   for (const auto& [input, offset] : order_.choices.offsetsMm) models_[input].offsetMm = offset;
@@ -144,7 +145,21 @@ RunResult ModelRun::Write() {
   plugin.OverrideOptions(options);
   viewer.TellModelsAreLoaded();
   if (order_.inputs.size() > 1) return Merge(viewer, plugin);
-  return Resave(order_.inputs.front(), order_.output, plugin.RunOptions());
+  if (order_.extracts) return Extract(viewer, plugin.RunOptions());
+  return Resave({order_.inputs.front(), order_.output, plugin.RunOptions(), {}});
+}
+
+RunResult ModelRun::Extract(const Viewer& viewer, const MergeOptions& options) {
+  plugin::BoundScene scene;
+  const SavingMode mode = order_.choices.mode;
+  if (ObjectSelection(scene).ProjectsOf(mode).empty()) {
+    const char16_t* const kind = mode == SavingMode::kMergeActive    ? u"active"
+                                 : mode == SavingMode::kMergeVisible ? u"visible"
+                                                                     : u"selected";
+    console_.Say(WideString(u"No object is ") + kind + u".");
+    return {};
+  }
+  return Resave({order_.inputs.front(), viewer.Output(), options, mode});
 }
 
 // What is worth knowing and changes nothing, the exit status included.
@@ -185,8 +200,8 @@ RunResult ModelRun::Merge(Viewer& viewer, plugin::Plugin& plugin) {
 }
 
 // The log alone has them in the plug-in. Here they stand where somebody looks.
-void ModelRun::SayRemarks(const RunResult& result) {
-  for (const auto& [path, remark] : result.remarks) console_.Say(Printable(path) + u": " + remark);
+void ModelRun::SayRemarks() {
+  for (const auto& [path, remark] : result_.remarks) console_.Say(Printable(path) + u": " + remark);
 }
 
 // Nobody wanted that: whoever starts runs that nobody watches has two options against it.
@@ -194,17 +209,17 @@ bool ModelRun::StoppedUnasked() const {
   return console_.WasStoppedUnasked() && !order_.answerIsGiven;
 }
 
-ExitStatus ModelRun::Conclude(const RunResult& result) {
-  const bool written = result.written;
-  SayRemarks(result);
+ExitStatus ModelRun::Conclude() {
+  const bool written = result_.written;
+  SayRemarks();
   const bool reported = console_.LogWasOffered();
   if (written && !reported) return ExitStatus::kDone;
   WideString line;
   if (written) {
     line = Printable(order_.output) + u" was written, but something was reported.";
-  } else if (!result.outputKeptAt.empty()) {
+  } else if (!result_.outputKeptAt.empty()) {
     line = Printable(order_.output) + u" was not written. The complete output lies in " +
-           Printable(result.outputKeptAt) + u".";
+           Printable(result_.outputKeptAt) + u".";
   } else if (StoppedUnasked()) {
     line =
         u"Stopped at a value that nobody could be asked about: see --answer and "

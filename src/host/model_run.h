@@ -18,6 +18,7 @@ struct ModelOrder {
   std::vector<WideString> inputs;  // one: read and written back; several: merged into the first
   WideString output;
   RunChoices choices;
+  bool extracts = false;  // of one input: what the choices keep of it is written
   // In the place of the user's own folder for config.txt and LastPath.txt.
   std::optional<WideString> userFolder;
   WideString workFolder;  // of the files that the reading needs meanwhile
@@ -37,8 +38,11 @@ class ModelRun {
   // Once. Refusals, reports and the end are told on the console, each once. Nothing of the models
   // is in memory afterwards. Throws what nobody foresees.
   ExitStatus Run();
+  // How the run ended, once it has.
+  const RunResult& Result() const { return result_; }
 
  private:
+  bool ChoosesObjects() const { return order_.extracts || order_.inputs.size() > 1; }
   bool PathsAreGood();
   bool InputsAreGood();
   LogPlace PlaceOfLog();
@@ -47,14 +51,16 @@ class ModelRun {
   bool Load(std::size_t input, LoadedModel& model);
   RunResult Write();
   RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
+  RunResult Extract(const Viewer& viewer, const MergeOptions& options);
   plugin::RunListener Listener();
-  void SayRemarks(const RunResult& result);
+  void SayRemarks();
   bool StoppedUnasked() const;
-  ExitStatus Conclude(const RunResult& result);
+  ExitStatus Conclude();
 
   ModelOrder order_;
   RunConsole& console_;
   std::vector<LoadedModel> models_;
+  RunResult result_;
 };
 
 }  // namespace corvel::host

@@ -1,15 +1,27 @@
-// One model in, the same model out.
+// One model in, the same model out, or what is chosen of it.
 #pragma once
+
+#include <optional>
 
 #include "core/text.h"
 #include "merge/merge_job.h"
 #include "merge/merge_shell.h"
+#include "merge/object_selection.h"
 
 namespace corvel::host {
 
-// Reads `input` and writes `output`, with the plug-in's progress and reports. Of the options those
-// count that concern reading. Needs the plug-in to be loaded. What goes wrong has been reported, a
-// lack of memory too.
-RunResult Resave(const WideString& input, const WideString& output, const MergeOptions& options);
+struct ResaveOrder {
+  WideString input;
+  WideString output;
+  // Those count that concern reading and federation.
+  MergeOptions options;
+  // Which objects are kept, as the viewer that lives shows the model, its only one. Nothing: every
+  // record is written.
+  std::optional<SavingMode> chosen;
+};
+
+// With the plug-in's progress and reports. Needs the plug-in to be loaded. What goes wrong has been
+// reported, a lack of memory too.
+RunResult Resave(const ResaveOrder& order);
 
 }  // namespace corvel::host

@@ -111,6 +111,17 @@ Mistake MistakeInItem(std::string_view item) {
   return Quoted(item) + " is no number of a record";
 }
 
+Mistake TakeItems(const KindOfList& kind, std::size_t input, std::string_view items,
+                  RunChoices& choices) {
+  ObjectList list{kind.kind, input, {}};
+  for (const std::string_view item : AtCommas(items)) {
+    if (const auto mistake = MistakeInItem(item)) return kind.option + (": " + *mistake);
+    list.items.push_back(FromUtf8(item));
+  }
+  choices.lists.push_back(std::move(list));
+  return {};
+}
+
 // FILE:LIST. Only FILE may have a colon of its own.
 Mistake TakeList(const KindOfList& kind, std::string_view word,
                  const std::vector<std::string>& inputs, RunChoices& choices) {
@@ -119,20 +130,16 @@ Mistake TakeList(const KindOfList& kind, std::string_view word,
   if (colon == std::string_view::npos) return option + " takes FILE:LIST, not " + Quoted(word);
   const auto input = InputOf(word.substr(0, colon), inputs);
   if (const auto* const mistake = std::get_if<std::string>(&input)) return option + ": " + *mistake;
-  ObjectList list{kind.kind, std::get<std::size_t>(input), {}};
-  for (const std::string_view item : AtCommas(word.substr(colon + 1))) {
-    if (const auto mistake = MistakeInItem(item)) return option + ": " + *mistake;
-    list.items.push_back(FromUtf8(item));
-  }
-  choices.lists.push_back(std::move(list));
-  return {};
+  return TakeItems(kind, std::get<std::size_t>(input), word.substr(colon + 1), choices);
 }
 
 Mistake TakeLists(const ChoiceWords& words, const std::vector<std::string>& inputs,
                   RunChoices& choices) {
   for (const KindOfList& kind : kLists) {
     for (const std::string& word : words.*kind.words) {
-      if (auto mistake = TakeList(kind, word, inputs, choices)) return mistake;
+      Mistake mistake = words.areOfOneInput ? TakeItems(kind, 0, word, choices)
+                                            : TakeList(kind, word, inputs, choices);
+      if (mistake) return mistake;
     }
   }
   return {};
@@ -172,10 +179,21 @@ Mistake TakeOffset(std::string_view word, const std::vector<std::string>& inputs
   return {};
 }
 
+// X,Y,Z, once.
+Mistake TakeOnlyOffset(std::string_view word, RunChoices& choices) {
+  const auto point = PointOf(word);
+  if (!point) return "--offset takes X,Y,Z with three numbers, not " + Quoted(word);
+  if (!choices.offsetsMm.empty()) return "--offset: the model has two offsets";
+  choices.offsetsMm.emplace_back(0, *point);
+  return {};
+}
+
 Mistake TakePlaces(const ChoiceWords& words, const std::vector<std::string>& inputs,
                    RunChoices& choices) {
   for (const std::string& word : words.offsets) {
-    if (auto mistake = TakeOffset(word, inputs, choices)) return mistake;
+    Mistake mistake =
+        words.areOfOneInput ? TakeOnlyOffset(word, choices) : TakeOffset(word, inputs, choices);
+    if (mistake) return mistake;
   }
   if (!words.center) return {};
   const auto center = PointOf(*words.center);

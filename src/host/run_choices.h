@@ -45,6 +45,7 @@ struct RunChoices {
 
 // The values of the options as they were typed; nothing for an option that was not given.
 struct ChoiceWords {
+  bool areOfOneInput = false;  // lists and offsets name no file
   std::optional<std::string> mode;
   std::vector<std::string> inactive;
   std::vector<std::string> hide;

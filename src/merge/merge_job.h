@@ -18,6 +18,9 @@ struct RunResult {
   bool cancelled = false;  // somebody answered a cancel question with Yes
   // Where the complete output lies when it could not be put at its place; empty otherwise.
   WideString outputKeptAt;
+  // Of a model that is written back or extracted; 0 for others.
+  std::size_t recordsRead = 0;
+  std::size_t recordsWritten = 0;
   // Path of an input, and a remark on it: see IfcDocument::Remarks.
   std::vector<std::pair<WideString, WideString>> remarks;
 };

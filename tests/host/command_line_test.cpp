@@ -149,9 +149,11 @@ TEST(CommandLine, ChoicesOfAMergeAreNoneOfOtherCommands) {
 }
 
 TEST(CommandLine, EveryCommandTakesTheCommonOptions) {
-  for (const Arguments& words : {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
-                                 Arguments{u"resave", u"a.ifc", u"b.ifc"},
-                                 Arguments{u"info", u"a.ifc"}, Arguments{u"tree", u"a.ifc"}}) {
+  for (const Arguments& words :
+       {Arguments{u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc"},
+        Arguments{u"extract", u"a.ifc", u"-o", u"c.ifc"}, Arguments{u"resave", u"a.ifc", u"b.ifc"},
+        Arguments{u"optimise", u"a.ifc", u"b.ifc"}, Arguments{u"info", u"a.ifc"},
+        Arguments{u"tree", u"a.ifc"}}) {
     Arguments all = words;
     all.insert(all.end(), {u"--quiet", u"--ignore-enum-errors", u"--answer", u"no"});
     const CommandLine line = Parsed(all);
@@ -283,10 +285,25 @@ TEST(CommandLine, HelpComesBeforeWhatElseIsWrong) {
   EXPECT_EQ(VersionText(), Explained({u"--version"}));
 }
 
+constexpr Command kAllCommands[] = {Command::kMerge,    Command::kExtract, Command::kResave,
+                                    Command::kOptimise, Command::kInfo,    Command::kTree};
+
+// Every option of federation stands in the help of each command that takes it.
+TEST(HelpTexts, TellTheOptionsOfFederation) {
+  for (const FederationOption& option : AllFederationOptions()) {
+    if (option.name.starts_with("no-")) continue;
+    const WideString name = u"--" + Widen(std::string(option.name));
+    for (const Command command : {Command::kMerge, Command::kExtract}) {
+      EXPECT_NE(WideView::npos, HelpOf(command).find(name)) << option.name;
+    }
+    if (!option.ofResave) continue;
+    EXPECT_NE(WideView::npos, HelpOf(Command::kResave).find(name)) << option.name;
+  }
+}
+
 // Every option that a command takes stands in its help.
 TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
-  for (const Command command :
-       {Command::kMerge, Command::kResave, Command::kInfo, Command::kTree}) {
+  for (const Command command : kAllCommands) {
     const std::string help = ToUtf8(HelpOf(command));
     for (const char* const word :
          {"Usage:", "--tolerant", "--ignore-enum-errors", "--quiet", "--answer yes|no",
@@ -303,7 +320,8 @@ TEST(HelpTexts, TellAllOptionsAndAllStatuses) {
   }
   EXPECT_NE(WideView::npos, HelpOf(Command::kInfo).find(u"--json"));
   EXPECT_NE(WideView::npos, HelpOf(Command::kTree).find(u"--json"));
-  for (const Command command : {Command::kMerge, Command::kResave}) {
+  for (const Command command :
+       {Command::kMerge, Command::kExtract, Command::kResave, Command::kOptimise}) {
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  3   "));
     EXPECT_NE(WideView::npos, HelpOf(command).find(u"  4   "));
   }
@@ -376,8 +394,9 @@ TEST(CommandLine, AnOptionOfFederationNeedsAWordOfItsOwn) {
 }
 
 TEST(HelpTexts, NoLineIsLongerThanATerminal) {
-  for (const WideView help : {GeneralHelp(), HelpOf(Command::kMerge), HelpOf(Command::kResave),
-                              HelpOf(Command::kInfo), HelpOf(Command::kTree)}) {
+  std::vector<WideView> helps = {GeneralHelp()};
+  for (const Command command : kAllCommands) helps.push_back(HelpOf(command));
+  for (const WideView help : helps) {
     WideView rest = help;
     while (!rest.empty()) {
       const WideView line = rest.substr(0, rest.find(u'\n'));

@@ -106,5 +106,32 @@ class SharedEqual(CorvelTest):
                          merged.count(b'=IFCCARTESIANPOINT('))
 
 
+class Optimised(CorvelTest):
+
+    def test_is_what_a_resave_with_the_three_options_is_and_tells_what_it_saved(self):
+        ended = self.run_corvel('optimise', DRIVE + HOUSE, 'small.ifc')
+        self.assert_ended(ended, DONE, err='')
+        small = self.read('small.ifc')
+        self.assert_ended(self.run_corvel('resave', DRIVE + HOUSE, 'out.ifc', '--share-equal',
+                                          '--prune', '--numbers', 'exact'), DONE)
+        self.assertEqual(small, self.read('out.ifc'))
+        with open(HOUSE, 'rb') as file:
+            house = file.read()
+        told = re.fullmatch(
+            r'small\.ifc was written\.\nRecords: (\d+) before, (\d+) now, [\d.]+ % saved\.\n'
+            r'Bytes: (\d+) before, (\d+) now, [\d.]+ % saved\.\n',
+            ended.out.replace('\r\n', '\n'))
+        self.assertIsNotNone(told, ended.out)
+        self.assertEqual([len(records_of(house.decode('ascii'))),
+                          len(records_of(small.decode('ascii'))), len(house), len(small)],
+                         [int(number) for number in told.groups()])
+
+    def test_an_optimised_model_cannot_be_optimised(self):
+        self.assert_ended(self.run_corvel('optimise', DRIVE + HOUSE, 'one.ifc'), DONE)
+        self.assert_ended(self.run_corvel('optimise', 'one.ifc', 'two.ifc', '--quiet'), DONE,
+                          out='')
+        self.assertEqual(self.read('one.ifc'), self.read('two.ifc'))
+
+
 if __name__ == '__main__':
     unittest.main()

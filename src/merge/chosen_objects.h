@@ -1,0 +1,17 @@
+// One model without what the user has not chosen.
+#pragma once
+
+#include "core/outcome.h"
+#include "merge/document.h"
+#include "merge/host_scene.h"
+#include "merge/object_selection.h"
+
+namespace corvel {
+
+// Moves the model as the host shows it, and deletes what does not count: what a merge does with
+// each of its models. `document` has been read, and is `project` in the scene. Its markers are true
+// afterwards. Failed (reported): there is no number left.
+Outcome KeepChosenObjects(IfcDocument& document, HostObject project, HostScene& scene,
+                          SavingMode mode, bool deleteOpenings);
+
+}  // namespace corvel
