@@ -36,8 +36,10 @@ IFC::IfcEntity* FederatedModel::LastSurvivor(IFC::IfcEntity* entity) const {
 }
 
 IFC::IfcEntity* FederatedModel::InModel(IFC::IfcEntity* entity) const {
-  if (entity != nullptr) entity = LastSurvivor(entity);
-  if (entity == nullptr || entity->marker == IFC::kDeleted) return nullptr;
+  // Most objects stand for themselves.
+  if (entity == nullptr || Contains(*entity)) return entity;
+  entity = LastSurvivor(entity);
+  if (entity->marker == IFC::kDeleted) return nullptr;
   // The projects of the inputs have the number of the one that they gave way to.
   return Container().entities.Find(entity->marker);
 }

@@ -43,14 +43,13 @@ class Steps {
   }
 
   bool MendRelations() {
-    MendedRelations counts;
+    MendedRelations& counts = mended_;
     const bool done = Run(u"relations", [&](Ticker& ticker) {
       return corvel::MendRelations(model_, ticker, counts);
     });
     Log(u"Members that left a later relation: " + Count(counts.left) + u", relations united: " +
-        Count(counts.united) + u", gone: " + Count(counts.gone));
-    Log(u"Property sets joined: " + Count(counts.propertySets) + u", records left behind: " +
-        Count(counts.leftBehind));
+        Count(counts.united) + u", gone: " + Count(counts.deleted.size()));
+    Log(u"Property sets joined: " + Count(counts.propertySets));
     for (const WideString& difference : counts.differences) {
       Log(u"Differs, and the first stays: " + difference);
     }
@@ -87,6 +86,15 @@ class Steps {
       return corvel::UniteRelations(model_, ticker, united);
     });
     Log(u"Relations joined with one that says the same: " + Count(united));
+    return done;
+  }
+
+  bool LeaveOutBelongings() {
+    std::size_t leftOut = 0;
+    const bool done = Run(u"relations", [&](Ticker& ticker) {
+      return corvel::LeaveOutBelongings(model_, mended_, ticker, leftOut);
+    });
+    Log(u"Objects left out since they belonged to what was joined: " + Count(leftOut));
     return done;
   }
 
@@ -143,6 +151,7 @@ class Steps {
 
   FederatedModel& model_;
   ProgressCallback progress_;
+  MendedRelations mended_;
 };
 
 }  // namespace
@@ -173,6 +182,8 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   if ((joinsTrees || joinsObjects) && !steps.MendRelations()) return false;
   if (joinsObjects && !steps.UniteRelations()) return false;
   if (choices.guids != GuidHandling::kKeep && !steps.RenewGuids(joinsObjects)) return false;
+  const bool leavesBelongings = (joinsTrees || joinsObjects) && !choices.prune;
+  if (leavesBelongings && !steps.LeaveOutBelongings()) return false;
   if (choices.prune && !steps.Prune()) return false;
   if (choices.shareEqual && !steps.ShareEqual(choices.numbers)) return false;
   if (choices.stamp && !steps.Stamp()) return false;

@@ -33,9 +33,7 @@ class ObjectJoiner {
       const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
       if (input != 0) Join(MetresPerLengthUnit(units));
       JoinApplications();
-      for (IFC::IfcEntity* const object : objects_) {
-        if (model_.Contains(*object)) earlier_[GuidOf(*object)].push_back(object);
-      }
+      if (input + 1 != model_.InputCount()) EnterForLaterOnes();
     }
     return true;
   }
@@ -51,6 +49,13 @@ class ObjectJoiner {
     if (EntityCast<IFC::VirtualIfcRoot>(&entity) == nullptr || entity.carries) return;
     if (IFC::IfcEntity* const placement = ReferenceOf(entity, kPlacement)) ++placed_[placement];
     if (!isRelation_.IsTrueOf(entity) && !GuidOf(entity).empty()) objects_.push_back(&entity);
+  }
+
+  void EnterForLaterOnes() {
+    earlier_.reserve(earlier_.size() + objects_.size());
+    for (IFC::IfcEntity* const object : objects_) {
+      if (model_.Contains(*object)) earlier_[GuidOf(*object)].push_back(object);
+    }
   }
 
   void Join(double metresPerUnit) {

@@ -17,14 +17,6 @@ Survivors SurvivorsOf(const FederatedModel& model) {
   return survivors;
 }
 
-// Whatever belonged to these may have no other owner.
-std::vector<IFC::IfcEntity*> Gone(const FederatedModel& model, const RelationEdits& edits) {
-  std::vector<IFC::IfcEntity*> gone = edits.Deleted();
-  model.ForEachThatGaveWay(
-      [&](IFC::IfcEntity& entity, const IFC::IfcEntity& /*survivor*/) { gone.push_back(&entity); });
-  return gone;
-}
-
 }  // namespace
 
 bool MendRelations(FederatedModel& model, Ticker& ticker, MendedRelations& mended) {
@@ -34,8 +26,15 @@ bool MendRelations(FederatedModel& model, Ticker& ticker, MendedRelations& mende
   RelationEdits edits(model, mended);
   return KeepWithinBounds(model, survivors, bounds, edits, mended, ticker) &&
          JoinPropertySets(model, survivors, edits, mended, ticker) &&
-         DeleteOrphans(model, bounds, edits, ticker) && DropRepeatedMembers(model, ticker) &&
-         PruneLeftBehind(model, Gone(model, edits), ticker, mended.leftBehind);
+         DeleteOrphans(model, bounds, edits, ticker) && DropRepeatedMembers(model, ticker);
+}
+
+bool LeaveOutBelongings(FederatedModel& model, const MendedRelations& mended, Ticker& ticker,
+                        std::size_t& leftOut) {
+  std::vector<IFC::IfcEntity*> gone = mended.deleted;
+  model.ForEachThatGaveWay(
+      [&](IFC::IfcEntity& entity, const IFC::IfcEntity& /*survivor*/) { gone.push_back(&entity); });
+  return PruneLeftBehind(model, gone, ticker, leftOut);
 }
 
 }  // namespace corvel

@@ -11,13 +11,12 @@
 namespace corvel {
 
 struct MendedRelations {
-  std::size_t left = 0;    // members that left a relation since an earlier one has them
-  std::size_t united = 0;  // relations whose members went over to an earlier one
-  std::size_t gone = 0;    // relations that were left without members, and objects without relation
+  std::size_t left = 0;          // members that left a relation since an earlier one has them
+  std::size_t united = 0;        // relations whose members went over to an earlier one
   std::size_t propertySets = 0;  // joined with one of the same name
-  std::size_t leftBehind = 0;    // records that belonged to what gave way, and to nothing else
   // Where the first won: "Pset_WallCommon.IsExternal of 'Wall' (#12)".
   std::vector<WideString> differences;
+  std::vector<IFC::IfcEntity*> deleted;  // all that went
 };
 
 // To be called behind any step after which some objects stand for others, whoever chose them; does
@@ -29,10 +28,14 @@ struct MendedRelations {
 // - where it demands one, the object goes with its last relation;
 // - property sets of one name become one, property by property, and the first wins. One that others
 //   use is copied first. What IFC2X3 says about maps in property sets is left alone;
-// - nothing stands twice in a SET or a LIST OF UNIQUE;
-// - shapes and other records of what gave way go unless somebody else needs them.
+// - nothing stands twice in a SET or a LIST OF UNIQUE.
 // What a source breaks by itself stays as it is. False: the user cancelled, or (reported) there is
 // no number left for a copy.
 bool MendRelations(FederatedModel& model, Ticker& ticker, MendedRelations& mended);
+
+// Behind that, and not needed before Prune: leaves out shapes and other records that belonged to
+// what gave way, or went in `mended`, and to nothing else. False: the user cancelled.
+bool LeaveOutBelongings(FederatedModel& model, const MendedRelations& mended, Ticker& ticker,
+                        std::size_t& leftOut);
 
 }  // namespace corvel

@@ -12,7 +12,6 @@
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/equality/attribute_digest.h"
 #include "merge/federation/equality/value_digests.h"
-#include "merge/federation/prune.h"
 #include "merge/federation/relations/related_list.h"
 #include "schema/attributes.h"
 
@@ -22,19 +21,19 @@ namespace {
 
 class RelationUniter {
  public:
-  explicit RelationUniter(FederatedModel& model) : model_(model), values_(model) {}
+  RelationUniter(FederatedModel& model, std::size_t& united)
+      : model_(model), values_(model), united_(united) {}
 
-  bool Run(Ticker& ticker, std::size_t& united) {
+  bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       own_.clear();
       const bool goesOn =
           model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) { Take(entity); });
       if (!goesOn) return false;
+      if (input + 1 == model_.InputCount()) return true;
       for (const auto& [digest, relation] : own_) earlier_[digest].push_back(relation);
     }
-    united = gone_.size();
-    std::size_t pruned = 0;
-    return gone_.empty() || PruneLeftBehind(model_, gone_, ticker, pruned);
+    return true;
   }
 
  private:
@@ -77,7 +76,7 @@ class RelationUniter {
   void Unite(IFC::IfcEntity& relation, IFC::IfcEntity& survivor, const AttributeFacts* related) {
     if (related != nullptr) Append(relation, survivor, related->name);
     model_.GiveWay(relation, survivor);
-    gone_.push_back(&relation);
+    ++united_;
   }
 
   void Append(const IFC::IfcEntity& relation, IFC::IfcEntity& survivor, std::string_view related) {
@@ -102,13 +101,13 @@ class RelationUniter {
   std::vector<std::pair<Digest, IFC::IfcEntity*>> own_;  // of the input whose turn it is
   // By relation, as they stand in the model; filled when a relation gets its first ones.
   std::unordered_map<const IFC::IfcEntity*, std::unordered_set<const IFC::IfcEntity*>> members_;
-  std::vector<IFC::IfcEntity*> gone_;
+  std::size_t& united_;
 };
 
 }  // namespace
 
 bool UniteRelations(FederatedModel& model, Ticker& ticker, std::size_t& united) {
-  return RelationUniter(model).Run(ticker, united);
+  return RelationUniter(model, united).Run(ticker);
 }
 
 }  // namespace corvel

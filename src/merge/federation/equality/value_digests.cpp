@@ -33,8 +33,9 @@ Digest ValueDigests::Of(IFC::IfcEntity* entity) {
   Push(There(entity));
   while (!waiting_.empty()) {
     IFC::IfcEntity& current = *waiting_.back();
-    const auto [entry, isNew] = known_.try_emplace(&current);
-    if (isNew) {
+    Slot& slot = At(&current);
+    if (slot.IsFree()) {
+      slot.entity = &current;
       // First all that it refers to; then it is at the back again.
       for (const Attribute attribute : AttributesOf(current)) {
         attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { Push(There(child)); });
@@ -42,8 +43,9 @@ Digest ValueDigests::Of(IFC::IfcEntity* entity) {
       continue;
     }
     waiting_.pop_back();
-    if (entry->second.progress == Progress::kBegun) {
-      known_[&current] = {Progress::kDone, Make(current)};
+    if (!slot.isDone) {
+      slot.digest = Make(current);  // which enters nothing
+      slot.isDone = true;
     }
   }
   return KnownOf(There(entity));
@@ -51,7 +53,7 @@ Digest ValueDigests::Of(IFC::IfcEntity* entity) {
 
 // What has been begun is on the way from here, or done.
 void ValueDigests::Push(IFC::IfcEntity* entity) {
-  if (entity == nullptr || StandsForItself(*entity) || known_.contains(entity)) return;
+  if (entity == nullptr || StandsForItself(*entity) || Find(entity) != nullptr) return;
   waiting_.push_back(entity);
 }
 
@@ -69,9 +71,8 @@ Digest ValueDigests::Make(IFC::IfcEntity& entity) {
 // What has been begun and is not done leads to itself.
 Digest ValueDigests::KnownOf(IFC::IfcEntity* entity) const {
   if (entity == nullptr) return {};
-  const auto found = known_.find(entity);
-  const bool isKnown = found != known_.end() && found->second.progress == Progress::kDone;
-  return isKnown ? found->second.digest : OfItself(entity);
+  const Slot* const found = Find(entity);
+  return found != nullptr && found->isDone ? found->digest : OfItself(entity);
 }
 
 }  // namespace corvel

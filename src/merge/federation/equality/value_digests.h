@@ -1,10 +1,11 @@
 // What objects without GUID say, wherever they stand in a model.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
+#include "core/open_table.h"
 #include "merge/federation/equality/digest.h"
 #include "merge/federation/federated_model.h"
 
@@ -24,19 +25,32 @@ class ValueDigests {
   Digest Of(IFC::IfcEntity* entity);
 
  private:
-  enum class Progress : std::uint8_t { kBegun, kDone };
-  struct Entry {
-    Progress progress = Progress::kBegun;
-    Digest digest;
+  struct Slot {
+    const IFC::IfcEntity* entity = nullptr;
+    Digest digest{};
+    bool isDone = false;  // or else begun
+
+    bool IsFree() const { return entity == nullptr; }
+    std::size_t Hash() const { return HashOf(entity); }
   };
+  static std::size_t HashOf(const IFC::IfcEntity* entity) {
+    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ull;
+    return static_cast<std::size_t>((reinterpret_cast<std::uintptr_t>(entity) * kMultiplier) >> 32);
+  }
 
   IFC::IfcEntity* There(IFC::IfcEntity* entity) const;
   void Push(IFC::IfcEntity* entity);
   Digest Make(IFC::IfcEntity& entity);
   Digest KnownOf(IFC::IfcEntity* entity) const;
+  const Slot* Find(const IFC::IfcEntity* entity) const {
+    return known_.Find(HashOf(entity), [=](const Slot& slot) { return slot.entity == entity; });
+  }
+  Slot& At(const IFC::IfcEntity* entity) {
+    return known_.Enter(HashOf(entity), [=](const Slot& slot) { return slot.entity == entity; });
+  }
 
   const FederatedModel& model_;
-  std::unordered_map<const IFC::IfcEntity*, Entry> known_;
+  OpenTable<Slot, 1024> known_;
   std::vector<IFC::IfcEntity*> waiting_;
 };
 

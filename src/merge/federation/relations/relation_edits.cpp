@@ -27,8 +27,7 @@ bool RelationEdits::Leave(IFC::IfcEntity& relation, std::string_view attribute,
 
 void RelationEdits::Delete(IFC::IfcEntity& entity) {
   model_.Delete(entity);
-  deleted_.push_back(&entity);
-  ++mended_.gone;
+  mended_.deleted.push_back(&entity);
 }
 
 }  // namespace corvel

@@ -26,12 +26,11 @@ class RelationEdits {
   void Delete(IFC::IfcEntity& entity);
 
   // In the order in which they went.
-  const std::vector<IFC::IfcEntity*>& Deleted() const { return deleted_; }
+  const std::vector<IFC::IfcEntity*>& Deleted() const { return mended_.deleted; }
 
  private:
   FederatedModel& model_;
   MendedRelations& mended_;
-  std::vector<IFC::IfcEntity*> deleted_;
 };
 
 }  // namespace corvel
