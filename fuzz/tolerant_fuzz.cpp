@@ -52,8 +52,10 @@ Counts CountsOf(std::string_view text) {
     if (text[at] == '\'') {
       ++counts.strings;
       for (++at; at < text.size() && text[at] != '\''; ++at) {
-        if (text.substr(at).starts_with("\\S\\")) at += 3;
+        const std::string_view rest = text.substr(at);
+        at += rest.starts_with("\\S\\") ? 3 : rest.starts_with("\\\\") ? 1 : 0;
       }
+      Require(at < text.size(), "a string is not closed");
       if (text.substr(at + 1).starts_with("'")) --counts.strings;
     } else if (text.substr(at).starts_with("/*")) {
       at = std::min(text.find("*/", at + 2), text.size());

@@ -134,6 +134,11 @@ TEST_F(MendedFile, WhatIsLeftOpenEndsWhereTheParserEndsIt) {
   ExpectAgreement("stray ' #1=IFCLABEL('a');more'\n#2=\x01IFCTEXT\xFF('b');;;\n#3 IFCREAL(1.);\n");
 }
 
+TEST_F(MendedFile, NoSectionBeginsBehindARecord) {
+  ExpectAgreement("#4=;ANCHOR=(1);\n#5=IFCLABEL('a');\n");
+  ExpectAgreement("#4=IFCLABEL('a');\nANCHOR=(1);\n#5=IFCLABEL('a');\n");
+}
+
 TEST_F(MendedFile, ComplexInstancesAndNoClassesAreRecordsOfBoth) {
   ExpectAgreement("#1=(IFCA('x')IFCB());\n#2=;\n#3=IFCNEW;\n#4=IFCLABEL('a');\n");
 }

@@ -127,6 +127,7 @@ void MendedStream::AddPlainRecords() {
 
 // False at the end of the file.
 bool MendedStream::AddRecord() {
+  if (numbers_.Largest() != 0) borders_.EnterData();
   std::uint32_t number = 0;
   switch (borders_.FindRecord(*file_, number)) {
     case TolerantBorders::Found::kEnd: return false;

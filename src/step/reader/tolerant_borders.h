@@ -17,6 +17,9 @@ class TolerantBorders {
   TolerantBorders(SkippedInput& skipped, RecordMender& mender)
       : skipped_(skipped), mender_(mender) {}
 
+  // Records have been met on another way: what looks like the name of a section is none.
+  void EnterData() { inData_ = true; }
+
   // The numberless one has no number that can be one.
   enum class Found { kRecord, kNumberlessRecord, kEnd };
   // Moves behind the number of the next record, or, if it has none, before its "=" or class.

@@ -43,6 +43,7 @@ void Parser::ReadHeadTolerantly() {
 // What is no record at the first look.
 bool Parser::FindRecordTolerantly(std::uint32_t& number) {
   scanner->Rewind(0);
+  if (tolerant_->highest != 0) tolerant_->borders.EnterData();
   for (;;) {
     switch (tolerant_->borders.FindRecord(*scanner, number)) {
       case TolerantBorders::Found::kRecord: return true;
