@@ -209,8 +209,10 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   }
   if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
   if (auto error = CountError(command, words.files.size())) return error;
-  if (ChoosesObjects(command) && app.count("--output") == 0) {
-    return "the output is missing: -o OUT";
+  const bool proposes = command == Command::kMerge && app.count("--propose-tree") != 0;
+  if (ChoosesObjects(command) && proposes == (app.count("--output") != 0)) {
+    return proposes ? "--propose-tree writes no model: leave -o out"
+                    : "the output is missing: -o OUT";
   }
   return {};
 }
@@ -220,7 +222,8 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.command = command;
   line.choices = std::move(choices);
   for (const std::string& file : words.files) line.inputs.push_back(FromUtf8(file));
-  line.output = FromUtf8(words.output);
+  // A run that proposes writes that file and no other.
+  line.output = line.choices.federation.proposeTree.value_or(FromUtf8(words.output));
   if (IsWholeCopy(command)) {
     line.output = std::move(line.inputs.back());
     line.inputs.pop_back();

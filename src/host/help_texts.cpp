@@ -85,6 +85,11 @@ constexpr char16_t kFederationOptions[] =
                           of their level whatever they are called
   --tolerance MM          storeys that differ by no more are at one height; 10
                           without this option
+  --propose-tree FILE     write to FILE what would become one and why, and what
+                          stays apart, and nothing else; takes no -o, and
+                          without --tree it is that of --tree one
+  --tree-map FILE         take that file back, changed or not: what it tells
+                          comes before all that --tree looks for
   --guids keep|renew|join renew: objects whose GUID an earlier one has get one
                           of their own, the same in each run; join: those that
                           say the same as that one give way to it before
@@ -291,6 +296,8 @@ constexpr char16_t kMergeExamples[] =
     uR"help(Examples:
   corvel merge architecture.ifc structure.ifc -o building.ifc
   corvel merge --quiet --answer yes -o all.ifc a.ifc b.ifc c.ifc
+  corvel merge a.ifc b.ifc --propose-tree tree.txt
+  corvel merge a.ifc b.ifc --tree-map tree.txt -o building.ifc
   corvel merge a.ifc b.ifc -o out.ifc --hide '1:IfcSpace,IfcAnnotation'
   corvel merge a.ifc b.ifc -o out.ifc --select '1:#42,#57' --select 2:IfcBeam
   corvel merge a.ifc b.ifc -o out.ifc --offset 2=0,0,-3500

@@ -51,7 +51,9 @@ bool ModelRun::PathsAreGood() {
     console_.Say(Printable(path) + u": " + *trouble);
     good = false;
   };
-  tell(order_.output, TroubleWithOutput(order_.output, order_.inputs));
+  const bool proposes = order_.choices.federation.proposeTree.has_value();
+  tell(order_.output, proposes ? TroubleWithList(order_.output, order_.inputs)
+                               : TroubleWithOutput(order_.output, order_.inputs));
   tell(order_.workFolder, TroubleWithWorkFolder(order_.workFolder));
   if (order_.log) tell(*order_.log, TroubleWithLog(*order_.log));
   return good;

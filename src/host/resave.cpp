@@ -92,7 +92,9 @@ RunResult ReadAndWrite(const ResaveOrder& order) {
   if (order.chosen && !KeepChosen(document, order)) return result;
   const FederationChoices& federation = order.options.federation;
   PrepareFederation({&document}, federation);
-  if (!RunFederation({&document}, federation, ProgressWindow::UpdateProgress)) return result;
+  if (!RunFederation({&document}, federation, {}, plugin::ShowError,
+                     ProgressWindow::UpdateProgress))
+    return result;
   result.recordsWritten = RecordsIn(*document.mainContainer);
   result.written = Write(document, order);
   result.outputKeptAt = document.outputKeptAt;

@@ -95,6 +95,18 @@ std::optional<WideString> Told(const char16_t* trouble) {
   return trouble;
 }
 
+std::optional<WideString> TroubleWithPlace(const WideString& path,
+                                           const std::vector<WideString>& inputs) {
+  if (auto told = Told(TroubleWithOutputType(path))) return told;
+  if (!FolderExists(path)) return u"the folder for the output does not exist";
+  const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const WideString& input) {
+    return input == path || platform::IsSameFile(FileOf(input), path);
+  });
+  if (isInput) return u"the output is also an input, and inputs are never overwritten";
+  if (!CanBeWritten(path)) return u"the output cannot be written there";
+  return {};
+}
+
 }  // namespace
 
 std::optional<WideString> TroubleWithInput(const WideString& path) {
@@ -114,14 +126,13 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
   if (form != ModelForm::kPlain && form != ModelForm::kPacked) {
     return u"the name of the output has to end in .ifc or .ifczip";
   }
-  if (auto told = Told(TroubleWithOutputType(path))) return told;
-  if (!FolderExists(path)) return u"the folder for the output does not exist";
-  const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const WideString& input) {
-    return input == path || platform::IsSameFile(FileOf(input), path);
-  });
-  if (isInput) return u"the output is also an input, and inputs are never overwritten";
-  if (!CanBeWritten(path)) return u"the output cannot be written there";
-  return {};
+  return TroubleWithPlace(path, inputs);
+}
+
+std::optional<WideString> TroubleWithList(const WideString& path,
+                                          const std::vector<WideString>& inputs) {
+  if (FormOf(path) != ModelForm::kNone) return u"the name of the list is that of a model";
+  return TroubleWithPlace(path, inputs);
 }
 
 std::optional<WideString> TroubleWithWorkFolder(const WideString& folder) {

@@ -18,6 +18,10 @@ std::optional<WideString> TroubleWithInput(const WideString& path);
 std::optional<WideString> TroubleWithOutput(const WideString& path,
                                             const std::vector<WideString>& inputs);
 
+// The same of a file that is no model.
+std::optional<WideString> TroubleWithList(const WideString& path,
+                                          const std::vector<WideString>& inputs);
+
 // The reason why files that are needed meanwhile cannot be kept in the folder; nothing when they
 // can.
 std::optional<WideString> TroubleWithWorkFolder(const WideString& folder);

@@ -7,6 +7,7 @@
 #include "core/outcome.h"
 #include "merge/federation/federation.h"
 #include "merge/federation/new_header.h"
+#include "merge/federation/tree/join_trees.h"
 #include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "merge/project_offsets.h"
@@ -114,10 +115,12 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
   WarnOfLargeFiles();
   const ModelsOfRun whileItLasts(models_);
   Prepare();
-  if (!AskForOutput() || !ReadAll()) return End(false);
+  const bool proposes = shell_.Options().federation.proposeTree.has_value();
+  if (!TreeMapIsRight() || !(proposes || AskForOutput()) || !ReadAll()) return End(false);
   // Reading is over, so that an output may take the place of a work file that it has left.
-  outputPath_ = shell_.OutputPath();
+  if (!proposes) outputPath_ = shell_.OutputPath();
   if (!PrepareModels() || !Fold()) return End(false);
+  if (proposes) return EndProposal();
   const bool saved = Save();
   // An output that is at its place is one, whatever was pressed since.
   if (!saved && Cancellation::OfProcess().WasConfirmed()) return End(false);
@@ -150,6 +153,12 @@ void MergeJob::Prepare() {
 bool MergeJob::AskForOutput() {
   const WideString path = scene_.ProjectPath(files_.front());
   return shell_.AskForOutput(SuggestionFor(path, shell_.Text("merged")));
+}
+
+// Before models are read for minutes.
+bool MergeJob::TreeMapIsRight() {
+  const auto map = shell_.Options().federation.treeMap;
+  return !map || TreeMapIsGood(*map, shell_.Reporter());
 }
 
 bool MergeJob::ReadAll() {
@@ -264,7 +273,7 @@ bool MergeJob::Fold() {
     shell_.SetCurrentFile(source.getFilePath());
   };
   const FederationChoices federation = shell_.Options().federation;
-  PrepareFederation(documents, federation);
+  const PreparedFederation prepared = PrepareFederation(documents, federation);
   const bool merged = MergeDocuments(documents, {}, announce) != nullptr;
   // A fold that was stopped half way has a model too, but not the one that was wanted.
   if (Cancellation::OfProcess().WasConfirmed()) return false;
@@ -273,7 +282,7 @@ bool MergeJob::Fold() {
     return false;
   }
   documents.front()->RemoveUnsavedEntities(nullptr, 0, {});
-  if (!RunFederation(documents, federation, shell_.Ticks())) {
+  if (!RunFederation(documents, federation, prepared, shell_.Reporter(), shell_.Ticks())) {
     if (!Cancellation::OfProcess().WasConfirmed()) TellMergeFailed();
     return false;
   }
@@ -313,6 +322,14 @@ void MergeJob::Conclude() {
   shell_.SetCurrentText(shell_.Text("finalizing"));
   shell_.EnableOpenRecent();
   shell_.ResetProgress();
+}
+
+// The list is written, and there is no output that could be opened.
+RunResult MergeJob::EndProposal() {
+  Log(u"Proposed tree written: " + shell_.Options().federation.proposeTree.value_or(WideString()));
+  IfcLog::Instance().Flush();
+  shell_.ResetProgress();
+  return End(true);
 }
 
 // The models go before the user is asked about the log, which may take a while.

@@ -14,7 +14,7 @@ namespace corvel {
 
 // How a run ended. Users are told by boxes and the log; this is for a shell without windows.
 struct RunResult {
-  bool written = false;    // the output is there, complete
+  bool written = false;    // the output, or the list that was asked for instead, is there, complete
   bool cancelled = false;  // somebody answered a cancel question with Yes
   // Where the complete output lies when it could not be put at its place; empty otherwise.
   WideString outputKeptAt;
@@ -40,15 +40,17 @@ class MergeJob {
   std::set<HostObject> CollectProjectsOfMode(SavingMode mode);
 
   // Reads the projects of `files`, folds them into the first and writes the result where the user
-  // wants it. `projects`: all that are loaded; their order is the order of the run, and members of
-  // `files` that are none of them don't count. Everything is shown to the user. Throws what nobody
-  // foresees, a lack of memory above all: the models are gone then, FinishRun is the caller's.
+  // wants it; or, where the options ask for that instead, writes what would become one. `projects`:
+  // all that are loaded; their order is the order of the run, and members of `files` that are none
+  // of them don't count. Everything is shown to the user. Throws what nobody foresees, a lack of
+  // memory above all: the models are gone then, FinishRun is the caller's.
   RunResult Run(const std::set<HostObject>& files, const std::vector<HostObject>& projects,
                 SavingMode mode);
 
  private:
   void WarnOfLargeFiles();
   bool AskForOutput();
+  bool TreeMapIsRight();
   void Prepare();
   bool ReadAll();
   bool Read(HostObject project);
@@ -59,6 +61,7 @@ class MergeJob {
   bool Save();
   void RenewHeaderIfWanted();
   void Conclude();
+  RunResult EndProposal();
   RunResult End(bool written);
 
   HostScene& scene_;

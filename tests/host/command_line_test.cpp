@@ -380,6 +380,16 @@ TEST(CommandLine, TheToleranceIsANumberOfMillimetres) {
   }
 }
 
+TEST(CommandLine, AProposalTakesThePlaceOfTheOutput) {
+  const CommandLine line = Parsed({u"merge", u"a", u"b", u"--propose-tree", u"tree.txt"});
+  EXPECT_EQ(u"tree.txt", line.output);
+  EXPECT_EQ(u"tree.txt", line.choices.federation.proposeTree);
+  EXPECT_EQ("merge: --propose-tree writes no model: leave -o out\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a", u"b", u"--propose-tree", u"tree.txt", u"-o", u"c.ifc"}));
+  EXPECT_EQ("merge: --tree-map takes the name of a file, not ''\nSee 'corvel merge --help'.",
+            ErrorOf({u"merge", u"a", u"b", u"-o", u"c", u"--tree-map", u""}));
+}
+
 TEST(CommandLine, AnOptionOfFederationNeedsAWordOfItsOwn) {
   EXPECT_TRUE(Parsed({u"merge", u"a", u"b", u"-o", u"c", u"--contexts=join"})
                   .choices.federation.joinContexts);

@@ -1,6 +1,9 @@
 // What a user may ask for beyond the plain fold. Everything is off unless it is asked for.
 #pragma once
 
+#include <optional>
+
+#include "core/text.h"
 #include "step/numbers/number_form.h"
 
 namespace corvel {
@@ -24,6 +27,10 @@ struct FederationChoices {
   bool joinContexts = false;
   TreeMatching tree = TreeMatching::kKeep;
   double toleranceMm = 10.0;  // storeys that differ by no more are at one height
+  // What would become one is written to this file, and nothing else is written anywhere.
+  std::optional<WideString> proposeTree{};
+  // The file that tells what becomes one and what does not, before anything is looked for.
+  std::optional<WideString> treeMap{};
   GuidHandling guids = GuidHandling::kKeep;
   bool prune = false;       // what nothing needs is left out
   bool shareEqual = false;  // what says the same is written once
@@ -31,8 +38,9 @@ struct FederationChoices {
   bool newHeader = false;   // the header tells of this run, not of the first input's
   NumberForm numbers = NumberForm::kTold;
 
+  bool JoinTrees() const { return tree != TreeMatching::kKeep || treeMap; }
   bool ChangeModel() const {
-    return joinContexts || tree != TreeMatching::kKeep || guids != GuidHandling::kKeep || prune ||
+    return joinContexts || JoinTrees() || proposeTree || guids != GuidHandling::kKeep || prune ||
            shareEqual || stamp;
   }
 };

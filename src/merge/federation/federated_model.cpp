@@ -72,6 +72,12 @@ const NumberTable& FederatedModel::ObjectsOf(std::size_t input) const {
                     : merged.absorbedContainers[input - 1]->entities;
 }
 
+const NumberTable& FederatedModel::RecordsOf(std::size_t input) const {
+  const IfcDocument& merged = Merged();
+  return input == 0 ? merged.mainContainer->originalEntities
+                    : merged.absorbedContainers[input - 1]->originalEntities;
+}
+
 std::size_t FederatedModel::ObjectCount() const {
   std::size_t count = 0;
   for (std::size_t input = 0; input < InputCount(); ++input) count += ObjectsOf(input).Size();

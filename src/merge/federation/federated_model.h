@@ -31,6 +31,8 @@ class FederatedModel {
   IFC::MainContainer& Container() const { return *Merged().mainContainer; }
   // Nothing when the classes of the model are those of no release.
   std::optional<SchemaNamespace> Release() const;
+  // The records of an input by the numbers of its file, whatever became of them.
+  const NumberTable& RecordsOf(std::size_t input) const;
   // The project that those of all inputs gave way to. Null without one.
   IFC::IfcEntity* Project() const { return Container().FirstProject(); }
 

@@ -56,11 +56,14 @@ class Steps {
     return done;
   }
 
-  bool JoinTrees(const FederationChoices& choices) {
+  bool ProposeTree(const TreeTask& task) {
+    return Run(u"tree", [&](Ticker& ticker) { return corvel::ProposeTree(model_, task, ticker); });
+  }
+
+  bool JoinTrees(const TreeTask& task) {
     JoinedTrees counts;
-    const bool done = Run(u"tree", [&](Ticker& ticker) {
-      return corvel::JoinTrees(model_, choices, ticker, counts);
-    });
+    const bool done = Run(
+        u"tree", [&](Ticker& ticker) { return corvel::JoinTrees(model_, task, ticker, counts); });
     Log(u"Sites, buildings and storeys joined: " + Count(counts.joined) +
         u", made parts for their shape: " + Count(counts.parts) + u", placements folded: " +
         Count(counts.folded));
@@ -156,9 +159,15 @@ class Steps {
 
 }  // namespace
 
-void PrepareFederation(const std::vector<IfcDocument*>& documents,
-                       const FederationChoices& choices) {
-  if (choices.guids == GuidHandling::kKeep) return;
+PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
+                                     const FederationChoices& choices) {
+  PreparedFederation prepared;
+  if (choices.JoinTrees() || choices.proposeTree) {
+    for (const IfcDocument* const document : documents) {
+      NoteSpatialGuids(*document->mainContainer, prepared.guids);
+    }
+  }
+  if (choices.guids == GuidHandling::kKeep) return prepared;
   for (std::size_t input = 0; input < documents.size(); ++input) {
     // Inputs that are to be joined get the same GUIDs where they are the same.
     const std::size_t position = choices.guids == GuidHandling::kJoin ? 0 : input;
@@ -167,17 +176,21 @@ void PrepareFederation(const std::vector<IfcDocument*>& documents,
       Log(u"GUIDs renewed within " + documents[input]->getFilePath() + u": " + Count(renewed));
     }
   }
+  return prepared;
 }
 
 bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
+                   const PreparedFederation& prepared, ErrorReporter showError,
                    ProgressCallback progress) {
   if (!choices.ChangeModel()) return true;
   FederatedModel model(documents);
   Steps steps(model, progress);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
-  const bool joinsTrees = choices.tree != TreeMatching::kKeep;
+  const TreeTask tree = {choices, prepared.guids, showError};
+  if (choices.proposeTree) return steps.ProposeTree(tree);
+  const bool joinsTrees = choices.JoinTrees();
   const bool joinsObjects = choices.guids == GuidHandling::kJoin;
-  if (joinsTrees && !steps.JoinTrees(choices)) return false;
+  if (joinsTrees && !steps.JoinTrees(tree)) return false;
   if (joinsObjects && !steps.JoinEqualObjects()) return false;
   if ((joinsTrees || joinsObjects) && !steps.MendRelations()) return false;
   if (joinsObjects && !steps.UniteRelations()) return false;

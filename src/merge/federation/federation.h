@@ -6,18 +6,26 @@
 #include "core/reporting.h"
 #include "merge/document.h"
 #include "merge/federation/choices.h"
+#include "merge/federation/tree/spatial_structure.h"
 
 namespace corvel {
 
+// What has to be remembered of the models from before the fold.
+struct PreparedFederation {
+  GuidsAsRead guids;
+};
+
 // Before the models are folded: what has to be seen in each by itself. The documents have their
 // containers.
-void PrepareFederation(const std::vector<IfcDocument*>& documents,
-                       const FederationChoices& choices);
+PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
+                                     const FederationChoices& choices);
 
 // Behind fold and sweep. `documents`: all that were folded into the first, in order, the first
 // included. What each step did goes to the log. False: the user cancelled, or what failed has been
-// reported; the model is not to be written then. Linear in the models.
+// reported; the model is not to be written then. With a proposal asked for nothing is to be written
+// at all: it has been. Linear in the models.
 bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
+                   const PreparedFederation& prepared, ErrorReporter showError,
                    ProgressCallback progress);
 
 }  // namespace corvel

@@ -81,6 +81,13 @@ Mistake TakeNumbers(std::string_view value, FederationChoices& choices) {
   return TakeOneOf(kWords, value, choices.numbers);
 }
 
+template <std::optional<WideString> FederationChoices::*kFile>
+Mistake TakeFile(std::string_view value, FederationChoices& choices) {
+  if (value.empty()) return "takes the name of a file";
+  choices.*kFile = FromUtf8(value);
+  return {};
+}
+
 template <bool FederationChoices::*kChoice, bool kOn>
 Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
   choices.*kChoice = kOn;
@@ -103,6 +110,8 @@ constexpr FederationOption kOptions[] = {
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
     {.name = "tree", .takesValue = true, .take = TakeTree},
     {.name = "tolerance", .takesValue = true, .take = TakeTolerance},
+    {.name = "propose-tree", .takesValue = true, .take = TakeFile<&FederationChoices::proposeTree>},
+    {.name = "tree-map", .takesValue = true, .take = TakeFile<&FederationChoices::treeMap>},
     {.name = "guids", .takesValue = true, .take = TakeGuids},
     {.name = "header", .takesValue = true, .take = TakeHeader},
     {.name = "numbers", .takesValue = true, .ofResave = true, .take = TakeNumbers},

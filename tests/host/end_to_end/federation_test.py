@@ -4,7 +4,7 @@ import os
 import re
 import unittest
 
-from support import DONE, WRONG_USAGE, CorvelTest, project
+from support import DONE, NOTHING_WRITTEN, WRONG_USAGE, CorvelTest, project
 
 SAMPLES = os.path.join(os.path.dirname(__file__), '..', '..', '..', 'samples')
 # Under an emulator the program sees this machine's root as a drive.
@@ -153,6 +153,33 @@ class Federation(CorvelTest):
                 self.assertEqual(count(joined, 'WALLSTANDARDCASE'), count(told, 'WALLSTANDARDCASE'))
                 numbers = set(re.findall(r'^#(\d+)=', joined, re.MULTILINE))
                 self.assertLessEqual(set(re.findall(r'[(,]#(\d+)', joined)), numbers)
+
+    def test_a_proposal_writes_a_list_and_no_model(self):
+        ended = self.run_corvel('merge', HOUSE, HOUSE, '--propose-tree', 'tree.txt')
+        self.assert_ended(ended, DONE, out='tree.txt was written.\n')
+        self.assertFalse([name for name in self.names() if name.endswith(('.ifc', '.part'))])
+        words = [line.split()[0] for line in self.read('tree.txt').decode().splitlines()]
+        self.assertEqual(words.count('join'), words.count('apart'))
+        self.assertIn('join', words)
+
+    def test_a_proposal_that_is_taken_back_is_what_was_proposed(self):
+        self.run_corvel('merge', HOUSE, HOUSE, '--propose-tree', 'tree.txt')
+        self.assertEqual(self.merged('--tree', 'one'), self.merged('--tree-map', 'tree.txt'))
+
+    def test_a_mistake_in_a_list_stops_the_run_before_it_writes(self):
+        for content in (b'join 2:#1\n', b'join 2:#1 1:#1\n'):
+            self.write('tree.txt', b'\n' + content)
+            ended = self.run_corvel('merge', HOUSE, HOUSE, '-o', 'out.ifc', '--tree-map',
+                                    'tree.txt')
+            self.assertEqual(NOTHING_WRITTEN, ended.status)
+            self.assertIn('tree.txt, line 2: ', ended.err)
+            self.assertNotIn('out.ifc', self.names())
+
+    def test_a_list_is_no_model_and_no_input(self):
+        for name in ('tree.ifc', HOUSE):
+            ended = self.run_corvel('merge', HOUSE, HOUSE, '--propose-tree', name)
+            self.assertEqual(NOTHING_WRITTEN, ended.status)
+            self.assertIn('the name of the list is that of a model', ended.err)
 
     def test_another_word_is_wrong_usage(self):
         ended = self.run_corvel('merge', HOUSE, HOUSE, '-o', 'out.ifc', '--contexts', 'both')

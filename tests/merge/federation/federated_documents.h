@@ -40,10 +40,13 @@ class FederatedDocuments {
   std::string Run(const FederationChoices& choices) {
     std::vector<IfcDocument*> documents;
     for (const auto& document : documents_) documents.push_back(&**document);
-    PrepareFederation(documents, choices);
+    const PreparedFederation prepared = PrepareFederation(documents, choices);
     merged_ = MergeDocuments(documents, {}, {});
     if (merged_ == nullptr) return "not merged";
-    if (!RunFederation(documents, choices, RecordedProgress::Callback)) return "not federated";
+    if (!RunFederation(documents, choices, prepared, RecordedReports::Reporter,
+                       RecordedProgress::Callback)) {
+      return "not federated";
+    }
     merged_->mainContainer->FillMarkers();
     return LinesOf(*merged_->mainContainer);
   }

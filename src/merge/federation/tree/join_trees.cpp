@@ -1,5 +1,6 @@
 #include "merge/federation/tree/join_trees.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -13,6 +14,8 @@
 #include "merge/federation/same_value.h"
 #include "merge/federation/tree/fold_placements.h"
 #include "merge/federation/tree/storey_heights.h"
+#include "merge/federation/tree/tree_list.h"
+#include "merge/federation/tree/tree_map.h"
 #include "merge/federation/tree/tree_matching.h"
 #include "merge/federation/tree/world_places.h"
 #include "platform/file.h"
@@ -105,14 +108,39 @@ class Parts {
   std::unordered_map<const IFC::IfcEntity*, IFC::IfcEntity*> relations_;  // by whole
 };
 
+// Who has a shape of its own, and may give it up.
+class Shapes {
+ public:
+  Shapes(const FederatedModel& model, WorldPlaces& places) : model_(model), places_(places) {}
+
+  IFC::IfcEntity* Of(const IFC::IfcEntity& entity) const {
+    return model_.InModel(ReferenceOf(entity, "Representation"));
+  }
+
+  // It has another one than the survivor, or the same elsewhere.
+  bool Differ(const IFC::IfcEntity& entity, const IFC::IfcEntity& survivor) {
+    const IFC::IfcEntity* const shape = Of(entity);
+    if (shape == nullptr) return false;
+    const auto place = WorldPlaceOf(entity, places_);
+    const auto otherPlace = WorldPlaceOf(survivor, places_);
+    return !place || !otherPlace || !SamePlace(*place, *otherPlace, kSameTerrain) ||
+           !SameByValue(shape, Of(survivor), kSameNumber);
+  }
+
+ private:
+  const FederatedModel& model_;
+  WorldPlaces& places_;
+};
+
 class Joining {
  public:
   Joining(FederatedModel& model, WorldPlaces& places, JoinedTrees& counts)
-      : model_(model), places_(places), counts_(counts), parts_(model) {}
+      : model_(model), places_(places), shapes_(model, places), counts_(counts), parts_(model) {}
 
   bool Run(const SpatialStructure& structure, Ticker& ticker) {
     for (const SpatialObject& object : structure.objects) {
       if (object.survivor != nullptr) Join(*object.entity, *object.survivor->entity);
+      if (!ticker.Advance()) return false;
     }
     if (!parts_.Hang(ticker)) return false;
     return !PlacementsNeedProducts(model_) || FoldPlacements(model_, left_, ticker, counts_.folded);
@@ -120,30 +148,18 @@ class Joining {
 
  private:
   void Join(IFC::IfcEntity& entity, IFC::IfcEntity& survivor) {
-    IFC::IfcEntity* const shape = ShapeOf(entity);
-    IFC::IfcEntity* const other = ShapeOf(survivor);
-    if (shape != nullptr && !AreSame(entity, *shape, survivor, other)) {
+    if (shapes_.Differ(entity, survivor)) {
       parts_.Add(entity, survivor);
       ++counts_.parts;
       return;
     }
     // Aspects of the one shape are those of the other then.
+    IFC::IfcEntity* const shape = shapes_.Of(entity);
+    IFC::IfcEntity* const other = shapes_.Of(survivor);
     if (shape != nullptr && shape != other) model_.GiveWay(*shape, *other);
     LeavePlacement(entity, survivor);
     model_.GiveWay(entity, survivor);
     ++counts_.joined;
-  }
-
-  IFC::IfcEntity* ShapeOf(const IFC::IfcEntity& entity) const {
-    return model_.InModel(ReferenceOf(entity, "Representation"));
-  }
-
-  bool AreSame(const IFC::IfcEntity& entity, const IFC::IfcEntity& shape,
-               const IFC::IfcEntity& survivor, const IFC::IfcEntity* other) {
-    const auto place = WorldPlaceOf(entity, places_);
-    const auto otherPlace = WorldPlaceOf(survivor, places_);
-    return place && otherPlace && SamePlace(*place, *otherPlace, kSameTerrain) &&
-           SameByValue(&shape, other, kSameNumber);
   }
 
   // What stands on it stands on that of the survivor as well, if that is at the same place.
@@ -162,6 +178,7 @@ class Joining {
 
   FederatedModel& model_;
   WorldPlaces& places_;
+  Shapes shapes_;
   JoinedTrees& counts_;
   Parts parts_;
   std::vector<IFC::IfcEntity*> left_;  // placements of those that gave way
@@ -181,24 +198,72 @@ WideString Described(const FederatedModel& model, const Ambiguity& ambiguity) {
   return text;
 }
 
-}  // namespace
+// A person may have made many.
+constexpr std::size_t kMostMistakes = 20;
 
-bool FindOneTree(FederatedModel& model, const FederationChoices& choices, WorldPlaces& places,
-                 Ticker& ticker, SpatialStructure& structure) {
-  if (!CollectSpatialStructure(model, ticker, structure)) return false;
-  MeasureStoreys(model, places, structure);
-  return MatchTrees(structure, choices.tree, choices.toleranceMm * kMetresPerMillimetre, ticker);
+void Report(const std::vector<WideString>& mistakes, ErrorReporter showError) {
+  WideString text;
+  for (std::size_t i = 0; i < std::min(mistakes.size(), kMostMistakes); ++i) {
+    text += (text.empty() ? u"" : u"\n") + mistakes[i];
+  }
+  if (mistakes.size() > kMostMistakes) {
+    text += u"\n... and " + Widen(std::to_string(mistakes.size() - kMostMistakes)) + u" more.";
+  }
+  showError("", text, kReportShow);
 }
 
-bool JoinTrees(FederatedModel& model, const FederationChoices& choices, Ticker& ticker,
-               JoinedTrees& counts) {
+bool ApplyMap(const FederatedModel& model, const TreeTask& task, SpatialStructure& structure) {
+  if (!task.choices.treeMap) return true;
+  std::vector<WideString> mistakes;
+  const TreeMap map = ReadTreeMap(*task.choices.treeMap, mistakes);
+  if (mistakes.empty()) ApplyTreeMap(map, model, structure, mistakes);
+  if (mistakes.empty()) return true;
+  Report(mistakes, task.showError);
+  return false;
+}
+
+bool FindOneTree(const FederatedModel& model, const TreeTask& task, TreeMatching matching,
+                 WorldPlaces& places, Ticker& ticker, SpatialStructure& structure) {
+  if (!CollectSpatialStructure(model, task.guids, ticker, structure)) return false;
+  if (!ApplyMap(model, task, structure)) return false;
+  MeasureStoreys(model, places, structure);
+  const double tolerance = task.choices.toleranceMm * kMetresPerMillimetre;
+  return MatchTrees(structure, matching, tolerance, ticker);
+}
+
+}  // namespace
+
+bool TreeMapIsGood(const WideString& path, ErrorReporter showError) {
+  std::vector<WideString> mistakes;
+  ReadTreeMap(path, mistakes);
+  if (!mistakes.empty()) Report(mistakes, showError);
+  return mistakes.empty();
+}
+
+bool JoinTrees(FederatedModel& model, const TreeTask& task, Ticker& ticker, JoinedTrees& counts) {
   SpatialStructure structure;
   WorldPlaces places;
-  if (!FindOneTree(model, choices, places, ticker, structure)) return false;
+  if (!FindOneTree(model, task, task.choices.tree, places, ticker, structure)) return false;
   for (const Ambiguity& ambiguity : structure.ambiguities) {
     counts.ambiguous.push_back(Described(model, ambiguity));
   }
   return Joining(model, places, counts).Run(structure, ticker);
+}
+
+bool ProposeTree(FederatedModel& model, const TreeTask& task, Ticker& ticker) {
+  SpatialStructure structure;
+  WorldPlaces places;
+  const bool saysNothing = !task.choices.JoinTrees();
+  const TreeMatching matching = saysNothing ? TreeMatching::kOne : task.choices.tree;
+  if (!FindOneTree(model, task, matching, places, ticker, structure)) return false;
+  Shapes shapes(model, places);
+  const std::string list = TreeList(model, structure, [&](const SpatialObject& object) {
+    return shapes.Differ(*object.entity, *object.survivor->entity);
+  });
+  const WideString& path = *task.choices.proposeTree;
+  if (WriteTreeList(path, list)) return true;
+  task.showError("", path + u": this file cannot be written.", kReportShow);
+  return false;
 }
 
 }  // namespace corvel

@@ -127,14 +127,30 @@ bool SpatialGroups::HaveCommonInput(const SpatialGroup& one, const SpatialGroup&
   return common;
 }
 
+// A told one that is not the first of all cannot take part: it would give way.
+Groups SpatialGroups::WithoutLaterTold(const Groups& groups) {
+  std::size_t first = groups.front()->Survivor().input;
+  for (const SpatialGroup* const group : groups) first = std::min(first, group->Survivor().input);
+  Groups left;
+  std::copy_if(groups.begin(), groups.end(), std::back_inserter(left),
+               [first](const SpatialGroup* group) {
+                 return !group->IsTold() || group->Survivor().input == first;
+               });
+  return left;
+}
+
 void SpatialGroups::JoinOrNone(const Groups& groups, MatchReason reason) {
   if (groups.size() < 2) return;
   const std::size_t most = MostOfOneInput(groups);
-  if (most == 1) {
-    Join(groups, reason);
-  } else if (most < groups.size()) {
+  const auto told = std::count_if(groups.begin(), groups.end(),
+                                  [](const SpatialGroup* group) { return group->IsTold(); });
+  if (most == groups.size() || static_cast<std::size_t>(told) == groups.size()) return;
+  if (most > 1 || told > 1) {
     SetApart(groups, groups, reason);
+    return;
   }
+  const Groups willing = WithoutLaterTold(groups);
+  if (willing.size() > 1) Join(willing, reason);
 }
 
 void SpatialGroups::Join(const Groups& groups, MatchReason reason) {
@@ -165,6 +181,7 @@ void SpatialGroups::SetApart(const Groups& groups, const Groups& settled, MatchR
     ambiguity.objects.push_back(&group->Survivor());
   }
   for (SpatialGroup* const group : settled) {
+    if (group->IsTold()) continue;
     group->isSettled = true;
     for (SpatialObject* const member : group->members) member->ambiguity = &ambiguity;
   }

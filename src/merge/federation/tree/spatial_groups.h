@@ -51,6 +51,8 @@ struct SpatialGroup {
 
   // The first in order of the inputs.
   SpatialObject& Survivor() const;
+  // The user said what its survivor joins, or that it stays: it gives way to nobody else.
+  bool IsTold() const { return Survivor().isTold; }
   // That of its earliest member that has one.
   std::optional<double> Height() const;
 };
@@ -72,11 +74,12 @@ class SpatialGroups {
   Groups Open(const Groups& groups);
 
   // Becomes one group, which survives as its first input says. With two of one input none does, and
-  // all are settled; when all are of one input anyway, nothing happens.
+  // all are settled; when all are of one input anyway, nothing happens. To one that the user told
+  // something of others may give way; to two of these nobody does.
   void JoinOrNone(const Groups& groups, MatchReason reason);
   bool HaveCommonInput(const SpatialGroup& one, const SpatialGroup& other);
   void Join(const Groups& groups, MatchReason reason);
-  // `settled` are those of `groups` that would have matched several.
+  // `settled` are those of `groups` that would have matched several. What the user told is none.
   void SetApart(const Groups& groups, const Groups& settled, MatchReason reason);
   // Whether no two of them are without a common input, so that nothing could match.
   bool NoneCanMatch(const Groups& groups);
@@ -96,6 +99,7 @@ class SpatialGroups {
   const SpatialGroup* Projected(const SpatialGroup* above, std::size_t levels) const;
   std::vector<std::vector<std::size_t>> NeighboursOf(const std::vector<Place>& places) const;
   bool IsTorn(const std::vector<Place>& places, const std::vector<std::size_t>& neighbours) const;
+  static Groups WithoutLaterTold(const Groups& groups);
   std::size_t MostOfOneInput(const Groups& groups);
 
   SpatialStructure& structure_;

@@ -31,10 +31,27 @@ std::string KindOf(const IFC::IfcEntity& entity) {
   return kind;
 }
 
+std::string_view GuidOf(IFC::IfcEntity& entity) {
+  const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
+  return root == nullptr ? std::string_view() : root->getGlobalId();
+}
+
+SpatialRole RoleOfClass(const ClassFacts* facts) {
+  for (; facts != nullptr; facts = facts->supertype) {
+    const std::string_view name = facts->name;
+    if (name == "IfcSite") return SpatialRole::kSite;
+    if (name == "IfcBuilding" || name == "IfcFacility") return SpatialRole::kFacility;
+    if (name == "IfcBuildingStorey") return SpatialRole::kStorey;
+    if (name == "IfcFacilityPart") return SpatialRole::kPart;
+    if (name == "IfcRelAggregates") return SpatialRole::kAggregation;
+  }
+  return SpatialRole::kOther;
+}
+
 class Collector {
  public:
-  Collector(FederatedModel& model, SpatialStructure& structure)
-      : model_(model), structure_(structure) {}
+  Collector(const FederatedModel& model, const GuidsAsRead& asRead, SpatialStructure& structure)
+      : model_(model), asRead_(asRead), structure_(structure) {}
 
   bool Collect(std::size_t input, Ticker& ticker) {
     known_.clear();
@@ -49,43 +66,23 @@ class Collector {
   }
 
  private:
-  enum class Role : std::uint8_t { kOther, kSite, kFacility, kPart, kStorey, kAggregation };
-
-  Role RoleOf(const IFC::IfcEntity& entity) {
-    const auto [known, isNew] = roles_.try_emplace(FindFacts(entity), Role::kOther);
-    if (isNew) known->second = RoleOfClass(known->first);
-    return known->second;
-  }
-
-  static Role RoleOfClass(const ClassFacts* facts) {
-    for (; facts != nullptr; facts = facts->supertype) {
-      const std::string_view name = facts->name;
-      if (name == "IfcSite") return Role::kSite;
-      if (name == "IfcBuilding" || name == "IfcFacility") return Role::kFacility;
-      if (name == "IfcBuildingStorey") return Role::kStorey;
-      if (name == "IfcFacilityPart") return Role::kPart;
-      if (name == "IfcRelAggregates") return Role::kAggregation;
-    }
-    return Role::kOther;
-  }
-
   void Look(IFC::IfcEntity& entity, std::size_t input) {
-    const Role role = RoleOf(entity);
-    if (role == Role::kOther) return;
-    if (role == Role::kAggregation) {
+    const SpatialRole role = roles_.Of(entity);
+    if (role == SpatialRole::kOther) return;
+    if (role == SpatialRole::kAggregation) {
       aggregations_.push_back(&entity);
       return;
     }
     SpatialObject& object = structure_.objects.emplace_back();
     object.entity = &entity;
     object.input = input;
-    object.level.rank = role == Role::kSite       ? SpatialRank::kSite
-                        : role == Role::kFacility ? SpatialRank::kFacility
-                                                  : SpatialRank::kPart;
+    object.level.rank = role == SpatialRole::kSite       ? SpatialRank::kSite
+                        : role == SpatialRole::kFacility ? SpatialRank::kFacility
+                                                         : SpatialRank::kPart;
     object.level.composition = CompositionOf(entity);
-    object.isStorey = role == Role::kStorey;
-    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
-    if (root != nullptr && root->getGlobalId() != nullptr) object.guid = root->getGlobalId();
+    object.isStorey = role == SpatialRole::kStorey;
+    const auto read = asRead_.find(&entity);
+    object.guid = read == asRead_.end() ? GuidOf(entity) : read->second;
     object.name = ComparableName(TextOf(entity, "Name"));
     object.isGeneric = IsGenericName(object.name);
     object.kind = KindOf(entity);
@@ -133,10 +130,11 @@ class Collector {
     partsOfSomething_.clear();
   }
 
-  FederatedModel& model_;
+  const FederatedModel& model_;
+  const GuidsAsRead& asRead_;
   SpatialStructure& structure_;
   ClassQuestion isProject_{"IfcProject"};
-  std::unordered_map<const ClassFacts*, Role> roles_;
+  SpatialRoles roles_;
   // Of the input whose turn it is.
   std::unordered_map<const IFC::IfcEntity*, SpatialObject*> known_;
   std::unordered_set<const SpatialObject*> partsOfSomething_;
@@ -146,8 +144,24 @@ class Collector {
 
 }  // namespace
 
-bool CollectSpatialStructure(FederatedModel& model, Ticker& ticker, SpatialStructure& structure) {
-  Collector collector(model, structure);
+SpatialRole SpatialRoles::Of(const IFC::IfcEntity& entity) {
+  const auto [known, isNew] = known_.try_emplace(FindFacts(entity), SpatialRole::kOther);
+  if (isNew) known->second = RoleOfClass(known->first);
+  return known->second;
+}
+
+void NoteSpatialGuids(const IFC::MainContainer& container, GuidsAsRead& guids) {
+  SpatialRoles roles;
+  for (const auto& [number, entity] : container.originalEntities) {
+    const SpatialRole role = roles.Of(*entity);
+    if (role == SpatialRole::kOther || role == SpatialRole::kAggregation) continue;
+    guids.emplace(entity, GuidOf(*entity));
+  }
+}
+
+bool CollectSpatialStructure(const FederatedModel& model, const GuidsAsRead& asRead, Ticker& ticker,
+                             SpatialStructure& structure) {
+  Collector collector(model, asRead, structure);
   for (std::size_t input = 0; input < model.InputCount(); ++input) {
     if (!collector.Collect(input, ticker)) return false;
   }

@@ -8,11 +8,13 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <vector>
 
 #include "core/text.h"
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
+#include "step/class_facts.h"
 
 namespace corvel {
 
@@ -39,13 +41,32 @@ struct SpatialLevel {
   friend bool operator==(const SpatialLevel&, const SpatialLevel&) = default;
 };
 
+enum class SpatialRole : std::uint8_t { kOther, kSite, kFacility, kPart, kStorey, kAggregation };
+
+// What objects are to the tree, asked once for each class.
+class SpatialRoles {
+ public:
+  SpatialRole Of(const IFC::IfcEntity& entity);
+
+ private:
+  std::unordered_map<const ClassFacts*, SpatialRole> known_;
+};
+
+// The GUIDs that objects had before the fold, which gives others to the second of a model with one
+// GUID and to those without one. By object; the texts are in the pools of the models.
+using GuidsAsRead = std::unordered_map<const IFC::IfcEntity*, std::string_view>;
+
+// Enters the sites, buildings and storeys of a model that is not folded yet.
+void NoteSpatialGuids(const IFC::MainContainer& container, GuidsAsRead& guids);
+
 // What two objects were found to be one by.
 enum class MatchReason : std::uint8_t {
   kNone,
   kGuid,
   kName,
   kHeight,
-  kOnly  // each side has one object of the level
+  kOnly,  // each side has one object of the level
+  kTold   // the user said so
 };
 
 struct SpatialObject;
@@ -74,6 +95,10 @@ struct SpatialObject {
   std::string kind{};
   std::optional<double> heightMetres{};  // of storeys: see storey_heights.h
 
+  // What the user said, see tree_map.h: it joins that one, or stays as it is.
+  bool isTold = false;
+  SpatialObject* told = nullptr;
+
   // What the matching found, see tree_matching.h. The first of those that are one; null for itself.
   SpatialObject* survivor = nullptr;
   MatchReason reason = MatchReason::kNone;  // of that
@@ -87,8 +112,9 @@ struct SpatialStructure {
   std::deque<Ambiguity> ambiguities;
 };
 
-// Collects what stands in the model. A part of two wholes belongs to the first. False: the user
-// cancelled.
-bool CollectSpatialStructure(FederatedModel& model, Ticker& ticker, SpatialStructure& structure);
+// Collects what stands in the model. A part of two wholes belongs to the first. GUIDs that `asRead`
+// lacks are those that the objects have. False: the user cancelled.
+bool CollectSpatialStructure(const FederatedModel& model, const GuidsAsRead& asRead, Ticker& ticker,
+                             SpatialStructure& structure);
 
 }  // namespace corvel

@@ -83,10 +83,21 @@ class Matching {
   void Match(const std::vector<SpatialObject*>& objects) {
     level_.clear();
     for (SpatialObject* const object : objects) level_.push_back(groups_.Make(*object));
+    JoinAsTold(objects);
+    if (by_ == TreeMatching::kKeep) return;
     MatchByGuid();
     if (NamesCount()) MatchByName();
     if (NamesCount() || by_ == TreeMatching::kElevation) MatchByHeight();
     if (NamesCount()) MatchOnlyOnes(objects);
+  }
+
+  void JoinAsTold(const std::vector<SpatialObject*>& objects) {
+    for (const SpatialObject* const object : objects) {
+      if (object->told == nullptr) continue;
+      SpatialGroup* const group = groups_.Of(*object);
+      SpatialGroup* const other = groups_.Of(*object->told);
+      if (group != other) groups_.Join({other, group}, MatchReason::kTold);
+    }
   }
 
   // Calls `action` with what may become one as far as places go.
@@ -290,7 +301,7 @@ class Matching {
     }
     for (std::size_t i = 0; i < ofInput.size(); ++i) {
       SpatialGroup* const group = ofInput[i].group;
-      if (near[i].empty()) {
+      if (near[i].empty() || group->IsTold()) {
         survivors.emplace(ofInput[i].height, group);
       } else if (near[i].size() == 1 && wanted[near[i].front()] == 1) {
         groups_.Join({near[i].front(), group}, reason);
@@ -325,7 +336,6 @@ class Matching {
 
 bool MatchTrees(SpatialStructure& structure, TreeMatching matching, double toleranceMetres,
                 Ticker& ticker) {
-  if (matching == TreeMatching::kKeep) return true;
   std::size_t inputs = 0;
   for (const SpatialObject& object : structure.objects) {
     inputs = std::max(inputs, object.input + 1);

@@ -16,6 +16,7 @@ namespace corvel {
 // - In turn by GUID, real name, height, and as the only ones of their level, as far as `matching`
 //   says. Who would match several takes no part in what follows, and neither do those.
 // - A name joins no two storeys that stand at different heights.
+// - What the user told of an object comes first, wherever it stands, and is all that happens to it.
 // Needs the heights of the storeys. False: the user cancelled.
 bool MatchTrees(SpatialStructure& structure, TreeMatching matching, double toleranceMetres,
                 Ticker& ticker);
