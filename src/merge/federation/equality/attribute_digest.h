@@ -20,7 +20,7 @@ class AttributeDigest {
   void Add(const ConstAttribute& attribute) {
     maker_.Add(static_cast<std::uint64_t>(attribute.State()));
     isSet_ = attribute.Facts().aggregates[0].kind == Aggregate::Kind::kSet;
-    attribute.Visit([this](const auto& value) { AddHeld(value); });
+    attribute.Visit([this](const auto& value) { this->AddHeld(value); });
   }
 
  private:

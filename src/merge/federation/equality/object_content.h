@@ -16,7 +16,7 @@ namespace corvel {
 // As far as can be said without knowing which objects are equal. Each object is looked at once.
 class ObjectContents {
  public:
-  explicit ObjectContents(const FederatedModel& model) : model_(model), values_(model) {}
+  explicit ObjectContents(const FederatedModel& model) : values_(model) {}
 
   // Class, and attributes without references to objects with a GUID, owner history and placement.
   // Objects of one input come with the length of its unit.
@@ -28,7 +28,6 @@ class ObjectContents {
   Digest OfValue(IFC::IfcEntity* value) { return values_.Of(value); }
 
  private:
-  const FederatedModel& model_;
   ValueDigests values_;
   WorldPlaces places_;
   ClassQuestion isLocalPlacement_{"IfcLocalPlacement"};
