@@ -22,7 +22,7 @@ std::string Describe(const Token& token) {
   std::string text = std::to_string(static_cast<unsigned>(token.type)) + ":";
   switch (token.type) {
     case TokenType::IdentifierToken: return text + std::to_string(token.number);
-    case TokenType::WstringToken: return text + corvel::ToUtf8(token.wide);
+    case TokenType::WstringToken: return text + corvel::ToUtf8(token.decoded.Wide());
     case TokenType::IntegerDataTypeToken: return text + std::to_string(token.integer);
     case TokenType::RealDataTypeToken: return text + std::to_string(token.real);
     case TokenType::EntityNameToken:

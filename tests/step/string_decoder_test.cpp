@@ -27,6 +27,12 @@ Decoded Decode(const std::string& text, std::size_t windowSize) {
   MemoryInputStream stream(text, windowSize);
   Decoded decoded;
   DecodeString(stream, decoded.text);
+  MemoryInputStream again(text, windowSize);
+  DecodedText narrow;
+  DecodeString(again, narrow);
+  EXPECT_EQ(decoded.text, narrow.Wide());
+  EXPECT_EQ(narrow.IsPlain(), std::all_of(decoded.text.begin(), decoded.text.end(),
+                                          [](char16_t unit) { return unit < 256; }));
   decoded.rest.resize(text.size());
   decoded.rest.resize(stream.Read(decoded.rest.data(), decoded.rest.size()));
   return decoded;

@@ -63,7 +63,7 @@ inline std::string Visible(const Token& token) {
     case TokenType::EndOfFileToken: return "end";
     case TokenType::IdentifierToken: return "#" + std::to_string(token.number);
     case TokenType::EntityNameToken: return "word " + token.text;
-    case TokenType::WstringToken: return "'" + Visible(token.wide) + "'";
+    case TokenType::WstringToken: return "'" + Visible(token.decoded.Wide()) + "'";
     case TokenType::RealDataTypeToken: return "real " + Visible(token.real);
     case TokenType::IntegerDataTypeToken: return "integer " + std::to_string(token.integer);
     case TokenType::EnumerationToken: return "enumeration " + token.text;

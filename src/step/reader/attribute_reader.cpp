@@ -270,12 +270,6 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
   });
 }
 
-// Whether a GUID can have all of it.
-bool IsNarrow(WideView text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char16_t unit) { return unit != 0 && unit <= 0xFF; });
-}
-
 // A record or a value with too few arguments.
 bool EndsEarly(const Parser& parser) {
   RaiseMisfit(parser);
@@ -372,8 +366,10 @@ ModelText ReadString(Parser& parser) {
   }
   if (scanner.PeekToken()->Is(TokenType::WstringToken)) {
     // What stands behind a NUL would not be written.
-    if (scanner.PeekToken()->wide.find(u'\0') != WideString::npos) RaiseMisfit(parser);
-    return parser.Pool().InternText(scanner.NextToken()->wide);
+    if (scanner.PeekToken()->decoded.Holds('\0')) RaiseMisfit(parser);
+    const DecodedText& text = scanner.NextToken()->decoded;
+    return text.IsPlain() ? parser.Pool().InternText(text.Bytes())
+                          : parser.Pool().InternText(text.Units());
   }
   RejectToken(parser, u"String");
   return parser.Pool().EmptyWide();
@@ -389,9 +385,11 @@ const char* ReadGuid(Parser& parser) {
     return parser.Pool().EmptyNarrow();
   }
   Token& token = *parser.scanner->NextToken();
+  const DecodedText& text = token.decoded;
+  if (!text.IsPlain() || text.Holds('\0')) RaiseMisfit(parser);
+  if (text.IsPlain()) return parser.Pool().InternNarrow(text.Bytes());
   token.text.clear();
-  if (!IsNarrow(token.wide)) RaiseMisfit(parser);
-  for (const char16_t unit : token.wide) token.text.push_back(static_cast<char>(unit & 0xFF));
+  for (const char16_t unit : text.Units()) token.text.push_back(static_cast<char>(unit & 0xFF));
   return parser.Pool().InternNarrow(token.text);
 }
 

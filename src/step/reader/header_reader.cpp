@@ -58,7 +58,7 @@ void HeaderReader::SkipPastOpenBracket() {
 WideString HeaderReader::ReadHeaderString() {
   if (AtEnd()) return {};
   const Token& token = Take();
-  return token.Is(TokenType::WstringToken) ? token.wide : WideString();
+  return token.Is(TokenType::WstringToken) ? token.decoded.Wide() : WideString();
 }
 
 // `('a','b')`; `$` in its place is an empty list.

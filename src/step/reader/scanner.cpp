@@ -276,8 +276,8 @@ Token* Scanner::ReadString() {
   TakeByte();
   const std::size_t start = stream_->StatementSize();
   Token* const token = Make(TokenType::WstringToken);
-  token->wide.clear();
-  DecodeString(*stream_, token->wide);
+  token->decoded.Clear();
+  DecodeString(*stream_, token->decoded);
   token->number = skipped_ == nullptr && !suspicious_ ? 0 : RecordsInLastString(start);
   if (token->number != 0) Suspect();
   if (token->number != 0 && inRecord_ && skipped_ != nullptr) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "platform/platform.h"
 
@@ -33,12 +34,19 @@ std::uint32_t HexValue(int byte) {
   return static_cast<std::uint32_t>(upper < 'A' ? upper - '0' : upper - 55);
 }
 
-// One string. The code page of \S\ and \X\ lasts for the string. `kKeeps` false: it is only passed
-// over, and there is no text.
-template <bool kKeeps>
+// The text of a string that is only passed over.
+struct NoText {};
+
+void Append(WideString& text, char16_t unit) { text.push_back(unit); }
+void Append(DecodedText& text, char16_t unit) { text.Append(unit); }
+void AppendAscii(WideString& text, std::string_view run) { text.append(run.begin(), run.end()); }
+void AppendAscii(DecodedText& text, std::string_view run) { text.AppendAscii(run); }
+
+// One string. The code page of \S\ and \X\ lasts for the string.
+template <class Text>
 class Decoder {
  public:
-  Decoder(FileStream::InputStream& stream, WideString* text) : stream_(stream), text_(text) {}
+  Decoder(FileStream::InputStream& stream, Text& text) : stream_(stream), text_(text) {}
 
   bool Run() {
     for (;;) {
@@ -58,6 +66,8 @@ class Decoder {
   }
 
  private:
+  static constexpr bool kKeeps = !std::is_same_v<Text, NoText>;
+
   int Peek() {
     if (stream_.Cursor() == stream_.WindowEnd()) {
       if constexpr (!kKeeps) stream_.ClearStatementText();
@@ -76,8 +86,7 @@ class Decoder {
     const char* const begin = stream_.Cursor();
     const char* end = EndOfPlainText(begin, stream_.WindowEnd());
     if constexpr (kKeeps) {
-      text_->reserve(text_->size() + static_cast<std::size_t>(end - begin));
-      for (const char* at = begin; at != end; ++at) Add(static_cast<char16_t>(*at));
+      AppendAscii(text_, {begin, end});
     } else {
       while (end != stream_.WindowEnd() && *end != '\'' && *end != '\\') ++end;
     }
@@ -85,7 +94,7 @@ class Decoder {
   }
 
   void Add([[maybe_unused]] char16_t unit) {
-    if constexpr (kKeeps) text_->push_back(unit);
+    if constexpr (kKeeps) Append(text_, unit);
   }
 
   // A byte that stands for itself. Those above 127 are kept apart from decoded characters.
@@ -197,7 +206,7 @@ class Decoder {
   }
 
   FileStream::InputStream& stream_;
-  WideString* text_;
+  Text& text_;
   unsigned codePage_ = 0;  // the system's own
 };
 
@@ -210,9 +219,16 @@ const char* EndOfPlainText(const char* at, const char* end) {
 }
 
 bool DecodeString(FileStream::InputStream& stream, WideString& text) {
-  return Decoder<true>(stream, &text).Run();
+  return Decoder<WideString>(stream, text).Run();
 }
 
-bool SkipString(FileStream::InputStream& stream) { return Decoder<false>(stream, nullptr).Run(); }
+bool DecodeString(FileStream::InputStream& stream, DecodedText& text) {
+  return Decoder<DecodedText>(stream, text).Run();
+}
+
+bool SkipString(FileStream::InputStream& stream) {
+  NoText none;
+  return Decoder<NoText>(stream, none).Run();
+}
 
 }  // namespace corvel

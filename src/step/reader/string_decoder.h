@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/text.h"
+#include "step/reader/decoded_text.h"
 #include "step/streams/input_stream.h"
 
 namespace corvel {
@@ -12,6 +13,7 @@ namespace corvel {
 // the end of the input ends the string too, and then the answer is false. Directives that mean
 // nothing are no failure: they are dropped, or stand as text.
 bool DecodeString(FileStream::InputStream& stream, WideString& text);
+bool DecodeString(FileStream::InputStream& stream, DecodedText& text);
 // The same for nobody who wants the text. Throws away what the stream keeps of the statement.
 bool SkipString(FileStream::InputStream& stream);
 

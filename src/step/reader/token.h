@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/text.h"
+#include "step/reader/decoded_text.h"
 
 namespace corvel {
 
@@ -25,7 +26,7 @@ enum class TokenType : std::uint32_t {
   NewLineToken = 12,          // never made: line ends are blanks
   IdentifierToken = 14,       // #12: `number`
   EntityNameToken = 15,       // any other word: `text`
-  WstringToken = 16,          // a quoted string, decoded: `wide`
+  WstringToken = 16,          // a quoted string: `decoded`
   RealDataTypeToken = 17,     // a number with a point, or the word inf: `real`
   IntegerDataTypeToken = 18,  // a number without a point: `integer`, and `real` in full range
   EnumerationToken = 19,      // .WORD.: `text`
@@ -58,7 +59,7 @@ struct Token {
   std::int32_t integer = 0;  // cut to the range of 32 bits
   double real = 0.0;
   std::string text;  // bytes as they stand in the file
-  WideString wide;
+  DecodedText decoded;
   std::unique_ptr<HeaderToken> header;  // whoever takes the token may move it out
 
   TokenType getType() const { return type; }
