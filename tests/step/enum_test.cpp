@@ -15,17 +15,17 @@ constexpr EnumRow kRows[] = {{".A.,", 0}, {".AB.,", 1}, {".B_1.,", 4, true}, {".
 const EnumTable kTable{u"IfcTestEnum", kRows};
 
 // The number of a name, -1 for none.
-int NumberOf(const EnumTable& table, std::string_view name) {
+int NumberOfName(const EnumTable& table, std::string_view name) {
   const EnumRow* const row = table.FindByName(name);
   return row == nullptr ? -1 : row->number;
 }
 
 TEST(EnumTable, NamesAreExact) {
-  EXPECT_EQ(0, NumberOf(kTable, "A"));
-  EXPECT_EQ(1, NumberOf(kTable, "AB"));
-  EXPECT_EQ(4, NumberOf(kTable, "B_1"));
+  EXPECT_EQ(0, NumberOfName(kTable, "A"));
+  EXPECT_EQ(1, NumberOfName(kTable, "AB"));
+  EXPECT_EQ(4, NumberOfName(kTable, "B_1"));
   for (const char* const name : {"", "a", "ABC", "B", ".A.", "A ", "B1"}) {
-    EXPECT_EQ(-1, NumberOf(kTable, name)) << name;
+    EXPECT_EQ(-1, NumberOfName(kTable, name)) << name;
   }
 }
 
@@ -43,13 +43,13 @@ TEST(EnumTable, AValueThatIsOnlyReadIsADollarWhenWritten) { EXPECT_EQ("$,", kTab
 TEST(EnumTable, TheFallbackIsTheLastRow) { EXPECT_EQ(7, kTable.Fallback()); }
 
 TEST(EnumTable, TrueIsZero) {
-  EXPECT_EQ(0, NumberOf(kBooleanDataType, "T"));
-  EXPECT_EQ(1, NumberOf(kBooleanDataType, "F"));
-  EXPECT_EQ(-1, NumberOf(kBooleanDataType, "U"));
+  EXPECT_EQ(0, NumberOfName(kBooleanDataType, "T"));
+  EXPECT_EQ(1, NumberOfName(kBooleanDataType, "F"));
+  EXPECT_EQ(-1, NumberOfName(kBooleanDataType, "U"));
   EXPECT_EQ(1, kBooleanDataType.Fallback());
-  EXPECT_EQ(0, NumberOf(kLogicalDataType, "T"));
-  EXPECT_EQ(1, NumberOf(kLogicalDataType, "F"));
-  EXPECT_EQ(2, NumberOf(kLogicalDataType, "U"));
+  EXPECT_EQ(0, NumberOfName(kLogicalDataType, "T"));
+  EXPECT_EQ(1, NumberOfName(kLogicalDataType, "F"));
+  EXPECT_EQ(2, NumberOfName(kLogicalDataType, "U"));
   EXPECT_EQ(2, kLogicalDataType.Fallback());
 }
 
@@ -64,19 +64,19 @@ TEST(SchemaEnums, IceIsAnActionSource) {
 
 TEST(SchemaEnums, UnitNamesAndPrefixesHaveTheNumbersThatTheUnitsRelyOn) {
   for (const EnumTable* const table : {&IFC2X3::kIfcSIUnitName, &IFC4::kIfcSIUnitName}) {
-    EXPECT_EQ(0, NumberOf(*table, "AMPERE"));
-    EXPECT_EQ(15, NumberOf(*table, "METRE"));
-    EXPECT_EQ(24, NumberOf(*table, "SQUARE_METRE"));
-    EXPECT_EQ(29, NumberOf(*table, "WEBER"));
+    EXPECT_EQ(0, NumberOfName(*table, "AMPERE"));
+    EXPECT_EQ(15, NumberOfName(*table, "METRE"));
+    EXPECT_EQ(24, NumberOfName(*table, "SQUARE_METRE"));
+    EXPECT_EQ(29, NumberOfName(*table, "WEBER"));
     EXPECT_EQ(29, table->Fallback());
   }
   for (const EnumTable* const table : {&IFC2X3::kIfcSIPrefix, &IFC4::kIfcSIPrefix}) {
-    EXPECT_EQ(0, NumberOf(*table, "EXA"));
-    EXPECT_EQ(10, NumberOf(*table, "MILLI"));
+    EXPECT_EQ(0, NumberOfName(*table, "EXA"));
+    EXPECT_EQ(10, NumberOfName(*table, "MILLI"));
     EXPECT_EQ(15, table->Fallback());
   }
-  EXPECT_EQ(15, NumberOf(IFC4::kIfcUnitEnum, "LENGTHUNIT"));
-  EXPECT_EQ(29, NumberOf(IFC4::kIfcUnitEnum, "USERDEFINED"));
+  EXPECT_EQ(15, NumberOfName(IFC4::kIfcUnitEnum, "LENGTHUNIT"));
+  EXPECT_EQ(29, NumberOfName(IFC4::kIfcUnitEnum, "USERDEFINED"));
 }
 
 std::set<int> Holes(const EnumTable& table) {
@@ -98,8 +98,8 @@ TEST(SchemaEnums, TablesMaySkipNumbers) {
 TEST(SchemaEnums, TwoDoorStylesAreReadAndNotWritten) {
   for (const EnumTable* const table :
        {&IFC2X3::kIfcDoorStyleOperationEnum, &IFC4::kIfcDoorStyleOperationEnum}) {
-    EXPECT_EQ(5, NumberOf(*table, "DOUBLE_PANEL_SINGLE_SWING_OPPOSITE_LEFT"));
-    EXPECT_EQ(6, NumberOf(*table, "DOUBLE_PANEL_SINGLE_SWING_OPPOSITE_RIGHT"));
+    EXPECT_EQ(5, NumberOfName(*table, "DOUBLE_PANEL_SINGLE_SWING_OPPOSITE_LEFT"));
+    EXPECT_EQ(6, NumberOfName(*table, "DOUBLE_PANEL_SINGLE_SWING_OPPOSITE_RIGHT"));
     EXPECT_EQ("$,", table->ToText(5));
     EXPECT_EQ("$,", table->ToText(6));
     EXPECT_EQ(".DOUBLE_DOOR_SINGLE_SWING_OPPOSITE_RIGHT.,", table->ToText(4));
@@ -112,7 +112,7 @@ TEST(SchemaEnums, NamesAndTextsAreInverses) {
         &IFC4::kIfcActionSourceTypeEnum, &IFC4::kIfcWallTypeEnum, &IFC4::kIfcSIUnitName}) {
     int before = -1;
     for (const EnumRow& row : table->rows) {
-      EXPECT_EQ(row.number, NumberOf(*table, row.Name()));
+      EXPECT_EQ(row.number, NumberOfName(*table, row.Name()));
       EXPECT_EQ("." + std::string(row.Name()) + ".,", table->ToText(row.number));
       EXPECT_LT(before, row.number);
       before = row.number;
