@@ -2,6 +2,7 @@
 """Whatever is asked for beyond the plain fold, the model stays a good one: it breaks nothing of its
 schema that its inputs don't break, or the told merge of them."""
 
+import itertools
 import os
 import unittest
 from collections import Counter
@@ -9,7 +10,9 @@ from collections import Counter
 import express_rules
 import halves
 import program
+import step_text
 import validity
+import written_form
 from program import ModelTest, SAMPLES
 
 EXPRESS = os.environ.get('CORVEL_EXPRESS',
@@ -172,6 +175,19 @@ class Halves(Merging):
                 self.assertEqual(Counter(), validity.newly_broken(
                     validity.broken_in(joined), [validity.broken_in(one) for one in cut],
                     validity.broken_in(told)))
+
+    def test_ThreePartsInAnyOrderAreTheWholeAgain(self):
+        for name in ('house_IFC2X3', 'office_architecture_IFC4'):
+            model = program.model_of(os.path.join(SAMPLES, name + '.ifc'))
+            self.need_release(model.identifier)
+            first, rest = halves.Cut(model, 5).halves
+            parts = [first, *halves.Cut(written_form.Model(step_text.StepFile(rest)), 6).halves]
+            names = [self.write(f'{place}.ifc', part) for place, part in enumerate(parts)]
+            whole = halves.tree_of(model.text())
+            for order in itertools.permutations(names):
+                with self.subTest(model=name, order=order):
+                    found = halves.tree_of(self.merged(order, '--one-building'))
+                    self.assertEqual((Counter(), Counter()), (whole - found, found - whole))
 
     def test_OfModelsOfEveryReleaseAreTheWholeAgain(self):
         for seed, path in enumerate(program.sample_paths()):
