@@ -71,7 +71,8 @@ Counts CountsOf(std::string_view text) {
 
 std::string RecordsOf(const std::string& file) {
   const std::size_t data = file.find("\nDATA;");
-  return data == std::string::npos ? file : file.substr(data);
+  if (data == std::string::npos) return file;
+  return file.substr(data, file.rfind("\nENDSEC;") - data);
 }
 
 std::string Mended(const corvel::WideString& path) {

@@ -96,7 +96,8 @@ void StepWriter::WriteMixed(const CarriedParts& parts, const RecordText& typed) 
     WriteBytes(hasGlue ? spelling->glue[i] : i == 0 ? "" : ",");
     WriteArgument(parts, typed, i);
   }
-  if (spelling != nullptr) WriteBytes(spelling->glue.back());
+  // A record without brackets has none.
+  if (spelling != nullptr && !spelling->glue.empty()) WriteBytes(spelling->glue.back());
   WriteBytes(")");
 }
 

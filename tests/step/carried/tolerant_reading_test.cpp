@@ -171,6 +171,12 @@ TEST_F(TolerantReading, ARecordWithFewerArgumentsKeepsTheirNumber) {
       "#3=IFCPROJECT('p');\n");
 }
 
+TEST_F(TolerantReading, ARecordWithoutBracketsGetsThem) {
+  test::ReadModel model = test::ReadTolerantly("#1=IFCPERSON;\n#2=IFCUNITASSIGNMENT;\n");
+  ASSERT_TRUE(model.IsRead());
+  EXPECT_EQ("#1=IFCPERSON();\n#2=IFCUNITASSIGNMENT();\n", model.Lines());
+}
+
 TEST_F(TolerantReading, ARecordWithMoreArgumentsKeepsThem) {
   ExpectKept("#1=IFCWALL('g',$,'W',$,$,$,$,$,$,'more',(#1, 2.50));\n");
 }
