@@ -209,8 +209,9 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   }
   if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
   if (auto error = CountError(command, words.files.size())) return error;
-  const bool proposes = command == Command::kMerge && app.count("--propose-tree") != 0;
-  if (ChoosesObjects(command) && proposes == (app.count("--output") != 0)) {
+  if (!ChoosesObjects(command)) return {};
+  const bool proposes = app.count("--propose-tree") != 0;
+  if (proposes == (app.count("--output") != 0)) {
     return proposes ? "--propose-tree writes no model: leave -o out"
                     : "the output is missing: -o OUT";
   }

@@ -96,7 +96,8 @@ RunResult ReadAndWrite(const ResaveOrder& order) {
                      ProgressWindow::UpdateProgress))
     return result;
   result.recordsWritten = RecordsIn(*document.mainContainer);
-  result.written = Write(document, order);
+  // A proposal is what is written, and there already.
+  result.written = federation.proposeTree || Write(document, order);
   result.outputKeptAt = document.outputKeptAt;
   return result;
 }

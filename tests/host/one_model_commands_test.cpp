@@ -80,6 +80,12 @@ TEST(ExtractCommand, AnOffsetNamesNoFileAndIsOne) {
             FirstLineOfError(Extracting({u"--offset", u"0,0,0", u"--offset", u"0,0,0"})));
 }
 
+TEST(ExtractCommand, AProposalOfATreeIsWrittenInThePlaceOfAModel) {
+  EXPECT_EQ(u"tree.txt", LineOf({u"extract", u"a.ifc", u"--propose-tree", u"tree.txt"}).output);
+  EXPECT_EQ("extract: --propose-tree writes no model: leave -o out",
+            FirstLineOfError(Extracting({u"--propose-tree", u"tree.txt"})));
+}
+
 TEST(ExtractCommand, TakesAllOptionsOfFederationAndNoneOfAFold) {
   const FederationChoices federation =
       LineOf(Extracting({u"--prune", u"--stamp", u"--header", u"new", u"--contexts", u"join"}))

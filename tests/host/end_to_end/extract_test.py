@@ -60,6 +60,12 @@ class Extracted(CorvelTest):
         self.assertEqual(1, text.count('=IFCGROUP('))
         self.assertNotIn('=IFCWINDOW(', text)
 
+    def test_a_proposal_of_a_tree_is_written_instead_of_a_model(self):
+        ended = self.run_corvel('extract', HOUSE, '--propose-tree', 'tree.txt')
+        self.assert_ended(ended, DONE)
+        self.assertEqual(['tree.txt'], self.names())
+        self.assertTrue(self.read('tree.txt'))
+
     def test_an_offset_moves_the_model(self):
         told = self.extracted(HOUSE)
         moved = self.extracted(HOUSE, '--offset', '0,0,1250')
