@@ -3,13 +3,15 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
 #include "schema/registry.h"
 #include "step/reader/parser.h"
 
 namespace corvel {
 
 FederatedModel::FederatedModel(std::vector<IfcDocument*> documents)
-    : documents_(std::move(documents)) {}
+    : documents_(std::move(documents)), roots_(documents_.size()) {}
 
 std::optional<SchemaNamespace> FederatedModel::Release() const {
   const FactoryTable* const classes = Merged().GetParser().factories;
@@ -76,6 +78,17 @@ const NumberTable& FederatedModel::RecordsOf(std::size_t input) const {
   const IfcDocument& merged = Merged();
   return input == 0 ? merged.mainContainer->originalEntities
                     : merged.absorbedContainers[input - 1]->originalEntities;
+}
+
+const std::vector<IFC::IfcEntity*>& FederatedModel::RootsOf(std::size_t input) const {
+  std::optional<std::vector<IFC::IfcEntity*>>& roots = roots_[input];
+  if (!roots) {
+    roots.emplace();
+    for (const auto& [number, entity] : ObjectsOf(input)) {
+      if (EntityCast<IFC::VirtualIfcRoot>(entity) != nullptr) roots->push_back(entity);
+    }
+  }
+  return *roots;
 }
 
 std::size_t FederatedModel::ObjectCount() const {

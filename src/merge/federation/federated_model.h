@@ -73,6 +73,17 @@ class FederatedModel {
     }
     return true;
   }
+  // As ForEachOf, with those alone that have a GUID. They are looked for once, whoever asks.
+  template <class Action>
+  bool ForEachRootOf(std::size_t input, Ticker& ticker, Action action) const {
+    const std::vector<IFC::IfcEntity*>& roots = RootsOf(input);
+    const std::size_t pieces = roots.empty() ? 0 : ObjectsOf(input).Size() / roots.size();
+    for (IFC::IfcEntity* const entity : roots) {
+      if (Contains(*entity)) action(*entity);
+      if (!ticker.Advance(pieces)) return false;
+    }
+    return true;
+  }
   // As ForEachOf, also with those that gave way: `action` gets what stands for them.
   template <class Action>
   bool ForEachWithSurvivorsOf(std::size_t input, Ticker& ticker, Action action) const {
@@ -97,8 +108,11 @@ class FederatedModel {
  private:
   IFC::IfcEntity* LastSurvivor(IFC::IfcEntity* entity) const;
   const NumberTable& ObjectsOf(std::size_t input) const;
+  const std::vector<IFC::IfcEntity*>& RootsOf(std::size_t input) const;
 
   std::vector<IfcDocument*> documents_;
+  // By input, whether they are in the model or not; nothing before somebody asked.
+  mutable std::vector<std::optional<std::vector<IFC::IfcEntity*>>> roots_;
   // By who gave way. A survivor may give way in turn.
   std::unordered_map<IFC::IfcEntity*, IFC::IfcEntity*> survivors_;
 };

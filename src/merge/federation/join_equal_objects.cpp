@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "core/entity_cast.h"
+#include "core/guid_table.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/equality/equal_pairs.h"
 #include "merge/federation/tree/length_in_metres.h"
+#include "schema/interfaces/product.h"
 
 namespace corvel {
 
@@ -20,20 +22,22 @@ constexpr std::string_view kPlacement = "ObjectPlacement";
 class ObjectJoiner {
  public:
   ObjectJoiner(FederatedModel& model, JoinedObjects& counts)
-      : model_(model), counts_(counts), contents_(model), belongings_(model.Release()) {}
+      : model_(model), counts_(counts), contents_(model), belongings_(model.Release(), shared_) {}
 
   bool Run(Ticker& ticker) {
+    if (!FindShared(ticker)) return false;
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      applications_.clear();
       objects_.clear();
-      placed_.clear();
       const bool goesOn =
-          model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) { Gather(entity); });
+          JoinApplications(input, ticker) &&
+          (shared_.empty() ||
+           model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& root) { Gather(root); }));
       if (!goesOn) return false;
       const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
       if (input != 0) Join(MetresPerLengthUnit(units));
-      JoinApplications();
-      if (input + 1 != model_.InputCount()) EnterForLaterOnes();
+      for (IFC::IfcEntity* const object : objects_) {
+        if (model_.Contains(*object)) earlier_[GuidOf(*object)].push_back(object);
+      }
     }
     return true;
   }
@@ -43,19 +47,28 @@ class ObjectJoiner {
     return EntityCast<IFC::VirtualIfcRoot>(&object)->getGlobalId();
   }
 
-  void Gather(IFC::IfcEntity& entity) {
-    belongings_.Gather(entity);
-    if (isApplication_.IsTrueOf(entity)) applications_.push_back(&entity);
-    if (EntityCast<IFC::VirtualIfcRoot>(&entity) == nullptr || entity.carries) return;
-    if (IFC::IfcEntity* const placement = ReferenceOf(entity, kPlacement)) ++placed_[placement];
-    if (!isRelation_.IsTrueOf(entity) && !GuidOf(entity).empty()) objects_.push_back(&entity);
+  // All that have their GUID with others, in any input.
+  bool FindShared(Ticker& ticker) {
+    GuidTable holders;
+    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
+      const bool goesOn = model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {
+        const std::string_view guid = GuidOf(entity);
+        if (guid.empty() || entity.carries || isRelation_.IsTrueOf(entity)) return;
+        if (holders.Enter(guid, EntityCast<IFC::VirtualIfcRoot>(&entity))) return;
+        shared_.insert(&entity);
+        shared_.insert(holders.Find(guid));
+      });
+      if (!goesOn) return false;
+    }
+    return true;
   }
 
-  void EnterForLaterOnes() {
-    earlier_.reserve(earlier_.size() + objects_.size());
-    for (IFC::IfcEntity* const object : objects_) {
-      if (model_.Contains(*object)) earlier_[GuidOf(*object)].push_back(object);
+  void Gather(IFC::IfcEntity& root) {
+    belongings_.Gather(root);
+    if (const auto* const product = EntityCast<IFC::VirtualIfcProduct>(&root)) {
+      if (const auto* const placement = product->getObjectPlacement()) ++placed_[placement];
     }
+    if (shared_.contains(&root)) objects_.push_back(&root);
   }
 
   void Join(double metresPerUnit) {
@@ -100,33 +113,33 @@ class ObjectJoiner {
   }
 
   // No two of one input.
-  void JoinApplications() {
+  bool JoinApplications(std::size_t input, Ticker& ticker) {
     std::vector<std::pair<Digest, IFC::IfcEntity*>> own;
-    for (IFC::IfcEntity* const application : applications_) {
-      const Digest digest = contents_.OfValue(application);
+    const bool goesOn = model_.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
+      if (std::u16string_view(entity.getClassName()) != u"IfcApplication") return;
+      const Digest digest = contents_.OfValue(&entity);
       const auto earlier = earlierApplications_.find(digest);
       if (earlier == earlierApplications_.end()) {
-        own.emplace_back(digest, application);
+        own.emplace_back(digest, &entity);
       } else {
-        model_.GiveWay(*application, *earlier->second);
+        model_.GiveWay(entity, *earlier->second);
         ++counts_.applications;
       }
-    }
+    });
     earlierApplications_.insert(own.begin(), own.end());
+    return goesOn;
   }
 
   FederatedModel& model_;
   JoinedObjects& counts_;
   ObjectContents contents_;
+  Belongings::Objects shared_;
   Belongings belongings_;
-  ClassQuestion isApplication_{"IfcApplication"};
   ClassQuestion isRelation_{"IfcRelationship"};
   // What stays of the inputs that had their turn.
   std::unordered_map<std::string_view, std::vector<IFC::IfcEntity*>> earlier_;
   std::unordered_map<Digest, IFC::IfcEntity*, HashOfDigest> earlierApplications_;
-  // Of the input whose turn it is.
-  std::vector<IFC::IfcEntity*> objects_;
-  std::vector<IFC::IfcEntity*> applications_;
+  std::vector<IFC::IfcEntity*> objects_;  // shared ones of the input whose turn it is
   std::unordered_map<const IFC::IfcEntity*, std::size_t> placed_;  // products of a placement
 };
 

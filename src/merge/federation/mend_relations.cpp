@@ -1,5 +1,7 @@
 #include "merge/federation/mend_relations.h"
 
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/relations/bounded_relations.h"
 #include "merge/federation/relations/property_sets.h"
@@ -9,10 +11,11 @@ namespace corvel {
 
 namespace {
 
-Survivors SurvivorsOf(const FederatedModel& model) {
+// Those that may stand in a relation or have one.
+Survivors RootsThatSurvived(const FederatedModel& model) {
   Survivors survivors;
-  model.ForEachThatGaveWay([&](const IFC::IfcEntity& /*gone*/, const IFC::IfcEntity& survivor) {
-    survivors.insert(&survivor);
+  model.ForEachThatGaveWay([&](const IFC::IfcEntity& /*gone*/, IFC::IfcEntity& survivor) {
+    if (EntityCast<IFC::VirtualIfcRoot>(&survivor) != nullptr) survivors.insert(&survivor);
   });
   return survivors;
 }
@@ -20,8 +23,8 @@ Survivors SurvivorsOf(const FederatedModel& model) {
 }  // namespace
 
 bool MendRelations(FederatedModel& model, Ticker& ticker, MendedRelations& mended) {
-  if (!model.HasSurvivors()) return true;
-  const Survivors survivors = SurvivorsOf(model);
+  const Survivors survivors = RootsThatSurvived(model);
+  if (survivors.empty()) return true;
   BoundsOfRelations bounds(model.Release());
   RelationEdits edits(model, mended);
   return KeepWithinBounds(model, survivors, bounds, edits, mended, ticker) &&

@@ -2,10 +2,10 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
 #include "core/entity_cast.h"
 #include "core/guid.h"
+#include "core/guid_table.h"
 #include "core/root_interfaces.h"
 
 namespace corvel {
@@ -22,9 +22,9 @@ class MetGuids {
     auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
     if (root == nullptr) return false;
     const std::string_view old = root->getGlobalId();
-    if (old.empty() || met_.insert(old).second) return false;
+    if (old.empty() || met_.Enter(old, root)) return false;
     const char* const renewed = Unused(old, input);
-    met_.insert(renewed);
+    met_.Enter(renewed, root);
     root->setGlobalId(renewed);
     return true;
   }
@@ -34,12 +34,12 @@ class MetGuids {
   const char* Unused(std::string_view old, std::size_t input) {
     for (std::uint64_t turn = 0;; ++turn) {
       const std::string guid = DeriveGuid(old, (turn << 32) + input);
-      if (!met_.contains(guid)) return container_.Pool().InternNarrow(guid);
+      if (met_.Find(guid) == nullptr) return container_.Pool().InternNarrow(guid);
     }
   }
 
   IFC::MainContainer& container_;
-  std::unordered_set<std::string_view> met_;
+  GuidTable met_;
 };
 
 }  // namespace
@@ -56,7 +56,7 @@ std::size_t RenewGuidsWithin(IFC::MainContainer& container, std::size_t input) {
 bool RenewGuids(FederatedModel& model, Ticker& ticker, std::vector<RenewedGuid>& renewed) {
   MetGuids met(model.Container());
   for (std::size_t input = 0; input < model.InputCount(); ++input) {
-    const bool goesOn = model.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
+    const bool goesOn = model.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {
       if (met.Meet(entity, input)) renewed.push_back({&entity, input});
     });
     if (!goesOn) return false;

@@ -22,13 +22,17 @@ namespace {
 class RelationUniter {
  public:
   RelationUniter(FederatedModel& model, std::size_t& united)
-      : model_(model), values_(model), united_(united) {}
+      : model_(model), values_(model), united_(united) {
+    shared_.insert(model.Project());
+    model.ForEachThatGaveWay([this](const IFC::IfcEntity& /*gone*/,
+                                    const IFC::IfcEntity& survivor) { shared_.insert(&survivor); });
+  }
 
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       own_.clear();
       const bool goesOn =
-          model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) { Take(entity); });
+          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { Take(entity); });
       if (!goesOn) return false;
       if (input + 1 == model_.InputCount()) return true;
       for (const auto& [digest, relation] : own_) earlier_[digest].push_back(relation);
@@ -40,6 +44,7 @@ class RelationUniter {
   void Take(IFC::IfcEntity& relation) {
     if (!isRelation_.IsTrueOf(relation) || relation.carries) return;
     const AttributeFacts* const related = ListOfRelated(relation);
+    if (!MayBeShared(relation, related)) return;
     const Digest digest = DigestOf(relation, related);
     const auto earlier = earlier_.find(digest);
     if (earlier == earlier_.end()) {
@@ -47,6 +52,20 @@ class RelationUniter {
     } else {
       Unite(relation, SurvivorAmong(earlier->second, relation), related);
     }
+  }
+
+  // Whatever else it refers to is in more than one input, if it has a GUID.
+  bool MayBeShared(const IFC::IfcEntity& relation, const AttributeFacts* related) {
+    for (const ConstAttribute attribute : AttributesOf(relation)) {
+      if (&attribute.Facts() == related || !Refers(attribute.Facts().kind)) continue;
+      bool isOfOne = false;
+      attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* child) {
+        if (child == nullptr || child->inlineValue || !StandsForItself(*child)) return;
+        isOfOne = isOfOne || !shared_.contains(model_.InModel(child));
+      });
+      if (isOfOne) return false;
+    }
+    return true;
   }
 
   Digest DigestOf(const IFC::IfcEntity& relation, const AttributeFacts* related) {
@@ -96,6 +115,7 @@ class RelationUniter {
 
   FederatedModel& model_;
   ValueDigests values_;
+  std::unordered_set<const IFC::IfcEntity*> shared_;  // the project, and what others gave way to
   ClassQuestion isRelation_{"IfcRelationship"};
   std::unordered_map<Digest, std::vector<IFC::IfcEntity*>, HashOfDigest> earlier_;
   std::vector<std::pair<Digest, IFC::IfcEntity*>> own_;  // of the input whose turn it is

@@ -50,7 +50,7 @@ void Belongings::Gather(IFC::IfcEntity& entity) {
   std::uint32_t kind = kFirstOfOwning;
   for (const AttributeFacts* const owning : known->second.owning) {
     Attribute(entity, *owning).ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* owned) {
-      if (owned != nullptr) links_[owned].push_back({kind, &entity});
+      if (owned != nullptr) Tie(*owned, kind, entity);
     });
     ++kind;
   }
@@ -83,11 +83,11 @@ void Belongings::GatherParts(const IFC::IfcEntity& entity, int relation) {
   parts->ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* part) {
     if (part == nullptr) return;
     if (relation == kType) {
-      links_[part].push_back({kind, host});
+      Tie(*part, kind, *host);
       return;
     }
-    links_[host].push_back({kind, part});
-    if (!isPlace) links_[part].push_back({kind + 1, host});
+    Tie(*host, kind, *part);
+    if (!isPlace) Tie(*part, kind + 1, *host);
   });
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "merge/federation/attribute_values.h"
@@ -18,7 +19,11 @@ namespace corvel {
 // what refers to an object to which the schema allows one such reference.
 class Belongings {
  public:
-  explicit Belongings(std::optional<SchemaNamespace> release) : release_(release) {}
+  using Objects = std::unordered_set<const IFC::IfcEntity*>;
+
+  // `wanted`: whose belongings will be asked for. Borrowed.
+  Belongings(std::optional<SchemaNamespace> release, const Objects& wanted)
+      : release_(release), wanted_(wanted) {}
 
   struct Link {
     std::uint32_t kind = 0;  // of the relation, and which end of it `other` is
@@ -38,9 +43,13 @@ class Belongings {
   };
 
   Ties TiesOf(const ClassFacts& facts) const;
+  void Tie(IFC::IfcEntity& object, std::uint32_t kind, IFC::IfcEntity& other) {
+    if (wanted_.contains(&object)) links_[&object].push_back({kind, &other});
+  }
   void GatherParts(const IFC::IfcEntity& entity, int relation);
 
   std::optional<SchemaNamespace> release_;
+  const Objects& wanted_;
   ClassQuestion isSpatial_{"IfcSpatialStructureElement"};
   ClassQuestion isSpatialElement_{"IfcSpatialElement"};
   ClassQuestion isProject_{"IfcProject"};

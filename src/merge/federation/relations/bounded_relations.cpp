@@ -25,7 +25,7 @@ class BoundsKeeper {
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       const bool goesOn =
-          model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) { Keep(entity); });
+          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { Keep(entity); });
       if (!goesOn) return false;
     }
     return true;

@@ -20,8 +20,8 @@ bool KeepWithinBounds(FederatedModel& model, const Survivors& survivors, BoundsO
                       RelationEdits& edits, MendedRelations& mended, Ticker& ticker);
 
 // Deletes what the schema wants to have a relation of a kind, and lost the last one of it in
-// `edits`; then what refers to that and cannot be without it, and so on. `known` (in the model, each
-// once) is treated as such an object. False: the user cancelled.
+// `edits`; then what refers to that and cannot be without it, and so on. `known` (in the model,
+// each once) is treated as such an object. False: the user cancelled.
 bool DeleteOrphans(FederatedModel& model, BoundsOfRelations& bounds, RelationEdits& edits,
                    Ticker& ticker, const std::vector<IFC::IfcEntity*>& known = {});
 

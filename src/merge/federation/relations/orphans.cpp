@@ -40,7 +40,7 @@ class OrphanSearch {
 
   bool Gather(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) {
+      const bool goesOn = model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) {
         if (!isRelation_.IsTrueOf(entity)) return;
         for (const Attribute attribute : AttributesOf(entity)) {
           attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* referred) {

@@ -33,7 +33,7 @@ class SetJoiner {
 
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) {
+      const bool goesOn = model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) {
         links_.Gather(entity, [this](const HangingSet& hanging) { Note(hanging); });
       });
       if (!goesOn) return false;
