@@ -62,6 +62,8 @@ std::optional<Transform> PlaceOf(const IFC::IfcEntity* axisPlacement) {
   const ClassFacts* const facts = FindFacts(*axisPlacement);
   if (facts == nullptr || facts->FindAttribute("RefDirection") == nullptr) return std::nullopt;
   const IFC::IfcEntity* const location = ReferenceOf(*axisPlacement, "Location");
+  // A point on a curve has none.
+  if (location != nullptr && RealsOf(*location, "Coordinates") == nullptr) return std::nullopt;
   Transform place;
   place.origin = NumbersOf(location, "Coordinates", {});
   place.z = DirectionOf(*axisPlacement, "Axis", kZ);

@@ -12,7 +12,7 @@
 namespace corvel {
 
 // The place that an IfcAxis2Placement3D or 2D says; a 2D one lies in the plane of x and y. Null is
-// the origin. Nothing for other classes, and for numbers that are none.
+// the origin. Nothing for other classes, points on curves, and numbers that are none.
 std::optional<Transform> PlaceOf(const IFC::IfcEntity* axisPlacement);
 // Whether it has three dimensions. Null has.
 bool IsSpatial(const IFC::IfcEntity* axisPlacement);

@@ -14,7 +14,7 @@ using test::NamesOf;
 using test::TreeModel;
 using test::Unfolded;
 
-constexpr FederationChoices kTreesByGuid{.tree = TreeMatching::kGuid};
+constexpr FederationChoices kSitesByGuid{.tree = TreeMatching::kGuid};
 
 // Two models of one site, whose placements differ: a wall stands on that of the second site.
 struct TwoSites {
@@ -26,7 +26,7 @@ struct TwoSites {
     FederatedDocuments models(schema);
     models.Add(u"a.ifc", "", first.All());
     models.Add(u"b.ifc", "", second.All());
-    return models.Run(kTreesByGuid);
+    return models.Run(kSitesByGuid);
   }
   TreeModel first{100};
   TreeModel second{200};
@@ -70,7 +70,7 @@ TEST(PlacementsOfTrees, AChainThatGoesIsMultipliedAsAWhole) {
   FederatedDocuments models(SchemaNamespace::IFC2X3);
   models.Add(u"a.ifc", "", first.All());
   models.Add(u"b.ifc", "", second.All());
-  const std::string text = models.Run(kTreesByGuid);
+  const std::string text = models.Run(kSitesByGuid);
   EXPECT_NE(std::string::npos, text.find("=IFCCARTESIANPOINT((115.,0.,0.));")) << text;
 }
 
@@ -90,7 +90,7 @@ TEST(PlacementsOfTrees, APlacementTurnsWhatStandsOnIt) {
   FederatedDocuments models(SchemaNamespace::IFC2X3);
   models.Add(u"a.ifc", "", first.All());
   models.Add(u"b.ifc", "", records);
-  const std::string text = models.Run(kTreesByGuid);
+  const std::string text = models.Run(kSitesByGuid);
   EXPECT_EQ(
       "IFCLOCALPLACEMENT($,IFCAXIS2PLACEMENT3D(IFCCARTESIANPOINT((100.,5.,0.)),"
       "IFCDIRECTION((0.,0.,1.)),IFCDIRECTION((0.,1.,0.))))",
@@ -117,7 +117,7 @@ TEST(PlacementsOfTrees, PlacementsThatGoInACircleStay) {
   FederatedDocuments models(SchemaNamespace::IFC2X3);
   models.Add(u"a.ifc", "", first.All());
   models.Add(u"b.ifc", "", records);
-  const std::string text = models.Run(kTreesByGuid);
+  const std::string text = models.Run(kSitesByGuid);
   EXPECT_TRUE(HasLine(text, "#202=IFCLOCALPLACEMENT(#202,#201);")) << text;
   EXPECT_TRUE(HasLine(text, "#207=IFCLOCALPLACEMENT(#202,#206);")) << text;
 }
@@ -191,7 +191,8 @@ TEST_P(TerrainsOf, WhatStandsBelowAPartIsComparedAllTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Releases, TerrainsOf,
-                         testing::Values(SchemaNamespace::IFC2X3, SchemaNamespace::IFC4));
+                         testing::ValuesIn(test::BuiltSince(SchemaNamespace::IFC2X_FINAL)),
+                         test::NameOfRelease);
 
 }  // namespace
 }  // namespace corvel

@@ -1,6 +1,8 @@
 // Small models with a site, buildings and storeys, and what is left of them behind the step.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -9,6 +11,7 @@
 #include <vector>
 
 #include "merge/federation/federated_documents.h"
+#include "schema/record_model.h"
 
 namespace corvel::test {
 
@@ -36,6 +39,14 @@ class TreeModel {
   }
   std::uint32_t Storey(const Spatial& storey, std::uint32_t whole) {
     return Add("IFCBUILDINGSTOREY", storey, whole, "," + storey.elevation);
+  }
+  std::uint32_t Facility(const std::string& className, const Spatial& facility,
+                         std::uint32_t whole) {
+    return Add(className, facility, whole, ",.NOTDEFINED.");
+  }
+  std::uint32_t Part(const std::string& className, const Spatial& part, const std::string& type,
+                     std::uint32_t whole) {
+    return Add(className, part, whole, ",.LONGITUDINAL.," + type);
   }
   // A wall on the placement of an object, `x` away from it.
   std::uint32_t Wall(std::uint32_t in, const std::string& guid, double x) {
@@ -95,6 +106,18 @@ class TreeModel {
   Records records_;
   std::map<std::uint32_t, std::uint32_t> placements_;
 };
+
+// For instantiations: the releases of this build from one on.
+inline std::vector<SchemaNamespace> BuiltSince(SchemaNamespace first) {
+  std::vector<SchemaNamespace> releases;
+  for (const Release& release : ReleasesBuilt(first, SchemaNamespace::IFC4X4)) {
+    releases.push_back(release.schema);
+  }
+  return releases;
+}
+inline std::string NameOfRelease(const testing::TestParamInfo<SchemaNamespace>& info) {
+  return std::string(NameOf(info.param));
+}
 
 // The names of the objects of a class, in the order of the output: "Level 1"; "$" without one.
 inline std::vector<std::string> NamesOf(const std::string& text, const std::string& className) {
