@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/cancellation.h"
 #include "merge/federation/tree/tree_models.h"
 
 namespace corvel {
@@ -363,6 +364,33 @@ TEST_P(TreesOf, StoreysJoinTheSurvivorsHeightAndNotThatOfOneAnother) {
   AddHouse(200, {{.name = "'B'", .z = 8.0}, {.name = "'Y'", .z = 9000.0}});
   AddHouse(300, {{.name = "'C'", .z = 16.0}, {.name = "'X'", .z = 9000.0}});
   EXPECT_EQ((Names{"A", "Z", "C"}), StoreysOf(kTreesByElevation));
+}
+
+// At each of the ticks in turn.
+TEST_P(TreesOf, ACancelledStepSaysSo) {
+  TreeModel first(100);
+  first.Building({.name = "'House'"}, first.Site({.name = "'Hill'", .x = 1.0}));
+  TreeModel second(200);
+  second.Building({.name = "'House'"}, second.Site({.name = "'Hill'", .x = 2.0}));
+  const GuidsAsRead guids;
+  std::size_t cancelled = 0;
+  for (bool done = false; !done; ++cancelled) {
+    ASSERT_LT(cancelled, 1000u);
+    FederatedDocuments models(GetParam());
+    models.Add(u"a.ifc", "", first.All());
+    models.Add(u"b.ifc", "", second.All());
+    models.RunStep([&](FederatedModel& model) {
+      models.Progress().Forget();
+      models.Progress().CancelAt(cancelled);
+      Ticker ticker({.callback = test::RecordedProgress::Callback}, {.block = 1});
+      JoinedTrees counts;
+      done =
+          JoinTrees(model, {kTreesByName, guids, test::RecordedReports::Reporter}, ticker, counts);
+    });
+    EXPECT_EQ(!done, Cancellation::OfProcess().WasConfirmed());
+    Cancellation::OfProcess().ForgetAnswer();
+  }
+  EXPECT_GE(cancelled, first.All().size() + second.All().size());
 }
 
 // The walls of each storey, by the GUIDs of the walls.
