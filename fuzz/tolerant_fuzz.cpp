@@ -13,6 +13,7 @@
 #include "merge/document.h"
 #include "step/log/utilities.h"
 #include "step/reader/mended_stream.h"
+#include "step/reader/tolerant_head.h"
 #include "support/temporary_folder.h"
 #include "support/test_platform.h"
 
@@ -70,13 +71,16 @@ Counts CountsOf(std::string_view text) {
 }
 
 std::string RecordsOf(const std::string& file) {
-  const std::size_t data = file.find("\nDATA;");
+  const std::size_t data = file.find("\nDATA;\n");
   if (data == std::string::npos) return file;
   return file.substr(data, file.rfind("\nENDSEC;") - data);
 }
 
 std::string Mended(const corvel::WideString& path) {
   constexpr std::size_t kBuffer = 0x10000;
+  // A head that is kept as it stands may hold anything in its strings.
+  corvel::Scanner file(path, kBuffer, Unheard);
+  const std::size_t head = corvel::TakeTolerantHead(file).text.size();
   corvel::MendedStream stream(std::make_unique<corvel::Scanner>(path, kBuffer, Unheard), Unheard);
   std::string text;
   while (stream.HasByte()) {
@@ -84,7 +88,7 @@ std::string Mended(const corvel::WideString& path) {
     stream.SetCursor(stream.WindowEnd());
     stream.ClearStatementText();
   }
-  return text;
+  return text.substr(head);
 }
 
 }  // namespace
