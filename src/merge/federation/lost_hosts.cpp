@@ -59,7 +59,7 @@ class HostSearch {
         if (isWhole) {
           found_.insert({object, bound.index});
         } else {
-          lost_.push_back({object, bound.index});
+          lost_.emplace_back(object, bound.index);
         }
       });
     }
