@@ -43,17 +43,14 @@ Digest ValueDigests::Of(IFC::IfcEntity* entity) {
       continue;
     }
     waiting_.pop_back();
-    if (!slot.isDone) {
-      slot.digest = Make(current);  // which enters nothing
-      slot.isDone = true;
-    }
+    if (!slot.IsDone()) slot.digest = Make(current);  // which enters nothing
   }
   return KnownOf(There(entity));
 }
 
 // What has been begun is on the way from here, or done.
 void ValueDigests::Push(IFC::IfcEntity* entity) {
-  if (entity == nullptr || StandsForItself(*entity) || Find(entity) != nullptr) return;
+  if (entity == nullptr || Find(entity) != nullptr || StandsForItself(*entity)) return;
   waiting_.push_back(entity);
 }
 
@@ -72,7 +69,7 @@ Digest ValueDigests::Make(IFC::IfcEntity& entity) {
 Digest ValueDigests::KnownOf(IFC::IfcEntity* entity) const {
   if (entity == nullptr) return {};
   const Slot* const found = Find(entity);
-  return found != nullptr && found->isDone ? found->digest : OfItself(entity);
+  return found != nullptr && found->IsDone() ? found->digest : OfItself(entity);
 }
 
 }  // namespace corvel

@@ -27,10 +27,10 @@ class ValueDigests {
  private:
   struct Slot {
     const IFC::IfcEntity* entity = nullptr;
-    Digest digest{};
-    bool isDone = false;  // or else begun
+    Digest digest{};  // that of nothing while it has been begun alone
 
     bool IsFree() const { return entity == nullptr; }
+    bool IsDone() const { return digest != Digest(); }
     std::size_t Hash() const { return HashOf(entity); }
   };
   static std::size_t HashOf(const IFC::IfcEntity* entity) {
