@@ -94,7 +94,7 @@ bool EqualObjects::WaitsForNothing(const IFC::IfcEntity& entity) {
 
 // What relations say of the object besides.
 void EqualObjects::PushBehindDescriptions(const IFC::IfcEntity& entity) {
-  for (const auto& [described, number] : graph_.DescriptionsOf(entity.marker)) {
+  for (const auto& [described, number, end] : graph_.DescriptionsOf(entity.marker)) {
     IFC::IfcEntity& describing = *model_.Container().entities.Find(number);
     if (!text_.CountsByValue(describing, entity)) continue;
     const SharingPlan& plan = graph_.PlanOf(describing);
@@ -117,7 +117,7 @@ void EqualObjects::AlignGone(IFC::IfcEntity& holder) {
 }
 
 void EqualObjects::AlignDescriptions(const IFC::IfcEntity& entity) {
-  for (const auto& [described, number] : graph_.DescriptionsOf(entity.marker)) {
+  for (const auto& [described, number, end] : graph_.DescriptionsOf(entity.marker)) {
     IFC::IfcEntity& describing = *model_.Container().entities.Find(number);
     if (marks_.Has(describing, SharingMark::kRefersToGone)) AlignGone(describing);
   }

@@ -19,10 +19,12 @@ std::string_view IdentityText::Of(IFC::IfcEntity& entity) {
 void IdentityText::AddDescriptions(IFC::IfcEntity& entity) {
   const std::string record(stream_.Text());
   std::vector<std::string> texts;
-  for (const auto& [described, number] : graph_.DescriptionsOf(entity.marker)) {
+  for (const auto& [described, number, end] : graph_.DescriptionsOf(entity.marker)) {
     IFC::IfcEntity* const describing = model_.Container().entities.Find(number);
-    texts.push_back(CountsByValue(*describing, entity) ? TextOfDescription(*describing, entity)
-                                                       : RolesIn(*describing, number, entity));
+    // The ends of a relation are not the same.
+    texts.push_back(CountsByValue(*describing, entity)
+                        ? TextOfDescription(*describing, entity)
+                        : "#" + std::to_string(number) + " " + std::to_string(end));
   }
   std::sort(texts.begin(), texts.end());
   texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
@@ -32,20 +34,6 @@ void IdentityText::AddDescriptions(IFC::IfcEntity& entity) {
     stream_.Append("\n");
     stream_.Append(text);
   }
-}
-
-// "#12 RelatedMaterials": the ends of a relation are not the same.
-std::string IdentityText::RolesIn(IFC::IfcEntity& describing, std::uint32_t number,
-                                  const IFC::IfcEntity& described) {
-  std::string text = "#" + std::to_string(number);
-  for (const AttributeFacts* const facts : graph_.PlanOf(describing).described) {
-    bool isInRole = false;
-    graph_.ForEachReferred(describing, *facts, [&](IFC::IfcEntity& referred) {
-      isInRole = isInRole || graph_.Target(&referred) == &described;
-    });
-    if (isInRole) text.append(" ").append(facts->name);
-  }
-  return text;
 }
 
 // An asterisk stands for the object that is described.
@@ -64,9 +52,25 @@ bool IdentityText::CountsByValue(IFC::IfcEntity& describing, const IFC::IfcEntit
   for (const SharingMark mark : {kOwned, kDescribed, kPinned}) {
     if (marks.Has(describing, mark)) return false;
   }
+  return DescribesOne(describing);
+}
+
+// Stops at the second: a layer may have a million items.
+bool IdentityText::DescribesOne(const IFC::IfcEntity& describing) {
   std::size_t count = 0;
+  const auto take = [&count](const IFC::IfcEntity* described) {
+    if (described != nullptr && described->marker != IFC::kDeleted) ++count;
+    return count < 2;
+  };
   for (const AttributeFacts* const facts : graph_.PlanOf(describing).described) {
-    graph_.ForEachReferred(describing, *facts, [&](IFC::IfcEntity&) { ++count; });
+    const ConstAttribute attribute(describing, *facts);
+    if (const auto* const list = attribute.As<EntityList>()) {
+      for (const IFC::IfcEntity* const member : *list) {
+        if (!take(member)) return false;
+      }
+    } else if (const auto* const reference = attribute.As<IFC::IfcEntity*>()) {
+      if (!take(*reference)) return false;
+    }
   }
   return count == 1;
 }

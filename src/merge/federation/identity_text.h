@@ -29,8 +29,7 @@ class IdentityText {
 
  private:
   void AddDescriptions(IFC::IfcEntity& entity);
-  std::string RolesIn(IFC::IfcEntity& describing, std::uint32_t number,
-                      const IFC::IfcEntity& described);
+  bool DescribesOne(const IFC::IfcEntity& describing);
   std::string TextOfDescription(IFC::IfcEntity& describing, IFC::IfcEntity& described);
 
   FederatedModel& model_;

@@ -18,7 +18,7 @@ namespace corvel {
 // (whole_reals.h). `shared`: the objects that gave way. False: the user cancelled; the markers are
 // void.
 //
-// Linear in the records. Takes 10 bytes for each object that could be shared, and 8 for each
+// Linear in the records. Takes 10 bytes for each object that could be shared, and 12 for each
 // relation that points at one.
 bool ShareEqual(FederatedModel& model, NumberForm numbers, Ticker& ticker, std::size_t& shared);
 

@@ -35,12 +35,12 @@ void SharingGraph::GatherFrom(std::uint32_t number, IFC::IfcEntity& entity) {
       if (IFC::IfcEntity* const target = Target(&member)) NoteOwned(*target);
     });
   }
-  for (const AttributeFacts* const facts : plan.described) {
-    ForEachReferred(entity, *facts, [&](IFC::IfcEntity& described) {
+  for (std::uint32_t end = 0; end < plan.described.size(); ++end) {
+    ForEachReferred(entity, *plan.described[end], [&](IFC::IfcEntity& described) {
       IFC::IfcEntity* const target = Target(&described);
       if (target == nullptr || !plans_.Of(*target).isShareable) return;
       marks_.Set(*target, SharingMark::kDescribed);
-      descriptions_.push_back({target->marker, number});
+      descriptions_.push_back({target->marker, number, end});
     });
   }
 }
@@ -61,7 +61,7 @@ void SharingGraph::NoteOwned(IFC::IfcEntity& member) const {
 std::span<const SharingGraph::Description> SharingGraph::DescriptionsOf(
     std::uint32_t number) const {
   const auto [first, last] =
-      std::equal_range(descriptions_.begin(), descriptions_.end(), Description{number, 0},
+      std::equal_range(descriptions_.begin(), descriptions_.end(), Description{number, 0, 0},
                        [](const Description& one, const Description& other) {
                          return one.described < other.described;
                        });

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -62,8 +63,10 @@ class SharingGraph {
   struct Description {
     std::uint32_t described = 0;
     std::uint32_t describing = 0;
+    std::uint32_t end = 0;  // which of the attributes that describe (SharingPlan::described)
     bool operator<(const Description& other) const {
-      return std::pair(described, describing) < std::pair(other.described, other.describing);
+      return std::tie(described, describing, end) <
+             std::tie(other.described, other.describing, other.end);
     }
   };
 
