@@ -36,11 +36,12 @@ Digest ValueDigests::Of(IFC::IfcEntity* entity) {
     Slot& slot = At(&current);
     if (slot.IsFree()) {
       slot.entity = &current;
-      // First all that it refers to; then it is at the back again.
+      // First all that it refers to and that is not known yet; then it is at the back again.
+      const std::size_t before = waiting_.size();
       for (const Attribute attribute : AttributesOf(current)) {
         attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { Push(There(child)); });
       }
-      continue;
+      if (waiting_.size() != before) continue;
     }
     waiting_.pop_back();
     if (!slot.IsDone()) slot.digest = Make(current);  // which enters nothing
@@ -55,13 +56,12 @@ void ValueDigests::Push(IFC::IfcEntity* entity) {
 }
 
 Digest ValueDigests::Make(IFC::IfcEntity& entity) {
+  const ConstAttributes all = AttributesOf(std::as_const(entity));
   DigestMaker maker;
-  maker.Add(FindFacts(entity));
+  maker.Add(&all.Facts());
   AttributeDigest attributes(maker,
                              [this](IFC::IfcEntity* child) { return KnownOf(There(child)); });
-  for (const ConstAttribute attribute : AttributesOf(std::as_const(entity))) {
-    attributes.Add(attribute);
-  }
+  for (const ConstAttribute attribute : all) attributes.Add(attribute);
   return maker.Made();
 }
 
