@@ -145,6 +145,29 @@ TEST_F(FederatedRun, StepsOfTheFileAreTaken) {
   EXPECT_EQ(std::string::npos, out.find("=IFCRELAGGREGATES('r',", first + 1));
 }
 
+TEST_F(FederatedRun, AProposalAsksForNoOutputAndWritesItsListAlone) {
+  host_.user.Write("federation.txt", "tolerant\ntree = name\npropose-tree = " +
+                                         ToUtf8(folder_.Path("tree.txt")) + "\n");
+  Run();
+  EXPECT_TRUE(Plugin::Instance()->LastRun().written);
+  EXPECT_TRUE(host_.CallsOf("save_file_dialog").empty());
+  EXPECT_FALSE(folder_.Has("out.ifc"));
+  EXPECT_NE(std::string::npos, folder_.Read("tree.txt").find("input 1 a.ifc\ninput 2 b.ifc\n"));
+}
+
+TEST_F(FederatedRun, AMistakeInAListIsToldBeforeAnythingIsRead) {
+  const WideString map = folder_.Write("tree.txt", "apart\n");
+  host_.user.Write("federation.txt", "tolerant\ntree-map = " + ToUtf8(map) + "\n");
+  Run();
+  EXPECT_FALSE(Plugin::Instance()->LastRun().written);
+  EXPECT_TRUE(host_.CallsOf("save_file_dialog").empty());
+  EXPECT_FALSE(folder_.Has("a_TEMP.ifc"));
+  const std::vector<std::string> boxes = host_.CallsOf("message_box");
+  ASSERT_EQ(1u, boxes.size());
+  EXPECT_NE(std::string::npos, boxes[0].find("tree.txt, line 1: an object is missing."))
+      << boxes[0];
+}
+
 TEST_F(FederatedRun, AMistakeIsToldAndNothingIsRead) {
   const WideString path = host_.user.Write("federation.txt", "tolerrant\n");
   Run();

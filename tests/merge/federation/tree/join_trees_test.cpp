@@ -15,7 +15,6 @@ namespace corvel {
 namespace {
 
 using test::FederatedDocuments;
-using test::HasLine;
 using test::NamesOf;
 using test::Records;
 using test::Spatial;
@@ -396,7 +395,7 @@ TEST_P(TreesOf, ACancelledStepSaysSo) {
 // The walls of each storey, by the GUIDs of the walls.
 std::set<std::set<std::string>> WallsByStorey(const std::string& text) {
   std::map<std::string, std::set<std::string>> byStorey;
-  const std::regex relation("=IFCRELCONTAINEDINSPATIALSTRUCTURE\\([^()]*\\((#\\d+)\\),(#\\d+)\\);");
+  const std::regex relation(R"(=IFCRELCONTAINEDINSPATIALSTRUCTURE\([^()]*\((#\d+)\),(#\d+)\);)");
   for (std::sregex_iterator at(text.begin(), text.end(), relation), end; at != end; ++at) {
     const std::string wall = test::RecordOf(text, (*at)[1].str());
     byStorey[(*at)[2].str()].insert(wall.substr(wall.find('\'') + 1, 22));
