@@ -140,6 +140,10 @@ TEST(MendedRecords, SeveralClassesGetTheBracketsAroundThem) {
   ExpectMended("(IFCA()IFCB(1))", {}, "=IFCA()IFCB(1);", kNext);
 }
 
+TEST(MendedRecords, AClassBehindWhatIsNoneIsLeftOut) {
+  ExpectMended("I''()", {kStray + "I"}, "=I''()L();", kNext);
+}
+
 TEST(MendedRecords, BetweenTwoValuesStandsAComma) {
   ExpectMended("IFCA(#1,#2,'x',$,(1),.T.,#3)", {}, "=IFCA(#1#2'x'$(1),.T.#3);", kNext);
 }

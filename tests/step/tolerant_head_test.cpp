@@ -88,5 +88,12 @@ TEST(TolerantHeads, WithoutAHeaderEverythingIsEmpty) {
   EXPECT_EQ(u"2;1", head.header->implementationLevel);
 }
 
+TEST(TolerantHeads, AFirstLineThatHoldsMoreIsNotKept) {
+  const std::string head = "HEADER;\n" + kDescription + kName + kSchema + "ENDSEC;\n";
+  EXPECT_EQ("ISO-10303-21", HeadOf("ISO\n=ENDSEC;" + head).isoLine);
+  EXPECT_EQ("ISO-10303-21", HeadOf("ISO'x;" + head).isoLine);
+  EXPECT_EQ("ISO-10303-22", HeadOf("ISO-10303-22;" + head).isoLine);
+}
+
 }  // namespace
 }  // namespace corvel

@@ -230,7 +230,14 @@ class RecordMender::Mending {
     Note(Misfit::kStrayBytes);
   }
 
-  bool StartsWithClass() const { return !text_.empty() && IsLetter(text_.front()); }
+  // A class and its bracket.
+  bool StartsWithClass() const {
+    std::size_t at = 0;
+    while (at < text_.size() && IsWordByte(static_cast<unsigned char>(text_[at]))) ++at;
+    const bool hasName = at != 0;
+    while (at < text_.size() && IsBlank(text_[at])) ++at;
+    return hasName && at < text_.size() && text_[at] == '(';
+  }
 
   bool BracketFollows() {
     const std::size_t mark = bytes_.Mark();

@@ -21,7 +21,7 @@ bool StreamBytes::AtEndOfRecords() {
   if (found && Peek() == 'S') {
     found = TakeText("SEC");
     TakeBlanks();
-    found = found && Peek() == ';';
+    found = found && (Peek() == ';' || Peek() == kEnd);
   } else {
     found = found && TakeText("-ISO");
   }

@@ -102,12 +102,19 @@ std::string TakeHeadText(StreamBytes& bytes) {
   return text;
 }
 
+// What can be written as a first and a last line, and is no more than that when it is read again.
+bool IsPlainLine(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) {
+    return c >= ' ' && c < 0x7F && std::string_view("'#=(;").find(c) == std::string_view::npos;
+  });
+}
+
 // One whose section ends, and which says what its schema is.
 std::unique_ptr<HeaderToken> AsItStands(const std::string& text, std::string& isoLine) {
   if (text.find("ENDSEC") == std::string::npos) return nullptr;
   Scanner scanner = ScannerOf(text);
   const Token& first = *scanner.PeekToken();
-  if (first.Is(TokenType::IsoToken)) isoLine = first.text;
+  if (first.Is(TokenType::IsoToken) && IsPlainLine(first.text)) isoLine = first.text;
   auto header = ReadHeaderToken(scanner);
   if (header == nullptr || header->schemaIdentifier.empty() || scanner.IsStopped()) return nullptr;
   return header;
