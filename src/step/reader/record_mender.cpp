@@ -334,7 +334,7 @@ class RecordMender::Mending {
     bytes_.TakeBlanks();
     const int next = bytes_.Peek();
     bytes_.GoBack(mark);
-    return next == ',' || next == ')';
+    return next == ',' || (next == ')' && depth_ != 0);
   }
 
   // At a line feed.
