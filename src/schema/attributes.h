@@ -37,6 +37,7 @@
 // name in each release. One thread, as all of the engine.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -320,7 +321,10 @@ class BasicAttributes {
     using difference_type = std::ptrdiff_t;
     using value_type = BasicAttribute<Object>;
 
-    value_type operator*() const { return {object_, declaring_->own[next_], holder_}; }
+    value_type operator*() const {
+      assert(declaring_ != nullptr);  // not at the end
+      return {object_, declaring_->own[next_], holder_};
+    }
     Iterator& operator++() {
       ++next_;
       SkipFinished();

@@ -80,30 +80,29 @@ struct Ambiguity {
 struct SpatialObject {
   IFC::IfcEntity* entity = nullptr;
   std::size_t input = 0;
-  SpatialLevel level{};
-  bool isStorey = false;
   // The object that it is a part of; null for one that is a part of the project.
   SpatialObject* parent = nullptr;
-  // Parts lead from the project to it, one level below the other. What has no place among them is
-  // compared with nothing.
-  bool isPlaced = false;
   std::vector<SpatialObject*> children{};  // placed or not
   std::string guid{};
   WideString name{};  // comparable
-  bool isGeneric = false;
   // The class and, of those that have one, the predefined type: "IfcBridgePart DECK".
   std::string kind{};
   std::optional<double> heightMetres{};  // of storeys: see storey_heights.h
+  SpatialLevel level{};
+  bool isStorey = false;
+  bool isGeneric = false;  // its name says nothing
+  // Parts lead from the project to it, one level below the other. What has no place among them is
+  // compared with nothing.
+  bool isPlaced = false;
 
   // What the user said, see tree_map.h: it joins that one, or stays as it is.
   bool isTold = false;
-  SpatialObject* told = nullptr;
-
-  // What the matching found, see tree_matching.h. The first of those that are one; null for itself.
-  SpatialObject* survivor = nullptr;
-  MatchReason reason = MatchReason::kNone;  // of that
-  const Ambiguity* ambiguity = nullptr;     // why it takes no part in more
+  // What the matching found, see tree_matching.h.
   bool isContradicted = false;              // its name stands in another model at another height
+  MatchReason reason = MatchReason::kNone;  // of `survivor`
+  SpatialObject* told = nullptr;            // the one that it joins; null: it stays as it is
+  SpatialObject* survivor = nullptr;        // the first of those that are one; null for itself
+  const Ambiguity* ambiguity = nullptr;     // why it takes no part in more
 };
 
 // Addresses of objects last as long as this.
