@@ -76,22 +76,16 @@ class FederatedModel {
   // As ForEachOf, with those alone that have a GUID. They are looked for once, whoever asks.
   template <class Action>
   bool ForEachRootOf(std::size_t input, Ticker& ticker, Action action) const {
-    const std::vector<IFC::IfcEntity*>& roots = RootsOf(input);
-    const std::size_t pieces = roots.empty() ? 0 : ObjectsOf(input).Size() / roots.size();
-    for (IFC::IfcEntity* const entity : roots) {
-      if (Contains(*entity)) action(*entity);
-      if (!ticker.Advance(pieces)) return false;
-    }
-    return true;
+    return ForEachRoot(input, ticker, [&](IFC::IfcEntity& entity) {
+      if (Contains(entity)) action(entity);
+    });
   }
-  // As ForEachOf, also with those that gave way: `action` gets what stands for them.
+  // As ForEachRootOf, also with those that gave way: `action` gets what stands for them.
   template <class Action>
-  bool ForEachWithSurvivorsOf(std::size_t input, Ticker& ticker, Action action) const {
-    for (const auto& [number, entity] : ObjectsOf(input)) {
-      if (IFC::IfcEntity* const there = InModel(entity)) action(*there);
-      if (!ticker.Advance()) return false;
-    }
-    return true;
+  bool ForEachRootWithSurvivorsOf(std::size_t input, Ticker& ticker, Action action) const {
+    return ForEachRoot(input, ticker, [&](IFC::IfcEntity& entity) {
+      if (IFC::IfcEntity* const there = InModel(&entity)) action(*there);
+    });
   }
   // As ForEachOf, also with those that were left out or gave way.
   template <class Action>
@@ -109,6 +103,18 @@ class FederatedModel {
   IFC::IfcEntity* LastSurvivor(IFC::IfcEntity* entity) const;
   const NumberTable& ObjectsOf(std::size_t input) const;
   const std::vector<IFC::IfcEntity*>& RootsOf(std::size_t input) const;
+
+  // All of them; they are as many pieces for `ticker` as the input has objects.
+  template <class Action>
+  bool ForEachRoot(std::size_t input, Ticker& ticker, Action action) const {
+    const std::vector<IFC::IfcEntity*>& roots = RootsOf(input);
+    const std::size_t pieces = roots.empty() ? 0 : ObjectsOf(input).Size() / roots.size();
+    for (IFC::IfcEntity* const entity : roots) {
+      action(*entity);
+      if (!ticker.Advance(pieces)) return false;
+    }
+    return true;
+  }
 
   std::vector<IfcDocument*> documents_;
   // By input, whether they are in the model or not; nothing before somebody asked.

@@ -20,9 +20,10 @@ class Stamp {
 
   bool Put(std::size_t input, Ticker& ticker, std::size_t& stamped) {
     std::vector<IFC::IfcEntity*> products;
-    const bool goesOn = model_.ForEachWithSurvivorsOf(input, ticker, [&](IFC::IfcEntity& entity) {
-      if (EntityCast<IFC::VirtualIfcProduct>(&entity) != nullptr) products.push_back(&entity);
-    });
+    const bool goesOn =
+        model_.ForEachRootWithSurvivorsOf(input, ticker, [&](IFC::IfcEntity& entity) {
+          if (EntityCast<IFC::VirtualIfcProduct>(&entity) != nullptr) products.push_back(&entity);
+        });
     if (!goesOn) return false;
     if (products.empty()) return true;
     // By number, each once: several of one input may have given way to the same.

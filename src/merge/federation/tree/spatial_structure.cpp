@@ -57,7 +57,7 @@ class Collector {
     known_.clear();
     aggregations_.clear();
     const bool goesOn =
-        model_.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) { Look(entity, input); });
+        model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) { Look(entity, input); });
     if (!goesOn) return false;
     tops_.clear();
     for (const IFC::IfcEntity* const aggregation : aggregations_) Enter(*aggregation);
