@@ -19,6 +19,12 @@ WideString TextOf(const IFC::IfcEntity& entity, std::string_view attribute) {
   return text == nullptr ? WideString() : text->ToWide();
 }
 
+std::string_view WordOf(const IFC::IfcEntity& entity, std::string_view attribute) {
+  if (FindFacts(entity) == nullptr) return {};
+  const auto found = AttributesOf(entity).Find(attribute);
+  return found ? found->EnumerationName() : std::string_view();
+}
+
 IFC::IfcEntity* ReferenceOf(const IFC::IfcEntity& entity, std::string_view attribute) {
   auto* const* const reference = ValueOf<IFC::IfcEntity*>(entity, attribute);
   return reference == nullptr ? nullptr : *reference;

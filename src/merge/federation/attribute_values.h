@@ -15,6 +15,7 @@ namespace corvel {
 // Empty, null and 0 where the class has no such attribute, where it has no value, and where it
 // holds another type. An empty text is no value either.
 WideString TextOf(const IFC::IfcEntity& entity, std::string_view attribute);
+std::string_view WordOf(const IFC::IfcEntity& entity, std::string_view attribute);  // "ELEMENT"
 IFC::IfcEntity* ReferenceOf(const IFC::IfcEntity& entity, std::string_view attribute);
 const EntityList* ReferencesOf(const IFC::IfcEntity& entity, std::string_view attribute);
 const List<double>* RealsOf(const IFC::IfcEntity& entity, std::string_view attribute);

@@ -218,10 +218,9 @@ class ContextJoiner {
   // A parent that gave way counts as the one that stands for it.
   void TakeSubContext(IFC::IfcEntity& entity, std::size_t input) {
     const IFC::IfcEntity* const parent = model_.InModel(ReferenceOf(entity, "ParentContext"));
-    const auto view = AttributesOf(entity).Find("TargetView");
     SubContext& known =
         knownBelow_[{parent, TextOf(entity, "ContextIdentifier"), TextOf(entity, "ContextType"),
-                     view ? std::string(view->EnumerationName()) : std::string(),
+                     std::string(WordOf(entity, "TargetView")),
                      TextOf(entity, "UserDefinedTargetView"), RealOf(entity, "TargetScale")}];
     if (known.entity == nullptr) {
       known = {&entity, input};

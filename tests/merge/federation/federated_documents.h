@@ -1,7 +1,9 @@
 // Models from a few records each, folded into one and federated.
 #pragma once
 
+#include <cstdlib>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,17 @@ using Records = std::vector<PlannedRecord>;
 inline Records operator+(Records records, const Records& more) {
   records.insert(records.end(), more.begin(), more.end());
   return records;
+}
+
+// The numbers that the lines of a written model begin with.
+inline std::set<int> NumbersIn(const std::string& lines) {
+  std::set<int> numbers;
+  for (std::size_t at = lines.find('#'); at != std::string::npos;) {
+    numbers.insert(std::atoi(&lines[at + 1]));
+    const std::size_t end = lines.find('\n', at);
+    at = end == std::string::npos ? end : lines.find('#', end);
+  }
+  return numbers;
 }
 
 class FederatedDocuments {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
@@ -14,23 +13,13 @@ namespace corvel {
 namespace {
 
 using test::FederatedDocuments;
+using test::NumbersIn;
 using test::PlannedRecord;
 using test::Records;
 using test::operator+;
 using KeptLines = std::set<int>;
 
 constexpr FederationChoices kPrune{.prune = true};
-
-// The numbers of the lines, and the lines.
-KeptLines LinesIn(const std::string& text) {
-  KeptLines numbers;
-  for (std::size_t at = text.find('#'); at != std::string::npos;) {
-    numbers.insert(std::atoi(&text[at + 1]));
-    const std::size_t end = text.find('\n', at);
-    at = end == std::string::npos ? end : text.find('#', end);
-  }
-  return numbers;
-}
 
 // What of the first model stays; the second has a project alone.
 class Pruned : public testing::TestWithParam<SchemaNamespace> {
@@ -43,7 +32,7 @@ class Pruned : public testing::TestWithParam<SchemaNamespace> {
     return models.Run(kPrune);
   }
   KeptLines Of(const Records& records, std::uint32_t deleted = 0) {
-    return LinesIn(TextOf(records, deleted));
+    return NumbersIn(TextOf(records, deleted));
   }
 };
 
@@ -99,7 +88,7 @@ TEST_P(Pruned, ALayerLosesWhatIsGone) {
                          {53, "IFCCARTESIANPOINT", "(1.,2.,3.)"},
                          {60, "IFCPRESENTATIONLAYERASSIGNMENT", "'l',$,(#21,#52),$"}};
   const std::string text = TextOf(Shaped() + layer, 50);
-  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25, 60}), LinesIn(text));
+  EXPECT_EQ((KeptLines{1, 10, 20, 21, 22, 23, 24, 25, 60}), NumbersIn(text));
   EXPECT_NE(std::string::npos, text.find("('l',$,(#21),$);")) << text;
 }
 
@@ -145,7 +134,7 @@ TEST(PrunedContexts, OfALaterModelGoWhenNobodyKnowsThem) {
   };
   models.Add(u"a.ifc", "#10", context(10));
   models.Add(u"b.ifc", "#20", context(20));
-  EXPECT_EQ((KeptLines{1, 10, 11, 12}), LinesIn(models.Run(kPrune)));
+  EXPECT_EQ((KeptLines{1, 10, 11, 12}), NumbersIn(models.Run(kPrune)));
 }
 
 TEST(PrunedContexts, AMapConversionStaysWithItsContext) {
@@ -158,7 +147,7 @@ TEST(PrunedContexts, AMapConversionStaysWithItsContext) {
               {14, "IFCMAPCONVERSION", "#10,#13,1.,2.,3.,$,$,$"},
               {15, "IFCPROJECTEDCRS", "'d',$,$,$,$,$,$"}});
   models.Add(u"b.ifc", "", {});
-  EXPECT_EQ((KeptLines{1, 10, 11, 12, 13, 14}), LinesIn(models.Run(kPrune)));
+  EXPECT_EQ((KeptLines{1, 10, 11, 12, 13, 14}), NumbersIn(models.Run(kPrune)));
 }
 
 }  // namespace

@@ -13,20 +13,13 @@ namespace corvel {
 namespace {
 
 using test::FederatedDocuments;
+using test::NumbersIn;
 using test::PlannedRecord;
 using test::Records;
 using test::operator+;
 using StayingNumbers = std::set<int>;
 
 constexpr FederationChoices kShare{.shareEqual = true};
-
-StayingNumbers NumbersIn(const std::string& lines) {
-  StayingNumbers numbers;
-  for (std::size_t at = 0; at < lines.size(); at = lines.find('\n', at) + 1) {
-    numbers.insert(std::stoi(lines.substr(at + 1)));
-  }
-  return numbers;
-}
 
 std::string LineOf(int number, const std::string& lines) {
   const std::string begin = "#" + std::to_string(number) + "=";

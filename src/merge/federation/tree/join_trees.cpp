@@ -52,7 +52,7 @@ class Parts {
   bool Hang(Ticker& ticker) {
     if (parts_.empty()) return true;
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
+      const bool goesOn = model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {
         if (isAggregation_.IsTrueOf(entity)) Loosen(entity);
       });
       if (!goesOn) return false;

@@ -24,12 +24,6 @@ constexpr Prefix kPrefixes[] = {{"EXA", 1e18},  {"PETA", 1e15},  {"TERA", 1e12},
                                 {"DECI", 1e-1}, {"CENTI", 1e-2}, {"MILLI", 1e-3},  {"MICRO", 1e-6},
                                 {"NANO", 1e-9}, {"PICO", 1e-12}, {"FEMTO", 1e-15}, {"ATTO", 1e-18}};
 
-std::string_view WordOf(const IFC::IfcEntity& entity, std::string_view attribute) {
-  if (FindFacts(entity) == nullptr) return {};
-  const auto found = AttributesOf(entity).Find(attribute);
-  return found ? found->EnumerationName() : std::string_view();
-}
-
 double FactorOfPrefix(std::string_view name) {
   for (const Prefix& prefix : kPrefixes) {
     if (prefix.name == name) return prefix.factor;

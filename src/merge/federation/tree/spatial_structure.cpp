@@ -13,11 +13,6 @@ namespace corvel {
 
 namespace {
 
-std::string_view WordOf(const IFC::IfcEntity& entity, std::string_view attribute) {
-  const auto found = AttributesOf(entity).Find(attribute);
-  return found ? found->EnumerationName() : std::string_view();
-}
-
 Composition CompositionOf(const IFC::IfcEntity& entity) {
   const std::string_view word = WordOf(entity, "CompositionType");
   if (word == "COMPLEX") return Composition::kComplex;
