@@ -137,6 +137,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);
   app.add_flag("--quiet", words.quiet);
+  app.add_option("--threads", words.merge.threads);
   app.add_option("--answer", words.answer);
   app.add_option("--user-folder", words.userFolder);
   app.add_option("--work-folder", words.workFolder);

@@ -226,6 +226,9 @@ constexpr char16_t kModelOptions[] =
                           to stop
   --quiet                 no progress bars and no word about success; reports
                           are shown still
+  --threads N             read and write with so many threads, in the place of
+                          one for each core that there is to use; no byte of
+                          the output and no message depends on their number
   --answer yes|no         answer every question so instead of asking. The
                           question is always whether to stop.
   --log FILE              where the log goes if there is one, in the place of
@@ -335,7 +338,7 @@ Options:
                           with this option
   -h, --help              this text
   --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
-  --user-folder DIR, --work-folder DIR
+  --threads N, --user-folder DIR, --work-folder DIR
                           taken as by the other commands; there is nothing
                           that they change
 
@@ -393,7 +396,7 @@ Options:
                           with this option
   -h, --help              this text
   --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
-  --user-folder DIR, --work-folder DIR
+  --threads N, --user-folder DIR, --work-folder DIR
                           taken as by the other commands; there is nothing
                           that they change
 

@@ -54,6 +54,7 @@ std::size_t RecordsIn(const IFC::MainContainer& container) {
 }
 
 bool Read(IfcDocument& document, const ResaveOrder& order) {
+  document.threads = order.options.threads;
   if (order.options.tolerant) document.ReadTolerantly();
   if (order.options.workFolder) document.KeepWorkFileIn(*order.options.workFolder);
   document.ReservePaths({order.input, order.output});

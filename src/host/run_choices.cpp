@@ -7,12 +7,15 @@
 
 #include "core/entity.h"
 #include "platform/file.h"
+#include "platform/threads.h"
 
 namespace corvel::host {
 
 namespace {
 
 using Mistake = std::optional<std::string>;
+
+constexpr unsigned kMostThreads = 256;
 
 std::string Quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
 
@@ -212,6 +215,14 @@ Mistake TakeGuidChoice(const ChoiceWords& words, RunChoices& choices) {
   return {};
 }
 
+Mistake TakeThreads(const ChoiceWords& words, RunChoices& choices) {
+  if (!words.threads) return {};
+  choices.threads = NumberOf<unsigned>(*words.threads);
+  if (choices.threads && *choices.threads >= 1 && *choices.threads <= kMostThreads) return {};
+  return "--threads takes a number from 1 to " + std::to_string(kMostThreads) + ", not " +
+         Quoted(*words.threads);
+}
+
 Mistake TakeFederation(const ChoiceWords& words, FederationChoices& choices) {
   for (const auto& [option, value] : words.federation) {
     auto mistake = option->take(value, choices);
@@ -230,6 +241,7 @@ MergeOptions RunChoices::Over(MergeOptions remembered) const {
   remembered.deleteOpenings = remembered.deleteOpenings || deleteOpenings;
   remembered.federation = federation;
   remembered.generateGuid = generateGuids.value_or(remembered.generateGuid);
+  remembered.threads = threads ? *threads : platform::UsableCores();
   return remembered;
 }
 
@@ -240,6 +252,7 @@ std::variant<RunChoices, std::string> UnderstandChoices(const ChoiceWords& words
   if (!mistake) mistake = TakeLists(words, inputs, choices);
   if (!mistake) mistake = TakePlaces(words, inputs, choices);
   if (!mistake) mistake = TakeGuidChoice(words, choices);
+  if (!mistake) mistake = TakeThreads(words, choices);
   if (!mistake) mistake = TakeFederation(words, choices.federation);
   if (mistake) return *mistake;
   return choices;

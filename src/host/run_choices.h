@@ -37,6 +37,7 @@ struct RunChoices {
   bool ignoreUnits = false;
   bool deleteOpenings = false;
   std::optional<bool> generateGuids;  // nothing: as the plug-in remembers it
+  std::optional<unsigned> threads;    // nothing: as many as there are cores to use
   FederationChoices federation{};
 
   // The remembered options with the choices of this run over them.
@@ -53,6 +54,7 @@ struct ChoiceWords {
   std::vector<std::string> offsets;
   std::optional<std::string> center;
   std::optional<std::string> onDuplicateGuid;
+  std::optional<std::string> threads;
   // In the order in which they were typed; the value is empty for an option that takes none.
   std::vector<std::pair<const FederationOption*, std::string>> federation;
 };

@@ -122,6 +122,9 @@ class IfcDocument {
   std::vector<std::unique_ptr<IFC::MainContainer>> absorbedContainers;
   MergeStatus mergeStatus = MergeStatus::kNotMerged;
   NumberForm numbers = NumberForm::kTold;  // of SaveFile
+  // Threads that OpenFile and SaveFile work with, that of the caller among them; all have ended
+  // when they return. What they do and tell is the same for every number.
+  unsigned threads = 1;
   // SaveFile leaves the markers as they are instead of putting all of them to 0.
   bool isReleasedNext = false;
   // Where the complete output of the last SaveFile lies when that failed for one reason only: it

@@ -176,6 +176,7 @@ bool MergeJob::Read(HostObject project) {
   const MergeOptions options = shell_.Options();
   auto document =
       std::make_unique<IfcDocument>(options.ignoreEnumErrors, shell_.Reporter(), shell_.Ticks());
+  document->threads = options.threads;
   if (options.tolerant) document->ReadTolerantly();
   // A work file without a name takes nobody's place.
   if (options.workFolder) {

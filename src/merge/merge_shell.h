@@ -28,6 +28,9 @@ struct MergeOptions {
   bool tolerant = false;
   // Likewise.
   FederationChoices federation{};
+  // Threads that read and write, that of the run among them; at least 1. What comes out is the same
+  // for every number.
+  unsigned threads = 1;
 };
 
 // What the save dialog starts with.

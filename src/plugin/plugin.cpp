@@ -11,6 +11,7 @@
 #include "merge/guid_choice.h"
 #include "platform/file.h"
 #include "platform/platform.h"
+#include "platform/threads.h"
 #include "plugin/bound_scene.h"
 #include "plugin/bound_shell.h"
 #include "plugin/callbacks.h"
@@ -181,6 +182,8 @@ MergeOptions Plugin::RunOptions() const {
   MergeOptions now = options_ == nullptr ? MergeOptions() : options_->options;
   now.tolerant = federation_.tolerant;
   now.federation = federation_.steps;
+  // The viewer goes on drawing.
+  now.threads = std::max(2U, platform::UsableCores()) - 1;
   return now;
 }
 

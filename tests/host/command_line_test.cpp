@@ -65,6 +65,19 @@ TEST(CommandLine, EveryCommandTakesFoldersOfItsOwn) {
             ErrorOf({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--work-folder", u""}));
 }
 
+TEST(CommandLine, EveryCommandTakesANumberOfThreads) {
+  EXPECT_FALSE(Parsed({u"resave", u"a.ifc", u"b.ifc"}).choices.threads.has_value());
+  EXPECT_EQ(1U, Parsed({u"resave", u"a.ifc", u"b.ifc", u"--threads", u"1"}).choices.threads);
+  EXPECT_EQ(256U, Parsed({u"tree", u"a.ifc", u"--threads=256"}).choices.threads);
+  EXPECT_EQ(
+      3U, Parsed({u"merge", u"a.ifc", u"b.ifc", u"-o", u"c.ifc", u"--threads=3"}).choices.threads);
+  for (const char16_t* const word : {u"0", u"257", u"-1", u"two", u"2.5", u" 2"}) {
+    EXPECT_EQ("resave: --threads takes a number from 1 to 256, not '" + ToUtf8(word) +
+                  "'\nSee 'corvel resave --help'.",
+              ErrorOf({u"resave", u"a.ifc", u"b.ifc", WideString(u"--threads=") + word}));
+  }
+}
+
 TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
   EXPECT_EQ((Arguments{u"a.ifc"}), Parsed({u"info", u"a.ifc"}).inputs);
   const CommandLine line = Parsed({u"info", u"a.ifc", u"--json", u"b.ifc"});

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/threads.h"
+
 namespace corvel::host {
 
 namespace {
@@ -286,6 +288,15 @@ TEST(RunChoices, ChoicesOfARunGoOverTheRememberedOnes) {
   EXPECT_TRUE(now.generateGuid);
   EXPECT_TRUE(now.ignoreEnumErrors);
   EXPECT_TRUE(now.deleteOpenings);
+}
+
+TEST(RunChoices, WithoutANumberOfThreadsThereIsOneForEachCoreToUse) {
+  MergeOptions remembered;
+  remembered.threads = 77;
+  RunChoices choices;
+  EXPECT_EQ(platform::UsableCores(), choices.Over(remembered).threads);
+  choices.threads = 5;
+  EXPECT_EQ(5U, choices.Over(remembered).threads);
 }
 
 }  // namespace corvel::host

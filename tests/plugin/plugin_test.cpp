@@ -8,6 +8,7 @@
 #include "core/main_container.h"
 #include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
+#include "platform/threads.h"
 #include "plugin/entry_points.h"
 #include "plugin/run_reports.h"
 #include "recorded_host.h"
@@ -226,6 +227,12 @@ TEST_F(PluginTest, ASecondLoadKeepsTheModelsAndTheirButtons) {
        {ribbon.main, ribbon.mergeActive, ribbon.mergeVisible, ribbon.mergeSelected}) {
     EXPECT_TRUE(host.enabled[id]) << id;
   }
+}
+
+TEST_F(PluginTest, OneCoreIsLeftToTheViewerUnlessThereIsNoOther) {
+  Load();
+  const unsigned cores = platform::UsableCores();
+  EXPECT_EQ(cores == 1 ? 1 : cores - 1, Plugin::Instance()->RunOptions().threads);
 }
 
 TEST_F(PluginTest, ChoicesForOneRunAreNotKept) {
