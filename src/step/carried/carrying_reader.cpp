@@ -341,7 +341,6 @@ FindRecord CarryingReader::FindTarget() const {
 
 IFC::IfcEntity* KeepReference(Parser& parser, IFC::IfcEntity* entity, std::uint32_t number) {
   CarryingState& state = parser.carrying;
-  if (entity == nullptr && !state.allAreFiled) return nullptr;
   // Of the classes of another release there are no objects in the model. What has been told of the
   // object itself goes for what refers to it.
   if (entity != nullptr && (state.byOtherRelease || IsOfNoClassOfModel(*entity))) return entity;

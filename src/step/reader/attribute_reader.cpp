@@ -432,7 +432,10 @@ IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
     IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(number);
     if (admitted.Admits(entity)) [[likely]]
       return entity;
-    if (entity == nullptr) parser.forwardReference = true;
+    if (entity == nullptr) {
+      parser.forwardReference = true;
+      if (!parser.carrying.allAreFiled) return nullptr;
+    }
     return parser.tolerance == nullptr ? nullptr : KeepReference(parser, entity, number);
   }
   if (IsAbsent(parser)) return nullptr;

@@ -192,7 +192,7 @@ bool Parser::FindRecord(std::uint32_t& number) {
   const bool isNumber = scanner->TakeIdentifier(number);
   if (tolerance != nullptr) {
     const bool isPlain = isNumber && scanner->Argument() == 1 && number != 0;
-    return (isPlain && scanner->PeekSign() == '=') || FindRecordTolerantly(number);
+    return (isPlain && scanner->StandsAt('=')) || FindRecordTolerantly(number);
   }
   if (!isNumber) {
     if (!borders_.FindRecord(*scanner, number)) return false;
@@ -225,7 +225,7 @@ TokenType Parser::TakeToken(std::uint32_t& number) {
 
 // False ends the pass.
 bool Parser::ReadRecord(std::uint32_t number) {
-  if (tolerance != nullptr && HasRecord(number)) {
+  if (tolerance != nullptr && !tolerant_->CountsUp(number) && HasRecord(number)) {
     PutAside(number);
     return true;
   }
@@ -299,8 +299,9 @@ IFC::IfcEntity* Parser::MakeEntity(std::uint32_t marker) {
 
 IFC::IfcEntity* Parser::ReadArguments(IFC::IfcEntity* entity) {
   WideString message;
+  carrying.object = entity;
   try {
-    if (tolerance != nullptr) return ReadArgumentsTolerantly(entity);
+    if (looksAtText_) return ReadArgumentsTolerantly(entity);
     entity->read(*this);
     return entity;
   } catch (const MisfitInRecord&) {
@@ -346,6 +347,8 @@ void Parser::TakeOpenBracket() {
 // Takes the ")" and ";" of the record, and arguments that its class does not have. A record that
 // was left in the middle of a string or bracket ends at its ";" all the same.
 void Parser::TakeRestOfRecord() {
+  if (scanner->TakeRecordEnd()) [[likely]]
+    return;
   scanner->TakeSign(')');
   if (!scanner->TakeSemicolon()) borders_.FinishRecord(*scanner);
 }
@@ -426,7 +429,7 @@ bool Parser::ReadRecordAgain(std::uint32_t marker) {
   if (!PassHundredths(marker)) return false;
   scanner->EnterRecord();
   saved_->CountReadRecord();
-  if (tolerance != nullptr) EnterRecordTolerantly(marker);
+  if (tolerance != nullptr) tolerant_->Enter(marker, scanner->Stream()->StatementSize());
   TakeEqualSign();
   if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
   IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);

@@ -165,9 +165,9 @@ class Parser {
   void ReadHeadTolerantly();
   bool FindRecordTolerantly(std::uint32_t& number);
   bool HasRecord(std::uint32_t number);
-  void EnterRecordTolerantly(std::uint32_t number);
   IFC::IfcEntity* ReadArgumentsTolerantly(IFC::IfcEntity* entity);
   IFC::IfcEntity* ReadEntityTolerantly(std::uint32_t number);
+  IFC::IfcEntity* ReadMisfitRecord(std::uint32_t number);
   IFC::IfcEntity* ReadUnknownRecord(std::uint32_t number);
   bool TakeCloseBrackets();
   void MendRecord();
@@ -188,6 +188,7 @@ class Parser {
   const FactoryRow* projectRow_ = nullptr;
   const FactoryRow* siteRow_ = nullptr;
   std::unique_ptr<TolerantReading> tolerant_;  // null in strict readings
+  bool looksAtText_ = false;                   // at that of a record whose values do not fit
   std::unique_ptr<SavedRecords> saved_;        // null before the first pass and after the second
   ReadingProgress readingProgress_;
   std::uint64_t lastMarker_ = 0;  // of the first pass

@@ -17,6 +17,16 @@ inline bool Scanner::TakeSemicolon() {
   return true;
 }
 
+inline bool Scanner::TakeRecordEnd() {
+  if (stopped_ || lookAhead_ != nullptr || afterSemicolon_) return false;
+  const char* const at = stream_->Cursor();
+  if (stream_->WindowEnd() - at < 2 || at[0] != ')' || at[1] != ';') return false;
+  stream_->SetCursor(at + 2);
+  argument_ = 0;
+  afterSemicolon_ = true;
+  return true;
+}
+
 inline bool Scanner::TakeIdentifier(std::uint32_t& number) {
   if (PeekSign() != '#') return false;
   const char* const begin = stream_->Cursor() + 1;

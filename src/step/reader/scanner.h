@@ -81,6 +81,11 @@ class Scanner {
     stream_->SetCursor(at);
     return at != end ? *at : '\0';
   }
+  // Whether the very next byte of the window is this one. Call behind a token, with none looked
+  // ahead.
+  bool StandsAt(char sign) const {
+    return stream_->Cursor() != stream_->WindowEnd() && *stream_->Cursor() == sign;
+  }
   // One of = ( ) $ *
   bool TakeSign(char sign) {
     if (PeekSign() != sign) return false;
@@ -88,6 +93,8 @@ class Scanner {
     return true;
   }
   bool TakeSemicolon();
+  // ")" and ";" with nothing between them, or nothing.
+  bool TakeRecordEnd();
   bool TakeIdentifier(std::uint32_t& number);
   // Any number, with a point or without.
   bool TakeNumber(double& value);

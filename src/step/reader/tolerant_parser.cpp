@@ -27,6 +27,7 @@ void Parser::StartTolerantReading() {
 void Parser::StartSecondPassTolerantly() {
   scanner->ReadTolerantly(false);
   tolerant_->mender.StartInput();
+  looksAtText_ = true;
 }
 
 void Parser::ReadHeadTolerantly() {
@@ -53,31 +54,36 @@ bool Parser::FindRecordTolerantly(std::uint32_t& number) {
   }
 }
 
-// Whether an earlier record has the number. Most files count upwards.
+// Whether an earlier record has the number.
 bool Parser::HasRecord(std::uint32_t number) {
-  std::uint32_t& highest = tolerant_->highest;
-  if (number <= highest) return mainContainer->HasEntityWithOrginalNumber(number);
-  highest = number;
-  return false;
+  return mainContainer->HasEntityWithOrginalNumber(number);
 }
 
-void Parser::EnterRecordTolerantly(std::uint32_t number) {
-  tolerant_->number = number;
-  tolerant_->start = scanner->Stream()->StatementSize();
-  tolerant_->isMended = false;
-}
-
-// Behind the record. What the strict way does not get through is mended, and read the same way
-// again.
+// Behind the record. What the strict way does not get through is read once more.
 IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
-  EnterRecordTolerantly(number);
+  tolerant_->Enter(number, scanner->Stream()->StatementSize());
+  try {
+    IFC::IfcEntity* const entity = ReadNewEntity(number);
+    if (scanner->TakeRecordEnd()) [[likely]]
+      return entity;
+    if (scanner->TakeSign(')') && scanner->TakeSemicolon()) return entity;
+    if (entity == nullptr || IsStopped()) return entity;
+  } catch (const MisfitInRecord&) {
+    ClearScratch();
+  }
+  scanner->Rewind(tolerant_->start);
+  looksAtText_ = true;
+  IFC::IfcEntity* const entity = ReadMisfitRecord(number);
+  looksAtText_ = false;
+  return entity;
+}
+
+// What is not got through even so is mended, and read the same way again.
+IFC::IfcEntity* Parser::ReadMisfitRecord(std::uint32_t number) {
   for (bool mends = false;; mends = true) {
     try {
       if (mends) MendRecord();
       IFC::IfcEntity* const entity = ReadNewEntity(number);
-      scanner->TakeSign(')');
-      if (scanner->TakeSemicolon()) [[likely]]
-        return entity;
       if (entity == nullptr || IsStopped()) return entity;
       if (TakeCloseBrackets()) {
         TakeRestOfRecord();
@@ -94,9 +100,7 @@ IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
   return carried;
 }
 
-// What fits costs no more than in a strict reading, but for a look at its end.
 IFC::IfcEntity* Parser::ReadArgumentsTolerantly(IFC::IfcEntity* entity) {
-  carrying.object = entity;
   if (!entity->carries || !CarryingReader::IsCarried(*entity)) [[likely]] {
     try {
       entity->read(*this);

@@ -23,6 +23,20 @@ struct TolerantReading {
     std::int64_t offset = -1;
   };
 
+  // Whether the number is above all before: no earlier record has it then. Most files count
+  // upwards.
+  bool CountsUp(std::uint32_t next) {
+    if (next <= highest) return false;
+    highest = next;
+    return true;
+  }
+  // Before the "=" of a record; `textSize` is what its statement text has up to there.
+  void Enter(std::uint32_t recordNumber, std::size_t textSize) {
+    number = recordNumber;
+    start = textSize;
+    isMended = false;
+  }
+
   RecordMender mender;
   TolerantBorders borders;
   std::vector<PutAside> putAside;
