@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/command_line.h"
+#include "host/diff/diff_run.h"
 #include "host/display_text.h"
 #include "host/file_facts.h"
 #include "host/info_text.h"
@@ -103,10 +104,31 @@ ExitStatus RunTree(const CommandLine& line) {
   return Status(good && scene.problems.empty());
 }
 
+ExitStatus RunDiff(const CommandLine& line) {
+  platform::SetDialogs(platform::Dialogs::kTerminal);
+  platform::SetAnswerPolicy(line.answer);
+  platform::CatchInterrupts();
+  RunConsole console(RunConsole::StandardError(!line.quiet));
+  diff::DiffOrder order;
+  order.before = line.inputs[0];
+  order.after = line.inputs[1];
+  order.toleranceMm = line.toleranceMm;
+  order.ignoreEnumErrors = line.choices.ignoreEnumErrors;
+  order.tolerant = line.choices.tolerant;
+  order.json = line.json;
+  order.inColours = platform::CanColourOutput();
+  order.workFolder = line.workFolder.value_or(platform::SystemTemporaryFolder());
+  BlockOutput output;
+  const ExitStatus status =
+      diff::RunDiff(order, console, [&](WideView text) { return output.Write(text); });
+  return output.Flush() ? status : ExitStatus::kNothingWritten;
+}
+
 ExitStatus Run(const CommandLine& line) {
   switch (line.command) {
     case Command::kInfo: return RunInfo(line);
     case Command::kTree: return RunTree(line);
+    case Command::kDiff: return RunDiff(line);
     case Command::kMerge:
     case Command::kExtract:
     case Command::kResave:

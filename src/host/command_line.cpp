@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <utility>
 
 #include "host/help_texts.h"
@@ -20,7 +22,8 @@ struct CommandName {
 
 constexpr CommandName kCommands[] = {{"merge", Command::kMerge},   {"extract", Command::kExtract},
                                      {"resave", Command::kResave}, {"optimise", Command::kOptimise},
-                                     {"info", Command::kInfo},     {"tree", Command::kTree}};
+                                     {"info", Command::kInfo},     {"tree", Command::kTree},
+                                     {"diff", Command::kDiff}};
 
 // The words of one command before they are judged.
 struct Words {
@@ -30,6 +33,7 @@ struct Words {
   std::string userFolder;
   std::string workFolder;
   std::string log;
+  std::string tolerance;
   ChoiceWords merge;
   bool ignoreEnumErrors = false;
   bool tolerant = false;
@@ -76,6 +80,11 @@ bool ChoosesObjects(Command command) {
 // resave and optimise: one file in, one out, and nothing to choose.
 bool IsWholeCopy(Command command) {
   return command == Command::kResave || command == Command::kOptimise;
+}
+
+// Writes no model.
+bool ShowsOnly(Command command) {
+  return command == Command::kInfo || command == Command::kTree || command == Command::kDiff;
 }
 
 void AddChoiceOptions(CLI::App& app, Words& words) {
@@ -133,7 +142,8 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   if (ChoosesObjects(command)) AddChoiceOptions(app, words);
   if (command == Command::kMerge) AddMergeOptions(app, words);
   AddFederationOptions(app, command);
-  if (command == Command::kInfo || command == Command::kTree) app.add_flag("--json", words.json);
+  if (ShowsOnly(command)) app.add_flag("--json", words.json);
+  if (command == Command::kDiff) app.add_option("--tolerance", words.tolerance);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);
   app.add_flag("--quiet", words.quiet);
@@ -188,6 +198,12 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
     case Command::kInfo:
       if (files == 0) return "a file is needed";
       break;
+    case Command::kDiff:
+      if (files != 2) {
+        return "two files are needed, and " + std::to_string(files) +
+               (files == 1 ? " is given" : " are given");
+      }
+      break;
     case Command::kTree:
       if (files != 1) {
         return "one file is needed, and " + std::to_string(files) + " are given";
@@ -195,6 +211,14 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
       break;
   }
   return {};
+}
+
+// A finite number above 0.
+std::optional<double> LengthFrom(const std::string& word) {
+  double length = 0.0;
+  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), length);
+  const bool isWhole = error == std::errc() && end == word.data() + word.size();
+  return isWhole && std::isfinite(length) && length > 0.0 ? std::optional(length) : std::nullopt;
 }
 
 std::optional<std::string> WordError(Command command, const CLI::App& app, const Words& words) {
@@ -209,6 +233,9 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
     return "--work-folder takes the name of a folder";
   }
   if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
+  if (command == Command::kDiff && app.count("--tolerance") != 0 && !LengthFrom(words.tolerance)) {
+    return "--tolerance takes a number of millimetres above 0, not " + Quoted(words.tolerance);
+  }
   if (auto error = CountError(command, words.files.size())) return error;
   if (!ChoosesObjects(command)) return {};
   const bool proposes = app.count("--propose-tree") != 0;
@@ -239,6 +266,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.choices.deleteOpenings = words.deleteOpenings;
   line.quiet = words.quiet;
   line.json = words.json;
+  if (const auto tolerance = LengthFrom(words.tolerance)) line.toleranceMm = *tolerance;
   if (!words.answer.empty()) {
     line.answer = words.answer == "yes" ? platform::Answer::kYes : platform::Answer::kNo;
   }

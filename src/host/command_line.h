@@ -12,15 +12,16 @@
 
 namespace corvel::host {
 
-enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree };
+enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree, kDiff };
 
 struct CommandLine {
   Command command = Command::kMerge;
-  std::vector<WideString> inputs;  // merge: two or more; info: one or more; others: one
-  WideString output;               // of all but info and tree
+  std::vector<WideString> inputs;  // merge: two or more; info: one or more; diff: two; others: one
+  WideString output;               // of all but info, tree and diff
   RunChoices choices;  // merge and extract; resave and optimise choose no objects and no places
   bool quiet = false;
-  bool json = false;                       // info and tree
+  bool json = false;                       // info, tree and diff
+  double toleranceMm = 0.001;              // diff
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
   std::optional<WideString> workFolder;    // for files that are gone when they are closed

@@ -1,5 +1,7 @@
 #include "host/help_texts.h"
 
+#include "host/diff/diff_help.h"
+
 namespace corvel::host {
 
 namespace {
@@ -14,6 +16,7 @@ Usage:
   corvel optimise IN OUT             write one model as small as it can be
   corvel info FILE...                tell what files hold
   corvel tree FILE                   show the objects of one model as a tree
+  corvel diff A B                    tell what has changed between two models
   corvel COMMAND --help              all about one command
   corvel --help                      this text
   corvel --version                   the version
@@ -27,7 +30,8 @@ Exit status:
   1    nothing was written; with info and tree: a file had a problem
   2    wrong usage
   3    cancelled by the user or by SIGTERM, nothing was written
-  4    written, but errors or remarks were reported
+  4    written, but errors or remarks were reported; with diff: the models
+       are different
   130  interrupted a second time
 
 A file name that begins with "-" goes behind "--".
@@ -439,6 +443,7 @@ WideView HelpOf(Command command) {
     case Command::kOptimise: return optimise;
     case Command::kInfo: return kInfo;
     case Command::kTree: return kTree;
+    case Command::kDiff: return diff::Help();
   }
   return kGeneral;
 }

@@ -20,6 +20,8 @@ bool WriteStandardOutput(std::u16string_view text);
 
 // Standard error is a terminal on which the cursor can be moved by escape sequences.
 bool CanDrawOnTerminal();
+// Standard output is a terminal that takes colours by escape sequences.
+bool CanColourOutput();
 // Columns of that terminal; 80 when it does not tell.
 int TerminalColumns();
 

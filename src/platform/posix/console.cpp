@@ -72,11 +72,18 @@ bool WriteStandardOutput(std::u16string_view text) {
          std::fflush(stdout) == 0;
 }
 
-bool CanDrawOnTerminal() {
+namespace {
+
+bool IsAbleTerminal(int file) {
   const char* const kind = std::getenv("TERM");
-  return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' &&
-         std::strcmp(kind, "dumb") != 0;
+  return ::isatty(file) == 1 && kind != nullptr && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
 }
+
+}  // namespace
+
+bool CanDrawOnTerminal() { return IsAbleTerminal(STDERR_FILENO); }
+
+bool CanColourOutput() { return IsAbleTerminal(STDOUT_FILENO); }
 
 int TerminalColumns() {
   constexpr int kUnknown = 80;

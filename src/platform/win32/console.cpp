@@ -76,13 +76,21 @@ bool WriteStandardOutput(std::u16string_view text) {
   return ::WriteFile(handle, bytes.data(), size, &written, nullptr) != 0 && written == size;
 }
 
-bool CanDrawOnTerminal() {
+namespace {
+
+bool IsAbleTerminal(DWORD stream) {
   constexpr DWORD kEscapeSequences = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
-  const HANDLE handle = ::GetStdHandle(STD_ERROR_HANDLE);
+  const HANDLE handle = ::GetStdHandle(stream);
   DWORD mode = 0;
   return ::GetConsoleMode(handle, &mode) != 0 &&
          ::SetConsoleMode(handle, mode | kEscapeSequences) != 0;
 }
+
+}  // namespace
+
+bool CanDrawOnTerminal() { return IsAbleTerminal(STD_ERROR_HANDLE); }
+
+bool CanColourOutput() { return IsAbleTerminal(STD_OUTPUT_HANDLE); }
 
 int TerminalColumns() {
   constexpr int kUnknown = 80;

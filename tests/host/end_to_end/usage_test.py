@@ -10,7 +10,8 @@ class Usage(CorvelTest):
     def test_help_and_version_go_to_standard_output(self):
         for arguments in (('--help',), ('-h',), ('--version',), ('merge', '--help'),
                           ('extract', '--help'), ('resave', '--help'), ('optimise', '--help'),
-                          ('info', '--help'), ('tree', '--help')):
+                          ('info', '--help'), ('tree', '--help'),
+                          ('diff', '--help')):
             with self.subTest(arguments):
                 ended = self.run_corvel(*arguments)
                 self.assert_ended(ended, DONE, err='')

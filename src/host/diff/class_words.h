@@ -1,0 +1,69 @@
+// What a comparison has to know of classes, worked out once for each. Words are made of names, so
+// that those of two releases can be compared.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/entity.h"
+#include "merge/federation/pointing_classes.h"
+#include "step/class_facts.h"
+
+namespace corvel::host::diff {
+
+enum class Role : std::uint8_t {
+  kValue,       // says what it says wherever it stands, and belongs to what leads to it
+  kObject,      // has a GUID
+  kRelation,    // has one too, and is a fact about what it relates
+  kProperties,  // a set of properties or quantities: a fact about what it belongs to
+  kContext      // of representations: told apart by what it is called
+};
+
+enum class Dimension : std::uint8_t { kNone, kLength, kArea, kVolume };
+
+struct AttributeWord {
+  const AttributeFacts* facts = nullptr;
+  std::uint64_t word = 0;
+  Dimension dimension = Dimension::kNone;
+  bool isContent = true;        // not GlobalId, nor OwnerHistory
+  bool isPlacement = false;     // ObjectPlacement
+  bool isPropertySets = false;  // HasPropertySets
+  bool isRelated = false;       // Related...: of relations
+  bool isRelating = false;      // Relating...
+  // The unit of the other values: these are told in no unit of the model.
+  bool isUnit = false;
+  bool isUnordered[2] = {};  // a SET or BAG, by depth
+};
+
+struct ClassWord {
+  const ClassFacts* facts = nullptr;  // never null
+  std::uint64_t word = 0;
+  Role role = Role::kValue;
+  bool hasUnit = false;                   // one of the attributes is a unit
+  std::vector<AttributeWord> attributes;  // in the order of the record
+  // The attributes that name what an object only describes.
+  std::vector<const AttributeFacts*> describing;
+
+  bool Describes(const AttributeFacts& attribute) const;
+};
+
+class ClassWords {
+ public:
+  // Null for an object of no class, as tests have them.
+  const ClassWord* Of(const IFC::IfcEntity& entity);
+
+ private:
+  PointingClasses pointing_;
+  std::unordered_map<const ClassFacts*, std::unique_ptr<const ClassWord>> known_;
+  const ClassFacts* lastFacts_ = nullptr;
+  const ClassWord* last_ = nullptr;
+};
+
+// FNV-1a.
+std::uint64_t WordOfName(std::string_view name);
+std::uint64_t WordOfName(const char16_t* name);
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,168 @@
+#include "host/diff/compared_model.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "schema/attributes.h"
+
+namespace corvel::host::diff {
+
+namespace {
+
+// Through typed values that stand in the record, which may hold lists of references.
+template <class Action>
+void ForEachReferred(const IFC::IfcEntity& holder, const AttributeFacts& facts, Action action) {
+  ConstAttribute(holder, facts).ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* referred) {
+    if (referred == nullptr) return;
+    if (!referred->inlineValue) return action(*const_cast<IFC::IfcEntity*>(referred));
+    if (FindFacts(*referred) == nullptr) return;
+    for (const ConstAttribute attribute : AttributesOf(*referred)) {
+      attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* const inner) {
+        if (inner != nullptr && !inner->inlineValue) action(*inner);
+      });
+    }
+  });
+}
+
+bool IsBefore(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+  return std::less<const IFC::IfcEntity*>()(one, other);
+}
+
+}  // namespace
+
+ComparedModel::ComparedModel(const IfcDocument& document, ClassWords& words)
+    : document_(document), words_(words), scales_(ScalesOf(document.getIfcUnitAssignment())) {
+  Sort();
+  Number();
+  Relate();
+}
+
+// By roles. Stamps of what has an identity are there afterwards, all others are 0; flags tell of
+// sets of properties that something refers to them.
+void ComparedModel::Sort() {
+  for (const auto [number, entity] : document_.mainContainer->entities) {
+    entity->visitStamp = 0;
+    entity->visited = false;
+    const ClassWord* const word = words_.Of(*entity);
+    if (word == nullptr) continue;
+    switch (word->role) {
+      case Role::kValue: break;
+      case Role::kObject: ++rootedCount_; [[fallthrough]];
+      case Role::kContext: objects_.push_back(entity); break;
+      case Role::kRelation: relations_.push_back(entity); break;
+      case Role::kProperties: properties_.push_back(entity); break;
+    }
+    if (!word->describing.empty()) Describe(*entity, *word);
+  }
+  for (std::size_t i = 0; i < objects_.size(); ++i) {
+    objects_[i]->visitStamp = static_cast<std::uint32_t>(i + 1);
+  }
+}
+
+void ComparedModel::Describe(IFC::IfcEntity& entity, const ClassWord& word) {
+  for (const AttributeFacts* const attribute : word.describing) {
+    ForEachReferred(entity, *attribute, [&](const IFC::IfcEntity& described) {
+      descriptions_.push_back({&described, &entity});
+    });
+  }
+}
+
+void ComparedModel::MarkProperties(const IFC::IfcEntity& holder, const ClassWord& word) {
+  for (const AttributeWord& attribute : word.attributes) {
+    const bool mayLead = word.role == Role::kRelation || attribute.isPropertySets;
+    if (!mayLead || !Refers(attribute.facts->kind)) continue;
+    ForEachReferred(holder, *attribute.facts, [](IFC::IfcEntity& used) { used.visited = true; });
+  }
+}
+
+void ComparedModel::Number() {
+  for (const auto* const holders : {&objects_, &relations_}) {
+    for (const IFC::IfcEntity* const holder : *holders)
+      MarkProperties(*holder, *words_.Of(*holder));
+  }
+  std::vector<IFC::IfcEntity*> alone;
+  const auto isAlone = [&](IFC::IfcEntity* relation) {
+    if (HoldingAttribute(*relation) != nullptr) return false;
+    alone.push_back(relation);
+    return true;
+  };
+  std::erase_if(relations_, isAlone);
+  for (IFC::IfcEntity* const properties : properties_) {
+    if (!properties->visited) alone.push_back(properties);
+  }
+  properties_.clear();
+  objects_.insert(objects_.end(), alone.begin(), alone.end());
+  for (IFC::IfcEntity* const object : objects_) object->visitStamp = ++lastStamp_;
+  for (const auto [number, entity] : document_.mainContainer->entities) {
+    entity->visited = false;
+    if (entity->visitStamp == 0) entity->visitStamp = ++lastStamp_;
+  }
+  std::stable_sort(descriptions_.begin(), descriptions_.end(),
+                   [](const Description& one, const Description& other) {
+                     return IsBefore(one.described, other.described);
+                   });
+  for (const Description& description : descriptions_) {
+    const_cast<IFC::IfcEntity*>(description.described)->visited = true;
+  }
+}
+
+bool ComparedModel::RefersToIdentity(const IFC::IfcEntity& relation,
+                                     const AttributeWord& attribute) const {
+  bool refers = false;
+  ForEachReferred(relation, *attribute.facts, [&](const IFC::IfcEntity& referred) {
+    refers = refers || HasIdentity(referred);
+  });
+  return refers;
+}
+
+const AttributeWord* ComparedModel::HoldingAttribute(const IFC::IfcEntity& relation) const {
+  const ClassWord* const word = words_.Of(relation);
+  for (const auto side : {&AttributeWord::isRelated, &AttributeWord::isRelating}) {
+    for (const AttributeWord& attribute : word->attributes) {
+      if (attribute.*side && Refers(attribute.facts->kind) &&
+          RefersToIdentity(relation, attribute)) {
+        return &attribute;
+      }
+    }
+  }
+  return nullptr;
+}
+
+// Two passes: how many each object has, and which.
+void ComparedModel::Relate() {
+  firstRelation_.assign(objects_.size() + 1, 0);
+  const auto forEachHolder = [&](auto action) {
+    for (IFC::IfcEntity* const relation : relations_) {
+      ForEachReferred(*relation, *HoldingAttribute(*relation)->facts,
+                      [&](const IFC::IfcEntity& holder) {
+                        if (HasIdentity(holder)) action(IndexOf(holder), relation);
+                      });
+    }
+  };
+  forEachHolder([&](std::size_t index, IFC::IfcEntity*) { ++firstRelation_[index + 1]; });
+  for (std::size_t i = 0; i < objects_.size(); ++i) firstRelation_[i + 1] += firstRelation_[i];
+  relationsOf_.resize(firstRelation_.back());
+  std::vector<std::uint32_t> next(firstRelation_.begin(), firstRelation_.end() - 1);
+  forEachHolder(
+      [&](std::size_t index, IFC::IfcEntity* relation) { relationsOf_[next[index]++] = relation; });
+  relations_.clear();
+}
+
+std::span<IFC::IfcEntity* const> ComparedModel::RelationsOf(std::size_t index) const {
+  const std::uint32_t first = firstRelation_[index];
+  return {relationsOf_.data() + first, firstRelation_[index + 1] - first};
+}
+
+std::span<const ComparedModel::Description> ComparedModel::DescriptionsOf(
+    const IFC::IfcEntity& entity) const {
+  if (!entity.visited) return {};
+  const auto first = std::lower_bound(descriptions_.begin(), descriptions_.end(), &entity,
+                                      [](const Description& one, const IFC::IfcEntity* sought) {
+                                        return IsBefore(one.described, sought);
+                                      });
+  auto last = first;
+  while (last != descriptions_.end() && last->described == &entity) ++last;
+  return {first, last};
+}
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,80 @@
+// One of the two models that are compared: what in it has an identity, and what belongs to that.
+//
+// Objects with an identity are those with a GUID that are neither a relation nor a set of
+// properties, and the contexts of representations. A relation is a fact about what it relates (its
+// Related side, or its Relating side where only that has objects), a set of properties one about
+// what it defines. Where these belong to nothing they have an identity of their own.
+//
+// Takes the visit stamps of the objects for a number of its own: no other walk may use them
+// meanwhile.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "host/diff/class_words.h"
+#include "host/diff/measure_scales.h"
+#include "merge/document.h"
+
+namespace corvel::host::diff {
+
+class ComparedModel {
+ public:
+  // `document` has been read, and lives as long as this; so does `words`.
+  ComparedModel(const IfcDocument& document, ClassWords& words);
+
+  // With an identity, by ascending number.
+  const std::vector<IFC::IfcEntity*>& Objects() const { return objects_; }
+  // Stamps of records go from 1 to this; those of Objects() come first, in their order. What has
+  // no stamp is a value within a record.
+  std::uint32_t LastStamp() const { return lastStamp_; }
+  static std::uint32_t StampOf(const IFC::IfcEntity& entity) {
+    return entity.inlineValue ? 0 : entity.visitStamp;
+  }
+  bool HasIdentity(const IFC::IfcEntity& entity) const {
+    const std::uint32_t stamp = StampOf(entity);
+    return stamp != 0 && stamp <= objects_.size();
+  }
+  // Index among Objects(); only where HasIdentity.
+  static std::size_t IndexOf(const IFC::IfcEntity& entity) { return entity.visitStamp - 1; }
+
+  // Relations that say something about the object at `index`, by ascending number.
+  std::span<IFC::IfcEntity* const> RelationsOf(std::size_t index) const;
+  // Objects that only describe `entity` (see PointingClasses).
+  struct Description {
+    const IFC::IfcEntity* described = nullptr;
+    IFC::IfcEntity* by = nullptr;
+  };
+  std::span<const Description> DescriptionsOf(const IFC::IfcEntity& entity) const;
+  // The attribute of a relation that names those it is a fact about. Null without any.
+  const AttributeWord* HoldingAttribute(const IFC::IfcEntity& relation) const;
+
+  const MeasureScales& Scales() const { return scales_; }
+  const IfcDocument& Document() const { return document_; }
+  ClassWords& Words() const { return words_; }
+  // Objects without relations, sets of properties and contexts.
+  std::size_t RootedCount() const { return rootedCount_; }
+
+ private:
+  void Sort();
+  void Number();
+  void Relate();
+  void Describe(IFC::IfcEntity& entity, const ClassWord& word);
+  bool RefersToIdentity(const IFC::IfcEntity& relation, const AttributeWord& attribute) const;
+  void MarkProperties(const IFC::IfcEntity& holder, const ClassWord& word);
+
+  const IfcDocument& document_;
+  ClassWords& words_;
+  MeasureScales scales_;
+  std::vector<IFC::IfcEntity*> objects_;
+  std::vector<IFC::IfcEntity*> relations_;
+  std::vector<IFC::IfcEntity*> properties_;
+  std::vector<std::uint32_t> firstRelation_;  // by index, and one more
+  std::vector<IFC::IfcEntity*> relationsOf_;
+  std::vector<Description> descriptions_;  // by what is described
+  std::uint32_t lastStamp_ = 0;
+  std::size_t rootedCount_ = 0;
+};
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,22 @@
+// Two models, compared.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "host/diff/changes.h"
+#include "host/diff/tolerance.h"
+#include "merge/document.h"
+
+namespace corvel::host::diff {
+
+// Asked now and then with the percentage that is done; false: somebody wants to stop.
+using DiffProgress = std::function<bool(int percent)>;
+
+// Both models have been read, and nothing else has been done with them; their visit stamps and
+// flags are taken. Nothing when `progress` gave false. Memory: 20 bytes and a little more for each
+// record, and what is told of the changes.
+std::optional<ModelDiff> CompareModels(const IfcDocument& before, const IfcDocument& after,
+                                       const Tolerance& tolerance, const DiffProgress& progress);
+
+}  // namespace corvel::host::diff

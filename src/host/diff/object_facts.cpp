@@ -1,0 +1,132 @@
+#include "host/diff/object_facts.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "merge/federation/attribute_values.h"
+
+namespace corvel::host::diff {
+
+namespace {
+
+// By which an object is related to nothing that has an identity.
+bool TellsOfOneObject(const ClassWord& relation) {
+  for (const ClassFacts* at = relation.facts; at != nullptr; at = at->supertype) {
+    const std::string_view name = at->name;
+    if (name == "IfcRelDefinesByProperties" || name == "IfcRelAssociates") return true;
+  }
+  return false;
+}
+
+Digest DigestOfText(ModelText text) {
+  DigestMaker maker;
+  maker.Add(text);
+  return maker.Made();
+}
+
+}  // namespace
+
+std::optional<Transform> ObjectFacts::PlaceOf(const IFC::IfcEntity& object) {
+  if (FindFacts(object) == nullptr) return std::nullopt;
+  IFC::IfcEntity* const placement = ReferenceOf(object, "ObjectPlacement");
+  if (placement == nullptr) return std::nullopt;
+  std::optional<Transform> place = places_.Of(*placement);
+  if (place) place->origin = Times(place->origin, model_.Scales().length);
+  return place;
+}
+
+std::optional<Digest> ObjectFacts::DigestOfPlace(const IFC::IfcEntity& object) {
+  const auto place = PlaceOf(object);
+  if (!place) return std::nullopt;
+  DigestMaker maker;
+  for (const double length : place->origin) {
+    maker.Add(tolerance_.WordOf(length, Dimension::kLength));
+  }
+  for (const Triple* const axis : {&place->x, &place->z}) {
+    for (const double ratio : *axis) maker.Add(Tolerance::InCells(ratio, Tolerance::kAxis));
+  }
+  return maker.Made();
+}
+
+// What several relations say alike counts once, and in any order.
+Digest ObjectFacts::Together(const Digest& first) {
+  std::sort(facts_.begin(), facts_.end());
+  facts_.erase(std::unique(facts_.begin(), facts_.end()), facts_.end());
+  DigestMaker maker;
+  maker.Add(first);
+  for (const Digest& fact : facts_) maker.Add(fact);
+  facts_.clear();
+  return maker.Made();
+}
+
+void ObjectFacts::AddPropertySetsOfType(const IFC::IfcEntity& object) {
+  const ClassWord& word = *model_.Words().Of(object);
+  for (const AttributeWord& attribute : word.attributes) {
+    if (!attribute.isPropertySets) continue;
+    ConstAttribute(object, *attribute.facts)
+        .ForEach<IFC::IfcEntity*>(
+            [&](IFC::IfcEntity* const set) { facts_.push_back(values_.Of(set)); });
+  }
+}
+
+Digest ObjectFacts::ContentOf(std::size_t index) {
+  const IFC::IfcEntity& object = *model_.Objects()[index];
+  const auto place = DigestOfPlace(object);
+  const Digest content = values_.OfContent(object, place ? &*place : nullptr);
+  AddPropertySetsOfType(object);
+  for (const IFC::IfcEntity* const relation : model_.RelationsOf(index)) {
+    if (TellsOfOneObject(*model_.Words().Of(*relation)))
+      facts_.push_back(values_.OfFact(*relation));
+  }
+  return Together(content);
+}
+
+std::optional<Digest> ObjectFacts::NameAndPlaceOf(std::size_t index) {
+  const IFC::IfcEntity& object = *model_.Objects()[index];
+  const ClassWord& word = *model_.Words().Of(object);
+  if (word.role != Role::kObject) return std::nullopt;
+  const auto place = DigestOfPlace(object);
+  const auto attribute = AttributesOf(object).Find("Name");
+  const auto* const name = attribute ? attribute->As<ModelText>() : nullptr;
+  if (!place && name == nullptr) return std::nullopt;
+  DigestMaker maker;
+  maker.Add(word.word);
+  maker.Add(place.value_or(Digest{}));
+  maker.Add(name == nullptr ? Digest{} : DigestOfText(*name));
+  return maker.Made();
+}
+
+Digest ObjectFacts::WholeOf(std::size_t index) {
+  const IFC::IfcEntity& object = *model_.Objects()[index];
+  const auto place = DigestOfPlace(object);
+  const Digest content = values_.OfContent(object, place ? &*place : nullptr);
+  AddPropertySetsOfType(object);
+  for (const IFC::IfcEntity* const relation : model_.RelationsOf(index)) {
+    facts_.push_back(values_.OfFact(*relation));
+  }
+  return Together(content);
+}
+
+std::vector<const IFC::IfcEntity*> ObjectFacts::PropertySetsOf(std::size_t index) const {
+  std::vector<const IFC::IfcEntity*> sets;
+  const auto add = [&](const IFC::IfcEntity& set) { sets.push_back(&set); };
+  const IFC::IfcEntity& object = *model_.Objects()[index];
+  ClassWords& words = model_.Words();
+  for (const AttributeWord& attribute : words.Of(object)->attributes) {
+    if (!attribute.isPropertySets) continue;
+    ForEachPropertySet(ConstAttribute(object, *attribute.facts), words, add);
+  }
+  for (const IFC::IfcEntity* const relation : model_.RelationsOf(index)) {
+    for (const ConstAttribute attribute : AttributesOf(*relation)) {
+      ForEachPropertySet(attribute, words, add);
+    }
+  }
+  std::sort(sets.begin(), sets.end());
+  sets.erase(std::unique(sets.begin(), sets.end()), sets.end());
+  std::sort(sets.begin(), sets.end(), [](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+    return one->marker < other->marker;
+  });
+  return sets;
+}
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,99 @@
+// How two values differ, found by walking both sides.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/diff/changes.h"
+#include "host/diff/object_facts.h"
+
+namespace corvel::host::diff {
+
+// One place where two values differ.
+struct Difference {
+  std::string path;
+  std::optional<std::string> before;
+  std::optional<std::string> after;
+};
+
+// Numbers count as told by the tolerance. Members of sets are compared with those that say the
+// same, the others in their order; members of lists from both ends. Ends at the first place in each
+// branch, and after kMostChanges of them altogether: the rest is counted. What goes in a circle,
+// and what lies deeper than anything of sense, is gone through once.
+class ValueWalk {
+ public:
+  // Whether an attribute of the object that is asked about takes part.
+  using IsWanted = std::function<bool(const AttributeWord&)>;
+
+  // All of it lives as long as this.
+  ValueWalk(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance)
+      : before_(before), after_(after), tolerance_(tolerance) {}
+
+  // Two values of any class; null is none. `path` stands in front of where they differ.
+  void Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* after, const std::string& path);
+  // Two objects, by those of their attributes that are wanted, and by what tolerant readings carry.
+  void CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
+                         const std::string& path, const IsWanted& isWanted);
+  // By what only describes them.
+  void CompareDescriptions(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
+                           const std::string& path);
+  // Whether Compare would find nothing.
+  bool Same(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
+
+  std::string TextBefore(const IFC::IfcEntity* entity) const;
+  std::string TextAfter(const IFC::IfcEntity* entity) const;
+
+  // What was found since the last call, and how much more than that there was.
+  std::vector<Difference> Take(std::size_t& omitted);
+
+ private:
+  using Members = std::vector<const IFC::IfcEntity*>;
+  struct Held {
+    const AttributeWord& before;
+    const AttributeWord& after;
+    unsigned depth = 0;
+  };
+
+  void CompareAttribute(const ConstAttribute& before, const ConstAttribute& after, const Held& held,
+                        const std::string& path);
+  void CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
+                      const std::string& path);
+  template <class T>
+  void CompareHeld(const List<T>& before, const List<T>& after, Held held, const std::string& path);
+  void CompareHeld(const EntityList& before, const EntityList& after, Held held,
+                   const std::string& path);
+  void CompareHeld(IFC::IfcEntity* before, IFC::IfcEntity* after, const Held& held,
+                   const std::string& path);
+  template <class T>
+  void CompareHeld(const T& before, const T& after, const Held& held, const std::string& path);
+  bool SameScalar(double before, double after, const Held& held) const;
+  static bool SameScalar(std::int32_t before, std::int32_t after, const Held& held);
+  static bool SameScalar(ModelText before, ModelText after, const Held&) { return before == after; }
+  static bool SameScalar(const char* before, const char* after, const Held&) {
+    return std::string_view(before) == after;
+  }
+
+  void CompareSets(Members before, Members after, const std::string& path);
+  void CompareLists(Members before, Members after, const std::string& path);
+  void ComparePairs(Members& before, Members& after, const std::string& path);
+  void TellMembers(const Members& before, const Members& after, const std::string& path);
+  void DropEqual(Members& before, Members& after);
+  void Tell(const std::string& path, std::optional<std::string> before,
+            std::optional<std::string> after);
+
+  ObjectFacts& before_;
+  ObjectFacts& after_;
+  const Tolerance& tolerance_;
+  bool hasOwnUnitBefore_ = false;
+  bool hasOwnUnitAfter_ = false;
+  unsigned depth_ = 0;
+  std::set<std::pair<const IFC::IfcEntity*, const IFC::IfcEntity*>> met_;
+  std::vector<Difference> found_;
+  std::size_t omitted_ = 0;
+};
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,336 @@
+#include "host/diff/model_diff.h"
+
+#include <string>
+
+#include "host/diff/diff_of_models.h"
+
+namespace corvel::host::diff {
+
+namespace {
+
+using ModelDiffTest = test::ReadTest;
+
+const std::string kUnits =
+    "#1=IFCSIUNIT(*,.LENGTHUNIT.,.MILLI.,.METRE.);#2=IFCUNITASSIGNMENT((#1));"
+    "#3=IFCPROJECT('project',$,'P',$,$,$,$,(#4),#2);"
+    "#4=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,1.E-5,#5,$);#5=IFCAXIS2PLACEMENT3D(#6,$,$);"
+    "#6=IFCCARTESIANPOINT((0.,0.,0.));";
+
+const std::string kHouse =
+    kUnits +
+    "#10=IFCBUILDINGSTOREY('storey',$,'Level 1',$,$,#11,$,$,.ELEMENT.,0.);"
+    "#11=IFCLOCALPLACEMENT($,#5);"
+    "#20=IFCWALL('wall',$,'Wall 1',$,$,#21,#25,'T1',.STANDARD.);"
+    "#21=IFCLOCALPLACEMENT(#11,#22);#22=IFCAXIS2PLACEMENT3D(#23,$,$);"
+    "#23=IFCCARTESIANPOINT((1000.,0.,0.));"
+    "#25=IFCPRODUCTDEFINITIONSHAPE($,$,(#26));"
+    "#26=IFCSHAPEREPRESENTATION(#4,'Body','SweptSolid',(#27));"
+    "#27=IFCEXTRUDEDAREASOLID(#28,#5,#29,3000.);"
+    "#28=IFCRECTANGLEPROFILEDEF(.AREA.,$,$,200.,4000.);#29=IFCDIRECTION((0.,0.,1.));"
+    "#30=IFCDOOR('door',$,'Door 1',$,$,#31,$,$,2000.,900.,$,$,$);"
+    "#31=IFCLOCALPLACEMENT(#21,#5);"
+    "#40=IFCRELCONTAINEDINSPATIALSTRUCTURE('r1',$,$,$,(#20,#30),#10);"
+    "#41=IFCPROPERTYSET('p1',$,'Pset_WallCommon',$,(#42,#43));"
+    "#42=IFCPROPERTYSINGLEVALUE('FireRating',$,IFCLABEL('F30'),$);"
+    "#43=IFCPROPERTYSINGLEVALUE('IsExternal',$,IFCBOOLEAN(.T.),$);"
+    "#44=IFCRELDEFINESBYPROPERTIES('r2',$,$,$,(#20),#41);"
+    "#45=IFCELEMENTQUANTITY('q1',$,'Qto_WallBaseQuantities',$,$,(#46));"
+    "#46=IFCQUANTITYLENGTH('Length',$,$,4000.,$);"
+    "#47=IFCRELDEFINESBYPROPERTIES('r3',$,$,$,(#20),#45);"
+    "#50=IFCMATERIAL('Brick',$,$);#51=IFCRELASSOCIATESMATERIAL('r4',$,$,$,(#20),#50);"
+    "#52=IFCWALLTYPE('type',$,'W',$,$,$,$,$,$,.STANDARD.);"
+    "#53=IFCRELDEFINESBYTYPE('r5',$,$,$,(#20),#52);"
+    "#60=IFCSTYLEDITEM(#27,(#61),$);#61=IFCSURFACESTYLE('Red',.BOTH.,(#62));"
+    "#62=IFCSURFACESTYLESHADING(#63,$);#63=IFCCOLOURRGB($,1.,0.,0.);";
+
+std::string ChangesWith(const std::string& from, const std::string& to) {
+  return ChangesOf(kHouse, With(kHouse, from, to));
+}
+
+}  // namespace
+
+TEST_F(ModelDiffTest, AModelIsTheSameAsItself) {
+  const ModelDiff diff = DiffOf(kHouse, kHouse);
+  EXPECT_TRUE(diff.IsEmpty());
+  EXPECT_EQ(6u, diff.same);  // and a context
+  EXPECT_EQ(
+      "--- a.ifc (IFC4, 5 objects)\n"
+      "+++ b.ifc (IFC4, 5 objects)\n"
+      "no difference\n",
+      TextOf(diff));
+}
+
+TEST_F(ModelDiffTest, NumbersOrderAndGuidsOfRelationsAreNoDifference) {
+  EXPECT_EQ("",
+            ChangesOf("#3=IFCPROJECT('project',$,'P',$,$,$,$,$,$);#7=IFCWALL('a',$,$,$,$,$,$,$,$);"
+                      "#8=IFCWALL('b',$,$,$,$,$,$,$,$);#9=IFCSITE('s',$,$,$,$,$,$,$,$,$,$,$,$,$);"
+                      "#10=IFCRELCONTAINEDINSPATIALSTRUCTURE('r',$,$,$,(#7,#8),#9);"
+                      "#11=IFCPROPERTYSET('ps',$,'P',$,(#12,#13));"
+                      "#12=IFCPROPERTYSINGLEVALUE('A',$,$,$);#13=IFCPROPERTYSINGLEVALUE('B',$,$,$);"
+                      "#14=IFCRELDEFINESBYPROPERTIES('rp',$,$,$,(#7,#8),#11);",
+                      // One relation has become two, and everything has another number.
+                      "#91=IFCRELCONTAINEDINSPATIALSTRUCTURE('x',$,$,$,(#80),#30);"
+                      "#92=IFCRELCONTAINEDINSPATIALSTRUCTURE('y',$,$,$,(#70),#30);"
+                      "#21=IFCPROPERTYSET('z',$,'P',$,(#23,#22));"
+                      "#22=IFCPROPERTYSINGLEVALUE('A',$,$,$);#23=IFCPROPERTYSINGLEVALUE('B',$,$,$);"
+                      "#24=IFCRELDEFINESBYPROPERTIES('u',$,$,$,(#80,#70),#21);"
+                      "#30=IFCSITE('s',$,$,$,$,$,$,$,$,$,$,$,$,$);"
+                      "#80=IFCWALL('b',$,$,$,$,$,$,$,$);#70=IFCWALL('a',$,$,$,$,$,$,$,$);"
+                      "#99=IFCPROJECT('project',$,'P',$,$,$,$,$,$);"));
+}
+
+TEST_F(ModelDiffTest, OwnerHistoriesAreNoDifference) {
+  EXPECT_EQ(
+      "", ChangesOf("#1=IFCWALL('w',#2,$,$,$,$,$,$,$);"
+                    "#2=IFCOWNERHISTORY(#3,#3,$,.ADDED.,$,$,$,1);#3=IFCPERSON('a',$,$,$,$,$,$,$);",
+                    "#1=IFCWALL('w',$,$,$,$,$,$,$,$);"));
+}
+
+TEST_F(ModelDiffTest, AttributesAreToldAsTheyWereAndAre) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'North' #20\n"
+      "    Name: 'Wall 1' -> 'North'\n",
+      ChangesWith("'Wall 1'", "'North'"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Tag: 'T1' -> (none)\n"
+      "    PredefinedType: STANDARD -> SHEAR\n",
+      ChangesWith("'T1',.STANDARD.", "$,.SHEAR."));
+  EXPECT_EQ(
+      "~ IfcDoor door 'Door 1' #30\n"
+      "    OverallHeight: 2 m -> 2.1 m\n",
+      ChangesWith("2000.,900.", "2100.,900."));
+}
+
+TEST_F(ModelDiffTest, PropertiesAreToldBySetAndName) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Pset_WallCommon.FireRating: 'F30' -> 'F60'\n",
+      ChangesWith("IFCLABEL('F30')", "IFCLABEL('F60')"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Pset_WallCommon.FireRating: IfcLabel 'F30' -> IfcText 'F30'\n",
+      ChangesWith("IFCLABEL('F30')", "IFCTEXT('F30')"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Pset_WallCommon.IsExternal: true -> (none)\n",
+      ChangesWith("(#42,#43)", "(#42)"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Pset_WallCommon.FireRating: 'F30' -> (none)\n"
+      "    Pset_WallCommon.IsExternal: true -> (none)\n"
+      "    Pset_X.FireRating: (none) -> 'F30'\n"
+      "    Pset_X.IsExternal: (none) -> true\n",
+      ChangesWith("'Pset_WallCommon'", "'Pset_X'"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Qto_WallBaseQuantities.Length: 4 m -> 4.5 m\n",
+      ChangesWith("'Length',$,$,4000.", "'Length',$,$,4500."));
+}
+
+TEST_F(ModelDiffTest, PropertiesOfATypeAreItsOwn) {
+  const std::string withSet = With(kHouse, "'type',$,'W',$,$,$", "'type',$,'W',$,$,(#70)") +
+                              "#70=IFCPROPERTYSET('p7',$,'Pset_Type',$,(#71));"
+                              "#71=IFCPROPERTYSINGLEVALUE('U',$,IFCREAL(0.5),$);";
+  EXPECT_EQ(
+      "~ IfcWallType type 'W' #52\n"
+      "    Pset_Type.U: (none) -> 0.5\n",
+      ChangesOf(kHouse, withSet));
+  EXPECT_EQ(
+      "~ IfcWallType type 'W' #52\n"
+      "    Pset_Type.U: 0.5 -> 0.7\n",
+      ChangesOf(withSet, With(withSet, "IFCREAL(0.5)", "IFCREAL(0.7)")));
+}
+
+TEST_F(ModelDiffTest, AMoveOfManyIsOneLine) {
+  EXPECT_EQ(
+      "* 3 objects (IfcBuildingStorey 1, IfcDoor 1, IfcWall 1)\n"
+      "    moved by 5 m (3, 4, 0)\n",
+      ChangesWith("#11=IFCLOCALPLACEMENT($,#5);",
+                  "#11=IFCLOCALPLACEMENT($,#70);#70=IFCAXIS2PLACEMENT3D(#71,$,$);"
+                  "#71=IFCCARTESIANPOINT((3000.,4000.,0.));"));
+}
+
+TEST_F(ModelDiffTest, AMoveIsToldInTheWorldAndInMetres) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    moved by 0.5 m (0.5, 0, 0)\n"
+      "~ IfcDoor door 'Door 1' #30\n"
+      "    moved by 0.5 m (0.5, 0, 0)\n",
+      ChangesWith("((1000.,0.,0.))", "((1500.,0.,0.))"));
+}
+
+TEST_F(ModelDiffTest, AnotherPlacementAtTheSamePlaceIsNoMove) {
+  EXPECT_EQ("", ChangesWith("#31=IFCLOCALPLACEMENT(#21,#5);", "#31=IFCLOCALPLACEMENT($,#22);"));
+}
+
+TEST_F(ModelDiffTest, ATurnIsToldByAngleAndAxis) {
+  EXPECT_EQ(
+      "~ IfcDoor door 'Door 1' #30\n"
+      "    turned by 90 degrees about (0, 0, 1)\n",
+      ChangesWith("#31=IFCLOCALPLACEMENT(#21,#5);",
+                  "#31=IFCLOCALPLACEMENT(#21,#70);#70=IFCAXIS2PLACEMENT3D(#6,#29,#71);"
+                  "#71=IFCDIRECTION((0.,1.,0.));"));
+}
+
+TEST_F(ModelDiffTest, WhatTurnsTogetherIsOneLine) {
+  EXPECT_EQ(
+      "* 3 objects (IfcBuildingStorey 1, IfcDoor 1, IfcWall 1)\n"
+      "    turned together by 180 degrees about (0, 0, 1), origin to (2, 0, 0)\n",
+      ChangesWith("#11=IFCLOCALPLACEMENT($,#5);",
+                  "#11=IFCLOCALPLACEMENT($,#70);#70=IFCAXIS2PLACEMENT3D(#72,#29,#71);"
+                  "#71=IFCDIRECTION((-1.,0.,0.));#72=IFCCARTESIANPOINT((2000.,0.,0.));"));
+}
+
+TEST_F(ModelDiffTest, ShapesAreToldByWhereTheyDiffer) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Representation.Representations[Body].Items[1].Depth: 3 m -> 3.2 m\n",
+      ChangesWith("#29,3000.)", "#29,3200.)"));
+}
+
+TEST_F(ModelDiffTest, WhatOnlyDescribesAShapeBelongsToIt) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    Representation.Representations[B...Styles[Red].Styles[1].SurfaceColour.Red:\n"
+      "      - 1\n"
+      "      + 0.5\n",
+      ChangesWith("IFCCOLOURRGB($,1.", "IFCCOLOURRGB($,0.5"));
+}
+
+TEST_F(ModelDiffTest, RelationsAreToldByWhatTheyLeadTo) {
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    material.Name: 'Brick' -> 'Stone'\n",
+      ChangesWith("'Brick'", "'Stone'"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    type: IfcWallType 'W' -> (none)\n",
+      ChangesWith("#53=IFCRELDEFINESBYTYPE('r5',$,$,$,(#20),#52);", ""));
+  EXPECT_EQ(
+      "+ IfcBuildingStorey storey2 'Level 2' #70\n"
+      "~ IfcDoor door 'Door 1' #30\n"
+      "    contained in: IfcBuildingStorey 'Level 1' -> IfcBuildingStorey 'Level 2'\n",
+      ChangesWith("(#20,#30),#10);",
+                  "(#20),#10);#71=IFCRELCONTAINEDINSPATIALSTRUCTURE('r7',$,$,$,(#30),#70);"
+                  "#70=IFCBUILDINGSTOREY('storey2',$,'Level 2',$,$,#11,$,$,.ELEMENT.,0.);"));
+  EXPECT_EQ(
+      "~ IfcWall wall 'Wall 1' #20\n"
+      "    material.Description: (none) -> 'outside'\n",
+      ChangesWith("'r4',$,$,$", "'r4',$,$,'outside'"));
+}
+
+TEST_F(ModelDiffTest, ClassesMayChange) {
+  EXPECT_EQ(
+      "~ IfcWallStandardCase wall 'Wall 1' #20\n"
+      "    class: IfcWall -> IfcWallStandardCase\n",
+      ChangesWith("#20=IFCWALL(", "#20=IFCWALLSTANDARDCASE("));
+}
+
+TEST_F(ModelDiffTest, ObjectsComeAndGo) {
+  EXPECT_EQ(
+      "- IfcDoor door 'Door 1' #30\n"
+      "+ IfcSlab slab 'S' #70\n",
+      ChangesOf(kHouse,
+                With(With(kHouse, "#30=IFCDOOR('door',$,'Door 1',$,$,#31,$,$,2000.,900.,$,$,$);",
+                          "#70=IFCSLAB('slab',$,'S',$,$,$,$,$,$);"),
+                     "(#20,#30)", "(#20)")));
+}
+
+TEST_F(ModelDiffTest, AnObjectIsFoundUnderAnotherGuidByContentAndPlace) {
+  EXPECT_EQ(
+      "= IfcDoor other 'Door 1' #30\n"
+      "    GUID: door -> other\n",
+      ChangesWith("'door'", "'other'"));
+}
+
+TEST_F(ModelDiffTest, AnObjectIsFoundUnderAnotherGuidByNameAndPlaceOfItsOwn) {
+  EXPECT_EQ(
+      "= IfcDoor other 'Door 1' #30\n"
+      "    GUID: door -> other\n"
+      "~ IfcDoor other 'Door 1' #30\n"
+      "    OverallWidth: 0.9 m -> 1 m\n",
+      ChangesWith("'door',$,'Door 1',$,$,#31,$,$,2000.,900.",
+                  "'other',$,'Door 1',$,$,#31,$,$,2000.,1000."));
+}
+
+TEST_F(ModelDiffTest, TwoObjectsOfOneGuidArePairedInTheirOrder) {
+  const std::string twice = "#1=IFCWALL('w',$,'A',$,$,$,$,$,$);#2=IFCWALL('w',$,'B',$,$,$,$,$,$);";
+  EXPECT_EQ("", ChangesOf(twice, twice));
+  EXPECT_EQ(
+      "~ IfcWall w 'C' #2\n"
+      "    Name: 'B' -> 'C'\n",
+      ChangesOf(twice, With(twice, "'B'", "'C'")));
+}
+
+TEST_F(ModelDiffTest, ModelsInOtherUnitsAreTheSame) {
+  const auto house = [](const std::string& prefix, const std::string& zeros) {
+    return "#1=IFCSIUNIT(*,.LENGTHUNIT.," + prefix +
+           ",.METRE.);#2=IFCUNITASSIGNMENT((#1));#3=IFCPROJECT('project',$,'P',$,$,$,$,$,#2);"
+           "#20=IFCDOOR('d',$,'Wall 1',$,$,#21,$,$,2" +
+           zeros + ".,1" + zeros +
+           ".,$,$,$);"
+           "#21=IFCLOCALPLACEMENT($,#22);#22=IFCAXIS2PLACEMENT3D(#23,$,$);"
+           "#23=IFCCARTESIANPOINT((7" +
+           zeros +
+           ".,0.,0.));"
+           "#41=IFCPROPERTYSET('p1',$,'P',$,(#42));"
+           "#42=IFCPROPERTYSINGLEVALUE('L',$,IFCLENGTHMEASURE(5" +
+           zeros +
+           ".),$);"
+           "#44=IFCRELDEFINESBYPROPERTIES('r2',$,$,$,(#20),#41);";
+  };
+  EXPECT_EQ(
+      "~ IfcProject project 'P' #3\n"
+      "    UnitsInContext.Units[1].Prefix: MILLI -> (none)\n",
+      ChangesOf(house(".MILLI.", "000"), house("$", "")));
+}
+
+TEST_F(ModelDiffTest, LengthsWithinTheToleranceAreTheSame) {
+  const std::string moved = With(kHouse, "((1000.,0.,0.))", "((1000.4,0.,0.))");
+  EXPECT_EQ("", ChangesOf(kHouse, moved, 0.5));
+  EXPECT_NE("", ChangesOf(kHouse, moved, 0.3));
+  EXPECT_NE("", ChangesOf(kHouse, moved));
+  const std::string higher = With(kHouse, "#29,3000.)", "#29,3000.4)");
+  EXPECT_EQ("", ChangesOf(kHouse, higher, 0.5));
+  EXPECT_NE("", ChangesOf(kHouse, higher, 0.3));
+}
+
+TEST_F(ModelDiffTest, TheOrderOfAListCounts) {
+  const auto line = [](const std::string& points) {
+    return "#1=IFCANNOTATION('a',$,$,$,$,$,#2);#2=IFCPRODUCTDEFINITIONSHAPE($,$,(#3));"
+           "#3=IFCSHAPEREPRESENTATION(#9,'Axis','Curve2D',(#4));#4=IFCPOLYLINE(" +
+           points +
+           ");"
+           "#5=IFCCARTESIANPOINT((0.,0.));#6=IFCCARTESIANPOINT((1.,0.));"
+           "#9=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,$,#10,$);"
+           "#10=IFCAXIS2PLACEMENT2D(#5,$);";
+  };
+  EXPECT_EQ("", ChangesOf(line("(#5,#6)"), line("(#5,#6)")));
+  const ModelDiff diff = DiffOf(line("(#5,#6)"), line("(#6,#5)"));
+  ASSERT_EQ(1u, diff.changed.size());
+  EXPECT_EQ(2u, diff.changed[0].changes.size());
+}
+
+TEST_F(ModelDiffTest, AReportedChangeOfAContextIsItsOwn) {
+  EXPECT_EQ(
+      "~ IfcGeometricRepresentationContext #4\n"
+      "    Precision: 1e-05 -> 1e-06\n",
+      ChangesWith("1.E-5", "1.E-6"));
+}
+
+TEST_F(ModelDiffTest, ReleasesAreComparedByNames) {
+  test::ReadModel before("#1=IFCWALL('w',$,'A',$,$,$,$,'T');", {.schema = "IFC2X3"});
+  test::ReadModel after("#1=IFCWALL('w',$,'A',$,$,$,$,'T',$);", {.schema = "IFC4"});
+  const ModelDiff diff = DiffOf(before, after);
+  EXPECT_EQ("schema: IFC2X3 -> IFC4\n", ChangesOf(diff));
+  EXPECT_FALSE(diff.IsEmpty());
+}
+
+TEST_F(ModelDiffTest, ACancelledComparisonGivesNothing) {
+  test::ReadModel before(kHouse);
+  test::ReadModel after(kHouse);
+  EXPECT_FALSE(CompareModels(before.Document(), after.Document(), {}, [](int) { return false; }));
+}
+
+}  // namespace corvel::host::diff

@@ -1,0 +1,89 @@
+"""Two models, compared on the command line."""
+
+import json
+import os
+import signal
+import unittest
+
+from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS,
+                     WRONG_USAGE, CorvelTest, large_model, project, wall)
+
+DIFFERENT = 4
+GUID = '2O2Fr$t4X7Zf8NOew3FLOH'
+
+
+class Diff(CorvelTest):
+
+    def setUp(self):
+        super().setUp()
+        self.write('a.ifc', project(*wall(10, GUID)))
+        self.write('b.ifc', project(*wall(20, GUID, 3)))
+
+    def test_the_same_is_0_and_a_difference_is_4(self):
+        self.assert_ended(self.run_corvel('diff', 'a.ifc', 'a.ifc'), DONE, err='', out=(
+            '--- a.ifc (IFC4, 2 objects)\n+++ a.ifc (IFC4, 2 objects)\nno difference\n'))
+        self.assert_ended(self.run_corvel('diff', 'a.ifc', 'b.ifc'), DIFFERENT, err='', out=(
+            '--- a.ifc (IFC4, 2 objects)\n+++ b.ifc (IFC4, 2 objects)\n'
+            '0 removed, 0 added, 1 changed, 0 under another GUID, 1 the same\n'
+            f"~ IfcWall {GUID} 'W' #20\n    moved by 2 m (2, 0, 0)\n"))
+
+    def test_the_tolerance_is_in_millimetres(self):
+        self.assert_ended(self.run_corvel('diff', '--tolerance', '2000', 'a.ifc', 'b.ifc'), DONE)
+        self.assert_ended(self.run_corvel('diff', '--tolerance', '1999', 'a.ifc', 'b.ifc'),
+                          DIFFERENT)
+
+    def test_json_tells_the_same(self):
+        ended = self.run_corvel('diff', '--json', 'a.ifc', 'b.ifc')
+        self.assert_ended(ended, DIFFERENT, err='')
+        told = json.loads(ended.out)
+        self.assertEqual([2, 0, 0], told['changed'][0]['changes'][0]['movement']['by'])
+        self.assertFalse(told['equal'])
+
+    def test_what_cannot_be_read_is_1(self):
+        self.assert_ended(self.run_corvel('diff', 'a.ifc', 'none.ifc'), NOTHING_WRITTEN, out='',
+                          err='corvel: none.ifc: there is no such file\n')
+        self.write('c.ifc', b'nothing')
+        self.assertEqual(NOTHING_WRITTEN, self.run_corvel('diff', 'c.ifc', 'a.ifc').status)
+
+    def test_wrong_usage_is_2(self):
+        for words, told in ((('a.ifc',), 'two files are needed, and 1 is given'),
+                            (('a.ifc', 'b.ifc', '--tolerance', '0'),
+                             "--tolerance takes a number of millimetres above 0, not '0'"),
+                            (('a.ifc', 'b.ifc', '--tolerance', '1e'),
+                             "--tolerance takes a number of millimetres above 0, not '1e'")):
+            self.assert_ended(self.run_corvel('diff', *words), WRONG_USAGE, out='',
+                              err=f"corvel: diff: {told}\nSee 'corvel diff --help'.\n")
+
+    def test_inputs_and_their_folder_stay_as_they_are(self):
+        before = {name: self.read(name) for name in os.listdir(self.folder)}
+        self.run_corvel('diff', 'a.ifc', 'b.ifc')
+        self.assertEqual(before, {name: self.read(name) for name in os.listdir(self.folder)})
+
+    def test_a_saved_model_is_the_same(self):
+        self.assert_ended(self.run_corvel('resave', 'a.ifc', 'out.ifc'), DONE)
+        self.assert_ended(self.run_corvel('diff', 'a.ifc', 'out.ifc'), DONE)
+
+    def test_a_merge_adds_to_its_first_input(self):
+        self.write('c.ifc', project(*wall(30, '1hqIFTRjfV6AWq_bMtnZwI', 9)))
+        self.run_corvel('merge', 'a.ifc', 'c.ifc', '-o', 'out.ifc')
+        told = json.loads(self.run_corvel('diff', '--json', 'a.ifc', 'out.ifc').out)
+        self.assertEqual(['1hqIFTRjfV6AWq_bMtnZwI'], [one['guid'] for one in told['added']])
+        self.assertEqual(([], [], 2), (told['removed'], told['changed'], told['same']))
+
+    @unittest.skipIf(ON_WINDOWS, 'there is no such signal')
+    def test_a_request_to_end_is_3(self):
+        self.write('large.ifc', large_model(24))
+        process = self.start('diff', 'large.ifc', 'large.ifc')
+        self.wait_for(lambda: self.is_reading(process))
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(CANCELLED, self.finish(process).status)
+
+    def is_reading(self, process):
+        """The signal is caught once the files are looked into."""
+        with open(f'/proc/{process.pid}/status', encoding='ascii') as status:
+            caught = next(line for line in status if line.startswith('SigCgt:'))
+        return int(caught.split()[1], 16) >> (signal.SIGTERM - 1) & 1
+
+
+if __name__ == '__main__':
+    unittest.main()
