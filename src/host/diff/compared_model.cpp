@@ -25,7 +25,7 @@ void ForEachReferred(const IFC::IfcEntity& holder, const AttributeFacts& facts, 
 }
 
 bool IsBefore(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
-  return std::less<const IFC::IfcEntity*>()(one, other);
+  return std::less<>()(one, other);
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ const char16_t* SequenceOf(Colour colour) {
 // The beginning of a line that is too long.
 WideString CutToColumns(const std::string& text) {
   constexpr WideView kMore = u"...";
-  const WideString line = Printable(FromUtf8(text));
+  WideString line = Printable(FromUtf8(text));
   if (ColumnsOf(line) <= kColumns) return line;
   std::size_t length = 0;
   // Two units may be one character.
