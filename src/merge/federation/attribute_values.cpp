@@ -69,15 +69,4 @@ bool AppendReference(IFC::IfcEntity& entity, std::string_view attribute, IFC::If
   return found->Set(list);
 }
 
-bool ClassQuestion::IsTrueOf(const IFC::IfcEntity& entity) {
-  const ClassFacts* const facts = FindFacts(entity);
-  const auto [answer, isNew] = answers_.try_emplace(facts, false);
-  if (isNew) {
-    for (const ClassFacts* at = facts; at != nullptr && !answer->second; at = at->supertype) {
-      answer->second = at->name == className_;
-    }
-  }
-  return answer->second;
-}
-
 }  // namespace corvel

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <string_view>
-#include <unordered_map>
 
 #include "core/list.h"
 #include "core/text.h"
+#include "merge/federation/per_class.h"
 #include "schema/attributes.h"
 #include "step/class_facts.h"
 
@@ -41,11 +41,14 @@ bool AppendReference(IFC::IfcEntity& entity, std::string_view attribute, IFC::If
 class ClassQuestion {
  public:
   explicit ClassQuestion(std::string_view className) : className_(className) {}  // "IfcWall"
-  bool IsTrueOf(const IFC::IfcEntity& entity);
+  bool IsTrueOf(const IFC::IfcEntity& entity) {
+    return answers_.Of(entity,
+                       [this](const ClassFacts* facts) { return IsOrIsBelow(facts, className_); });
+  }
 
  private:
   std::string_view className_;
-  std::unordered_map<const ClassFacts*, bool> answers_;
+  PerClass<bool> answers_;
 };
 
 }  // namespace corvel

@@ -105,6 +105,30 @@ class ContextJoiner {
     std::size_t lastInput = 0;
   };
 
+  // What the step looks at among the objects of an input.
+  enum class Family : std::uint8_t { kOther, kContext, kSubContext, kConversion, kPropertySet };
+
+  static Family FamilyOf(const ClassFacts* facts) {
+    if (IsOrIsBelow(facts, "IfcGeometricRepresentationSubContext")) return Family::kSubContext;
+    if (IsOrIsBelow(facts, "IfcGeometricRepresentationContext")) return Family::kContext;
+    if (IsOrIsBelow(facts, "IfcCoordinateOperation")) return Family::kConversion;
+    return IsOrIsBelow(facts, "IfcPropertySet") ? Family::kPropertySet : Family::kOther;
+  }
+
+  void Note(IFC::IfcEntity& entity, Family family) {
+    if (family == Family::kSubContext) {
+      subContexts_.push_back(&entity);
+    } else if (family == Family::kContext) {
+      contexts_.push_back(&entity);
+    } else if (family == Family::kConversion) {
+      conversions_[ReferenceOf(entity, "SourceCRS")].push_back(&entity);
+    } else if (IsNameOfMapProperties(TextOf(entity, "Name"))) {
+      const EntityList* const properties = ReferencesOf(entity, "HasProperties");
+      if (properties == nullptr) return;
+      mapProperties_.insert(mapProperties_.end(), properties->begin(), properties->end());
+    }
+  }
+
   bool Gather(std::size_t input, Ticker& ticker) {
     contexts_.clear();
     subContexts_.clear();
@@ -112,18 +136,9 @@ class ContextJoiner {
     mapProperties_.clear();
     const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
     metresPerUnit_ = 1.0 / LengthUnitsPerMetre(units, SayNothing);
-    const bool goesOn = model_.ForEachOf(input, ticker, [this](IFC::IfcEntity& entity) {
-      if (isSubContext_.IsTrueOf(entity)) {
-        subContexts_.push_back(&entity);
-      } else if (isContext_.IsTrueOf(entity)) {
-        contexts_.push_back(&entity);
-      } else if (isConversion_.IsTrueOf(entity)) {
-        conversions_[ReferenceOf(entity, "SourceCRS")].push_back(&entity);
-      } else if (isPropertySet_.IsTrueOf(entity) && IsNameOfMapProperties(TextOf(entity, "Name"))) {
-        const EntityList* const properties = ReferencesOf(entity, "HasProperties");
-        if (properties == nullptr) return;
-        mapProperties_.insert(mapProperties_.end(), properties->begin(), properties->end());
-      }
+    const bool goesOn = model_.ForEachThatCameWith(input, ticker, [this](IFC::IfcEntity& entity) {
+      const Family family = families_.Of(entity, FamilyOf);
+      if (family != Family::kOther && model_.Contains(entity)) Note(entity, family);
     });
     const auto byName = [](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
       return TextOf(*one, "Name") < TextOf(*other, "Name");
@@ -233,10 +248,7 @@ class ContextJoiner {
 
   FederatedModel& model_;
   JoinedContexts& counts_;
-  ClassQuestion isContext_{"IfcGeometricRepresentationContext"};
-  ClassQuestion isSubContext_{"IfcGeometricRepresentationSubContext"};
-  ClassQuestion isConversion_{"IfcCoordinateOperation"};
-  ClassQuestion isPropertySet_{"IfcPropertySet"};
+  PerClass<Family> families_;
   std::map<Kind, std::vector<Context>> known_;
   std::map<SubKind, SubContext> knownBelow_;
   // Of the input whose turn it is.

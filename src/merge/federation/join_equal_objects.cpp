@@ -115,8 +115,8 @@ class ObjectJoiner {
   // No two of one input.
   bool JoinApplications(std::size_t input, Ticker& ticker) {
     std::vector<std::pair<Digest, IFC::IfcEntity*>> own;
-    const bool goesOn = model_.ForEachOf(input, ticker, [&](IFC::IfcEntity& entity) {
-      if (std::u16string_view(entity.getClassName()) != u"IfcApplication") return;
+    const bool goesOn = model_.ForEachThatCameWith(input, ticker, [&](IFC::IfcEntity& entity) {
+      if (!isApplication_.IsTrueOf(entity) || !model_.Contains(entity)) return;
       const Digest digest = contents_.OfValue(&entity);
       const auto earlier = earlierApplications_.find(digest);
       if (earlier == earlierApplications_.end()) {
@@ -136,6 +136,7 @@ class ObjectJoiner {
   Belongings::Objects shared_;
   Belongings belongings_;
   ClassQuestion isRelation_{"IfcRelationship"};
+  ClassQuestion isApplication_{"IfcApplication"};
   // What stays of the inputs that had their turn.
   std::unordered_map<std::string_view, std::vector<IFC::IfcEntity*>> earlier_;
   std::unordered_map<Digest, IFC::IfcEntity*, HashOfDigest> earlierApplications_;

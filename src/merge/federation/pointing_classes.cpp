@@ -78,10 +78,7 @@ std::vector<const AttributeFacts*> Described(const ClassFacts* facts) {
 }  // namespace
 
 std::span<const AttributeFacts* const> PointingClasses::DescribedBy(const IFC::IfcEntity& entity) {
-  const ClassFacts* const facts = FindFacts(entity);
-  const auto [known, isNew] = known_.try_emplace(facts);
-  if (isNew) known->second = Described(facts);
-  return known->second;
+  return known_.Of(entity, Described);
 }
 
 }  // namespace corvel

@@ -4,10 +4,10 @@
 
 #include <span>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "core/entity.h"
+#include "merge/federation/per_class.h"
 #include "step/class_facts.h"
 
 namespace corvel {
@@ -19,7 +19,7 @@ class PointingClasses {
   std::span<const AttributeFacts* const> DescribedBy(const IFC::IfcEntity& entity);
 
  private:
-  std::unordered_map<const ClassFacts*, std::vector<const AttributeFacts*>> known_;
+  PerClass<std::vector<const AttributeFacts*>> known_;
 };
 
 }  // namespace corvel

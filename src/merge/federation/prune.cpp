@@ -112,7 +112,7 @@ class Pruner {
   }
 
   void Gather(IFC::IfcEntity& entity) {
-    if (IsRoot(entity)) {
+    if (isRoot_.Of(entity, [&](const ClassFacts*) { return IsRoot(entity); })) {
       roots_.push_back(&entity);
       return;
     }
@@ -135,6 +135,7 @@ class Pruner {
 
   // With all that it refers to.
   void Keep(IFC::IfcEntity* entity) {
+    if (entity->visitStamp == whole_) return;
     IFC::IfcEntity* const there = InModel(entity);
     if (there == nullptr || there->visitStamp == whole_) return;
     there->visitStamp = whole_;
@@ -188,6 +189,7 @@ class Pruner {
 
   FederatedModel& model_;
   PointingClasses pointing_;
+  PerClass<bool> isRoot_;
   std::vector<IFC::IfcEntity*> roots_;
   std::vector<Pointer> pointers_;
   std::vector<IFC::IfcEntity*> waiting_;

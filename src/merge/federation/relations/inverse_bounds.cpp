@@ -106,18 +106,17 @@ BoundsOfRelations::BoundsOfRelations(std::optional<SchemaNamespace> release) : r
   for (const InverseBound& bound : kBounds) owners_.emplace_back(bound.owner);
 }
 
-std::span<const BoundsOfRelations::Bound> BoundsOfRelations::Of(const IFC::IfcEntity& relation) {
-  const ClassFacts* const facts = FindFacts(relation);
-  const auto [known, isNew] = known_.try_emplace(facts);
-  if (!isNew || !release_) return known->second;
+std::vector<BoundsOfRelations::Bound> BoundsOfRelations::BoundsOf(const ClassFacts* facts) const {
+  std::vector<Bound> bounds;
+  if (!release_) return bounds;
   for (const ClassFacts* at = facts; at != nullptr; at = at->supertype) {
     for (std::size_t i = 0; i < std::size(kBounds); ++i) {
       if (kBounds[i].relation != at->name || !kBounds[i].HoldsIn(*release_)) continue;
       const AttributeFacts* const attribute = facts->FindAttribute(kBounds[i].attribute);
-      if (attribute != nullptr) known->second.push_back({&kBounds[i], attribute, i});
+      if (attribute != nullptr) bounds.push_back({&kBounds[i], attribute, i});
     }
   }
-  return known->second;
+  return bounds;
 }
 
 }  // namespace corvel

@@ -3,10 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <span>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "merge/federation/attribute_values.h"
@@ -45,16 +45,20 @@ class BoundsOfRelations {
   explicit BoundsOfRelations(std::optional<SchemaNamespace> release);
 
   // Empty for what is no relation. Good as long as this.
-  std::span<const Bound> Of(const IFC::IfcEntity& relation);
+  std::span<const Bound> Of(const IFC::IfcEntity& relation) {
+    return known_.Of(relation, [this](const ClassFacts* facts) { return BoundsOf(facts); });
+  }
   // Whether the bound is for objects of the class of `owner`.
   bool Binds(const Bound& bound, const IFC::IfcEntity& owner) {
     return owners_[bound.index].IsTrueOf(owner);
   }
 
  private:
+  std::vector<Bound> BoundsOf(const ClassFacts* facts) const;
+
   std::optional<SchemaNamespace> release_;
-  std::vector<ClassQuestion> owners_;  // one for each bound
-  std::unordered_map<const ClassFacts*, std::vector<Bound>> known_;
+  std::deque<ClassQuestion> owners_;  // one for each bound
+  PerClass<std::vector<Bound>> known_;
 };
 
 }  // namespace corvel

@@ -1,5 +1,9 @@
 #include "merge/federation/relations/unique_members.h"
 
+#include <unordered_map>
+#include <vector>
+
+#include "merge/federation/per_class.h"
 #include "schema/attributes.h"
 
 namespace corvel {
@@ -46,8 +50,10 @@ class RepeatedMembers {
   }
 
  private:
+  using Places = std::vector<const AttributeFacts*>;
+
   void DropFrom(IFC::IfcEntity& entity) {
-    for (const AttributeFacts* const facts : PlacesOf(entity)) {
+    for (const AttributeFacts* const facts : places_.Of(entity, PlacesOf)) {
       const Attribute place(entity, *facts);
       const auto* const members = place.As<EntityList>();
       if (members == nullptr || members->size() < 2 || !HasOneThatGaveWay(*members)) continue;
@@ -62,17 +68,15 @@ class RepeatedMembers {
     }
   }
 
-  const std::vector<const AttributeFacts*>& PlacesOf(const IFC::IfcEntity& entity) {
-    const ClassFacts* const facts = FindFacts(entity);
-    const auto [known, isNew] = places_.try_emplace(facts);
-    if (!isNew || facts == nullptr) return known->second;
-    for (std::size_t i = 0; i < facts->AttributeCount(); ++i) {
+  static Places PlacesOf(const ClassFacts* facts) {
+    Places places;
+    for (std::size_t i = 0; facts != nullptr && i < facts->AttributeCount(); ++i) {
       const AttributeFacts& attribute = facts->Attribute(i);
       if (!Refers(attribute.kind) || attribute.depth != 1) continue;
       const bool isSet = attribute.aggregates[0].kind == Aggregate::Kind::kSet;
-      if (isSet || IsUniqueList(*facts, attribute)) known->second.push_back(&attribute);
+      if (isSet || IsUniqueList(*facts, attribute)) places.push_back(&attribute);
     }
-    return known->second;
+    return places;
   }
 
   bool HasOneThatGaveWay(const EntityList& members) const {
@@ -83,7 +87,7 @@ class RepeatedMembers {
   }
 
   FederatedModel& model_;
-  std::unordered_map<const ClassFacts*, std::vector<const AttributeFacts*>> places_;
+  PerClass<Places> places_;
 };
 
 }  // namespace

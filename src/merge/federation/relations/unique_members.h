@@ -3,7 +3,6 @@
 
 #include <span>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "core/entity.h"

@@ -140,9 +140,7 @@ class Collector {
 }  // namespace
 
 SpatialRole SpatialRoles::Of(const IFC::IfcEntity& entity) {
-  const auto [known, isNew] = known_.try_emplace(FindFacts(entity), SpatialRole::kOther);
-  if (isNew) known->second = RoleOfClass(known->first);
-  return known->second;
+  return known_.Of(entity, RoleOfClass);
 }
 
 void NoteSpatialGuids(const IFC::MainContainer& container, GuidsAsRead& guids) {

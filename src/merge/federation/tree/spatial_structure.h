@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "core/ticker.h"
 #include "merge/federation/federated_model.h"
+#include "merge/federation/per_class.h"
 #include "step/class_facts.h"
 
 namespace corvel {
@@ -49,7 +50,7 @@ class SpatialRoles {
   SpatialRole Of(const IFC::IfcEntity& entity);
 
  private:
-  std::unordered_map<const ClassFacts*, SpatialRole> known_;
+  PerClass<SpatialRole> known_;
 };
 
 // The GUIDs that objects had before the fold, which gives others to the second of a model with one
