@@ -70,10 +70,17 @@ bool ClassWord::Describes(const AttributeFacts& attribute) const {
 }
 
 const ClassWord* ClassWords::Of(const IFC::IfcEntity& entity) {
+  // One class stands for records of many names.
+  if (entity.carries) return Find(entity);
+  const std::type_info* const dynamicClass = &typeid(entity);
+  Recent& recent = recent_[(reinterpret_cast<std::uintptr_t>(dynamicClass) >> 4) % kRecent];
+  if (recent.dynamicClass != dynamicClass) recent = {dynamicClass, Find(entity)};
+  return recent.word;
+}
+
+const ClassWord* ClassWords::Find(const IFC::IfcEntity& entity) {
   const ClassFacts* const facts = FindFacts(entity);
-  if (facts == lastFacts_) return last_;
-  lastFacts_ = facts;
-  if (facts == nullptr) return last_ = nullptr;
+  if (facts == nullptr) return nullptr;
   auto& known = known_[facts];
   if (known == nullptr) {
     auto made = std::make_unique<ClassWord>();
@@ -88,7 +95,7 @@ const ClassWord* ClassWords::Of(const IFC::IfcEntity& entity) {
     made->describing.assign(described.begin(), described.end());
     known = std::move(made);
   }
-  return last_ = known.get();
+  return known.get();
 }
 
 std::uint64_t WordOfName(std::string_view name) {

@@ -2,9 +2,12 @@
 // that those of two releases can be compared.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 #include <vector>
 
@@ -57,9 +60,17 @@ class ClassWords {
 
  private:
   PointingClasses pointing_;
+  // By dynamic class: objects of a few classes follow each other in any order.
+  struct Recent {
+    const std::type_info* dynamicClass = nullptr;
+    const ClassWord* word = nullptr;
+  };
+  static constexpr std::size_t kRecent = 256;
+
+  const ClassWord* Find(const IFC::IfcEntity& entity);
+
   std::unordered_map<const ClassFacts*, std::unique_ptr<const ClassWord>> known_;
-  const ClassFacts* lastFacts_ = nullptr;
-  const ClassWord* last_ = nullptr;
+  std::array<Recent, kRecent> recent_{};
 };
 
 // FNV-1a.

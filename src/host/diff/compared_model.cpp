@@ -33,17 +33,18 @@ bool IsBefore(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
 ComparedModel::ComparedModel(const IfcDocument& document, ClassWords& words)
     : document_(document), words_(words), scales_(ScalesOf(document.getIfcUnitAssignment())) {
   Sort();
-  Number();
+  SetApart();
   Relate();
 }
 
-// By roles. Stamps of what has an identity are there afterwards, all others are 0; flags tell of
-// sets of properties that something refers to them.
+// By roles, with a number each.
 void ComparedModel::Sort() {
   for (const auto [number, entity] : document_.mainContainer->entities) {
-    entity->visitStamp = 0;
     entity->visited = false;
     const ClassWord* const word = words_.Of(*entity);
+    if (word == nullptr || (word->role != Role::kObject && word->role != Role::kContext)) {
+      entity->visitStamp = kFirstValue + static_cast<std::uint32_t>(valueCount_++);
+    }
     if (word == nullptr) continue;
     switch (word->role) {
       case Role::kValue: break;
@@ -71,11 +72,17 @@ void ComparedModel::MarkProperties(const IFC::IfcEntity& holder, const ClassWord
   for (const AttributeWord& attribute : word.attributes) {
     const bool mayLead = word.role == Role::kRelation || attribute.isPropertySets;
     if (!mayLead || !Refers(attribute.facts->kind)) continue;
-    ForEachReferred(holder, *attribute.facts, [](IFC::IfcEntity& used) { used.visited = true; });
+    ForEachReferred(holder, *attribute.facts, [this](IFC::IfcEntity& used) {
+      const ClassWord* const ofUsed = words_.Of(used);
+      if (used.visited || ofUsed == nullptr || ofUsed->role != Role::kProperties) return;
+      used.visited = true;
+      used_.push_back(&used);
+    });
   }
 }
 
-void ComparedModel::Number() {
+// Relations and sets of properties that belong to nothing.
+void ComparedModel::SetApart() {
   for (const auto* const holders : {&objects_, &relations_}) {
     for (const IFC::IfcEntity* const holder : *holders)
       MarkProperties(*holder, *words_.Of(*holder));
@@ -92,11 +99,11 @@ void ComparedModel::Number() {
   }
   properties_.clear();
   objects_.insert(objects_.end(), alone.begin(), alone.end());
-  for (IFC::IfcEntity* const object : objects_) object->visitStamp = ++lastStamp_;
-  for (const auto [number, entity] : document_.mainContainer->entities) {
-    entity->visited = false;
-    if (entity->visitStamp == 0) entity->visitStamp = ++lastStamp_;
+  for (std::size_t i = objects_.size() - alone.size(); i < objects_.size(); ++i) {
+    objects_[i]->visitStamp = static_cast<std::uint32_t>(i + 1);
   }
+  for (IFC::IfcEntity* const used : used_) used->visited = false;
+  used_ = {};
   std::stable_sort(descriptions_.begin(), descriptions_.end(),
                    [](const Description& one, const Description& other) {
                      return IsBefore(one.described, other.described);

@@ -26,18 +26,20 @@ class ComparedModel {
 
   // With an identity, by ascending number.
   const std::vector<IFC::IfcEntity*>& Objects() const { return objects_; }
-  // Stamps of records go from 1 to this; those of Objects() come first, in their order. What has
-  // no stamp is a value within a record.
-  std::uint32_t LastStamp() const { return lastStamp_; }
-  static std::uint32_t StampOf(const IFC::IfcEntity& entity) {
-    return entity.inlineValue ? 0 : entity.visitStamp;
-  }
-  bool HasIdentity(const IFC::IfcEntity& entity) const {
-    const std::uint32_t stamp = StampOf(entity);
-    return stamp != 0 && stamp <= objects_.size();
+  static bool HasIdentity(const IFC::IfcEntity& entity) {
+    return !entity.inlineValue && entity.visitStamp != 0 && entity.visitStamp < kFirstValue;
   }
   // Index among Objects(); only where HasIdentity.
   static std::size_t IndexOf(const IFC::IfcEntity& entity) { return entity.visitStamp - 1; }
+  // Records without an identity are numbered too, from 0 to this. What stands within a record is
+  // not.
+  std::size_t ValueCount() const { return valueCount_; }
+  static bool IsNumbered(const IFC::IfcEntity& entity) {
+    return !entity.inlineValue && entity.visitStamp >= kFirstValue;
+  }
+  static std::size_t NumberOf(const IFC::IfcEntity& entity) {
+    return entity.visitStamp - kFirstValue;
+  }
 
   // Relations that say something about the object at `index`, by ascending number.
   std::span<IFC::IfcEntity* const> RelationsOf(std::size_t index) const;
@@ -57,8 +59,10 @@ class ComparedModel {
   std::size_t RootedCount() const { return rootedCount_; }
 
  private:
+  static constexpr std::uint32_t kFirstValue = 0x80000000u;
+
   void Sort();
-  void Number();
+  void SetApart();
   void Relate();
   void Describe(IFC::IfcEntity& entity, const ClassWord& word);
   bool RefersToIdentity(const IFC::IfcEntity& relation, const AttributeWord& attribute) const;
@@ -70,10 +74,11 @@ class ComparedModel {
   std::vector<IFC::IfcEntity*> objects_;
   std::vector<IFC::IfcEntity*> relations_;
   std::vector<IFC::IfcEntity*> properties_;
+  std::vector<IFC::IfcEntity*> used_;  // what relations and types refer to, while these are sorted
   std::vector<std::uint32_t> firstRelation_;  // by index, and one more
   std::vector<IFC::IfcEntity*> relationsOf_;
   std::vector<Description> descriptions_;  // by what is described
-  std::uint32_t lastStamp_ = 0;
+  std::size_t valueCount_ = 0;
   std::size_t rootedCount_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 
+#include "host/diff/lockstep.h"
 #include "host/diff/object_changes.h"
 #include "host/diff/pairing.h"
 #include "host/diff/value_text.h"
@@ -52,12 +53,14 @@ class Comparison {
     const Pairing pairing = PairObjects(before_.facts, after_.facts);
     diff.removed = Unpaired(before_.model, pairing.laterOf);
     diff.added = Unpaired(after_.model, pairing.earlierOf);
+    Lockstep lockstep(before_.model, after_.model, pairing, tolerance_);
     ObjectChanges changes(before_.facts, after_.facts, tolerance_);
     const std::size_t count = pairing.laterOf.size();
     for (std::size_t i = 0; i < count; ++i) {
       const auto done = static_cast<int>(i * (100 - kPaired) / count);
       if (i % kObjectsInATick == 0 && !progress(kPaired + done)) return std::nullopt;
-      if (pairing.laterOf[i] != Pairing::kNone) Compare(i, pairing.laterOf[i], changes, diff);
+      if (pairing.laterOf[i] != Pairing::kNone)
+        Compare(i, pairing.laterOf[i], lockstep, changes, diff);
     }
     return diff;
   }
@@ -73,13 +76,16 @@ class Comparison {
     ObjectFacts facts;
   };
 
-  void Compare(std::size_t before, std::size_t after, ObjectChanges& changes, ModelDiff& diff) {
+  void Compare(std::size_t before, std::size_t after, Lockstep& lockstep, ObjectChanges& changes,
+               ModelDiff& diff) {
     const IFC::IfcEntity& one = *before_.model.Objects()[before];
     const IFC::IfcEntity& other = *after_.model.Objects()[after];
     if (before_.model.Words().Of(one)->role == Role::kObject && !HaveOneGuid(one, other)) {
       diff.renamed.emplace_back(LabelOf(one), LabelOf(other));
     }
-    if (before_.facts.WholeOf(before) != after_.facts.WholeOf(after)) {
+    const bool same = lockstep.Same(before, after) ||
+                      before_.facts.WholeOf(before) == after_.facts.WholeOf(after);
+    if (!same) {
       ChangedObject object = changes.Of(before, after);
       if (!object.changes.empty()) {
         diff.changed.push_back(std::move(object));

@@ -283,7 +283,7 @@ void ObjectChanges::ComparePair(const IFC::IfcEntity& before, const IFC::IfcEnti
     // The other end of the relation is what it is called after.
     const std::size_t end = std::min(path.find_first_of(".["), path.size());
     const bool isEnd = path.starts_with("Relating") || path.starts_with("Related");
-    path = relation.text + (isEnd ? path.substr(end) : "." + path);
+    path.replace(0, isEnd ? end : 0, isEnd ? relation.text : relation.text + ".");
   }
 }
 

@@ -27,21 +27,22 @@ bool TellsUnit(const IFC::IfcEntity& entity, const ClassWord& word) {
 }
 
 ValueDigests::ValueDigests(const ComparedModel& model, const Tolerance& tolerance)
-    : model_(model), tolerance_(tolerance), known_(std::size_t{model.LastStamp()} + 1) {}
+    : model_(model), tolerance_(tolerance), references_(model.Objects().size()) {}
 
 Digest ValueDigests::Of(const IFC::IfcEntity* entity) {
   if (entity == nullptr) return kNull;
-  const std::uint32_t stamp = ComparedModel::StampOf(*entity);
-  if (stamp == 0) return Finish(*entity, {});
+  if (known_.empty()) known_.resize(model_.ValueCount());
+  const bool hasIdentity = ComparedModel::HasIdentity(*entity);
+  if (!hasIdentity && !ComparedModel::IsNumbered(*entity)) return Finish(*entity, {});
   const ClassWord* const word = model_.Words().Of(*entity);
-  if (word != nullptr && word->role == Role::kRelation && !model_.HasIdentity(*entity)) {
+  if (word != nullptr && word->role == Role::kRelation && !hasIdentity) {
     return OfEnds(*entity, *word);
   }
-  if (known_[stamp] == kUnknown) {
+  if (At(*entity) == kUnknown) {
     waiting_.push_back(entity);
     Settle(0);
   }
-  return known_[stamp];
+  return At(*entity);
 }
 
 Digest ValueDigests::OfFact(const IFC::IfcEntity& relation) {
@@ -57,6 +58,7 @@ Digest ValueDigests::OfContent(const IFC::IfcEntity& object, const Digest* place
 }
 
 Digest ValueDigests::Finish(const IFC::IfcEntity& entity, const Parts& parts) {
+  if (known_.empty()) known_.resize(model_.ValueCount());
   for (;;) {
     lacks_ = false;
     const Digest made = Make(entity, parts);
@@ -70,7 +72,7 @@ Digest ValueDigests::Finish(const IFC::IfcEntity& entity, const Parts& parts) {
 void ValueDigests::Settle(std::size_t before) {
   while (waiting_.size() > before) {
     const IFC::IfcEntity& top = *waiting_.back();
-    Digest& known = known_[ComparedModel::StampOf(top)];
+    Digest& known = At(top);
     if (known == kUnknown || known == kBegun) {
       known = kBegun;
       lacks_ = false;
@@ -84,9 +86,9 @@ void ValueDigests::Settle(std::size_t before) {
 
 Digest ValueDigests::Child(const IFC::IfcEntity* entity) {
   if (entity == nullptr) return kNull;
-  const std::uint32_t stamp = ComparedModel::StampOf(*entity);
-  if (stamp == 0) return Make(*entity, {});
-  const Digest& known = known_[stamp];
+  const bool hasIdentity = ComparedModel::HasIdentity(*entity);
+  if (!hasIdentity && !ComparedModel::IsNumbered(*entity)) return Make(*entity, {});
+  const Digest& known = At(*entity);
   if (known != kUnknown) return known;
   const ClassWord* const word = model_.Words().Of(*entity);
   if (word != nullptr && word->role == Role::kRelation) return OfEnds(*entity, *word);
@@ -102,7 +104,7 @@ Digest ValueDigests::OfEnds(const IFC::IfcEntity& relation, const ClassWord& wor
     if (!attribute.isRelated && !attribute.isRelating) continue;
     ConstAttribute(relation, *attribute.facts).ForEach<IFC::IfcEntity*>([&](const auto* end) {
       if (end != nullptr && model_.HasIdentity(*end))
-        maker.Add(known_[ComparedModel::StampOf(*end)]);
+        maker.Add(references_[ComparedModel::IndexOf(*end)]);
     });
   }
   return maker.Made();

@@ -29,7 +29,7 @@ class ValueDigests {
 
   // What a reference to the object says; for those with an identity, before Of is asked.
   void SetReference(const IFC::IfcEntity& object, const Digest& digest) {
-    known_[ComparedModel::StampOf(object)] = digest;
+    references_[ComparedModel::IndexOf(object)] = digest;
   }
   // Of a value, or of a reference to an object with an identity. Null has one too.
   Digest Of(const IFC::IfcEntity* entity);
@@ -56,6 +56,11 @@ class ValueDigests {
     bool isDescription = false;
   };
 
+  // Of an object with an identity or a number.
+  Digest& At(const IFC::IfcEntity& entity) {
+    return ComparedModel::HasIdentity(entity) ? references_[ComparedModel::IndexOf(entity)]
+                                              : known_[ComparedModel::NumberOf(entity)];
+  }
   Digest Finish(const IFC::IfcEntity& entity, const Parts& parts);
   void Settle(std::size_t before);
   Digest Make(const IFC::IfcEntity& entity, const Parts& parts);
@@ -82,7 +87,8 @@ class ValueDigests {
 
   const ComparedModel& model_;
   const Tolerance& tolerance_;
-  std::vector<Digest> known_;                                // by stamp
+  std::vector<Digest> references_;  // by index
+  std::vector<Digest> known_;       // by number; empty as long as nobody asks
   std::unordered_map<const IFC::IfcEntity*, Digest> facts_;  // of relations
   std::vector<const IFC::IfcEntity*> waiting_;
   std::vector<Digest> sorted_;  // of the sets that are being made, the innermost at the end
