@@ -6,9 +6,11 @@
 #include "host/diff/diff_run.h"
 #include "host/display_text.h"
 #include "host/file_facts.h"
+#include "host/file_names.h"
 #include "host/info_text.h"
 #include "host/model_run.h"
 #include "host/model_scene.h"
+#include "host/piped_files.h"
 #include "host/run_console.h"
 #include "host/savings.h"
 #include "host/tree_text.h"
@@ -29,14 +31,18 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const ModelOrder order{
-      line.inputs,     line.output,
-      line.choices,    line.command == Command::kExtract,
-      line.userFolder, line.workFolder.value_or(platform::SystemTemporaryFolder()),
-      line.log,        line.answer.has_value()};
+  const ModelOrder order{line.inputs,
+                         line.output,
+                         line.choices,
+                         line.command == Command::kExtract,
+                         line.userFolder,
+                         line.workFolder.value_or(platform::SystemTemporaryFolder()),
+                         line.log,
+                         line.answer.has_value(),
+                         line.outputIsPiped ? u"standard output" : WideString()};
   ModelRun run(order, console);
   const ExitStatus status = run.Run();
-  if (line.quiet) return status;
+  if (line.quiet || line.outputIsPiped) return status;
   if (status == ExitStatus::kDone) {
     platform::WriteStandardOutput(Printable(line.output) + u" was written.\n");
   }
@@ -124,7 +130,7 @@ ExitStatus RunDiff(const CommandLine& line) {
   return output.Flush() ? status : ExitStatus::kNothingWritten;
 }
 
-ExitStatus Run(const CommandLine& line) {
+ExitStatus RunOnFiles(const CommandLine& line) {
   switch (line.command) {
     case Command::kInfo: return RunInfo(line);
     case Command::kTree: return RunTree(line);
@@ -135,6 +141,25 @@ ExitStatus Run(const CommandLine& line) {
     case Command::kOptimise: break;
   }
   return RunModels(line);
+}
+
+ExitStatus RunInPipes(CommandLine line) {
+  const auto say = [](WideView text) { RunConsole(RunConsole::StandardError(false)).Say(text); };
+  platform::CatchInterrupts();
+  PipedFiles pipes;
+  if (const auto trouble = pipes.TakeFor(line)) {
+    say(trouble->empty() ? WideString(u"Cancelled, nothing was read.") : *trouble);
+    return trouble->empty() ? ExitStatus::kCancelled : ExitStatus::kNothingWritten;
+  }
+  const ExitStatus status = RunOnFiles(line);
+  const bool isWritten = status == ExitStatus::kDone || status == ExitStatus::kWrittenWithReports;
+  if (!isWritten || pipes.SendOutput()) return status;
+  say(u"standard output did not take the whole model");
+  return ExitStatus::kNothingWritten;
+}
+
+ExitStatus Run(const CommandLine& line) {
+  return PipedFiles::AreIn(line) ? RunInPipes(line) : RunOnFiles(line);
 }
 
 ExitStatus Run(const Explanation& explanation) {
@@ -149,7 +174,8 @@ ExitStatus Run(const UsageError& error) {
 }  // namespace
 
 ExitStatus RunCommand(const std::vector<WideString>& arguments) {
-  return std::visit([](const auto& order) { return Run(order); }, ParseCommandLine(arguments));
+  return std::visit([](const auto& order) { return Run(order); },
+                    ParseCommandLine(arguments, FindFiles));
 }
 
 }  // namespace corvel::host

@@ -35,6 +35,7 @@ struct Words {
   std::string log;
   std::string tolerance;
   ChoiceWords merge;
+  std::string listing;
   bool ignoreEnumErrors = false;
   bool tolerant = false;
   bool ignoreUnits = false;
@@ -85,6 +86,10 @@ bool IsWholeCopy(Command command) {
 // Writes no model.
 bool ShowsOnly(Command command) {
   return command == Command::kInfo || command == Command::kTree || command == Command::kDiff;
+}
+
+bool TakesManyFiles(Command command) {
+  return command == Command::kMerge || command == Command::kInfo;
 }
 
 void AddChoiceOptions(CLI::App& app, Words& words) {
@@ -141,6 +146,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_option("FILE", words.files);
   if (ChoosesObjects(command)) AddChoiceOptions(app, words);
   if (command == Command::kMerge) AddMergeOptions(app, words);
+  if (TakesManyFiles(command)) app.add_option("--files0-from", words.listing);
   AddFederationOptions(app, command);
   if (ShowsOnly(command)) app.add_flag("--json", words.json);
   if (command == Command::kDiff) app.add_option("--tolerance", words.tolerance);
@@ -273,7 +279,19 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   return line;
 }
 
-Outcome ParseCommand(const CommandName& command, std::vector<std::string> arguments) {
+// Puts the files that are meant in the place of what was typed. Nothing, or what is wrong.
+std::optional<std::string> Find(const FileFinder& findFiles, bool hasListing, Words& words) {
+  if (!findFiles) return {};
+  TypedFiles typed{words.files, {}};
+  if (hasListing) typed.listing = words.listing;
+  auto found = findFiles(typed);
+  if (auto* const mistake = std::get_if<std::string>(&found)) return std::move(*mistake);
+  words.files = std::move(std::get<std::vector<std::string>>(found));
+  return {};
+}
+
+Outcome ParseCommand(const CommandName& command, std::vector<std::string> arguments,
+                     const FileFinder& findFiles) {
   CLI::App app;
   Words words;
   AddOptions(app, command.command, words);
@@ -287,6 +305,11 @@ Outcome ParseCommand(const CommandName& command, std::vector<std::string> argume
   for (const std::string& extra : app.remaining()) {
     // The library leaves the dashes that end the options among the rest.
     if (extra != "--") return UnknownOption(command, app, extra);
+  }
+  if (TakesManyFiles(command.command)) {
+    if (const auto error = Find(findFiles, app.count("--files0-from") != 0, words)) {
+      return Wrong(command, *error);
+    }
   }
   if (const auto error = WordError(command.command, app, words)) return Wrong(command, *error);
   GatherFederation(app, command.command, words.merge);
@@ -312,7 +335,7 @@ Outcome ParseWithoutCommand(const std::string& word) {
 
 }  // namespace
 
-Outcome ParseCommandLine(const std::vector<WideString>& arguments) {
+Outcome ParseCommandLine(const std::vector<WideString>& arguments, const FileFinder& findFiles) {
   if (arguments.empty()) return Wrong("a command is needed.\nSee 'corvel --help'.");
   std::vector<std::string> words;
   words.reserve(arguments.size());
@@ -320,7 +343,7 @@ Outcome ParseCommandLine(const std::vector<WideString>& arguments) {
   const CommandName* const command = FindCommand(words.front());
   if (command == nullptr) return ParseWithoutCommand(words.front());
   words.erase(words.begin());
-  return ParseCommand(*command, std::move(words));
+  return ParseCommand(*command, std::move(words), findFiles);
 }
 
 }  // namespace corvel::host

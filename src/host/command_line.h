@@ -1,12 +1,14 @@
 // What the user typed, understood.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "core/text.h"
+#include "host/file_names.h"
 #include "host/run_choices.h"
 #include "platform/platform.h"
 
@@ -22,6 +24,7 @@ struct CommandLine {
   bool quiet = false;
   bool json = false;                       // info, tree and diff
   double toleranceMm = 0.001;              // diff
+  bool outputIsPiped = false;              // to standard output, where nothing else goes then
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
   std::optional<WideString> workFolder;    // for files that are gone when they are closed
@@ -38,9 +41,13 @@ struct UsageError {
   WideString text;
 };
 
-// `arguments`: those behind the program's own name. Touches no file; everything that is wrong with
-// the words alone is told here.
+// Which files are meant by the words of a command that takes any number of them.
+using FileFinder =
+    std::function<std::variant<std::vector<std::string>, std::string>(const TypedFiles& typed)>;
+
+// `arguments`: those behind the program's own name. Touches no file but what `findFiles` looks at;
+// everything that is wrong with the words alone is told here.
 std::variant<CommandLine, Explanation, UsageError> ParseCommandLine(
-    const std::vector<WideString>& arguments);
+    const std::vector<WideString>& arguments, const FileFinder& findFiles = {});
 
 }  // namespace corvel::host

@@ -34,7 +34,12 @@ Exit status:
        are different
   130  interrupted a second time
 
-A file name that begins with "-" goes behind "--".
+A file name that begins with "-" goes behind "--". "-" itself is standard input,
+which is kept as a file in the work folder meanwhile, or as OUT standard
+output: the model is sent, as plain IFC, when it is complete, and nothing else
+goes there. Where FILE... stands a folder means all models in it, by name (on
+Windows also patterns are files: *.ifc), and --files0-from LIST adds the files
+that LIST names, each with a NUL behind it; "-" as LIST is standard input.
 )help";
 
 constexpr char16_t kMerge[] =

@@ -216,11 +216,12 @@ ExitStatus ModelRun::Conclude() {
   SayRemarks();
   const bool reported = console_.LogWasOffered();
   if (written && !reported) return ExitStatus::kDone;
+  const WideString name = Printable(order_.outputName.empty() ? order_.output : order_.outputName);
   WideString line;
   if (written) {
-    line = Printable(order_.output) + u" was written, but something was reported.";
+    line = name + u" was written, but something was reported.";
   } else if (!result_.outputKeptAt.empty()) {
-    line = Printable(order_.output) + u" was not written. The complete output lies in " +
+    line = name + u" was not written. The complete output lies in " +
            Printable(result_.outputKeptAt) + u".";
   } else if (StoppedUnasked()) {
     line =

@@ -26,6 +26,8 @@ struct ModelOrder {
   std::optional<WideString> log;
   // Questions are answered by the user's word (--answer).
   bool answerIsGiven = false;
+  // What people call the output; empty: its path.
+  WideString outputName;
 };
 
 // One run: it checks, reads the scenes that the choices are about, lets the plug-in do its work,
