@@ -6,6 +6,8 @@
 //   corvel_job_bench merge OUT FILE FILE...
 //   corvel_job_bench mark FILE           half of the products are dropped
 //   corvel_job_bench registry            all releases get ready to make objects
+//
+// In front of that, --threads N; without it everything is done by one.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -34,8 +36,11 @@ int Report(const char* key, const corvel::WideString& message, int mode) {
 
 bool GoOn(int, int, const corvel::WideString*, bool, int) { return true; }
 
+unsigned threads = 1;
+
 std::unique_ptr<IfcDocument> Read(const std::string& path) {
   auto document = std::make_unique<IfcDocument>(true, Report, GoOn);
+  document->threads = threads;
   if (document->OpenFile(corvel::FromUtf8(path), 1) == 0) {
     std::fprintf(stderr, "cannot read %s\n", path.c_str());
     std::exit(1);
@@ -44,6 +49,7 @@ std::unique_ptr<IfcDocument> Read(const std::string& path) {
 }
 
 void Write(IfcDocument& document, const std::string& path, std::uintmax_t bytes) {
+  document.isReleasedNext = true;  // as the program says of each
   const Stage stage("write", bytes);
   if (document.SaveFile(corvel::FromUtf8(path)) != 1) std::exit(1);
 }
@@ -116,7 +122,11 @@ int RunRegistry() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (arguments.size() > 2 && arguments[0] == "--threads") {
+    threads = static_cast<unsigned>(std::stoul(arguments[1]));
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+  }
   corvel::MemoryReportOutput() = nullptr;
   if (arguments.size() >= 4 && arguments[0] == "merge") return RunMerge(arguments);
   if (arguments.size() >= 2 && (arguments[0] == "read" || arguments[0] == "resave")) {
@@ -124,8 +134,9 @@ int main(int argc, char** argv) {
   }
   if (arguments.size() == 2 && arguments[0] == "mark") return RunMark(arguments[1]);
   if (arguments.size() == 1 && arguments[0] == "registry") return RunRegistry();
-  std::fprintf(stderr,
-               "usage: corvel_job_bench read FILE | resave FILE OUT | merge OUT FILE... | "
-               "mark FILE | registry\n");
+  std::fprintf(
+      stderr,
+      "usage: corvel_job_bench [--threads N] read FILE | resave FILE OUT | merge OUT FILE... | "
+      "mark FILE | registry\n");
   return 2;
 }

@@ -37,8 +37,9 @@ def stages(arguments):
         raise Failed(f'{shown(arguments)}: {done.returncode}: {done.stderr.strip()}')
     result = {}
     for line in done.stdout.splitlines():
-        name, seconds, _, peak, *resident = line.split('\t')
-        result[name] = Cost(float(seconds), int(peak), int(resident[0]) if resident else 0)
+        name, seconds, _, peak, *rest = line.split('\t')
+        result[name] = Cost(float(seconds), int(peak), int(rest[0]) if rest else 0,
+                            float(rest[1]) if len(rest) > 1 else 0.0)
     return result
 
 

@@ -1,7 +1,9 @@
 // What one stage of a program costs, as a line of output that bench/measure.py reads: name, seconds
-// of processor time, input bytes, peak resident bytes so far, resident bytes now.
+// of processor time, input bytes, peak resident bytes so far, resident bytes now, seconds that went
+// by.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -38,7 +40,9 @@ class Stage {
       : name_(name), bytes_(bytes), start_(ProcessorSeconds()) {}
   ~Stage() {
     const double seconds = ProcessorSeconds() - start_;
-    std::printf("%s\t%.6f\t%ju\t%ld\t%ld\n", name_, seconds, bytes_, PeakBytes(), ResidentBytes());
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin_;
+    std::printf("%s\t%.6f\t%ju\t%ld\t%ld\t%.6f\n", name_, seconds, bytes_, PeakBytes(),
+                ResidentBytes(), elapsed.count());
   }
   Stage(const Stage&) = delete;
   Stage& operator=(const Stage&) = delete;
@@ -47,6 +51,7 @@ class Stage {
   const char* name_;
   std::uintmax_t bytes_;
   double start_;
+  std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };
 
 }  // namespace corvel::bench

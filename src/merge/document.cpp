@@ -99,7 +99,7 @@ int IfcDocument::SaveFile(const WideString& path) {
   try {
     StepWriter writer(showError_, progress_,
                       {mainContainer.get(), getHeader(), getISO(), getIfcUnitAssignment(), numbers,
-                       isReleasedNext},
+                       isReleasedNext, threads},
                       path);
     const Outcome outcome = writer.WriteFile();
     outputKeptAt = writer.KeptAt();

@@ -1,22 +1,22 @@
 #include "platform/worker_pool.h"
 
-#include <system_error>
+#include <exception>
 #include <utility>
 
 #include "platform/threads.h"
 
 namespace platform {
 
-WorkerPool::WorkerPool(unsigned threads) {
-  if (threads > 1) StartThreads(threads - 1);
+WorkerPool::WorkerPool(unsigned threads) : most_(threads > 1 ? threads - 1 : 0) {
+  threads_.reserve(most_);
 }
 
-void WorkerPool::StartThreads(unsigned count) {
-  threads_.reserve(count);
+void WorkerPool::StartOne() noexcept {
   try {
-    while (threads_.size() < count) threads_.push_back(StartThread([this] { Work(); }));
-  } catch (const std::system_error&) {
-    // The system has none to spare; those that it gave are enough.
+    threads_.push_back(StartThread([this] { Work(); }));
+  } catch (const std::exception&) {
+    // There is none to spare; those that are there are enough.
+    most_ = static_cast<unsigned>(threads_.size());
   }
 }
 
@@ -31,12 +31,15 @@ WorkerPool::~WorkerPool() {
 }
 
 void WorkerPool::Submit(Job& job) {
+  bool isOneMoreOfUse = false;
   {
     const std::scoped_lock lock(mutex_);
     queue_.push_back(&job);
     job.state_ = Job::State::kQueued;
+    isOneMoreOfUse = queue_.size() > idle_;
   }
   queued_.notify_one();
+  if (isOneMoreOfUse && threads_.size() < most_) StartOne();
 }
 
 Job& WorkerPool::TakeFirst() {
@@ -64,7 +67,9 @@ void WorkerPool::Do(Job& job, std::unique_lock<std::mutex>& lock) {
 void WorkerPool::Work() {
   std::unique_lock lock(mutex_);
   for (;;) {
+    ++idle_;
     queued_.wait(lock, [this] { return ends_ || !queue_.empty(); });
+    --idle_;
     if (queue_.empty()) return;
     Do(TakeFirst(), lock);
     done_.notify_one();

@@ -40,8 +40,9 @@ class Job {
 // caller, makes it, uses it and destroys it; it takes part in the work while it waits.
 class WorkerPool {
  public:
-  // `threads` in all, the caller among them: one less is started. Where the system refuses to start
-  // one there are fewer, and with none at all the caller does everything.
+  // `threads` in all, the caller among them: up to one less is started, each when there is a job
+  // for it. Where the system refuses to start one there are fewer, and with none at all the caller
+  // does everything.
   explicit WorkerPool(unsigned threads);
   // As Drop; then all threads have ended.
   ~WorkerPool();
@@ -58,11 +59,11 @@ class WorkerPool {
   // they have thrown is forgotten.
   void Drop() noexcept;
 
-  // Threads that work, the caller among them.
-  unsigned Threads() const { return static_cast<unsigned>(threads_.size()) + 1; }
+  // Threads that may work at the same time, the caller among them.
+  unsigned Threads() const { return most_ + 1; }
 
  private:
-  void StartThreads(unsigned count);
+  void StartOne() noexcept;
   void Work();
   Job& TakeFirst();
   void Do(Job& job, std::unique_lock<std::mutex>& lock);
@@ -71,8 +72,11 @@ class WorkerPool {
   std::condition_variable queued_;  // or the end: what the threads wait for
   std::condition_variable done_;    // what the caller waits for
   std::deque<Job*> queue_;
-  unsigned running_ = 0;
+  unsigned running_ = 0;  // jobs under way
+  unsigned idle_ = 0;     // threads that wait
   bool ends_ = false;
+  // Of the caller alone.
+  unsigned most_;  // threads beside it
   std::vector<std::thread> threads_;
 };
 

@@ -1,7 +1,9 @@
 // What StepWriter makes of objects that carry something.
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "core/carried.h"
 #include "step/carried/carried_text.h"
@@ -74,6 +76,7 @@ std::string StepWriter::TextOfTyped(const IFC::IfcEntity& entity) {
 
 // False: the object is written by its class alone.
 bool StepWriter::WriteCarrying(const IFC::IfcEntity& entity) {
+  if (carried_ == Carried::kRefused) throw std::logic_error("an object that carries something");
   if (const auto* const whole = dynamic_cast<const IFC::CarriedEntity*>(&entity)) {
     whole->writeWhole(*this);
     return true;

@@ -49,11 +49,14 @@ class OutpoutStream {
     return window_ + position_;
   }
   void Advance(std::size_t count) { position_ += count; }
+  // `count` bytes can be stored, in parts or whole, and nothing is flushed.
+  bool HasRoom(std::size_t count) const { return position_ + count <= windowCapacity_; }
   // Any number of bytes through the window.
   void Append(std::string_view bytes) {
     while (!bytes.empty()) {
-      const std::size_t part = std::min(bytes.size(), kMaxReserve);
-      std::memcpy(Reserve(part), bytes.data(), part);
+      const std::size_t part =
+          HasRoom(bytes.size()) ? bytes.size() : std::min(bytes.size(), kMaxReserve);
+      std::memcpy(Reserve(part), bytes.data(), part);  // all at once where nothing is flushed
       Advance(part);
       bytes.remove_prefix(part);
     }

@@ -1,5 +1,6 @@
 #include "step/streams/outpout_text_stream.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace FileStream {
@@ -13,7 +14,8 @@ void OutpoutTextStream::MovePosition(std::int64_t delta, int /*whence*/) {
 
 // Nothing is written out: there is room for twice as much.
 void OutpoutTextStream::FlushWindow() {
-  buffer_.resize(2 * (buffer_.size() + kMaxReserve));
+  if (position_ > most_) throw std::length_error("The text is too long.");
+  buffer_.resize(std::min(2 * (buffer_.size() + kMaxReserve), most_ + kMaxReserve));
   window_ = buffer_.data();
   windowCapacity_ = buffer_.size();
 }

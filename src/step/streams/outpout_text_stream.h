@@ -8,10 +8,11 @@
 
 namespace FileStream {
 
-// Takes any number of bytes, all of which can be stepped back over.
+// All bytes can be stepped back over.
 class OutpoutTextStream final : public OutpoutStream {
  public:
-  OutpoutTextStream() { FlushWindow(); }
+  // Takes `most` bytes and a few more; what leads beyond them throws std::length_error.
+  explicit OutpoutTextStream(std::size_t most = kAnyNumber) : most_(most) { FlushWindow(); }
 
   // What has been written; void after the next write.
   std::string_view Text() const { return {buffer_.data(), static_cast<std::size_t>(position_)}; }
@@ -30,9 +31,12 @@ class OutpoutTextStream final : public OutpoutStream {
   void FlushIfFull() override {}
 
  private:
+  static constexpr std::size_t kAnyNumber = std::string::npos / 4;
+
   void FlushWindow() override;
 
   std::string buffer_;
+  std::size_t most_;
 };
 
 }  // namespace FileStream

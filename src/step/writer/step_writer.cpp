@@ -1,11 +1,14 @@
 #include "step/writer/step_writer.h"
 
+#include <new>
+#include <optional>
 #include <stdexcept>
 
 #include "core/ticker.h"
 #include "step/log/ifc_log.h"
 #include "step/reader/token.h"
 #include "step/streams/open_output.h"
+#include "step/writer/lines_in_order.h"
 #include "step/writer/unfinished_output.h"
 
 namespace corvel {
@@ -23,7 +26,8 @@ StepWriter::StepWriter(ErrorReporter showError, ProgressCallback progress, Model
       model_(std::move(model)),
       path_(std::move(path)) {}
 
-StepWriter::StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers) : stream_(&stream) {
+StepWriter::StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers, Carried carried)
+    : stream_(&stream), carried_(carried) {
   model_.numbers = numbers;
 }
 
@@ -124,11 +128,56 @@ Outcome StepWriter::WriteData() {
   ticker.Show(0);
   // References are written by the markers of what they lead to, so all of them are set before.
   container.RefreshMarkers();
-  for (const auto& [number, entity] : container.entities) {
+  std::optional<LinesInOrder> lines;
+  try {
+    if (model_.threads > 1) lines.emplace(model_.threads, container.entities, model_.numbers);
+  } catch (const std::bad_alloc&) {
+    // One thread needs no memory for this.
+  }
+  return lines ? WriteTogether(*lines, ticker) : WriteEach(ticker);
+}
+
+Outcome StepWriter::WriteEach(Ticker& ticker) {
+  for (const auto& [number, entity] : model_.container->entities) {
     if (!WriteGuarded(*entity)) return Outcome::kFailed;
     if (!ticker.Advance()) return Outcome::kCancelled;
   }
   return Outcome::kComplete;
+}
+
+Outcome StepWriter::WriteTogether(LinesInOrder& lines, Ticker& ticker) {
+  while (const LinesOfRange* const range = lines.Next()) {
+    const Outcome outcome = WriteLines(*range, ticker);
+    if (outcome != Outcome::kComplete) return outcome;
+  }
+  return Outcome::kComplete;
+}
+
+// What WriteEach does for these objects: the stream stands at the same byte behind each of them,
+// and is written out, which may fail, while the same object is written.
+Outcome StepWriter::WriteLines(const LinesOfRange& lines, Ticker& ticker) {
+  const std::size_t count = lines.Objects().size();
+  if (lines.IsComplete() && count < ticker.Left() && HasRoomFor(lines.Text())) {
+    stream_->Append(lines.Text());
+    ticker.Advance(count);
+    return Outcome::kComplete;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string_view line = lines.LineOf(i);
+    if (!line.empty() && HasRoomFor(line)) {
+      stream_->Append(line);
+    } else if (!WriteGuarded(*lines.Objects()[i])) {
+      return Outcome::kFailed;
+    }
+    if (!ticker.Advance()) return Outcome::kCancelled;
+  }
+  return Outcome::kComplete;
+}
+
+// Whoever makes the text value by value would not write out either. He reserves room for more than
+// he then uses, and takes a few signs back.
+bool StepWriter::HasRoomFor(std::string_view text) const {
+  return stream_->HasRoom(text.size() + 2 * FileStream::OutpoutStream::kMaxReserve);
 }
 
 bool StepWriter::WriteGuarded(const IFC::IfcEntity& entity) {

@@ -17,9 +17,13 @@
 #include "step/enum_table.h"
 #include "step/numbers/number_form.h"
 #include "step/streams/outpout_stream.h"
+#include "step/writer/class_openings.h"
 
 namespace corvel {
 
+class LinesInOrder;
+class LinesOfRange;
+class Ticker;
 class UnfinishedOutput;
 struct CarriedParts;
 struct CarriedText;
@@ -36,6 +40,8 @@ struct ModelToWrite {
   // Nobody asks the objects for anything behind the writing: their markers stay as they are, which
   // saves a visit of each reference.
   bool isReleasedNext = false;
+  // Threads that make the text, that of the caller among them. They change no byte of it.
+  unsigned threads = 1;
 };
 
 // Turns the objects of a model into bytes. Every value ends with a comma; whoever closes a group
@@ -45,9 +51,12 @@ class StepWriter {
   // WriteFile chooses the stream by the ending of `path`; `showError` gets every failure once.
   StepWriter(ErrorReporter showError, ProgressCallback progress, ModelToWrite model,
              WideString path);
+  // Whether objects that carry something are written, or a std::logic_error is thrown.
+  enum class Carried : bool { kRefused, kWritten };
   // For values and single lines: writes to a stream of the caller, which is borrowed. Not for
   // WriteFile.
-  explicit StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers = NumberForm::kTold);
+  explicit StepWriter(FileStream::OutpoutStream& stream, NumberForm numbers = NumberForm::kTold,
+                      Carried carried = Carried::kWritten);
   ~StepWriter();
   StepWriter(const StepWriter&) = delete;
   StepWriter& operator=(const StepWriter&) = delete;
@@ -123,6 +132,10 @@ class StepWriter {
   void WriteHeader();
   void WriteHeaderList(std::vector<WideString>& texts);
   Outcome WriteData();
+  Outcome WriteEach(Ticker& ticker);
+  Outcome WriteTogether(LinesInOrder& lines, Ticker& ticker);
+  Outcome WriteLines(const LinesOfRange& lines, Ticker& ticker);
+  bool HasRoomFor(std::string_view text) const;
   bool WriteGuarded(const IFC::IfcEntity& entity);
   Outcome Finish();
   Outcome EndEarly(Outcome outcome);
@@ -135,6 +148,8 @@ class StepWriter {
   std::unique_ptr<UnfinishedOutput> output_;
   std::unique_ptr<FileStream::OutpoutStream> ownStream_;  // writes to output_, goes before it
   FileStream::OutpoutStream* stream_ = nullptr;
+  Carried carried_ = Carried::kWritten;
+  ClassOpenings openings_;
   // Numbers of nothing that are taken in the meantime, with those that are written instead.
   std::unordered_map<std::uint32_t, std::uint32_t> missing_;
   std::uint32_t lastMissing_ = 0;

@@ -1,11 +1,7 @@
 // The values of StepWriter.
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <stdexcept>
-#include <vector>
 
-#include "core/entity_cast.h"
 #include "step/numbers/byte_runs.h"
 #include "step/numbers/exact_real.h"
 #include "step/numbers/number_text.h"
@@ -72,40 +68,8 @@ char* PutPlain(std::string_view text, char* to) {
   return to;
 }
 
-// "IFCWALL(" of a class. Copied whole, which needs no call.
-struct Opening {
-  static constexpr std::size_t kRoom = 64;
-
-  std::array<char, kRoom> text{};
-  std::size_t size = 0;
-};
-
-Opening MakeOpening(WideView className) {
-  Opening opening;
-  if (className.size() >= Opening::kRoom) throw std::logic_error("a class name is too long");
-  for (const char16_t unit : className) {
-    const char c = static_cast<char>(unit);
-    opening.text[opening.size++] = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  }
-  opening.text[opening.size++] = '(';
-  return opening;
-}
-
-// Made once for each class.
-const Opening& OpeningOf(const IFC::IfcEntity& entity) {
-  static ClassMemory memory;
-  static std::vector<Opening> openings;
-  const std::type_info* const dynamicClass = &typeid(entity);
-  if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) [[likely]] {
-    return openings[static_cast<std::size_t>(*known)];
-  }
-  const Opening& opening = openings.emplace_back(MakeOpening(entity.getClassName()));
-  memory.Remember(dynamicClass, static_cast<std::ptrdiff_t>(openings.size() - 1));
-  return opening;
-}
-
-void PutOpening(FileStream::OutpoutStream& stream, const Opening& opening) {
-  std::memcpy(stream.Reserve(Opening::kRoom), opening.text.data(), Opening::kRoom);
+void PutOpening(FileStream::OutpoutStream& stream, const ClassOpening& opening) {
+  std::memcpy(stream.Reserve(ClassOpening::kRoom), opening.text.data(), ClassOpening::kRoom);
   stream.Advance(opening.size);
 }
 
@@ -231,7 +195,7 @@ bool StepWriter::WriteEntityRef(const IFC::IfcEntity* entity) {
 // `IFCNULLSTYLE)`, as that class is always written; an entity class without attributes, such
 // as IfcVertex, keeps it.
 void StepWriter::WriteTypedCall(const IFC::IfcEntity& entity) {
-  PutOpening(*stream_, OpeningOf(entity));
+  PutOpening(*stream_, openings_.Of(entity));
   entity.write(*this);
   const bool isEmptyEntity = stream_->LastByte() == '(' && entity.isComplexType();
   if (!isEmptyEntity) stream_->StepBack(1);
