@@ -82,6 +82,9 @@ Platform* Replace(Platform* replacement);
 // much as there is: once behind a run, not once for each model.
 void ReturnFreeMemory();
 
+// What this process has in physical memory now, in bytes; 0 when the system does not tell.
+std::uint64_t ProcessMemoryBytes();
+
 // What a yes/no box on the terminal answers unasked: kYes/kNo; nothing: ask on a terminal, and take
 // Yes without one. Boxes in windows don't look at it.
 void SetAnswerPolicy(std::optional<Answer> policy);

@@ -57,13 +57,23 @@ std::uint64_t TotalAddressSpace() {
   return std::min<std::uint64_t>(limit.rlim_cur, kAddressSpace);
 }
 
-std::uint64_t UsedAddressSpace() {
+// The figures of /proc/self/statm by position: the first is that of the whole process, the second
+// what of it is in physical memory.
+std::uint64_t OwnFigure(std::size_t position) {
   const std::string text = ReadWhole(u"/proc/self/statm");
+  const char* at = text.data();
+  const char* const end = at + text.size();
   std::uint64_t pages = 0;
-  // The first figure is that of the whole process.
-  std::from_chars(text.data(), text.data() + text.size(), pages);
+  for (std::size_t i = 0; i <= position; ++i) {
+    at = std::find_if(at, end, [](char c) { return c != ' '; });
+    const auto read = std::from_chars(at, end, pages);
+    if (read.ec != std::errc()) return 0;
+    at = read.ptr;
+  }
   return pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
 }
+
+std::uint64_t UsedAddressSpace() { return OwnFigure(0); }
 
 }  // namespace
 
@@ -89,6 +99,8 @@ std::optional<MemoryFigures> QuerySystemMemory() {
       figures->totalAddressSpace - std::min(UsedAddressSpace(), figures->totalAddressSpace);
   return figures;
 }
+
+std::uint64_t ProcessMemoryBytes() { return OwnFigure(1); }
 
 void ReturnFreeMemory() {
 #ifdef __GLIBC__
