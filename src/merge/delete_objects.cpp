@@ -66,6 +66,7 @@ class Marking {
     if (order_.deleteOpenings) DeleteAllOpenings(container_, order_.deletePairs, order_.savePairs);
     MarkEntitiesAndChildrenToDelete(container_, order_.deletePairs);
     MarkEntitiesAndChildrenAndParentsToSave(container_, order_.savePairs, order_.deletePairs);
+    Tell(MarkingStep::kChosen);
     return Tick(5, 100, true);
   }
 
@@ -76,8 +77,15 @@ class Marking {
     if (!DeleteParentsOfDeleted(container_, deletion, second)) return false;
     // Behind the first step that deletes: which elements are gone is known from here on.
     if (!order_.deleteOpenings) RemoveOpeningsFromDeleteList(container_, order_.deletePairs);
-    return MarkDependentsToDelete(container_, deletion, order_.deletePairs, second) &&
-           RemoveUnsavedEntities(container_, deletion, StageOf(10, third_));
+    if (!MarkDependentsToDelete(container_, deletion, order_.deletePairs, second)) return false;
+    Tell(MarkingStep::kFollowed);
+    if (!RemoveUnsavedEntities(container_, deletion, StageOf(10, third_))) return false;
+    Tell(MarkingStep::kSwept);
+    return true;
+  }
+
+  void Tell(MarkingStep step) const {
+    if (order_.listener != nullptr && *order_.listener) (*order_.listener)(step);
   }
 
   IFC::MainContainer& container_;

@@ -125,10 +125,11 @@ bool IfcDocument::MergeDocument(IfcDocument& source, unsigned mergeLevel, bool n
 
 bool IfcDocument::DeleteObjects(std::vector<MarkerPair>& deletePairs,
                                 std::vector<MarkerPair>& savePairs, bool deleteUnrelated,
-                                bool deleteOpenings, int fileCount) {
+                                bool deleteOpenings, int fileCount,
+                                const MarkingListener& listener) {
   return corvel::DeleteObjects(*mainContainer,
                                {deletePairs, savePairs, deleteUnrelated, deleteOpenings, fileCount,
-                                progress_, getIfcProject(), showError_});
+                                progress_, getIfcProject(), showError_, &listener});
 }
 
 bool IfcDocument::MarkEntitiesAndChildrenToDelete(const std::vector<MarkerPair>& deletePairs) {

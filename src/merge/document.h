@@ -13,6 +13,7 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "merge/marker_pair.h"
+#include "merge/marking_steps.h"
 #include "merge/merge_status.h"
 #include "step/factories.h"
 #include "step/numbers/number_form.h"
@@ -72,9 +73,11 @@ class IfcDocument {
   // everything ends with the marker kToSave or kDeleted, or 0, which stays too. What is saved stays
   // whole; what is deleted takes along what it alone used. The lists are changed. With
   // `deleteOpenings` all openings are deleted. `fileCount`: models of the run, for the progress.
+  // `listener` is told the steps while they are done.
   // False when the user cancelled; the marks are then half done.
   bool DeleteObjects(std::vector<MarkerPair>& deletePairs, std::vector<MarkerPair>& savePairs,
-                     bool deleteUnrelated, bool deleteOpenings, int fileCount);
+                     bool deleteUnrelated, bool deleteOpenings, int fileCount,
+                     const MarkingListener& listener = {});
 
   // The steps of DeleteObjects, in their order. They look up objects by original number and skip
   // numbers that the model does not have. All but the first two need the parents lists. `share` and

@@ -12,6 +12,7 @@
 #include "core/text.h"
 #include "core/ticker.h"
 #include "merge/marker_pair.h"
+#include "merge/marking_steps.h"
 
 namespace corvel {
 
@@ -147,6 +148,7 @@ struct MarkingOrder {
   ProgressCallback progress = nullptr;
   const IFC::IfcEntity* project = nullptr;  // looked at for `deleteUnrelated` alone
   ErrorReporter showError = nullptr;
+  const MarkingListener* listener = nullptr;
 };
 // All of it, as IfcDocument::DeleteObjects.
 bool DeleteObjects(IFC::MainContainer& container, const MarkingOrder& order);

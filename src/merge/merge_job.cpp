@@ -5,6 +5,7 @@
 
 #include "core/cancellation.h"
 #include "core/outcome.h"
+#include "merge/chosen_objects.h"
 #include "merge/federation/federation.h"
 #include "merge/federation/new_header.h"
 #include "merge/federation/tree/join_trees.h"
@@ -113,14 +114,17 @@ RunResult MergeJob::Run(const std::set<HostObject>& files, const std::vector<Hos
     return {};
   }
   WarnOfLargeFiles();
+  observer_ = shell_.Observer();
   const ModelsOfRun whileItLasts(models_);
   Prepare();
   const bool proposes = shell_.Options().federation.proposeTree.has_value();
-  if (!TreeMapIsRight() || !(proposes || AskForOutput()) || !ReadAll()) return End(false);
+  const bool writesModel = !proposes && !shell_.Options().isDryRun;
+  if (!TreeMapIsRight() || (writesModel && !AskForOutput()) || !ReadAll()) return End(false);
   // Reading is over, so that an output may take the place of a work file that it has left.
-  if (!proposes) outputPath_ = shell_.OutputPath();
+  if (writesModel) outputPath_ = shell_.OutputPath();
   if (!PrepareModels() || !Fold()) return End(false);
   if (proposes) return EndProposal();
+  if (!writesModel) return EndDryRun();
   const bool saved = Save();
   // An output that is at its place is one, whatever was pressed since.
   if (!saved && Cancellation::OfProcess().WasConfirmed()) return End(false);
@@ -173,6 +177,7 @@ bool MergeJob::Read(HostObject project) {
   shell_.SetCurrentText(shell_.Text("checking_files"));
   shell_.SetCurrentFile(path);
   Log(u"Reading file: " + path);
+  TellStage(RunStage::kRead, path);
   const MergeOptions options = shell_.Options();
   auto document =
       std::make_unique<IfcDocument>(options.ignoreEnumErrors, shell_.Reporter(), shell_.Ticks());
@@ -193,6 +198,7 @@ bool MergeJob::Read(HostObject project) {
   shell_.SetCurrentFile(path);
   Log(u"Reading file: " + path);
   document->OpenFile(path, projectCount);
+  if (observer_ != nullptr) observer_->ModelIsRead(*document);
   if (document->IsCancelled()) {
     Log(u"Reading file cancelled.");
     return false;
@@ -204,8 +210,10 @@ bool MergeJob::Read(HostObject project) {
 // A model that was not read to its end stops the run, as nobody wants half a building.
 bool MergeJob::PrepareModels() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
+  TellStage(RunStage::kCompare);
   const int mergeableCount = CheckUnits(models_, shell_);
   shell_.TellModelsCompared(models_);
+  if (observer_ != nullptr) observer_->ModelsAreCompared(models_);
   if (mergeableCount < 2) return false;
   for (const RunModel& model : models_) {
     if (!model.mergeable) continue;
@@ -232,6 +240,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight) {
   const WideString path = document.getFilePath();
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
   shell_.SetCurrentFile(path);
+  TellStage(RunStage::kChoose, path);
   Log(u"Procesing AdjustUnit");
   // The first is what the others are measured by.
   if (&model != &models_.front()) AdjustUnit(model);
@@ -245,10 +254,11 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight) {
   selection.getObjectsID(mode_, model.hostProject, save, leftOut);
   std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
   std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
+  TellChoice(observer_, document, model.hostProject, scene_, mode_, leftOut);
   shell_.StartStage(weight);
   Log(u"Deleting objects from: " + path);
   document.DeleteObjects(deletePairs, savePairs, false, shell_.Options().deleteOpenings,
-                         static_cast<int>(projects_.size()));
+                         static_cast<int>(projects_.size()), ListenerFor(observer_, document));
   Log(u"Done.");
   return true;
 }
@@ -262,13 +272,11 @@ void MergeJob::TellMergeFailed() {
 bool MergeJob::Fold() {
   shell_.SetCurrentText(shell_.Text("btn_merge"));
   shell_.StartStage(kMergingWeight);
+  TellStage(RunStage::kFold);
   Log(u"Processing ResetGenerateNewGuidMarker");
   RememberedGuidChoice() = kAskAboutGuids;
   Log(u"Merging files...");
-  std::vector<IfcDocument*> documents;
-  for (const RunModel& model : models_) {
-    if (model.mergeable) documents.push_back(model.document.get());
-  }
+  const std::vector<IfcDocument*> documents = MergeableDocuments();
   const auto announce = [this](const IfcDocument& source) {
     shell_.SetCurrentText(shell_.Text("btn_merge"));
     shell_.SetCurrentFile(source.getFilePath());
@@ -283,17 +291,31 @@ bool MergeJob::Fold() {
     return false;
   }
   documents.front()->RemoveUnsavedEntities(nullptr, 0, {});
-  if (!RunFederation(documents, federation, prepared, shell_.Reporter(), shell_.Ticks())) {
+  if (observer_ != nullptr) observer_->ModelsAreFolded(documents);
+  TellStage(RunStage::kJoin);
+  if (!RunFederation(documents, federation, prepared, shell_.Reporter(), shell_.Ticks(),
+                     observer_)) {
     if (!Cancellation::OfProcess().WasConfirmed()) TellMergeFailed();
     return false;
   }
-  shell_.SaveOptions();
+  TellStage(RunStage::kLook);
+  if (observer_ != nullptr) observer_->ModelIsDone(documents);
+  if (!shell_.Options().isDryRun) shell_.SaveOptions();
   IfcLog::Instance().Flush();
   Log(u"Done.");
   return true;
 }
 
+std::vector<IfcDocument*> MergeJob::MergeableDocuments() const {
+  std::vector<IfcDocument*> documents;
+  for (const RunModel& model : models_) {
+    if (model.mergeable) documents.push_back(model.document.get());
+  }
+  return documents;
+}
+
 bool MergeJob::Save() {
+  TellStage(RunStage::kWrite);
   shell_.SetCurrentText(shell_.Text("exporting_file_as"));
   shell_.SetCurrentFile(outputPath_);
   shell_.StartLastStage();
@@ -333,6 +355,18 @@ RunResult MergeJob::EndProposal() {
   return End(true);
 }
 
+// Nothing is there that could be opened, and the choices of the window are kept by a real run.
+RunResult MergeJob::EndDryRun() {
+  Log(u"Dry run: nothing is written.");
+  IfcLog::Instance().Flush();
+  shell_.ResetProgress();
+  return End(true);
+}
+
+void MergeJob::TellStage(RunStage stage, const WideString& path) {
+  if (observer_ != nullptr) observer_->StageBegins(stage, path);
+}
+
 // The models go before the user is asked about the log, which may take a while.
 RunResult MergeJob::End(bool written) {
   RunResult result;
@@ -341,11 +375,13 @@ RunResult MergeJob::End(bool written) {
       result.remarks.emplace_back(model.document->getFilePath(), remark);
     }
   }
-  Free(models_);
-  shell_.FinishRun();
   result.written = written;
   result.cancelled = Cancellation::OfProcess().WasConfirmed();
   result.outputKeptAt = std::move(outputKeptAt_);
+  if (observer_ != nullptr) observer_->RunEnds(result);
+  Free(models_);
+  shell_.FinishRun();
+  result.cancelled = Cancellation::OfProcess().WasConfirmed();
   return result;
 }
 

@@ -9,12 +9,15 @@
 #include "merge/merge_shell.h"
 #include "merge/object_selection.h"
 #include "merge/run_model.h"
+#include "merge/run_observer.h"
 
 namespace corvel {
 
 // How a run ended. Users are told by boxes and the log; this is for a shell without windows.
 struct RunResult {
-  bool written = false;    // the output, or the list that was asked for instead, is there, complete
+  // The output, or the list that was asked for instead, is there, complete; or a dry run has come
+  // to its end.
+  bool written = false;
   bool cancelled = false;  // somebody answered a cancel question with Yes
   // Where the complete output lies when it could not be put at its place; empty otherwise.
   WideString outputKeptAt;
@@ -62,10 +65,14 @@ class MergeJob {
   void RenewHeaderIfWanted();
   void Conclude();
   RunResult EndProposal();
+  RunResult EndDryRun();
+  void TellStage(RunStage stage, const WideString& path = {});
+  std::vector<IfcDocument*> MergeableDocuments() const;
   RunResult End(bool written);
 
   HostScene& scene_;
   MergeShell& shell_;
+  RunObserver* observer_ = nullptr;
   std::vector<HostObject> files_;  // in the order of the run
   std::vector<HostObject> projects_;
   std::vector<RunModel> models_;

@@ -13,6 +13,8 @@
 
 namespace corvel {
 
+class RunObserver;
+
 // What the user chose in the options window and in config.txt.
 struct MergeOptions {
   bool generateGuid = true;       // on a GUID that is there already: a new one, or skip the object
@@ -31,6 +33,8 @@ struct MergeOptions {
   // Threads that read and write, that of the run among them; at least 1. What comes out is the same
   // for every number.
   unsigned threads = 1;
+  // Everything is done but the writing, and nobody is asked for an output.
+  bool isDryRun = false;
 };
 
 // What the save dialog starts with.
@@ -70,6 +74,9 @@ class MergeShell {
   // wait for the user.
   virtual ErrorReporter Reporter() = 0;
   virtual ProgressCallback Ticks() = 0;
+
+  // Who wants to hear of the run; borrowed, and null where nobody does. Asked once for a run.
+  virtual RunObserver* Observer() { return nullptr; }
 
   // All models have been read and measured by the first one. For shells that have a use for it.
   virtual void TellModelsCompared(const std::vector<RunModel>& /*models*/) {}

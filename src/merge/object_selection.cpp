@@ -94,6 +94,23 @@ std::vector<MarkerPair> ObjectSelection::ToMarkerPairs(const std::vector<HostObj
   return pairs;
 }
 
+std::vector<LeftOutObject> ObjectSelection::Reasons(SavingMode mode,
+                                                    const std::vector<HostObject>& leftOut) {
+  std::vector<LeftOutObject> reasons;
+  if (leftOut.empty()) return reasons;
+  const std::vector<ObjectInfo> infos = scene_.Infos(leftOut);
+  const std::vector<ObjectState> states = scene_.States(leftOut);
+  for (std::size_t i = 0; i < leftOut.size(); ++i) {
+    if (infos[i].number == 0) continue;
+    const bool isSelection = mode == SavingMode::kMergeSelected;
+    const LeftOutReason reason = isSelection             ? LeftOutReason::kNotSelected
+                                 : states[i].active == 0 ? LeftOutReason::kInactive
+                                                         : LeftOutReason::kHidden;
+    reasons.push_back({infos[i].number, reason});
+  }
+  return reasons;
+}
+
 std::vector<HostObject> ObjectSelection::ObjectsOf(HostObject project) {
   return project == 0 ? scene_.AllObjects() : scene_.ObjectsOf(project);
 }

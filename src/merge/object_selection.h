@@ -8,6 +8,7 @@
 
 #include "merge/host_scene.h"
 #include "merge/marker_pair.h"
+#include "merge/marking_steps.h"
 
 namespace corvel {
 
@@ -34,6 +35,9 @@ class ObjectSelection {
   // Numbers of the file for objects of the host; what has none is left out. A parent that the host
   // does not know, or that has no number, is 0.
   std::vector<MarkerPair> ToMarkerPairs(const std::vector<HostObject>& objects);
+  // Why objects are left out that the mode leaves out: one that is hidden and inactive is inactive.
+  // What has no number is left out here too.
+  std::vector<LeftOutObject> Reasons(SavingMode mode, const std::vector<HostObject>& leftOut);
 
  private:
   std::vector<HostObject> ObjectsOf(HostObject project);

@@ -21,15 +21,6 @@ using IFC::IfcEntity;
 using IFC::VirtualLocalPlacement;
 using Vector = std::array<double, 3>;
 
-// In millimetres.
-Vector OffsetOf(HostObject project, HostScene& scene) {
-  const std::vector<ProjectOffsetRecord> records = scene.ProjectOffsets();
-  const auto found = std::find_if(records.begin(), records.end(), [project](const auto& record) {
-    return record.project == project;
-  });
-  return found == records.end() ? Vector{} : Vector{found->x, found->y, found->z};
-}
-
 // In metres.
 Vector CenterOf(HostScene& scene) {
   const CoordinateCenters centers = scene.Centers();
@@ -202,6 +193,14 @@ bool ProductMove::HangBelowRoot(VirtualLocalPlacement& top) {
 }
 
 }  // namespace
+
+std::array<double, 3> OffsetOf(HostObject project, HostScene& scene) {
+  const std::vector<ProjectOffsetRecord> records = scene.ProjectOffsets();
+  const auto found = std::find_if(records.begin(), records.end(), [project](const auto& record) {
+    return record.project == project;
+  });
+  return found == records.end() ? Vector{} : Vector{found->x, found->y, found->z};
+}
 
 bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene) {
   const Vector offset = OffsetOf(project, scene);

@@ -1,6 +1,8 @@
 // Models stand in the merged file where the host shows them.
 #pragma once
 
+#include <array>
+
 #include "merge/document.h"
 #include "merge/host_scene.h"
 
@@ -22,5 +24,8 @@ namespace corvel {
 // False when there are not enough numbers left for the new entities, which has been reported: the
 // model is then half moved, and of no use.
 bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene);
+
+// By how much the host shows the project away from its own coordinates, in millimetres.
+std::array<double, 3> OffsetOf(HostObject project, HostScene& scene);
 
 }  // namespace corvel

@@ -28,7 +28,8 @@ WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
 
 class Steps {
  public:
-  Steps(FederatedModel& model, ProgressCallback progress) : model_(model), progress_(progress) {}
+  Steps(FederatedModel& model, ProgressCallback progress, RunObserver* observer)
+      : model_(model), progress_(progress), observer_(observer) {}
 
   bool JoinContexts() {
     JoinedContexts counts;
@@ -39,6 +40,9 @@ class Steps {
     for (const WideString& context : counts.apart) {
       Log(u"Context stays apart for its coordinate system: " + context);
     }
+    Tell({"contexts",
+          {{"joined", counts.joined}, {"entered", counts.entered}},
+          {{"apart", &counts.apart}}});
     return done;
   }
 
@@ -53,6 +57,12 @@ class Steps {
     for (const WideString& difference : counts.differences) {
       Log(u"Differs, and the first stays: " + difference);
     }
+    Tell({"mend",
+          {{"left", counts.left},
+           {"united", counts.united},
+           {"gone", counts.deleted.size()},
+           {"propertySets", counts.propertySets}},
+          {{"differences", &counts.differences}}});
     return done;
   }
 
@@ -70,6 +80,9 @@ class Steps {
     for (const WideString& objects : counts.ambiguous) {
       Log(u"Several would match, none is taken: " + objects);
     }
+    Tell({"tree",
+          {{"joined", counts.joined}, {"parts", counts.parts}, {"folded", counts.folded}},
+          {{"ambiguous", &counts.ambiguous}}});
     return done;
   }
 
@@ -80,6 +93,7 @@ class Steps {
     });
     Log(u"Objects joined with an equal one: " + Count(counts.joined) + u", applications: " +
         Count(counts.applications));
+    Tell({"objects", {{"joined", counts.joined}, {"applications", counts.applications}}});
     return done;
   }
 
@@ -89,6 +103,7 @@ class Steps {
       return corvel::UniteRelations(model_, ticker, united);
     });
     Log(u"Relations joined with one that says the same: " + Count(united));
+    Tell({"relations", {{"joined", united}}});
     return done;
   }
 
@@ -98,6 +113,7 @@ class Steps {
       return corvel::LeaveOutBelongings(model_, mended_, ticker, leftOut);
     });
     Log(u"Objects left out since they belonged to what was joined: " + Count(leftOut));
+    Tell({"belongings", {{"leftOut", leftOut}}});
     return done;
   }
 
@@ -106,12 +122,15 @@ class Steps {
     const bool done =
         Run(u"GUIDs", [&](Ticker& ticker) { return corvel::RenewGuids(model_, ticker, renewed); });
     Log(u"GUIDs renewed: " + Count(renewed.size()));
+    std::vector<WideString> differences;
     for (const auto& [object, input] : renewed) {
       if (!listed) break;
       const WideString path = model_.Document(input).getFilePath();
-      Log(u"Differs from the one whose GUID it had: " + DisplayName(*object) + u" of " +
-          WideString(platform::FileNameOf(path)));
+      differences.push_back(DisplayName(*object) + u" of " +
+                            WideString(platform::FileNameOf(path)));
+      Log(u"Differs from the one whose GUID it had: " + differences.back());
     }
+    Tell({"guids", {{"renewed", renewed.size()}}, {{"differences", &differences}}});
     return done;
   }
 
@@ -124,6 +143,7 @@ class Steps {
     });
     Log(u"Objects and relations left out since their hosts are gone: " + Count(hostless));
     Log(u"Objects left out since nothing needs them: " + Count(pruned));
+    Tell({"prune", {{"hostless", hostless}, {"unneeded", pruned}}});
     return done;
   }
 
@@ -133,6 +153,7 @@ class Steps {
       return corvel::ShareEqual(model_, numbers, ticker, shared);
     });
     Log(u"Objects left out since an equal one is written: " + Count(shared));
+    Tell({"share", {{"shared", shared}}});
     return done;
   }
 
@@ -141,10 +162,15 @@ class Steps {
     const bool done =
         Run(u"stamp", [&](Ticker& ticker) { return StampInputs(model_, ticker, stamped); });
     Log(u"Groups made for inputs: " + Count(stamped));
+    Tell({"stamp", {{"groups", stamped}}});
     return done;
   }
 
  private:
+  void Tell(const FederationNote& note) const {
+    if (observer_ != nullptr) observer_->StepIsDone(note);
+  }
+
   template <class Step>
   bool Run(const WideString& name, Step step) const {
     Ticker ticker({.callback = progress_, .text = &name},
@@ -154,6 +180,7 @@ class Steps {
 
   FederatedModel& model_;
   ProgressCallback progress_;
+  RunObserver* observer_;
   MendedRelations mended_;
 };
 
@@ -181,10 +208,10 @@ PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
 
 bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
                    const PreparedFederation& prepared, ErrorReporter showError,
-                   ProgressCallback progress) {
+                   ProgressCallback progress, RunObserver* observer) {
   if (!choices.ChangeModel()) return true;
   FederatedModel model(documents);
-  Steps steps(model, progress);
+  Steps steps(model, progress, observer);
   if (choices.joinContexts && !steps.JoinContexts()) return false;
   const TreeTask tree = {choices, prepared.guids, showError};
   if (choices.proposeTree) return steps.ProposeTree(tree);

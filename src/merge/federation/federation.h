@@ -7,6 +7,7 @@
 #include "merge/document.h"
 #include "merge/federation/choices.h"
 #include "merge/federation/tree/spatial_structure.h"
+#include "merge/run_observer.h"
 
 namespace corvel {
 
@@ -23,9 +24,9 @@ PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
 // Behind fold and sweep. `documents`: all that were folded into the first, in order, the first
 // included. What each step did goes to the log. False: the user cancelled, or what failed has been
 // reported; the model is not to be written then. With a proposal asked for nothing is to be written
-// at all: it has been. Linear in the models.
+// at all: it has been. Linear in the models. `observer`, which may be null, is told each step.
 bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationChoices& choices,
                    const PreparedFederation& prepared, ErrorReporter showError,
-                   ProgressCallback progress);
+                   ProgressCallback progress, RunObserver* observer = nullptr);
 
 }  // namespace corvel
