@@ -5,6 +5,7 @@
 #include "host/command_line.h"
 #include "host/diff/diff_run.h"
 #include "host/display_text.h"
+#include "host/dry_run_text.h"
 #include "host/file_facts.h"
 #include "host/file_names.h"
 #include "host/info_text.h"
@@ -39,9 +40,17 @@ ExitStatus RunModels(const CommandLine& line) {
                          line.workFolder.value_or(platform::SystemTemporaryFolder()),
                          line.log,
                          line.answer.has_value(),
-                         line.outputIsPiped ? u"standard output" : WideString()};
+                         line.outputIsPiped ? u"standard output" : WideString(),
+                         NameOf(line.command),
+                         line.isDryRun,
+                         line.reports};
   ModelRun run(order, console);
   const ExitStatus status = run.Run();
+  if (line.isDryRun) {
+    const bool isTold = run.Report() == nullptr || run.Report()->inputs.empty() ||
+                        platform::WriteStandardOutput(DryRunText(*run.Report()));
+    return isTold ? status : ExitStatus::kNothingWritten;
+  }
   if (line.quiet || line.outputIsPiped) return status;
   if (status == ExitStatus::kDone) {
     platform::WriteStandardOutput(Printable(line.output) + u" was written.\n");

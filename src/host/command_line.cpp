@@ -8,6 +8,7 @@
 
 #include "host/help_texts.h"
 #include "host/nearest_name.h"
+#include "merge/report/report_file.h"
 
 namespace corvel::host {
 
@@ -34,6 +35,8 @@ struct Words {
   std::string workFolder;
   std::string log;
   std::string tolerance;
+  std::vector<std::string> reports;
+  bool dryRun = false;
   ChoiceWords merge;
   std::string listing;
   bool ignoreEnumErrors = false;
@@ -106,6 +109,7 @@ void AddChoiceOptions(CLI::App& app, Words& words) {
 void AddMergeOptions(CLI::App& app, Words& words) {
   app.add_option("--on-duplicate-guid", words.merge.onDuplicateGuid);
   app.add_flag("--ignore-units", words.ignoreUnits);
+  app.add_flag("--dry-run", words.dryRun);
 }
 
 void AddFederationOptions(CLI::App& app, Command command) {
@@ -158,6 +162,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_option("--user-folder", words.userFolder);
   app.add_option("--work-folder", words.workFolder);
   app.add_option("--log", words.log);
+  if (ChoosesObjects(command) || IsWholeCopy(command)) AddRepeated(app, "--report", words.reports);
   app.add_flag("-h,--help", words.help);
 }
 
@@ -242,9 +247,18 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   if (command == Command::kDiff && app.count("--tolerance") != 0 && !LengthFrom(words.tolerance)) {
     return "--tolerance takes a number of millimetres above 0, not " + Quoted(words.tolerance);
   }
+  for (const std::string& report : words.reports) {
+    if (ReportFormOf(FromUtf8(report)) == ReportForm::kNone) {
+      return "--report takes a name that ends in .html or .json, not " + Quoted(report);
+    }
+  }
   if (auto error = CountError(command, words.files.size())) return error;
   if (!ChoosesObjects(command)) return {};
   const bool proposes = app.count("--propose-tree") != 0;
+  if (words.dryRun) {
+    if (proposes) return "--propose-tree writes a list: leave --dry-run out";
+    return {};
+  }
   if (proposes == (app.count("--output") != 0)) {
     return proposes ? "--propose-tree writes no model: leave -o out"
                     : "the output is missing: -o OUT";
@@ -270,6 +284,8 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.choices.tolerant = words.tolerant;
   line.choices.ignoreUnits = words.ignoreUnits;
   line.choices.deleteOpenings = words.deleteOpenings;
+  line.isDryRun = words.dryRun;
+  for (const std::string& report : words.reports) line.reports.push_back(FromUtf8(report));
   line.quiet = words.quiet;
   line.json = words.json;
   if (const auto tolerance = LengthFrom(words.tolerance)) line.toleranceMm = *tolerance;
@@ -334,6 +350,13 @@ Outcome ParseWithoutCommand(const std::string& word) {
 }
 
 }  // namespace
+
+std::string NameOf(Command command) {
+  const auto* const found =
+      std::find_if(std::begin(kCommands), std::end(kCommands),
+                   [command](const CommandName& entry) { return entry.command == command; });
+  return found->name;
+}
 
 Outcome ParseCommandLine(const std::vector<WideString>& arguments, const FileFinder& findFiles) {
   if (arguments.empty()) return Wrong("a command is needed.\nSee 'corvel --help'.");

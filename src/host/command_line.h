@@ -16,11 +16,15 @@ namespace corvel::host {
 
 enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree, kDiff };
 
+std::string NameOf(Command command);  // "merge"
+
 struct CommandLine {
   Command command = Command::kMerge;
   std::vector<WideString> inputs;  // merge: two or more; info: one or more; diff: two; others: one
-  WideString output;               // of all but info, tree and diff
-  RunChoices choices;  // merge and extract; resave and optimise choose no objects and no places
+  WideString output;               // of all but info, tree and diff; a dry run may have none
+  RunChoices choices;     // merge and extract; resave and optimise choose no objects and no places
+  bool isDryRun = false;  // merge
+  std::vector<WideString> reports;  // of all that have an output
   bool quiet = false;
   bool json = false;                       // info, tree and diff
   double toleranceMm = 0.001;              // diff

@@ -80,6 +80,9 @@ constexpr char16_t kMergeOptions[] =
                           the choice of the options window about a GUID that
                           two models share; it has no effect: both objects are
                           written, and keep it
+  --dry-run               do everything but write, and tell what would become
+                          of each model; takes no -o, and looks at one that is
+                          given
 )help";
 
 constexpr char16_t kFederationOptions[] =
@@ -240,6 +243,10 @@ constexpr char16_t kModelOptions[] =
                           the output and no message depends on their number
   --answer yes|no         answer every question so instead of asking. The
                           question is always whether to stop.
+  --report FILE           write what became of each model, and of what they
+                          hold, to FILE: .html is a page for a browser, .json
+                          the same for programs. Also when the run fails. May
+                          be given twice; docs/report.md tells what is in it
   --log FILE              where the log goes if there is one, in the place of
                           NAME_IFC_LOG.txt beside the output NAME.ifc
   --user-folder DIR       where config.txt and LastPath.txt lie, in the place

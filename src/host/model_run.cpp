@@ -10,7 +10,9 @@
 #include "host/resave.h"
 #include "host/run_checks.h"
 #include "merge/object_selection.h"
+#include "merge/report/report_file.h"
 #include "plugin/bound_scene.h"
+#include "plugin/run_reports.h"
 #include "plugin/texts.h"
 #include "step/log/ifc_log.h"
 
@@ -27,17 +29,43 @@ class LogPlaced {
   LogPlaced& operator=(const LogPlaced&) = delete;
 };
 
+// What is reported goes into the report as well. What is only logged is no failure.
+class ReportsHeard {
+ public:
+  explicit ReportsHeard(ReportGatherer* gatherer) {
+    if (gatherer == nullptr) return;
+    plugin::SetReportEar([gatherer](const WideString& text, int mode) {
+      if (mode == kReportLog) {
+        gatherer->AddMessage(text);
+      } else {
+        gatherer->AddFailure(text);
+      }
+    });
+  }
+  ~ReportsHeard() { plugin::SetReportEar({}); }
+  ReportsHeard(const ReportsHeard&) = delete;
+  ReportsHeard& operator=(const ReportsHeard&) = delete;
+};
+
 }  // namespace
 
 ModelRun::ModelRun(ModelOrder order, RunConsole& console)
-    : order_(std::move(order)), console_(console) {}
+    : order_(std::move(order)), console_(console) {
+  if (order_.reports.empty() && !order_.isDryRun) return;
+  gatherer_.emplace(order_.command);
+  gatherer_->SetDryRun(order_.isDryRun);
+  gatherer_->SetOutput(order_.output);
+}
 
 ExitStatus ModelRun::Run() {
   const LogPlaced whileItLasts(PlaceOfLog());
   if (PathsAreGood() && !console_.ShallEnd()) {
     const bool listsAreGood = LoadScene();
     if (!listsAreGood && !console_.WasCancelled()) return ExitStatus::kWrongUsage;
-    if (!console_.ShallEnd() && ScenesAreReadable()) result_ = Write();
+    if (!console_.ShallEnd() && ScenesAreReadable()) {
+      result_ = Write();
+      WriteReports();
+    }
   }
   console_.EraseBars();
   return Conclude();
@@ -52,8 +80,14 @@ bool ModelRun::PathsAreGood() {
     good = false;
   };
   const bool proposes = order_.choices.federation.proposeTree.has_value();
-  tell(order_.output, proposes ? TroubleWithList(order_.output, order_.inputs)
-                               : TroubleWithOutput(order_.output, order_.inputs));
+  const bool writesNothing = order_.isDryRun && order_.output.empty();
+  if (!writesNothing) {
+    tell(order_.output, proposes ? TroubleWithList(order_.output, order_.inputs)
+                                 : TroubleWithOutput(order_.output, order_.inputs));
+  }
+  for (const WideString& report : order_.reports) {
+    tell(report, TroubleWithReport(report, order_.inputs));
+  }
   tell(order_.workFolder, TroubleWithWorkFolder(order_.workFolder));
   if (order_.log) tell(*order_.log, TroubleWithLog(*order_.log));
   return good;
@@ -84,7 +118,9 @@ bool ModelRun::InputsAreGood() {
 
 // A folder that refuses the log is no reason to refuse the run.
 LogPlace ModelRun::PlaceOfLog() {
-  return {order_.log.value_or(LogPathOf(order_.output)), [this](const WideString& path) {
+  // A dry run without an output has its log beside the first input, as the plug-in has.
+  const WideString& beside = order_.output.empty() ? order_.inputs.front() : order_.output;
+  return {order_.log.value_or(LogPathOf(beside)), [this](const WideString& path) {
             console_.Say(Printable(path) +
                          u": the log cannot be written there; the run goes on without it");
           }};
@@ -144,11 +180,13 @@ RunResult ModelRun::Write() {
   plugin.SetListener(Listener());
   MergeOptions options = order_.choices.Over(plugin.RunOptions());
   options.workFolder = order_.workFolder;
+  options.isDryRun = order_.isDryRun;
   plugin.OverrideOptions(options);
   viewer.TellModelsAreLoaded();
+  const ReportsHeard whileItRuns(gatherer_ ? &*gatherer_ : nullptr);
   if (order_.inputs.size() > 1) return Merge(viewer, plugin);
   if (order_.extracts) return Extract(viewer, plugin.RunOptions());
-  return Resave({order_.inputs.front(), order_.output, plugin.RunOptions(), {}});
+  return Resave({order_.inputs.front(), order_.output, plugin.RunOptions(), {}, Observer()});
 }
 
 RunResult ModelRun::Extract(const Viewer& viewer, const MergeOptions& options) {
@@ -161,15 +199,19 @@ RunResult ModelRun::Extract(const Viewer& viewer, const MergeOptions& options) {
     console_.Say(WideString(u"No object is ") + kind + u".");
     return {};
   }
-  return Resave({order_.inputs.front(), viewer.Output(), options, mode});
+  return Resave({order_.inputs.front(), viewer.Output(), options, mode, Observer()});
 }
 
 // What is worth knowing and changes nothing, the exit status included.
 plugin::RunListener ModelRun::Listener() {
   plugin::RunListener listener;
   listener.modelsCompared = [this](const auto& documents) {
-    for (const WideString& line : WarningsAbout(documents)) console_.Say(line);
+    for (const WideString& line : WarningsAbout(documents)) {
+      console_.Say(line);
+      if (gatherer_) gatherer_->AddMessage(line);
+    }
   };
+  listener.observer = Observer();
   listener.outputNotRemembered = [this](const WideString& folder) {
     console_.Say(Printable(folder) +
                  u": this folder cannot be written; what was merged last is "
@@ -206,6 +248,17 @@ void ModelRun::SayRemarks() {
   for (const auto& [path, remark] : result_.remarks) console_.Say(Printable(path) + u": " + remark);
 }
 
+// Also of a run that failed, and then above all. What cannot be written changes nothing of the run.
+void ModelRun::WriteReports() {
+  if (!gatherer_) return;
+  gatherer_->RunEnds(result_);
+  for (const WideString& path : order_.reports) {
+    if (WriteReport(gatherer_->Report(), path, {})) continue;
+    console_.Say(Printable(path) + u": the report could not be written");
+    reportIsMissing_ = true;
+  }
+}
+
 // Nobody wanted that: whoever starts runs that nobody watches has two options against it.
 bool ModelRun::StoppedUnasked() const {
   return console_.WasStoppedUnasked() && !order_.answerIsGiven;
@@ -215,10 +268,14 @@ ExitStatus ModelRun::Conclude() {
   const bool written = result_.written;
   SayRemarks();
   const bool reported = console_.LogWasOffered();
-  if (written && !reported) return ExitStatus::kDone;
+  if (written && !reported) {
+    return reportIsMissing_ ? ExitStatus::kWrittenWithReports : ExitStatus::kDone;
+  }
   const WideString name = Printable(order_.outputName.empty() ? order_.output : order_.outputName);
   WideString line;
-  if (written) {
+  if (written && order_.isDryRun) {
+    line = u"This was a dry run, and something was reported.";
+  } else if (written) {
     line = name + u" was written, but something was reported.";
   } else if (!result_.outputKeptAt.empty()) {
     line = name + u" was not written. The complete output lies in " +

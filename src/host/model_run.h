@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/text.h"
@@ -9,6 +10,7 @@
 #include "host/run_choices.h"
 #include "host/run_console.h"
 #include "host/viewer.h"
+#include "merge/report/report_gatherer.h"
 #include "plugin/plugin.h"
 #include "step/log/log_place.h"
 
@@ -28,6 +30,9 @@ struct ModelOrder {
   bool answerIsGiven = false;
   // What people call the output; empty: its path.
   WideString outputName;
+  std::string command = "merge";  // as the user called it
+  bool isDryRun = false;          // of several inputs; the output may be empty then
+  std::vector<WideString> reports;
 };
 
 // One run: it checks, reads the scenes that the choices are about, lets the plug-in do its work,
@@ -42,6 +47,8 @@ class ModelRun {
   ExitStatus Run();
   // How the run ended, once it has.
   const RunResult& Result() const { return result_; }
+  // What was gathered of the run; null where nobody asked for a report.
+  const RunReport* Report() const { return gatherer_ ? &gatherer_->Report() : nullptr; }
 
  private:
   bool ChoosesObjects() const { return order_.extracts || order_.inputs.size() > 1; }
@@ -56,6 +63,8 @@ class ModelRun {
   RunResult Extract(const Viewer& viewer, const MergeOptions& options);
   plugin::RunListener Listener();
   void SayRemarks();
+  void WriteReports();
+  RunObserver* Observer() { return gatherer_ ? &*gatherer_ : nullptr; }
   bool StoppedUnasked() const;
   ExitStatus Conclude();
 
@@ -63,6 +72,8 @@ class ModelRun {
   RunConsole& console_;
   std::vector<LoadedModel> models_;
   RunResult result_;
+  std::optional<ReportGatherer> gatherer_;
+  bool reportIsMissing_ = false;
 };
 
 }  // namespace corvel::host

@@ -33,14 +33,22 @@ void ShowStep(const char* key, const WideString& path) {
   ProgressWindow::Instance().SetCurrentFile(path);
 }
 
+void TellStage(const ResaveOrder& order, RunStage stage) {
+  const bool isOfModel = stage == RunStage::kRead || stage == RunStage::kChoose;
+  if (order.observer != nullptr) {
+    order.observer->StageBegins(stage, isOfModel ? order.input : WideString());
+  }
+}
+
 // What nobody has chosen is not there any more. False: it has been told why nothing is written.
 bool KeepChosen(IfcDocument& document, const ResaveOrder& order) {
   plugin::BoundScene scene;
   const HostObject project = Viewer::Instance()->Scene().Projects().front();
   ShowStep("deleting_entities_from", order.input);
   ProgressWindow::Instance().StartStage(kDeletingWeight);
-  const Outcome outcome =
-      KeepChosenObjects(document, project, scene, *order.chosen, order.options.deleteOpenings);
+  TellStage(order, RunStage::kChoose);
+  const Outcome outcome = KeepChosenObjects(document, project, scene, *order.chosen,
+                                            order.options.deleteOpenings, order.observer);
   if (outcome == Outcome::kFailed) plugin::ShowError("", u"Nothing can be extracted.", kReportShow);
   return outcome == Outcome::kComplete && !Cancellation::OfProcess().WasConfirmed();
 }
@@ -61,8 +69,10 @@ bool Read(IfcDocument& document, const ResaveOrder& order) {
   ProgressWindow::Instance().StartStage(kReadingWeight);
   ShowStep("reading_file", order.input);
   IfcLog::Instance().LogText(u"Reading file: " + order.input);
+  TellStage(order, RunStage::kRead);
   constexpr int kOneFile = 1;
   document.OpenFile(order.input, kOneFile);
+  if (order.observer != nullptr) order.observer->ModelIsRead(document);
   if (document.IsCancelled()) IfcLog::Instance().LogText(u"Reading file cancelled.");
   return document.IsParsed();
 }
@@ -72,6 +82,7 @@ bool Write(IfcDocument& document, const ResaveOrder& order) {
   if (federation.newHeader) RenewHeader(*document.getHeader(), order.output, {order.input});
   document.numbers = federation.numbers;
   document.isReleasedNext = true;
+  TellStage(order, RunStage::kWrite);
   ProgressWindow::Instance().StartLastStage();
   ShowStep("exporting_file_as", order.output);
   IfcLog::Instance().LogText(u"Saving to output file ...");
@@ -92,10 +103,14 @@ RunResult ReadAndWrite(const ResaveOrder& order) {
   result.recordsRead = document.mainContainer->entities.Size();
   if (order.chosen && !KeepChosen(document, order)) return result;
   const FederationChoices& federation = order.options.federation;
+  TellStage(order, RunStage::kJoin);
   PrepareFederation({&document}, federation);
-  if (!RunFederation({&document}, federation, {}, plugin::ShowError,
-                     ProgressWindow::UpdateProgress))
+  if (order.observer != nullptr) order.observer->ModelsAreFolded({&document});
+  if (!RunFederation({&document}, federation, {}, plugin::ShowError, ProgressWindow::UpdateProgress,
+                     order.observer))
     return result;
+  TellStage(order, RunStage::kLook);
+  if (order.observer != nullptr) order.observer->ModelIsDone({&document});
   result.recordsWritten = RecordsIn(*document.mainContainer);
   // A proposal is what is written, and there already.
   result.written = federation.proposeTree || Write(document, order);
@@ -118,6 +133,7 @@ RunResult Resave(const ResaveOrder& order) {
   } catch (const std::exception& error) {
     plugin::ShowError("", Widen(error.what()), kReportShow);
   }
+  if (order.observer != nullptr) order.observer->RunEnds(result);
   plugin::FinishRun();
   return result;
 }

@@ -7,6 +7,7 @@
 #include "merge/merge_job.h"
 #include "merge/merge_shell.h"
 #include "merge/object_selection.h"
+#include "merge/run_observer.h"
 
 namespace corvel::host {
 
@@ -18,6 +19,8 @@ struct ResaveOrder {
   // Which objects are kept, as the viewer that lives shows the model, its only one. Nothing: every
   // record is written.
   std::optional<SavingMode> chosen;
+  // Hears of the run; borrowed, and may be null.
+  RunObserver* observer = nullptr;
 };
 
 // With the plug-in's progress and reports. Needs the plug-in to be loaded. What goes wrong has been

@@ -135,6 +135,11 @@ std::optional<WideString> TroubleWithList(const WideString& path,
   return TroubleWithPlace(path, inputs);
 }
 
+std::optional<WideString> TroubleWithReport(const WideString& path,
+                                            const std::vector<WideString>& inputs) {
+  return TroubleWithPlace(path, inputs);
+}
+
 std::optional<WideString> TroubleWithWorkFolder(const WideString& folder) {
   if (!platform::IsFolder(folder)) return u"there is no such folder for work files";
   platform::File file;

@@ -21,6 +21,9 @@ std::optional<WideString> TroubleWithOutput(const WideString& path,
 // The same of a file that is no model.
 std::optional<WideString> TroubleWithList(const WideString& path,
                                           const std::vector<WideString>& inputs);
+// And of a report, whose name has one of its endings.
+std::optional<WideString> TroubleWithReport(const WideString& path,
+                                            const std::vector<WideString>& inputs);
 
 // The reason why files that are needed meanwhile cannot be kept in the folder; nothing when they
 // can.

@@ -46,6 +46,8 @@ ErrorReporter BoundShell::Reporter() { return ShowError; }
 
 ProgressCallback BoundShell::Ticks() { return ProgressWindow::UpdateProgress; }
 
+RunObserver* BoundShell::Observer() { return plugin_.Listener().observer; }
+
 void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
   if (const auto& listener = plugin_.Listener().modelsCompared) listener(models);
 }

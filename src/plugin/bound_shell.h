@@ -23,6 +23,7 @@ class BoundShell final : public MergeShell {
   void HideOptionsWindow() override;
   ErrorReporter Reporter() override;
   ProgressCallback Ticks() override;
+  RunObserver* Observer() override;
   void TellModelsCompared(const std::vector<RunModel>& models) override;
   void StartRun() override;
   void FinishRun() override;

@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "merge/host_scene.h"
 #include "merge/run_model.h"
+#include "merge/run_observer.h"
 
 namespace corvel::plugin {
 
@@ -20,6 +21,8 @@ struct RunListener {
   // The objects of a project, in the order of the scene. A viewer is asked for all objects and the
   // project of each, again for each model: with a thousand models that is more than all the rest.
   std::function<std::vector<HostObject>(HostObject project)> objectsOf;
+  // Hears of the run from within; borrowed.
+  RunObserver* observer = nullptr;
 };
 
 }  // namespace corvel::plugin

@@ -19,6 +19,11 @@ struct Reports {
   WideString pending;  // reports of mode 1 that wait to be shown
 };
 
+ReportEar& TheEar() {
+  static ReportEar ear;
+  return ear;
+}
+
 Reports& TheReports() {
   static Reports reports;
   return reports;
@@ -53,6 +58,7 @@ int ShowError(const char* key, const WideString& message, int mode) {
   WideString text = *key == '\0' ? WideString() : GetText(key) + u" ";
   text += message;
   LogPastMuting(text);
+  if (TheEar() && !text.empty()) TheEar()(text, mode);
   IfcLog::Instance().KeepFile();
   if (mode == kReportCollect) {
     reports.pending += text;
@@ -61,6 +67,8 @@ int ShowError(const char* key, const WideString& message, int mode) {
   }
   return 0;
 }
+
+ReportEar SetReportEar(ReportEar ear) { return std::exchange(TheEar(), std::move(ear)); }
 
 void StartRun() {
   TheReports() = {};

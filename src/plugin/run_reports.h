@@ -1,6 +1,8 @@
 // What is reported during a run, and how a run ends for the user.
 #pragma once
 
+#include <functional>
+
 #include "core/text.h"
 
 namespace corvel::plugin {
@@ -9,6 +11,11 @@ namespace corvel::plugin {
 // muting. Mode 0 shows a box of the viewer with everything that mode 1 has collected in front, and
 // where the log lies; no box when there is no text at all. Gives 0.
 int ShowError(const char* key, const WideString& message, int mode);
+
+// Who else hears each report: its whole text, and the mode. May be empty; what hears is not to
+// report. Gives the one before.
+using ReportEar = std::function<void(const WideString& text, int mode)>;
+ReportEar SetReportEar(ReportEar ear);
 
 // Forgets what an earlier run reported and that it was cancelled.
 void StartRun();

@@ -100,6 +100,28 @@ TEST(CommandLine, TheLogTakesAPlace) {
             ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--log", u""}));
 }
 
+TEST(CommandLine, ADryRunNeedsNoOutputAndMayHaveOne) {
+  const CommandLine line = Parsed({u"merge", u"a.ifc", u"b.ifc", u"--dry-run"});
+  EXPECT_TRUE(line.isDryRun);
+  EXPECT_EQ(u"", line.output);
+  EXPECT_EQ(u"o.ifc", Parsed({u"merge", u"a.ifc", u"b.ifc", u"--dry-run", u"-o", u"o.ifc"}).output);
+  EXPECT_FALSE(Parsed({u"merge", u"a.ifc", u"b.ifc", u"-o", u"o.ifc"}).isDryRun);
+  EXPECT_EQ(
+      "extract: unknown option '--dry-run'. (A file name that begins with '-' goes behind '--'.)\n"
+      "See 'corvel extract --help'.",
+      ErrorOf({u"extract", u"a.ifc", u"--dry-run"}));
+}
+
+TEST(CommandLine, ReportsHaveOneOfTwoEndings) {
+  EXPECT_EQ(
+      (Arguments{u"r.HTML", u"r.json"}),
+      Parsed({u"resave", u"a.ifc", u"b.ifc", u"--report", u"r.HTML", u"--report=r.json"}).reports);
+  EXPECT_EQ(
+      "resave: --report takes a name that ends in .html or .json, not 'r.txt'\n"
+      "See 'corvel resave --help'.",
+      ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--report", u"r.txt"}));
+}
+
 TEST(CommandLine, MergeTakesItsChoices) {
   const CommandLine line = Parsed({u"merge",
                                    u"--hide",

@@ -1,0 +1,86 @@
+#include "merge/report/html_text.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "platform/file.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kColours = 8;
+constexpr std::string_view kNarrowSpace = "\u202F";
+constexpr char16_t kReplacement = 0xFFFD;
+
+bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+// What a page may not have in it, escaped or not.
+bool IsForbidden(char16_t unit) {
+  const bool isControl =
+      (unit < 0x20 && unit != u'\n' && unit != u'\t') || (unit >= 0x7F && unit <= 0x9F);
+  return isControl || unit == 0xFFFE || unit == 0xFFFF || IsHighHalf(unit) || IsLowHalf(unit);
+}
+
+void AppendEscaped(char16_t unit, std::string& html) {
+  switch (unit) {
+    case u'&': html += "&amp;"; break;
+    case u'<': html += "&lt;"; break;
+    case u'>': html += "&gt;"; break;
+    case u'"': html += "&quot;"; break;
+    case u'\'': html += "&#39;"; break;
+    default: {
+      const char16_t shown = IsForbidden(unit) ? kReplacement : unit;
+      AppendUtf8(WideView(&shown, 1), html);
+    }
+  }
+}
+
+}  // namespace
+
+HtmlText& HtmlText::Text(WideView text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (IsHighHalf(text[i]) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
+      AppendUtf8(text.substr(i++, 2), html_);
+    } else {
+      AppendEscaped(text[i], html_);
+    }
+  }
+  return *this;
+}
+
+HtmlText& HtmlText::Name(WideView text) { return Raw("<bdi>").Text(text).Raw("</bdi>"); }
+
+HtmlText& HtmlText::Word(std::string_view element, std::string_view key,
+                         std::string_view attributes) {
+  Raw("<").Raw(element).Raw(" data-t='").Raw(key).Raw("'").Raw(attributes).Raw(">");
+  return Text(texts_.Of(key)).Raw("</").Raw(element).Raw(">");
+}
+
+HtmlText& HtmlText::Count(std::size_t count) {
+  constexpr std::size_t kGroup = 3;
+  const std::string digits = std::to_string(count);
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i != 0 && (digits.size() - i) % kGroup == 0) html_ += kNarrowSpace;
+    html_ += digits[i];
+  }
+  return *this;
+}
+
+HtmlText& HtmlText::Number(double value, int digits) {
+  if (!std::isfinite(value)) return Raw("0");
+  std::array<char, 400> text{};
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), value + 0.0,
+                                     std::chars_format::fixed, digits);
+  return Raw({text.data(), written.ptr});
+}
+
+WideString ShortName(const WideString& path) {
+  return WideString(platform::FileNameOf(path.substr(path.find(u'|') + 1)));
+}
+
+std::string ColourOf(std::size_t input) { return "i" + std::to_string(input % kColours); }
+
+}  // namespace corvel

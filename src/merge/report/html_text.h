@@ -1,0 +1,49 @@
+// HTML as it is written.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "core/text.h"
+#include "merge/report/page_texts.h"
+
+namespace corvel {
+
+// Nothing that comes in through Text or Name can be anything but text, also within the quotes of
+// an attribute.
+class HtmlText {
+ public:
+  // Borrowed.
+  explicit HtmlText(const PageTexts& texts) : texts_(texts) {}
+
+  HtmlText& Raw(std::string_view html) {
+    html_ += html;
+    return *this;
+  }
+  HtmlText& Text(WideView text);
+  HtmlText& Text(std::string_view utf8) { return Text(WideView(FromUtf8(utf8))); }
+  // A name of a model, which may be written from right to left: it moves nothing around it.
+  HtmlText& Name(WideView text);
+  // A text of the page in an element, so that the page can change its language.
+  HtmlText& Word(std::string_view element, std::string_view key, std::string_view attributes = {});
+  HtmlText& Word(std::string_view key) { return Word("span", key); }
+  // 1 234 567
+  HtmlText& Count(std::size_t count);
+  // With so many digits behind the point.
+  HtmlText& Number(double value, int digits);
+
+  const PageTexts& Texts() const { return texts_; }
+  std::string Take() { return std::move(html_); }
+
+ private:
+  const PageTexts& texts_;
+  std::string html_;
+};
+
+// The last part of the path.
+WideString ShortName(const WideString& path);
+// " i3": the colour of an input.
+std::string ColourOf(std::size_t input);
+
+}  // namespace corvel

@@ -1,0 +1,62 @@
+// JSON as it is written, member by member.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/text.h"
+
+namespace corvel {
+
+// Puts the commas; whoever calls sees to it that what is opened is closed. The text is ASCII and
+// UTF-8, and stands as it is within a script element of a page: "<", ">", "&" and the two line
+// separators of Unicode are escaped. What is no text (bytes of a file that are no characters) is
+// U+FFFD.
+class JsonText {
+ public:
+  JsonText& Key(std::string_view key);
+  void BeginObject() { Begin('{'); }
+  void EndObject() { End('}'); }
+  void BeginArray() { Begin('['); }
+  void EndArray() { End(']'); }
+  // What comes next begins a line.
+  void NewLine() { newLine_ = true; }
+
+  void Value(WideView text);
+  // Of ASCII alone.
+  void Value(std::string_view text) { Value(WideView(Widen(text))); }
+  void Value(const char* text) { Value(std::string_view(text)); }
+  void Value(const std::string& text) { Value(std::string_view(text)); }
+  void Value(const WideString& text) { Value(WideView(text)); }
+  void Value(const char16_t* text) { Value(WideView(text)); }
+  // Of pointers, which would become one, there is nothing to be told.
+  void Value(std::same_as<bool> auto value) { Put(value ? "true" : "false"); }
+  // In the fewest digits that read back as the same; null for what is no number.
+  void Value(double value);
+  // Rounded to so many digits behind the point.
+  void Rounded(double value, int digits);
+  template <std::integral Number>
+  requires(!std::same_as<Number, bool>) void Value(Number value) { Put(std::to_string(value)); }
+  void Null() { Put("null"); }
+
+  template <class T>
+  void Member(std::string_view key, const T& value) {
+    Key(key).Value(value);
+  }
+
+  std::string Take() { return std::move(text_); }
+
+ private:
+  void Begin(char bracket);
+  void End(char bracket);
+  void Put(std::string_view token);
+  void BeforeToken();
+
+  std::string text_;
+  bool needsComma_ = false;
+  bool newLine_ = false;
+};
+
+}  // namespace corvel

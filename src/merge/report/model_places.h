@@ -1,0 +1,29 @@
+// What a report tells of the geometry and the tree of a result.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "merge/document.h"
+#include "merge/report/product_fates.h"
+#include "merge/report/report_places.h"
+
+namespace corvel {
+
+// More products than this are thinned out, each class by the same share.
+inline constexpr std::size_t kMostPlaces = 100'000;
+
+// An input that is folded into the model, with what became of its products.
+struct PlacedInput {
+  std::uint32_t input = 0;  // index in the report
+  const ProductFates* fates = nullptr;
+};
+
+// Looks at the model as it is going to be written: numbers are true. Lengths count in its length
+// unit, whatever that of an input was: a model a thousand times too large shows as one. `inputs`:
+// in the order of the fold.
+ModelPlaces CollectPlaces(const IfcDocument& merged, const std::vector<PlacedInput>& inputs,
+                          std::size_t mostPlaces = kMostPlaces);
+
+}  // namespace corvel

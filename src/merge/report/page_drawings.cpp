@@ -1,0 +1,347 @@
+// Plan and elevation of the products of a result.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "merge/report/page_sections.h"
+
+namespace corvel {
+
+namespace {
+
+using Point = std::array<double, 2>;
+
+constexpr double kWidth = 760;
+constexpr double kMargin = 26;
+constexpr double kStoreyColumn = 150;  // for the names of storeys, beside the elevation
+constexpr double kLeastHeight = 120;   // of a drawing
+constexpr double kMostHeight = 640;
+constexpr double kDot = 1.8;         // radius of a product without a box
+constexpr double kLeastShape = 1.5;  // what is smaller is drawn as a dot
+constexpr double kLeastLabels = 13;  // from one storey's name to the next
+// A browser draws so many at once without a stop.
+constexpr std::size_t kMostShapes = 8000;
+
+struct Area {
+  Point low{};
+  Point high{};
+  bool isEmpty = true;
+
+  void Add(const Point& point) {
+    if (!std::isfinite(point[0]) || !std::isfinite(point[1])) return;
+    for (std::size_t i = 0; i < point.size(); ++i) {
+      low[i] = isEmpty ? point[i] : std::min(low[i], point[i]);
+      high[i] = isEmpty ? point[i] : std::max(high[i], point[i]);
+    }
+    isEmpty = false;
+  }
+  double Size(std::size_t axis) const { return high[axis] - low[axis]; }
+};
+
+// One product as a drawing shows it, in metres: the corners of a polygon, or a point.
+struct Outline {
+  std::size_t product = 0;
+  std::vector<Point> corners;
+};
+
+enum class View { kPlan, kElevation };
+
+std::vector<Point> Footprint(const ProductBox& box) {
+  const double angle = box.degrees * std::numbers::pi / 180;
+  const Point along = {std::cos(angle) * box.size[0] / 2, std::sin(angle) * box.size[0] / 2};
+  const Point across = {-std::sin(angle) * box.size[1] / 2, std::cos(angle) * box.size[1] / 2};
+  std::vector<Point> corners;
+  for (const Point& sign : {Point{-1, -1}, Point{1, -1}, Point{1, 1}, Point{-1, 1}}) {
+    corners.push_back({box.centre[0] + sign[0] * along[0] + sign[1] * across[0],
+                       box.centre[1] + sign[0] * along[1] + sign[1] * across[1]});
+  }
+  return corners;
+}
+
+std::vector<Point> OutlineOf(const ProductPlace& product, View view) {
+  if (!product.box) return {{product.origin[0], product.origin[view == View::kPlan ? 1 : 2]}};
+  std::vector<Point> corners = Footprint(*product.box);
+  if (view == View::kPlan) return corners;
+  Area area;
+  for (const Point& corner : corners) area.Add({corner[0], 0});
+  const double low = product.box->centre[2] - product.box->size[2] / 2;
+  const double high = low + product.box->size[2];
+  return {{area.low[0], low}, {area.high[0], low}, {area.high[0], high}, {area.low[0], high}};
+}
+
+// The positions of the products that are drawn, evenly among those of each class.
+std::vector<std::size_t> DrawnOf(const ModelPlaces& places) {
+  std::vector<std::size_t> drawn;
+  std::vector<std::size_t> seen(places.classes.size());
+  const std::size_t total = places.products.size();
+  for (std::size_t i = 0; i < total; ++i) {
+    const std::uint32_t index = places.products[i].classIndex;
+    const std::size_t ofClass = places.classes[index].listed;
+    const std::size_t quota = std::max<std::size_t>(ofClass * kMostShapes / total, 1);
+    const std::size_t turn = seen[index]++;
+    const bool isIn = turn == 0 || turn * quota / ofClass != (turn - 1) * quota / ofClass;
+    if (total <= kMostShapes || isIn) drawn.push_back(i);
+  }
+  return drawn;
+}
+
+// 1, 2 or 5 and noughts, and not above `most`.
+double RoundLength(double most) {
+  const double power = std::pow(10.0, std::floor(std::log10(most)));
+  for (const double factor : {5.0, 2.0}) {
+    if (factor * power <= most) return factor * power;
+  }
+  return power;
+}
+
+class Drawing {
+ public:
+  Drawing(const RunReport& report, View view, const std::vector<std::size_t>& drawn, HtmlText& html)
+      : report_(report), places_(*report.places), view_(view), html_(html) {
+    for (const std::size_t product : drawn) {
+      Outline outline{product, OutlineOf(places_.products[product], view)};
+      const std::uint32_t input = places_.products[product].input;
+      for (const Point& corner : outline.corners) {
+        all_.Add(corner);
+        reach_[input].Add(corner);
+      }
+      outlines_[input].push_back(std::move(outline));
+    }
+    if (view == View::kElevation) {
+      for (const StoreyPlace& storey : places_.storeys) all_.Add({all_.low[0], storey.height});
+    }
+    Fit();
+  }
+
+  void Draw() {
+    html_.Raw("<svg class='drawing' viewBox='0 0 ").Number(kWidth, 0).Raw(" ");
+    html_.Number(height_, 0).Raw("' role='img'>\n");
+    if (view_ == View::kElevation) DrawStoreys();
+    for (auto& [input, outlines] : outlines_) DrawInput(input, outlines);
+    if (reach_.size() > 1) {
+      for (const auto& [input, area] : reach_) DrawReach(input, area);
+    }
+    DrawScaleBar();
+    if (view_ == View::kPlan) DrawNorth();
+    html_.Raw("</svg>\n");
+  }
+
+  // Heights are drawn so many times larger than lengths.
+  double Stretch() const { return stretch_; }
+
+ private:
+  // Both axes have one scale, so that a model that is too large shows as such. A flat one is drawn
+  // higher, and it is said how much.
+  void Fit() {
+    constexpr double kSmallest = 1e-3;
+    const double room = kWidth - 2 * kMargin - (view_ == View::kElevation ? kStoreyColumn : 0);
+    const double wide = std::max(all_.Size(0), kSmallest);
+    const double high = std::max(all_.Size(1), kSmallest);
+    scale_ = std::min(room / wide, (kMostHeight - 2 * kMargin) / high);
+    if (view_ == View::kElevation) {
+      for (const double factor : {2.0, 5.0, 10.0, 20.0, 50.0, 100.0}) {
+        if (high * scale_ * stretch_ >= kLeastHeight - 2 * kMargin) break;
+        stretch_ = factor;
+      }
+    }
+    const double drawn = high * scale_ * stretch_;
+    height_ = std::max(drawn + 2 * kMargin, kLeastHeight);
+    offset_ = {kMargin + (room - wide * scale_) / 2, (height_ - drawn) / 2};
+  }
+
+  Point At(const Point& point) const {
+    return {offset_[0] + (point[0] - all_.low[0]) * scale_,
+            offset_[1] + (all_.high[1] - point[1]) * scale_ * stretch_};
+  }
+
+  void Put(const Point& point, int digits = 1) {
+    html_.Number(point[0], digits).Raw(" ").Number(point[1], digits);
+  }
+
+  // Large ones first, so that small ones are not below them.
+  void DrawInput(std::uint32_t input, std::vector<Outline>& outlines) {
+    const auto sizeOf = [](const Outline& outline) {
+      Area area;
+      for (const Point& corner : outline.corners) area.Add(corner);
+      return area.Size(0) * area.Size(1);
+    };
+    std::stable_sort(outlines.begin(), outlines.end(),
+                     [&](const Outline& a, const Outline& b) { return sizeOf(a) > sizeOf(b); });
+    html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='");
+    html_.Number(input, 0).Raw("'>\n");
+    for (const Outline& outline : outlines) DrawOutline(outline);
+    html_.Raw("</g>\n");
+  }
+
+  void DrawOutline(const Outline& outline) {
+    Area area;
+    std::vector<Point> corners;
+    for (const Point& corner : outline.corners) {
+      corners.push_back(At(corner));
+      area.Add(corners.back());
+    }
+    if (area.isEmpty) return;
+    if (area.Size(0) < kLeastShape && area.Size(1) < kLeastShape) {
+      html_.Raw("<circle class='p' cx='").Number((area.low[0] + area.high[0]) / 2, 1);
+      html_.Raw("' cy='").Number((area.low[1] + area.high[1]) / 2, 1).Raw("' r='");
+      html_.Number(kDot, 1).Raw("' data-p='");
+      DrawTitle(outline, "circle");
+      return;
+    }
+    html_.Raw("<path class='p' d='M");
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      if (i != 0) html_.Raw("L");
+      Put(corners[i]);
+    }
+    html_.Raw("z' data-p='");
+    DrawTitle(outline, "path");
+  }
+
+  void DrawTitle(const Outline& outline, std::string_view element) {
+    const ProductPlace& product = places_.products[outline.product];
+    html_.Number(static_cast<double>(outline.product), 0).Raw("'><title>");
+    html_.Text(product.name).Raw("\n").Text(product.guid).Raw(" \u00b7 ");
+    html_.Text(places_.classes[product.classIndex].name).Raw(" \u00b7 ");
+    html_.Text(ShortName(report_.inputs[product.input].path));
+    html_.Raw("</title></").Raw(element).Raw(">\n");
+  }
+
+  void DrawReach(std::uint32_t input, const Area& area) {
+    constexpr double kOutside = 4;
+    const Point low = At({area.low[0], area.high[1]});
+    const Point high = At({area.high[0], area.low[1]});
+    html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='").Number(input, 0);
+    html_.Raw("'><rect class='reach' x='").Number(low[0] - kOutside, 1).Raw("' y='");
+    html_.Number(low[1] - kOutside, 1).Raw("' width='");
+    html_.Number(high[0] - low[0] + 2 * kOutside, 1).Raw("' height='");
+    html_.Number(high[1] - low[1] + 2 * kOutside, 1).Raw("'></rect>");
+    // Beside each other where the frames are one.
+    const double x = low[0] - kOutside + 2 + 14 * static_cast<double>(input % 8);
+    html_.Raw("<text class='label' style='fill:var(--own);font-weight:700' x='");
+    html_.Number(std::min(x, kWidth - 14), 1).Raw("' y='");
+    html_.Number(std::max(low[1] - kOutside - 3, 11.0), 1).Raw("'>");
+    html_.Count(input + std::size_t{1}).Raw("</text></g>\n");
+  }
+
+  void DrawStoreys() {
+    double lastLabel = height_ + kLeastLabels;
+    for (const StoreyPlace& storey : places_.storeys) {
+      const double y = At({0, storey.height})[1];
+      html_.Raw("<line class='level' x1='").Number(kMargin / 2, 0).Raw("' x2='");
+      html_.Number(kWidth - kStoreyColumn, 0).Raw("' y1='").Number(y, 1).Raw("' y2='");
+      html_.Number(y, 1).Raw("'><title>").Text(storey.name).Raw(" ");
+      html_.Number(storey.height, 2).Raw(" m \u00b7 ");
+      html_.Text(ShortName(report_.inputs[storey.input].path)).Raw("</title></line>\n");
+      if (lastLabel - y < kLeastLabels) continue;
+      lastLabel = y;
+      constexpr std::size_t kLongestName = 14;
+      WideString name = storey.name;
+      if (name.size() > kLongestName) name = name.substr(0, kLongestName - 1) + u"\u2026";
+      html_.Raw("<text class='soft' x='").Number(kWidth - kStoreyColumn + 4, 0);
+      html_.Raw("' y='").Number(y + 4, 1).Raw("'><tspan>").Text(name);
+      html_.Raw("</tspan> <tspan>").Number(storey.height, 2).Raw("\u00a0m</tspan></text>\n");
+    }
+  }
+
+  void DrawScaleBar() {
+    const double metres = RoundLength(std::max(kWidth / 4 / scale_, 1e-9));
+    const double length = metres * scale_;
+    const double y = height_ - 8;
+    html_.Raw("<path class='rule' d='M").Number(kMargin / 2, 1).Raw(" ").Number(y - 4, 1);
+    html_.Raw("v4h").Number(length, 1).Raw("v-4'></path><text class='label' x='");
+    html_.Number(kMargin / 2 + length + 6, 1).Raw("' y='").Number(y, 1).Raw("'>");
+    if (metres >= 1000) {
+      html_.Number(metres / 1000, 0).Raw("\u00a0km");
+    } else if (metres >= 1) {
+      html_.Number(metres, 0).Raw("\u00a0m");
+    } else {
+      html_.Number(metres * 1000, metres < 1e-3 ? 6 : 0).Raw("\u00a0mm");
+    }
+    html_.Raw("</text>\n");
+  }
+
+  void DrawNorth() {
+    if (!places_.north) return;
+    const double degrees =
+        std::atan2((*places_.north)[0], (*places_.north)[1]) * 180 / std::numbers::pi;
+    html_.Raw("<g transform='translate(").Number(kWidth - 24, 0).Raw(" 32)'><g transform='rotate(");
+    html_.Number(degrees, 1).Raw(")'><path class='needle' d='M0-14L6 10L0 5L-6 10z'></path>");
+    html_.Raw("<text text-anchor='middle' y='-17'>N</text></g></g>\n");
+  }
+
+  const RunReport& report_;
+  const ModelPlaces& places_;
+  View view_;
+  HtmlText& html_;
+  Area all_;
+  std::map<std::uint32_t, Area> reach_;                     // by input
+  std::map<std::uint32_t, std::vector<Outline>> outlines_;  // likewise
+  double scale_ = 1;
+  double stretch_ = 1;
+  double height_ = 0;
+  Point offset_{};
+};
+
+void AddLegend(const RunReport& report, HtmlText& html) {
+  html.Raw("<ul class='legend'>\n");
+  for (std::size_t i = 0; i < report.inputs.size(); ++i) {
+    if (!report.inputs[i].takesPart) continue;
+    html.Raw("<li class='").Raw(ColourOf(i)).Raw("'><label><input type='checkbox' checked ");
+    html.Raw("disabled data-input='").Number(static_cast<double>(i), 0).Raw("'> ");
+    html.Raw("<span class='dot'></span>").Count(i + 1).Raw(" ");
+    html.Name(ShortName(report.inputs[i].path)).Raw("</label></li>\n");
+  }
+  html.Raw("</ul>\n");
+}
+
+void AddFigure(const RunReport& report, View view, const std::vector<std::size_t>& drawn,
+               HtmlText& html) {
+  Drawing drawing(report, view, drawn, html);
+  html.Word("h3", view == View::kPlan ? "plan" : "elevation").Raw("\n<figure>\n");
+  drawing.Draw();
+  html.Raw("<figcaption>");
+  if (view == View::kPlan) {
+    html.Word("planHint");
+    if (report.inputs.size() > 1) html.Raw(" ").Word("reach");
+    if (!report.places->north) html.Raw(" ").Word("noNorth");
+  } else if (drawing.Stretch() > 1) {
+    html.Word("stretched").Raw(" ").Number(drawing.Stretch(), 0);
+  }
+  html.Raw("</figcaption></figure>\n");
+}
+
+// How many there are, where not all are to be seen.
+void AddCounts(const ModelPlaces& places, std::size_t drawn, HtmlText& html) {
+  std::size_t placed = 0;
+  for (const ClassOfPlaces& one : places.classes) placed += one.products;
+  html.Raw("<p class='soft'>").Word("drawn").Raw(": ").Count(drawn).Raw(" ").Word("ofAll");
+  html.Raw(" ").Count(placed).Raw(". ");
+  if (drawn != placed) html.Word("thinned").Raw(" ");
+  if (places.withoutPlace != 0) {
+    html.Word("withoutPlace").Raw(": ").Count(places.withoutPlace).Raw(".");
+  }
+  html.Raw("</p>\n");
+}
+
+}  // namespace
+
+void AddDrawings(const RunReport& report, HtmlText& html) {
+  html.Raw("<section>\n").Word("h2", "where").Raw("\n");
+  if (!report.places || report.places->products.empty()) {
+    html.Word("p", "noPlaces", " class='soft'").Raw("\n</section>\n");
+    return;
+  }
+  const std::vector<std::size_t> drawn = DrawnOf(*report.places);
+  AddLegend(report, html);
+  AddCounts(*report.places, drawn.size(), html);
+  AddFigure(report, View::kPlan, drawn, html);
+  AddFigure(report, View::kElevation, drawn, html);
+  html.Raw("</section>\n");
+}
+
+}  // namespace corvel

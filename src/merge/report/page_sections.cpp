@@ -1,0 +1,314 @@
+#include "merge/report/page_sections.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "merge/report/report_json.h"
+#include "merge/unit_texts.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr double kMegabyte = 1e6;
+constexpr double kPercent = 100.0;
+
+void AddSum(std::string_view key, HtmlText& html) { html.Raw("</b>").Word(key).Raw("</li>\n"); }
+
+void AddStatus(const RunReport& report, HtmlText& html) {
+  const OutputReport& output = report.output;
+  html.Raw("<p>");
+  if (report.isDryRun) {
+    html.Word("span", "dryRun", " class='chip warn'");
+  } else if (output.written) {
+    html.Word("span", "written", " class='chip good'");
+  } else {
+    html.Word("span", "notWritten", " class='chip bad'");
+  }
+  if (output.cancelled) html.Raw(" ").Word("span", "cancelled", " class='chip warn'");
+  html.Raw(" <span class='path'>").Name(output.path).Raw("</span></p>\n");
+  if (!output.keptAt.empty()) {
+    html.Raw("<p>").Word("keptAt").Raw(" ").Name(output.keptAt).Raw("</p>\n");
+  }
+}
+
+void AddSums(const RunReport& report, HtmlText& html) {
+  std::size_t in = 0;
+  for (const InputReport& input : report.inputs) in += input.products.in;
+  double seconds = 0.0;
+  for (const StageReport& stage : report.stages) seconds += stage.seconds;
+  const OutputReport& output = report.output;
+  html.Raw("<ul class='sums'>\n<li><b>").Count(report.inputs.size());
+  AddSum("inputs", html);
+  html.Raw("<li><b>").Count(output.products).Raw(" <span class='unit'>/ ").Count(in);
+  html.Raw("</span>");
+  AddSum("productsKept", html);
+  if (output.isKnown) {
+    html.Raw("<li><b>").Count(output.records);
+    AddSum("recordsWritten", html);
+    html.Raw("<li><b>").Count(output.made);
+    AddSum("made", html);
+  }
+  html.Raw("<li><b>").Number(seconds, 2).Raw(" <span class='unit'>s</span>");
+  AddSum("time", html);
+  html.Raw("</ul>\n");
+}
+
+void AddTexts(const std::vector<WideString>& texts, HtmlText& html) {
+  html.Raw("<ul class='texts'>\n");
+  for (const WideString& text : texts) {
+    const std::size_t last = text.find_last_not_of(u" \n\r");
+    html.Raw("<li>").Name(text.substr(0, last + 1)).Raw("</li>\n");
+  }
+  html.Raw("</ul>\n");
+}
+
+// --- Inputs --------------------------------------------------------------------------------------
+
+void AddReasons(const ProductTally& tally, HtmlText& html) {
+  bool isFirst = true;
+  for (std::size_t i = 0; i < kDropReasons; ++i) {
+    if (tally.dropped[i] == 0) continue;
+    if (!isFirst) html.Raw(", ");
+    isFirst = false;
+    const auto reason = static_cast<DropReason>(i);
+    html.Count(tally.dropped[i]).Raw(" ").Word("reason." + std::string(WordOf(reason)));
+  }
+}
+
+void AddWhy(const InputReport& input, HtmlText& html) {
+  html.Raw("<p class='warn'>");
+  if (!input.isRead) html.Word("why.reading").Raw(" ");
+  if (input.schemaDiffers) html.Word("why.schema").Raw(" ");
+  if (input.unitsDiffer) html.Word("why.units").Raw(" ");
+  html.Raw("</p>\n");
+}
+
+void AddUnitDifferences(const InputReport& input, HtmlText& html) {
+  if (input.unitDifferences.empty()) return;
+  html.Raw("<ul class='texts'>\n");
+  for (const UnitComparison& row : input.unitDifferences) {
+    html.Raw("<li>").Text(WithoutDotsAndCommas(row.unitType)).Raw(": ");
+    html.Text(WithoutDotsAndCommas(row.otherLabel)).Raw(" ").Word("unitHere").Raw(", ");
+    html.Text(WithoutDotsAndCommas(row.unitLabel)).Raw(" ").Word("unitFirst").Raw("</li>\n");
+  }
+  html.Raw("</ul>\n");
+}
+
+void AddFacts(const InputReport& input, HtmlText& html) {
+  constexpr int kMillimetreDigits = 1;
+  html.Raw("<dl class='facts'>\n<div>").Word("dt", "schema").Raw("<dd>");
+  html.Text(input.schema).Raw("</dd></div>\n<div>").Word("dt", "lengthUnit").Raw("<dd>");
+  if (input.lengthUnit.empty()) {
+    html.Word("noUnit");
+  } else {
+    html.Text(input.lengthUnit);
+  }
+  html.Raw("</dd></div>\n<div>").Word("dt", "offset").Raw("<dd>");
+  if (input.offsetMm == std::array<double, 3>{}) {
+    html.Word("unmoved");
+  } else {
+    for (std::size_t i = 0; i < input.offsetMm.size(); ++i) {
+      if (i != 0) html.Raw(" \u00b7 ");
+      html.Number(input.offsetMm[i], kMillimetreDigits);
+    }
+  }
+  html.Raw("</dd></div>\n<div>").Word("dt", "size").Raw("<dd>");
+  html.Number(static_cast<double>(input.bytes) / kMegabyte, 2).Raw(" MB</dd></div>\n</dl>\n");
+}
+
+void AddBar(const ProductTally& tally, HtmlText& html) {
+  if (tally.in == 0) return;
+  const double share = kPercent * static_cast<double>(tally.kept) / static_cast<double>(tally.in);
+  html.Raw("<div class='bar'><i style='width:").Number(share, 2).Raw("%'></i>");
+  html.Raw("<i class='dropped' style='width:").Number(kPercent - share, 2).Raw("%'></i></div>\n");
+}
+
+void AddRecords(const RecordTally& tally, HtmlText& html) {
+  html.Raw("<p>").Word("records").Raw(": ").Count(tally.in).Raw(" \u2192 ").Count(tally.kept);
+  const auto add = [&html](std::size_t count, std::string_view key) {
+    if (count != 0) html.Raw(", ").Count(count).Raw(" ").Word(key);
+  };
+  add(tally.leftOut, "record.leftOut");
+  add(tally.joined, "record.joined");
+  add(tally.notNeeded, "record.notNeeded");
+  html.Raw("</p>\n");
+}
+
+void AddClasses(const InputReport& input, HtmlText& html) {
+  if (input.classes.empty()) return;
+  html.Raw("<details><summary>").Word("byClass").Raw("</summary>\n<div class='wide'><table>\n<tr>");
+  html.Word("th", "class").Word("th", "in").Word("th", "kept").Word("th", "dropped").Raw("</tr>\n");
+  for (const ClassTally& tally : input.classes) {
+    html.Raw("<tr><td>").Text(tally.name).Raw("</td><td>").Count(tally.products.in);
+    html.Raw("</td><td>").Count(tally.products.kept).Raw("</td><td class='name'>");
+    AddReasons(tally.products, html);
+    html.Raw("</td></tr>\n");
+  }
+  html.Raw("</table></div></details>\n");
+}
+
+void AddInput(const InputReport& input, std::size_t index, HtmlText& html) {
+  html.Raw("<article class='input ").Raw(ColourOf(index)).Raw("'>\n<header><h3>");
+  html.Count(index + 1).Raw(". ").Name(ShortName(input.path)).Raw("</h3> ");
+  if (input.takesPart) {
+    html.Word("span", "takesPart", " class='chip good'");
+  } else {
+    html.Word("span", "leftOut", " class='chip bad'");
+  }
+  html.Raw("</header>\n<div class='path'>").Name(input.path).Raw("</div>\n");
+  if (!input.takesPart) AddWhy(input, html);
+  AddUnitDifferences(input, html);
+  AddFacts(input, html);
+  html.Raw("<p>").Word("products").Raw(": ").Count(input.products.in).Raw(" \u2192 ");
+  html.Count(input.products.kept);
+  if (input.products.kept != input.products.in) html.Raw(", ");
+  AddReasons(input.products, html);
+  html.Raw("</p>\n");
+  AddBar(input.products, html);
+  AddRecords(input.records, html);
+  AddClasses(input, html);
+  if (!input.remarks.empty()) AddTexts(input.remarks, html);
+  html.Raw("</article>\n");
+}
+
+// --- The tree ------------------------------------------------------------------------------------
+
+// What is deeper stands beside its parent: nobody has such trees, and pages that go in so far can
+// not be read.
+constexpr std::size_t kDeepest = 40;
+// Of a level as deep as rooms the page shows no more; the JSON has all.
+constexpr std::size_t kMostNodes = 5000;
+
+class TreeSection {
+ public:
+  TreeSection(const ModelPlaces& places, HtmlText& html) : tree_(places.tree), html_(html) {}
+
+  void Add() {
+    html_.Raw("<ul class='tree'>\n");
+    AddNode(0, 0);
+    html_.Raw("</ul>\n");
+    if (left_ != 0) html_.Raw("<p class='soft'>+ ").Count(left_).Raw("</p>\n");
+  }
+
+ private:
+  void AddNode(std::size_t index, std::size_t depth) {
+    const SpatialNode& node = tree_[index];
+    if (depth > kDeepest || shown_ >= kMostNodes) {
+      ++left_;
+      return;
+    }
+    ++shown_;
+    html_.Raw("<li>");
+    if (node.children.empty()) {
+      AddLabel(node);
+    } else {
+      html_.Raw(depth < 3 ? "<details open><summary>" : "<details><summary>");
+      AddLabel(node);
+      html_.Raw("</summary><ul>\n");
+      for (const std::size_t child : node.children) AddNode(child, depth + 1);
+      html_.Raw("</ul></details>");
+    }
+    html_.Raw("</li>\n");
+  }
+
+  void AddLabel(const SpatialNode& node) {
+    for (const std::uint32_t input : node.inputs) {
+      html_.Raw("<span class='dot ").Raw(ColourOf(input)).Raw("' title='");
+      html_.Count(input + std::size_t{1}).Raw("'></span>");
+    }
+    html_.Raw(" ").Name(node.name.empty() ? WideString(u"\u2014") : node.name);
+    html_.Raw(" <span class='soft'>").Text(node.className);
+    std::size_t products = 0;
+    for (const std::size_t count : node.products) products += count;
+    if (products != 0) html_.Raw(" \u00b7 ").Count(products);
+    html_.Raw("</span>");
+  }
+
+  const std::vector<SpatialNode>& tree_;
+  HtmlText& html_;
+  std::size_t shown_ = 0;
+  std::size_t left_ = 0;
+};
+
+}  // namespace
+
+void AddHead(const RunReport& report, HtmlText& html) {
+  const WideString command = Widen(report.command);
+  const WideString subject =
+      report.output.path.empty()
+          ? (report.inputs.empty() ? WideString() : ShortName(report.inputs.front().path))
+          : ShortName(report.output.path);
+  html.Raw("<h1>corvel ").Text(command).Raw(": ").Name(subject).Raw("</h1>\n<p class='soft'>");
+  html.Word(report.isDryRun ? "dryTitle" : "title").Raw(" \u00b7 ").Text(report.startedAt);
+  html.Raw("</p>\n");
+  if (!report.failures.empty()) {
+    html.Raw("<section id='failures'>\n").Word("h2", "failures").Raw("\n");
+    AddTexts(report.failures, html);
+    html.Raw("</section>\n");
+  }
+  AddStatus(report, html);
+  AddSums(report, html);
+}
+
+void AddInputs(const RunReport& report, HtmlText& html) {
+  html.Raw("<section>\n").Word("h2", "inputs").Raw("\n");
+  for (std::size_t i = 0; i < report.inputs.size(); ++i) AddInput(report.inputs[i], i, html);
+  html.Raw("</section>\n");
+}
+
+void AddMessages(const RunReport& report, HtmlText& html) {
+  html.Raw("<section>\n").Word("h2", "messages").Raw("\n");
+  if (report.messages.empty()) {
+    html.Word("p", "noMessages", " class='soft'").Raw("\n");
+  } else {
+    AddTexts(report.messages, html);
+  }
+  html.Raw("</section>\n");
+}
+
+void AddSteps(const RunReport& report, HtmlText& html) {
+  if (report.steps.empty()) return;
+  html.Raw("<section>\n").Word("h2", "steps").Raw("\n<div class='wide'><table>\n<tr>");
+  html.Word("th", "step").Word("th", "counts", " style='text-align:left'").Raw("</tr>\n");
+  for (const StepReport& step : report.steps) {
+    html.Raw("<tr><td>").Text(step.step).Raw("</td><td class='name'>");
+    for (std::size_t i = 0; i < step.counts.size(); ++i) {
+      if (i != 0) html.Raw(", ");
+      html.Text(step.counts[i].first).Raw(" ").Count(step.counts[i].second);
+    }
+    for (const auto& [name, lines] : step.lists) {
+      html.Raw("<details><summary>").Text(name).Raw(" (").Count(lines.size());
+      html.Raw(")</summary>\n");
+      AddTexts(lines, html);
+      html.Raw("</details>");
+    }
+    html.Raw("</td></tr>\n");
+  }
+  html.Raw("</table></div>\n</section>\n");
+}
+
+void AddTree(const RunReport& report, HtmlText& html) {
+  if (!report.places || report.places->tree.empty()) return;
+  html.Raw("<section>\n").Word("h2", "tree").Raw("\n");
+  html.Word("p", "treeHint", " class='soft'").Raw("\n");
+  TreeSection(*report.places, html).Add();
+  html.Raw("</section>\n");
+}
+
+void AddStages(const RunReport& report, HtmlText& html) {
+  html.Raw("<section>\n").Word("h2", "stages").Raw("\n<div class='wide'><table>\n<tr>");
+  html.Word("th", "stage").Word("th", "seconds").Word("th", "memory").Raw("</tr>\n");
+  for (const StageReport& stage : report.stages) {
+    html.Raw("<tr><td>").Word("stage." + std::string(WordOf(stage.stage)));
+    if (!stage.path.empty()) {
+      html.Raw(" <span class='soft'>").Name(ShortName(stage.path)).Raw("</span>");
+    }
+    html.Raw("</td><td>").Number(stage.seconds, 3).Raw("</td><td>");
+    html.Number(static_cast<double>(stage.memoryBytes) / kMegabyte, 1);
+    html.Raw("\u00a0MB</td></tr>\n");
+  }
+  html.Raw("</table></div>\n</section>\n");
+}
+
+}  // namespace corvel

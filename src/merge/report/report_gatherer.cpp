@@ -1,0 +1,235 @@
+#include "merge/report/report_gatherer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+#include "merge/federation/attribute_values.h"
+#include "merge/federation/tree/length_in_metres.h"
+#include "merge/marking.h"
+#include "merge/merge_job.h"
+#include "merge/report/model_places.h"
+#include "platform/file.h"
+#include "platform/platform.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr double kNanosecondsPerSecond = 1e9;
+
+WideString LocalNow() {
+  const platform::LocalTime time = platform::Get().Now();
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month,
+                time.day, time.hour, time.minute, time.second);
+  return Widen(text.data());
+}
+
+// Of an entry in a container it is the container's.
+std::int64_t BytesOf(const WideString& path) {
+  platform::File file;
+  const WideString onDisk = path.substr(0, path.find(u'|'));
+  return file.Open(onDisk, platform::OpenMode::kRead) ? file.Size() : 0;
+}
+
+// The last one of the assignment is the one that counts: "MILLIMETRE", "FOOT".
+WideString LengthUnitName(const IFC::IfcEntity* assignment) {
+  const EntityList* const units =
+      assignment == nullptr ? nullptr : ReferencesOf(*assignment, "Units");
+  WideString name;
+  if (units == nullptr) return name;
+  for (const IFC::IfcEntity* const unit : *units) {
+    if (unit == nullptr || WordOf(*unit, "UnitType") != "LENGTHUNIT") continue;
+    const std::string_view word = WordOf(*unit, "Name");
+    name = word.empty() ? TextOf(*unit, "Name") : Widen(WordOf(*unit, "Prefix")) + Widen(word);
+  }
+  return name;
+}
+
+std::size_t CountDeleted(const NumberTable& records) {
+  std::size_t count = 0;
+  for (const auto& [number, entity] : records) {
+    if (IsDeleted(*entity)) ++count;
+  }
+  return count;
+}
+
+// What becomes of the products that a step of federation takes away, and of whose objects nothing
+// else is known.
+DropReason ReasonOfStep(std::string_view step) {
+  if (step == "prune") return DropReason::kHangsOnDropped;
+  return step == "belongings" ? DropReason::kJoined : DropReason::kNotNeeded;
+}
+
+}  // namespace
+
+ReportGatherer::ReportGatherer(std::string command) {
+  report_.command = std::move(command);
+  report_.startedAt = LocalNow();
+}
+
+ReportGatherer::~ReportGatherer() = default;
+
+void ReportGatherer::EndStage() {
+  const std::int64_t now = platform::Get().MonotonicNanoseconds();
+  if (!report_.stages.empty()) {
+    StageReport& last = report_.stages.back();
+    last.seconds = static_cast<double>(now - stageBegan_) / kNanosecondsPerSecond;
+    last.memoryBytes = platform::ProcessMemoryBytes();
+  }
+  stageBegan_ = now;
+}
+
+void ReportGatherer::StageBegins(RunStage stage, const WideString& path) {
+  EndStage();
+  report_.stages.push_back({stage, path});
+}
+
+std::size_t ReportGatherer::IndexOf(const IfcDocument& document) const {
+  const auto found = std::find_if(inputs_.begin(), inputs_.end(),
+                                  [&](const Input& input) { return input.document == &document; });
+  return static_cast<std::size_t>(found - inputs_.begin());
+}
+
+void ReportGatherer::ModelIsRead(const IfcDocument& document) {
+  Input& input = inputs_.emplace_back();
+  InputReport& told = report_.inputs.emplace_back();
+  input.document = &document;
+  told.path = document.getFilePath();
+  told.bytes = BytesOf(told.path);
+  told.schema = document.KnownSchemaIdentifier();
+  told.isRead = document.IsParsed();
+  told.takesPart = told.isRead;
+  told.remarks = document.Remarks();
+  if (document.mainContainer == nullptr) return;
+  const IFC::MainContainer& container = *document.mainContainer;
+  told.lengthUnit = LengthUnitName(document.getIfcUnitAssignment());
+  told.metresPerUnit = MetresPerLengthUnit(document.getIfcUnitAssignment());
+  told.records.in = container.originalEntities.Size();
+  input.fates.Collect(container);
+}
+
+void ReportGatherer::ModelsAreCompared(const std::vector<RunModel>& models) {
+  for (std::size_t i = 0; i < models.size(); ++i) {
+    const RunModel& model = models[i];
+    InputReport& told = report_.inputs[i];
+    told.takesPart = model.mergeable;
+    told.schemaDiffers = !model.schemaValid;
+    told.unitsDiffer = !model.unitsValid;
+    told.unitDifferences = model.unitDifferences;
+    if (!model.mergeable) inputs_[i].fates.DropRest(DropReason::kModelLeftOut);
+  }
+}
+
+void ReportGatherer::ModelIsMoved(const IfcDocument& document,
+                                  const std::array<double, 3>& offsetMm) {
+  report_.inputs[IndexOf(document)].offsetMm = offsetMm;
+}
+
+void ReportGatherer::ObjectsAreLeftOut(const IfcDocument& document,
+                                       const std::vector<LeftOutObject>& objects) {
+  inputs_[IndexOf(document)].fates.NoteLeftOut(objects);
+}
+
+void ReportGatherer::ModelIsMarked(const IfcDocument& document, MarkingStep step) {
+  Input& input = inputs_[IndexOf(document)];
+  input.fates.NoteMarked(step);
+  if (step != MarkingStep::kSwept) return;
+  input.deletedByMarking = CountDeleted(document.mainContainer->originalEntities);
+}
+
+void ReportGatherer::ModelsAreFolded(const std::vector<IfcDocument*>& documents) {
+  folded_ = documents;
+  for (const IfcDocument* const document : documents) {
+    inputs_[IndexOf(*document)].fates.NoteGone(*documents.front()->mainContainer,
+                                               DropReason::kNotNeeded);
+  }
+}
+
+void ReportGatherer::StepIsDone(const FederationNote& note) {
+  StepReport& step = report_.steps.emplace_back();
+  step.step = note.step;
+  for (const auto& [name, count] : note.counts) step.counts.emplace_back(name, count);
+  for (const auto& [name, lines] : note.lists) {
+    if (!lines->empty()) step.lists.emplace_back(name, *lines);
+  }
+  for (const IfcDocument* const document : folded_) {
+    inputs_[IndexOf(*document)].fates.NoteGone(*folded_.front()->mainContainer,
+                                               ReasonOfStep(note.step));
+  }
+}
+
+void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
+  CountRecords(documents);
+  TallyProducts();
+  std::vector<PlacedInput> placed;
+  for (const IfcDocument* const document : documents) {
+    const std::size_t index = IndexOf(*document);
+    placed.push_back({static_cast<std::uint32_t>(index), &inputs_[index].fates});
+  }
+  report_.places = CollectPlaces(*documents.front(), placed);
+}
+
+// By what is filed under its own number in the model that is written: that is what is written.
+void ReportGatherer::CountRecords(const std::vector<IfcDocument*>& documents) {
+  const IfcDocument& merged = *documents.front();
+  const NumberTable& written = merged.mainContainer->entities;
+  OutputReport& output = report_.output;
+  output.isKnown = true;
+  output.records = written.Size() - CountDeleted(written);
+  output.made = output.records;
+  for (std::size_t i = 0; i < documents.size(); ++i) {
+    const std::size_t index = IndexOf(*documents[i]);
+    RecordTally& tally = report_.inputs[index].records;
+    std::size_t deleted = 0;
+    const NumberTable& records = i == 0 ? merged.mainContainer->originalEntities
+                                        : merged.absorbedContainers[i - 1]->originalEntities;
+    for (const auto& [number, entity] : records) {
+      if (IsDeleted(*entity)) {
+        ++deleted;
+      } else if (written.Find(entity->marker) == entity) {
+        ++tally.kept;
+      } else {
+        ++tally.joined;
+      }
+    }
+    tally.leftOut = std::min(inputs_[index].deletedByMarking, deleted);
+    tally.notNeeded = deleted - tally.leftOut;
+    output.made -= tally.kept;
+  }
+}
+
+void ReportGatherer::TallyProducts() {
+  report_.output.products = 0;
+  for (std::size_t i = 0; i < inputs_.size(); ++i) {
+    InputReport& told = report_.inputs[i];
+    told.products = inputs_[i].fates.Tally();
+    told.classes = inputs_[i].fates.TallyByClass();
+    report_.output.products += told.products.kept;
+  }
+}
+
+// The models may be gone by now.
+void ReportGatherer::RunEnds(const RunResult& result) {
+  if (std::exchange(hasEnded_, true)) return;
+  EndStage();
+  OutputReport& output = report_.output;
+  output.written = result.written && !report_.isDryRun;
+  output.cancelled = result.cancelled;
+  output.keptAt = result.outputKeptAt;
+  if (output.written) output.bytes = BytesOf(output.path);
+  // A run that ended early has no result: nothing is kept of any input.
+  for (std::size_t i = 0; i < inputs_.size(); ++i) {
+    InputReport& told = report_.inputs[i];
+    if (output.isKnown && told.takesPart) continue;
+    told.records.leftOut = told.records.in;
+    inputs_[i].fates.DropRest(DropReason::kModelLeftOut);
+  }
+  TallyProducts();
+  inputs_.clear();
+  folded_.clear();
+}
+
+}  // namespace corvel

@@ -1,0 +1,63 @@
+// Fills a report while a run is observed.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "merge/report/product_fates.h"
+#include "merge/report/run_report.h"
+#include "merge/run_observer.h"
+
+namespace corvel {
+
+// For one run. Looks at each record of the inputs three times, and at each product once more for
+// each step: a few percent of what reading costs.
+class ReportGatherer final : public RunObserver {
+ public:
+  // `command`: as the user calls it.
+  explicit ReportGatherer(std::string command);
+  ~ReportGatherer() override;
+
+  // What others have to tell. Its text is told as it is.
+  void AddFailure(WideString text) { report_.failures.push_back(std::move(text)); }
+  void AddMessage(WideString text) { report_.messages.push_back(std::move(text)); }
+  void SetDryRun(bool isDryRun) { report_.isDryRun = isDryRun; }
+  // Before RunEnds, which looks how large the file is.
+  void SetOutput(WideString path) { report_.output.path = std::move(path); }
+  const RunReport& Report() const { return report_; }
+
+  void StageBegins(RunStage stage, const WideString& path) override;
+  void ModelIsRead(const IfcDocument& document) override;
+  void ModelsAreCompared(const std::vector<RunModel>& models) override;
+  void ModelIsMoved(const IfcDocument& document, const std::array<double, 3>& offsetMm) override;
+  void ObjectsAreLeftOut(const IfcDocument& document,
+                         const std::vector<LeftOutObject>& objects) override;
+  void ModelIsMarked(const IfcDocument& document, MarkingStep step) override;
+  void ModelsAreFolded(const std::vector<IfcDocument*>& documents) override;
+  void StepIsDone(const FederationNote& note) override;
+  void ModelIsDone(const std::vector<IfcDocument*>& documents) override;
+  // The first call counts: who started the run calls it for one that ended by an exception.
+  void RunEnds(const RunResult& result) override;
+
+ private:
+  // What has to be remembered of an input until the run is over.
+  struct Input {
+    const IfcDocument* document = nullptr;
+    ProductFates fates;
+    std::size_t deletedByMarking = 0;
+  };
+
+  std::size_t IndexOf(const IfcDocument& document) const;
+  void CountRecords(const std::vector<IfcDocument*>& documents);
+  void TallyProducts();
+  void EndStage();
+
+  RunReport report_;
+  std::vector<Input> inputs_;  // as those of the report
+  std::vector<IfcDocument*> folded_;
+  std::int64_t stageBegan_ = 0;
+  bool hasEnded_ = false;
+};
+
+}  // namespace corvel

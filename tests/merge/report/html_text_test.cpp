@@ -1,0 +1,47 @@
+#include "merge/report/html_text.h"
+
+#include <gtest/gtest.h>
+
+namespace corvel {
+namespace {
+
+const PageTexts kEnglish("en");
+
+std::string Escaped(WideView text) { return HtmlText(kEnglish).Text(text).Take(); }
+
+TEST(HtmlText, NothingInATextIsHtml) {
+  EXPECT_EQ("&lt;/script&gt;&lt;b a=&quot;x&quot; b=&#39;y&#39;&gt;&amp;amp;",
+            Escaped(u"</script><b a=\"x\" b='y'>&amp;"));
+}
+
+TEST(HtmlText, WhatIsNoCharacterIsReplaced) {
+  const char16_t units[] = {0, u'a', 0x85, 0xD800, u'b', 0xDC80, u'\n'};
+  EXPECT_EQ("\uFFFDa\uFFFD\uFFFDb\uFFFD\n", Escaped(WideView(units, 7)));
+  EXPECT_EQ("\u00e4\u4e16\U0001F600\u2028", Escaped(u"\u00e4\u4e16\U0001F600\u2028"));
+}
+
+TEST(HtmlText, ANameTurnsNothingAroundItself) {
+  EXPECT_EQ("<bdi>\u202ex</bdi>", HtmlText(kEnglish).Name(u"\u202ex").Take());
+}
+
+TEST(HtmlText, CountsAreInGroupsOfThree) {
+  EXPECT_EQ("0", HtmlText(kEnglish).Count(0).Take());
+  EXPECT_EQ("999", HtmlText(kEnglish).Count(999).Take());
+  EXPECT_EQ("1\u202F000\u202F000", HtmlText(kEnglish).Count(1000000).Take());
+}
+
+TEST(HtmlText, AWordNamesItsKeySoThatItsLanguageCanChange) {
+  EXPECT_EQ("<h2 data-t='inputs' class='x'>Inputs</h2>",
+            HtmlText(kEnglish).Word("h2", "inputs", " class='x'").Take());
+  EXPECT_EQ("<span data-t='inputs'>Eingaben</span>",
+            HtmlText(PageTexts("de")).Word("inputs").Take());
+}
+
+TEST(PageTexts, AnUnknownLanguageIsEnglish) {
+  EXPECT_EQ("en", PageTexts("xx").Language());
+  EXPECT_EQ("pl", PageTexts("pl").Language());
+  EXPECT_EQ("nothing.of.that.name", kEnglish.Of("nothing.of.that.name"));
+}
+
+}  // namespace
+}  // namespace corvel

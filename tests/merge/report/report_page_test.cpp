@@ -1,0 +1,131 @@
+#include "merge/report/report_page.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "merge/report/page_texts.h"
+#include "merge/report/report_json.h"
+
+namespace corvel {
+namespace {
+
+constexpr WideView kHostile = u"</script></title><script>bad()</script>{{json}}\"'&\u2028";
+
+// Something in every section, and a hostile name wherever a name can stand.
+RunReport FullReport() {
+  const WideString hostile(kHostile);
+  RunReport report;
+  report.command = "merge";
+  report.startedAt = u"2026-11-22 14:05:09";
+  report.failures = {hostile};
+  report.messages = {hostile};
+  report.output.path = u"/" + hostile;
+  report.output.keptAt = hostile;
+  report.output.isKnown = true;
+  for (int i = 0; i < 2; ++i) {
+    InputReport& input = report.inputs.emplace_back();
+    input.path = hostile;
+    input.schema = hostile;
+    input.lengthUnit = hostile;
+    input.unitsDiffer = true;
+    input.unitDifferences.push_back({hostile, hostile, 1, hostile, 2, false, hostile});
+    input.products.in = input.products.kept = 1;
+    input.classes = {{"IfcWall", input.products}};
+    input.remarks = {hostile};
+  }
+  report.inputs[0].takesPart = report.inputs[1].takesPart = true;
+  report.steps.push_back({"tree", {{"joined", 1}}, {{"ambiguous", {hostile}}}});
+  report.stages.push_back({RunStage::kRead, hostile, 0.5, 1000000});
+  ModelPlaces& places = report.places.emplace();
+  places.classes = {{"IfcWall", 2, 2}};
+  places.products.push_back({0, 0, "</title>", hostile, {0, 0, 0}});
+  places.products.push_back({1, 0, "g", hostile, {9, 0, 0}, ProductBox{{9, 0, 1}, {1, 2, 2}, 30}});
+  places.storeys = {{0, hostile, 3.0}};
+  places.tree = {{"IfcProject", "g", hostile, {0, 1}, {0, 0}, {1}},
+                 {"IfcSite", "g", hostile, {0}, {1, 0}, {}}};
+  return report;
+}
+
+std::size_t Occurrences(std::string_view text, std::string_view piece) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(piece); at != std::string_view::npos;
+       at = text.find(piece, at + piece.size())) {
+    ++count;
+  }
+  return count;
+}
+
+TEST(ReportPage, NoNameGetsOutOfItsPlace) {
+  const std::string page = ReportAsPage(FullReport(), "en");
+  EXPECT_EQ(3u, Occurrences(page, "<script"));
+  EXPECT_EQ(3u, Occurrences(page, "</script>"));
+  EXPECT_EQ(0u, Occurrences(page, "<script>bad"));
+  EXPECT_EQ(Occurrences(page, "<title>"), Occurrences(page, "</title>"));
+  EXPECT_LT(10u, Occurrences(page, "&lt;/script&gt;"));
+}
+
+TEST(ReportPage, TheJsonInItIsThatOfTheReport) {
+  const RunReport report = FullReport();
+  const std::string page = ReportAsPage(report, "en");
+  EXPECT_EQ(1u, Occurrences(page, "id=\"report\">\n" + ReportAsJson(report) + "</script>"));
+}
+
+TEST(ReportPage, FailuresComeFirst) {
+  const std::string page = ReportAsPage(FullReport(), "en");
+  EXPECT_LT(page.find("id='failures'"), page.find("data-t='inputs'"));
+  EXPECT_LT(page.find("id='failures'"), page.find("class='chip"));
+}
+
+TEST(ReportPage, EveryTextOfThePageIsThereInEachLanguage) {
+  std::set<std::string> keys;
+  const std::string page = ReportAsPage(FullReport(), "en");
+  for (std::size_t at = page.find("data-t="); at != std::string::npos;
+       at = page.find("data-t=", at + 1)) {
+    const std::size_t begin = at + 8;
+    keys.insert(page.substr(begin, page.find(page[begin - 1], begin) - begin));
+  }
+  EXPECT_LT(30u, keys.size());
+  for (const char* const language : {"en", "de", "fr", "es", "pl"}) {
+    const PageTexts texts(language);
+    ASSERT_EQ(language, texts.Language());
+    for (const std::string& key : keys) EXPECT_NE(key, texts.Of(key)) << language;
+  }
+}
+
+TEST(ReportPage, WithALanguageItStaysInIt) {
+  const std::string german = ReportAsPage(FullReport(), "de");
+  EXPECT_NE(std::string::npos, german.find("<html lang=\"de\">"));
+  EXPECT_NE(std::string::npos, german.find("<h2 data-t='inputs'>Eingaben</h2>"));
+  EXPECT_NE(std::string::npos,
+            ReportAsPage(FullReport(), "").find("<html lang=\"en\" data-follows>"));
+}
+
+TEST(ReportPage, ARunThatEndedBeforeItReadAnythingHasAPageToo) {
+  RunReport report;
+  report.command = "merge";
+  report.failures = {u"no memory"};
+  const std::string page = ReportAsPage(report, "en");
+  EXPECT_NE(std::string::npos, page.find("<bdi>no memory</bdi>"));
+  EXPECT_EQ(0u, Occurrences(page, "<svg"));
+}
+
+TEST(ReportPage, MoreProductsThanABrowserDrawsAreThinnedOutByClassAndItIsSaid) {
+  RunReport report = FullReport();
+  ModelPlaces& places = *report.places;
+  places.classes = {{"IfcWall", 40000, 40000}, {"IfcDoor", 3, 3}};
+  places.products.clear();
+  for (std::uint32_t i = 0; i < 40003; ++i) {
+    places.products.push_back(
+        {0, i < 40000 ? 0u : 1u, "g", u"n", {double(i % 200), double(i) / 200, 0}});
+  }
+  const std::string page = ReportAsPage(report, "en");
+  const std::size_t drawn = Occurrences(page, "<circle class='p'");
+  EXPECT_LT(2 * 7900u, drawn);
+  EXPECT_GE(2 * 8002u, drawn);
+  EXPECT_LE(2u, Occurrences(page, "\u00b7 IfcDoor \u00b7"));
+  EXPECT_NE(std::string::npos, page.find("Every class is thinned out by the same share."));
+}
+
+}  // namespace
+}  // namespace corvel

@@ -1,0 +1,121 @@
+#include "merge/report/shape_boxes.h"
+
+#include <gtest/gtest.h>
+
+#include "merge/record_document.h"
+
+namespace corvel::test {
+namespace {
+
+using Shape = std::vector<PlannedRecord>;
+
+// The box of the product definition shape #1, whose body has the item #10.
+Bounds BoxOf(Shape records) {
+  records.push_back({1, "IFCPRODUCTDEFINITIONSHAPE", "$,$,(#2)"});
+  records.push_back({2, "IFCSHAPEREPRESENTATION", "#3,'Body','x',(#10)"});
+  records.push_back({3, "IFCGEOMETRICREPRESENTATIONCONTEXT", "$,$,3,$,#4,$"});
+  records.push_back({4, "IFCAXIS2PLACEMENT3D", "#5,$,$"});
+  records.push_back({5, "IFCCARTESIANPOINT", "(0.,0.,0.)"});
+  RecordDocument document(records, SchemaNamespace::IFC4);
+  const IFC::IfcEntity* const shape = (*document).mainContainer->GetEntityByOrginalNumber(1);
+  return ShapeBoxes().Of(*shape);
+}
+
+void ExpectBox(const Bounds& bounds, const Triple& low, const Triple& high) {
+  ASSERT_FALSE(bounds.isEmpty);
+  for (std::size_t i = 0; i < low.size(); ++i) {
+    EXPECT_NEAR(low[i], bounds.low[i], 1e-9) << i;
+    EXPECT_NEAR(high[i], bounds.high[i], 1e-9) << i;
+  }
+}
+
+const Shape kExtrusion = {{10, "IFCEXTRUDEDAREASOLID", "#11,#13,#12,3."},
+                          {11, "IFCRECTANGLEPROFILEDEF", ".AREA.,$,$,4.,2."},
+                          {12, "IFCDIRECTION", "(0.,0.,1.)"},
+                          {13, "IFCAXIS2PLACEMENT3D", "#14,$,#15"},
+                          {14, "IFCCARTESIANPOINT", "(10.,0.,0.)"},
+                          {15, "IFCDIRECTION", "(0.,1.,0.)"}};
+
+Shape MadeOf(Shape one, const Shape& other) {
+  one.insert(one.end(), other.begin(), other.end());
+  return one;
+}
+
+Shape Moved(const Shape& shape, std::uint32_t from, std::uint32_t by) {
+  Shape moved = shape;
+  for (PlannedRecord& record : moved) {
+    if (record.number == from) record.number = by;
+  }
+  return moved;
+}
+
+TEST(ShapeBoxes, AnExtrusionIsItsProfileTurnedAndMoved) {
+  ExpectBox(BoxOf(kExtrusion), {9, -2, 0}, {11, 2, 3});
+}
+
+TEST(ShapeBoxes, AProfileWithoutParametersCountsByItsPoints) {
+  ExpectBox(BoxOf({{10, "IFCEXTRUDEDAREASOLID", "#11,$,#12,2."},
+                   {11, "IFCARBITRARYCLOSEDPROFILEDEF", ".AREA.,$,#13"},
+                   {12, "IFCDIRECTION", "(0.,0.,-1.)"},
+                   {13, "IFCPOLYLINE", "(#14,#15,#16,#14)"},
+                   {14, "IFCCARTESIANPOINT", "(1.,1.)"},
+                   {15, "IFCCARTESIANPOINT", "(5.,1.)"},
+                   {16, "IFCCARTESIANPOINT", "(5.,-7.)"}}),
+            {1, -7, -2}, {5, 1, 0});
+}
+
+TEST(ShapeBoxes, AMeshIsAsLargeAsItsPoints) {
+  ExpectBox(BoxOf({{10, "IFCTRIANGULATEDFACESET", "#11,$,$,((1,2,3)),$"},
+                   {11, "IFCCARTESIANPOINTLIST3D", "((0.,1.,2.),(-4.,5.,6.),(7.,8.,-9.))"}}),
+            {-4, 1, -9}, {7, 8, 6});
+}
+
+TEST(ShapeBoxes, AFacetedBodyIsAsLargeAsItsPoints) {
+  ExpectBox(BoxOf({{10, "IFCFACETEDBREP", "#11"},
+                   {11, "IFCCLOSEDSHELL", "(#12)"},
+                   {12, "IFCFACE", "(#13)"},
+                   {13, "IFCFACEOUTERBOUND", "#14,.T."},
+                   {14, "IFCPOLYLOOP", "(#15,#16,#17)"},
+                   {15, "IFCCARTESIANPOINT", "(0.,0.,0.)"},
+                   {16, "IFCCARTESIANPOINT", "(3.,0.,1.)"},
+                   {17, "IFCCARTESIANPOINT", "(0.,-2.,5.)"}}),
+            {0, -2, 0}, {3, 0, 5});
+}
+
+TEST(ShapeBoxes, WhatIsMappedIsTurnedStretchedAndMoved) {
+  ExpectBox(BoxOf(MadeOf(Moved(kExtrusion, 10, 20),
+                         {{10, "IFCMAPPEDITEM", "#30,#34"},
+                          {30, "IFCREPRESENTATIONMAP", "#31,#33"},
+                          {31, "IFCAXIS2PLACEMENT3D", "#32,$,$"},
+                          {32, "IFCCARTESIANPOINT", "(10.,0.,0.)"},
+                          {33, "IFCSHAPEREPRESENTATION", "#3,'Body','x',(#20)"},
+                          {34, "IFCCARTESIANTRANSFORMATIONOPERATOR3D", "$,$,#35,2.,$"},
+                          {35, "IFCCARTESIANPOINT", "(100.,0.,1.)"}})),
+            {98, -4, 1}, {102, 4, 7});
+}
+
+TEST(ShapeBoxes, WhatIsCutIsAsLargeAsItWas) {
+  ExpectBox(BoxOf(MadeOf(Moved(kExtrusion, 10, 20),
+                         {{10, "IFCBOOLEANCLIPPINGRESULT", ".DIFFERENCE.,#20,#21"},
+                          {21, "IFCHALFSPACESOLID", "#22,.F."},
+                          {22, "IFCPLANE", "#4"}})),
+            {9, -2, 0}, {11, 2, 3});
+}
+
+TEST(ShapeBoxes, AShapeThatMapsItselfHasNoEndAndNoBox) {
+  EXPECT_TRUE(BoxOf({{10, "IFCMAPPEDITEM", "#30,#34"},
+                     {30, "IFCREPRESENTATIONMAP", "#4,#33"},
+                     {33, "IFCSHAPEREPRESENTATION", "#3,'Body','x',(#10)"},
+                     {34, "IFCCARTESIANTRANSFORMATIONOPERATOR3D", "$,$,#5,$,$"}})
+                  .isEmpty);
+}
+
+TEST(ShapeBoxes, ASurfaceOfAnotherKindHasNoBox) {
+  EXPECT_TRUE(BoxOf({{10, "IFCREVOLVEDAREASOLID", "#11,$,#12,3."},
+                     {11, "IFCRECTANGLEPROFILEDEF", ".AREA.,$,$,4.,2."},
+                     {12, "IFCAXIS1PLACEMENT", "#5,$"}})
+                  .isEmpty);
+}
+
+}  // namespace
+}  // namespace corvel::test
