@@ -147,7 +147,10 @@ class Pairs {
                                 std::uint64_t model) {
     for (std::size_t i = 0; i < others.size(); ++i) {
       if (others[i] != kNone) continue;
-      facts.Values().SetReference(*facts.Model().Objects()[i], {kReference + 2 + model, i});
+      const IFC::IfcEntity& object = *facts.Model().Objects()[i];
+      const bool isContext = facts.Model().Words().Of(object)->role == Role::kContext;
+      facts.Values().SetReference(
+          object, isContext ? NameOfContext(object) : Digest{kReference + 2 + model, i});
     }
   }
 

@@ -9,6 +9,9 @@ from support import (CANCELLED, DONE, NOTHING_WRITTEN, ON_WINDOWS,
                      WRONG_USAGE, CorvelTest, large_model, project, wall)
 
 DIFFERENT = 4
+SAMPLES = os.path.join(os.path.dirname(__file__), '..', '..', '..', 'samples')
+# Under an emulator the program sees this machine's root as a drive.
+DRIVE = 'Z:' if os.environ.get('CORVEL_SYSTEM') == 'Windows' else ''
 GUID = '2O2Fr$t4X7Zf8NOew3FLOH'
 
 
@@ -69,6 +72,38 @@ class Diff(CorvelTest):
         told = json.loads(self.run_corvel('diff', '--json', 'a.ifc', 'out.ifc').out)
         self.assertEqual(['1hqIFTRjfV6AWq_bMtnZwI'], [one['guid'] for one in told['added']])
         self.assertEqual(([], [], 2), (told['removed'], told['changed'], told['same']))
+
+    def told(self, before, after):
+        return json.loads(self.run_corvel('diff', '--json', before, after).out)
+
+    def test_a_merge_says_what_the_fold_says(self):
+        """All of both inputs is there; the second project has given way to the first."""
+        first, second = (DRIVE + os.path.abspath(os.path.join(SAMPLES, f'office_{part}_IFC4.ifc'))
+                         for part in ('architecture', 'structure'))
+        self.run_corvel('merge', first, second, '-o', 'out.ifc')
+        told = self.told(first, 'out.ifc')
+        self.assertEqual(([], [], []), (told['removed'], told['changed'], told['renamed']))
+        added = {one['guid'] for one in told['added']} - {''}
+        told = self.told(second, 'out.ifc')
+        self.assertEqual(['IfcProject'], [one['class'] for one in told['removed']])
+        self.assertEqual([], told['renamed'])
+        self.assertEqual([('IfcSite', 'part of')],
+                         [(one['before']['class'], change['path'])
+                          for one in told['changed'] for change in one['changes']])
+        self.assertEqual(told['before']['objects'] - 1, len(added))
+        first_ones = {one['guid'] for one in told['added']} - {''}
+        self.assertFalse(added & first_ones)
+
+    def test_one_building_is_told_by_what_has_become_one(self):
+        first, second = (DRIVE + os.path.abspath(os.path.join(SAMPLES, f'office_{part}_IFC4.ifc'))
+                         for part in ('architecture', 'structure'))
+        self.run_corvel('merge', '--one-building', first, second, '-o', 'out.ifc')
+        told = self.told(second, 'out.ifc')
+        self.assertEqual(['IfcSite', 'IfcBuilding', 'IfcBuildingStorey', 'IfcBuildingStorey'],
+                         [one['before']['class'] for one in told['renamed']])
+        self.assertEqual(['IfcProject'], [one['class'] for one in told['removed']])
+        kinds = {change['path'] for one in told['changed'] for change in one['changes']}
+        self.assertEqual({'group', 'part of'}, kinds)
 
     @unittest.skipIf(ON_WINDOWS, 'there is no such signal')
     def test_a_request_to_end_is_3(self):
