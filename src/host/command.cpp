@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/check/check_report.h"
+#include "host/check/check_run.h"
 #include "host/command_line.h"
 #include "host/diff/diff_run.h"
 #include "host/display_text.h"
@@ -139,11 +141,35 @@ ExitStatus RunDiff(const CommandLine& line) {
   return output.Flush() ? status : ExitStatus::kNothingWritten;
 }
 
+ExitStatus Explain(const std::string& name) {
+  if (const Rule* const rule = FindRule(name)) {
+    return Status(platform::WriteStandardOutput(ExplanationOf(*rule)));
+  }
+  RunConsole(RunConsole::StandardError(false))
+      .Say(u"check: there is no rule '" + FromUtf8(name) + u"'. There are:\n" + ListOfRules());
+  return ExitStatus::kWrongUsage;
+}
+
+ExitStatus RunCheck(const CommandLine& line) {
+  if (line.explain) return Explain(*line.explain);
+  platform::SetDialogs(platform::Dialogs::kTerminal);
+  platform::SetAnswerPolicy(line.answer);
+  platform::CatchInterrupts();
+  RunConsole console(RunConsole::StandardError(!line.quiet));
+  const CheckRunOrder order{line.inputs, line.against, line.json, platform::CanColourOutput(),
+                            line.workFolder.value_or(platform::SystemTemporaryFolder())};
+  BlockOutput output;
+  const ExitStatus status =
+      RunCheck(order, console, [&output](WideView text) { return output.Write(text); });
+  return output.Flush() ? status : ExitStatus::kNothingWritten;
+}
+
 ExitStatus RunOnFiles(const CommandLine& line) {
   switch (line.command) {
     case Command::kInfo: return RunInfo(line);
     case Command::kTree: return RunTree(line);
     case Command::kDiff: return RunDiff(line);
+    case Command::kCheck: return RunCheck(line);
     case Command::kMerge:
     case Command::kExtract:
     case Command::kResave:

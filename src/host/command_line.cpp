@@ -24,7 +24,7 @@ struct CommandName {
 constexpr CommandName kCommands[] = {{"merge", Command::kMerge},   {"extract", Command::kExtract},
                                      {"resave", Command::kResave}, {"optimise", Command::kOptimise},
                                      {"info", Command::kInfo},     {"tree", Command::kTree},
-                                     {"diff", Command::kDiff}};
+                                     {"diff", Command::kDiff},     {"check", Command::kCheck}};
 
 // The words of one command before they are judged.
 struct Words {
@@ -37,6 +37,8 @@ struct Words {
   std::string tolerance;
   std::vector<std::string> reports;
   bool dryRun = false;
+  std::vector<std::string> against;
+  std::string explain;
   ChoiceWords merge;
   std::string listing;
   bool ignoreEnumErrors = false;
@@ -88,11 +90,12 @@ bool IsWholeCopy(Command command) {
 
 // Writes no model.
 bool ShowsOnly(Command command) {
-  return command == Command::kInfo || command == Command::kTree || command == Command::kDiff;
+  return command == Command::kInfo || command == Command::kTree || command == Command::kDiff ||
+         command == Command::kCheck;
 }
 
 bool TakesManyFiles(Command command) {
-  return command == Command::kMerge || command == Command::kInfo;
+  return command == Command::kMerge || command == Command::kInfo || command == Command::kCheck;
 }
 
 void AddChoiceOptions(CLI::App& app, Words& words) {
@@ -143,6 +146,11 @@ void GatherFederation(const CLI::App& app, Command command, ChoiceWords& words) 
   }
 }
 
+void AddCheckOptions(CLI::App& app, Words& words) {
+  app.add_option("--against", words.against);
+  app.add_option("--explain", words.explain);
+}
+
 void AddOptions(CLI::App& app, Command command, Words& words) {
   app.set_help_flag();  // the help texts are our own
   app.allow_extras();
@@ -154,6 +162,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   AddFederationOptions(app, command);
   if (ShowsOnly(command)) app.add_flag("--json", words.json);
   if (command == Command::kDiff) app.add_option("--tolerance", words.tolerance);
+  if (command == Command::kCheck) AddCheckOptions(app, words);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);
   app.add_flag("--quiet", words.quiet);
@@ -215,6 +224,7 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
                (files == 1 ? " is given" : " are given");
       }
       break;
+    case Command::kCheck: break;  // see CheckError
     case Command::kTree:
       if (files != 1) {
         return "one file is needed, and " + std::to_string(files) + " are given";
@@ -230,6 +240,19 @@ std::optional<double> LengthFrom(const std::string& word) {
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), length);
   const bool isWhole = error == std::errc() && end == word.data() + word.size();
   return isWhole && std::isfinite(length) && length > 0.0 ? std::optional(length) : std::nullopt;
+}
+
+std::optional<std::string> CheckError(const CLI::App& app, const Words& words) {
+  const std::size_t files = words.files.size();
+  if (app.count("--explain") != 0) {
+    if (files != 0 || app.count("--against") != 0) return "--explain takes no files";
+    return {};
+  }
+  if (files == 0) return "a file is needed";
+  if (app.count("--against") != 0 && files != 1) {
+    return "one file is needed in front of --against, and " + std::to_string(files) + " are given";
+  }
+  return {};
 }
 
 std::optional<std::string> WordError(Command command, const CLI::App& app, const Words& words) {
@@ -253,6 +276,7 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
     }
   }
   if (auto error = CountError(command, words.files.size())) return error;
+  if (command == Command::kCheck) return CheckError(app, words);
   if (!ChoosesObjects(command)) return {};
   const bool proposes = app.count("--propose-tree") != 0;
   if (words.dryRun) {
@@ -286,6 +310,8 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.choices.deleteOpenings = words.deleteOpenings;
   line.isDryRun = words.dryRun;
   for (const std::string& report : words.reports) line.reports.push_back(FromUtf8(report));
+  for (const std::string& file : words.against) line.against.push_back(FromUtf8(file));
+  if (!words.explain.empty()) line.explain = words.explain;
   line.quiet = words.quiet;
   line.json = words.json;
   if (const auto tolerance = LengthFrom(words.tolerance)) line.toleranceMm = *tolerance;

@@ -14,25 +14,27 @@
 
 namespace corvel::host {
 
-enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree, kDiff };
+enum class Command { kMerge, kExtract, kResave, kOptimise, kInfo, kTree, kDiff, kCheck };
 
 std::string NameOf(Command command);  // "merge"
 
 struct CommandLine {
   Command command = Command::kMerge;
-  std::vector<WideString> inputs;  // merge: two or more; info: one or more; diff: two; others: one
-  WideString output;               // of all but info, tree and diff; a dry run may have none
+  std::vector<WideString> inputs;  // info, check: one or more; merge: two or more; diff: two
+  WideString output;               // of all that write a model; a dry run may have none
   RunChoices choices;     // merge and extract; resave and optimise choose no objects and no places
   bool isDryRun = false;  // merge
   std::vector<WideString> reports;  // of all that have an output
   bool quiet = false;
-  bool json = false;                       // info, tree and diff
+  bool json = false;                       // info, tree, diff and check
   double toleranceMm = 0.001;              // diff
   bool outputIsPiped = false;              // to standard output, where nothing else goes then
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt
   std::optional<WideString> workFolder;    // for files that are gone when they are closed
   std::optional<WideString> log;           // where it goes instead of beside the output
+  std::vector<WideString> against;         // check: what the only input was made from
+  std::optional<std::string> explain;      // check: the name of a rule; there are no inputs
 };
 
 // Text that was asked for: help or the version.

@@ -9,7 +9,8 @@ enum class ExitStatus {
   kWrongUsage = 2,
   kCancelled = 3,  // nothing was written because the user, or who ended the session, wanted so
   kWrittenWithReports = 4,
-  kDifferent = 4,  // of `diff`: the models are not the same
+  kDifferent = 4,    // of `diff`: the models are not the same
+  kErrorsFound = 4,  // of `check`
 };
 
 }  // namespace corvel::host

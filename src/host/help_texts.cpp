@@ -1,5 +1,6 @@
 #include "host/help_texts.h"
 
+#include "host/check/check_help.h"
 #include "host/diff/diff_help.h"
 
 namespace corvel::host {
@@ -17,6 +18,7 @@ Usage:
   corvel info FILE...                tell what files hold
   corvel tree FILE                   show the objects of one model as a tree
   corvel diff A B                    tell what has changed between two models
+  corvel check FILE...               tell what is in models and wrong with them
   corvel COMMAND --help              all about one command
   corvel --help                      this text
   corvel --version                   the version
@@ -31,11 +33,11 @@ Exit status:
   2    wrong usage
   3    cancelled by the user or by SIGTERM, nothing was written
   4    written, but errors or remarks were reported; with diff: the models
-       are different
+       are different; with check: errors were found
   130  interrupted a second time
 
-A file name that begins with "-" goes behind "--". "-" itself is standard input,
-which is kept as a file in the work folder meanwhile, or as OUT standard
+A file name that begins with "-" goes behind "--". "-" itself is standard
+input, which is kept as a file in the work folder meanwhile, or as OUT standard
 output: the model is sent, as plain IFC, when it is complete, and nothing else
 goes there. Where FILE... stands a folder means all models in it, by name (on
 Windows also patterns are files: *.ifc), and --files0-from LIST adds the files
@@ -456,6 +458,7 @@ WideView HelpOf(Command command) {
     case Command::kInfo: return kInfo;
     case Command::kTree: return kTree;
     case Command::kDiff: return diff::Help();
+    case Command::kCheck: return CheckHelp();
   }
   return kGeneral;
 }

@@ -86,6 +86,30 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
   EXPECT_TRUE(line.json);
 }
 
+TEST(CommandLine, CheckTakesFilesOrOneAgainstOthers) {
+  const CommandLine line = Parsed({u"check", u"a", u"b", u"--json"});
+  EXPECT_EQ(Command::kCheck, line.command);
+  EXPECT_EQ((std::vector<WideString>{u"a", u"b"}), line.inputs);
+  EXPECT_TRUE(line.json);
+  EXPECT_TRUE(line.against.empty());
+  const CommandLine compared = Parsed({u"check", u"a", u"--against", u"b", u"c", u"--quiet"});
+  EXPECT_EQ(std::vector<WideString>{u"a"}, compared.inputs);
+  EXPECT_EQ((std::vector<WideString>{u"b", u"c"}), compared.against);
+  EXPECT_EQ("CRV.list.few", Parsed({u"check", u"--explain", u"CRV.list.few"}).explain);
+}
+
+TEST(CommandLine, CheckRefusesWhatDoesNotGoTogether) {
+  const auto errorOf = [](const std::vector<WideString>& words) {
+    const std::string text = ErrorOf(words);
+    return text.substr(0, text.find('\n'));
+  };
+  EXPECT_EQ("check: a file is needed", errorOf({u"check"}));
+  EXPECT_EQ("check: one file is needed in front of --against, and 2 are given",
+            errorOf({u"check", u"a", u"b", u"--against", u"c"}));
+  EXPECT_EQ("check: a file is needed", errorOf({u"check", u"--against", u"c"}));
+  EXPECT_EQ("check: --explain takes no files", errorOf({u"check", u"a", u"--explain", u"x"}));
+}
+
 TEST(CommandLine, TreeTakesOneFile) {
   const CommandLine line = Parsed({u"tree", u"a.ifc", u"--json"});
   EXPECT_EQ(Command::kTree, line.command);
@@ -321,7 +345,8 @@ TEST(CommandLine, HelpComesBeforeWhatElseIsWrong) {
 }
 
 constexpr Command kAllCommands[] = {Command::kMerge,    Command::kExtract, Command::kResave,
-                                    Command::kOptimise, Command::kInfo,    Command::kTree};
+                                    Command::kOptimise, Command::kInfo,    Command::kTree,
+                                    Command::kDiff,     Command::kCheck};
 
 // Every option of federation stands in the help of each command that takes it.
 TEST(HelpTexts, TellTheOptionsOfFederation) {

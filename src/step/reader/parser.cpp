@@ -207,8 +207,10 @@ bool Parser::FindRecord(std::uint32_t& number) {
 // What the first pass has passed over up to `end`, and that the input has no closing line.
 void Parser::TellSkipped(std::int64_t end) {
   if (state == ParserState::kCancelled) return;
+  notes.skipped = skipped_.Parts();
   remarks = skipped_.TakeTexts(filePath);
   if (!IsStopped() && !scanner->MetClosingLine()) {
+    notes.endWithoutClosingLine = end;
     remarks.push_back(ClosingLineIsMissing(filePath, end));
   }
   for (const WideString& remark : remarks) showError("", remark + u"\n", kReportLog);

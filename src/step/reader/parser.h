@@ -22,6 +22,7 @@
 #include "core/text.h"
 #include "step/carried/carrying_reader.h"
 #include "step/factories.h"
+#include "step/reader/reading_notes.h"
 #include "step/reader/reading_progress.h"
 #include "step/reader/record_borders.h"
 #include "step/reader/saved_records.h"
@@ -115,6 +116,7 @@ class Parser {
   // What the first pass could not take in, and that the input lacks its closing line. All of it has
   // been reported in mode kReportLog.
   std::vector<WideString> remarks;
+  ReadingNotes notes;  // the same, not yet in words
   ErrorReporter showError;
   ProgressCallback progress;
 

@@ -61,6 +61,24 @@ std::vector<std::int64_t> SkippedInput::Offsets() const {
   return offsets;
 }
 
+std::vector<SkippedPart> SkippedInput::Parts() const {
+  std::vector<SkippedPart> parts;
+  for (std::size_t kind = 0; kind < kKinds; ++kind) {
+    const Finding& finding = findings_[kind];
+    if (finding.places == 0) continue;
+    parts.push_back({static_cast<Kind>(kind),
+                     {},
+                     finding.first.offset,
+                     finding.first.record,
+                     finding.places,
+                     finding.records});
+  }
+  for (const Section& section : sections_) {
+    parts.push_back({.section = section.name, .offset = section.offset});
+  }
+  return parts;
+}
+
 std::vector<WideString> SkippedInput::TakeTexts(const WideString& path) {
   std::vector<WideString> texts;
   const std::vector<std::int64_t> offsets = Offsets();

@@ -12,6 +12,8 @@
 
 namespace corvel {
 
+struct SkippedPart;
+
 // A spoilt file may hold millions of such places: of each kind the first is remembered, and how
 // many there are. Nothing of the file is kept. Lines are found by looking into the file once more,
 // so that good files pay nothing for them.
@@ -37,6 +39,8 @@ class SkippedInput {
   // A section that is not read.
   void NoteSection(std::string_view name, std::int64_t offset);
 
+  // What was noted, by kind, and then the sections.
+  std::vector<SkippedPart> Parts() const;
   // One text a kind and section, with the places of `path`, which is looked into for the lines.
   // Forgets everything. Reads the file up to the last of the places, and not at all without one.
   std::vector<WideString> TakeTexts(const WideString& path);
@@ -62,6 +66,16 @@ class SkippedInput {
   std::array<Finding, kKinds> findings_;
   std::vector<Section> sections_;
   std::uint32_t record_ = 0;
+};
+
+// Places of one kind, or a section.
+struct SkippedPart {
+  SkippedInput::Kind kind = SkippedInput::Kind::kText;  // of no meaning for a section
+  std::string section;                                  // empty: it is none
+  std::int64_t offset = 0;                              // of the first place
+  std::uint32_t record = 0;                             // that was read there
+  std::uint64_t places = 1;
+  std::uint64_t records = 0;  // that seem to be in them
 };
 
 // "line 12" of the file at `path`; "byte 345" when the file cannot be looked into once more.

@@ -56,10 +56,20 @@ void Tolerance::Note(Misfit kind, std::string_view className, std::string_view w
     group.places.push_back({std::string(what), number, offset});
 }
 
+std::vector<MisfitGroup> Tolerance::Groups() const {
+  std::vector<MisfitGroup> groups;
+  groups.reserve(groups_.size());
+  for (const auto& [key, group] : groups_) {
+    const std::string className = key.second == kOtherClasses ? std::string() : key.second;
+    groups.push_back({key.first, className, group.count, group.places});
+  }
+  return groups;
+}
+
 std::vector<WideString> Tolerance::TakeTexts(const WideString& path) {
   std::vector<std::int64_t> offsets;
   for (const auto& [key, group] : groups_) {
-    for (const Place& place : group.places) {
+    for (const MisfitPlace& place : group.places) {
       if (place.offset != kNowhere) offsets.push_back(place.offset);
     }
   }
@@ -86,7 +96,7 @@ WideString Tolerance::TextOf(const Key& key, const Group& group,
   }
   text += u". Records: " + Digits(group.count) + u", the first:";
   const char16_t* before = u" ";
-  for (const Place& place : group.places) {
+  for (const MisfitPlace& place : group.places) {
     text += before;
     before = u", ";
     if (place.number != 0) text += u"#" + ToWide(place.number);

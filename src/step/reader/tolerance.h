@@ -41,6 +41,20 @@ inline constexpr std::size_t kMisfits = static_cast<std::size_t>(Misfit::kNoEnd)
 // tolerant readings alone, and caught within the parser.
 struct MisfitInRecord {};
 
+struct MisfitPlace {
+  std::string what;          // an attribute or a value; may be empty
+  std::uint32_t number = 0;  // of the record; 0: none
+  std::int64_t offset = -1;  // into the file; below 0: not known
+};
+
+// Misfits of one kind in records of one class.
+struct MisfitGroup {
+  Misfit kind = Misfit::kUnknownClass;
+  std::string className;  // empty: none, or several
+  std::uint64_t count = 0;
+  std::vector<MisfitPlace> places;  // the first
+};
+
 // A spoilt file may hold millions of such places: they are counted by kind and class, and of each
 // the first are remembered. Well-formed records never come here.
 class Tolerance {
@@ -60,19 +74,16 @@ class Tolerance {
 
   // Nothing was told and nothing noted.
   bool IsClean() const { return texts_.empty() && groups_.empty(); }
+  // What was noted, by kind and class.
+  std::vector<MisfitGroup> Groups() const;
   // One text a kind and class, with the places of `path`, which is looked into for the lines.
   // Forgets everything.
   std::vector<WideString> TakeTexts(const WideString& path);
 
  private:
-  struct Place {
-    std::string what;
-    std::uint32_t number = 0;
-    std::int64_t offset = kNowhere;
-  };
   struct Group {
     std::uint64_t count = 0;
-    std::vector<Place> places;
+    std::vector<MisfitPlace> places;
     std::unordered_set<std::uint32_t> numbers;
   };
   using Key = std::pair<Misfit, std::string>;

@@ -34,6 +34,7 @@ void Parser::ReadHeadTolerantly() {
   TolerantHead head = TakeTolerantHead(*scanner);
   isoLine = Widen(head.isoLine);
   headerToken = std::move(head.header);
+  notes.headWasMended = head.isMended;
   if (head.isMended) {
     tolerance->Tell(
         u"The HEADER section was not as it should be: what could be found of it is kept.");
@@ -201,6 +202,7 @@ bool Parser::ReadPutAside() {
 
 // What had to be carried, mended or passed over, once all of it is known.
 void Parser::TellMisfits() {
+  notes.misfits = tolerance->Groups();
   for (WideString& text : tolerance->TakeTexts(filePath)) {
     showError("", text + u"\n", kReportLog);
     remarks.push_back(std::move(text));

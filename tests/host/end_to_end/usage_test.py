@@ -11,7 +11,7 @@ class Usage(CorvelTest):
         for arguments in (('--help',), ('-h',), ('--version',), ('merge', '--help'),
                           ('extract', '--help'), ('resave', '--help'), ('optimise', '--help'),
                           ('info', '--help'), ('tree', '--help'),
-                          ('diff', '--help')):
+                          ('diff', '--help'), ('check', '--help')):
             with self.subTest(arguments):
                 ended = self.run_corvel(*arguments)
                 self.assert_ended(ended, DONE, err='')

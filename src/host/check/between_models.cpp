@@ -1,0 +1,115 @@
+#include "host/check/between_models.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "host/model_frame.h"
+#include "host/wrapped_text.h"
+
+namespace corvel::host {
+
+namespace {
+
+constexpr double kFarMetres = 1000.0;
+
+WideString UnitText(const LengthUnit& unit) {
+  return unit.name.empty() ? WideString(u"no length unit") : unit.name;
+}
+
+// How far the two boxes are from each other; 0 when they touch.
+double Distance(const Extent& one, const Extent& other) {
+  double square = 0.0;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const double gap =
+        std::max({0.0, one.least[axis] - other.most[axis], other.least[axis] - one.most[axis]});
+    square += gap * gap;
+  }
+  return std::sqrt(square);
+}
+
+void CompareFrames(const ModelFacts& first, const ModelFacts& facts, Findings& findings) {
+  if (facts.release != first.release) {
+    findings.Add(RuleId::kOtherRelease, {},
+                 {.what = Widen(facts.release) + u" for " + Widen(first.release)});
+  }
+  if (Differ(first.lengthUnit, facts.lengthUnit)) {
+    findings.Add(RuleId::kOtherUnit, {},
+                 {.what = UnitText(facts.lengthUnit) + u" for " + UnitText(first.lengthUnit)});
+  }
+  const auto& here = facts.georeference.conversion;
+  const auto& there = first.georeference.conversion;
+  if (here != there) {
+    const WideString what = !here    ? u"none for one"
+                            : !there ? u"one for none"
+                                     : DifferenceBetween(*there, *here);
+    findings.Add(RuleId::kOtherPlace, {}, {.what = what});
+  }
+  if (facts.extent.placed == 0 || first.extent.placed == 0) return;
+  const double metres = Distance(first.extent, facts.extent);
+  if (metres > kFarMetres) findings.Add(RuleId::kFarApart, {}, {.what = MetresText(metres)});
+}
+
+// Holders of all models so far, each GUID once, with the first that has it.
+struct KnownHolder {
+  GuidHolder holder;
+  std::size_t file = 0;
+};
+
+using FindingsByFile = std::map<std::size_t, Findings>;
+
+void CompareHolders(const GuidHolder& here, const KnownHolder& there, FindingsByFile& byFile) {
+  const std::string_view className = here.facts->name;
+  const std::string_view other = there.holder.facts->name;
+  const bool isSame = className == other;
+  WideString what = FromUtf8(here.guid.Text()) + u" #" + ToWide(there.holder.number);
+  if (!isSame) what += u" " + Widen(other);
+  byFile[there.file].Add(isSame ? RuleId::kSharedGuid : RuleId::kGuidOfOtherClass, className,
+                         {.number = here.number, .what = what});
+}
+
+// Both sides ascend by GUID. What is new is added to `known`.
+void CompareGuids(const CheckedModel& model, std::size_t file, std::vector<KnownHolder>& known,
+                  FindingsByFile& byFile) {
+  const std::size_t before = known.size();
+  std::size_t at = 0;
+  const GuidHolder* last = nullptr;
+  for (const GuidHolder& holder : model.holders) {
+    // The others of a GUID are doubled within the file, which is told there.
+    if (last != nullptr && last->guid == holder.guid) continue;
+    last = &holder;
+    while (at < before && known[at].holder.guid < holder.guid) ++at;
+    if (at < before && known[at].holder.guid == holder.guid) {
+      CompareHolders(holder, known[at], byFile);
+    } else {
+      known.push_back({holder, file});
+    }
+  }
+  std::inplace_merge(
+      known.begin(), known.begin() + static_cast<std::ptrdiff_t>(before), known.end(),
+      [](const KnownHolder& a, const KnownHolder& b) { return a.holder.guid < b.holder.guid; });
+}
+
+}  // namespace
+
+std::vector<BetweenFinding> CheckBetween(const std::vector<CheckedModel>& models) {
+  std::vector<BetweenFinding> all;
+  std::vector<KnownHolder> known;
+  std::size_t first = models.size();
+  for (std::size_t file = 0; file < models.size(); ++file) {
+    const CheckedModel& model = models[file];
+    if (!model.facts) continue;
+    FindingsByFile byFile;
+    first = std::min(first, file);
+    if (first != file) CompareFrames(*models[first].facts, *model.facts, byFile[first]);
+    CompareGuids(model, file, known, byFile);
+    for (auto& [other, findings] : byFile) {
+      for (Finding& finding : findings.Take()) all.push_back({file, other, std::move(finding)});
+    }
+  }
+  return all;
+}
+
+}  // namespace corvel::host

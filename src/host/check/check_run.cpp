@@ -1,0 +1,126 @@
+#include "host/check/check_run.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "core/cancellation.h"
+#include "host/check/check_report.h"
+#include "host/display_text.h"
+#include "host/run_checks.h"
+#include "step/log/utilities.h"
+
+namespace corvel::host {
+
+namespace {
+
+// The readers take plain functions.
+RunConsole* watching = nullptr;
+ProgressView view;
+
+bool Tick(int value, int /*stageWeight*/, const WideString* /*text*/, bool /*exactMode*/,
+          int /*maximum*/) {
+  if (watching == nullptr) return true;
+  constexpr int kHundred = 100;
+  view.step = std::clamp(value, 0, kHundred);
+  return watching->Draw(view);
+}
+
+class CheckRun {
+ public:
+  CheckRun(const CheckRunOrder& order, RunConsole& console, const TextSink& output)
+      : order_(order), console_(console), output_(output) {
+    watching = &console;
+    view = {};
+    MemoryReportOutput() = nullptr;  // standard output is for what is found
+    Cancellation::OfProcess().ForgetAnswer();
+  }
+  ~CheckRun() { watching = nullptr; }
+  CheckRun(const CheckRun&) = delete;
+  CheckRun& operator=(const CheckRun&) = delete;
+
+  ExitStatus Run() {
+    if (const auto trouble = TroubleWithWorkFolder(order_.workFolder)) {
+      console_.Say(Printable(order_.workFolder) + u": " + *trouble);
+      return ExitStatus::kNothingWritten;
+    }
+    std::vector<CheckedModel> before;
+    if (!CheckAll(order_.against, before)) return Unread();
+    if (!CheckInputs(before)) return Unread();
+    if (report_.models.size() > 1) report_.between = CheckBetween(report_.models);
+    console_.EraseBars();
+    const bool written = order_.json
+                             ? output_(FromUtf8(CheckReportAsJson(report_)))
+                             : isWritten_ && output_(CheckSummaryAsText(report_, order_.inColours));
+    if (!written || !isReadable_) return ExitStatus::kNothingWritten;
+    return report_.Counted().errors == 0 ? ExitStatus::kDone : ExitStatus::kErrorsFound;
+  }
+
+ private:
+  bool CheckInputs(const std::vector<CheckedModel>& before) {
+    report_.against = order_.against;
+    for (const WideString& path : order_.inputs) {
+      if (!CheckOne(path, report_.models)) return false;
+      const CheckedModel& model = report_.models.back();
+      if (!order_.against.empty()) report_.comparison = CompareWith(model, before);
+      if (order_.json) continue;
+      console_.EraseBars();
+      isWritten_ =
+          output_(CheckedModelAsText(model, report_.comparison ? &*report_.comparison : nullptr,
+                                     order_.inColours)) &&
+          isWritten_;
+    }
+    return true;
+  }
+
+  bool CheckAll(const std::vector<WideString>& paths, std::vector<CheckedModel>& models) {
+    return std::all_of(paths.begin(), paths.end(),
+                       [&](const WideString& path) { return CheckOne(path, models); });
+  }
+
+  // False: the user cancelled.
+  bool CheckOne(const WideString& path, std::vector<CheckedModel>& models) {
+    const std::size_t files = order_.inputs.size() + order_.against.size();
+    view.overallText = u"Checking";
+    view.overall = static_cast<int>(done_++ * 100 / files);
+    view.stepText = path;
+    models.push_back(CheckModel(path, {.workFolder = order_.workFolder,
+                                       .keepsHolders = order_.inputs.size() > 1,
+                                       .keepsGuids = !order_.against.empty(),
+                                       .progress = Tick}));
+    const CheckedModel& model = models.back();
+    if (console_.WasCancelled()) return false;
+    for (const WideString& problem : model.problems) {
+      console_.Say(Printable(path) + u": " + problem);
+    }
+    if (!model.facts) isReadable_ = false;
+    return true;
+  }
+
+  ExitStatus Unread() {
+    console_.Say(u"Cancelled.");
+    return ExitStatus::kCancelled;
+  }
+
+  const CheckRunOrder& order_;
+  RunConsole& console_;
+  const TextSink& output_;
+  CheckReport report_;
+  std::size_t done_ = 0;
+  bool isReadable_ = true;
+  bool isWritten_ = true;
+};
+
+}  // namespace
+
+ExitStatus RunCheck(const CheckRunOrder& order, RunConsole& console, const TextSink& output) {
+  CheckRun run(order, console, output);
+  try {
+    return run.Run();
+  } catch (const std::bad_alloc&) {
+    console.Say(u"Not enough memory for this model.");
+  }
+  return ExitStatus::kNothingWritten;
+}
+
+}  // namespace corvel::host

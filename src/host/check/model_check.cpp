@@ -1,0 +1,213 @@
+#include "host/check/model_check.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+#include "core/carried.h"
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
+#include "core/ticker.h"
+#include "host/check/placement_check.h"
+#include "host/check/project_check.h"
+#include "host/check/reading_check.h"
+#include "host/check/record_texts.h"
+#include "host/check/relation_check.h"
+#include "host/check/value_check.h"
+#include "host/hearing.h"
+#include "host/model_opening.h"
+#include "host/run_checks.h"
+#include "merge/federation/attribute_values.h"
+#include "merge/federation/federated_model.h"
+#include "schema/registry.h"
+#include "step/reader/parser.h"
+#include "step/streams/line_numbers.h"
+
+namespace corvel::host {
+
+namespace {
+
+constexpr int kHundred = 100;
+
+// One walk over the objects of a model, with all checks that look at each of them.
+class ObjectWalk {
+ public:
+  ObjectWalk(IfcDocument& document, const CheckOrder& order, CheckedModel& checked,
+             Findings& findings)
+      : container_(*document.mainContainer),
+        order_(order),
+        checked_(checked),
+        findings_(findings),
+        relations_(FederatedModel({&document}).Release()) {}
+
+  // Objects that ValueCheck::Look was true of.
+  const std::vector<std::uint32_t>& WithZero() const { return withZero_; }
+  // False: the user cancelled.
+  bool Run(Ticker& ticker) {
+    for (const auto& [number, entity] : container_.entities) {
+      Look(*entity);
+      if (!ticker.Advance()) return false;
+    }
+    relations_.Finish(container_, findings_);
+    project_.Finish(findings_);
+    CheckPlacements(placements_, findings_);
+    CheckDoubledGuids(checked_.facts->doubledGuids, findings_);
+    return true;
+  }
+
+ private:
+  struct ClassPlan {
+    explicit ClassPlan(const ClassFacts& facts)
+        : values(facts), role(ProjectCheck::RoleOf(facts)) {}
+
+    ValueCheck values;
+    ProjectCheck::Role role;
+    RelationCheck::ClassPlan relations;
+    bool isPlacement = false;
+  };
+
+  ClassPlan& PlanOf(const ClassFacts& facts, IFC::IfcEntity& entity) {
+    if (&facts == lastFacts_) return *lastPlan_;
+    std::unique_ptr<ClassPlan>& plan = plans_[&facts];
+    if (plan == nullptr) {
+      plan = std::make_unique<ClassPlan>(facts);
+      plan->relations = relations_.PlanOf(entity);
+      plan->isPlacement = isPlacement_.IsTrueOf(entity);
+    }
+    lastFacts_ = &facts;
+    lastPlan_ = plan.get();
+    return *plan;
+  }
+
+  std::string_view LookAtGuid(IFC::IfcEntity& entity, const ClassFacts& facts) {
+    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
+    if (root == nullptr) return {};
+    const std::string_view guid = root->getGlobalId();
+    const auto packed = CheckGuid(entity, facts, guid, findings_);
+    if (packed && order_.keepsHolders) {
+      checked_.holders.push_back({*packed, entity.marker, &facts});
+    }
+    return guid;
+  }
+
+  void Look(IFC::IfcEntity& entity) {
+    const ClassFacts* const facts = FindFacts(entity);
+    if (facts == nullptr) return;
+    ClassPlan& plan = PlanOf(*facts, entity);
+    const std::string_view guid = LookAtGuid(entity, *facts);
+    if (plan.role != ProjectCheck::Role::kNone) project_.Look(entity, plan.role);
+    if (plan.isPlacement) placements_.push_back(&entity);
+    if (!plan.relations.IsEmpty()) relations_.Look(entity, plan.relations);
+    // What another release has read is told as a class that this one lacks.
+    if (entity.carries && IsOfNoClassOfModel(entity)) return;
+    if (plan.values.Look(entity, guid, findings_)) withZero_.push_back(entity.marker);
+  }
+
+  const IFC::MainContainer& container_;
+  const CheckOrder& order_;
+  CheckedModel& checked_;
+  Findings& findings_;
+  RelationCheck relations_;
+  ProjectCheck project_;
+  ClassQuestion isPlacement_{"IfcObjectPlacement"};
+  std::vector<IFC::IfcEntity*> placements_;
+  std::vector<std::uint32_t> withZero_;
+  std::unordered_map<const ClassFacts*, std::unique_ptr<ClassPlan>> plans_;
+  const ClassFacts* lastFacts_ = nullptr;
+  ClassPlan* lastPlan_ = nullptr;
+};
+
+// Behind the objects those that only the text tells, and the offsets of all places.
+bool LookAtText(const IfcDocument& document, const std::vector<std::uint32_t>& withZero,
+                CheckedModel& checked, Findings& findings, Ticker& ticker) {
+  std::vector<Finding> ofObjects = findings.Take();
+  RecordTexts texts(*document.GetParser().factories->classes);
+  for (const std::uint32_t number : withZero) texts.WantNumbers(number);
+  for (const Finding& finding : ofObjects) {
+    for (const FindingPlace& place : finding.places) {
+      if (place.number != 0 && place.offset < 0) texts.Want(place.number);
+    }
+  }
+  Findings ofTexts(findings.KeepsGuids());
+  const bool goesOn = texts.Walk(checked.path, *document.mainContainer, ticker, ofTexts);
+  for (Finding& finding : ofObjects) {
+    for (FindingPlace& place : finding.places) {
+      if (place.offset < 0) place.offset = texts.OffsetOf(place.number);
+    }
+  }
+  checked.findings = std::move(ofObjects);
+  std::ranges::move(ofTexts.Take(), std::back_inserter(checked.findings));
+  std::sort(checked.findings.begin(), checked.findings.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.rule, a.subject) < std::tie(b.rule, b.subject);
+  });
+  return goesOn;
+}
+
+void FindLines(CheckedModel& checked) {
+  std::vector<FindingPlace*> places;
+  std::vector<std::int64_t> offsets;
+  for (Finding& finding : checked.findings) {
+    for (FindingPlace& place : finding.places) {
+      if (place.offset < 0) continue;
+      places.push_back(&place);
+      offsets.push_back(place.offset);
+    }
+  }
+  const std::vector<std::uint64_t> lines = FileStream::LinesOf(checked.path, offsets);
+  for (std::size_t i = 0; i < places.size(); ++i) places[i]->line = lines[i];
+}
+
+bool LookAtModel(IfcDocument& document, const CheckOrder& order, CheckedModel& checked) {
+  const std::size_t pieces = document.mainContainer->entities.Size() / (kHundred / 2) + 1;
+  Ticker ticker({.callback = order.progress}, {.block = pieces});
+  checked.facts = ModelFactsOf(document);
+  Findings findings(order.keepsGuids);
+  CheckReading(document, findings);
+  ObjectWalk walk(document, order, checked, findings);
+  if (!walk.Run(ticker)) return false;
+  if (!LookAtText(document, walk.WithZero(), checked, findings, ticker)) return false;
+  FindLines(checked);
+  std::sort(checked.holders.begin(), checked.holders.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.guid, a.number) < std::tie(b.guid, b.number);
+  });
+  return true;
+}
+
+void ReadAndLook(const CheckOrder& order, CheckedModel& checked) {
+  IfcDocument document(true, Hear, order.progress);
+  document.ReadTolerantly();
+  document.KeepWorkFileIn(order.workFolder);
+  constexpr int kOneFile = 1;
+  std::vector<WideString> heard;
+  {
+    const Hearing hearing(heard);
+    document.OpenFile(checked.path, kOneFile);
+  }
+  if (!document.IsParsed()) {
+    checked.isCancelled = heard.empty() || document.IsCancelled();
+    checked.problems = std::move(heard);
+    return;
+  }
+  checked.isCancelled = !LookAtModel(document, order, checked);
+}
+
+}  // namespace
+
+CheckedModel CheckModel(const WideString& path, const CheckOrder& order) {
+  CheckedModel checked;
+  checked.path = path;
+  auto trouble = TroubleWithInput(path);
+  if (!trouble) trouble = NoModelFile(path, true);
+  if (trouble) {
+    checked.problems.push_back(std::move(*trouble));
+    return checked;
+  }
+  ReadAndLook(order, checked);
+  return checked;
+}
+
+}  // namespace corvel::host

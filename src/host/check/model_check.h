@@ -1,0 +1,35 @@
+// All that is looked for in one model.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/reporting.h"
+#include "core/text.h"
+#include "host/check/findings.h"
+#include "host/check/guid_check.h"
+#include "host/facts/model_facts.h"
+
+namespace corvel::host {
+
+struct CheckOrder {
+  WideString workFolder;      // of the file that the reading needs meanwhile
+  bool keepsHolders = false;  // CheckedModel::holders is filled
+  bool keepsGuids = false;    // Finding::byGuid is filled
+  ProgressCallback progress = nullptr;
+};
+
+struct CheckedModel {
+  WideString path;
+  bool isCancelled = false;
+  std::vector<WideString> problems;  // why the model could not be read
+  // Nothing of a model that could not be read.
+  std::optional<ModelFacts> facts;
+  std::vector<Finding> findings;    // by rule and subject
+  std::vector<GuidHolder> holders;  // of GUIDs that are some, by GUID and number
+};
+
+// Reads the file with tolerance, looks at everything, and keeps nothing of it in memory.
+CheckedModel CheckModel(const WideString& path, const CheckOrder& order);
+
+}  // namespace corvel::host

@@ -1,0 +1,280 @@
+#include "host/check/value_check.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+#include "step/numbers/exact_real.h"
+#include "step/numbers/number_text.h"
+
+namespace corvel::host {
+
+namespace {
+
+// Attributes that a subclass declares anew as derived, so that files have "*" there.
+constexpr std::pair<std::string_view, std::string_view> kDerived[] = {
+    {"IfcGeometricRepresentationSubContext", "WorldCoordinateSystem"},
+    {"IfcGeometricRepresentationSubContext", "CoordinateSpaceDimension"},
+    {"IfcGeometricRepresentationSubContext", "TrueNorth"},
+    {"IfcGeometricRepresentationSubContext", "Precision"},
+    {"IfcOrientedEdge", "EdgeStart"},
+    {"IfcOrientedEdge", "EdgeEnd"},
+    {"IfcSIUnit", "Dimensions"},
+    {"IfcMirroredProfileDef", "Operator"},
+    {"IfcSurfaceRenderingProperties", "AmbientColor"}};
+
+bool IsDerived(const ClassFacts& facts, std::string_view attribute) {
+  for (const ClassFacts* at = &facts; at != nullptr; at = at->supertype) {
+    for (const auto& [name, derived] : kDerived) {
+      if (name == at->name && derived == attribute) return true;
+    }
+  }
+  return false;
+}
+
+WideString Shown(double value) {
+  char text[kNumberRoom];
+  return Widen({text, static_cast<std::size_t>(FormatExactReal(value, text) - text)});
+}
+
+// The lists of an attribute, the outermost first: those around its type, and that of the type.
+std::array<Aggregate, 3> ListsOf(const AttributeFacts& attribute) {
+  std::array<Aggregate, 3> lists{};
+  std::size_t depth = 0;
+  for (const Aggregate& aggregate : attribute.aggregates) {
+    if (!aggregate.IsNone()) lists[depth++] = aggregate;
+  }
+  for (const TypeFacts* type = attribute.type; type != nullptr; type = type->base) {
+    if (!type->aggregate.IsNone() && depth < lists.size()) lists[depth++] = type->aggregate;
+  }
+  return lists;
+}
+
+// The bounds of an array are those of its index.
+std::size_t LeastOf(const Aggregate& list) {
+  const bool isArray = list.kind == Aggregate::Kind::kArray;
+  if (!isArray) return list.low;
+  return list.high == Aggregate::kUnbounded ? 0 : std::size_t{list.high} - list.low + 1;
+}
+
+std::size_t MostOf(const Aggregate& list) {
+  if (list.high == Aggregate::kUnbounded) return static_cast<std::size_t>(-1);
+  return list.kind == Aggregate::Kind::kArray ? std::size_t{list.high} - list.low + 1 : list.high;
+}
+
+bool IsBounded(const Aggregate& list) {
+  return !list.IsNone() && (LeastOf(list) != 0 || list.high != Aggregate::kUnbounded);
+}
+
+// The first member that stands in the list before. Null without one.
+const IFC::IfcEntity* DoubledMember(const EntityList& list) {
+  constexpr std::size_t kFew = 8;
+  if (list.size() <= kFew) {
+    for (std::size_t i = 1; i < list.size(); ++i) {
+      if (std::find(list.begin(), list.begin() + i, list[i]) != list.begin() + i) return list[i];
+    }
+    return nullptr;
+  }
+  std::vector<const IFC::IfcEntity*> members(list.begin(), list.end());
+  std::sort(members.begin(), members.end());
+  const auto found = std::adjacent_find(members.begin(), members.end());
+  if (found == members.end()) return nullptr;
+  // Which one is told does not come from addresses.
+  const IFC::IfcEntity* least = *found;
+  for (auto at = found; at != members.end();
+       at = std::adjacent_find(std::next(at), members.end())) {
+    if ((*at)->marker < least->marker) least = *at;
+  }
+  return least;
+}
+
+WideString CountText(std::size_t count) {
+  return Widen(std::to_string(count)) + (count == 1 ? u" member" : u" members");
+}
+
+}  // namespace
+
+struct ValueCheck::Place {
+  const IFC::IfcEntity& entity;
+  std::string_view guid;
+  Findings& findings;
+
+  void Add(Findings::Heap& heap, RuleId rule, const std::string& subject, WideString what) const {
+    findings.Add(heap, rule, subject, {.number = entity.marker, .what = std::move(what)}, guid);
+  }
+};
+
+// A double that is the nearest to some decimal text of 15 digits is the nearest to that of its own
+// first 15 digits. Those are a whole number that doubles hold exactly, and so is the power of ten
+// between the two: the division gives the nearest double.
+bool IsWrittenWhole(double value) {
+  static constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr double kFewest = 1e14;  // of the numbers with 15 digits
+  const double size = std::abs(value);
+  if (size == 0.0) return true;
+  if (size >= 1e-7 && size < kFewest) {
+    // Three digits are ten bits, nearly: one too few at most.
+    const int bits = static_cast<int>(std::bit_cast<std::uint64_t>(size) >> 52) - 1023;
+    int tens = 14 - ((bits * 1233) >> 12);
+    if (size * kTens[tens] < kFewest) ++tens;
+    if (size * kTens[tens] >= kFewest * 10) --tens;
+    const auto whole = std::llround(size * kTens[tens]);
+    return static_cast<double>(whole) / kTens[tens] == size;
+  }
+  char text[kNumberRoom];
+  return ParseReal({text, static_cast<std::size_t>(FormatReal(value, text) - text)}) == value ||
+         !std::isfinite(value);
+}
+
+bool IsCountWrittenWhole(double value) {
+  char text[kNumberRoom];
+  return ParseReal({text, static_cast<std::size_t>(FormatCount(value, text) - text)}) == value ||
+         !std::isfinite(value);
+}
+
+ValueCheck::ValueCheck(const ClassFacts& facts) {
+  for (std::size_t i = 0; i < facts.AttributeCount(); ++i) {
+    const AttributeFacts& attribute = facts.Attribute(i);
+    Plan plan;
+    plan.attribute = &attribute;
+    plan.lists = ListsOf(attribute);
+    plan.absent = AbsentOf(facts, attribute);
+    plan.hasBounds = std::any_of(plan.lists.begin(), plan.lists.end(), IsBounded);
+    plan.isSet = attribute.depth == 1 && Refers(attribute.kind) &&
+                 plan.lists[0].kind == Aggregate::Kind::kSet;
+    plan.hasReals = attribute.kind == ValueKind::kReal || attribute.kind == ValueKind::kNumber;
+    plan.mayHoldValues = attribute.kind == ValueKind::kSelect;
+    if (plan.absent == Absent::kNot && !plan.hasBounds && !plan.isSet && !plan.hasReals &&
+        !plan.mayHoldValues) {
+      continue;
+    }
+    plan.subject = std::string(facts.name) + "." + attribute.name;
+    plans_.push_back(std::move(plan));
+  }
+}
+
+// An enumeration without a value has been told as one that is refused, and a list that needs
+// members as one that has too few. Of an optional attribute nothing is wanted.
+ValueCheck::Absent ValueCheck::AbsentOf(const ClassFacts& facts, const AttributeFacts& attribute) {
+  if (attribute.IsOptional() || attribute.depth != 0 || IsDerived(facts, attribute.name)) {
+    return Absent::kNot;
+  }
+  switch (attribute.kind) {
+    case ValueKind::kReference:
+    case ValueKind::kSelect: return Absent::kReference;
+    case ValueKind::kText: return Absent::kText;
+    case ValueKind::kReal:
+    case ValueKind::kNumber: return Absent::kReal;
+    case ValueKind::kInteger:
+    case ValueKind::kBinary: return Absent::kInteger;
+    case ValueKind::kGuid:
+    case ValueKind::kBoolean:
+    case ValueKind::kLogical:
+    case ValueKind::kEnumeration: break;
+  }
+  return Absent::kNot;
+}
+
+// Readers have a wide empty text for an absent one, and a plain one for ''.
+bool ValueCheck::LooksAbsent(ConstAttribute attribute, const Plan& plan) {
+  switch (plan.absent) {
+    case Absent::kNot: return false;
+    case Absent::kReference: return attribute.State() == AttributeState::kDerived;
+    case Absent::kText: {
+      const auto* const text = attribute.As<ModelText>();
+      return text != nullptr && (text->IsNull() || (!text->IsPlain() && text->Units().empty()));
+    }
+    case Absent::kReal: {
+      const auto* const real = attribute.As<double>();
+      return real != nullptr && *real == 0.0;
+    }
+    case Absent::kInteger: {
+      const auto* const integer = attribute.As<std::int32_t>();
+      return integer != nullptr && *integer == 0;
+    }
+  }
+  return false;
+}
+
+bool ValueCheck::Look(const IFC::IfcEntity& entity, std::string_view guid, Findings& findings) {
+  const Place place{entity, guid, findings};
+  bool hasZero = false;
+  for (Plan& plan : plans_) {
+    const ConstAttribute attribute(entity, *plan.attribute);
+    if (plan.absent != Absent::kNot && LooksAbsent(attribute, plan)) {
+      if (plan.absent >= Absent::kReal) {
+        hasZero = true;
+      } else {
+        place.Add(plan.missing, RuleId::kMissingValue, plan.subject, {});
+      }
+    } else if (attribute.HasValue()) {
+      LookAt(attribute, plan, place);
+    }
+  }
+  return hasZero;
+}
+
+void ValueCheck::LookAt(ConstAttribute attribute, Plan& plan, const Place& place) {
+  if (plan.hasBounds) CheckMembers(attribute, plan, place);
+  if (plan.isSet) CheckSet(attribute, plan, place);
+  if (plan.hasReals) CheckReals(attribute, plan, place);
+  if (!plan.mayHoldValues) return;
+  attribute.ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* value) {
+    if (value == nullptr || !value->inlineValue || FindFacts(*value) == nullptr) return;
+    for (const ConstAttribute held : AttributesOf(*value)) CheckReals(held, plan, place);
+  });
+}
+
+namespace {
+
+// Calls check(list, size) for each list, depth by depth.
+template <class T, class Check>
+void ForEachList(const T& /*scalar*/, const Aggregate* /*list*/, Check& /*check*/) {}
+template <class T, class Check>
+void ForEachList(const List<T>& held, const Aggregate* list, Check& check) {
+  check(*list, held.size());
+  for (const T& item : held) ForEachList(item, list + 1, check);
+}
+
+}  // namespace
+
+void ValueCheck::CheckMembers(ConstAttribute attribute, Plan& plan, const Place& place) {
+  const auto check = [&](const Aggregate& list, std::size_t size) {
+    if (!list.IsNone() && size < LeastOf(list)) {
+      place.Add(plan.few, RuleId::kFewMembers, plan.subject, CountText(size));
+    } else if (!list.IsNone() && size > MostOf(list)) {
+      place.Add(plan.many, RuleId::kManyMembers, plan.subject, CountText(size));
+    }
+  };
+  attribute.Visit([&](const auto& value) { ForEachList(value, plan.lists.data(), check); });
+}
+
+void ValueCheck::CheckSet(ConstAttribute attribute, Plan& plan, const Place& place) {
+  const auto* const list = attribute.As<EntityList>();
+  const IFC::IfcEntity* const member = list == nullptr ? nullptr : DoubledMember(*list);
+  if (member == nullptr) return;
+  place.Add(plan.doubled, RuleId::kDoubledMember, plan.subject, u"#" + ToWide(member->marker));
+}
+
+// An object counts once an attribute, however many of its numbers are shortened.
+void ValueCheck::CheckReals(ConstAttribute attribute, Plan& plan, const Place& place) {
+  const bool isCount = attribute.Facts().kind == ValueKind::kNumber;
+  bool isTold = false;
+  attribute.ForEach<double>([&](double value) {
+    if (isTold || (isCount ? IsCountWrittenWhole(value) : IsWrittenWhole(value))) return;
+    isTold = true;
+    // One finding for the whole model: some programs write all their numbers with more digits.
+    const RuleId rule = isCount ? RuleId::kChangedNumber : RuleId::kChangedReal;
+    const bool isShown = place.findings.KeepsNextPlace(rule, {});
+    place.findings.Add(rule, {},
+                       {.number = place.entity.marker,
+                        .what = isShown ? Widen(plan.subject) + u" " + Shown(value) : WideString()},
+                       place.guid);
+  });
+}
+
+}  // namespace corvel::host

@@ -1,0 +1,148 @@
+#include "host/check/between_models.h"
+
+#include <gtest/gtest.h>
+
+#include "host/check/against.h"
+#include "host/check/checked_text.h"
+
+namespace corvel::host {
+
+namespace {
+
+std::string WallOf(const std::string& number, const std::string& guid,
+                   const std::string& className = "IFCWALL") {
+  const std::string more = className == "IFCDOOR" ? ",$,$,$,$" : "";
+  return "#" + number + "=" + className + "('00000000000000000000" + guid + "',$,$,$,$,$,$,$,$" +
+         more + ");\n";
+}
+
+// The good model with GUIDs and records of its own in place of its first ones.
+std::string Other(std::string text) {
+  for (std::size_t at = text.find("'000000000"); at != std::string::npos;
+       at = text.find("'000000000", at + 1)) {
+    text[at + 1] = '1';
+  }
+  return text;
+}
+
+std::vector<RuleId> RulesBetween(const std::string& one, const std::string& other,
+                                 std::string_view schemaOfOther = "IFC4") {
+  std::vector<CheckedModel> models;
+  models.push_back(CheckRecords(one));
+  models.push_back(CheckRecords(other, schemaOfOther));
+  std::vector<RuleId> rules;
+  for (const BetweenFinding& between : CheckBetween(models)) {
+    EXPECT_EQ(1u, between.file);
+    EXPECT_EQ(0u, between.other);
+    rules.push_back(between.finding.rule);
+  }
+  return rules;
+}
+
+const std::string kConversion =
+    "#30=IFCMAPCONVERSION(#5,#31,155000.,463000.,0.,$,$,$);\n"
+    "#31=IFCPROJECTEDCRS('EPSG:28992',$,$,$,$,$,$);\n";
+
+}  // namespace
+
+TEST(CheckBetween, ModelsThatFitSayNothing) {
+  EXPECT_EQ(std::vector<RuleId>{}, RulesBetween(kGoodRecords, Other(kGoodRecords)));
+}
+
+TEST(CheckBetween, EachRuleIsBrokenByAPairOfModels) {
+  EXPECT_EQ(std::vector<RuleId>{RuleId::kOtherRelease},
+            RulesBetween(kGoodRecords,
+                         Other("#1=IFCPROJECT('0000000000000000000001',$,'P',$,$,$,$,"
+                               "$,#2);\n#2=IFCUNITASSIGNMENT((#3));\n"
+                               "#3=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);\n"),
+                         "IFC2X3"));
+  std::string feet = Other(kGoodRecords);
+  feet.replace(feet.find(".LENGTHUNIT.,$"), 14, ".LENGTHUNIT.,.MILLI.");
+  EXPECT_EQ(std::vector<RuleId>{RuleId::kOtherUnit}, RulesBetween(kGoodRecords, feet));
+  EXPECT_EQ(std::vector<RuleId>{RuleId::kOtherPlace},
+            RulesBetween(kGoodRecords, Other(kGoodRecords) + kConversion));
+  std::string far = Other(kGoodRecords);
+  far.replace(far.find("((0.,0.,0.))"), 12, "((0.,1001.,0.))");
+  EXPECT_EQ(std::vector<RuleId>{RuleId::kFarApart}, RulesBetween(kGoodRecords, far));
+  EXPECT_EQ(
+      std::vector<RuleId>{RuleId::kSharedGuid},
+      RulesBetween(kGoodRecords + WallOf("20", "20"), Other(kGoodRecords) + WallOf("21", "20")));
+  EXPECT_EQ(std::vector<RuleId>{RuleId::kGuidOfOtherClass},
+            RulesBetween(kGoodRecords + WallOf("20", "20"),
+                         Other(kGoodRecords) + WallOf("21", "20", "IFCDOOR")));
+}
+
+TEST(CheckBetween, GuidsAreLookedForInAllEarlierModels) {
+  std::vector<CheckedModel> models;
+  models.push_back(CheckRecords(kGoodRecords));
+  models.push_back(CheckRecords(Other(kGoodRecords) + WallOf("20", "20")));
+  models.push_back(
+      CheckRecords("#1=IFCPROJECT('2000000000000000000001',$,'P',$,$,$,$,$,#2);\n"
+                   "#2=IFCUNITASSIGNMENT((#3));\n"
+                   "#3=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);\n" +
+                   WallOf("40", "20")));
+  const auto between = CheckBetween(models);
+  ASSERT_EQ(1u, between.size());
+  EXPECT_EQ(2u, between[0].file);
+  EXPECT_EQ(1u, between[0].other);
+  EXPECT_EQ("IfcWall", between[0].finding.subject);
+  EXPECT_EQ(u"0000000000000000000020 #20", between[0].finding.places.at(0).what);
+  EXPECT_EQ(40u, between[0].finding.places.at(0).number);
+}
+
+TEST(CheckBetween, ModelsThatCouldNotBeReadAreLeftOut) {
+  std::vector<CheckedModel> models;
+  models.push_back(CheckFile("hello"));
+  models.push_back(CheckRecords(kGoodRecords));
+  EXPECT_TRUE(CheckBetween(models).empty());
+}
+
+// --- One model against those that it was made from -----------------------------------------------
+
+namespace {
+
+const std::string kTwoMaterials = "#50=IFCMATERIAL('a',$,$);\n#51=IFCMATERIAL('b',$,$);\n";
+
+std::string TwoMaterialsOf(const std::string& wall, const std::string& first,
+                           const std::string& second) {
+  const auto relation = [&](const std::string& number, const std::string& material) {
+    return "#" + number + "=IFCRELASSOCIATESMATERIAL('00000000000000000000" + number +
+           "',$,$,$,(#" + wall + ")," + material + ");\n";
+  };
+  return relation(first, "#50") + relation(second, "#51");
+}
+
+CheckedModel KeepingGuids(const std::string& records) {
+  return CheckFile(test::ModelFile(records), true);
+}
+
+}  // namespace
+
+TEST(CompareWith, ObjectsAreRecognisedByTheirGuids) {
+  const std::string records = kGoodRecords + kTwoMaterials;
+  const CheckedModel before = KeepingGuids(records + WallOf("20", "20") + WallOf("21", "21") +
+                                           TwoMaterialsOf("20", "60", "61"));
+  const CheckedModel after = KeepingGuids(records + WallOf("30", "20") + WallOf("31", "21") +
+                                          TwoMaterialsOf("31", "60", "61"));
+  const auto same = CompareWith(before, {before});
+  EXPECT_EQ(std::vector<std::uint64_t>{0}, same.newPlaces);
+  EXPECT_TRUE(same.gone.empty());
+  const auto other = CompareWith(after, {before});
+  EXPECT_EQ(std::vector<std::uint64_t>{1}, other.newPlaces);
+  ASSERT_EQ(1u, other.gone.size());
+  EXPECT_EQ(RuleId::kSeveralAnswers, other.gone[0].rule);
+  EXPECT_EQ(1u, other.gone[0].count);
+}
+
+TEST(CompareWith, WhatHasNoGuidIsCounted) {
+  const CheckedModel one = KeepingGuids(kGoodRecords + "#20=IFCCARTESIANPOINT(());\n");
+  const CheckedModel two =
+      KeepingGuids(kGoodRecords + "#30=IFCCARTESIANPOINT(());\n#31=IFCCARTESIANPOINT(());\n");
+  EXPECT_EQ(std::vector<std::uint64_t>{1}, CompareWith(two, {one}).newPlaces);
+  EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(two, {one, one}).newPlaces);
+  EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(one, {two}).newPlaces);
+  ASSERT_EQ(1u, CompareWith(one, {two}).gone.size());
+  EXPECT_EQ(1u, CompareWith(one, {two}).gone[0].count);
+}
+
+}  // namespace corvel::host
