@@ -88,7 +88,10 @@ constexpr char16_t kMergeOptions[] =
 )help";
 
 constexpr char16_t kFederationOptions[] =
-    uR"help(  --contexts keep|join    join: a context of a later model gives way to an
+    uR"help(  --units keep|convert    convert: all values of a later model are rewritten in
+                          the units of the first, and it takes part whatever its
+                          own were
+  --contexts keep|join    join: a context of a later model gives way to an
                           equal one of an earlier model, and those that stay
                           are entered in the project
   --tree keep|guid|name|elevation|one

@@ -9,6 +9,7 @@
 #include "merge/federation/federation.h"
 #include "merge/federation/new_header.h"
 #include "merge/federation/tree/join_trees.h"
+#include "merge/federation/units/convert_units.h"
 #include "merge/guid_choice.h"
 #include "merge/merge_documents.h"
 #include "merge/project_offsets.h"
@@ -211,6 +212,10 @@ bool MergeJob::Read(HostObject project) {
 bool MergeJob::PrepareModels() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
   TellStage(RunStage::kCompare);
+  if (shell_.Options().federation.convertUnits && !ConvertUnitsOfRun(models_, shell_)) {
+    if (!Cancellation::OfProcess().WasConfirmed()) TellMergeFailed();
+    return false;
+  }
   const int mergeableCount = CheckUnits(models_, shell_);
   shell_.TellModelsCompared(models_);
   if (observer_ != nullptr) observer_->ModelsAreCompared(models_);

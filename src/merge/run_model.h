@@ -22,7 +22,10 @@ struct RunModel {
   bool unitsValid = false;                // its units are those of the first, or are let pass
   bool schemaValid = false;               // its schema identifier is that of the first
   bool mergeable = false;                 // both: it takes part
-  // At most one for each of comparedUnitTypes, in their order.
+  // By conversion, or since they were equal before one: there is nothing to be compared any more.
+  bool unitsAgree = false;
+  // At most one for each of comparedUnitTypes, in their order; where units are converted one for
+  // each in which a value could not be.
   std::vector<UnitComparison> unitDifferences;
 };
 

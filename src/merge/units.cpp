@@ -54,10 +54,15 @@ bool UnitsPass(const std::vector<UnitComparison>& differences, bool ignoreUnits)
 
 void MeasureBy(const IfcDocument& first, RunModel& model, bool ignoreUnits) {
   const IfcDocument& document = *model.document;
+  model.schemaValid = document.HasSchemaOf(first);
+  if (model.unitsAgree || !model.unitDifferences.empty()) {
+    model.unitsValid = model.unitsAgree;
+    model.mergeable = model.unitsValid && model.schemaValid;
+    return;
+  }
   model.unitDifferences = DifferencesThatCount(CompareUnitAssignments(
       first.getIfcUnitAssignment(), document.getIfcUnitAssignment(), document.getFilePath()));
   model.unitsValid = UnitsPass(model.unitDifferences, ignoreUnits);
-  model.schemaValid = document.HasSchemaOf(first);
   model.mergeable = model.unitsValid && model.schemaValid;
 }
 

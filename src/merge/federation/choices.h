@@ -24,6 +24,7 @@ enum class TreeMatching {
 };
 
 struct FederationChoices {
+  bool convertUnits = false;  // later models are rewritten in the units of the first
   bool joinContexts = false;
   TreeMatching tree = TreeMatching::kKeep;
   double toleranceMm = 10.0;  // storeys that differ by no more are at one height

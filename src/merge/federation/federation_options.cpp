@@ -38,6 +38,11 @@ Mistake TakeOneOf(const std::pair<std::string_view, T> (&words)[kCount], std::st
   return TakesOneOf(Words<T>(words));
 }
 
+Mistake TakeUnits(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, bool> kWords[] = {{"keep", false}, {"convert", true}};
+  return TakeOneOf(kWords, value, choices.convertUnits);
+}
+
 Mistake TakeContexts(std::string_view value, FederationChoices& choices) {
   constexpr std::pair<std::string_view, bool> kWords[] = {{"keep", false}, {"join", true}};
   return TakeOneOf(kWords, value, choices.joinContexts);
@@ -107,6 +112,7 @@ Mistake TakeOneBuilding(std::string_view /*value*/, FederationChoices& choices) 
 
 constexpr FederationOption kOptions[] = {
     {.name = "one-building", .take = TakeOneBuilding},
+    {.name = "units", .takesValue = true, .take = TakeUnits},
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
     {.name = "tree", .takesValue = true, .take = TakeTree},
     {.name = "tolerance", .takesValue = true, .take = TakeTolerance},

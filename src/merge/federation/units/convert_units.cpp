@@ -1,0 +1,183 @@
+#include "merge/federation/units/convert_units.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/carried.h"
+#include "merge/federation/attribute_values.h"
+#include "merge/federation/units/first_units.h"
+#include "platform/file.h"
+#include "step/log/ifc_log.h"
+#include "step/numbers/number_text.h"
+
+namespace corvel {
+
+namespace {
+
+constexpr std::size_t kTicks = 50;
+
+void Log(const WideString& text) { IfcLog::Instance().LogLine(text); }
+
+WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
+
+WideString Number(double value) {
+  char text[kNumberRoom];
+  return Widen({text, static_cast<std::size_t>(FormatReal(value, text) - text)});
+}
+
+bool Differ(const Conversions& conversions) {
+  return std::any_of(conversions.begin(), conversions.end(), [](const Conversion& conversion) {
+    return conversion.kind == Conversion::Kind::kConvert ||
+           conversion.kind == Conversion::Kind::kImpossible;
+  });
+}
+
+bool Carries(const IFC::IfcEntity& entity) {
+  if (!entity.carries) return false;
+  const CarriedParts* const parts = CarriedTable::Find(entity);
+  return parts == nullptr || !parts->arguments.empty();
+}
+
+// The walks over a model: one that sees what stands where, and one that converts.
+class ModelConversion {
+ public:
+  ModelConversion(IfcDocument& document, const ModelUnits& units, const Conversions& conversions,
+                  ConvertedModel& result)
+      : document_(document),
+        curves_(conversions, units),
+        maps_(curves_.FactorOf(Measure::kLength)),
+        spaces_(document, curves_),
+        converter_(conversions, curves_, maps_, spaces_, result.values),
+        result_(result) {}
+
+  bool Run(Ticker& ticker) {
+    if (!ForEach(ticker, [this](IFC::IfcEntity& entity) { Note(entity); })) return false;
+    if (!spaces_.Separate(ticker) || !maps_.PutInScales(document_)) return false;
+    result_.copies = spaces_.Copies();
+    result_.unstretchable = spaces_.Unstretchable();
+    // Copies are filed, and have their turn; what they are copies of is known by now.
+    return ForEach(ticker, [this](IFC::IfcEntity& entity) { converter_.Convert(entity); });
+  }
+
+ private:
+  template <class Action>
+  bool ForEach(Ticker& ticker, Action action) const {
+    for (const auto& [number, entity] : document_.mainContainer->entities) {
+      action(*entity);
+      if (!ticker.Advance()) return false;
+    }
+    return true;
+  }
+
+  void Note(IFC::IfcEntity& entity) {
+    if (Carries(entity)) ++result_.carried;
+    curves_.Note(entity);
+    spaces_.Note(entity);
+    maps_.Note(entity);
+  }
+
+  IfcDocument& document_;
+  CurveParameters curves_;
+  MapUnits maps_;
+  ValueSpaces spaces_;
+  ValueConverter converter_;
+  ConvertedModel& result_;
+};
+
+WideString LabelOf(const IFC::IfcEntity* unit) {
+  if (unit == nullptr) return u"";
+  WideString name = TextOf(*unit, "Name");
+  if (!name.empty()) return name;
+  return Widen(std::string(WordOf(*unit, "Prefix")) + std::string(WordOf(*unit, "Name")));
+}
+
+// A row as the comparison of units makes it, for what cannot be converted.
+UnitComparison DifferenceOf(Measure measure, const ModelUnits& first, const ModelUnits& later,
+                            const WideString& path) {
+  const IFC::IfcEntity* const unit = first.Of(measure).unit;
+  const IFC::IfcEntity* const other = later.Of(measure).unit;
+  UnitComparison row;
+  row.unitType = u"." + Widen(FactsOf(measure).unit) + u".";
+  row.unitLabel = LabelOf(unit);
+  row.marker = unit == nullptr ? 0 : unit->marker;
+  row.otherLabel = LabelOf(other);
+  row.otherMarker = other == nullptr ? 0 : other->marker;
+  row.filePath = path;
+  row.code = UnitDifference::kOtherName;
+  return row;
+}
+
+template <class Action>
+void ForEachMeasure(const ConvertedValues::Counts& counts, Action action) {
+  for (std::size_t i = 0; i < kMeasureCount; ++i) {
+    if (counts[i] != 0) action(Measure{static_cast<std::uint8_t>(i)}, counts[i]);
+  }
+}
+
+void LogConverted(const ConvertedModel& model, const WideString& path) {
+  Log(u"Units converted to those of the first: " + path);
+  ForEachMeasure(model.values.converted, [&](Measure measure, std::size_t count) {
+    const Conversion& conversion = model.conversions[static_cast<std::size_t>(measure)];
+    WideString line = u"\t" + Widen(FactsOf(measure).unit) + u": " + Count(count) +
+                      u" values times " + Number(conversion.factor);
+    if (conversion.offset != 0.0) line += u", plus " + Number(conversion.offset);
+    Log(line);
+  });
+  ForEachMeasure(model.values.unknown, [&](Measure measure, std::size_t count) {
+    Log(u"\tNo unit is assigned, so that they stay: " + Count(count) + u" values in " +
+        Widen(FactsOf(measure).unit));
+  });
+  if (model.copies != 0) {
+    Log(u"\tObjects copied since they count in two ways: " + Count(model.copies));
+  }
+  if (model.unstretchable != 0) {
+    Log(u"\tCurves in the parameters of a surface that stay: " + Count(model.unstretchable));
+  }
+  if (model.values.texts != 0) {
+    Log(u"\tTexts that hold numbers stay: " + Count(model.values.texts));
+  }
+  if (model.carried != 0) {
+    Log(u"\tObjects with values that were carried as they stood, which stay: " +
+        Count(model.carried));
+  }
+}
+
+}  // namespace
+
+bool ConvertUnits(const IfcDocument& first, IfcDocument& later, Ticker& ticker,
+                  ConvertedModel& result) {
+  const ModelUnits own(later.getIfcUnitAssignment());
+  const ModelUnits wanted(first.getIfcUnitAssignment());
+  result.conversions = ConversionsBetween(own, wanted);
+  result.differs = Differ(result.conversions);
+  if (!result.differs) return true;
+  if (!ModelConversion(later, own, result.conversions, result).Run(ticker)) return false;
+  if (!result.values.IsComplete()) return true;
+  return AssignUnitsOf(first, later);
+}
+
+bool ConvertUnitsOfRun(std::vector<RunModel>& models, MergeShell& shell) {
+  for (std::size_t i = 1; i < models.size(); ++i) {
+    const IfcDocument& first = *models.front().document;
+    IfcDocument& later = *models[i].document;
+    // What is not read to its end is not merged.
+    if (!first.IsParsed() || !later.IsParsed() || !later.HasSchemaOf(first)) continue;
+    const ModelUnits own(later.getIfcUnitAssignment());
+    const WideString path = later.getFilePath();
+    shell.SetCurrentFile(path);
+    const WideString name = u"units";
+    Ticker ticker({.callback = shell.Ticks(), .text = &name},
+                  {.block = later.mainContainer->entities.Size() * 2 / kTicks + 1});
+    ConvertedModel result;
+    if (!ConvertUnits(first, later, ticker, result)) return false;
+    models[i].unitsAgree = result.values.IsComplete();
+    ForEachMeasure(result.values.impossible, [&](Measure measure, std::size_t /*count*/) {
+      models[i].unitDifferences.push_back(
+          DifferenceOf(measure, ModelUnits(first.getIfcUnitAssignment()), own, path));
+    });
+    if (result.differs && models[i].unitsAgree) LogConverted(result, path);
+  }
+  return true;
+}
+
+}  // namespace corvel

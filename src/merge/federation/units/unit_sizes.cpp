@@ -1,0 +1,204 @@
+#include "merge/federation/units/unit_sizes.h"
+
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+
+#include "core/text.h"
+#include "merge/federation/attribute_values.h"
+
+namespace corvel {
+
+namespace {
+
+// A unit may be made from one that is made by conversion itself. Nobody does this often, and files
+// that go in circles do it without an end.
+constexpr int kMostConversions = 8;
+
+constexpr double kTolerance = 1e-9;
+constexpr double kZeroCelsius = 273.15;
+
+// Absolute zero in degrees Fahrenheit, and how many of them are a kelvin.
+constexpr double kZeroFahrenheit = 459.67;
+constexpr double kFahrenheitPerKelvin = 1.8;
+constexpr double kNearFahrenheit = 0.01;
+
+struct Prefix {
+  std::string_view name;
+  double factor;
+};
+
+constexpr Prefix kPrefixes[] = {{"EXA", 1e18},  {"PETA", 1e15},  {"TERA", 1e12},   {"GIGA", 1e9},
+                                {"MEGA", 1e6},  {"KILO", 1e3},   {"HECTO", 1e2},   {"DECA", 1e1},
+                                {"DECI", 1e-1}, {"CENTI", 1e-2}, {"MILLI", 1e-3},  {"MICRO", 1e-6},
+                                {"NANO", 1e-9}, {"PICO", 1e-12}, {"FEMTO", 1e-15}, {"ATTO", 1e-18}};
+
+struct SiUnit {
+  std::string_view name;
+  std::string_view unitType;
+  int power = 1;  // of a prefix: a square millimetre is a thousandth of a metre, squared
+};
+
+constexpr SiUnit kSiUnits[] = {{"AMPERE", "ELECTRICCURRENTUNIT"},
+                               {"BECQUEREL", "RADIOACTIVITYUNIT"},
+                               {"CANDELA", "LUMINOUSINTENSITYUNIT"},
+                               {"COULOMB", "ELECTRICCHARGEUNIT"},
+                               {"CUBIC_METRE", "VOLUMEUNIT", 3},
+                               {"DEGREE_CELSIUS", "THERMODYNAMICTEMPERATUREUNIT"},
+                               {"FARAD", "ELECTRICCAPACITANCEUNIT"},
+                               {"GRAM", "MASSUNIT"},
+                               {"GRAY", "ABSORBEDDOSEUNIT"},
+                               {"HENRY", "INDUCTANCEUNIT"},
+                               {"HERTZ", "FREQUENCYUNIT"},
+                               {"JOULE", "ENERGYUNIT"},
+                               {"KELVIN", "THERMODYNAMICTEMPERATUREUNIT"},
+                               {"LUMEN", "LUMINOUSFLUXUNIT"},
+                               {"LUX", "ILLUMINANCEUNIT"},
+                               {"METRE", "LENGTHUNIT"},
+                               {"MOLE", "AMOUNTOFSUBSTANCEUNIT"},
+                               {"NEWTON", "FORCEUNIT"},
+                               {"OHM", "ELECTRICRESISTANCEUNIT"},
+                               {"PASCAL", "PRESSUREUNIT"},
+                               {"RADIAN", "PLANEANGLEUNIT"},
+                               {"SECOND", "TIMEUNIT"},
+                               {"SIEMENS", "ELECTRICCONDUCTANCEUNIT"},
+                               {"SIEVERT", "DOSEEQUIVALENTUNIT"},
+                               {"SQUARE_METRE", "AREAUNIT", 2},
+                               {"STERADIAN", "SOLIDANGLEUNIT"},
+                               {"TESLA", "MAGNETICFLUXDENSITYUNIT"},
+                               {"VOLT", "ELECTRICVOLTAGEUNIT"},
+                               {"WATT", "POWERUNIT"},
+                               {"WEBER", "MAGNETICFLUXUNIT"}};
+
+const SiUnit* FindSiUnit(std::string_view name) {
+  for (const SiUnit& unit : kSiUnits) {
+    if (unit.name == name) return &unit;
+  }
+  return nullptr;
+}
+
+double FactorOfPrefix(std::string_view name) {
+  for (const Prefix& prefix : kPrefixes) {
+    if (prefix.name == name) return prefix.factor;
+  }
+  return 1.0;
+}
+
+std::optional<UnitSize> SizeOf(const IFC::IfcEntity& unit, int depth);
+
+std::optional<UnitSize> SizeOfSiUnit(const SiUnit& facts, const IFC::IfcEntity& unit) {
+  if (WordOf(unit, "UnitType") != facts.unitType) return std::nullopt;
+  double factor = std::pow(FactorOfPrefix(WordOf(unit, "Prefix")), facts.power);
+  if (facts.name == "GRAM") factor *= 1e-3;
+  return UnitSize{factor, facts.name == "DEGREE_CELSIUS" ? kZeroCelsius : 0.0};
+}
+
+// What an IfcMeasureWithUnit says without its unit.
+double ValueOf(const IFC::IfcEntity& measure) {
+  const IFC::IfcEntity* const typed = ReferenceOf(measure, "ValueComponent");
+  return typed == nullptr ? 0.0 : RealOf(*typed, "value");
+}
+
+bool IsNear(double value, double expected) { return std::abs(value - expected) <= kNearFahrenheit; }
+
+bool IsFahrenheit(const IFC::IfcEntity& unit, double offset) {
+  return WordOf(unit, "UnitType") == "THERMODYNAMICTEMPERATUREUNIT" &&
+         IsNear(std::abs(offset), kZeroFahrenheit);
+}
+
+std::optional<UnitSize> SizeOfConverted(const IFC::IfcEntity& unit, const IFC::IfcEntity& measure,
+                                        int depth) {
+  const IFC::IfcEntity* const base = ReferenceOf(measure, "UnitComponent");
+  if (base == nullptr) return std::nullopt;
+  const std::optional<UnitSize> baseSize = SizeOf(*base, depth + 1);
+  const double factor = ValueOf(measure);
+  if (!baseSize || !std::isfinite(factor) || factor <= 0.0) return std::nullopt;
+  const double offset = RealOf(unit, "ConversionOffset");
+  if (!std::isfinite(offset)) return std::nullopt;
+  if (IsFahrenheit(unit, offset)) {
+    return UnitSize{baseSize->factor / kFahrenheitPerKelvin,
+                    baseSize->factor * kZeroFahrenheit / kFahrenheitPerKelvin};
+  }
+  return UnitSize{baseSize->factor * factor, baseSize->factor * offset + baseSize->offset};
+}
+
+std::optional<UnitSize> SizeOfProduct(const EntityList& elements, int depth) {
+  UnitSize product;
+  for (const IFC::IfcEntity* const element : elements) {
+    const IFC::IfcEntity* const unit = element == nullptr ? nullptr : ReferenceOf(*element, "Unit");
+    const std::optional<UnitSize> size = unit == nullptr ? std::nullopt : SizeOf(*unit, depth + 1);
+    if (!size) return std::nullopt;
+    product.factor *= std::pow(size->factor, IntegerOf(*element, "Exponent"));
+  }
+  return product;
+}
+
+std::optional<UnitSize> SizeOf(const IFC::IfcEntity& unit, int depth) {
+  if (depth > kMostConversions || FindFacts(unit) == nullptr) return std::nullopt;
+  if (const SiUnit* const facts = FindSiUnit(WordOf(unit, "Name")))
+    return SizeOfSiUnit(*facts, unit);
+  if (const IFC::IfcEntity* const measure = ReferenceOf(unit, "ConversionFactor")) {
+    return SizeOfConverted(unit, *measure, depth);
+  }
+  if (const EntityList* const elements = ReferencesOf(unit, "Elements")) {
+    return SizeOfProduct(*elements, depth);
+  }
+  return std::nullopt;
+}
+
+bool Equal(const UnitSize& one, const UnitSize& other) {
+  return std::abs(one.factor / other.factor - 1.0) <= kTolerance &&
+         std::abs(one.offset - other.offset) <= kTolerance * std::abs(other.offset);
+}
+
+bool HaveOneName(const AssignedUnit& one, const AssignedUnit& other) {
+  if (one.unit == nullptr || other.unit == nullptr) return false;
+  const WideString name = TextOf(*one.unit, "Name");
+  return !name.empty() && ToLowerAscii(name) == ToLowerAscii(TextOf(*other.unit, "Name"));
+}
+
+Conversion ConversionBetween(const AssignedUnit& from, const AssignedUnit& to,
+                             UnitClass unitClass) {
+  using Kind = Conversion::Kind;
+  if (from.unit == nullptr && to.unit == nullptr) return {};
+  if (from.unit == nullptr && unitClass == UnitClass::kDerived) return {.kind = Kind::kUnknown};
+  if (!from.size || !to.size) {
+    const bool areSame = !from.size && !to.size && HaveOneName(from, to);
+    return {.kind = areSame ? Kind::kSame : Kind::kImpossible};
+  }
+  if (Equal(*from.size, *to.size)) return {};
+  return {.kind = Kind::kConvert,
+          .factor = from.size->factor / to.size->factor,
+          .offset = (from.size->offset - to.size->offset) / to.size->factor};
+}
+
+}  // namespace
+
+std::optional<UnitSize> SizeOfUnit(const IFC::IfcEntity& unit) {
+  const std::optional<UnitSize> size = SizeOf(unit, 0);
+  return size && std::isfinite(size->factor) && size->factor > 0.0 ? size : std::nullopt;
+}
+
+ModelUnits::ModelUnits(const IFC::IfcEntity* unitAssignment) {
+  const EntityList* const units =
+      unitAssignment == nullptr ? nullptr : ReferencesOf(*unitAssignment, "Units");
+  if (units == nullptr) return;
+  for (const IFC::IfcEntity* const unit : *units) {
+    if (unit == nullptr || FindFacts(*unit) == nullptr) continue;
+    const Measure measure = MeasureOfUnit(WordOf(*unit, "UnitType"));
+    if (measure == Measure::kNone) continue;
+    units_[static_cast<std::size_t>(measure)] = {unit, SizeOfUnit(*unit)};
+  }
+}
+
+Conversions ConversionsBetween(const ModelUnits& from, const ModelUnits& to) {
+  Conversions conversions;
+  for (std::size_t i = 0; i < kMeasureCount; ++i) {
+    const Measure measure{static_cast<std::uint8_t>(i)};
+    conversions[i] =
+        ConversionBetween(from.Of(measure), to.Of(measure), FactsOf(measure).unitClass);
+  }
+  return conversions;
+}
+
+}  // namespace corvel
