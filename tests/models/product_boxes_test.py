@@ -12,17 +12,19 @@ from typing import NamedTuple
 
 import halves
 import program
+import units_test
 import web_ifc_test
 from program import ModelTest, REAL_MODELS, SAMPLES
 
 _SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'web_ifc', 'product_boxes.js')
 _SKIPPED = 77
-# Of the size of a product, and in metres.
-_TOLERANCE, _LEAST_TOLERANCE = 1e-4, 1e-4
+# Of the size of a product, and in metres. Offsets in feet are that far from those in millimetres.
+_TOLERANCE = 1e-4
 
 PRUNED = ('--contexts', 'join', '--prune', '--stamp', '--header', 'new')
 RENEWED = (*PRUNED, '--guids', 'renew')
 ONE_BUILDING = ('--one-building', '--share-equal')
+IN_FIRST_UNITS = ('--units', 'convert')
 # Where each model is shown, in millimetres.
 _UNMOVED = [(0, 0, 0)] * 3
 _OFFSETS = [(0, 0, 0), (12500, -3000.5, 250), (-100000, 0.25, 8)]
@@ -39,13 +41,13 @@ class Product(NamedTuple):
         return self._replace(box=[value + offset[axis % 3] / 1000
                                   for axis, value in enumerate(self.box)])
 
-    def stands_where(self, other):
+    def stands_where(self, other, tolerance=_TOLERANCE):
         size = max(high - low for low, high in zip(self.box[:3], self.box[3:]))
-        tolerance = max(_LEAST_TOLERANCE, _TOLERANCE * size)
+        tolerance *= max(1.0, size)
         return all(abs(one - two) <= tolerance for one, two in zip(self.box, other.box))
 
 
-def without_partner(wanted, found, key, shared=False):
+def without_partner(wanted, found, key, shared=False, tolerance=_TOLERANCE):
     """Products of either side that have none of the other at their place. `shared`: one may be
     the partner of several."""
     places = {}
@@ -54,7 +56,8 @@ def without_partner(wanted, found, key, shared=False):
     taken, alone = set(), []
     for product in wanted:
         partner = next((one for one in places.get(key(product), ())
-                        if (shared or id(one) not in taken) and product.stands_where(one)), None)
+                        if (shared or id(one) not in taken) and product.stands_where(one, tolerance)),
+                       None)
         if partner is None:
             alone.append(product)
         else:
@@ -72,6 +75,7 @@ def by_name(product):
 
 class Boxes(ModelTest):
     installed = None
+    tolerance = _TOLERANCE
 
     def boxes(self, names):
         done = subprocess.run(['node', _SCRIPT, self.installed, *map(self.path, names)],
@@ -99,7 +103,8 @@ class Boxes(ModelTest):
         self.assertGreater(len(wanted), 10)
         for options, found in zip(choices, read[len(names):]):
             with self.subTest(models=names, options=' '.join(options)):
-                self.assertEqual(([], []), without_partner(wanted, found, key, shared=not moves))
+                self.assertEqual(([], []), without_partner(wanted, found, key, shared=not moves,
+                                                           tolerance=self.tolerance))
 
 
 class Samples(Boxes):
@@ -138,6 +143,103 @@ class Samples(Boxes):
                         first._replace(type='x'), first._replace(guid='x')):
             self.assertEqual(([first], [changed]),
                              without_partner(products, [changed, *others], by_guid))
+
+
+# A wall below half a space, a profile with an arc, a tube along a line and an arc from one parameter
+# to another, a piece of a ring, a mesh: lengths in metres, angles in radians.
+_SHAPES = """
+#1=IFCPROJECT('0000000000000000000001',$,'p',$,$,$,$,(#5),#2);
+#2=IFCUNITASSIGNMENT((#3,#4));
+#3=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);
+#4=IFCSIUNIT(*,.PLANEANGLEUNIT.,$,.RADIAN.);
+#5=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,1.E-05,#6,$);
+#6=IFCAXIS2PLACEMENT3D(#7,$,$);
+#7=IFCCARTESIANPOINT((0.,0.,0.));
+#8=IFCDIRECTION((0.,0.,1.));
+#9=IFCCARTESIANPOINT((0.,0.));
+#10=IFCAXIS2PLACEMENT2D(#9,$);
+#11=IFCDIRECTION((1.,0.,0.));
+#20=IFCRECTANGLEPROFILEDEF(.AREA.,$,#10,2.,0.5);
+#21=IFCEXTRUDEDAREASOLID(#20,#6,#8,3.);
+#22=IFCCARTESIANPOINT((0.,0.,2.));
+#23=IFCDIRECTION((0.5,0.,1.));
+#24=IFCAXIS2PLACEMENT3D(#22,#23,$);
+#25=IFCPLANE(#24);
+#26=IFCHALFSPACESOLID(#25,.F.);
+#27=IFCBOOLEANCLIPPINGRESULT(.DIFFERENCE.,#21,#26);
+#30=IFCCIRCLE(#10,1.5);
+#31=IFCTRIMMEDCURVE(#30,(IFCPARAMETERVALUE(0.5)),(IFCPARAMETERVALUE(2.5)),.T.,.PARAMETER.);
+#32=IFCCARTESIANPOINT((-1.20171542332040,0.897708216156));
+#33=IFCCARTESIANPOINT((1.31637384283,0.719138307906));
+#34=IFCPOLYLINE((#32,#33));
+#35=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#31);
+#36=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#34);
+#37=IFCCOMPOSITECURVE((#35,#36),.F.);
+#38=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#37);
+#39=IFCEXTRUDEDAREASOLID(#38,#6,#8,0.75);
+#40=IFCCIRCLE(#6,2.);
+#41=IFCTRIMMEDCURVE(#40,(IFCPARAMETERVALUE(0.25)),(IFCPARAMETERVALUE(1.75)),.T.,.PARAMETER.);
+#42=IFCSWEPTDISKSOLID(#41,0.1,$,$,$);
+#50=IFCCIRCLEPROFILEDEF(.AREA.,$,#51,0.25);
+#51=IFCAXIS2PLACEMENT2D(#52,$);
+#52=IFCCARTESIANPOINT((3.,0.));
+#53=IFCDIRECTION((0.,1.,0.));
+#54=IFCAXIS1PLACEMENT(#7,#53);
+#55=IFCREVOLVEDAREASOLID(#50,#6,#54,1.25);
+#60=IFCCARTESIANPOINTLIST3D(((0.,0.,0.),(1.,0.,0.),(0.,2.,0.),(0.,0.,3.)));
+#61=IFCTRIANGULATEDFACESET(#60,$,.T.,((1,3,2),(1,2,4),(1,4,3),(2,3,4)),$);
+"""
+
+
+def shapes_model():
+    records, number = _SHAPES, 100
+    for item, kind in ((27, 'Clipping'), (39, 'SweptSolid'), (42, 'AdvancedSweptSolid'),
+                       (55, 'SweptSolid'), (61, 'Tessellation')):
+        records += (f"#{number}=IFCSHAPEREPRESENTATION(#5,'Body','{kind}',(#{item}));\n"
+                    f'#{number + 1}=IFCPRODUCTDEFINITIONSHAPE($,$,(#{number}));\n'
+                    f'#{number + 2}=IFCLOCALPLACEMENT($,#6);\n'
+                    f"#{number + 3}=IFCBUILDINGELEMENTPROXY('{number:022}',$,'{kind} {number}',$,$,"
+                    f'#{number + 2},#{number + 1},$,$);\n')
+        number += 4
+    return ("ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\nFILE_NAME('','',(''),(''),'','','');\n"
+            f"FILE_SCHEMA(('IFC4'));\nENDSEC;\nDATA;{records}ENDSEC;\nEND-ISO-10303-21;\n").encode()
+
+
+class OtherUnits(Boxes):
+    """Truth is what web-ifc reads of each file by itself, in metres."""
+
+    tolerance = 1e-6
+
+    def check_converted(self, names):
+        self.check_names(names, [IN_FIRST_UNITS], by_name, moves=())
+
+    def test_AHouseInFeetAndAnOfficeInMillimetres(self):
+        self.need_release('IFC2X3')
+        house, office = (self.copy(os.path.join(SAMPLES, f'{name}_IFC2X3.ifc'))
+                         for name in ('house', 'office_architecture'))
+        self.check_converted([house, office])
+        self.check_converted([office, house])
+
+    def test_MetresAndMillimetres(self):
+        self.need_release('IFC4')
+        names = [self.copy(os.path.join(SAMPLES, f'{name}_IFC4.ifc'))
+                 for name in ('office_architecture', 'house', 'office_structure')]
+        self.check_converted(names)
+
+    def test_ShapesInMetresAndRadiansAfterFeetAndDegrees(self):
+        self.need_release('IFC4')
+        house = os.path.join(SAMPLES, 'house_IFC4.ifc')
+        first = self.write('first.ifc', units_test.in_units(house, units_test.FOOT,
+                                                            ('DEGREE', 0.017453292519943295)))
+        self.check_converted([first, self.write('shapes.ifc', shapes_model())])
+
+    def test_AnAlignmentAfterFeet(self):
+        self.need_release('IFC4X3_ADD2')
+        railway, house = (os.path.join(SAMPLES, f'{name}_IFC4X3_ADD2.ifc')
+                          for name in ('railway', 'house'))
+        first = self.write('first.ifc', units_test.in_units(house, units_test.FOOT,
+                                                            units_test.RADIAN))
+        self.check_converted([first, self.copy(railway)])
 
 
 @unittest.skipUnless(os.path.isdir(REAL_MODELS), f'no models of other makers in {REAL_MODELS}')

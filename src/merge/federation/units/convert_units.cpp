@@ -25,11 +25,9 @@ WideString Number(double value) {
   return Widen({text, static_cast<std::size_t>(FormatReal(value, text) - text)});
 }
 
-bool Differ(const Conversions& conversions) {
-  return std::any_of(conversions.begin(), conversions.end(), [](const Conversion& conversion) {
-    return conversion.kind == Conversion::Kind::kConvert ||
-           conversion.kind == Conversion::Kind::kImpossible;
-  });
+bool HasKind(const Conversions& conversions, Conversion::Kind kind) {
+  return std::any_of(conversions.begin(), conversions.end(),
+                     [kind](const Conversion& conversion) { return conversion.kind == kind; });
 }
 
 bool Carries(const IFC::IfcEntity& entity) {
@@ -56,6 +54,10 @@ class ModelConversion {
     result_.copies = spaces_.Copies();
     result_.unstretchable = spaces_.Unstretchable();
     // Copies are filed, and have their turn; what they are copies of is known by now.
+    return Convert(ticker);
+  }
+  // Where no unit differs, and no more is to be done than to count those that nobody knows.
+  bool Convert(Ticker& ticker) {
     return ForEach(ticker, [this](IFC::IfcEntity& entity) { converter_.Convert(entity); });
   }
 
@@ -115,7 +117,9 @@ void ForEachMeasure(const ConvertedValues::Counts& counts, Action action) {
 }
 
 void LogConverted(const ConvertedModel& model, const WideString& path) {
-  Log(u"Units converted to those of the first: " + path);
+  Log((model.differs ? u"Units converted to those of the first: "
+                     : u"Units are those of the first: ") +
+      path);
   ForEachMeasure(model.values.converted, [&](Measure measure, std::size_t count) {
     const Conversion& conversion = model.conversions[static_cast<std::size_t>(measure)];
     WideString line = u"\t" + Widen(FactsOf(measure).unit) + u": " + Count(count) +
@@ -149,14 +153,18 @@ bool ConvertUnits(const IfcDocument& first, IfcDocument& later, Ticker& ticker,
   const ModelUnits own(later.getIfcUnitAssignment());
   const ModelUnits wanted(first.getIfcUnitAssignment());
   result.conversions = ConversionsBetween(own, wanted);
-  result.differs = Differ(result.conversions);
-  if (!result.differs) return true;
-  if (!ModelConversion(later, own, result.conversions, result).Run(ticker)) return false;
+  result.differs = HasKind(result.conversions, Conversion::Kind::kConvert) ||
+                   HasKind(result.conversions, Conversion::Kind::kImpossible);
+  ModelConversion conversion(later, own, result.conversions, result);
+  if (!result.differs) {
+    return !HasKind(result.conversions, Conversion::Kind::kUnknown) || conversion.Convert(ticker);
+  }
+  if (!conversion.Run(ticker)) return false;
   if (!result.values.IsComplete()) return true;
   return AssignUnitsOf(first, later);
 }
 
-bool ConvertUnitsOfRun(std::vector<RunModel>& models, MergeShell& shell) {
+bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress) {
   for (std::size_t i = 1; i < models.size(); ++i) {
     const IfcDocument& first = *models.front().document;
     IfcDocument& later = *models[i].document;
@@ -164,9 +172,8 @@ bool ConvertUnitsOfRun(std::vector<RunModel>& models, MergeShell& shell) {
     if (!first.IsParsed() || !later.IsParsed() || !later.HasSchemaOf(first)) continue;
     const ModelUnits own(later.getIfcUnitAssignment());
     const WideString path = later.getFilePath();
-    shell.SetCurrentFile(path);
     const WideString name = u"units";
-    Ticker ticker({.callback = shell.Ticks(), .text = &name},
+    Ticker ticker({.callback = progress, .text = &name},
                   {.block = later.mainContainer->entities.Size() * 2 / kTicks + 1});
     ConvertedModel result;
     if (!ConvertUnits(first, later, ticker, result)) return false;
@@ -175,7 +182,7 @@ bool ConvertUnitsOfRun(std::vector<RunModel>& models, MergeShell& shell) {
       models[i].unitDifferences.push_back(
           DifferenceOf(measure, ModelUnits(first.getIfcUnitAssignment()), own, path));
     });
-    if (result.differs && models[i].unitsAgree) LogConverted(result, path);
+    if (models[i].unitsAgree) LogConverted(result, path);
   }
   return true;
 }

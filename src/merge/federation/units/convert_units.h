@@ -3,10 +3,10 @@
 
 #include <vector>
 
+#include "core/reporting.h"
 #include "core/ticker.h"
 #include "merge/document.h"
 #include "merge/federation/units/value_converter.h"
-#include "merge/merge_shell.h"
 #include "merge/run_model.h"
 
 namespace corvel {
@@ -32,6 +32,6 @@ bool ConvertUnits(const IfcDocument& first, IfcDocument& later, Ticker& ticker,
 // The same for all later models of a run, before CheckUnits, which is told which of them agree with
 // the first by now, and which do not for a value that cannot be converted. What was done goes to
 // the log. False as above.
-bool ConvertUnitsOfRun(std::vector<RunModel>& models, MergeShell& shell);
+bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress);
 
 }  // namespace corvel

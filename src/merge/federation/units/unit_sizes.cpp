@@ -16,6 +16,8 @@ namespace {
 constexpr int kMostConversions = 8;
 
 constexpr double kTolerance = 1e-9;
+// Of a number, more than a few multiplications leave.
+constexpr double kNoise = 1e-14;
 constexpr double kZeroCelsius = 273.15;
 
 // Absolute zero in degrees Fahrenheit, and how many of them are a kelvin.
@@ -157,6 +159,14 @@ bool HaveOneName(const AssignedUnit& one, const AssignedUnit& other) {
   return !name.empty() && ToLowerAscii(name) == ToLowerAscii(TextOf(*other.unit, "Name"));
 }
 
+// Millimetres are a thousandth of metres, and not what is left of it by powers and quotients.
+double WithoutNoise(double factor) {
+  const double whole = std::nearbyint(factor);
+  if (whole >= 1.0 && std::abs(factor - whole) <= kNoise * whole) return whole;
+  const double part = std::nearbyint(1.0 / factor);
+  return part >= 1.0 && std::abs(1.0 / factor - part) <= kNoise * part ? 1.0 / part : factor;
+}
+
 Conversion ConversionBetween(const AssignedUnit& from, const AssignedUnit& to,
                              UnitClass unitClass) {
   using Kind = Conversion::Kind;
@@ -168,7 +178,7 @@ Conversion ConversionBetween(const AssignedUnit& from, const AssignedUnit& to,
   }
   if (Equal(*from.size, *to.size)) return {};
   return {.kind = Kind::kConvert,
-          .factor = from.size->factor / to.size->factor,
+          .factor = WithoutNoise(from.size->factor / to.size->factor),
           .offset = (from.size->offset - to.size->offset) / to.size->factor};
 }
 
