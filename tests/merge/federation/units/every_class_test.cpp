@@ -1,8 +1,10 @@
 // One object of every class of a release in other units and back.
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cctype>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -219,7 +221,9 @@ std::vector<NotedNumber> NumbersOf(ModelOfEveryClass& model) {
   return numbers;
 }
 
-bool SameBits(double one, double other) { return std::memcmp(&one, &other, sizeof one) == 0; }
+bool SameBits(double one, double other) {
+  return std::bit_cast<std::uint64_t>(one) == std::bit_cast<std::uint64_t>(other);
+}
 
 class EveryClassInOtherUnits : public testing::TestWithParam<Release> {
  protected:
