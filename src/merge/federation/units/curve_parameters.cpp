@@ -74,7 +74,7 @@ double ParameterOnConic(const IFC::IfcEntity& conic, const Vector& point) {
 }
 
 // Of a typed value or of a plain one.
-double NumberOf(const IFC::IfcEntity& entity, std::string_view attribute) {
+double TypedOrPlain(const IFC::IfcEntity& entity, std::string_view attribute) {
   const IFC::IfcEntity* const typed = ReferenceOf(entity, attribute);
   return typed == nullptr ? RealOf(entity, attribute) : RealOf(*typed, "value");
 }
@@ -213,7 +213,7 @@ CurveParameters::Part CurveParameters::PartOf(const IFC::IfcEntity& segment, int
   if (attributes.Find("ParamLength")) {
     part.length = RealOf(segment, "ParamLength");
   } else if (attributes.Find("SegmentLength")) {
-    part.length = std::abs(NumberOf(segment, "SegmentLength"));
+    part.length = std::abs(TypedOrPlain(segment, "SegmentLength"));
     if (IsLength(ReferenceOf(segment, "SegmentLength"))) part.measure = Measure::kLength;
   } else {
     part.length = LengthOf(*parent, depth);
