@@ -1,0 +1,215 @@
+"""What `corvel check` should find in a model whose text is in order, counted by rule and subject.
+
+Made apart from the program, and slow: the text is read by step_text.py, what the schema demands
+stands in schema_facts.py and express_rules.py.
+"""
+
+import re
+from collections import Counter
+
+import express_rules
+import schema_facts
+import step_text
+from step_text import Absent, Reference, Typed
+
+_LIST = re.compile(r'(LIST|SET|ARRAY|BAG)(?: \[(\d+):(\d+|\?)\])? OF (?:UNIQUE )?(.+)\Z')
+_GUID = re.compile(r'[0-3][0-9A-Za-z_$]{21}\Z')
+# Classes whose attributes are derived, so that "*" stands there.
+_DERIVED = {('IfcGeometricRepresentationSubContext', 'WorldCoordinateSystem'),
+            ('IfcGeometricRepresentationSubContext', 'CoordinateSpaceDimension'),
+            ('IfcGeometricRepresentationSubContext', 'TrueNorth'),
+            ('IfcGeometricRepresentationSubContext', 'Precision'),
+            ('IfcOrientedEdge', 'EdgeStart'), ('IfcOrientedEdge', 'EdgeEnd'),
+            ('IfcSIUnit', 'Dimensions'), ('IfcMirroredProfileDef', 'Operator'),
+            ('IfcSurfaceRenderingProperties', 'AmbientColor')}
+_MISSED = {schema_facts.REFERENCE, schema_facts.REAL, schema_facts.COUNT, schema_facts.INTEGER,
+           schema_facts.BINARY, schema_facts.TEXT}
+
+
+class Truth:
+    """`found`: rule -> Counter of subjects. `places`: (rule, subject) -> records."""
+
+    # Rules about which this says something; the others it does not know.
+    RULES = {'CRV.value.missing', 'CRV.list.few', 'CRV.list.many', 'CRV.list.doubled',
+             'CRV.reference.dangling', 'CRV.inverse.few', 'CRV.inverse.many', 'CRV.save.real',
+             'PJS003.malformed', 'PJS003.doubled', 'PJS101.missing', 'PJS101.several',
+             'CRV.units.missing', 'CRV.units.unlisted', 'CRV.context.unlisted', 'GEM051.missing',
+             'CRV.placement.circle'}
+
+    def __init__(self, data):
+        self.file = step_text.StepFile(data)
+        namespace = schema_facts.choose_release(self.file.header['FILESCHEMA'][0][0])
+        self.release = schema_facts.release(namespace)
+        self.rules = express_rules.rules_of(namespace)
+        self.records = {number: record for number, record in self.file.records.items()
+                        if self.release.is_entity(record.name)}
+        self.found = {}
+        self.places = {}
+        self._lists = {}
+        for record in self.records.values():
+            self._check_record(record)
+        self._check_guids()
+        self._check_project()
+        self._check_circles()
+        for inverse in self.rules.inverses:
+            if inverse.referring.startswith('IfcRel'):
+                self._check_inverse(inverse)
+
+    def _fail(self, rule, subject, number):
+        self.found.setdefault(rule, Counter())[subject] += 1
+        self.places.setdefault((rule, subject), []).append(number)
+
+    def _name(self, record):
+        return self.release._names[record.name]
+
+    def _of(self, entity):
+        return [record for record in self.records.values()
+                if self.release.is_a(record.name, entity)]
+
+    def _value(self, record, attribute):
+        names = [one.name for one in self.release.attributes_of(record.name)]
+        return record.arguments[names.index(attribute)] if attribute in names else None
+
+    # One record -----------------------------------------------------------------------------------
+
+    def _check_record(self, record):
+        name = self._name(record)
+        attributes = self.release.attributes_of(record.name)
+        for place, (attribute, value) in enumerate(zip(attributes, record.arguments)):
+            subject = f'{name}.{attribute.name}'
+            if isinstance(value, Absent):
+                if (not attribute.optional and attribute.kind.name in _MISSED
+                        and not self._is_derived(record, attribute.name)):
+                    self._fail('CRV.value.missing', subject, record.number)
+            elif attribute.kind.name != schema_facts.GUID and self._is_shortened(value):
+                self._fail('CRV.save.real', '', record.number)
+            lists = self._lists_of(record.name)[place]
+            if lists and isinstance(value, Absent) and not attribute.optional:
+                value = []
+            if lists and isinstance(value, list):
+                self._check_list(value, lists, subject, record.number)
+        dangling = [one for one in step_text.references_in(record.arguments)
+                    if one not in self.file.records]
+        if dangling:
+            self._fail('CRV.reference.dangling', name, record.number)
+
+    def _is_derived(self, record, attribute):
+        return any(attribute == one and self.release.is_a(record.name, entity)
+                   for entity, one in _DERIVED)
+
+    def _is_shortened(self, value):
+        if isinstance(value, list):
+            return any(self._is_shortened(one) for one in value)
+        if isinstance(value, Typed):
+            return self._is_shortened(value.arguments)
+        return isinstance(value, float) and float(f'{value:.14E}') != value
+
+    def _lists_of(self, upper_name):
+        """Of each attribute its lists, the outermost first: kind, least and most."""
+        if upper_name not in self._lists:
+            expressions, name = [], self.release._names[upper_name]
+            while name is not None:
+                name, own = self.release.entities[name]
+                expressions[:0] = [line.split(': ', 1)[1] for line in own]
+            self._lists[upper_name] = [self._lists_in(one) for one in expressions]
+        return self._lists[upper_name]
+
+    def _lists_in(self, expression):
+        lists = []
+        expression = expression.removeprefix('OPTIONAL ')
+        while True:
+            if match := _LIST.match(expression):
+                kind, least, most, expression = match.groups()
+                least, most = int(least or 0), float('inf') if most in (None, '?') else int(most)
+                if kind == 'ARRAY':
+                    least = most = most - least + 1
+                lists.append((kind, least, most))
+            elif expression in self.release.types:
+                expression = self.release.types[expression]
+            else:
+                return lists
+
+    def _check_list(self, value, lists, subject, number):
+        (kind, least, most), inner = lists[0], lists[1:]
+        if len(value) < least:
+            self._fail('CRV.list.few', subject, number)
+        if len(value) > most:
+            self._fail('CRV.list.many', subject, number)
+        references = [one for one in value if isinstance(one, Reference)]
+        if kind == 'SET' and len(set(references)) != len(references):
+            self._fail('CRV.list.doubled', subject, number)
+        for one in value:
+            if inner and isinstance(one, list):
+                self._check_list(one, inner, subject, number)
+
+    # All of them ----------------------------------------------------------------------------------
+
+    def _check_guids(self):
+        seen = Counter()
+        for record in self._of('IfcRoot'):
+            guid = record.arguments[0]
+            guid = guid if isinstance(guid, str) else ''
+            if not _GUID.match(guid):
+                self._fail('PJS003.malformed', self._name(record), record.number)
+            if guid:
+                seen[guid] += 1
+                if seen[guid] == 2:
+                    self._fail('PJS003.doubled', '', record.number)
+
+    def _check_project(self):
+        projects = self._of('IfcProject')
+        if not projects:
+            self._fail('PJS101.missing', '', None)
+        for project in projects[1:]:
+            self._fail('PJS101.several', '', project.number)
+        units, contexts = set(), set()
+        listing = {record.number: record for record in projects + self._of('IfcContext')}
+        for record in listing.values():
+            units.update(step_text.references_in([self._value(record, 'UnitsInContext')]))
+            contexts.update(step_text.references_in([self._value(record, 'RepresentationContexts')]))
+        for project in projects:
+            if isinstance(self._value(project, 'UnitsInContext'), Absent):
+                self._fail('CRV.units.missing', '', project.number)
+        for record in self._of('IfcUnitAssignment'):
+            if record.number not in units:
+                self._fail('CRV.units.unlisted', self._name(record), record.number)
+        for record in self._of('IfcRepresentationContext'):
+            if self.release.is_a(record.name, 'IfcGeometricRepresentationSubContext'):
+                continue
+            if record.number not in contexts:
+                self._fail('CRV.context.unlisted', self._name(record), record.number)
+        geometric = any(self.release.is_a(self.records[one].name, 'IfcGeometricRepresentationContext')
+                        for one in contexts if one in self.records)
+        if projects and self._of('IfcRepresentation') and not geometric:
+            self._fail('GEM051.missing', '', projects[0].number)
+
+    def _check_circles(self):
+        outer = {}
+        for record in self._of('IfcObjectPlacement'):
+            value = self._value(record, 'PlacementRelTo')
+            if isinstance(value, Reference):
+                outer[record.number] = value.number
+        told = set()
+        for number in outer:
+            way = []
+            while number in outer and number not in way:
+                way.append(number)
+                number = outer[number]
+            if number in way:
+                least = min(way[way.index(number):])
+                if least not in told:
+                    told.add(least)
+                    self._fail('CRV.placement.circle', '', least)
+
+    def _check_inverse(self, inverse):
+        objects = {record.number for record in self._of(inverse.entity)}
+        users = {}
+        for record in self._of(inverse.referring) if objects else ():
+            for one in set(step_text.references_in([self._value(record, inverse.attribute)])):
+                users[one] = users.get(one, 0) + 1
+        for number in objects:
+            name = self._name(self.records[number])
+            if users.get(number, 0) < inverse.least:
+                self._fail('CRV.inverse.few', name, number)
+            if inverse.most is not None and users.get(number, 0) > inverse.most:
+                self._fail('CRV.inverse.many', name, number)
