@@ -259,7 +259,7 @@ TEST_F(LinesInOrderTest, EveryObjectComesOnceByAscendingNumber) {
     while (const LinesOfRange* const range = lines.Next()) {
       ++ranges;
       EXPECT_TRUE(range->IsComplete());
-      EXPECT_GE(range->NumberCount(), range->Objects().size());
+      EXPECT_GE(range->NumberCount(), range->ObjectCount());
       std::string text;
       for (std::size_t i = 0; i < range->Objects().size(); ++i) {
         ASSERT_EQ(++number, range->Objects()[i]->marker);

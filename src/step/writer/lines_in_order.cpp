@@ -19,6 +19,45 @@ void FetchRoomBehind(std::string_view text) {
   platform::PrefetchToWrite(end + kAhead + kCacheLine);
 }
 
+// Calls visit(object) for all from `first` to `last`: number by number where they are dense, and
+// over each gap at once.
+template <class Visit>
+void VisitObjects(const NumberTable& table, std::uint32_t first, std::uint32_t last, Visit visit) {
+  for (std::uint32_t number = first;; ++number) {
+    IFC::IfcEntity* object = table.Find(number);
+    if (object == nullptr) {
+      const NumberTable::Entry behindTheGap = table.AtOrAfter(number);
+      if (!behindTheGap || behindTheGap.number > last) return;
+      number = behindTheGap.number;
+      object = behindTheGap.entity;
+    }
+    visit(number, *object);
+    if (number == last) return;
+  }
+}
+
+// The last of `count` numbers from `first` on, if there are so many.
+std::uint32_t LastOf(std::uint32_t first, std::uint32_t count) {
+  return first + std::min(count - 1, std::numeric_limits<std::uint32_t>::max() - first);
+}
+
+class MarkersOfRange final : public platform::Job {
+ public:
+  MarkersOfRange(const NumberTable& table, std::uint32_t first, std::uint32_t last)
+      : table_(table), first_(first), last_(last) {}
+
+ private:
+  void Run() override {
+    VisitObjects(table_, first_, last_, [](std::uint32_t number, IFC::IfcEntity& object) {
+      if (object.marker != IFC::kDeleted) object.marker = number;
+    });
+  }
+
+  const NumberTable& table_;
+  std::uint32_t first_;
+  std::uint32_t last_;
+};
+
 }  // namespace
 
 LinesOfRange::LinesOfRange(const NumberTable& table, NumberForm numbers)
@@ -27,33 +66,24 @@ LinesOfRange::LinesOfRange(const NumberTable& table, NumberForm numbers)
 void LinesOfRange::Run() {
   // Objects behind that much text are left to the taker, so that few lines are made in vain.
   constexpr std::size_t kEnoughText = 2 * kUsualText;
-  FindObjects();
   text_.StepBack(text_.Text().size());
   ends_.clear();
-  ends_.reserve(objects_.size());
   bool isComplete = true;
-  for (const IFC::IfcEntity* const object : objects_) {
+  VisitObjects(table_, first_, last_, [&](std::uint32_t /*number*/, const IFC::IfcEntity& object) {
     FetchRoomBehind(text_.Text());
-    isComplete = text_.Text().size() < kEnoughText && WriteLine(*object) && isComplete;
+    isComplete = text_.Text().size() < kEnoughText && WriteLine(object) && isComplete;
     ends_.push_back(static_cast<std::uint32_t>(text_.Text().size()));
-  }
+  });
   isComplete_ = isComplete;
 }
 
-// Number by number where they are dense, and over each gap at once.
-void LinesOfRange::FindObjects() {
-  objects_.clear();
-  for (std::uint32_t number = first_;; ++number) {
-    const IFC::IfcEntity* object = table_.Find(number);
-    if (object == nullptr) {
-      const NumberTable::Entry behindTheGap = table_.AtOrAfter(number);
-      if (!behindTheGap || behindTheGap.number > last_) return;
-      number = behindTheGap.number;
-      object = behindTheGap.entity;
-    }
-    objects_.push_back(object);
-    if (number == last_) return;
+std::span<const IFC::IfcEntity* const> LinesOfRange::Objects() const {
+  if (objects_.empty()) {
+    VisitObjects(table_, first_, last_, [this](std::uint32_t /*number*/, IFC::IfcEntity& object) {
+      objects_.push_back(&object);
+    });
   }
+  return objects_;
 }
 
 bool LinesOfRange::WriteLine(const IFC::IfcEntity& object) {
@@ -71,12 +101,24 @@ bool LinesOfRange::WriteLine(const IFC::IfcEntity& object) {
 
 LinesInOrder::LinesInOrder(unsigned threads, const NumberTable& table, NumberForm numbers)
     : table_(table), next_(table.First()), pool_(threads) {
+  FillMarkers();
   const std::size_t count = kRangesPerThread * std::max(1U, threads);
   ranges_.reserve(count);
   while (ranges_.size() < count && next_) {
     ranges_.push_back(std::make_unique<LinesOfRange>(table, numbers));
     Begin(*ranges_.back());
   }
+}
+
+void LinesInOrder::FillMarkers() {
+  std::vector<std::unique_ptr<MarkersOfRange>> ranges;
+  for (NumberTable::Entry at = table_.First(); at;) {
+    const std::uint32_t last = LastOf(at.number, LinesOfRange::kMostNumbers);
+    ranges.push_back(std::make_unique<MarkersOfRange>(table_, at.number, last));
+    at = table_.Next(last);
+  }
+  for (const auto& range : ranges) pool_.Submit(*range);
+  for (const auto& range : ranges) pool_.Finish(*range);
 }
 
 const LinesOfRange* LinesInOrder::Next() {
@@ -94,8 +136,7 @@ void LinesInOrder::Begin(LinesOfRange& range) {
   if (!next_) return;
   const auto wanted = static_cast<std::uint32_t>(std::clamp<std::size_t>(
       LinesOfRange::kUsualText / (bytesPerNumber_ + 1), 1, LinesOfRange::kMostNumbers));
-  const std::uint32_t left = std::numeric_limits<std::uint32_t>::max() - next_.number;
-  const std::uint32_t last = next_.number + std::min(wanted - 1, left);
+  const std::uint32_t last = LastOf(next_.number, wanted);
   range.SetNumbers(next_.number, last);
   pool_.Submit(range);
   ++begun_;

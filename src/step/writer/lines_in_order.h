@@ -1,9 +1,9 @@
 // Writing in order: several threads make the lines of a model's objects, one takes them in the
 // order in which it would make them alone.
 //
-// The numbers are cut into ranges. So many ranges are under way that no thread waits for the one
+// The numbers are cut into ranges. So many of these are under way that no thread waits for the one
 // who writes, and no more: the memory is kRangesPerThread times kLongestText for each thread and
-// what the objects of the ranges take as pointers, whatever the model.
+// what is noted of so many lines, whatever the model.
 #pragma once
 
 #include <cstddef>
@@ -35,7 +35,10 @@ class alignas(128) LinesOfRange final : public platform::Job {
   // Borrows the table of objects.
   LinesOfRange(const NumberTable& table, NumberForm numbers);
 
-  std::span<const IFC::IfcEntity* const> Objects() const { return objects_; }
+  // Number of the objects that are filed under its numbers.
+  std::size_t ObjectCount() const { return ends_.size(); }
+  // These objects by ascending number. Looked up at the first call, since few takers need them.
+  std::span<const IFC::IfcEntity* const> Objects() const;
   // As StepWriter::WriteEntityLine makes it. Empty for a deleted object, and for one that is left
   // to the taker: it carries something, it throws, or its line is too long.
   std::string_view LineOf(std::size_t index) const {
@@ -50,20 +53,20 @@ class alignas(128) LinesOfRange final : public platform::Job {
   void SetNumbers(std::uint32_t first, std::uint32_t last) {
     first_ = first;
     last_ = last;
+    objects_.clear();
   }
   std::size_t NumberCount() const { return std::size_t{last_} - first_ + 1; }
 
  private:
   void Run() override;
-  void FindObjects();
   bool WriteLine(const IFC::IfcEntity& object);
 
   const NumberTable& table_;
   std::uint32_t first_ = 0;
   std::uint32_t last_ = 0;
   bool isComplete_ = true;
-  std::vector<const IFC::IfcEntity*> objects_;
-  std::vector<std::uint32_t> ends_;  // of the lines, in the text
+  mutable std::vector<const IFC::IfcEntity*> objects_;  // of the taker
+  std::vector<std::uint32_t> ends_;                     // of the lines, in the text
   FileStream::OutpoutTextStream text_;
   StepWriter writer_;
 };
@@ -74,13 +77,16 @@ class LinesInOrder {
  public:
   static constexpr std::size_t kRangesPerThread = 4;
 
-  // `threads`: that of the taker among them. `table` is borrowed. Throws std::bad_alloc.
+  // Gives each object that is not deleted the number that it is filed under as its marker, as
+  // MainContainer::FillMarkers does: lines refer to objects of other ranges. `threads`: that of the
+  // taker among them. `table` is borrowed; nothing is filed under 0. Throws std::bad_alloc.
   LinesInOrder(unsigned threads, const NumberTable& table, NumberForm numbers);
 
   // Null behind the last one; void after the next call.
   const LinesOfRange* Next();
 
  private:
+  void FillMarkers();
   void Begin(LinesOfRange& range);
   void LearnFrom(const LinesOfRange& range);
 

@@ -127,14 +127,17 @@ Outcome StepWriter::WriteData() {
   Ticker ticker({.callback = progress_}, {.block = container.entities.Size() / kTicks + 1});
   ticker.Show(0);
   // References are written by the markers of what they lead to, so all of them are set before.
-  container.RefreshMarkers();
   std::optional<LinesInOrder> lines;
   try {
-    if (model_.threads > 1) lines.emplace(model_.threads, container.entities, model_.numbers);
+    // A number that no object may have is told of, which one thread does.
+    const bool isTogether = model_.threads > 1 && !container.entities.Contains(IFC::kUnfiled);
+    if (isTogether) lines.emplace(model_.threads, container.entities, model_.numbers);
   } catch (const std::bad_alloc&) {
     // One thread needs no memory for this.
   }
-  return lines ? WriteTogether(*lines, ticker) : WriteEach(ticker);
+  if (lines) return WriteTogether(*lines, ticker);
+  container.RefreshMarkers();
+  return WriteEach(ticker);
 }
 
 Outcome StepWriter::WriteEach(Ticker& ticker) {
@@ -156,7 +159,7 @@ Outcome StepWriter::WriteTogether(LinesInOrder& lines, Ticker& ticker) {
 // What WriteEach does for these objects: the stream stands at the same byte behind each of them,
 // and is written out, which may fail, while the same object is written.
 Outcome StepWriter::WriteLines(const LinesOfRange& lines, Ticker& ticker) {
-  const std::size_t count = lines.Objects().size();
+  const std::size_t count = lines.ObjectCount();
   if (lines.IsComplete() && count < ticker.Left() && HasRoomFor(lines.Text())) {
     stream_->Append(lines.Text());
     ticker.Advance(count);
