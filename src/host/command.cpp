@@ -33,7 +33,7 @@ ExitStatus RunModels(const CommandLine& line) {
   platform::SetDialogs(platform::Dialogs::kTerminal);
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
-  RunConsole console(RunConsole::StandardError(!line.quiet));
+  RunConsole console(RunConsole::StandardError(!line.quiet, line.progressIsJson));
   const ModelOrder order{line.inputs,
                          line.output,
                          line.choices,
@@ -48,6 +48,7 @@ ExitStatus RunModels(const CommandLine& line) {
                          line.reports};
   ModelRun run(order, console);
   const ExitStatus status = run.Run();
+  console.TellEnd(static_cast<int>(status));
   if (line.isDryRun) {
     const bool isTold = run.Report() == nullptr || run.Report()->inputs.empty() ||
                         platform::WriteStandardOutput(DryRunText(*run.Report()));

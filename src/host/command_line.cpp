@@ -36,6 +36,7 @@ struct Words {
   std::string log;
   std::string tolerance;
   std::vector<std::string> reports;
+  std::string progress = "bars";
   bool dryRun = false;
   std::vector<std::string> against;
   std::string explain;
@@ -171,7 +172,10 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   app.add_option("--user-folder", words.userFolder);
   app.add_option("--work-folder", words.workFolder);
   app.add_option("--log", words.log);
-  if (ChoosesObjects(command) || IsWholeCopy(command)) AddRepeated(app, "--report", words.reports);
+  if (ChoosesObjects(command) || IsWholeCopy(command)) {
+    AddRepeated(app, "--report", words.reports);
+    app.add_option("--progress", words.progress);
+  }
   app.add_flag("-h,--help", words.help);
 }
 
@@ -270,6 +274,9 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
   if (command == Command::kDiff && app.count("--tolerance") != 0 && !LengthFrom(words.tolerance)) {
     return "--tolerance takes a number of millimetres above 0, not " + Quoted(words.tolerance);
   }
+  if (words.progress != "bars" && words.progress != "json") {
+    return "--progress takes 'bars' or 'json', not " + Quoted(words.progress);
+  }
   for (const std::string& report : words.reports) {
     if (ReportFormOf(FromUtf8(report)) == ReportForm::kNone) {
       return "--report takes a name that ends in .html or .json, not " + Quoted(report);
@@ -309,6 +316,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   line.choices.ignoreUnits = words.ignoreUnits;
   line.choices.deleteOpenings = words.deleteOpenings;
   line.isDryRun = words.dryRun;
+  line.progressIsJson = words.progress == "json";
   for (const std::string& report : words.reports) line.reports.push_back(FromUtf8(report));
   for (const std::string& file : words.against) line.against.push_back(FromUtf8(file));
   if (!words.explain.empty()) line.explain = words.explain;

@@ -25,6 +25,7 @@ struct CommandLine {
   RunChoices choices;     // merge and extract; resave and optimise choose no objects and no places
   bool isDryRun = false;  // merge
   std::vector<WideString> reports;  // of all that have an output
+  bool progressIsJson = false;      // likewise
   bool quiet = false;
   bool json = false;                       // info, tree, diff and check
   double toleranceMm = 0.001;              // diff

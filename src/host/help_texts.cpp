@@ -252,6 +252,9 @@ constexpr char16_t kModelOptions[] =
                           hold, to FILE: .html is a page for a browser, .json
                           the same for programs. Also when the run fails. May
                           be given twice; docs/report.md tells what is in it
+  --progress bars|json    json: in the place of bars, progress as lines of JSON
+                          on standard error; docs/report.md tells what is in
+                          them
   --log FILE              where the log goes if there is one, in the place of
                           NAME_IFC_LOG.txt beside the output NAME.ifc
   --user-folder DIR       where config.txt and LastPath.txt lie, in the place

@@ -11,8 +11,9 @@
 #include "host/run_checks.h"
 #include "merge/object_selection.h"
 #include "merge/report/report_file.h"
+#include "platform/file.h"
 #include "plugin/bound_scene.h"
-#include "plugin/run_reports.h"
+#include "plugin/run_report_file.h"
 #include "plugin/texts.h"
 #include "step/log/ifc_log.h"
 
@@ -29,23 +30,16 @@ class LogPlaced {
   LogPlaced& operator=(const LogPlaced&) = delete;
 };
 
-// What is reported goes into the report as well. What is only logged is no failure.
-class ReportsHeard {
- public:
-  explicit ReportsHeard(ReportGatherer* gatherer) {
-    if (gatherer == nullptr) return;
-    plugin::SetReportEar([gatherer](const WideString& text, int mode) {
-      if (mode == kReportLog) {
-        gatherer->AddMessage(text);
-      } else {
-        gatherer->AddFailure(text);
-      }
-    });
+std::int64_t BytesOf(const std::vector<WideString>& paths) {
+  std::int64_t bytes = 0;
+  for (const WideString& path : paths) {
+    platform::File file;
+    if (file.Open(path.substr(0, path.find(u'|')), platform::OpenMode::kRead)) {
+      bytes += file.Size();
+    }
   }
-  ~ReportsHeard() { plugin::SetReportEar({}); }
-  ReportsHeard(const ReportsHeard&) = delete;
-  ReportsHeard& operator=(const ReportsHeard&) = delete;
-};
+  return bytes;
+}
 
 }  // namespace
 
@@ -63,6 +57,7 @@ ExitStatus ModelRun::Run() {
     const bool listsAreGood = LoadScene();
     if (!listsAreGood && !console_.WasCancelled()) return ExitStatus::kWrongUsage;
     if (!console_.ShallEnd() && ScenesAreReadable()) {
+      console_.StartClock(BytesOf(order_.inputs));
       result_ = Write();
       WriteReports();
     }
@@ -183,7 +178,7 @@ RunResult ModelRun::Write() {
   options.isDryRun = order_.isDryRun;
   plugin.OverrideOptions(options);
   viewer.TellModelsAreLoaded();
-  const ReportsHeard whileItRuns(gatherer_ ? &*gatherer_ : nullptr);
+  const plugin::ReportsHeard whileItRuns(gatherer_ ? &*gatherer_ : nullptr);
   if (order_.inputs.size() > 1) return Merge(viewer, plugin);
   if (order_.extracts) return Extract(viewer, plugin.RunOptions());
   return Resave({order_.inputs.front(), order_.output, plugin.RunOptions(), {}, Observer()});

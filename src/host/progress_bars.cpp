@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/display_text.h"
+#include "merge/report/json_text.h"
 
 namespace corvel::host {
 
@@ -38,6 +39,27 @@ WideString RenderBar(WideView text, int percent, int columns) {
   const WideString bar = hasBar ? BarText(percent, barWidth) : WideString();
   const int textColumns = std::max(columns - kPercentColumns - static_cast<int>(bar.size()), 0);
   return FitToColumns(shown, static_cast<std::size_t>(textColumns)) + bar + PercentText(percent);
+}
+
+WideString ProgressAsJson(const ProgressView& view, double seconds,
+                          std::optional<double> secondsLeft) {
+  constexpr int kDigits = 3;
+  JsonText json;
+  json.BeginObject();
+  json.Member("event", "progress");
+  json.Member("overall", view.overall);
+  json.Member("step", view.step);
+  json.Member("overallText", view.overallText);
+  json.Member("stepText", view.stepText);
+  json.Key("seconds").Rounded(seconds, kDigits);
+  json.Key("secondsLeft");
+  if (secondsLeft) {
+    json.Rounded(*secondsLeft, kDigits);
+  } else {
+    json.Null();
+  }
+  json.EndObject();
+  return FromUtf8(json.Take());
 }
 
 ProgressBars::ProgressBars(std::function<void(WideView)> write, std::function<int()> columns)

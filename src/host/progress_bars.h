@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string_view>
 
 #include "core/text.h"
@@ -16,6 +17,11 @@ struct ProgressView {
   WideString stepText;
   bool operator==(const ProgressView&) const = default;
 };
+
+// The view as a line for programs, with how long the run has taken and may still take: nothing of
+// the latter before it can be told. Without a line end.
+WideString ProgressAsJson(const ProgressView& view, double seconds,
+                          std::optional<double> secondsLeft);
 
 // `text [#####.....]  50%` in exactly `columns` columns; without the bar where there is no room.
 WideString RenderBar(WideView text, int percent, int columns);

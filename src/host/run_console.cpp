@@ -1,6 +1,7 @@
 #include "host/run_console.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "core/cancellation.h"
@@ -19,9 +20,10 @@ WideView WithoutBlankEnd(WideView text) {
 
 }  // namespace
 
-RunConsole::Output RunConsole::StandardError(bool mayDraw) {
+RunConsole::Output RunConsole::StandardError(bool mayDraw, bool tellsPrograms) {
   return {[](WideView text) { platform::WriteStandardError(text); },
-          [] { return platform::TerminalColumns(); }, mayDraw && platform::CanDrawOnTerminal()};
+          [] { return platform::TerminalColumns(); },
+          mayDraw && !tellsPrograms && platform::CanDrawOnTerminal(), tellsPrograms};
 }
 
 RunConsole::RunConsole(Output output)
@@ -41,10 +43,23 @@ void RunConsole::Say(WideView text) {
 
 bool RunConsole::Draw(const ProgressView& view) {
   constexpr int kMost = 99;
+  const int overall = std::min(view.overall, kMost);
   if (output_.drawsBars) {
-    bars_.Draw({std::min(view.overall, kMost), view.step, view.overallText, view.stepText});
+    bars_.Draw({overall, view.step, view.overallText + pace_.Text(overall), view.stepText});
+  }
+  const ProgressView shown = {overall, view.step, view.overallText, view.stepText};
+  if (output_.tellsPrograms && shown != told_) {
+    told_ = shown;
+    output_.write(ProgressAsJson(shown, pace_.Seconds(), pace_.SecondsLeft(overall)) + u"\n");
   }
   return !cancelConfirmed_ && !platform::IsInterrupted();
+}
+
+void RunConsole::StartClock(std::int64_t bytes) { pace_ = RunPace(bytes); }
+
+void RunConsole::TellEnd(int status) {
+  if (!output_.tellsPrograms) return;
+  output_.write(u"{\"event\":\"end\",\"status\":" + Widen(std::to_string(status)) + u"}\n");
 }
 
 bool RunConsole::ShallEnd() {

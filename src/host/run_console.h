@@ -6,6 +6,7 @@
 
 #include "core/text.h"
 #include "host/progress_bars.h"
+#include "host/run_pace.h"
 #include "host/watched_platform.h"
 
 namespace corvel::host {
@@ -17,9 +18,10 @@ class RunConsole {
     std::function<void(WideView)> write;  // standard error
     std::function<int()> columns;
     bool drawsBars = false;
+    bool tellsPrograms = false;  // a line of JSON for each view, in the place of bars
   };
   // Standard error; bars if `mayDraw` and it is a terminal that can move its cursor.
-  static Output StandardError(bool mayDraw);
+  static Output StandardError(bool mayDraw, bool tellsPrograms = false);
 
   explicit RunConsole(Output output);
   RunConsole(const RunConsole&) = delete;
@@ -31,6 +33,10 @@ class RunConsole {
   // then they go. False when the user has asked to stop, by Ctrl-C, or the system has.
   bool Draw(const ProgressView& view);
   void EraseBars() { bars_.Erase(); }
+  // So many bytes are going to be read; the bars tell how fast that goes. From here on time counts.
+  void StartClock(std::int64_t bytes);
+  // For programs: the run is over, with that exit status.
+  void TellEnd(int status);
   // For steps without ticks: true when the run is to end here. Asks whoever pressed Ctrl-C.
   bool ShallEnd();
 
@@ -48,6 +54,8 @@ class RunConsole {
   void AfterBox(platform::Buttons buttons, platform::Answer answer, bool byAPerson);
 
   Output output_;
+  RunPace pace_;
+  ProgressView told_;
   ProgressBars bars_;
   bool cancelConfirmed_ = false;
   bool stoppedUnasked_ = false;

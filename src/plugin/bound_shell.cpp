@@ -23,7 +23,11 @@ bool BoundShell::AskForOutput(const OutputSuggestion& suggestion) {
   return CallHost(Host().save_dialog, kZero) != 0;
 }
 
-WideString BoundShell::OutputPath() { return TextOrEmpty(CallHost(Host().get_save_dialog_name)); }
+WideString BoundShell::OutputPath() {
+  WideString path = TextOrEmpty(CallHost(Host().get_save_dialog_name));
+  if (RunReportFile* const report = plugin_.ReportOfRun()) report->SetOutput(path);
+  return path;
+}
 
 void BoundShell::EnableOpenRecent() { plugin_.Buttons().EnableOpenRecent(); }
 
@@ -46,7 +50,10 @@ ErrorReporter BoundShell::Reporter() { return ShowError; }
 
 ProgressCallback BoundShell::Ticks() { return ProgressWindow::UpdateProgress; }
 
-RunObserver* BoundShell::Observer() { return plugin_.Listener().observer; }
+RunObserver* BoundShell::Observer() {
+  if (RunReportFile* const report = plugin_.ReportOfRun()) return &report->Observer();
+  return plugin_.Listener().observer;
+}
 
 void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
   if (const auto& listener = plugin_.Listener().modelsCompared) listener(models);
@@ -54,7 +61,10 @@ void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
 
 void BoundShell::StartRun() { plugin::StartRun(); }
 
-void BoundShell::FinishRun() { plugin::FinishRun(); }
+void BoundShell::FinishRun() {
+  RunReportFile* const report = plugin_.ReportOfRun();
+  plugin::FinishRun(report == nullptr ? WideString() : report->Write());
+}
 
 void BoundShell::OpenProgress(const WideString& title) {
   ProgressWindow::Instance().InitProgress(title);

@@ -19,6 +19,7 @@ using Mistake = std::optional<std::string>;
 using Value = std::optional<std::string_view>;
 
 constexpr std::string_view kTolerant = "tolerant";
+constexpr std::string_view kReport = "report";
 constexpr const char* kTakesNoValue = "takes no value";
 
 std::string_view Trimmed(std::string_view text) {
@@ -31,6 +32,12 @@ std::string_view Trimmed(std::string_view text) {
 Mistake TakeTolerant(const Value& value, FederationOptions& options) {
   if (value) return kTakesNoValue;
   options.tolerant = true;
+  return {};
+}
+
+Mistake TakeReport(const Value& value, FederationOptions& options) {
+  if (value != "html") return "takes 'html'";
+  options.reports = true;
   return {};
 }
 
@@ -49,9 +56,11 @@ Mistake TakeLine(std::string_view line, FederationOptions& options) {
   if (equal != std::string_view::npos) value = Trimmed(line.substr(equal + 1));
   const std::string quoted = "'" + std::string(name) + "'";
   const FederationOption* const option = FindFederationOption(name);
-  if (option == nullptr && name != kTolerant) return "there is no option " + quoted;
-  const Mistake mistake =
-      option == nullptr ? TakeTolerant(value, options) : TakeStep(*option, value, options.steps);
+  const bool isOurs = name == kTolerant || name == kReport;
+  if (option == nullptr && !isOurs) return "there is no option " + quoted;
+  const Mistake mistake = option != nullptr   ? TakeStep(*option, value, options.steps)
+                          : name == kTolerant ? TakeTolerant(value, options)
+                                              : TakeReport(value, options);
   if (!mistake) return {};
   return quoted + " " + *mistake;
 }

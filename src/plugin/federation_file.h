@@ -12,6 +12,7 @@ namespace corvel::plugin {
 struct FederationOptions {
   bool tolerant = false;  // whatever a model holds that its release does not take is carried
   FederationChoices steps{};
+  bool reports = false;  // a page that tells of the run is written beside its log
 };
 
 // Reads the file at `path` into `options`, which are as they are made when there is none. It has

@@ -241,6 +241,7 @@ void Plugin::OnButtonClick(std::int32_t button) {
   } catch (...) {
     EndFailedRun(u"Unknown error.");
   }
+  report_.reset();
   if (std::exchange(modelsChanged_, false)) OnModelLoad();
 }
 
@@ -286,6 +287,7 @@ void Plugin::Merge(std::int32_t button) {
   // Whoever has selected nothing has asked for nothing.
   if (mode == SavingMode::kMergeSelected && files.empty()) return;
   if (!LoadFederation()) return;
+  if (!overridden_ && federation_.reports) report_.emplace();
   lastRun_ = job.Run(files, projects_, mode);
 }
 

@@ -14,6 +14,7 @@
 #include "plugin/plugin_base.h"
 #include "plugin/ribbon.h"
 #include "plugin/run_listener.h"
+#include "plugin/run_report_file.h"
 
 namespace corvel::plugin {
 
@@ -49,6 +50,8 @@ class Plugin final : public cpp::PluginBase {
   const Ribbon& Buttons() const { return ribbon_; }
   // Writes config.txt, if there is something to write. Trouble is told in a box.
   void SaveConfig();
+  // Of the run at hand; null when nobody wants one.
+  RunReportFile* ReportOfRun() { return report_ ? &*report_ : nullptr; }
   // How the last run ended; as it is made when there was none.
   const RunResult& LastRun() const { return lastRun_; }
 
@@ -66,6 +69,7 @@ class Plugin final : public cpp::PluginBase {
   Ribbon ribbon_;
   std::unique_ptr<OptionsWindow> options_;
   std::optional<MergeOptions> overridden_;
+  std::optional<RunReportFile> report_;
   FederationOptions federation_;      // of the run at hand, or the last one
   std::vector<HostObject> projects_;  // in the viewer's order
   std::unordered_map<HostObject, WideString> projectPaths_;

@@ -75,7 +75,7 @@ void StartRun() {
   Cancellation::OfProcess().mode = CancelMode::kAsk;
 }
 
-void FinishRun() {
+void FinishRun(const WideString& report) {
   ProgressWindow::Instance().Finish();
   IfcLog& log = IfcLog::Instance();
   log.SetMuted(false);
@@ -83,7 +83,10 @@ void FinishRun() {
     log.Discard();
   } else {
     log.Close();
-    if (OfferLog()) platform::Get().ShellOpen(log.Path(), {});
+    if (OfferLog()) {
+      platform::Get().ShellOpen(log.Path(), {});
+      if (!report.empty()) platform::Get().ShellOpen(report, {});
+    }
   }
   Cancellation::OfProcess().mode = CancelMode::kAsk;
 }

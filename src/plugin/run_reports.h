@@ -21,8 +21,9 @@ ReportEar SetReportEar(ReportEar ear);
 void StartRun();
 
 // Closes the progress dialog and the log. If anything was reported, the user is asked whether to
-// see the log, and it stays either way; otherwise it is deleted. Waits for the answer.
-void FinishRun();
+// see the log, and it stays either way; otherwise it is deleted. Waits for the answer. Who wants to
+// see the log sees `report` too, a file that there is, unless it is empty.
+void FinishRun(const WideString& report = {});
 
 // True when something was reported since the last StartRun or FinishRun.
 bool SomethingWasReported();

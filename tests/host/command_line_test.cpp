@@ -146,6 +146,14 @@ TEST(CommandLine, ReportsHaveOneOfTwoEndings) {
       ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--report", u"r.txt"}));
 }
 
+TEST(CommandLine, ProgressIsInBarsOrForPrograms) {
+  EXPECT_FALSE(Parsed({u"resave", u"a.ifc", u"b.ifc"}).progressIsJson);
+  EXPECT_TRUE(Parsed({u"resave", u"a.ifc", u"b.ifc", u"--progress", u"json"}).progressIsJson);
+  EXPECT_FALSE(Parsed({u"resave", u"a.ifc", u"b.ifc", u"--progress=bars"}).progressIsJson);
+  EXPECT_EQ("resave: --progress takes 'bars' or 'json', not 'xml'\nSee 'corvel resave --help'.",
+            ErrorOf({u"resave", u"a.ifc", u"b.ifc", u"--progress", u"xml"}));
+}
+
 TEST(CommandLine, MergeTakesItsChoices) {
   const CommandLine line = Parsed({u"merge",
                                    u"--hide",

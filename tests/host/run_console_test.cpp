@@ -51,6 +51,40 @@ TEST_F(RunConsoleTest, BarsGiveWayToALineAndComeBack) {
   EXPECT_EQ(bars, Take());
 }
 
+TEST_F(RunConsoleTest, BarsTellSpeedAndTimeLeftOfALongRun) {
+  console.StartClock(100'000'000);
+  platform.nanoseconds += 10'000'000'000;
+  Draw();
+  EXPECT_NE(WideString::npos, Take().find(u"All (1.0 MB/s, 1:30 left)"));
+}
+
+TEST(ProgressForPrograms, EachViewIsALineAndTheSameIsToldOnce) {
+  test::TestPlatform platform;
+  WideString written;
+  RunConsole console{{[&written](WideView text) { written += text; }, {}, false, true}};
+  console.StartClock(1000);
+  platform.nanoseconds = 2'500'000'000;
+  console.Draw({50, 20, u"All", u"Reading \"a\"\x1b"});
+  console.Draw({50, 20, u"All", u"Reading \"a\"\x1b"});
+  console.Draw({100, 100, u"All", u"Step"});
+  console.TellEnd(4);
+  EXPECT_EQ(
+      "{\"event\":\"progress\",\"overall\":50,\"step\":20,\"overallText\":\"All\","
+      "\"stepText\":\"Reading \\\"a\\\"\\u001b\",\"seconds\":2.5,\"secondsLeft\":2.5}\n"
+      "{\"event\":\"progress\",\"overall\":99,\"step\":100,\"overallText\":\"All\","
+      "\"stepText\":\"Step\",\"seconds\":2.5,\"secondsLeft\":0.025}\n"
+      "{\"event\":\"end\",\"status\":4}\n",
+      ToUtf8(written));
+}
+
+TEST(ProgressForPrograms, NobodyElseIsToldTheEnd) {
+  WideString written;
+  RunConsole console{{[&written](WideView text) { written += text; }, {}, false, false}};
+  console.Draw({50, 20, u"All", u"Step"});
+  console.TellEnd(0);
+  EXPECT_EQ(u"", written);
+}
+
 TEST_F(RunConsoleTest, BarsGiveWayToAMessageBox) {
   Draw();
   Take();

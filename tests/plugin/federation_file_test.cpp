@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/file.h"
 #include "plugin/plugin.h"
 #include "recorded_host.h"
 #include "support/model.h"
@@ -44,6 +45,15 @@ TEST_F(FederationFile, OptionsStandOneALineWithCommentsAndBlanks) {
   }
   EXPECT_EQ("", Mistake("# tolerant\n"));
   EXPECT_FALSE(options_.tolerant);
+}
+
+TEST_F(FederationFile, AReportIsAPage) {
+  EXPECT_EQ("", Mistake("report = html"));
+  EXPECT_TRUE(options_.reports);
+  EXPECT_EQ(", line 1: 'report' takes 'html'.", Mistake("report"));
+  EXPECT_EQ(", line 1: 'report' takes 'html'.", Mistake("report = text"));
+  EXPECT_EQ("", Mistake("tolerant"));
+  EXPECT_FALSE(options_.reports);
 }
 
 TEST_F(FederationFile, TheFirstMistakeIsToldWithItsLine) {
@@ -143,6 +153,42 @@ TEST_F(FederatedRun, StepsOfTheFileAreTaken) {
   const std::size_t first = out.find("=IFCRELAGGREGATES('r',");
   EXPECT_NE(std::string::npos, first) << out;
   EXPECT_EQ(std::string::npos, out.find("=IFCRELAGGREGATES('r',", first + 1));
+}
+
+TEST_F(FederatedRun, AReportLiesBesideTheLogInTheLanguageOfTheViewer) {
+  host_.user.Write("federation.txt", "tolerant\nreport = html\nguids = renew\n");
+  Run();
+  EXPECT_TRUE(Plugin::Instance()->LastRun().written);
+  const std::string page = folder_.Read("a_IFC_REPORT.html");
+  EXPECT_NE(std::string::npos, page.find("<html lang=\"pl\">")) << page.substr(0, 100);
+  EXPECT_NE(std::string::npos, page.find("\"file\":\"" + ToUtf8(host_.output) + "\""));
+  EXPECT_NE(std::string::npos, page.find("{\"step\":\"guids\",\"counts\":{\"renewed\":1}"));
+}
+
+TEST_F(FederatedRun, WhoeverWantsToSeeTheLogSeesTheReport) {
+  host_.user.Write("federation.txt", "tolerant\nreport = html\n");
+  Run();  // what does not fit is told, so that there is a log
+  const std::vector<test::TestPlatform::Opened> both = {{folder_.Path("a_IFC_LOG.txt"), u""},
+                                                        {folder_.Path("a_IFC_REPORT.html"), u""}};
+  EXPECT_EQ(both, platform_.opened);
+}
+
+TEST_F(FederatedRun, WithoutTheOptionThereIsNoReportAndTheViewerIsAskedNothingMore) {
+  host_.user.Write("federation.txt", "tolerant\n");
+  Run();
+  EXPECT_FALSE(folder_.Has("a_IFC_REPORT.html"));
+  EXPECT_TRUE(host_.CallsOf("get_language").empty());
+}
+
+TEST_F(FederatedRun, AReportThatCannotBeWrittenIsReported) {
+  host_.user.Write("federation.txt", "tolerant\nreport = html\n");
+  ASSERT_TRUE(::platform::MakeFolder(folder_.Path("a_IFC_REPORT.html")));
+  Run();
+  EXPECT_TRUE(Plugin::Instance()->LastRun().written);
+  const std::vector<std::string> boxes = host_.CallsOf("message_box");
+  ASSERT_FALSE(boxes.empty());
+  EXPECT_NE(std::string::npos, boxes.back().find("The report could not be written. File path: " +
+                                                 ToUtf8(folder_.Path("a_IFC_REPORT.html"))));
 }
 
 TEST_F(FederatedRun, AProposalAsksForNoOutputAndWritesItsListAlone) {

@@ -1,0 +1,43 @@
+#include "plugin/run_report_file.h"
+
+#include "core/reporting.h"
+#include "merge/report/report_file.h"
+#include "plugin/host_functions.h"
+#include "plugin/run_reports.h"
+#include "step/log/ifc_log.h"
+
+namespace corvel::plugin {
+
+namespace {
+
+constexpr WideView kEndOfLog = u"LOG.txt";
+
+WideString PathBeside(WideString log) {
+  if (log.ends_with(kEndOfLog)) log.resize(log.size() - kEndOfLog.size());
+  return log + u"REPORT.html";
+}
+
+}  // namespace
+
+ReportsHeard::ReportsHeard(ReportGatherer* gatherer) {
+  if (gatherer == nullptr) return;
+  SetReportEar([gatherer](const WideString& text, int mode) {
+    if (mode == kReportLog) {
+      gatherer->AddMessage(text);
+    } else {
+      gatherer->AddFailure(text);
+    }
+  });
+}
+
+ReportsHeard::~ReportsHeard() { SetReportEar({}); }
+
+WideString RunReportFile::Write() {
+  WideString path = PathBeside(IfcLog::Instance().Path());
+  const std::string language = Narrow(TextOrEmpty(CallHost(Host().get_language)));
+  if (WriteReport(gatherer_.Report(), path, language)) return path;
+  ShowError("", u"The report could not be written. File path: " + path, kReportShow);
+  return {};
+}
+
+}  // namespace corvel::plugin
