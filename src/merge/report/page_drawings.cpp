@@ -221,7 +221,8 @@ class Drawing {
     html_.Number(high[0] - low[0] + 2 * kOutside, 1).Raw("' height='");
     html_.Number(high[1] - low[1] + 2 * kOutside, 1).Raw("'></rect>");
     // Beside each other where the frames are one.
-    const double x = low[0] - kOutside + 2 + 14 * static_cast<double>(input % 8);
+    const double step = std::min(14 * static_cast<double>(input % 8), high[0] - low[0]);
+    const double x = low[0] - kOutside + 2 + step;
     html_.Raw("<text class='label' style='fill:var(--own);font-weight:700' x='");
     html_.Number(std::min(x, kWidth - 14), 1).Raw("' y='");
     html_.Number(std::max(low[1] - kOutside - 3, 11.0), 1).Raw("'>");
@@ -331,7 +332,7 @@ void AddCounts(const ModelPlaces& places, std::size_t drawn, HtmlText& html) {
 }  // namespace
 
 void AddDrawings(const RunReport& report, HtmlText& html) {
-  html.Raw("<section>\n").Word("h2", "where").Raw("\n");
+  html.Raw("<section id='where'>\n").Word("h2", "where").Raw("\n");
   if (!report.places || report.places->products.empty()) {
     html.Word("p", "noPlaces", " class='soft'").Raw("\n</section>\n");
     return;

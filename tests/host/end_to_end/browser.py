@@ -1,0 +1,42 @@
+"""A browser without a window, where this machine has one."""
+
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+
+PROGRAM = next(filter(None, map(shutil.which, ('chromium', 'chromium-browser', 'google-chrome'))), None)
+# Seconds. The first start of a browser on a busy machine takes longest.
+LONGEST = 120
+
+
+def _run(url, *options, language='en'):
+    """What goes to standard output, and the messages of the page's console."""
+    with tempfile.TemporaryDirectory(prefix='corvel_browser_') as profile:
+        ended = subprocess.run(
+            [PROGRAM, '--headless', '--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-extensions',
+             '--disable-background-networking', '--disable-component-update', '--disable-sync',
+             '--hide-scrollbars', '--enable-logging=stderr', '--v=0', f'--lang={language}',
+             f'--accept-lang={language}', f'--user-data-dir={profile}', *options, url],
+            capture_output=True, timeout=LONGEST, check=True,
+            env={**os.environ, 'LANGUAGE': language, 'LANG': f'{language}.UTF-8'})
+    errors = ended.stderr.decode('utf-8', 'replace')
+    return ended.stdout.decode('utf-8', 'replace'), re.findall(r'CONSOLE.*?\] (".*)', errors)
+
+
+def url_of(path):
+    return 'file://' + os.fsdecode(os.path.abspath(path))
+
+
+def dom(path, language='en', width=1280):
+    """The page as it is behind its script, and what its console says."""
+    return _run(url_of(path), '--dump-dom', f'--window-size={width},1000', language=language)
+
+
+def screenshot(path, picture, width, height, dark=False):
+    """Puts a picture of the page at `picture`; gives what its console says."""
+    options = ['--force-dark-mode', '--blink-settings=preferredColorScheme=0'] if dark else []
+    _, console = _run(url_of(path), f'--screenshot={os.fsdecode(picture)}',
+                      f'--window-size={width},{height}', *options)
+    return console

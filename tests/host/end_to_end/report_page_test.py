@@ -1,0 +1,99 @@
+"""The page of a report in a browser: what its script does, and what a person sees. Skips without a browser."""
+
+import html
+import json
+import re
+import struct
+import unittest
+import zlib
+
+import browser
+from support import DONE, NOTHING_WRITTEN, CorvelTest, project, wall
+
+# Whoever runs one of these as a script changes the title of the page.
+HOSTILE = ("</script><script>document.title=''stolen''</script>", "<img src=x onerror=document.title=''stolen''>",
+           "{{json}}", "\\X2\\2028\\X0\\", "\\X2\\202E\\X0\\turned", '"><svg onload=alert(1)>')
+MEASURE = ("<script>addEventListener('load', function () { document.body.setAttribute('data-measured',"
+           "document.documentElement.scrollWidth + ' ' + window.innerWidth); });</script></body>")
+
+
+def pixels(png):
+    """Width, height and the set of the bytes' rows of a PNG: a blank page has few that differ."""
+    width, height = struct.unpack('>II', png[16:24])
+    at, packed = 8, b''
+    while at < len(png):
+        length, kind = struct.unpack('>I4s', png[at:at + 8])
+        if kind == b'IDAT':
+            packed += png[at + 8:at + 8 + length]
+        at += 12 + length
+    data = zlib.decompress(packed)
+    row = len(data) // height
+    return width, height, {data[start:start + row] for start in range(0, len(data), row)}
+
+
+@unittest.skipIf(browser.PROGRAM is None, 'there is no browser on this machine')
+class Page(CorvelTest):
+
+    def setUp(self):
+        super().setUp()
+        walls = []
+        for at, name in enumerate(HOSTILE):
+            walls += [line.replace("'W'", f"'{name}'") for line in wall(10 * (at + 1), f'guid{at}', 3 * at)]
+        self.write('a.ifc', project(*walls))
+        self.write('b.ifc', project(*wall(2, 'other', 1)))
+        ended = self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--report', 'r.html', '--report',
+                                'r.json')
+        self.assert_ended(ended, DONE)
+
+    def test_no_name_of_a_model_is_run_and_no_script_fails(self):
+        shown, console = browser.dom(self.path('r.html'))
+        self.assertEqual([], console)
+        self.assertIn('<title>out.ifc \u00b7 corvel merge</title>', shown)
+        self.assertIn('&lt;/script&gt;&lt;script&gt;', shown)
+
+    def test_the_json_in_the_page_is_that_of_the_report(self):
+        shown, _ = browser.dom(self.path('r.html'))
+        found = re.search(r'<script type="application/json" id="report">\n(.*?)</script>', shown, re.DOTALL)
+        self.assertEqual(json.loads(self.read('r.json')), json.loads(found[1]))
+
+    def test_the_page_speaks_the_language_that_the_browser_asks_for(self):
+        for language, word in (('de', 'Eingaben'), ('pl', 'Pliki wej\u015bciowe'), ('it', 'Inputs')):
+            shown, console = browser.dom(self.path('r.html'), language)
+            with self.subTest(language):
+                self.assertEqual([], console)
+                self.assertIn(f'<h2 data-t="inputs">{word}</h2>', shown)
+        self.assertIn('<option value="fr" lang="fr">Fran\u00e7ais</option>', shown)
+
+    def test_it_fits_on_a_desk_and_on_a_telephone(self):
+        page = self.read('r.html').decode('utf-8').replace('</body>', MEASURE)
+        self.write('measured.html', page.encode('utf-8'))
+        for width in (1280, 400):
+            with self.subTest(width):
+                picture = self.path(f'{width}.png')
+                self.assertEqual([], browser.screenshot(self.path('r.html'), picture, width, 1600))
+                shown_width, height, rows = pixels(self.read(f'{width}.png'))
+                self.assertEqual((width, 1600), (shown_width, height))
+                self.assertLess(300, len(rows))
+                shown, _ = browser.dom(self.path('measured.html'), width=width)
+                needed, there = map(int, re.search(r'data-measured="(\d+) (\d+)"', shown).groups())
+                self.assertLessEqual(needed, there)
+
+    def test_all_but_the_choice_of_a_language_is_there_without_the_script(self):
+        page = re.sub(r'<script.*?</script>', '', self.read('r.html').decode('utf-8'), flags=re.DOTALL)
+        text = html.unescape(re.sub(r'<[^>]*>', ' ', page))
+        for word in ('Written', 'a.ifc', 'IfcWall', 'Plan', 'Elevation', 'Tree of the result', 'Reading'):
+            self.assertIn(word, text)
+        self.assertRegex(page, r"<label id=\"languages\" hidden>")
+        self.assertEqual(2 * (len(HOSTILE) + 1), page.count("class='p'"))
+
+    def test_a_run_that_failed_has_its_failure_first(self):
+        self.write('b.ifc', project('#2=IFCNOSUCHCLASS();'))
+        self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--report', 'r.html'),
+                          NOTHING_WRITTEN)
+        shown, console = browser.dom(self.path('r.html'))
+        self.assertEqual([], console)
+        self.assertLess(shown.index('id="failures"'), shown.index('data-t="notWritten"'))
+
+
+if __name__ == '__main__':
+    unittest.main()
