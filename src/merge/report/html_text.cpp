@@ -42,6 +42,11 @@ void AppendEscaped(char16_t unit, std::string& html) {
 
 HtmlText& HtmlText::Text(WideView text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isPlain = (text[i] >= u'?' && text[i] < 0x7F) || (text[i] >= u'(' && text[i] < u'<');
+    if (isPlain) {
+      html_ += static_cast<char>(text[i]);
+      continue;
+    }
     if (IsHighHalf(text[i]) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
       AppendUtf8(text.substr(i++, 2), html_);
     } else {
@@ -59,6 +64,12 @@ HtmlText& HtmlText::Word(std::string_view element, std::string_view key,
   return Text(texts_.Of(key)).Raw("</").Raw(element).Raw(">");
 }
 
+void HtmlText::AppendDigits(long number) {
+  std::array<char, 24> digits;
+  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  html_.append(digits.data(), written.ptr);
+}
+
 HtmlText& HtmlText::Count(std::size_t count) {
   constexpr std::size_t kGroup = 3;
   const std::string digits = std::to_string(count);
@@ -69,8 +80,18 @@ HtmlText& HtmlText::Count(std::size_t count) {
   return *this;
 }
 
+// Most are coordinates of drawings: small, and with one digit behind the point.
 HtmlText& HtmlText::Number(double value, int digits) {
+  constexpr double kSmall = 1e6;
   if (!std::isfinite(value)) return Raw("0");
+  if (digits == 1 && std::abs(value) < kSmall) {
+    const long tenths = std::lround(value * 10);
+    if (tenths < 0) html_ += '-';
+    AppendDigits(std::abs(tenths) / 10);
+    html_ += '.';
+    html_ += static_cast<char>('0' + std::abs(tenths) % 10);
+    return *this;
+  }
   std::array<char, 400> text{};
   const auto written = std::to_chars(text.data(), text.data() + text.size(), value + 0.0,
                                      std::chars_format::fixed, digits);

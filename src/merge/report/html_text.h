@@ -37,6 +37,8 @@ class HtmlText {
   std::string Take() { return std::move(html_); }
 
  private:
+  void AppendDigits(long number);
+
   const PageTexts& texts_;
   std::string html_;
 };

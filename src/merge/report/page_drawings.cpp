@@ -47,6 +47,7 @@ struct Area {
 struct Outline {
   std::size_t product = 0;
   std::vector<Point> corners;
+  double size = 0;  // of the area that it takes up
 };
 
 enum class View { kPlan, kElevation };
@@ -104,9 +105,13 @@ class Drawing {
   Drawing(const RunReport& report, View view, const std::vector<std::size_t>& drawn, HtmlText& html)
       : report_(report), places_(*report.places), view_(view), html_(html) {
     for (const std::size_t product : drawn) {
-      Outline outline{product, OutlineOf(places_.products[product], view)};
+      Outline outline{product, OutlineOf(places_.products[product], view), 0};
       const std::uint32_t input = places_.products[product].input;
-      for (const Point& corner : outline.corners) {
+      Area area;
+      for (const Point& corner : outline.corners) area.Add(corner);
+      if (area.isEmpty) continue;
+      outline.size = area.Size(0) * area.Size(1);
+      for (const Point& corner : {area.low, area.high}) {
         all_.Add(corner);
         reach_[input].Add(corner);
       }
@@ -165,13 +170,8 @@ class Drawing {
 
   // Large ones first, so that small ones are not below them.
   void DrawInput(std::uint32_t input, std::vector<Outline>& outlines) {
-    const auto sizeOf = [](const Outline& outline) {
-      Area area;
-      for (const Point& corner : outline.corners) area.Add(corner);
-      return area.Size(0) * area.Size(1);
-    };
     std::stable_sort(outlines.begin(), outlines.end(),
-                     [&](const Outline& a, const Outline& b) { return sizeOf(a) > sizeOf(b); });
+                     [](const Outline& a, const Outline& b) { return a.size > b.size; });
     html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='");
     html_.Number(input, 0).Raw("'>\n");
     for (const Outline& outline : outlines) DrawOutline(outline);

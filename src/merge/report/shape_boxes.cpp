@@ -4,10 +4,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "core/entity_cast.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/world_places.h"
-#include "schema/interfaces/geometry.h"
 
 namespace corvel {
 
@@ -22,22 +20,6 @@ Triple TripleOf(const List<double>* numbers) {
     std::copy_n(numbers->begin(), std::min(numbers->size(), triple.size()), triple.begin());
   }
   return triple;
-}
-
-// Every point that the object leads to, whichever way. Right for what has all its points in one
-// system of coordinates.
-void AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds) {
-  IFC::ChildQueue waiting;
-  root.CollectAllChildren(waiting);
-  while (!waiting.IsEmpty()) {
-    IFC::IfcEntity* const entity = waiting.TakeBack().entity;
-    if (entity == nullptr) continue;
-    if (EntityCast<IFC::VirtualIfcCartesianPoint>(entity) != nullptr) {
-      bounds.Add(TripleOf(RealsOf(*entity, "Coordinates")));
-    } else {
-      entity->CollectAllChildren(waiting);
-    }
-  }
 }
 
 // Of an IfcCartesianPointList2D or 3D.
@@ -76,8 +58,32 @@ Bounds ParametersOf(const IFC::IfcEntity& profile) {
   return width > 0.0 && depth > 0.0 ? Centred(width, depth) : Bounds{};
 }
 
+}  // namespace
+
+// Every point that the object leads to, whichever way. Right for what has all its points in one
+// system of coordinates. There are more of these than of anything else in a model: the attribute is
+// looked for once.
+void ShapeBoxes::AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds) {
+  root.CollectAllChildren(waiting_);
+  while (!waiting_.IsEmpty()) {
+    const IFC::IfcEntity* const entity = waiting_.TakeBack().entity;
+    if (entity == nullptr) continue;
+    const AttributeFacts* const coordinates =
+        coordinates_.Of(*entity, [](const ClassFacts* facts) -> const AttributeFacts* {
+          return facts == nullptr ? nullptr : facts->FindAttribute("Coordinates");
+        });
+    const auto* const numbers =
+        coordinates == nullptr ? nullptr : ConstAttribute(*entity, *coordinates).As<List<double>>();
+    if (numbers != nullptr) {
+      bounds.Add(TripleOf(numbers));
+    } else {
+      entity->CollectAllChildren(waiting_);
+    }
+  }
+}
+
 // In the plane of x and y.
-Bounds BoundsOfProfile(const IFC::IfcEntity& profile) {
+Bounds ShapeBoxes::BoundsOfProfile(const IFC::IfcEntity& profile) {
   Bounds bounds;
   if (const IFC::IfcEntity* const curve = ReferenceOf(profile, "OuterCurve")) {
     const IFC::IfcEntity* const points = ReferenceOf(*curve, "Points");
@@ -94,7 +100,7 @@ Bounds BoundsOfProfile(const IFC::IfcEntity& profile) {
   return bounds;
 }
 
-Bounds BoundsOfExtrusion(const IFC::IfcEntity& solid) {
+Bounds ShapeBoxes::BoundsOfExtrusion(const IFC::IfcEntity& solid) {
   Bounds bounds;
   const IFC::IfcEntity* const profile = ReferenceOf(solid, "SweptArea");
   const IFC::IfcEntity* const direction = ReferenceOf(solid, "ExtrudedDirection");
@@ -110,6 +116,8 @@ Bounds BoundsOfExtrusion(const IFC::IfcEntity& solid) {
   }
   return bounds;
 }
+
+namespace {
 
 Bounds BoundsOfBox(const IFC::IfcEntity& box) {
   Bounds bounds;

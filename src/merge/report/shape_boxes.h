@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "core/entity.h"
+#include "merge/federation/per_class.h"
 #include "merge/federation/tree/transform.h"
 #include "step/class_facts.h"
 
@@ -38,10 +39,15 @@ class ShapeBoxes {
   Kind KindOf(const IFC::IfcEntity& item);
   Bounds OfRepresentation(const IFC::IfcEntity& representation, int depth);
   Bounds OfItem(const IFC::IfcEntity& item, int depth);
+  void AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds);
+  Bounds BoundsOfProfile(const IFC::IfcEntity& profile);
+  Bounds BoundsOfExtrusion(const IFC::IfcEntity& solid);
   Bounds OfMapped(const IFC::IfcEntity& item, int depth);
   const Bounds& OfSource(const IFC::IfcEntity& source, int depth);
 
   std::unordered_map<const ClassFacts*, Kind> kinds_;
+  PerClass<const AttributeFacts*> coordinates_;
+  IFC::ChildQueue waiting_;
   std::unordered_map<const IFC::IfcEntity*, Bounds> sources_;
 };
 
