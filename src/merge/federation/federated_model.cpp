@@ -5,13 +5,29 @@
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
+#include "merge/federation/per_class.h"
 #include "schema/registry.h"
 #include "step/reader/parser.h"
 
 namespace corvel {
 
+namespace {
+
+enum class Family : std::uint8_t { kOther, kRoot, kResource };
+
+Family FamilyOf(IFC::IfcEntity& entity, const ClassFacts* facts) {
+  if (EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr) return Family::kRoot;
+  for (const char* const resource :
+       {"IfcRepresentationContext", "IfcCoordinateOperation", "IfcApplication"}) {
+    if (IsOrIsBelow(facts, resource)) return Family::kResource;
+  }
+  return Family::kOther;
+}
+
+}  // namespace
+
 FederatedModel::FederatedModel(std::vector<IfcDocument*> documents)
-    : documents_(std::move(documents)), roots_(documents_.size()) {}
+    : documents_(std::move(documents)), sorted_(documents_.size()) {}
 
 std::optional<SchemaNamespace> FederatedModel::Release() const {
   const FactoryTable* const classes = Merged().GetParser().factories;
@@ -67,6 +83,19 @@ void FederatedModel::Delete(IFC::IfcEntity& entity) {
   Container().NoteChangedMarkers();
 }
 
+IFC::IfcEntity* FederatedModel::MakeRoot(const char* className) {
+  IFC::IfcEntity* const made = Merged().CreateESet(className);
+  if (made != nullptr) madeRoots_.push_back(made);
+  return made;
+}
+
+bool FederatedModel::AddRoot(IFC::IfcEntity& made) {
+  Container().AddEntity(&made);
+  if (!Contains(made)) return false;
+  madeRoots_.push_back(&made);
+  return true;
+}
+
 // What the first reads under its own numbers is its own; all that came is in its store as well.
 const NumberTable& FederatedModel::ObjectsOf(std::size_t input) const {
   const IfcDocument& merged = Merged();
@@ -80,15 +109,19 @@ const NumberTable& FederatedModel::RecordsOf(std::size_t input) const {
                     : merged.absorbedContainers[input - 1]->originalEntities;
 }
 
-const std::vector<IFC::IfcEntity*>& FederatedModel::RootsOf(std::size_t input) const {
-  std::optional<std::vector<IFC::IfcEntity*>>& roots = roots_[input];
-  if (!roots) {
-    roots.emplace();
-    for (const auto& [number, entity] : ObjectsOf(input)) {
-      if (EntityCast<IFC::VirtualIfcRoot>(entity) != nullptr) roots->push_back(entity);
-    }
+const FederatedModel::Sorted& FederatedModel::SortedOf(std::size_t input) const {
+  std::optional<Sorted>& sorted = sorted_[input];
+  if (sorted) return *sorted;
+  sorted.emplace();
+  PerClass<Family> families;
+  for (const auto& [number, entity] : ObjectsOf(input)) {
+    const Family family = families.Of(*entity, [&, object = entity](const ClassFacts* facts) {
+      return FamilyOf(*object, facts);
+    });
+    if (family == Family::kRoot) sorted->roots.push_back(entity);
+    if (family == Family::kResource) sorted->resources.push_back(entity);
   }
-  return *roots;
+  return *sorted;
 }
 
 std::size_t FederatedModel::ObjectCount() const {

@@ -55,6 +55,13 @@ class FederatedModel {
   // shorter by it.
   void Delete(IFC::IfcEntity& entity);
 
+  // A new object with a GUID to be, of a class of the model's release; it came with no input. Null
+  // (reported) as IfcDocument::CreateESet.
+  IFC::IfcEntity* MakeRoot(const char* className);
+  // Files an object of that kind. False: there is no number left.
+  bool AddRoot(IFC::IfcEntity& made);
+  const std::vector<IFC::IfcEntity*>& MadeRoots() const { return madeRoots_; }
+
   bool HasSurvivors() const { return !survivors_.empty(); }
   // Calls `action` with each object that gave way and the one that stands for it now, which may be
   // deleted. In no particular order.
@@ -87,14 +94,18 @@ class FederatedModel {
       if (IFC::IfcEntity* const there = InModel(&entity)) action(*there);
     });
   }
-  // As ForEachOf, also with those that were left out or gave way.
+  // As ForEachRootOf, also with those that were left out or gave way.
   template <class Action>
-  bool ForEachThatCameWith(std::size_t input, Ticker& ticker, Action action) const {
-    for (const auto& [number, entity] : ObjectsOf(input)) {
-      action(*entity);
-      if (!ticker.Advance()) return false;
+  bool ForEachRootThatCameWith(std::size_t input, Ticker& ticker, Action action) const {
+    return ForEachRoot(input, ticker, action);
+  }
+  // Calls `action` with the contexts, coordinate operations and applications of an input that are
+  // in the model: few objects, which are looked for along with those that have a GUID.
+  template <class Action>
+  void ForEachResourceOf(std::size_t input, Action action) const {
+    for (IFC::IfcEntity* const entity : SortedOf(input).resources) {
+      if (Contains(*entity)) action(*entity);
     }
-    return true;
   }
   // Objects of all inputs, for the ticks of a loop over them.
   std::size_t ObjectCount() const;
@@ -102,12 +113,17 @@ class FederatedModel {
  private:
   IFC::IfcEntity* LastSurvivor(IFC::IfcEntity* entity) const;
   const NumberTable& ObjectsOf(std::size_t input) const;
-  const std::vector<IFC::IfcEntity*>& RootsOf(std::size_t input) const;
+  // Of the objects of an input, whether they are in the model or not, in ascending number.
+  struct Sorted {
+    std::vector<IFC::IfcEntity*> roots;
+    std::vector<IFC::IfcEntity*> resources;
+  };
+  const Sorted& SortedOf(std::size_t input) const;
 
   // All of them; they are as many pieces for `ticker` as the input has objects.
   template <class Action>
   bool ForEachRoot(std::size_t input, Ticker& ticker, Action action) const {
-    const std::vector<IFC::IfcEntity*>& roots = RootsOf(input);
+    const std::vector<IFC::IfcEntity*>& roots = SortedOf(input).roots;
     const std::size_t pieces = roots.empty() ? 0 : ObjectsOf(input).Size() / roots.size();
     for (IFC::IfcEntity* const entity : roots) {
       action(*entity);
@@ -117,8 +133,9 @@ class FederatedModel {
   }
 
   std::vector<IfcDocument*> documents_;
-  // By input, whether they are in the model or not; nothing before somebody asked.
-  mutable std::vector<std::optional<std::vector<IFC::IfcEntity*>>> roots_;
+  // By input; nothing before somebody asked.
+  mutable std::vector<std::optional<Sorted>> sorted_;
+  std::vector<IFC::IfcEntity*> madeRoots_;
   // By who gave way. A survivor may give way in turn.
   std::unordered_map<IFC::IfcEntity*, IFC::IfcEntity*> survivors_;
 };

@@ -1,5 +1,7 @@
 #include "merge/federation/federation.h"
 
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
 #include "core/ticker.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
@@ -23,6 +25,15 @@ namespace {
 constexpr std::size_t kTicksOfStep = 50;
 
 void Log(const WideString& text) { IfcLog::Instance().LogLine(text); }
+
+// The objects with a GUID, in ascending number.
+std::vector<IFC::IfcEntity*> RootsIn(const IFC::MainContainer& container) {
+  std::vector<IFC::IfcEntity*> roots;
+  for (const auto& [number, entity] : container.originalEntities) {
+    if (EntityCast<IFC::VirtualIfcRoot>(entity) != nullptr) roots.push_back(entity);
+  }
+  return roots;
+}
 
 WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
 
@@ -189,16 +200,17 @@ class Steps {
 PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
                                      const FederationChoices& choices) {
   PreparedFederation prepared;
-  if (choices.JoinTrees() || choices.proposeTree) {
-    for (const IfcDocument* const document : documents) {
-      NoteSpatialGuids(*document->mainContainer, prepared.guids);
-    }
-  }
-  if (choices.guids == GuidHandling::kKeep) return prepared;
+  const bool matchesTrees = choices.JoinTrees() || choices.proposeTree;
+  const bool renewsGuids = choices.guids != GuidHandling::kKeep;
+  if (!matchesTrees && !renewsGuids) return prepared;
   for (std::size_t input = 0; input < documents.size(); ++input) {
+    IFC::MainContainer& container = *documents[input]->mainContainer;
+    const std::vector<IFC::IfcEntity*> roots = RootsIn(container);
+    if (matchesTrees) NoteSpatialGuids(roots, prepared.guids);
+    if (!renewsGuids) continue;
     // Inputs that are to be joined get the same GUIDs where they are the same.
     const std::size_t position = choices.guids == GuidHandling::kJoin ? 0 : input;
-    const std::size_t renewed = RenewGuidsWithin(*documents[input]->mainContainer, position);
+    const std::size_t renewed = RenewGuidsWithin(container, roots, position);
     if (renewed != 0) {
       Log(u"GUIDs renewed within " + documents[input]->getFilePath() + u": " + Count(renewed));
     }

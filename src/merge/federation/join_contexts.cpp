@@ -115,14 +115,15 @@ class ContextJoiner {
     return IsOrIsBelow(facts, "IfcPropertySet") ? Family::kPropertySet : Family::kOther;
   }
 
-  void Note(IFC::IfcEntity& entity, Family family) {
+  void Note(IFC::IfcEntity& entity) {
+    const Family family = families_.Of(entity, FamilyOf);
     if (family == Family::kSubContext) {
       subContexts_.push_back(&entity);
     } else if (family == Family::kContext) {
       contexts_.push_back(&entity);
     } else if (family == Family::kConversion) {
       conversions_[ReferenceOf(entity, "SourceCRS")].push_back(&entity);
-    } else if (IsNameOfMapProperties(TextOf(entity, "Name"))) {
+    } else if (family == Family::kPropertySet && IsNameOfMapProperties(TextOf(entity, "Name"))) {
       const EntityList* const properties = ReferencesOf(entity, "HasProperties");
       if (properties == nullptr) return;
       mapProperties_.insert(mapProperties_.end(), properties->begin(), properties->end());
@@ -136,10 +137,9 @@ class ContextJoiner {
     mapProperties_.clear();
     const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
     metresPerUnit_ = 1.0 / LengthUnitsPerMetre(units, SayNothing);
-    const bool goesOn = model_.ForEachThatCameWith(input, ticker, [this](IFC::IfcEntity& entity) {
-      const Family family = families_.Of(entity, FamilyOf);
-      if (family != Family::kOther && model_.Contains(entity)) Note(entity, family);
-    });
+    const auto note = [this](IFC::IfcEntity& entity) { Note(entity); };
+    model_.ForEachResourceOf(input, note);
+    const bool goesOn = model_.ForEachRootOf(input, ticker, note);
     const auto byName = [](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
       return TextOf(*one, "Name") < TextOf(*other, "Name");
     };

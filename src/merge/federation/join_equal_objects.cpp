@@ -28,10 +28,10 @@ class ObjectJoiner {
     if (!FindShared(ticker)) return false;
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       objects_.clear();
+      JoinApplications(input);
       const bool goesOn =
-          JoinApplications(input, ticker) &&
-          (shared_.empty() ||
-           model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& root) { Gather(root); }));
+          shared_.empty() ||
+          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& root) { Gather(root); });
       if (!goesOn) return false;
       const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
       if (input != 0) Join(MetresPerLengthUnit(units));
@@ -113,10 +113,10 @@ class ObjectJoiner {
   }
 
   // No two of one input.
-  bool JoinApplications(std::size_t input, Ticker& ticker) {
+  void JoinApplications(std::size_t input) {
     std::vector<std::pair<Digest, IFC::IfcEntity*>> own;
-    const bool goesOn = model_.ForEachThatCameWith(input, ticker, [&](IFC::IfcEntity& entity) {
-      if (!isApplication_.IsTrueOf(entity) || !model_.Contains(entity)) return;
+    model_.ForEachResourceOf(input, [&](IFC::IfcEntity& entity) {
+      if (!isApplication_.IsTrueOf(entity)) return;
       const Digest digest = contents_.OfValue(&entity);
       const auto earlier = earlierApplications_.find(digest);
       if (earlier == earlierApplications_.end()) {
@@ -127,7 +127,6 @@ class ObjectJoiner {
       }
     });
     earlierApplications_.insert(own.begin(), own.end());
-    return goesOn;
   }
 
   FederatedModel& model_;

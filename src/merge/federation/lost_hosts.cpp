@@ -23,7 +23,7 @@ class HostSearch {
 
   bool Run(Ticker& ticker, std::size_t& deleted) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachThatCameWith(
+      const bool goesOn = model_.ForEachRootThatCameWith(
           input, ticker, [this](IFC::IfcEntity& entity) { LookAt(entity); });
       if (!goesOn) return false;
     }

@@ -1,5 +1,6 @@
 #include "merge/federation/renew_guids.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -44,13 +45,13 @@ class MetGuids {
 
 }  // namespace
 
-std::size_t RenewGuidsWithin(IFC::MainContainer& container, std::size_t input) {
+std::size_t RenewGuidsWithin(IFC::MainContainer& container,
+                             const std::vector<IFC::IfcEntity*>& roots, std::size_t input) {
   MetGuids met(container);
-  std::size_t renewed = 0;
-  for (const auto& [number, entity] : container.originalEntities) {
-    if (entity->marker != IFC::kDeleted && met.Meet(*entity, input)) ++renewed;
-  }
-  return renewed;
+  return static_cast<std::size_t>(
+      std::count_if(roots.begin(), roots.end(), [&](IFC::IfcEntity* const root) {
+        return root->marker != IFC::kDeleted && met.Meet(*root, input);
+      }));
 }
 
 bool RenewGuids(FederatedModel& model, Ticker& ticker, std::vector<RenewedGuid>& renewed) {

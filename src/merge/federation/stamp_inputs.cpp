@@ -50,7 +50,7 @@ class Stamp {
 
   // Null (reported) when there is no number left.
   IFC::IfcEntity* MakeRoot(const char* className, std::size_t input, const WideString& name) {
-    IFC::IfcEntity* const made = model_.Merged().CreateESet(className);
+    IFC::IfcEntity* const made = model_.MakeRoot(className);
     if (made == nullptr) return nullptr;
     MemoryPool& pool = model_.Container().Pool();
     const std::string guid = DeriveGuid(className + ToUtf8(NameOf(input)), input);

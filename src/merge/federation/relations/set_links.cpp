@@ -55,15 +55,13 @@ IFC::IfcEntity* SetLinks::Copy(IFC::IfcEntity& set) {
   auto* const prototype = EntityCast<IFC::Prototype>(&set);
   if (prototype == nullptr) return nullptr;
   IFC::IfcEntity* const copy = prototype->clone(model_.Container().Pool());
-  if (copy == nullptr) return nullptr;
-  model_.Container().AddEntity(copy);
-  if (!model_.Contains(*copy)) return nullptr;
+  if (copy == nullptr || !model_.AddRoot(*copy)) return nullptr;
   SetGuidLike(*copy, set);
   return copy;
 }
 
 bool SetLinks::Link(IFC::IfcEntity& set, const std::vector<IFC::IfcEntity*>& objects) {
-  IFC::IfcEntity* const relation = model_.Merged().CreateESet(kRelation);
+  IFC::IfcEntity* const relation = model_.MakeRoot(kRelation);
   if (relation == nullptr) return false;
   SetGuidLike(*relation, set);
   if (IFC::IfcEntity* const history = ReferenceOf(set, "OwnerHistory")) {

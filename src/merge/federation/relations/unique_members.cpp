@@ -1,10 +1,12 @@
 #include "merge/federation/relations/unique_members.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <vector>
 
 #include "merge/federation/per_class.h"
 #include "schema/attributes.h"
+#include "step/reader/parser.h"
 
 namespace corvel {
 
@@ -42,6 +44,10 @@ class RepeatedMembers {
   explicit RepeatedMembers(FederatedModel& model) : model_(model) {}
 
   bool Run(Ticker& ticker) {
+    model_.ForEachThatGaveWay([this](const IFC::IfcEntity& gone, const IFC::IfcEntity&) {
+      gone_.try_emplace(FindFacts(gone), &gone);
+    });
+    if (OnlyRootsHoldThem()) return RunOverRoots(ticker);
     for (const auto& [number, entity] : model_.Container().entities) {
       if (entity->marker != IFC::kDeleted) DropFrom(*entity);
       if (!ticker.Advance()) return false;
@@ -52,8 +58,33 @@ class RepeatedMembers {
  private:
   using Places = std::vector<const AttributeFacts*>;
 
+  // Of all classes. What was read with tolerance may hold anything anywhere.
+  bool OnlyRootsHoldThem() const {
+    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
+      if (model_.Document(input).GetParser().tolerance != nullptr) return false;
+    }
+    const auto& classes = model_.Merged().GetParser().factories->classes->classes;
+    return std::all_of(classes.begin(), classes.end(), [this](const ClassFacts& facts) {
+      return IsOrIsBelow(&facts, "IfcRoot") || PlacesOf(&facts).empty();
+    });
+  }
+
+  bool RunOverRoots(Ticker& ticker) {
+    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
+      const bool goesOn =
+          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { DropFrom(entity); });
+      if (!goesOn) return false;
+    }
+    for (IFC::IfcEntity* const made : model_.MadeRoots()) {
+      if (model_.Contains(*made)) DropFrom(*made);
+    }
+    return true;
+  }
+
   void DropFrom(IFC::IfcEntity& entity) {
-    for (const AttributeFacts* const facts : places_.Of(entity, PlacesOf)) {
+    const Places& places =
+        places_.Of(entity, [this](const ClassFacts* facts) { return PlacesOf(facts); });
+    for (const AttributeFacts* const facts : places) {
       const Attribute place(entity, *facts);
       const auto* const members = place.As<EntityList>();
       if (members == nullptr || members->size() < 2 || !HasOneThatGaveWay(*members)) continue;
@@ -68,13 +99,18 @@ class RepeatedMembers {
     }
   }
 
-  static Places PlacesOf(const ClassFacts* facts) {
+  // Where members stand once, and some that gave way may be among them.
+  Places PlacesOf(const ClassFacts* facts) const {
     Places places;
     for (std::size_t i = 0; facts != nullptr && i < facts->AttributeCount(); ++i) {
       const AttributeFacts& attribute = facts->Attribute(i);
       if (!Refers(attribute.kind) || attribute.depth != 1) continue;
       const bool isSet = attribute.aggregates[0].kind == Aggregate::Kind::kSet;
-      if (isSet || IsUniqueList(*facts, attribute)) places.push_back(&attribute);
+      if (!isSet && !IsUniqueList(*facts, attribute)) continue;
+      const bool admitsOne = std::any_of(gone_.begin(), gone_.end(), [&](const auto& gone) {
+        return attribute.Admits(gone.second);
+      });
+      if (admitsOne) places.push_back(&attribute);
     }
     return places;
   }
@@ -87,6 +123,8 @@ class RepeatedMembers {
   }
 
   FederatedModel& model_;
+  // One of each class that gave way.
+  std::unordered_map<const ClassFacts*, const IFC::IfcEntity*> gone_;
   PerClass<Places> places_;
 };
 

@@ -89,7 +89,7 @@ class Parts {
 
   // Null (reported) when there is no number left.
   IFC::IfcEntity* MakeRelation(IFC::IfcEntity& part, IFC::IfcEntity& whole) {
-    IFC::IfcEntity* const made = model_.Merged().CreateESet("IfcRelAggregates");
+    IFC::IfcEntity* const made = model_.MakeRoot("IfcRelAggregates");
     const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&part);
     if (made == nullptr || root == nullptr) return nullptr;
     const std::string guid = DeriveGuid(std::string(root->getGlobalId()) + " is a part", 0);

@@ -143,12 +143,12 @@ SpatialRole SpatialRoles::Of(const IFC::IfcEntity& entity) {
   return known_.Of(entity, RoleOfClass);
 }
 
-void NoteSpatialGuids(const IFC::MainContainer& container, GuidsAsRead& guids) {
+void NoteSpatialGuids(const std::vector<IFC::IfcEntity*>& roots, GuidsAsRead& guids) {
   SpatialRoles roles;
-  for (const auto& [number, entity] : container.originalEntities) {
-    const SpatialRole role = roles.Of(*entity);
+  for (IFC::IfcEntity* const root : roots) {
+    const SpatialRole role = roles.Of(*root);
     if (role == SpatialRole::kOther || role == SpatialRole::kAggregation) continue;
-    guids.emplace(entity, GuidOf(*entity));
+    guids.emplace(root, GuidOf(*root));
   }
 }
 

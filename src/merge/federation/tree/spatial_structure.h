@@ -57,8 +57,9 @@ class SpatialRoles {
 // GUID and to those without one. By object; the texts are in the pools of the models.
 using GuidsAsRead = std::unordered_map<const IFC::IfcEntity*, std::string_view>;
 
-// Enters the sites, buildings and storeys of a model that is not folded yet.
-void NoteSpatialGuids(const IFC::MainContainer& container, GuidsAsRead& guids);
+// Enters the sites, buildings and storeys among the objects with a GUID of a model that is not
+// folded yet.
+void NoteSpatialGuids(const std::vector<IFC::IfcEntity*>& roots, GuidsAsRead& guids);
 
 // What two objects were found to be one by.
 enum class MatchReason : std::uint8_t {
