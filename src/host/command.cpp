@@ -12,14 +12,12 @@
 #include "host/file_names.h"
 #include "host/info_text.h"
 #include "host/model_run.h"
-#include "host/model_scene.h"
 #include "host/piped_files.h"
 #include "host/run_console.h"
 #include "host/savings.h"
-#include "host/tree_text.h"
+#include "host/tree_command.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
-#include "step/reader/skipped_input.h"
 
 namespace corvel::host {
 
@@ -107,19 +105,16 @@ class BlockOutput {
 
 ExitStatus RunTree(const CommandLine& line) {
   RunConsole console(RunConsole::StandardError(false));
-  const WideString& path = line.inputs.front();
-  ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames, line.choices.tolerant);
-  if (scene.endWithoutClosingLine) {
-    scene.problems.push_back(ClosingLineIsMissing(path, *scene.endWithoutClosingLine));
-  }
-  for (const auto* const texts : {&scene.remarks, &scene.problems}) {
-    for (const WideString& text : *texts) console.Say(Printable(path).append(u": ").append(text));
-  }
+  TreeOrder order;
+  order.path = line.inputs.front();
+  order.choice = line.tree;
+  order.tolerant = line.choices.tolerant;
+  order.json = line.json;
+  order.workFolder = line.workFolder.value_or(platform::SystemTemporaryFolder());
   BlockOutput output;
-  const TextSink sink = [&output](WideView text) { return output.Write(text); };
-  bool good = line.json ? WriteTreeJson(path, scene, sink) : WriteTreeText(scene, sink);
-  good = output.Flush() && good;
-  return Status(good && scene.problems.empty());
+  const ExitStatus status =
+      RunTree(order, console, [&](WideView text) { return output.Write(text); });
+  return output.Flush() ? status : ExitStatus::kNothingWritten;
 }
 
 ExitStatus RunDiff(const CommandLine& line) {

@@ -35,6 +35,9 @@ struct Words {
   std::string workFolder;
   std::string log;
   std::string tolerance;
+  std::string depth;
+  std::string classes;
+  bool properties = false;
   std::vector<std::string> reports;
   std::string progress = "bars";
   bool dryRun = false;
@@ -116,6 +119,12 @@ void AddMergeOptions(CLI::App& app, Words& words) {
   app.add_flag("--dry-run", words.dryRun);
 }
 
+void AddTreeOptions(CLI::App& app, Words& words) {
+  app.add_option("--depth", words.depth);
+  app.add_option("--class", words.classes);
+  app.add_flag("--properties", words.properties);
+}
+
 void AddFederationOptions(CLI::App& app, Command command) {
   for (const FederationOption& option : AllFederationOptions()) {
     if (!ChoosesObjects(command) && !(IsWholeCopy(command) && option.ofResave)) continue;
@@ -164,6 +173,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   if (ShowsOnly(command)) app.add_flag("--json", words.json);
   if (command == Command::kDiff) app.add_option("--tolerance", words.tolerance);
   if (command == Command::kCheck) AddCheckOptions(app, words);
+  if (command == Command::kTree) AddTreeOptions(app, words);
   app.add_flag("--ignore-enum-errors", words.ignoreEnumErrors);
   app.add_flag("--tolerant", words.tolerant);
   app.add_flag("--quiet", words.quiet);
@@ -238,6 +248,25 @@ std::optional<std::string> CountError(Command command, std::size_t files) {
   return {};
 }
 
+std::optional<std::uint32_t> CountFrom(const std::string& word) {
+  std::uint32_t count = 0;
+  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), count);
+  const bool isWhole = error == std::errc() && end == word.data() + word.size();
+  return isWhole && count != 0 ? std::optional(count) : std::nullopt;
+}
+
+// What stands between commas. Empty where any of it is.
+std::vector<WideString> ItemsOf(const std::string& list) {
+  std::vector<WideString> items;
+  for (std::size_t first = 0; first <= list.size();) {
+    const std::size_t end = std::min(list.find(',', first), list.size());
+    if (end == first) return {};
+    items.push_back(FromUtf8(list.substr(first, end - first)));
+    first = end + 1;
+  }
+  return items;
+}
+
 // A finite number above 0.
 std::optional<double> LengthFrom(const std::string& word) {
   double length = 0.0;
@@ -271,6 +300,14 @@ std::optional<std::string> WordError(Command command, const CLI::App& app, const
     return "--work-folder takes the name of a folder";
   }
   if (app.count("--log") != 0 && words.log.empty()) return "--log takes the name of a file";
+  if (command == Command::kTree) {
+    if (app.count("--depth") != 0 && !CountFrom(words.depth)) {
+      return "--depth takes a number of levels from 1 on, not " + Quoted(words.depth);
+    }
+    if (app.count("--class") != 0 && ItemsOf(words.classes).empty()) {
+      return "--class takes names of classes, with commas between them";
+    }
+  }
   if (command == Command::kDiff && app.count("--tolerance") != 0 && !LengthFrom(words.tolerance)) {
     return "--tolerance takes a number of millimetres above 0, not " + Quoted(words.tolerance);
   }
@@ -322,6 +359,9 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   if (!words.explain.empty()) line.explain = words.explain;
   line.quiet = words.quiet;
   line.json = words.json;
+  line.tree.depth = CountFrom(words.depth).value_or(0);
+  line.tree.classes = ItemsOf(words.classes);
+  line.tree.properties = words.properties;
   if (const auto tolerance = LengthFrom(words.tolerance)) line.toleranceMm = *tolerance;
   if (!words.answer.empty()) {
     line.answer = words.answer == "yes" ? platform::Answer::kYes : platform::Answer::kNo;

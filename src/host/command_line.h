@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "host/file_names.h"
 #include "host/run_choices.h"
+#include "host/tree_choice.h"
 #include "platform/platform.h"
 
 namespace corvel::host {
@@ -29,6 +30,7 @@ struct CommandLine {
   bool quiet = false;
   bool json = false;                       // info, tree, diff and check
   double toleranceMm = 0.001;              // diff
+  TreeChoice tree;                         // tree
   bool outputIsPiped = false;              // to standard output, where nothing else goes then
   std::optional<platform::Answer> answer;  // kYes or kNo
   std::optional<WideString> userFolder;    // for config.txt and LastPath.txt

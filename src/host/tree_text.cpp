@@ -55,23 +55,38 @@ WideString Indent(std::size_t depth) {
   return indent;
 }
 
-WideString LineOf(const ModelScene& scene, std::uint32_t index) {
+WideString LineOf(const ModelScene& scene, std::uint32_t index, const TreeLook& look) {
   const SceneObject& object = scene.objects[index];
   const WideView guid = scene.GuidOf(index);
   const WideView name = scene.NameOf(index);
   WideString line = u"#" + ToWide(object.number) + u" " + Widen(scene.ClassOf(object)) + u" ";
   line += guid.empty() ? WideString(u"-") : Printable(guid);
   if (!name.empty()) line += u" " + Printable(name);
+  if (look.properties == nullptr) return line + u"\n";
+  for (const auto& [property, value] : look.properties->Of(object.number)) {
+    line += u"  | " + Printable(FromUtf8(property)) + u" = " + Printable(FromUtf8(value));
+  }
   return line + u"\n";
 }
 
 }  // namespace
 
-bool WriteTreeText(const ModelScene& scene, const TextSink& sink) {
+bool WriteTreeText(const ModelScene& scene, const TextSink& sink, const TreeLook& look) {
   const Branches branches(scene.objects);
   std::size_t depth = 0;
   for (std::uint32_t at = branches.First(); at != kNoObject; at = branches.After(at, depth)) {
-    if (!sink(Indent(depth) + LineOf(scene, at))) return false;
+    if (!look.Shows(at)) continue;
+    if (!sink(Indent(look.isFlat ? 0 : depth) + LineOf(scene, at, look))) return false;
+  }
+  return true;
+}
+
+bool WriteEntriesText(WideView path, const std::vector<FileStream::ArchiveEntry>& entries,
+                      const TextSink& sink) {
+  for (const FileStream::ArchiveEntry& entry : entries) {
+    const WideString line = Printable(path) + u"|" + Printable(entry.name) + u"  " +
+                            Widen(std::to_string(entry.bytes)) + u" bytes\n";
+    if (!sink(line)) return false;
   }
   return true;
 }

@@ -3,29 +3,35 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "host/scene_of_text.h"
+#include "support/quiet_reading.h"
 #include "support/small_stack.h"
+#include "support/step_text.h"
+#include "support/temporary_folder.h"
 
 namespace corvel::host {
 
 namespace {
 
-std::string TextOf(const ModelScene& scene) {
+std::string TextOf(const ModelScene& scene, const TreeLook& look = {}) {
   WideString text;
-  EXPECT_TRUE(WriteTreeText(scene, [&](WideView piece) {
+  const auto take = [&](WideView piece) {
     text += piece;
     return true;
-  }));
+  };
+  EXPECT_TRUE(WriteTreeText(scene, take, look));
   return ToUtf8(text);
 }
 
-std::string JsonOf(const ModelScene& scene) {
+std::string JsonOf(const ModelScene& scene, const TreeLook& look = {}) {
   WideString text;
-  EXPECT_TRUE(WriteTreeJson(u"m.ifc", scene, [&](WideView piece) {
+  const auto take = [&](WideView piece) {
     text += piece;
     return true;
-  }));
+  };
+  EXPECT_TRUE(WriteTreeJson(u"m.ifc", scene, take, look));
   return ToUtf8(text);
 }
 
@@ -46,6 +52,66 @@ TEST(TreeText, ChildrenStandBelowTheirParentByAscendingNumber) {
 
 TEST(TreeText, AMissingGuidIsADash) {
   EXPECT_EQ("#1 IfcWall - n\n", TextOf(SceneOf("#1=IFCWALL($,$,'n');")));
+}
+
+TEST(TreeText, DepthCountsLevelsFromTheTop) {
+  const ModelScene scene = SceneOf(kHouse);
+  EXPECT_EQ("#1 IfcProject p House\n", TextOf(scene, LookAt(scene, {1, {}, false})));
+  EXPECT_EQ("#1 IfcProject p House\n  #9 IfcSite s\n",
+            TextOf(scene, LookAt(scene, {2, {}, false})));
+  EXPECT_EQ(TextOf(scene), TextOf(scene, LookAt(scene, {3, {}, false})));
+}
+
+TEST(TreeText, ObjectsOfChosenClassesStandSideBySide) {
+  const ModelScene scene = SceneOf(kHouse);
+  EXPECT_EQ("#9 IfcSite s\n#6 IfcDoor d\n",
+            TextOf(scene, LookAt(scene, {0, {u"ifcdoor", u"IfcSite"}, false})));
+  EXPECT_EQ("#9 IfcSite s\n", TextOf(scene, LookAt(scene, {2, {u"IfcDoor", u"IfcSite"}, false})));
+  EXPECT_EQ((std::vector<WideString>{u"IfcDor; the nearest there is IfcDoor"}),
+            MissingClasses(scene, {0, {u"IfcDor", u"IfcSite"}, false}));
+}
+
+TEST(TreeText, ObjectsInACircleHaveTheLevelAtWhichTheyAreShown) {
+  const ModelScene scene = SceneOf(
+      "#5=IFCWALL('a');#6=IFCWALL('b');#10=IFCRELNESTS('r',$,$,$,#6,(#5));"
+      "#11=IFCRELNESTS('r',$,$,$,#5,(#6));");
+  EXPECT_EQ("#5 IfcWall a\n", TextOf(scene, LookAt(scene, {1, {}, false})));
+}
+
+TEST(TreeText, PropertiesStandBehindTheNameWithThoseOfTheType) {
+  const std::string records =
+      "#1=IFCWALL('w',$,'Wall',$,$,$,$,$,$);#2=IFCWALLTYPE('t',$,'T',$,$,(#3),$,$,$,.STANDARD.);"
+      "#3=IFCPROPERTYSET('p',$,'Pset_A',$,(#4,#5));#4=IFCPROPERTYSINGLEVALUE('X',$,IFCLABEL('t'),$)"
+      ";"
+      "#5=IFCPROPERTYSINGLEVALUE('Y',$,IFCREAL(2.),$);#6=IFCRELDEFINESBYTYPE('r',$,$,$,(#1),#2);"
+      "#7=IFCPROPERTYSET('q',$,'Pset_A',$,(#8));#8=IFCPROPERTYSINGLEVALUE('X',$,IFCLABEL('w'),$);"
+      "#9=IFCRELDEFINESBYPROPERTIES('s',$,$,$,(#1),#7);";
+  const test::QuietReading quiet;
+  const test::TemporaryFolder folder;
+  const WideString path = folder.Write("m.ifc", test::ModelFile(records, "IFC4"));
+  std::vector<WideString> messages;
+  const auto properties = ModelProperties::Read(path, false, folder.Path(), messages);
+  ASSERT_NE(nullptr, properties);
+  TreeLook look;
+  look.properties = properties.get();
+  const ModelScene scene = ReadScene(path, SceneTexts::kGuidsAndNames);
+  EXPECT_EQ("#1 IfcWall w Wall  | Pset_A.X = 'w'  | Pset_A.Y = 2\n", TextOf(scene, look));
+  EXPECT_NE(std::string::npos,
+            JsonOf(scene, look).find("\"properties\":{\"Pset_A.X\":\"'w'\",\"Pset_A.Y\":\"2\"}}"));
+}
+
+TEST(TreeText, EntriesOfAContainerAreNamedAsInputs) {
+  WideString text;
+  const TextSink sink = [&](WideView piece) {
+    text += piece;
+    return true;
+  };
+  EXPECT_TRUE(WriteEntriesText(u"c.olf", {{u"a.ifc", 12}, {u"b\x1b.ifc", 0}}, sink));
+  EXPECT_TRUE(WriteEntriesJson(u"c.olf", {{u"a.ifc", 12}}, sink));
+  EXPECT_EQ(
+      "c.olf|a.ifc  12 bytes\nc.olf|b?.ifc  0 bytes\n"
+      "{\"file\":\"c.olf\",\"entries\":[{\"name\":\"a.ifc\",\"bytes\":12}]}\n",
+      ToUtf8(text));
 }
 
 TEST(TreeText, NothingGivesNothing) { EXPECT_EQ("", TextOf(SceneOf(""))); }

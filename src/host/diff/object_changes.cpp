@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/diff/movement.h"
+#include "host/diff/property_text.h"
 #include "host/diff/relation_words.h"
 #include "host/diff/value_text.h"
 #include "merge/federation/attribute_values.h"
@@ -15,19 +16,6 @@ namespace {
 
 using Entities = std::vector<const IFC::IfcEntity*>;
 
-// Lists of properties and quantities in a set.
-bool HoldsProperties(std::string_view attribute) {
-  return attribute == "HasProperties" || attribute == "Quantities" || attribute == "Properties";
-}
-
-// What a property or quantity is there for.
-bool IsMainValue(std::string_view attribute) {
-  return attribute == "NominalValue" || attribute == "LengthValue" || attribute == "AreaValue" ||
-         attribute == "VolumeValue" || attribute == "CountValue" || attribute == "WeightValue" ||
-         attribute == "TimeValue" || attribute == "NumberValue" ||
-         attribute == "EnumerationValues" || attribute == "ListValues";
-}
-
 // "Pset_A.Fire.NominalValue" is what people call "Pset_A.Fire".
 std::string WithoutMainValue(std::string path) {
   const std::size_t dot = path.rfind('.');
@@ -35,18 +23,6 @@ std::string WithoutMainValue(std::string path) {
     path.resize(dot);
   }
   return path;
-}
-
-std::string TextOfProperty(const ComparedModel& model, const IFC::IfcEntity& property) {
-  const ClassWord* const words = model.Words().Of(property);
-  if (words != nullptr) {
-    const ValueText text(model, TellsUnit(property, *words));
-    for (const AttributeWord& word : words->attributes) {
-      const ConstAttribute held(property, *word.facts);
-      if (IsMainValue(word.facts->name) && held.HasValue()) return text.Of(held, word);
-    }
-  }
-  return ValueText(model, false).Of(&property);
 }
 
 bool IsQuantity(const IFC::IfcEntity& property) {
@@ -69,18 +45,6 @@ std::set<std::string> KeysOf(const Map& one, const Map& other) {
   for (const auto& entry : one) keys.insert(entry.first);
   for (const auto& entry : other) keys.insert(entry.first);
   return keys;
-}
-
-Entities PropertiesIn(const IFC::IfcEntity* set) {
-  Entities properties;
-  if (set == nullptr) return properties;
-  for (const ConstAttribute attribute : AttributesOf(*set)) {
-    if (!HoldsProperties(attribute.Name())) continue;
-    attribute.ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* property) {
-      if (property != nullptr) properties.push_back(property);
-    });
-  }
-  return properties;
 }
 
 // Takes what both sides say alike out of each.

@@ -68,6 +68,22 @@ class Pipes(CorvelTest):
             'corvel: ./-: the name of a model has to end in .ifc or .ifczip\n'))
 
 
+class Containers(CorvelTest):
+
+    def test_entries_are_told_as_inputs_are_named(self):
+        packed = io.BytesIO()
+        with zipfile.ZipFile(packed, 'w') as archive:
+            archive.writestr('one.ifc', MODEL)
+            archive.writestr('two.ifc', b'x')
+        self.write('c.olf', packed.getvalue())
+        self.assert_ended(self.run_corvel('tree', 'c.olf'), DONE, err='', out=(
+            f'c.olf|one.ifc  {len(MODEL)} bytes\nc.olf|two.ifc  1 bytes\n'))
+        self.assertIn(GUIDS[0], self.run_corvel('tree', 'c.olf|one.ifc').out)
+        self.write('bad.olf', b'x')
+        self.assert_ended(self.run_corvel('tree', 'bad.olf'), NOTHING_WRITTEN, out='',
+                          err='corvel: bad.olf: this container cannot be read\n')
+
+
 class Lists(CorvelTest):
 
     def setUp(self):
