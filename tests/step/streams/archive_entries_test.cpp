@@ -36,7 +36,10 @@ TEST(ArchiveEntries, LargeEntriesTellTheirBytesElsewhere) {
   EXPECT_EQ("a.ifc 4\n", EntriesIn(ZipOf({{.name = "a.ifc", .content = "1234", .large = true}})));
 }
 
-TEST(ArchiveEntries, AnEmptyArchiveHasNone) { EXPECT_EQ("", EntriesIn(ZipOf({}))); }
+// The library opens none without an entry.
+TEST(ArchiveEntries, AnEmptyArchiveIsUnreadable) {
+  EXPECT_EQ("(unreadable)", EntriesIn(ZipOf({})));
+}
 
 TEST(ArchiveEntries, WhatIsNoArchiveIsUnreadable) {
   EXPECT_EQ("(unreadable)", EntriesIn("no archive"));
