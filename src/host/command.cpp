@@ -8,6 +8,7 @@
 #include "host/diff/diff_run.h"
 #include "host/display_text.h"
 #include "host/dry_run_text.h"
+#include "host/facts/read_model_facts.h"
 #include "host/file_facts.h"
 #include "host/file_names.h"
 #include "host/info_text.h"
@@ -18,6 +19,7 @@
 #include "host/tree_command.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
+#include "step/log/utilities.h"
 
 namespace corvel::host {
 
@@ -67,10 +69,15 @@ ExitStatus RunModels(const CommandLine& line) {
 // Shows a file as soon as it is read; programs get all files in one object at the end.
 ExitStatus RunInfo(const CommandLine& line) {
   RunConsole console(RunConsole::StandardError(false));
+  MemoryReportOutput() = nullptr;  // standard output is for what files hold
   bool good = true;
   std::vector<FileFacts> files;
   for (const WideString& path : line.inputs) {
     FileFacts facts = ReadFacts(path, line.choices.tolerant);
+    if (facts.schema && facts.problems.empty()) {
+      facts.model =
+          ReadModelFacts(path, line.workFolder.value_or(platform::SystemTemporaryFolder()));
+    }
     for (const WideString& problem : facts.problems)
       console.Say(Printable(path).append(u": ").append(problem));
     good = good && facts.problems.empty();

@@ -1,4 +1,4 @@
-// What can be told of a model file without making objects of it.
+// What can be told of a model file, mostly without making objects of it.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/text.h"
+#include "host/facts/model_facts.h"
 #include "step/factories.h"
 #include "step/reader/token.h"
 
@@ -23,6 +24,8 @@ struct FileFacts {
   // Records by class, the most frequent first, equal ones by name. Names are as the file writes
   // them, without underscores; an instance of several classes counts as kComplexInstance.
   std::vector<std::pair<std::string, std::uint64_t>> classes;
+  // What is told first; ReadFacts leaves it to whoever wants objects made of the file.
+  std::optional<ModelFacts> model{};
   std::vector<WideString> remarks;  // worth knowing
   // What is wrong with the file. Without problems it may still hold what a merge refuses.
   std::vector<WideString> problems;

@@ -90,8 +90,8 @@ constexpr char16_t kMergeOptions[] =
 
 constexpr char16_t kFederationOptions[] =
     uR"help(  --units keep|convert    convert: all values of a later model are rewritten in
-                          the units of the first, and it takes part whatever its
-                          own were
+                          the units of the first, and it takes part whatever
+                          its own were
   --contexts keep|join    join: a context of a later model gives way to an
                           equal one of an earlier model, and those that stay
                           are entered in the project
@@ -350,20 +350,23 @@ constexpr char16_t kInfo[] =
 Usage:
   corvel info FILE... [--json]
 
-Shows for each FILE its size, the fields of its header, the release whose
-classes would serve it, the number of records, and the number of records per
-class, the most frequent class first and equal ones by name. The file is read
-once and no objects are made of it, so this works also on records that a merge
-would refuse. An instance of several classes at once counts as "(complex)", a
-record without a class name as "(nameless)".
+Shows for each FILE its size; the exporter, the units, where on earth it
+stands, its sites, buildings and storeys with their heights, the products of
+each class, how far their placements reach, and doubled GUIDs; then the fields
+of its header, the release whose classes would serve it, the number of records,
+and the number of records per class, the most frequent class first and equal
+ones by name. The last of these works also on records that a merge would
+refuse. An instance of several classes at once counts as "(complex)", a record
+without a class name as "(nameless)". What is wrong tells corvel check.
 
 Options:
   --json                  for programs, see below
   --tolerant              look into a spoilt file as merge and resave take it
                           with this option
   -h, --help              this text
+  --work-folder DIR       for the file that the reading needs meanwhile
   --quiet, --ignore-enum-errors, --answer yes|no, --log FILE,
-  --threads N, --user-folder DIR, --work-folder DIR
+  --threads N, --user-folder DIR
                           taken as by the other commands; there is nothing
                           that they change
 
@@ -379,7 +382,9 @@ With --json one object goes to standard output:
     "records":  number of records,
     "classes":  {"IFCWALL": number of records, ...}, in the order told above,
     "remarks":  [texts worth knowing],
-    "problems": [texts; empty when the file can be read]
+    "problems": [texts; empty when the file can be read],
+    "model":    the facts told first, as "facts" in docs/check.schema.json;
+                null when the file cannot be read
   }, ...]}
 Bytes of the file that are no valid text stand there as U+FFFD.
 

@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include "host/facts/facts_json.h"
 #include "host/info_text.h"
 #include "schema/registry.h"
 
@@ -51,6 +52,7 @@ Json FileOf(const FileFacts& facts) {
   object["classes"] = ClassesOf(facts);
   object["remarks"] = TextsOf(facts.remarks);
   object["problems"] = TextsOf(facts.problems);
+  object["model"] = facts.model ? ModelFactsAsJson(*facts.model) : Json(nullptr);
   return object;
 }
 

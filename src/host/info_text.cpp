@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "host/display_text.h"
+#include "host/facts/facts_text.h"
 #include "schema/registry.h"
 
 namespace corvel::host {
@@ -55,6 +56,7 @@ WideString ClassLines(const FileFacts& facts) {
 WideString FactsAsText(const FileFacts& facts) {
   WideString text = Printable(facts.path) + u"\n";
   text += Line(u"size in bytes", Widen(std::to_string(facts.bytes)));
+  if (facts.model) text += ModelFactsAsText(*facts.model);
   // No STEP file: the problems tell what it is.
   if (facts.header == nullptr) return text;
   text += HeaderLines(*facts.header);

@@ -16,7 +16,8 @@ WideString FactsAsText(const FileFacts& facts);
 // {"files": [{"file", "bytes", "header": {"description": [], "implementationLevel", "name",
 // "timeStamp", "author": [], "organization": [], "preprocessorVersion", "originatingSystem",
 // "authorization", "schemaIdentifier"} or null, "schema" or null, "records", "classes": {name:
-// count}, "remarks": [], "problems": []}]}. Bytes that are no valid text become U+FFFD.
+// count}, "remarks": [], "problems": [], "model": see facts/facts_json.h, or null}]}. Bytes that
+// are no valid text become U+FFFD.
 std::string FactsAsJson(const std::vector<FileFacts>& files);
 
 }  // namespace corvel::host

@@ -86,6 +86,7 @@ std::optional<platform::Answer> RunConsole::BeforeBox(platform::Buttons buttons,
     }
     if (cancelConfirmed_ || EndsAsRequested()) return platform::Answer::kYes;
   }
+  if (holdsBackBoxes_ && buttons == platform::Buttons::kOk) return platform::Answer::kOk;
   bars_.Erase();
   return {};
 }

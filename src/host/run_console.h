@@ -37,6 +37,8 @@ class RunConsole {
   void StartClock(std::int64_t bytes);
   // For programs: the run is over, with that exit status.
   void TellEnd(int status);
+  // From now on boxes that only tell are not shown: the command tells all that matters itself.
+  void HoldBackBoxes() { holdsBackBoxes_ = true; }
   // For steps without ticks: true when the run is to end here. Asks whoever pressed Ctrl-C.
   bool ShallEnd();
 
@@ -57,6 +59,7 @@ class RunConsole {
   RunPace pace_;
   ProgressView told_;
   ProgressBars bars_;
+  bool holdsBackBoxes_ = false;
   bool cancelConfirmed_ = false;
   bool stoppedUnasked_ = false;
   bool logOffered_ = false;

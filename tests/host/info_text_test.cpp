@@ -38,6 +38,29 @@ std::string JsonOf(FileFacts facts) {
 
 }  // namespace
 
+TEST(FactsAsText, LeadsWithTheModel) {
+  FileFacts facts = House();
+  facts.model.emplace();
+  facts.model->release = "IFC4";
+  facts.model->schemaIdentifier = u"IFC4";
+  facts.model->exporter.application = u"Drawer 4";
+  const std::string text = ToUtf8(FactsAsText(facts));
+  EXPECT_TRUE(
+      text.starts_with("h.ifc\n  size in bytes         1234\n  release         IFC4\n"
+                       "  exporter        Drawer 4\n  units           not stated\n"))
+      << text;
+  EXPECT_NE(std::string::npos, text.find("  doubled GUIDs   0\n  description           view\n"));
+}
+
+TEST(FactsAsJson, EndsWithTheModel) {
+  FileFacts facts = House();
+  facts.model.emplace();
+  facts.model->metresPerLengthUnit = 0.001;
+  const std::string text = JsonOf(std::move(facts));
+  EXPECT_NE(std::string::npos, text.find("      \"model\": {\n        \"release\": \"\",\n"));
+  EXPECT_NE(std::string::npos, text.find("\"metresPerLengthUnit\": 0.001,\n"));
+}
+
 TEST(FactsAsText, HasALineForEachFact) {
   EXPECT_EQ(
       "h.ifc\n"
@@ -99,7 +122,7 @@ TEST(FactsAsJson, KeysAndTheirOrderAreFixed) {
       "      \"records\": 3,\n"
       "      \"classes\": {\n        \"IFCWALL\": 2,\n        \"IFCDOOR\": 1\n      },\n"
       "      \"remarks\": [],\n"
-      "      \"problems\": []\n"
+      "      \"problems\": [],\n      \"model\": null\n"
       "    }\n  ]\n}\n",
       JsonOf(House()));
 }
@@ -114,7 +137,7 @@ TEST(FactsAsJson, WhatIsMissingIsNullOrEmpty) {
       "      \"records\": 0,\n"
       "      \"classes\": {},\n"
       "      \"remarks\": [],\n"
-      "      \"problems\": [\n        \"no header\"\n      ]\n"
+      "      \"problems\": [\n        \"no header\"\n      ],\n      \"model\": null\n"
       "    }\n  ]\n}\n",
       JsonOf(Broken()));
   EXPECT_EQ("{\n  \"files\": []\n}\n", FactsAsJson({}));

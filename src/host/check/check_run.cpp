@@ -31,6 +31,7 @@ class CheckRun {
   CheckRun(const CheckRunOrder& order, RunConsole& console, const TextSink& output)
       : order_(order), console_(console), output_(output) {
     watching = &console;
+    console.HoldBackBoxes();
     view = {};
     MemoryReportOutput() = nullptr;  // standard output is for what is found
     Cancellation::OfProcess().ForgetAnswer();

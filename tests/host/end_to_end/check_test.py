@@ -78,6 +78,14 @@ class Check(CorvelTest):
         self.assert_ended(ended, ERRORS_FOUND, err='')
         self.assertIn('#9 in line 11 (0 members)\n', ended.out)
 
+    def test_several_projects_are_a_finding_and_no_message(self):
+        second = PROJECT.partition('\n')[0].replace('#1=', '#4=').replace("1',", "4',")
+        name = self.write_model('a.ifc', PROJECT + second + '\n')
+        ended = self.run_corvel('check', name)
+        self.assert_ended(ended, ERRORS_FOUND, err='')
+        self.assertIn('PJS101.several', ended.out)
+        self.assert_ended(self.run_corvel('info', name), DONE, err='')
+
     def test_rules_are_explained(self):
         ended = self.run_corvel('check', '--explain', 'crv.LIST.few')
         self.assert_ended(ended, DONE, err='')

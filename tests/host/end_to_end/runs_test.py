@@ -381,7 +381,9 @@ class Info(CorvelTest):
         self.assertEqual((3, 'IFC4', []), (a['records'], a['schema'], a['problems']))
         self.assertEqual(len(self.read('a.ifc')), a['bytes'])
         self.assertEqual('view', a['header']['description'][0])
+        self.assertEqual(('IFC4', [1]), (a['model']['release'], a['model']['projects']))
         self.assertEqual((8, None, None), (b['bytes'], b['header'], b['schema']))
+        self.assertEqual((None, None), (b['model'], c['model']))
         self.assertEqual((0, ['there is no such file']), (c['bytes'], c['problems']))
 
     def test_files_behind_a_bad_one_are_shown(self):
