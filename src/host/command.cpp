@@ -19,6 +19,7 @@
 #include "host/tree_command.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
+#include "platform/threads.h"
 #include "step/log/utilities.h"
 
 namespace corvel::host {
@@ -137,6 +138,7 @@ ExitStatus RunDiff(const CommandLine& line) {
   order.tolerant = line.choices.tolerant;
   order.json = line.json;
   order.inColours = platform::CanColourOutput();
+  order.threads = line.choices.threads.value_or(platform::UsableCores());
   order.workFolder = line.workFolder.value_or(platform::SystemTemporaryFolder());
   BlockOutput output;
   const ExitStatus status =

@@ -37,6 +37,7 @@ Options:
   --ignore-enum-errors    unknown enumeration values are replaced, not asked
                           about
   --answer yes|no         answer all questions so, without asking
+  --threads N             as many as work on a reading; the cores without it
   --work-folder DIR       where files of the moment go
   --quiet                 no progress on a terminal
   -h, --help              this text

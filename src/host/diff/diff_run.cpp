@@ -85,6 +85,7 @@ class DiffRun {
     const Hearing hearing(told);
     if (order_.tolerant) document.ReadTolerantly();
     document.KeepWorkFileIn(order_.workFolder);
+    document.threads = order_.threads;
     document.ReservePaths({order_.before, order_.after});
     constexpr int kOneFile = 1;
     document.OpenFile(path, kOneFile);

@@ -2,6 +2,8 @@
 
 import json
 import os
+import random
+import re
 import signal
 import unittest
 
@@ -13,6 +15,36 @@ SAMPLES = os.path.join(os.path.dirname(__file__), '..', '..', '..', 'samples')
 # Under an emulator the program sees this machine's root as a drive.
 DRIVE = 'Z:' if os.environ.get('CORVEL_SYSTEM') == 'Windows' else ''
 GUID = '2O2Fr$t4X7Zf8NOew3FLOH'
+
+
+# Objects whose GUIDs programs make anew with each export.
+NAMELESS = re.compile(r"^(IFCREL\w*|IFCPROPERTYSET|IFCELEMENTQUANTITY)\('[^']*'")
+DIGITS = '0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_$'
+
+
+def another_export(text, seed):
+    """The same model with other numbers, in another order, and with other GUIDs of relations."""
+    chance = random.Random(seed)
+    head, data = text.split('DATA;', 1)
+    data, tail = data.rsplit('ENDSEC;', 1)
+    records = re.findall(r"#(\d+)=((?:[^;']|'(?:[^']|'')*')*;)", data)
+    numbers = list(range(1, len(records) + 1))
+    chance.shuffle(numbers)
+    new = {old: str(number) for (old, _), number in zip(records, numbers)}
+
+    def renumbered(record):
+        pieces = re.split(r"('(?:[^']|'')*')", record)
+        return ''.join(piece if piece.startswith("'") else
+                       re.sub(r'#(\d+)', lambda found: '#' + new[found.group(1)], piece)
+                       for piece in pieces)
+
+    def renamed(record):
+        guid = '0' + ''.join(chance.choice(DIGITS) for _ in range(21))
+        return NAMELESS.sub(lambda found: f"{found.group(1)}('{guid}'", record)
+
+    lines = [f'#{new[number]}={renamed(renumbered(record))}\n' for number, record in records]
+    chance.shuffle(lines)
+    return head + 'DATA;\n' + ''.join(lines) + 'ENDSEC;' + tail
 
 
 class Diff(CorvelTest):
@@ -93,6 +125,20 @@ class Diff(CorvelTest):
         self.assertEqual(told['before']['objects'] - 1, len(added))
         first_ones = {one['guid'] for one in told['added']} - {''}
         self.assertFalse(added & first_ones)
+
+    def test_two_exports_of_one_model_are_the_same(self):
+        for name in ('house_IFC4', 'office_structure_IFC4', 'office_architecture_IFC2X3'):
+            with open(os.path.join(SAMPLES, name + '.ifc'), encoding='latin-1', newline='') as file:
+                text = file.read()
+            self.write('first.ifc', text.encode('latin-1'))
+            for seed in range(2):
+                with self.subTest(name, seed=seed):
+                    other = another_export(text, seed).encode('latin-1')
+                    self.assertNotEqual(other, self.read('first.ifc'))
+                    self.write('second.ifc', other)
+                    ended = self.run_corvel('diff', 'first.ifc', 'second.ifc')
+                    self.assertEqual('no difference', ended.out.splitlines()[-1], ended.out)
+                    self.assert_ended(ended, DONE)
 
     def test_one_building_is_told_by_what_has_become_one(self):
         first, second = (DRIVE + os.path.abspath(os.path.join(SAMPLES, f'office_{part}_IFC4.ifc'))
