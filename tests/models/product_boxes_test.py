@@ -75,7 +75,6 @@ def by_name(product):
 
 class Boxes(ModelTest):
     installed = None
-    tolerance = _TOLERANCE
 
     def boxes(self, names):
         done = subprocess.run(['node', _SCRIPT, self.installed, *map(self.path, names)],
@@ -90,7 +89,7 @@ class Boxes(ModelTest):
         names = [self.copy(path) for path in paths]
         self.check_names(names, choices, key, moves)
 
-    def check_names(self, names, choices, key, moves):
+    def check_names(self, names, choices, key, moves, tolerance=_TOLERANCE):
         offsets = []
         for place, offset in enumerate(moves[:len(names)]):
             offsets += ['--offset', f'{place + 1}=' + ','.join(map(str, offset))]
@@ -104,7 +103,7 @@ class Boxes(ModelTest):
         for options, found in zip(choices, read[len(names):]):
             with self.subTest(models=names, options=' '.join(options)):
                 self.assertEqual(([], []), without_partner(wanted, found, key, shared=not moves,
-                                                           tolerance=self.tolerance))
+                                                           tolerance=tolerance))
 
 
 class Samples(Boxes):
@@ -208,10 +207,8 @@ def shapes_model():
 class OtherUnits(Boxes):
     """Truth is what web-ifc reads of each file by itself, in metres."""
 
-    tolerance = 1e-6
-
     def check_converted(self, names):
-        self.check_names(names, [IN_FIRST_UNITS], by_name, moves=())
+        self.check_names(names, [IN_FIRST_UNITS], by_name, moves=(), tolerance=1e-6)
 
     def test_AHouseInFeetAndAnOfficeInMillimetres(self):
         self.need_release('IFC2X3')
@@ -244,6 +241,13 @@ class OtherUnits(Boxes):
 
 @unittest.skipUnless(os.path.isdir(REAL_MODELS), f'no models of other makers in {REAL_MODELS}')
 class RealModels(Boxes):
+
+    def test_AHouseInMetresAndSteelInMillimetres(self):
+        names = [self.copy(os.path.join(REAL_MODELS, *path))
+                 for path in (('schependomlaan', 'IFC-staal.ifc'),
+                              ('duplex', 'Duplex_A_20110907.ifc'))]
+        for turn in (names, names[::-1]):
+            self.check_names(turn, [IN_FIRST_UNITS], by_name, moves=(), tolerance=1e-6)
 
     def test_PartsOfOneHouse(self):
         self.check(sorted(glob.glob(os.path.join(REAL_MODELS, 'schependomlaan', '*.ifc'))),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 
 #include "core/carried.h"
 #include "merge/federation/attribute_values.h"
@@ -73,12 +74,25 @@ class ModelConversion {
 
   void Note(IFC::IfcEntity& entity) {
     if (Carries(entity)) ++result_.carried;
+    if (!IsToBeNoted(FindFacts(entity))) return;
     curves_.Note(entity);
     spaces_.Note(entity);
     maps_.Note(entity);
   }
 
+  // Few classes are of interest before all others are converted.
+  bool IsToBeNoted(const ClassFacts* facts) {
+    if (facts == nullptr) return false;
+    const auto [place, isNew] = areToBeNoted_.try_emplace(facts);
+    if (isNew) {
+      place->second = CurveParameters::IsToBeNoted(*facts) || MapUnits::IsToBeNoted(*facts) ||
+                      spaces_.IsToBeNoted(*facts);
+    }
+    return place->second;
+  }
+
   IfcDocument& document_;
+  std::unordered_map<const ClassFacts*, bool> areToBeNoted_;
   CurveParameters curves_;
   MapUnits maps_;
   ValueSpaces spaces_;

@@ -105,7 +105,11 @@ CurveParameters::Form CurveParameters::FormOf(const IFC::IfcEntity& entity) cons
   const ClassFacts* const facts = FindFacts(entity);
   if (facts == nullptr) return Form::kOther;
   const auto [place, isNew] = forms_.try_emplace(facts, Form::kOther);
-  if (!isNew) return place->second;
+  if (isNew) place->second = FormOfClass(*facts);
+  return place->second;
+}
+
+CurveParameters::Form CurveParameters::FormOfClass(const ClassFacts& facts) {
   constexpr std::pair<std::string_view, Form> kForms[] = {
       {"IfcConic", Form::kConic},
       {"IfcLine", Form::kLine},
@@ -128,9 +132,9 @@ CurveParameters::Form CurveParameters::FormOf(const IFC::IfcEntity& entity) cons
       {"IfcSphericalSurface", Form::kRound},
       {"IfcToroidalSurface", Form::kRound},
       {"IfcSurfaceOfRevolution", Form::kRevolution}};
-  for (const ClassFacts* at = facts; at != nullptr; at = at->supertype) {
+  for (const ClassFacts* at = &facts; at != nullptr; at = at->supertype) {
     for (const auto& [name, form] : kForms) {
-      if (name == at->name) return place->second = form;
+      if (name == at->name) return form;
     }
   }
   return Form::kOther;
@@ -188,10 +192,11 @@ void CurveParameters::Note(const IFC::IfcEntity& entity) {
   if (FormOf(entity) == Form::kComposite) NoteComposite(entity, 0);
 }
 
+// One that is made of itself has no parts where it comes to itself.
 const std::vector<CurveParameters::Part>& CurveParameters::NoteComposite(
     const IFC::IfcEntity& composite, int depth) {
-  const auto known = composites_.find(&composite);
-  if (known != composites_.end()) return known->second;
+  const auto [place, isNew] = composites_.try_emplace(&composite);
+  if (!isNew) return place->second;
   std::vector<Part> parts;
   const EntityList* const segments = ReferencesOf(composite, "Segments");
   if (segments != nullptr && depth < kMostLevels) {
@@ -218,6 +223,11 @@ CurveParameters::Part CurveParameters::PartOf(const IFC::IfcEntity& segment, int
   } else {
     part.length = LengthOf(*parent, depth);
     if (FormOf(*parent) == Form::kComposite) part.composite = parent;
+  }
+  part.converted = part.length * FactorOf(part.measure);
+  if (part.composite != nullptr) {
+    part.converted = 0.0;
+    for (const Part& inner : NoteComposite(*parent, depth + 1)) part.converted += inner.converted;
   }
   return part;
 }
@@ -285,11 +295,12 @@ double CurveParameters::OnComposite(const IFC::IfcEntity* curve, double paramete
   double before = 0.0;
   double converted = 0.0;
   for (const Part& part : known->second) {
-    const bool isHere = parameter - before <= part.length || &part == &known->second.back();
-    const double rest = isHere ? parameter - before : part.length;
-    converted += part.composite == nullptr ? rest * FactorOf(part.measure)
-                                           : OnComposite(part.composite, rest, depth + 1);
-    if (isHere) return converted;
+    const double rest = parameter - before;
+    if (rest <= part.length || &part == &known->second.back()) {
+      return converted + (part.composite == nullptr ? rest * FactorOf(part.measure)
+                                                    : OnComposite(part.composite, rest, depth + 1));
+    }
+    converted += part.converted;
     before += part.length;
   }
   return parameter;

@@ -16,6 +16,10 @@ class CurveParameters {
   CurveParameters(const Conversions& conversions, const ModelUnits& units)
       : conversions_(conversions), units_(units) {}
 
+  // Whether Note has a use for objects of the class.
+  static bool IsToBeNoted(const ClassFacts& facts) {
+    return FormOfClass(facts) == Form::kComposite;
+  }
   // Remembers how long the parts of a composite curve are; any other object is passed over. To be
   // called before a number is converted.
   void Note(const IFC::IfcEntity& entity);
@@ -50,13 +54,15 @@ class CurveParameters {
     kRevolution
   };
   struct Part {
-    double length = 0.0;  // as the model has it
+    double length = 0.0;     // as the model has it
+    double converted = 0.0;  // as it is going to be
     Measure measure = Measure::kNone;
     const IFC::IfcEntity* composite = nullptr;  // null: the part is none
   };
   // The curve or surface whose parameters these are.
   const IFC::IfcEntity* Underlying(const IFC::IfcEntity* entity) const;
   Form FormOf(const IFC::IfcEntity& entity) const;
+  static Form FormOfClass(const ClassFacts& facts);
   Part PartOf(const IFC::IfcEntity& segment, int depth);
   double LengthOf(const IFC::IfcEntity& curve, int depth);
   double LengthOfTrimmed(const IFC::IfcEntity& trimmed) const;

@@ -39,10 +39,7 @@ bool IsLength(const IFC::IfcEntity* value) {
 
 void MapUnits::Note(IFC::IfcEntity& entity) {
   const ClassFacts* const facts = FindFacts(entity);
-  if (facts == nullptr) return;
-  const auto [place, isNew] = arePropertySets_.try_emplace(facts);
-  if (isNew) place->second = std::string_view(facts->name) == "IfcPropertySet";
-  if (!place->second) return;
+  if (facts == nullptr || !IsToBeNoted(*facts)) return;
   const WideString name = TextOf(entity, "Name");
   if (!IsNameOfMapProperties(name)) return;
   if (ToLowerAscii(name) == u"epset_mapconversion") conversions_.push_back(&entity);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -20,8 +19,12 @@ class MapUnits {
  public:
   explicit MapUnits(double lengthFactor) : lengthFactor_(lengthFactor) {}
 
-  // IFC2X3 tells it by property sets: looks at one object of the model. Each is to be given once.
+  // IFC2X3 tells it by property sets: looks at one object of such a class. Each is to be given
+  // once.
   void Note(IFC::IfcEntity& entity);
+  static bool IsToBeNoted(const ClassFacts& facts) {
+    return std::string_view(facts.name) == "IfcPropertySet";
+  }
   // Behind the last Note: puts in the scales that have come to be needed. False: there are no
   // numbers left, which has been reported.
   bool PutInScales(IfcDocument& document);
@@ -44,7 +47,6 @@ class MapUnits {
   std::vector<IFC::IfcEntity*> conversions_;
   std::unordered_set<const IFC::IfcEntity*> coordinates_;
   std::unordered_set<const IFC::IfcEntity*> scales_;
-  std::unordered_map<const ClassFacts*, bool> arePropertySets_;
 };
 
 }  // namespace corvel

@@ -194,6 +194,15 @@ void ValueSpaces::Note(IFC::IfcEntity& entity) {
   }
 }
 
+bool ValueSpaces::IsToBeNoted(const ClassFacts& facts) {
+  const std::vector<PlannedValue>& plan = plans_.Of(facts);
+  const bool hasSpace = std::any_of(plan.begin(), plan.end(), [](const PlannedValue& planned) {
+    return planned.role == ValueRole::kParameterSpace || planned.role == ValueRole::kTextureSpace ||
+           planned.role == ValueRole::kInTimeSeries || planned.role == ValueRole::kInLibrary;
+  });
+  return hasSpace || std::string_view(facts.name) == "IfcTable";
+}
+
 void ValueSpaces::NoteCurve(IFC::IfcEntity& pcurve, const PlannedValue& planned) {
   const IFC::IfcEntity* const surface = ReferenceOf(pcurve, "BasisSurface");
   const IFC::IfcEntity* const curve = ReferenceOf(pcurve, "ReferenceCurve");

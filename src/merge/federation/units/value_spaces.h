@@ -33,6 +33,8 @@ class ValueSpaces {
 
   // Looks at one object of the model. Each is to be given once, before Separate.
   void Note(IFC::IfcEntity& entity);
+  // Whether that has a use for objects of the class.
+  bool IsToBeNoted(const ClassFacts& facts);
   // Makes the copies and files them. Costs nothing where there is no such space, and a walk over
   // the references of the model where there is. False: the user cancelled, or there are no numbers
   // left, which has been reported.

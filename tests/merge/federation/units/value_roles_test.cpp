@@ -201,6 +201,20 @@ TEST_F(ValueRoles, OnCompositeCurvesThePartsAddUp) {
   EXPECT_EQ(at("0.", "11.283185307179586"), "#1=IFCSWEPTDISKSOLID(#10,100.,$,0.,365.);");
 }
 
+TEST_F(ValueRoles, ACompositeOfCompositesAddsUpTheSameAndOneOfItselfDoesNoHarm) {
+  const std::string outer =
+      "#2=IFCCOMPOSITECURVE((#3,#4),.F.);\n#3=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#10);\n"
+      "#4=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#10);\n";
+  // Behind the whole of the first one half of the half circle in the second.
+  std::string lines =
+      Converted("#1=IFCSWEPTDISKSOLID(#2,0.1,$,0.,17.853981633974483);\n" + outer + kComposite);
+  EXPECT_EQ(lines.substr(0, lines.find('\n')), "#1=IFCSWEPTDISKSOLID(#2,100.,$,0.,4.6E+02);");
+  lines = Converted(
+      "#1=IFCSWEPTDISKSOLID(#2,0.1,$,0.,5.);\n#2=IFCCOMPOSITECURVE((#3,#3,#3),.F.);\n"
+      "#3=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#2);\n");
+  EXPECT_EQ(lines.substr(0, lines.find('\n')), "#1=IFCSWEPTDISKSOLID(#2,100.,$,0.,5.);");
+}
+
 TEST_F(ValueRoles, ParametersOfPointsAndSegmentsGoByTheirCurve) {
   const std::string circle =
       "#8=IFCCIRCLE(#9,1.);\n#9=IFCAXIS2PLACEMENT2D(#7,$);\n#7=IFCCARTESIANPOINT((0.,0.));\n";
