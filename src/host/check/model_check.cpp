@@ -1,11 +1,10 @@
 #include "host/check/model_check.h"
 
 #include <algorithm>
+#include <deque>
 #include <iterator>
-#include <memory>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "core/carried.h"
@@ -23,6 +22,7 @@
 #include "host/run_checks.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
+#include "merge/federation/per_class.h"
 #include "schema/registry.h"
 #include "step/reader/parser.h"
 #include "step/streams/line_numbers.h"
@@ -61,32 +61,31 @@ class ObjectWalk {
 
  private:
   struct ClassPlan {
-    explicit ClassPlan(const ClassFacts& facts)
-        : values(facts), role(ProjectCheck::RoleOf(facts)) {}
+    explicit ClassPlan(const ClassFacts& ofClass)
+        : facts(ofClass), values(ofClass), role(ProjectCheck::RoleOf(ofClass)) {}
 
+    const ClassFacts& facts;
     ValueCheck values;
     ProjectCheck::Role role;
     RelationCheck::ClassPlan relations;
     bool isPlacement = false;
+    bool isRoot = false;
   };
 
-  ClassPlan& PlanOf(const ClassFacts& facts, IFC::IfcEntity& entity) {
-    if (&facts == lastFacts_) return *lastPlan_;
-    std::unique_ptr<ClassPlan>& plan = plans_[&facts];
-    if (plan == nullptr) {
-      plan = std::make_unique<ClassPlan>(facts);
-      plan->relations = relations_.PlanOf(entity);
-      plan->isPlacement = isPlacement_.IsTrueOf(entity);
-    }
-    lastFacts_ = &facts;
-    lastPlan_ = plan.get();
-    return *plan;
+  // Null for what is of no class.
+  ClassPlan* PlanOf(IFC::IfcEntity& entity) {
+    return planOf_.Of(entity, [&](const ClassFacts* facts) -> ClassPlan* {
+      if (facts == nullptr) return nullptr;
+      ClassPlan& plan = plans_.emplace_back(*facts);
+      plan.relations = relations_.PlanOf(entity);
+      plan.isPlacement = isPlacement_.IsTrueOf(entity);
+      plan.isRoot = EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr;
+      return &plan;
+    });
   }
 
   std::string_view LookAtGuid(IFC::IfcEntity& entity, const ClassFacts& facts) {
-    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
-    if (root == nullptr) return {};
-    const std::string_view guid = root->getGlobalId();
+    const std::string_view guid = EntityCast<IFC::VirtualIfcRoot>(&entity)->getGlobalId();
     const auto packed = CheckGuid(entity, facts, guid, findings_);
     if (packed && order_.keepsHolders) {
       checked_.holders.push_back({*packed, entity.marker, &facts});
@@ -95,10 +94,10 @@ class ObjectWalk {
   }
 
   void Look(IFC::IfcEntity& entity) {
-    const ClassFacts* const facts = FindFacts(entity);
-    if (facts == nullptr) return;
-    ClassPlan& plan = PlanOf(*facts, entity);
-    const std::string_view guid = LookAtGuid(entity, *facts);
+    ClassPlan* const found = PlanOf(entity);
+    if (found == nullptr) return;
+    ClassPlan& plan = *found;
+    const std::string_view guid = plan.isRoot ? LookAtGuid(entity, plan.facts) : std::string_view();
     if (plan.role != ProjectCheck::Role::kNone) project_.Look(entity, plan.role);
     if (plan.isPlacement) placements_.push_back(&entity);
     if (!plan.relations.IsEmpty()) relations_.Look(entity, plan.relations);
@@ -116,9 +115,8 @@ class ObjectWalk {
   ClassQuestion isPlacement_{"IfcObjectPlacement"};
   std::vector<IFC::IfcEntity*> placements_;
   std::vector<std::uint32_t> withZero_;
-  std::unordered_map<const ClassFacts*, std::unique_ptr<ClassPlan>> plans_;
-  const ClassFacts* lastFacts_ = nullptr;
-  ClassPlan* lastPlan_ = nullptr;
+  std::deque<ClassPlan> plans_;
+  PerClass<ClassPlan*> planOf_;
 };
 
 // Behind the objects those that only the text tells, and the offsets of all places.

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <map>
 #include <string_view>
-#include <unordered_map>
 
 #include "core/entity_cast.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
+#include "merge/federation/per_class.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "schema/interfaces/product.h"
 #include "schema/registry.h"
@@ -19,7 +19,9 @@ namespace {
 enum class Kind : std::uint8_t { kOther, kProduct, kProject, kContext, kSystem, kApplication };
 
 struct ClassCount {
+  const ClassFacts* facts = nullptr;
   Kind kind = Kind::kOther;
+  bool isRoot = false;
   std::uint64_t objects = 0;
 };
 
@@ -40,12 +42,14 @@ class FactsWalk {
   explicit FactsWalk(ModelFacts& facts) : facts_(facts), extent_(facts.metresPerLengthUnit) {}
 
   void Look(IFC::IfcEntity& entity) {
-    const ClassFacts* const facts = FindFacts(entity);
-    const auto [known, isNew] = classes_.try_emplace(facts);
-    if (isNew) known->second.kind = KindOf(facts);
-    ++known->second.objects;
-    if (auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity)) guids_.Add(*root);
-    if (known->second.kind != Kind::kOther) Note(known->second.kind, entity);
+    ClassCount& known = classes_[places_.Of(entity, [&](const ClassFacts* facts) {
+      const bool isRoot = EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr;
+      classes_.push_back({facts, KindOf(facts), isRoot});
+      return classes_.size() - 1;
+    })];
+    ++known.objects;
+    if (known.isRoot) guids_.Add(*EntityCast<IFC::VirtualIfcRoot>(&entity));
+    if (known.kind != Kind::kOther) Note(known.kind, entity);
   }
 
   void Finish() {
@@ -53,8 +57,8 @@ class FactsWalk {
     facts_.doubledGuids = guids_.Result();
     // A class may have been read by several releases.
     std::map<std::string, std::uint64_t> byName;
-    for (const auto& [facts, count] : classes_) {
-      if (count.kind == Kind::kProduct) byName[facts->name] += count.objects;
+    for (const ClassCount& count : classes_) {
+      if (count.kind == Kind::kProduct) byName[count.facts->name] += count.objects;
     }
     facts_.products.assign(byName.begin(), byName.end());
     std::stable_sort(facts_.products.begin(), facts_.products.end(),
@@ -87,7 +91,8 @@ class FactsWalk {
   ModelFacts& facts_;
   ExtentMeasure extent_;
   DoubledGuidSearch guids_;
-  std::unordered_map<const ClassFacts*, ClassCount> classes_;
+  std::vector<ClassCount> classes_;
+  PerClass<std::size_t> places_;  // among them
 };
 
 }  // namespace
