@@ -2,11 +2,13 @@
 
 import io
 import os
+import signal
 import subprocess
 import unittest
 import zipfile
 
-from support import DONE, NOTHING_WRITTEN, PROGRAM, WRONG_USAGE, CorvelTest, project, wall
+from support import (CANCELLED, DONE, LONGEST_RUN, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, WRONG_USAGE,
+                     CorvelTest, is_ready, project, wall)
 
 GUIDS = ('2O2Fr$t4X7Zf8NOew3FLOH', '1hqIFTRjfV6AWq_bMtnZwI')
 MODEL = project(*wall(10, GUIDS[0]))
@@ -61,6 +63,18 @@ class Pipes(CorvelTest):
         self.assertIn(GUIDS[0].encode(), out)
         self.assertEqual(DONE, self.piped(MODEL, 'diff', 'a.ifc', '-')[0])
         self.assertEqual(DONE, self.piped(MODEL, 'info', '-')[0])
+
+    @unittest.skipIf(ON_WINDOWS, 'there is no such signal')
+    def test_an_interrupt_ends_the_waiting_for_more(self):
+        os.mkdir(self.path('work'))
+        process = self.start('tree', '-', '--work-folder', 'work', stdin=subprocess.PIPE)
+        process.stdin.write(MODEL[:100])
+        process.stdin.flush()
+        self.wait_for(lambda: is_ready(process) and os.listdir(self.path('work')))
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(CANCELLED, process.wait(timeout=LONGEST_RUN))
+        self.assertEqual(b'corvel: Cancelled, nothing was read.\n', process.stderr.read())
+        self.assertEqual([], os.listdir(self.path('work')))
 
     def test_a_file_of_that_name_has_a_path(self):
         self.write('-', b'')
