@@ -18,7 +18,7 @@ struct DiffOrder {
   bool tolerant = false;
   bool json = false;
   bool inColours = false;
-  unsigned threads = 1;  // of each reading
+  unsigned threads = 1;   // of each reading
   WideString workFolder;  // of the files that the readings need meanwhile
 };
 
