@@ -256,7 +256,7 @@ TEST_P(DiffOfEveryClass, AChangedAttributeOfAnObjectIsToldAndNothingElse) {
       }
     }
   }
-  EXPECT_LT(300u, told);
+  EXPECT_LT(100u, told);
 }
 
 TEST_P(DiffOfEveryClass, AChangedAttributeOfAValueIsToldAndNothingElse) {
@@ -283,7 +283,7 @@ TEST_P(DiffOfEveryClass, AChangedAttributeOfAValueIsToldAndNothingElse) {
       told += found.empty() ? 0 : 1;
     }
   }
-  EXPECT_LT(500u, told);
+  EXPECT_LT(300u, told);
 }
 
 TEST_P(DiffOfEveryClass, AChangedAttributeOfARelationIsToldOfTheObjectsThatItIsAFactAbout) {
@@ -312,7 +312,7 @@ TEST_P(DiffOfEveryClass, AChangedAttributeOfARelationIsToldOfTheObjectsThatItIsA
       EXPECT_TRUE(wanted.contains(word)) << word << " for attribute " << k;
     }
   }
-  EXPECT_LT(60u, told);
+  EXPECT_LT(30u, told);
 }
 
 }  // namespace corvel::host::diff
