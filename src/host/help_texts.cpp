@@ -95,6 +95,9 @@ constexpr char16_t kFederationOptions[] =
   --contexts keep|join    join: a context of a later model gives way to an
                           equal one of an earlier model, and those that stay
                           are entered in the project
+  --place keep|map        map: later models stand relative to the first as
+                          their map conversions say, if these are of one
+                          reference system; what is shown elsewhere stays
   --tree keep|guid|name|elevation|one
                           sites, buildings and storeys of later models give
                           way to those of earlier ones, from the top down:

@@ -172,8 +172,8 @@ RunResult ModelRun::Write() {
                 order_.output);
   PluginSession session(order_.userFolder);
   plugin::Plugin& plugin = session.ThePlugin();
-  plugin.SetListener(Listener());
   MergeOptions options = order_.choices.Over(plugin.RunOptions());
+  plugin.SetListener(Listener(options.federation.placeByMap));
   options.workFolder = order_.workFolder;
   options.isDryRun = order_.isDryRun;
   plugin.OverrideOptions(options);
@@ -197,14 +197,19 @@ RunResult ModelRun::Extract(const Viewer& viewer, const MergeOptions& options) {
   return Resave({order_.inputs.front(), viewer.Output(), options, mode, Observer()});
 }
 
+void ModelRun::Warn(const WideString& line) {
+  console_.Say(line);
+  if (gatherer_) gatherer_->AddMessage(line);
+}
+
 // What is worth knowing and changes nothing, the exit status included.
-plugin::RunListener ModelRun::Listener() {
+plugin::RunListener ModelRun::Listener(bool placesByMap) {
   plugin::RunListener listener;
-  listener.modelsCompared = [this](const auto& documents) {
-    for (const WideString& line : WarningsAbout(documents)) {
-      console_.Say(line);
-      if (gatherer_) gatherer_->AddMessage(line);
-    }
+  listener.modelsCompared = [this, placesByMap](const auto& documents) {
+    for (const WideString& line : WarningsAbout(documents, placesByMap)) Warn(line);
+  };
+  listener.placesFound = [this](const auto& warnings) {
+    for (const auto& [path, text] : warnings) Warn(Printable(path) + u": " + text);
   };
   listener.observer = Observer();
   listener.outputNotRemembered = [this](const WideString& folder) {

@@ -61,7 +61,8 @@ class ModelRun {
   RunResult Write();
   RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
   RunResult Extract(const Viewer& viewer, const MergeOptions& options);
-  plugin::RunListener Listener();
+  void Warn(const WideString& line);
+  plugin::RunListener Listener(bool placesByMap);
   void SayRemarks();
   void WriteReports();
   RunObserver* Observer() { return gatherer_ ? &*gatherer_ : nullptr; }

@@ -32,7 +32,7 @@ class Comparison {
   explicit Comparison(const IfcDocument& first)
       : first_(first), unit_(LengthUnitOf(first)), conversion_(MapConversionOf(first)) {}
 
-  void Tell(const IfcDocument& document, std::vector<WideString>& lines) const {
+  void Tell(const IfcDocument& document, bool placesByMap, std::vector<WideString>& lines) const {
     const LengthUnit unit = LengthUnitOf(document);
     if (Differ(unit_, unit)) {
       const bool isSure = unit.metres && unit_.metres;
@@ -41,6 +41,7 @@ class Comparison {
                       u"; its numbers are not changed, so that it " +
                       (isSure ? u"arrives" : u"may arrive") + u" at another scale");
     }
+    if (placesByMap) return;
     if (const WideString text = AboutConversion(MapConversionOf(document)); !text.empty()) {
       lines.push_back(NameOf(document) + u": " + text +
                       u"; its numbers are not changed, so that it may stand at another place");
@@ -63,14 +64,15 @@ class Comparison {
 
 }  // namespace
 
-std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models) {
+std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models, bool placesByMap) {
   std::vector<WideString> lines;
   if (models.empty()) return lines;
   const Comparison comparison(*models.front().document);
   for (std::size_t i = 1; i < models.size(); ++i) {
     const RunModel& model = models[i];
     if (!model.unitsValid) lines.push_back(AboutLeftOut(model));
-    if (model.mergeable && model.document->IsParsed()) comparison.Tell(*model.document, lines);
+    if (model.mergeable && model.document->IsParsed())
+      comparison.Tell(*model.document, placesByMap, lines);
   }
   return lines;
 }

@@ -13,6 +13,7 @@ namespace corvel::host {
 // model pass that was left out for its units; a length unit of another size; another map
 // conversion. Nothing is changed, and none of it is an error. The models have been compared. Looks
 // at each object of a model once.
-std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models);
+// `placesByMap`: the run itself tells of map conversions, and nothing is said of them here.
+std::vector<WideString> WarningsAbout(const std::vector<RunModel>& models, bool placesByMap);
 
 }  // namespace corvel::host

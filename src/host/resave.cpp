@@ -47,8 +47,10 @@ bool KeepChosen(IfcDocument& document, const ResaveOrder& order) {
   ShowStep("deleting_entities_from", order.input);
   ProgressWindow::Instance().StartStage(kDeletingWeight);
   TellStage(order, RunStage::kChoose);
-  const Outcome outcome = KeepChosenObjects(document, project, scene, *order.chosen,
-                                            order.options.deleteOpenings, order.observer);
+  const Outcome outcome = KeepChosenObjects(
+      document, project, scene,
+      {*order.chosen, order.options.deleteOpenings, order.options.federation.placeByMap},
+      order.observer);
   if (outcome == Outcome::kFailed) plugin::ShowError("", u"Nothing can be extracted.", kReportShow);
   return outcome == Outcome::kComplete && !Cancellation::OfProcess().WasConfirmed();
 }

@@ -2,24 +2,36 @@
 
 #include <vector>
 
+#include "merge/federation/place/map_places.h"
 #include "merge/marker_pair.h"
 #include "merge/project_offsets.h"
 
 namespace corvel {
 
+namespace {
+
+// A single model is the first one, which no map places, and which stays where it is on its own.
+bool Move(IfcDocument& document, HostObject project, HostScene& scene, bool placeByMap) {
+  if (!placeByMap) return ApplyProjectOffsets(document, project, scene);
+  const MapPlaces::Model model = {&document, project};
+  return MapPlaces({model}, scene).Place(model, scene);
+}
+
+}  // namespace
+
 // The offset comes first: what carries it is kept with the objects.
 Outcome KeepChosenObjects(IfcDocument& document, HostObject project, HostScene& scene,
-                          SavingMode mode, bool deleteOpenings, RunObserver* observer) {
-  if (!ApplyProjectOffsets(document, project, scene)) return Outcome::kFailed;
+                          const ObjectChoice& choice, RunObserver* observer) {
+  if (!Move(document, project, scene, choice.placeByMap)) return Outcome::kFailed;
   ObjectSelection selection(scene);
   std::vector<HostObject> save;
   std::vector<HostObject> leftOut;
-  selection.getObjectsID(mode, project, save, leftOut);
+  selection.getObjectsID(choice.mode, project, save, leftOut);
   std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
   std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
-  TellChoice(observer, document, project, scene, mode, leftOut);
+  TellChoice(observer, document, project, scene, choice.mode, leftOut);
   constexpr int kOneFile = 1;
-  if (!document.DeleteObjects(deletePairs, savePairs, false, deleteOpenings, kOneFile,
+  if (!document.DeleteObjects(deletePairs, savePairs, false, choice.deleteOpenings, kOneFile,
                               ListenerFor(observer, document))) {
     return Outcome::kCancelled;
   }

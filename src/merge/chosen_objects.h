@@ -9,11 +9,17 @@
 
 namespace corvel {
 
+struct ObjectChoice {
+  SavingMode mode = SavingMode::kMergeActive;
+  bool deleteOpenings = false;
+  bool placeByMap = false;  // the model stays where it is on the map though it is moved
+};
+
 // Moves the model as the host shows it, and deletes what does not count: what a merge does with
 // each of its models. `document` has been read, and is `project` in the scene. Its markers are true
 // afterwards. Failed (reported): there is no number left. `observer` may be null.
 Outcome KeepChosenObjects(IfcDocument& document, HostObject project, HostScene& scene,
-                          SavingMode mode, bool deleteOpenings, RunObserver* observer = nullptr);
+                          const ObjectChoice& choice, RunObserver* observer = nullptr);
 
 // What the observer, if there is one, is told of a model that is about to be marked, and what hears
 // the steps of it for him.

@@ -220,6 +220,7 @@ bool MergeJob::PrepareModels() {
   shell_.TellModelsCompared(models_);
   if (observer_ != nullptr) observer_->ModelsAreCompared(models_);
   if (mergeableCount < 2) return false;
+  PlanPlaces();
   for (const RunModel& model : models_) {
     if (!model.mergeable) continue;
     if (!model.document->IsParsed()) {
@@ -238,6 +239,27 @@ bool MergeJob::PrepareModels() {
   return true;
 }
 
+// Of all models, before the first is moved.
+void MergeJob::PlanPlaces() {
+  places_.reset();
+  if (!shell_.Options().federation.placeByMap) return;
+  std::vector<MapPlaces::Model> models;
+  for (const RunModel& model : models_) {
+    if (model.mergeable && model.document->IsParsed()) {
+      models.push_back({model.document.get(), model.hostProject});
+    }
+  }
+  if (models.empty() || models.front().document != models_.front().document.get()) return;
+  places_.emplace(models, scene_);
+  shell_.TellPlaces(places_->Warnings());
+}
+
+bool MergeJob::MoveToItsPlace(const RunModel& model) {
+  IfcDocument& document = *model.document;
+  if (places_) return places_->Place({&document, model.hostProject}, scene_);
+  return ApplyProjectOffsets(document, model.hostProject, scene_);
+}
+
 // Its offset comes before its objects are chosen: what carries the offset is kept with them. False
 // when there is no number left for that.
 bool MergeJob::PrepareModel(const RunModel& model, int weight) {
@@ -250,7 +272,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight) {
   // The first is what the others are measured by.
   if (&model != &models_.front()) AdjustUnit(model);
   Log(u"Applying projects offsets to file: " + path);
-  if (!ApplyProjectOffsets(document, model.hostProject, scene_)) return false;
+  if (!MoveToItsPlace(model)) return false;
   Log(u"Done.");
   Log(u"getObjectsToSaveAndDelete");
   ObjectSelection selection(scene_);
@@ -287,7 +309,8 @@ bool MergeJob::Fold() {
     shell_.SetCurrentFile(source.getFilePath());
   };
   const FederationChoices federation = shell_.Options().federation;
-  const PreparedFederation prepared = PrepareFederation(documents, federation);
+  PreparedFederation prepared = PrepareFederation(documents, federation);
+  if (places_) prepared.oneMap = places_->BehindFold();
   const bool merged = MergeDocuments(documents, {}, announce) != nullptr;
   // A fold that was stopped half way has a model too, but not the one that was wanted.
   if (Cancellation::OfProcess().WasConfirmed()) return false;
@@ -380,6 +403,7 @@ RunResult MergeJob::End(bool written) {
       result.remarks.emplace_back(model.document->getFilePath(), remark);
     }
   }
+  places_.reset();
   result.written = written;
   result.cancelled = Cancellation::OfProcess().WasConfirmed();
   result.outputKeptAt = std::move(outputKeptAt_);

@@ -1,10 +1,12 @@
 // From the host's list of loaded projects to one written file.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "merge/federation/place/map_places.h"
 #include "merge/host_scene.h"
 #include "merge/merge_shell.h"
 #include "merge/object_selection.h"
@@ -58,6 +60,8 @@ class MergeJob {
   bool ReadAll();
   bool Read(HostObject project);
   bool PrepareModels();
+  void PlanPlaces();
+  bool MoveToItsPlace(const RunModel& model);
   bool PrepareModel(const RunModel& model, int weight);
   void TellMergeFailed();
   bool Fold();
@@ -76,6 +80,7 @@ class MergeJob {
   std::vector<HostObject> files_;  // in the order of the run
   std::vector<HostObject> projects_;
   std::vector<RunModel> models_;
+  std::optional<MapPlaces> places_;  // where models are placed by a map
   SavingMode mode_ = SavingMode::kMergeActive;
   WideString outputPath_;
   WideString outputKeptAt_;

@@ -8,6 +8,7 @@
 #include "core/reporting.h"
 #include "core/text.h"
 #include "merge/federation/choices.h"
+#include "merge/federation/place/place_warning.h"
 #include "merge/host_scene.h"
 #include "merge/run_model.h"
 
@@ -80,6 +81,9 @@ class MergeShell {
 
   // All models have been read and measured by the first one. For shells that have a use for it.
   virtual void TellModelsCompared(const std::vector<RunModel>& /*models*/) {}
+
+  // Which models the map places badly or not at all. Only where models are placed by it.
+  virtual void TellPlaces(const std::vector<PlaceWarning>& /*warnings*/) {}
 
   // Forgets errors and cancels of an earlier run.
   virtual void StartRun() = 0;

@@ -21,9 +21,13 @@ namespace corvel {
 // placement, their numbers on the others. Trouble with the length unit is reported. One walk over
 // the model, however long its chains of placements are.
 //
+// By how much it was moved, in its length unit, stands in `applied`, if that is not null; what is
+// not moved leaves it alone.
+//
 // False when there are not enough numbers left for the new entities, which has been reported: the
 // model is then half moved, and of no use.
-bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene);
+bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene,
+                         std::array<double, 3>* applied = nullptr);
 
 // By how much the host shows the project away from its own coordinates, in millimetres.
 std::array<double, 3> OffsetOf(HostObject project, HostScene& scene);

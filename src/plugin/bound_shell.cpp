@@ -59,6 +59,10 @@ void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
   if (const auto& listener = plugin_.Listener().modelsCompared) listener(models);
 }
 
+void BoundShell::TellPlaces(const std::vector<PlaceWarning>& warnings) {
+  if (const auto& listener = plugin_.Listener().placesFound) listener(warnings);
+}
+
 void BoundShell::StartRun() { plugin::StartRun(); }
 
 void BoundShell::FinishRun() {

@@ -25,6 +25,7 @@ class BoundShell final : public MergeShell {
   ProgressCallback Ticks() override;
   RunObserver* Observer() override;
   void TellModelsCompared(const std::vector<RunModel>& models) override;
+  void TellPlaces(const std::vector<PlaceWarning>& warnings) override;
   void StartRun() override;
   void FinishRun() override;
   void OpenProgress(const WideString& title) override;

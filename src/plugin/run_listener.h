@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/text.h"
+#include "merge/federation/place/place_warning.h"
 #include "merge/host_scene.h"
 #include "merge/run_model.h"
 #include "merge/run_observer.h"
@@ -16,6 +17,8 @@ namespace corvel::plugin {
 struct RunListener {
   // All models have been read and measured by the first one; none has been changed yet.
   std::function<void(const std::vector<RunModel>&)> modelsCompared;
+  // Which models the map places badly or not at all; the log has it as well.
+  std::function<void(const std::vector<PlaceWarning>&)> placesFound;
   // The folder for LastPath.txt refuses it. Without a listener that is a report of the run.
   std::function<void(const WideString& folder)> outputNotRemembered;
   // The objects of a project, in the order of the scene. A viewer is asked for all objects and the

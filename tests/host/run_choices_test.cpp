@@ -215,16 +215,21 @@ TEST(RunChoices, NothingOfFederationIsOnByDefault) {
 
 TEST(RunChoices, FederationIsChosenStepByStep) {
   ChoiceWords words;
-  words.federation = {Option("contexts", "join"), Option("guids", "renew"), Option("header", "new"),
-                      Option("prune"), Option("stamp")};
+  words.federation = {Option("contexts", "join"),
+                      Option("guids", "renew"),
+                      Option("header", "new"),
+                      Option("prune"),
+                      Option("stamp"),
+                      Option("place", "map")};
   RunChoices choices = Understood(words);
   EXPECT_TRUE(choices.federation.joinContexts);
   EXPECT_EQ(GuidHandling::kRenew, choices.federation.guids);
   EXPECT_TRUE(choices.federation.newHeader);
   EXPECT_TRUE(choices.federation.prune);
+  EXPECT_TRUE(choices.federation.placeByMap);
   EXPECT_TRUE(choices.federation.stamp);
   EXPECT_TRUE(choices.Over({}).federation.joinContexts);
-  words.federation = {Option("contexts", "keep"), Option("guids", "keep"),
+  words.federation = {Option("contexts", "keep"), Option("guids", "keep"), Option("place", "keep"),
                       Option("header", "told")};
   choices = Understood(words);
   EXPECT_FALSE(choices.federation.ChangeModel());
@@ -238,6 +243,9 @@ TEST(RunChoices, AStepOfFederationTakesItsOwnWords) {
   words = {};
   words.federation = {Option("guids", "")};
   EXPECT_EQ("--guids takes 'keep', 'renew' or 'join', not ''", MistakeIn(words));
+  words = {};
+  words.federation = {Option("place", "join")};
+  EXPECT_EQ("--place takes 'keep' or 'map', not 'join'", MistakeIn(words));
   words = {};
   words.federation = {Option("header", "join")};
   EXPECT_EQ("--header takes 'told' or 'new', not 'join'", MistakeIn(words));

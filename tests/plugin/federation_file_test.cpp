@@ -66,7 +66,8 @@ TEST_F(FederationFile, TheFirstMistakeIsToldWithItsLine) {
 
 TEST_F(FederationFile, HasTheStepsOfTheCommandLine) {
   EXPECT_EQ("", Mistake("contexts = join\nguids=renew\nheader = new\nprune\nstamp # all\n"
-                        "numbers = exact\nshare-equal\n"));
+                        "numbers = exact\nshare-equal\nplace = map\n"));
+  EXPECT_TRUE(options_.steps.placeByMap);
   EXPECT_TRUE(options_.steps.shareEqual);
   EXPECT_EQ(NumberForm::kExact, options_.steps.numbers);
   EXPECT_TRUE(options_.steps.joinContexts);

@@ -27,6 +27,7 @@ struct FederationChoices {
   bool convertUnits = false;  // later models are rewritten in the units of the first
   bool joinContexts = false;
   TreeMatching tree = TreeMatching::kKeep;
+  bool placeByMap = false;    // later models stand where the map of the first one says
   double toleranceMm = 10.0;  // storeys that differ by no more are at one height
   // What would become one is written to this file, and nothing else is written anywhere.
   std::optional<WideString> proposeTree{};
@@ -41,8 +42,8 @@ struct FederationChoices {
 
   bool JoinTrees() const { return tree != TreeMatching::kKeep || treeMap; }
   bool ChangeModel() const {
-    return joinContexts || JoinTrees() || proposeTree || guids != GuidHandling::kKeep || prune ||
-           shareEqual || stamp;
+    return joinContexts || placeByMap || JoinTrees() || proposeTree ||
+           guids != GuidHandling::kKeep || prune || shareEqual || stamp;
   }
 };
 

@@ -9,6 +9,7 @@
 #include "merge/federation/join_equal_objects.h"
 #include "merge/federation/lost_hosts.h"
 #include "merge/federation/mend_relations.h"
+#include "merge/federation/place/drop_conversions.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/renew_guids.h"
 #include "merge/federation/share_equal.h"
@@ -42,10 +43,21 @@ class Steps {
   Steps(FederatedModel& model, ProgressCallback progress, RunObserver* observer)
       : model_(model), progress_(progress), observer_(observer) {}
 
-  bool JoinContexts() {
+  bool DropConversions(const OneMap& oneMap) {
+    std::size_t dropped = 0;
+    const bool done = Run(u"maps", [&](Ticker& ticker) {
+      return corvel::DropConversions(model_, oneMap.leftovers, ticker, dropped);
+    });
+    Log(u"Objects left out since the map of the first model counts: " + Count(dropped));
+    Tell({"place", {{"onOneMap", oneMap.documents.size()}, {"leftOut", dropped}}});
+    return done;
+  }
+
+  bool JoinContexts(const OneMap& oneMap) {
     JoinedContexts counts;
-    const bool done = Run(
-        u"contexts", [&](Ticker& ticker) { return corvel::JoinContexts(model_, ticker, counts); });
+    const bool done = Run(u"contexts", [&](Ticker& ticker) {
+      return corvel::JoinContexts(model_, oneMap.documents, ticker, counts);
+    });
     Log(u"Contexts joined: " + Count(counts.joined) + u", entered in the project: " +
         Count(counts.entered));
     for (const WideString& context : counts.apart) {
@@ -224,7 +236,8 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
   if (!choices.ChangeModel()) return true;
   FederatedModel model(documents);
   Steps steps(model, progress, observer);
-  if (choices.joinContexts && !steps.JoinContexts()) return false;
+  if (choices.placeByMap && !steps.DropConversions(prepared.oneMap)) return false;
+  if (choices.joinContexts && !steps.JoinContexts(prepared.oneMap)) return false;
   const TreeTask tree = {choices, prepared.guids, showError};
   if (choices.proposeTree) return steps.ProposeTree(tree);
   const bool joinsTrees = choices.JoinTrees();

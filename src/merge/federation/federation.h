@@ -6,6 +6,7 @@
 #include "core/reporting.h"
 #include "merge/document.h"
 #include "merge/federation/choices.h"
+#include "merge/federation/place/map_places.h"
 #include "merge/federation/tree/spatial_structure.h"
 #include "merge/run_observer.h"
 
@@ -14,6 +15,7 @@ namespace corvel {
 // What has to be remembered of the models from before the fold.
 struct PreparedFederation {
   GuidsAsRead guids;
+  OneMap oneMap;  // where models were placed
 };
 
 // Before the models are folded: what has to be seen in each by itself. The documents have their

@@ -48,6 +48,11 @@ Mistake TakeContexts(std::string_view value, FederationChoices& choices) {
   return TakeOneOf(kWords, value, choices.joinContexts);
 }
 
+Mistake TakePlace(std::string_view value, FederationChoices& choices) {
+  constexpr std::pair<std::string_view, bool> kWords[] = {{"keep", false}, {"map", true}};
+  return TakeOneOf(kWords, value, choices.placeByMap);
+}
+
 Mistake TakeTree(std::string_view value, FederationChoices& choices) {
   constexpr std::pair<std::string_view, TreeMatching> kWords[] = {
       {"keep", TreeMatching::kKeep},
@@ -114,6 +119,7 @@ constexpr FederationOption kOptions[] = {
     {.name = "one-building", .take = TakeOneBuilding},
     {.name = "units", .takesValue = true, .take = TakeUnits},
     {.name = "contexts", .takesValue = true, .take = TakeContexts},
+    {.name = "place", .takesValue = true, .take = TakePlace},
     {.name = "tree", .takesValue = true, .take = TakeTree},
     {.name = "tolerance", .takesValue = true, .take = TakeTolerance},
     {.name = "propose-tree", .takesValue = true, .take = TakeFile<&FederationChoices::proposeTree>},

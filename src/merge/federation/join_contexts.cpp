@@ -78,13 +78,17 @@ struct Context {
   std::array<double, 3> north{};
   double precisionMetres = 0.0;  // 0: none is told
   double metresPerUnit = 1.0;
+  bool isOnOneMap = false;                     // that of the first input
+  bool lostItsMap = false;                     // since it stands on that one
   std::vector<IFC::IfcEntity*> conversions;    // to a map
   std::vector<IFC::IfcEntity*> mapProperties;  // in their place, in IFC2X3; by name
 };
 
 class ContextJoiner {
  public:
-  ContextJoiner(FederatedModel& model, JoinedContexts& counts) : model_(model), counts_(counts) {}
+  ContextJoiner(FederatedModel& model, const std::unordered_set<const IfcDocument*>& onOneMap,
+                JoinedContexts& counts)
+      : model_(model), onOneMap_(onOneMap), counts_(counts) {}
 
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
@@ -152,6 +156,8 @@ class ContextJoiner {
     context.entity = &entity;
     context.lastInput = input;
     context.metresPerUnit = metresPerUnit_;
+    context.isOnOneMap = onOneMap_.contains(&model_.Document(input));
+    context.lostItsMap = context.isOnOneMap && input != 0;
     context.frame = FrameOf(ReferenceOf(entity, "WorldCoordinateSystem"), metresPerUnit_);
     context.north = DirectionOf(ReferenceOf(entity, "TrueNorth"), kYAxis);
     context.precisionMetres = RealOf(entity, "Precision") * metresPerUnit_;
@@ -182,6 +188,12 @@ class ContextJoiner {
 
   static bool SameButForFrame(const Context& one, const Context& other) {
     if (!Near(one.north, other.north)) return false;
+    return SameMap(one, other);
+  }
+
+  static bool SameMap(const Context& one, const Context& other) {
+    if (one.isOnOneMap && other.isOnOneMap) return true;
+    if (one.lostItsMap || other.lostItsMap) return false;
     return SameInTurn(one.conversions, other.conversions) &&
            SameInTurn(one.mapProperties, other.mapProperties);
   }
@@ -247,6 +259,7 @@ class ContextJoiner {
   }
 
   FederatedModel& model_;
+  const std::unordered_set<const IfcDocument*>& onOneMap_;
   JoinedContexts& counts_;
   PerClass<Family> families_;
   std::map<Kind, std::vector<Context>> known_;
@@ -261,8 +274,9 @@ class ContextJoiner {
 
 }  // namespace
 
-bool JoinContexts(FederatedModel& model, Ticker& ticker, JoinedContexts& counts) {
-  return ContextJoiner(model, counts).Run(ticker);
+bool JoinContexts(FederatedModel& model, const std::unordered_set<const IfcDocument*>& onOneMap,
+                  Ticker& ticker, JoinedContexts& counts) {
+  return ContextJoiner(model, onOneMap, counts).Run(ticker);
 }
 
 }  // namespace corvel

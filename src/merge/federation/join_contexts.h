@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <unordered_set>
 #include <vector>
 
 #include "core/text.h"
@@ -23,6 +24,10 @@ struct JoinedContexts {
 // identifier, type, target scale and view. The finest precision stays, in metres. No two of one
 // input become one. Contexts that match none are entered in the list of the project. False: the
 // user cancelled.
-bool JoinContexts(FederatedModel& model, Ticker& ticker, JoinedContexts& counts);
+//
+// `onOneMap`: inputs that stand in the coordinates of the first one, itself included. What they, or
+// those behind them, say about the map counts no more among them. The others are none of them.
+bool JoinContexts(FederatedModel& model, const std::unordered_set<const IfcDocument*>& onOneMap,
+                  Ticker& ticker, JoinedContexts& counts);
 
 }  // namespace corvel

@@ -5,10 +5,15 @@
 
 namespace corvel {
 
-// The sets that say in IFC2X3 what map conversions and reference systems say from IFC4 on.
+// The set that says in IFC2X3 what a map conversion says from IFC4 on.
+inline bool IsNameOfConversionProperties(const WideString& propertySet) {
+  return ToLowerAscii(propertySet) == u"epset_mapconversion";
+}
+
+// That set, and the one that says what a reference system says.
 inline bool IsNameOfMapProperties(const WideString& propertySet) {
-  const WideString name = ToLowerAscii(propertySet);
-  return name == u"epset_mapconversion" || name == u"epset_projectedcrs";
+  return IsNameOfConversionProperties(propertySet) ||
+         ToLowerAscii(propertySet) == u"epset_projectedcrs";
 }
 
 }  // namespace corvel

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "federated_documents.h"
@@ -192,6 +193,41 @@ TEST(ContextsWithMapProperties, StayApartWhenTheyDoNot) {
   models.Add(u"a.ifc", "#12", ContextAt(10, "0.,0.,0.") + MapSet(20, "85000."));
   models.Add(u"b.ifc", "#32", ContextAt(30, "0.,0.,0.") + MapSet(40, "85001."));
   EXPECT_EQ(2u, CountOf(models.Run(kJoin), "=IFCGEOMETRICREPRESENTATIONCONTEXT("));
+}
+
+// The model of inputs of which those in `onOneMap` stand in the coordinates of the first.
+std::string JoinedOnOneMap(FederatedDocuments& models, const std::vector<std::size_t>& onOneMap) {
+  return models.RunStep([&](FederatedModel& model) {
+    std::unordered_set<const IfcDocument*> documents;
+    for (const std::size_t input : onOneMap) documents.insert(&model.Document(input));
+    const WideString text = u"contexts";
+    Ticker ticker({.callback = nullptr, .text = &text}, {.block = 1000});
+    JoinedContexts counts;
+    ASSERT_TRUE(JoinContexts(model, documents, ticker, counts));
+  });
+}
+
+TEST(JoinedContextsOnOneMap, OfAModelThatLostItsConversionJoinThatOfTheFirst) {
+  FederatedDocuments models(SchemaNamespace::IFC4);
+  models.Add(u"a.ifc", "#12", ContextAt(10, "0.,0.,0.") + Conversion(20, "#12", "1."));
+  models.Add(u"b.ifc", "#32", ContextAt(30, "0.,0.,0."));
+  models.Add(u"c.ifc", "#52", ContextAt(50, "0.,0.,0."));
+  const std::string text = JoinedOnOneMap(models, {0, 2});
+  EXPECT_TRUE(Has(text, "#32=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,1.E-05,#31,$);"));
+  EXPECT_EQ(2u, CountOf(text, "=IFCGEOMETRICREPRESENTATIONCONTEXT(")) << text;
+}
+
+TEST(JoinedContextsOnOneMap, DoNotJoinThoseOfAModelWithoutAMap) {
+  FederatedDocuments models(SchemaNamespace::IFC4);
+  models.Add(u"a.ifc", "", {});
+  models.Add(u"b.ifc", "#32", ContextAt(30, "0.,0.,0."));
+  models.Add(u"c.ifc", "#52", ContextAt(50, "0.,0.,0."));
+  EXPECT_EQ(2u, CountOf(JoinedOnOneMap(models, {0, 2}), "=IFCGEOMETRICREPRESENTATIONCONTEXT("));
+  FederatedDocuments placed(SchemaNamespace::IFC4);
+  placed.Add(u"a.ifc", "", {});
+  placed.Add(u"b.ifc", "#32", ContextAt(30, "0.,0.,0."));
+  placed.Add(u"c.ifc", "#52", ContextAt(50, "0.,0.,0."));
+  EXPECT_EQ(1u, CountOf(JoinedOnOneMap(placed, {0, 1, 2}), "=IFCGEOMETRICREPRESENTATIONCONTEXT("));
 }
 
 }  // namespace

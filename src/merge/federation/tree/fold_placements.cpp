@@ -193,8 +193,12 @@ class Folding {
 
 }  // namespace
 
+bool PlacementsNeedProducts(const IfcDocument& document) {
+  return document.GetParser().factories == TableOf(SchemaNamespace::IFC2X3);
+}
+
 bool PlacementsNeedProducts(const FederatedModel& model) {
-  return model.Merged().GetParser().factories == TableOf(SchemaNamespace::IFC2X3);
+  return PlacementsNeedProducts(model.Merged());
 }
 
 bool FoldPlacements(FederatedModel& model, const std::vector<IFC::IfcEntity*>& left, Ticker& ticker,

@@ -12,6 +12,7 @@ namespace corvel {
 // Whether each placement places exactly one product in the release of the model, as in IFC2X3
 // alone. In all others it may stand by itself.
 bool PlacementsNeedProducts(const FederatedModel& model);
+bool PlacementsNeedProducts(const IfcDocument& document);
 
 // Takes the placements out of the model that place no product any more, and puts in their place
 // what stands on them: each of those gets a relative placement that says the same place, on what

@@ -1,7 +1,6 @@
 #include "merge/federation/tree/length_in_metres.h"
 
 #include <cmath>
-#include <optional>
 #include <string_view>
 
 #include "merge/federation/attribute_values.h"
@@ -37,7 +36,9 @@ double ValueOf(const IFC::IfcEntity& measure) {
   return typed == nullptr ? 0.0 : RealOf(*typed, "value");
 }
 
-std::optional<double> MetresPer(const IFC::IfcEntity* unit) {
+}  // namespace
+
+std::optional<double> MetresPerUnit(const IFC::IfcEntity* unit) {
   double factor = 1.0;
   for (int turn = 0; unit != nullptr && turn < kMostConversions; ++turn) {
     if (WordOf(*unit, "UnitType") != "LENGTHUNIT") return std::nullopt;
@@ -51,15 +52,13 @@ std::optional<double> MetresPer(const IFC::IfcEntity* unit) {
   return std::nullopt;
 }
 
-}  // namespace
-
 double MetresPerLengthUnit(const IFC::IfcEntity* unitAssignment) {
   const EntityList* const units =
       unitAssignment == nullptr ? nullptr : ReferencesOf(*unitAssignment, "Units");
   double metres = 1.0;
   if (units == nullptr) return metres;
   for (const IFC::IfcEntity* const unit : *units) {
-    if (const auto told = MetresPer(unit)) metres = *told;
+    if (const auto told = MetresPerUnit(unit)) metres = *told;
   }
   return metres;
 }

@@ -1,6 +1,8 @@
 // How long the unit is in which a model gives its lengths.
 #pragma once
 
+#include <optional>
+
 #include "core/entity.h"
 
 namespace corvel {
@@ -10,5 +12,8 @@ namespace corvel {
 // (null). This is for comparing models whatever they are in: the numbers that a merge works with
 // are told by LengthUnitsPerMetre.
 double MetresPerLengthUnit(const IFC::IfcEntity* unitAssignment);
+
+// Of one unit. Nothing for null, for a unit of something else, and for one that leads to no metre.
+std::optional<double> MetresPerUnit(const IFC::IfcEntity* unit);
 
 }  // namespace corvel

@@ -50,6 +50,13 @@ Transform Transform::Around(const Transform& inner) const {
   return {Moved(inner.origin), Turned(inner.x), Turned(inner.y), Turned(inner.z)};
 }
 
+Transform Transform::Inverse() const {
+  const Transform back = {{}, {x[0], y[0], z[0]}, {x[1], y[1], z[1]}, {x[2], y[2], z[2]}};
+  Transform inverse = back;
+  inverse.origin = Times(back.Turned(origin), -1.0);
+  return inverse;
+}
+
 bool Transform::IsUpright() const {
   constexpr Transform kUpright;
   return x == kUpright.x && y == kUpright.y && z == kUpright.z;

@@ -26,6 +26,8 @@ struct Transform {
   Triple Moved(const Triple& point) const { return Plus(Turned(point), origin); }
   // `inner` stands in this place: the same place as seen from outside.
   Transform Around(const Transform& inner) const;
+  // What stands outside, as seen from this place.
+  Transform Inverse() const;
   // Axes in the directions of the coordinates.
   bool IsUpright() const;
 };
