@@ -255,7 +255,10 @@ TEST(RunChoices, OneBuildingIsManyOptionsAndThoseBehindItChangeTheirPart) {
   ChoiceWords words;
   words.federation = {Option("header", "told"), Option("one-building")};
   FederationChoices choices = Understood(words).federation;
+  EXPECT_TRUE(choices.convertUnits);
   EXPECT_TRUE(choices.joinContexts);
+  EXPECT_TRUE(choices.placeByMap);
+  EXPECT_TRUE(choices.shareEqual);
   EXPECT_EQ(TreeMatching::kOne, choices.tree);
   EXPECT_EQ(GuidHandling::kJoin, choices.guids);
   EXPECT_TRUE(choices.prune);
@@ -263,10 +266,12 @@ TEST(RunChoices, OneBuildingIsManyOptionsAndThoseBehindItChangeTheirPart) {
   EXPECT_TRUE(choices.newHeader);
   words.federation.insert(
       words.federation.end(),
-      {Option("contexts", "keep"), Option("tree", "keep"), Option("guids", "keep"),
-       Option("no-prune"), Option("no-stamp"), Option("header", "told")});
+      {Option("units", "keep"), Option("contexts", "keep"), Option("place", "keep"),
+       Option("tree", "keep"), Option("guids", "keep"), Option("no-prune"),
+       Option("no-share-equal"), Option("no-stamp"), Option("header", "told")});
   choices = Understood(words).federation;
   EXPECT_FALSE(choices.ChangeModel());
+  EXPECT_FALSE(choices.convertUnits);
   EXPECT_FALSE(choices.newHeader);
 }
 

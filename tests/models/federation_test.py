@@ -19,10 +19,10 @@ from program import ModelTest, SAMPLES
 EXPRESS = os.environ.get('CORVEL_EXPRESS',
                          os.path.join(os.path.dirname(program.ROOT), 'shared', 'express'))
 
-OPTIONS = [('--contexts', 'join'), ('--guids', 'renew'), ('--guids', 'join'), ('--prune',),
-           ('--stamp',), ('--header', 'new'), ('--numbers', 'exact'), ('--share-equal',),
+OPTIONS = [('--contexts', 'join'), ('--place', 'map'), ('--guids', 'renew'), ('--guids', 'join'),
+           ('--prune',), ('--stamp',), ('--header', 'new'), ('--numbers', 'exact'), ('--share-equal',),
            ('--tree', 'guid'), ('--tree', 'name'), ('--tree', 'elevation'), ('--tree', 'one')]
-ALL = ('--one-building', '--share-equal', '--numbers', 'exact')
+ALL = ('--one-building', '--numbers', 'exact')
 
 
 class Rules(unittest.TestCase):

@@ -1,4 +1,4 @@
-"""Cuts a model in two that have nothing in common but what both need, as two offices would have made
+"""Cuts a model in two or more that have nothing in common but what all need, as offices would have made
 them: other numbers, other GUIDs for the project and its spatial structure, other spellings."""
 
 import random
@@ -40,9 +40,10 @@ def _without(body, dropped):
 
 
 class Cut:
-    """`model`: a written_form.Model. `halves`: the bytes of both."""
+    """`model`: a written_form.Model. `halves`: the bytes of all. The same seed cuts models alike that
+    differ in their numbers only."""
 
-    def __init__(self, model, seed):
+    def __init__(self, model, seed, count=2):
         self.pick = random.Random(seed)
         self.model = model
         text = model.text()
@@ -51,18 +52,18 @@ class Cut:
         self.spatial = {number for number in model.lines if is_level(model, number)}
         self.elements = {number for number in Scene(model).objects
                          if number not in self.spatial and model.lines[number].name != 'IFCPROJECT'}
-        sides = self.sides()
+        sides = self.sides(count)
         common = self.spatial | {number for number in model.lines
                                  if model.lines[number].name == 'IFCPROJECT'}
         kept = [self.kept(common | side, self.elements - side) for side in sides]
-        self.halves = [self.head + self.text(kept[0]) + self.tail,
-                       self.head + self.text(self.disguised(kept[1], common)) + self.tail]
+        later = [self.disguised(part, common) for part in kept[1:]]
+        self.halves = [self.head + self.text(part) + self.tail for part in [kept[0], *later]]
 
     def is_a(self, number, entity):
         return self.model.release.is_a(self.model.lines[number].name, entity)
 
-    def sides(self):
-        """The elements of each half: those that a relation of their own ties stay together."""
+    def sides(self, count):
+        """The elements of each part: those that a relation of their own ties stay together."""
         parts = {number: {number} for number in self.elements}
         for number in self.model.lines:
             if not self.is_a(number, 'IfcRelConnects') and not self.is_a(number, 'IfcRelDecomposes'):
@@ -75,10 +76,13 @@ class Cut:
                 joined = parts[one] | parts[other]
                 for member in joined:
                     parts[member] = joined
-        sides = set(), set()
+        sides = [set() for _ in range(count)]
         groups = {min(group): group for group in parts.values()}
-        for place, least in enumerate(sorted(groups, key=lambda least: self.pick.random())):
-            sides[place % 2].update(groups[least])
+        order = sorted(groups.values(), key=lambda group: min(
+            self.model.file.records[number].arguments[0] for number in group))
+        self.pick.shuffle(order)
+        for place, group in enumerate(order):
+            sides[place % count].update(group)
         return sides
 
     def kept(self, objects, others):

@@ -4,11 +4,21 @@ are on the map, by a reader that shares nothing with the program but the text of
 A place is ((x, y, z), origin): three axes and a point, in metres."""
 
 import math
+import os
 import re
+import sys
 
+import halves
+import program
 import schema_facts
 import step_text
+import written_form
 from step_text import Absent, Reference
+
+sys.path.insert(0, os.path.join(program.ROOT, 'tools'))
+
+# pylint: disable-next=wrong-import-position
+from models.samples import house_bytes  # noqa: E402
 
 IDENTITY = ((1.0, 0.0, 0.0), (0.0, 1.0, 0.0), (0.0, 0.0, 1.0)), (0.0, 0.0, 0.0)
 _RECORD = re.compile(rb'^#(\d+)=(\w+)\((.*)\);$', re.M)
@@ -329,3 +339,55 @@ class Measured:
         members = self.add('IFCPROPERTYSET', f"'{guid}',{owner},'{name}',$,({','.join(rows)})")
         relation = '2' + guid[1:]
         self.add('IFCRELDEFINESBYPROPERTIES', f"'{relation}',{owner},$,$,(#{site}),{members}")
+
+
+# --- One building of several offices --------------------------------------------------------------
+
+_ANGLE = re.compile(rb'(IFCPROPERTYSINGLEVALUE\(.*,IFCPLANEANGLEMEASURE\()([^)]*)\)')
+_DEGREE = re.compile(rb'^#(\d+)=IFCCONVERSIONBASEDUNIT\(#\d+,\.PLANEANGLEUNIT\.', re.M)
+_RADIAN = re.compile(rb'^#(\d+)=IFCSIUNIT\(\*,\.PLANEANGLEUNIT\.', re.M)
+# The units of each office, and what it counts from.
+OFFICES = (('MILLIMETRE', True, Survey(turned(10.0, (3.0, 4.0, 5.0)), map_unit='METRE')),
+           ('FOOT', False, Survey(turned(-33.3, (-120.5, 77.25, 2.0)), map_unit='FOOT')),
+           ('METRE', True, Survey(turned(77.0, (1000.0, 2000.0, -4.0)), map_unit='MILLIMETRE',
+                                  world=turned(12.0, (5.0, 6.0, 7.0)))))
+
+
+def in_radians(data):
+    """A model in degrees, in radians."""
+    [degree], [radian] = _DEGREE.findall(data), _RADIAN.findall(data)
+    data = re.sub(rb'^(#\d+=IFCUNITASSIGNMENT\(.*)#' + degree + rb'\b', rb'\1#' + radian, data,
+                  flags=re.M)
+    return _ANGLE.sub(lambda match: match[1] + _real(
+        float(match[2]) * 0.0174532925199433).encode() + b')', data)
+
+
+def building_of_offices(release):
+    """The bytes of a house, and those of its parts by three offices: each has units and an origin of
+    its own, and the whole those of the first."""
+    def house(length_unit, has_degrees):
+        data = house_bytes(release, length_unit)
+        text = written_form.Model(step_text.StepFile(data)).text()
+        return text if has_degrees else in_radians(text)
+
+    def model(data):
+        return written_form.Model(step_text.StepFile(data))
+    parts = []
+    for place, (length_unit, has_degrees, survey) in enumerate(OFFICES):
+        cut = halves.Cut(model(house(length_unit, has_degrees)), 7, len(OFFICES))
+        parts.append(Measured(model(cut.halves[place]).text(), survey).bytes)
+    length_unit, has_degrees, survey = OFFICES[0]
+    return Measured(house(length_unit, has_degrees), survey).bytes, parts
+
+
+def values_of(data):
+    """(class, name, type, number) of all properties and quantities with a number, in order."""
+    found = []
+    for record in step_text.StepFile(data).records.values():
+        if record.name == 'IFCPROPERTYSINGLEVALUE':
+            value = record.arguments[2]
+            if not isinstance(value, Absent) and isinstance(value.arguments[0], (int, float)):
+                found.append((record.name, record.arguments[0], value.name, value.arguments[0]))
+        elif record.name.startswith('IFCQUANTITY'):
+            found.append((record.name, record.arguments[0], '', record.arguments[3]))
+    return sorted(found)

@@ -2,10 +2,12 @@
 """Models that count from different points, and are on one map, stand behind a merge where the map
 has them."""
 
+import math
 import os
 import unittest
 from collections import Counter
 
+import halves
 import map_models
 import program
 import validity
@@ -88,7 +90,7 @@ class OnOneMap(ModelTest):
         for release in ('IFC2X3', 'IFC4'):
             names, places = self.inputs(f'house_{release}')
             for order in (names, names[::-1]):
-                written = self.merge(order, '--one-building', '--place', 'map')
+                written = self.merge(order, '--one-building')
                 reader = map_models.MapReader(written)
                 found = reader.products()
                 self.assertEqual(sorted(one[0] for one in places), sorted(one[0] for one in found))
@@ -109,6 +111,47 @@ class OnOneMap(ModelTest):
         found = map_models.MapReader(self.read('out.ifc')).products()
         self.assertGreater(len(places), len(found))
         self.assertLess(map_models.farthest_apart(found, places), _TOLERANCE)
+
+
+class ThreeOffices(ModelTest):
+    """A building in other length units, angle units and coordinates for each of its parts."""
+
+    def check(self, release):
+        self.need_release(release)
+        whole, parts = map_models.building_of_offices(release)
+        names = [self.write(f'{place}.ifc', part) for place, part in enumerate(parts)]
+        joined = self.merge(names, '--one-building')
+        wanted, found = halves.tree_of(whole), halves.tree_of(joined)
+        self.assertEqual((Counter(), Counter()), (wanted - found, found - wanted))
+        reader = map_models.MapReader(joined)
+        places = map_models.MapReader(whole).products()
+        self.assertEqual(len(places), len(reader.products()))
+        elements = [one for one in reader.products() if one[0] in {place[0] for place in places}]
+        self.assertLess(map_models.farthest_apart(elements, places), _TOLERANCE)
+        for entity in ('IfcProject', 'IfcSite', 'IfcBuilding', 'IfcGeometricRepresentationContext'):
+            self.assertEqual(1, len(reader.of_class(entity)), entity)
+        self.check_values(whole, joined)
+        told = self.merge(names, '--ignore-units', output='told.ifc')
+        inputs = [validity.broken_in(part) for part in parts]
+        self.assertEqual(Counter(), validity.newly_broken(
+            validity.broken_in(joined), inputs, validity.broken_in(told)))
+
+    def check_values(self, whole, joined):
+        """Shared ones are there once, so that it is a matter of which there are."""
+        wanted, found = map_models.values_of(whole), map_models.values_of(joined)
+        for some, others in ((wanted, found), (found, wanted)):
+            for one in some:
+                self.assertTrue(any(one[:3] == other[:3] and math.isclose(
+                    one[3], other[3], rel_tol=1e-9, abs_tol=1e-9) for other in others), one)
+
+    def test_MakeTheBuildingInIFC2X3(self):
+        self.check('IFC2X3')
+
+    def test_MakeTheBuildingInIFC4(self):
+        self.check('IFC4')
+
+    def test_MakeTheBuildingInIFC4X3(self):
+        self.check('IFC4X3_ADD2')
 
 
 if __name__ == '__main__':

@@ -11,6 +11,7 @@ import unittest
 from typing import NamedTuple
 
 import halves
+import map_models
 import program
 import units_test
 import web_ifc_test
@@ -23,7 +24,7 @@ _TOLERANCE = 1e-4
 
 PRUNED = ('--contexts', 'join', '--prune', '--stamp', '--header', 'new')
 RENEWED = (*PRUNED, '--guids', 'renew')
-ONE_BUILDING = ('--one-building', '--share-equal')
+ONE_BUILDING = ('--one-building',)
 IN_FIRST_UNITS = ('--units', 'convert')
 # Where each model is shown, in millimetres.
 _UNMOVED = [(0, 0, 0)] * 3
@@ -133,6 +134,16 @@ class Samples(Boxes):
             self.merge(names, '--one-building', output='joined.ifc')
             whole, joined = self.boxes([self.write('whole.ifc', model.text()), 'joined.ifc'])
             self.assertEqual(([], []), without_partner(whole, joined, by_guid))
+
+    def test_PartsOfThreeOfficesStandWhereTheWholeStands(self):
+        for release in ('IFC2X3', 'IFC4', 'IFC4X3_ADD2'):
+            with self.subTest(release=release):
+                self.need_release(release)
+                whole, parts = map_models.building_of_offices(release)
+                names = [self.write(f'{place}.ifc', part) for place, part in enumerate(parts)]
+                self.merge(names, '--one-building', output='joined.ifc')
+                wanted, found = self.boxes([self.write('whole.ifc', whole), 'joined.ifc'])
+                self.assertEqual(([], []), without_partner(wanted, found, by_guid))
 
     def test_WhatStandsElsewhereOrIsSomethingElseHasNoPartner(self):
         [products] = self.boxes([self.copy(os.path.join(SAMPLES, 'house_IFC4.ifc'))])

@@ -87,6 +87,9 @@ TEST_F(FederationFile, OneBuildingIsALineThatLaterOnesMayChange) {
   EXPECT_EQ(GuidHandling::kRenew, options_.steps.guids);
   EXPECT_TRUE(options_.steps.prune);
   EXPECT_FALSE(options_.steps.stamp);
+  EXPECT_TRUE(options_.steps.convertUnits);
+  EXPECT_TRUE(options_.steps.placeByMap);
+  EXPECT_TRUE(options_.steps.shareEqual);
   EXPECT_TRUE(options_.steps.newHeader);
   EXPECT_EQ(", line 1: 'one-building' takes no value.", Mistake("one-building = yes\n"));
 }

@@ -55,9 +55,10 @@ class Sample:
         return zlib.crc32(self.name.encode('ascii'))
 
 
-def _house(sample):
+def _house(sample, length_unit=None):
     """Two storeys, a gable wall and, where the release has alignments, the street in front."""
     unit, habits = _HOUSE_STYLES[sample.release]
+    unit = length_unit or unit
     program = ('Plan Drafter', '3.1')
     facts = Facts('Haus "Žofie"', 'Parzelle 1219', "Maison d'Émilie",
                   [('Erdgeschoß', 0.0), ('Étage 1', plans.HOUSE_HEIGHT)], unit,
@@ -145,6 +146,13 @@ def _all_samples():
 
 
 SAMPLES = _all_samples()
+
+
+def house_bytes(release, length_unit):
+    """The house of a release in another length unit: one of LENGTH_UNITS in project.py."""
+    [sample] = [one for one in SAMPLES if one.name == 'house_%s.ifc' % release]
+    project, program = _house(sample, length_unit)
+    return project.model.file_bytes(Header(sample.name, program, ('Zoë Müller',), ('Atelier',)))
 
 
 def readme_bytes(contents):

@@ -106,10 +106,13 @@ Mistake Turn(std::string_view /*value*/, FederationChoices& choices) {
 
 // Options behind it change their part of it, those before it count for nothing.
 Mistake TakeOneBuilding(std::string_view /*value*/, FederationChoices& choices) {
+  choices.convertUnits = true;
   choices.joinContexts = true;
+  choices.placeByMap = true;
   choices.tree = TreeMatching::kOne;
   choices.guids = GuidHandling::kJoin;
   choices.prune = true;
+  choices.shareEqual = true;
   choices.stamp = true;
   choices.newHeader = true;
   return {};

@@ -97,12 +97,11 @@ class Federation(CorvelTest):
                                  self.merged('--one-building', house=house).split('DATA;')[1])
 
     def test_options_behind_one_building_change_their_part(self):
-        self.assertEqual(self.merged(),
-                         self.merged('--one-building', '--contexts', 'keep', '--tree', 'keep', '--guids',
-                                     'keep', '--no-prune', '--no-stamp', '--header', 'told'))
-        self.assertEqual(self.merged('--stamp'),
-                         self.merged('--one-building', '--contexts', 'keep', '--tree', 'keep', '--guids',
-                                     'keep', '--no-prune', '--header', 'told'))
+        but_stamps = ('--one-building', '--units', 'keep', '--contexts', 'keep', '--place', 'keep',
+                      '--tree', 'keep', '--guids', 'keep', '--no-prune', '--no-share-equal',
+                      '--header', 'told')
+        self.assertEqual(self.merged(), self.merged(*but_stamps, '--no-stamp'))
+        self.assertEqual(self.merged('--stamp'), self.merged(*but_stamps))
 
     def test_a_stamp_adds_a_group_and_its_relation_for_each_model(self):
         told = self.merged()
@@ -119,7 +118,8 @@ class Federation(CorvelTest):
     def test_words_for_the_usual_leave_the_output_as_it_is(self):
         told = self.merged()
         self.assertEqual(
-            told, self.merged('--contexts', 'keep', '--tree', 'keep', '--guids', 'keep', '--header', 'told'))
+            told, self.merged('--contexts', 'keep', '--place', 'keep', '--tree', 'keep', '--guids',
+                              'keep', '--header', 'told'))
 
     def test_pruning_leaves_nothing_dangling_and_no_product_out(self):
         told = self.merged('--select', '1:IfcWallStandardCase', '--select', '2:IfcDoor')
