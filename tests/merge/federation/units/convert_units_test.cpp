@@ -12,7 +12,7 @@ namespace corvel::test {
 
 namespace {
 
-constexpr const char* kLength = "#1=IFCQUANTITYLENGTH('l',$,$,2.,$);\n";
+constexpr const char* kQuantityOfTwo = "#1=IFCQUANTITYLENGTH('l',$,$,2.,$);\n";
 
 class ConvertedRun : public ConvertedModels {
  protected:
@@ -32,18 +32,18 @@ class ConvertedRun : public ConvertedModels {
   }
 };
 
-std::string Assigned(const std::vector<std::string>& units) { return Units(units, 20); }
+std::string AssignmentOf(const std::vector<std::string>& units) { return Units(units, 20); }
 
 TEST_F(ConvertedRun, ModelsInOtherUnitsTakePartWithoutAnotherOption) {
-  Add("a.ifc", Assigned({kMetre}));
-  Add("b.ifc", kLength + Assigned({kMillimetre}));
-  Add("c.ifc", kLength + UnitRecords::Feet() + "#20=IFCUNITASSIGNMENT((#901));\n");
-  Add("d.ifc", kLength);
+  Add("a.ifc", AssignmentOf({kMetre}));
+  Add("b.ifc", kQuantityOfTwo + AssignmentOf({kMillimetre}));
+  Add("c.ifc", kQuantityOfTwo + UnitRecords::Feet() + "#20=IFCUNITASSIGNMENT((#901));\n");
+  Add("d.ifc", kQuantityOfTwo);
   EXPECT_EQ(Run(), 4);
   EXPECT_TRUE(Messages().empty());
   EXPECT_EQ(LineOfNumber(1, 1), "#1=IFCQUANTITYLENGTH('l',$,$,2.E-03,$);\n");
   EXPECT_EQ(LineOfNumber(2, 1), "#1=IFCQUANTITYLENGTH('l',$,$,6.096E-01,$);\n");
-  EXPECT_EQ(LineOfNumber(3, 1), kLength);
+  EXPECT_EQ(LineOfNumber(3, 1), kQuantityOfTwo);
 }
 
 TEST_F(ConvertedRun, TheUnitsOfTheFirstAreAssignedAndTheOldStayForThoseWhoReferToThem) {
@@ -51,7 +51,7 @@ TEST_F(ConvertedRun, TheUnitsOfTheFirstAreAssignedAndTheOldStayForThoseWhoReferT
                    "#20=IFCUNITASSIGNMENT((#901,#21));\n"
                    "#21=IFCMONETARYUNIT('EUR');\n");
   IfcDocument& later = Add("b.ifc", "#1=IFCPROPERTYSINGLEVALUE('p',$,IFCLENGTHMEASURE(2.),#20);\n" +
-                                        Assigned({kMillimetre, "IFCMONETARYUNIT('USD')"}));
+                                        AssignmentOf({kMillimetre, "IFCMONETARYUNIT('USD')"}));
   EXPECT_EQ(Run(), 2);
   const std::string lines = LinesOf(*later.mainContainer);
   EXPECT_NE(lines.find("#1=IFCPROPERTYSINGLEVALUE('p',$,IFCLENGTHMEASURE(2.),#20);\n"
@@ -71,9 +71,10 @@ TEST_F(ConvertedRun, TheUnitsOfTheFirstAreAssignedAndTheOldStayForThoseWhoReferT
 }
 
 TEST_F(ConvertedRun, AModelWithoutUnitsIsInThoseOfTheSi) {
-  Add("a.ifc", Assigned({kMillimetre}));
-  IfcDocument& later = Add("b.ifc", kLength + std::string("#2=IFCPROJECT('0000000000000000000P02',"
-                                                          "$,$,$,$,$,$,$,$);\n"));
+  Add("a.ifc", AssignmentOf({kMillimetre}));
+  IfcDocument& later =
+      Add("b.ifc", kQuantityOfTwo + std::string("#2=IFCPROJECT('0000000000000000000P02',"
+                                                "$,$,$,$,$,$,$,$);\n"));
   EXPECT_EQ(Run(), 2);
   EXPECT_EQ(LineOfNumber(1, 1), "#1=IFCQUANTITYLENGTH('l',$,$,2000.,$);\n");
   EXPECT_NE(later.getIfcUnitAssignment(), nullptr);
@@ -81,12 +82,13 @@ TEST_F(ConvertedRun, AModelWithoutUnitsIsInThoseOfTheSi) {
 }
 
 TEST_F(ConvertedRun, EqualUnitsHaveNothingRewritten) {
-  Add("a.ifc", Assigned({kMetre}));
-  IfcDocument& later = Add(
-      "b.ifc", kLength + std::string("#19=IFCCONVERSIONBASEDUNIT($,.LENGTHUNIT.,'METER',#20);\n"
-                                     "#20=IFCMEASUREWITHUNIT(IFCLENGTHMEASURE(1.0000000005),#21);\n"
-                                     "#21=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);\n"
-                                     "#22=IFCUNITASSIGNMENT((#19));\n"));
+  Add("a.ifc", AssignmentOf({kMetre}));
+  IfcDocument& later =
+      Add("b.ifc", kQuantityOfTwo +
+                       std::string("#19=IFCCONVERSIONBASEDUNIT($,.LENGTHUNIT.,'METER',#20);\n"
+                                   "#20=IFCMEASUREWITHUNIT(IFCLENGTHMEASURE(1.0000000005),#21);\n"
+                                   "#21=IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.);\n"
+                                   "#22=IFCUNITASSIGNMENT((#19));\n"));
   const std::string before = LinesOf(*later.mainContainer);
   EXPECT_EQ(Run(), 2);
   EXPECT_EQ(LinesOf(*later.mainContainer), before);
@@ -96,8 +98,8 @@ constexpr const char* kPush = "IFCCONTEXTDEPENDENTUNIT($,.FORCEUNIT.,'PUSH')";
 constexpr const char* kForce = "#1=IFCPROPERTYSINGLEVALUE('f',$,IFCFORCEMEASURE(2.),$);\n";
 
 TEST_F(ConvertedRun, AValueInAUnitThatCannotBeConvertedLeavesItsModelOut) {
-  Add("a.ifc", Assigned({kMetre, "IFCSIUNIT(*,.FORCEUNIT.,.KILO.,.NEWTON.)"}));
-  Add("b.ifc", kForce + Assigned({kMillimetre, kPush}));
+  Add("a.ifc", AssignmentOf({kMetre, "IFCSIUNIT(*,.FORCEUNIT.,.KILO.,.NEWTON.)"}));
+  Add("b.ifc", kForce + AssignmentOf({kMillimetre, kPush}));
   EXPECT_EQ(Run(), 1);
   EXPECT_EQ(Messages(), (std::vector<WideString>{
                             u"<not_all_projects_merge> \"a.ifc\"",
@@ -110,15 +112,15 @@ TEST_F(ConvertedRun, AValueInAUnitThatCannotBeConvertedLeavesItsModelOut) {
 }
 
 TEST_F(ConvertedRun, AUnitThatCannotBeConvertedDoesNoHarmWithoutAValueInIt) {
-  Add("a.ifc", Assigned({kMetre}));
-  Add("b.ifc", kLength + Assigned({kMillimetre, kPush}));
+  Add("a.ifc", AssignmentOf({kMetre}));
+  Add("b.ifc", kQuantityOfTwo + AssignmentOf({kMillimetre, kPush}));
   EXPECT_EQ(Run(), 2);
   EXPECT_EQ(LineOfNumber(1, 1), "#1=IFCQUANTITYLENGTH('l',$,$,2.E-03,$);\n");
 }
 
 TEST_F(ConvertedRun, TwoSuchUnitsOfOneNameAreEqual) {
-  Add("a.ifc", Assigned({kMetre, kPush}));
-  Add("b.ifc", kForce + Assigned({kMillimetre, kPush}));
+  Add("a.ifc", AssignmentOf({kMetre, kPush}));
+  Add("b.ifc", kForce + AssignmentOf({kMillimetre, kPush}));
   EXPECT_EQ(Run(), 2);
   EXPECT_EQ(LineOfNumber(1, 1), kForce);
 }
@@ -169,7 +171,7 @@ TEST_F(ConvertedRun, TemperaturesHaveAnOffsetAndTheirDifferencesDoNot) {
 }
 
 TEST_F(ConvertedRun, WhatWasCarriedAsItStoodStaysAndIsCounted) {
-  Add("a.ifc", Assigned({kMillimetre}));
+  Add("a.ifc", AssignmentOf({kMillimetre}));
   const QuietReading quiet;
   auto document =
       std::make_unique<IfcDocument>(false, RecordedReports::Reporter, RecordedProgress::Callback);
@@ -190,20 +192,20 @@ TEST_F(ConvertedRun, WhatWasCarriedAsItStoodStaysAndIsCounted) {
 }
 
 TEST_F(ConvertedRun, AnotherSchemaIsNotConvertedAndToldAsEver) {
-  Add("a.ifc", Assigned({kMetre}));
-  Add("b.ifc", "#1=IFCQUANTITYLENGTH('l',$,$,2.);\n" + Assigned({kMillimetre}), "IFC2X3");
+  Add("a.ifc", AssignmentOf({kMetre}));
+  Add("b.ifc", "#1=IFCQUANTITYLENGTH('l',$,$,2.);\n" + AssignmentOf({kMillimetre}), "IFC2X3");
   EXPECT_EQ(Run(), 1);
   EXPECT_EQ(LineOfNumber(1, 1), "#1=IFCQUANTITYLENGTH('l',$,$,2.);\n");
 }
 
 TEST_F(ConvertedRun, TheLogTellsWhatWasMultipliedAndWhatStays) {
-  Add("a.ifc", Assigned({kMillimetre}));
-  Add("b.ifc", kLength +
+  Add("a.ifc", AssignmentOf({kMillimetre}));
+  Add("b.ifc", kQuantityOfTwo +
                    std::string("#2=IFCPROPERTYSINGLEVALUE('t',$,IFCLABEL('2.5 m'),$);\n"
                                "#3=IFCPROPERTYSINGLEVALUE('d',$,IFCMASSDENSITYMEASURE(2.),$);\n"
                                "#4=IFCPROPERTYSINGLEVALUE('n',$,IFCLABEL('2nd floor 4'),$);\n") +
-                   Assigned({kMetre}));
-  Add("c.ifc", kLength + Assigned({kMillimetre}));
+                   AssignmentOf({kMetre}));
+  Add("c.ifc", kQuantityOfTwo + AssignmentOf({kMillimetre}));
   IfcLog& log = IfcLog::Instance();
   log.SetFlushEveryLine(false);
   log.Open(folder_.Path("log.ifc"));
@@ -219,8 +221,8 @@ TEST_F(ConvertedRun, TheLogTellsWhatWasMultipliedAndWhatStays) {
 }
 
 TEST_F(ConvertedRun, ACancelEndsIt) {
-  Add("a.ifc", Assigned({kMetre}));
-  Add("b.ifc", kLength + Assigned({kMillimetre}));
+  Add("a.ifc", AssignmentOf({kMetre}));
+  Add("b.ifc", kQuantityOfTwo + AssignmentOf({kMillimetre}));
   world_.progress.Forget();
   world_.progress.CancelAt(0);
   EXPECT_FALSE(ConvertUnitsOfRun(models_, RecordedProgress::Callback));

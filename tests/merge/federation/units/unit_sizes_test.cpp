@@ -194,7 +194,7 @@ TEST_F(UnitSizes, FactorsWithinABillionthAreEqual) {
 
 // Every number that a release declares of a type of its own is either in a unit or told to be in
 // none, and every unit has its measure.
-TEST(Measures, EveryTypeOfEveryReleaseIsInOneOfTheTables) {
+TEST(MeasuresOfUnits, EveryTypeOfEveryReleaseIsInOneOfTheTables) {
   for (const FactoryTable* const factories : BuiltFactories()) {
     for (const ClassFacts& facts : factories->classes->classes) {
       if (facts.AttributeCount() != 1) continue;
@@ -212,7 +212,7 @@ TEST(Measures, EveryTypeOfEveryReleaseIsInOneOfTheTables) {
   }
 }
 
-TEST(Measures, NamesThatMisleadLeadToTheirUnits) {
+TEST(MeasuresOfUnits, NamesThatMisleadLeadToTheirUnits) {
   const auto unitOf = [](std::string_view measure) -> std::string {
     for (const MeasureFacts& facts : AllMeasures()) {
       if (facts.type == measure) return std::string(facts.unit);
