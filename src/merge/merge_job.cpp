@@ -212,7 +212,8 @@ bool MergeJob::Read(HostObject project) {
 bool MergeJob::PrepareModels() {
   shell_.SetCurrentText(shell_.Text("checking_files"));
   TellStage(RunStage::kCompare);
-  if (shell_.Options().federation.convertUnits && !ConvertUnitsOfRun(models_, shell_.Ticks())) {
+  if (shell_.Options().federation.convertUnits &&
+      !ConvertUnitsOfRun(models_, shell_.Ticks(), observer_)) {
     if (!Cancellation::OfProcess().WasConfirmed()) TellMergeFailed();
     return false;
   }

@@ -204,6 +204,21 @@ class DryRuns(ReportTest):
                     if name in self.names():
                         os.remove(self.path(name))
 
+    def test_a_dry_run_tells_what_is_converted(self):
+        self.take(OFFICE[0], HOUSE)
+        job = ('merge', OFFICE[0], HOUSE, '--units', 'convert')
+        self.assert_ended(self.run_corvel(*job, '--dry-run', '--report', 'dry.json'), DONE)
+        self.assert_ended(self.run_corvel(*job, '-o', 'out.ifc', '--report', 'report.json'), DONE)
+        told, done = self.report('dry.json'), self.report()
+        self.assertEqual(told['steps'], done['steps'])
+        self.assertEqual(told['inputs'], done['inputs'])
+        units = done['steps'][0]
+        self.assertEqual('units', units['step'])
+        self.assertEqual(f'Units converted to those of the first: {HOUSE}', units['lists']['converted'][0])
+        self.assertRegex(units['lists']['converted'][1], r'^LENGTHUNIT: \d+ values times 1000\.$')
+        self.assert_adds_up(done)
+        self.assert_tells_of(done, 'out.ifc')
+
     def test_a_dry_run_leaves_nothing_behind_and_tells_each_model(self):
         self.take(*OFFICE)
         before = self.names()

@@ -130,34 +130,42 @@ void ForEachMeasure(const ConvertedValues::Counts& counts, Action action) {
   }
 }
 
-void LogConverted(const ConvertedModel& model, const WideString& path) {
-  Log((model.differs ? u"Units converted to those of the first: "
-                     : u"Units are those of the first: ") +
-      path);
+// The first line is about the model, the others stand below it.
+std::vector<WideString> LinesOf(const ConvertedModel& model, const WideString& path) {
+  std::vector<WideString> lines;
+  lines.push_back((model.differs ? u"Units converted to those of the first: "
+                                 : u"Units are those of the first: ") +
+                  path);
   ForEachMeasure(model.values.converted, [&](Measure measure, std::size_t count) {
     const Conversion& conversion = model.conversions[static_cast<std::size_t>(measure)];
-    WideString line = u"\t" + Widen(FactsOf(measure).unit) + u": " + Count(count) +
-                      u" values times " + Number(conversion.factor);
+    WideString line = Widen(FactsOf(measure).unit) + u": " + Count(count) + u" values times " +
+                      Number(conversion.factor);
     if (conversion.offset != 0.0) line += u", plus " + Number(conversion.offset);
-    Log(line);
+    lines.push_back(line);
   });
   ForEachMeasure(model.values.unknown, [&](Measure measure, std::size_t count) {
-    Log(u"\tNo unit is assigned, so that they stay: " + Count(count) + u" values in " +
-        Widen(FactsOf(measure).unit));
+    lines.push_back(u"No unit is assigned, so that they stay: " + Count(count) + u" values in " +
+                    Widen(FactsOf(measure).unit));
   });
   if (model.copies != 0) {
-    Log(u"\tObjects copied since they count in two ways: " + Count(model.copies));
+    lines.push_back(u"Objects copied since they count in two ways: " + Count(model.copies));
   }
   if (model.unstretchable != 0) {
-    Log(u"\tCurves in the parameters of a surface that stay: " + Count(model.unstretchable));
+    lines.push_back(u"Curves in the parameters of a surface that stay: " +
+                    Count(model.unstretchable));
   }
   if (model.values.texts != 0) {
-    Log(u"\tTexts that hold numbers stay: " + Count(model.values.texts));
+    lines.push_back(u"Texts that hold numbers stay: " + Count(model.values.texts));
   }
   if (model.carried != 0) {
-    Log(u"\tObjects with values that were carried as they stood, which stay: " +
-        Count(model.carried));
+    lines.push_back(u"Objects with values that were carried as they stood, which stay: " +
+                    Count(model.carried));
   }
+  return lines;
+}
+
+void LogAll(const std::vector<WideString>& lines) {
+  for (std::size_t i = 0; i < lines.size(); ++i) Log(i == 0 ? lines[i] : u"\t" + lines[i]);
 }
 
 }  // namespace
@@ -178,7 +186,8 @@ bool ConvertUnits(const IfcDocument& first, IfcDocument& later, Ticker& ticker,
   return AssignUnitsOf(first, later);
 }
 
-bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress) {
+bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress,
+                       RunObserver* observer) {
   for (std::size_t i = 1; i < models.size(); ++i) {
     const IfcDocument& first = *models.front().document;
     IfcDocument& later = *models[i].document;
@@ -196,7 +205,11 @@ bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress)
       models[i].unitDifferences.push_back(
           DifferenceOf(measure, ModelUnits(first.getIfcUnitAssignment()), own, path));
     });
-    if (models[i].unitsAgree) LogConverted(result, path);
+    if (!models[i].unitsAgree) continue;
+    const std::vector<WideString> lines = LinesOf(result, path);
+    LogAll(lines);
+    if (observer == nullptr) continue;
+    observer->StepIsDone({"units", {{"copies", result.copies}}, {{"converted", &lines}}});
   }
   return true;
 }

@@ -8,6 +8,7 @@
 #include "merge/document.h"
 #include "merge/federation/units/value_converter.h"
 #include "merge/run_model.h"
+#include "merge/run_observer.h"
 
 namespace corvel {
 
@@ -31,7 +32,8 @@ bool ConvertUnits(const IfcDocument& first, IfcDocument& later, Ticker& ticker,
 
 // The same for all later models of a run, before CheckUnits, which is told which of them agree with
 // the first by now, and which do not for a value that cannot be converted. What was done goes to
-// the log. False as above.
-bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress);
+// the log, and to `observer`, which may be null. False as above.
+bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress,
+                       RunObserver* observer = nullptr);
 
 }  // namespace corvel
