@@ -27,6 +27,8 @@ def jobs(build, first, second, out):
         'merge': lambda: stages([bench, 'merge', out, first, second]),
         'mark': lambda: stages([bench, 'mark', first]),
         'program': lambda: {'merge': process([program, 'merge', first, second, '-o', out])},
+        **{f'resave {count}': lambda count=count: stages(
+            [bench, '--threads', count, 'resave', first, out]) for count in (2, 4)},
         'many': lambda: {'merge': merge_many(program, out.parent, MANY, out)},
     }
 

@@ -43,11 +43,15 @@ def stages(arguments):
     return result
 
 
-def process(arguments, statuses=DONE):
-    """Cost of one run of a program, with what the system did for it. The peak is at least that of
-    this program, some 30 MB: Linux hands it on."""
+def process(arguments, statuses=DONE, one_core=True):
+    """Cost of one run of a program, with what the system did for it. On one core it works with one
+    thread unless it is told otherwise. The peak is at least that of this program, some 30 MB: Linux
+    hands it on."""
+    arguments = list(map(str, arguments))
+    if one_core:
+        arguments = ['taskset', '--cpu-list', str(min(os.sched_getaffinity(0))), *arguments]
     start = time.perf_counter()
-    with subprocess.Popen(list(map(str, arguments)), stdin=subprocess.DEVNULL,
+    with subprocess.Popen(arguments, stdin=subprocess.DEVNULL,
                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as child:
         _, status, usage = os.wait4(child.pid, 0)
         child.returncode = os.waitstatus_to_exitcode(status)
