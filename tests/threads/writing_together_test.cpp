@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/file.h"
 #include "step/writer/lines_in_order.h"
 #include "support/read_model.h"
 #include "support/test_factories.h"
