@@ -219,7 +219,7 @@ class OtherUnits(Boxes):
     """Truth is what web-ifc reads of each file by itself, in metres."""
 
     def check_converted(self, names):
-        self.check_names(names, [IN_FIRST_UNITS], by_name, moves=(), tolerance=1e-6)
+        self.check_names(names, [IN_FIRST_UNITS, ONE_BUILDING], by_name, moves=(), tolerance=1e-6)
 
     def test_AHouseInFeetAndAnOfficeInMillimetres(self):
         self.need_release('IFC2X3')
