@@ -7,7 +7,8 @@
 //   corvel_job_bench mark FILE           half of the products are dropped
 //   corvel_job_bench registry            all releases get ready to make objects
 //
-// In front of that, --threads N; without it everything is done by one.
+// In front of that, --threads N: written as the program does, which releases the model next.
+// Without it everything is done by one, and markers are put to 0 behind the writing.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -37,6 +38,7 @@ int Report(const char* key, const corvel::WideString& message, int mode) {
 bool GoOn(int, int, const corvel::WideString*, bool, int) { return true; }
 
 unsigned threads = 1;
+bool isReleasedNext = false;
 
 std::unique_ptr<IfcDocument> Read(const std::string& path) {
   auto document = std::make_unique<IfcDocument>(true, Report, GoOn);
@@ -49,7 +51,7 @@ std::unique_ptr<IfcDocument> Read(const std::string& path) {
 }
 
 void Write(IfcDocument& document, const std::string& path, std::uintmax_t bytes) {
-  document.isReleasedNext = true;  // as the program says of each
+  document.isReleasedNext = isReleasedNext;
   const Stage stage("write", bytes);
   if (document.SaveFile(corvel::FromUtf8(path)) != 1) std::exit(1);
 }
@@ -125,6 +127,7 @@ int main(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (arguments.size() > 2 && arguments[0] == "--threads") {
     threads = static_cast<unsigned>(std::stoul(arguments[1]));
+    isReleasedNext = true;
     arguments.erase(arguments.begin(), arguments.begin() + 2);
   }
   corvel::MemoryReportOutput() = nullptr;
