@@ -123,14 +123,14 @@ class Reader {
     const ClassFacts* const facts = FindFacts(entity);
     const auto [kind, isNew] = kinds_.try_emplace(facts, Kind::kOther);
     if (!isNew) return kind->second;
-    if (ClassQuestion("IfcGeometricRepresentationSubContext").IsTrueOf(entity)) return kind->second;
-    if (ClassQuestion("IfcGeometricRepresentationContext").IsTrueOf(entity)) {
+    if (IsOrIsBelow(facts, "IfcGeometricRepresentationSubContext")) return kind->second;
+    if (IsOrIsBelow(facts, "IfcGeometricRepresentationContext")) {
       kind->second = Kind::kContext;
-    } else if (ClassQuestion("IfcCoordinateOperation").IsTrueOf(entity)) {
+    } else if (IsOrIsBelow(facts, "IfcCoordinateOperation")) {
       kind->second = Kind::kOperation;
-    } else if (ClassQuestion("IfcWellKnownText").IsTrueOf(entity)) {
+    } else if (IsOrIsBelow(facts, "IfcWellKnownText")) {
       kind->second = Kind::kText;
-    } else if (ClassQuestion("IfcPropertySet").IsTrueOf(entity)) {
+    } else if (IsOrIsBelow(facts, "IfcPropertySet")) {
       kind->second = Kind::kSet;
     }
     return kind->second;
@@ -160,7 +160,7 @@ class Reader {
 
   void ReadOperation(IfcEntity& operation) {
     const IfcEntity* const system = ReferenceOf(operation, "TargetCRS");
-    const bool isConversion = ClassQuestion("IfcMapConversion").IsTrueOf(operation);
+    const bool isConversion = IsOrIsBelow(FindFacts(operation), "IfcMapConversion");
     const auto numbers =
         isConversion ? std::optional(NumbersOfConversion(operation)) : NumbersOfRigid(operation);
     if (!numbers) return Fail(u"is not in lengths");
