@@ -120,10 +120,10 @@ constexpr char16_t kFederationOptions[] =
                           inputs in the description; told: that of the first
   --share-equal           write objects that say the same and have no identity
                           of their own once
-  --one-building          --units convert --contexts join --place map --tree one
-                          --guids join --prune --share-equal --stamp
-                          --header new; options behind it change their part:
-                          also --no-prune, --no-share-equal and --no-stamp
+  --one-building          --units convert --contexts join --place map
+                          --tree one --guids join --prune --share-equal
+                          --stamp --header new; options behind it change their
+                          part: also --no-prune, --no-share-equal, --no-stamp
   --numbers told|exact    exact: each real in the fewest digits that read back
                           as the same number; told: in 15 digits
 )help";
