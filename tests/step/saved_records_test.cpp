@@ -64,7 +64,7 @@ class SavedRecordsTest : public testing::Test {
           std::string(error.what()));
     }
     EXPECT_TRUE(saved.IsDamaged());
-    EXPECT_FALSE(stream->Refill()) << "nothing comes behind it";
+    EXPECT_THROW(stream->Refill(), std::runtime_error) << "nothing comes behind it";
     return count;
   }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <map>
+#include <mutex>
 #include <string>
 
 namespace platform {
@@ -86,8 +87,10 @@ Table TableOf(unsigned codePage) {
 
 std::optional<char16_t> DecodeCodePageByte(unsigned codePage, std::uint8_t byte) {
   static std::map<unsigned, Table> tables;
+  static std::mutex mutex;
   if (byte < 128) return byte;
   if (codePage == 0) codePage = kDefaultPage;
+  const std::scoped_lock lock(mutex);
   auto found = tables.find(codePage);
   if (found == tables.end()) found = tables.emplace(codePage, TableOf(codePage)).first;
   const char16_t unit = found->second[byte - 128u];

@@ -51,6 +51,7 @@ class SavedRecords::Stream final : public FileStream::InputStream {
   bool IsAtEnd() const { return delivered_ == records_.savedBytes_; }
 
   bool FillWindow() override {
+    if (!loss_.empty()) throw std::runtime_error(loss_);
     if (!open_ || IsAtEnd()) return false;
     const std::uint64_t left = records_.savedBytes_ - delivered_;
     const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(left, records_.blockSize_));
@@ -70,14 +71,15 @@ class SavedRecords::Stream final : public FileStream::InputStream {
 
   [[noreturn]] void Lose(const char16_t* message) {
     records_.damaged_ = true;
-    open_ = false;
-    throw std::runtime_error(ToUtf8(message + records_.Path()));
+    loss_ = ToUtf8(message + records_.Path());
+    throw std::runtime_error(loss_);
   }
 
   SavedRecords& records_;
   std::uint64_t delivered_ = 0;  // up to the end of the window
   std::size_t block_ = 0;
   bool open_ = true;
+  std::string loss_;  // what has been thrown, and is thrown again
 };
 
 SavedRecords::SavedRecords(WorkFile workFile, ErrorReporter showError, std::size_t blockSize)

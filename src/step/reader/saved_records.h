@@ -41,7 +41,8 @@ class SavedRecords {
 
   // --- Second pass ------------------------------------------------------------------------------
   // All that was saved, from its start; call once, after Finish. The stream borrows this object. It
-  // throws std::runtime_error, whose text tells it, instead of bytes that are not those saved.
+  // throws std::runtime_error, whose text tells it, instead of bytes that are not those saved, and
+  // again each time that it is asked for more.
   std::unique_ptr<FileStream::InputStream> ReadAgain();
   void CountReadRecord() { ++readRecords_; }
   // Bytes that were saved did not come back.

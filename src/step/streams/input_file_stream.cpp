@@ -29,7 +29,7 @@ void InputFileStream::Allocate(std::size_t size) {
   }
   if (buffer_ == nullptr) {
     damaged_ = true;
-    if (showError_ != nullptr) showError_("", failure, corvel::kReportShow);
+    Tell(failure);
     return;
   }
   capacity_ = size;
@@ -50,8 +50,7 @@ std::size_t InputFileStream::ReadFile(char* destination, std::size_t count) {
 }
 
 void InputFileStream::Lose(const char16_t* message) {
-  if (std::exchange(damaged_, true) || showError_ == nullptr) return;
-  showError_("", message + ContainerPath(), corvel::kReportShow);
+  if (!std::exchange(damaged_, true)) Tell(message + ContainerPath());
 }
 
 bool InputFileStream::FillWindow() {

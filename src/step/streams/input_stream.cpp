@@ -22,6 +22,7 @@ bool InputStream::Refill() {
   while (const auto ended = std::move(interruption_)) {
     interruption_ = std::move(ended->outer);
     SetWindow(ended->cursor, ended->windowEnd);
+    if (ended->tells) TellHeld();
     if (cursor_ != windowEnd_) return true;
   }
   return FillWindow();
@@ -36,24 +37,38 @@ void InputStream::Rewind(std::size_t kept) {
   KeepConsumed();
   std::string text = carriedText_.substr(kept);
   carriedText_.resize(kept);
-  Interrupt(std::move(text));
+  Interrupt(std::move(text), false);
 }
 
-void InputStream::Replace(std::size_t kept, std::string text) {
+void InputStream::Replace(std::size_t kept, std::string text, bool tells) {
   KeepConsumed();
   carriedText_.resize(kept);
-  Interrupt(std::move(text));
+  Interrupt(std::move(text), tells);
 }
 
-void InputStream::Interrupt(std::string text) {
+void InputStream::Interrupt(std::string text, bool tells) {
   auto outer = std::move(interruption_);
   interruption_ = std::make_unique<Interruption>();
   interruption_->text = std::move(text);
+  interruption_->tells = tells;
   interruption_->cursor = cursor_;
   interruption_->windowEnd = windowEnd_;
   interruption_->outer = std::move(outer);
   const std::string& next = interruption_->text;
   SetWindow(next.data(), next.data() + next.size());
+}
+
+void InputStream::Tell(const corvel::WideString& message) {
+  if (holdsReports_) {
+    heldReports_.push_back(message);
+  } else if (showError_ != nullptr) {
+    showError_("", message, corvel::kReportShow);
+  }
+}
+
+void InputStream::TellHeld() {
+  holdsReports_ = false;
+  for (const corvel::WideString& message : std::exchange(heldReports_, {})) Tell(message);
 }
 
 std::int64_t InputStream::Unread() const {

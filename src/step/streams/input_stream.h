@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/reporting.h"
 #include "core/text.h"
@@ -79,7 +80,15 @@ class InputStream {
   void Rewind(std::size_t kept);
   // Forgets all but the first `kept` bytes of the statement text; `text` comes next, in their
   // place. For those who read by the window alone. Costs no more than `text` is long.
-  void Replace(std::size_t kept, std::string text);
+  // `tells`: see HoldReports.
+  void Replace(std::size_t kept, std::string text, bool tells = false);
+
+  // For those who read ahead: from now on what the stream has to report waits until TellHeld is
+  // called, or until a text is used up that Replace has been given with `tells`.
+  void HoldReports() { holdsReports_ = true; }
+  bool HasHeldReport() const { return !heldReports_.empty(); }
+  // Reports what waits, if anything does; nothing is held back any more.
+  void TellHeld();
   // True when the last byte delivered was a ";".
   bool LastWasSemicolon() const {
     return cursor_ != deliveredStart_ ? cursor_[-1] == ';' : keptSemicolon_;
@@ -103,6 +112,8 @@ class InputStream {
   }
   // Bytes that were brought and not yet taken.
   std::int64_t Unread() const;
+  // To the reporter, if there is one, as something to be shown.
+  void Tell(const corvel::WideString& message);
   // Empties the window, whose bytes may then go; what was consumed of it is kept, or the whole
   // statement text is given up when there is no memory for it.
   void DropWindow() noexcept;
@@ -125,6 +136,7 @@ class InputStream {
     std::string text;
     const char* cursor = nullptr;
     const char* windowEnd = nullptr;
+    bool tells = false;                   // behind its end
     std::unique_ptr<Interruption> outer;  // whose text that window is; null: none
   };
 
@@ -132,11 +144,13 @@ class InputStream {
   const char* windowEnd_ = nullptr;
   // Copies what was consumed since the last call out of the window.
   void KeepConsumed();
-  void Interrupt(std::string text);
+  void Interrupt(std::string text, bool tells);
 
   const char* statementStart_ = nullptr;
-  const char* deliveredStart_ = nullptr;        // bytes from here to the cursor were all delivered
-  std::string carriedText_;                     // statement text that is no longer in the window
+  const char* deliveredStart_ = nullptr;  // bytes from here to the cursor were all delivered
+  std::string carriedText_;               // statement text that is no longer in the window
+  bool holdsReports_ = false;
+  std::vector<corvel::WideString> heldReports_;
   bool keptSemicolon_ = false;                  // LastWasSemicolon as of deliveredStart_
   std::unique_ptr<Interruption> interruption_;  // null but for a while behind Rewind and Replace
 };

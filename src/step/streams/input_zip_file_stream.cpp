@@ -58,7 +58,7 @@ InputZipFileStream::InputZipFileStream(const corvel::WideString& path,
     const std::size_t bar = path.find(u'|');
     if (bar != corvel::WideString::npos) entryName_ = path.substr(bar + 1);
   } else if (form != ModelForm::kPacked) {
-    Tell(u"Wrong extension of file: ", path);
+    Tell(u"Wrong extension of file: " + path);
     return;
   }
   if (OpenArchive() && ChooseEntry() && OpenEntry()) {
@@ -72,15 +72,11 @@ InputZipFileStream::InputZipFileStream(const corvel::WideString& path,
 
 InputZipFileStream::~InputZipFileStream() { InputZipFileStream::Close(); }
 
-void InputZipFileStream::Tell(const char16_t* message, const corvel::WideString& detail) {
-  if (showError_ != nullptr) showError_("", message + detail, corvel::kReportShow);
-}
-
 bool InputZipFileStream::OpenArchive() {
   file_ = std::make_unique<ArchiveFile>(ContainerPath(), platform::OpenMode::kRead);
   zlib_filefunc64_def functions = file_->Functions();
   archive_ = unzOpen2_64(corvel::ToUtf8(ContainerPath()).c_str(), &functions);
-  if (archive_ == nullptr) Tell(u"Could not open zip archive: ", path_);
+  if (archive_ == nullptr) Tell(u"Could not open zip archive: " + path_);
   return archive_ != nullptr;
 }
 
@@ -107,7 +103,7 @@ bool InputZipFileStream::GoToNamedFile() {
   int result = UNZ_OK;
   while (result == UNZ_OK && NameOf(archive_) != wanted) result = unzGoToNextFile(archive_);
   if (result != UNZ_OK) {
-    Tell(u"Could not go to specified file in zip archive. File path: ", path_);
+    Tell(u"Could not go to specified file in zip archive. File path: " + path_);
   }
   return result == UNZ_OK;
 }
@@ -158,9 +154,9 @@ void InputZipFileStream::EndEntry(int result) {
   if (sound && result >= 0 && delivered_ == statedSize_) return;
   damaged_ = true;
   if (file_->Failed()) {
-    Tell(u"Could not read from file: ", ContainerPath());
+    Tell(u"Could not read from file: " + ContainerPath());
   } else {
-    Tell(u"The data in the zip archive is damaged: ", path_);
+    Tell(u"The data in the zip archive is damaged: " + path_);
   }
 }
 

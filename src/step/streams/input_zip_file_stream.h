@@ -51,7 +51,6 @@ class InputZipFileStream final : public InputStream {
   void Allocate(std::size_t size);
   void EndEntry(int result);
   int CloseArchive();
-  void Tell(const char16_t* message, const corvel::WideString& detail = {});
 
   corvel::WideString path_;
   std::unique_ptr<ArchiveFile> file_;
