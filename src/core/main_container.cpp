@@ -66,8 +66,10 @@ std::ptrdiff_t KindByName(IfcEntity& entity) {
   return kPlain;
 }
 
-// The kind depends on the class alone, so the names are compared once per class.
-std::ptrdiff_t KindOf(IfcEntity* entity) {
+}  // namespace
+
+// It depends on the class alone, so the names are compared once per class.
+std::ptrdiff_t MainContainer::SortOf(IfcEntity* entity) {
   static corvel::ClassMemory memory;
   const std::type_info* const dynamicClass = &typeid(*entity);
   if (const std::ptrdiff_t* const known = memory.Find(dynamicClass)) return *known;
@@ -75,8 +77,6 @@ std::ptrdiff_t KindOf(IfcEntity* entity) {
   memory.Remember(dynamicClass, kind);
   return kind;
 }
-
-}  // namespace
 
 std::uint32_t NextVisitGeneration() {
   static std::uint32_t generation = 0;
@@ -94,6 +94,14 @@ MainContainer::MainContainer(corvel::ErrorReporter showError, corvel::ProgressCa
 
 MainContainer::~MainContainer() = default;
 
+corvel::MemoryPool& MainContainer::PoolOfThread(std::size_t index) {
+  constexpr std::uint64_t kTextBlock = std::uint64_t{256} << 10;
+  while (poolsOfThreads_.size() <= index) {
+    poolsOfThreads_.push_back(std::make_unique<corvel::MemoryPool>(kTextBlock));
+  }
+  return *poolsOfThreads_[index];
+}
+
 bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number) {
   if (entity == nullptr) return false;
   // The usual case: a marker that is free here is free there, and both tables get it at once.
@@ -108,10 +116,20 @@ bool MainContainer::AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t nu
   guidsAreIndexed_ = false;
   if (isSame) {
     uniqueMarker = std::max(uniqueMarker, number);
-    NoteFiled(entity);
+    NoteFiled(entity, SortOf(entity));
   } else {
     AddEntity(entity);
   }
+  return true;
+}
+
+bool MainContainer::AddUnseen(IfcEntity* entity, std::uint32_t number, std::ptrdiff_t sort) {
+  if (!originalEntities.SharesAllWith(entities) || !originalEntities.AddForAll(number, entity)) {
+    return false;
+  }
+  guidsAreIndexed_ = false;
+  uniqueMarker = std::max(uniqueMarker, number);
+  NoteFiled(entity, sort);
   return true;
 }
 
@@ -160,21 +178,20 @@ void MainContainer::AddEntity(IfcEntity* entity) {
     ShowBox(u"AddEntity. Adding canceled -> Marker exist: " + ToWide(entity->marker));
     return;
   }
-  NoteFiled(entity);
+  NoteFiled(entity, SortOf(entity));
 }
 
-void MainContainer::NoteFiled(IfcEntity* entity) {
+void MainContainer::NoteFiled(IfcEntity* entity, std::ptrdiff_t sort) {
   NoteChangedReferences();
-  SortIntoList(entity);
+  SortIntoList(entity, sort);
 }
 
-void MainContainer::SortIntoList(IfcEntity* entity) {
-  const std::ptrdiff_t kind = KindOf(entity);
-  if (kind == kPlain) return;
-  if (kind == kProject) {
+void MainContainer::SortIntoList(IfcEntity* entity, std::ptrdiff_t sort) {
+  if (sort == kPlain) return;
+  if (sort == kProject) {
     NoteProject(entity);
   } else {
-    (this->*kLists[kind - kFirstList].list).push_back(entity);
+    (this->*kLists[sort - kFirstList].list).push_back(entity);
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -56,6 +57,9 @@ class MainContainer {
   MainContainer& operator=(const MainContainer&) = delete;
 
   corvel::MemoryPool& Pool() { return memoryPool_; }
+  // More of it: what a thread makes that reads records for this container, by the index of the
+  // thread. Made when it is first asked for. Not for several threads at once.
+  corvel::MemoryPool& PoolOfThread(std::size_t index);
   corvel::ParentStore& Parents() { return parentStore_; }
   // What the objects of the pool hold beside their attributes.
   corvel::CarriedTable& Carried() { return carried_; }
@@ -63,6 +67,11 @@ class MainContainer {
   // Files an entity that was read as record `number`, here and as AddEntity does. False (a message
   // box, nothing changed) when the number is taken; false for null.
   bool AddEntityByOrginalNumber(IfcEntity* entity, std::uint32_t number);
+  // As AddEntityByOrginalNumber, for an entity whose marker is `number` and which is not looked at:
+  // `sort` is what SortOf gives for its class. False, without a box, when that takes a closer look.
+  bool AddUnseen(IfcEntity* entity, std::uint32_t number, std::ptrdiff_t sort);
+  // Tells the classes apart that are filed in different ways.
+  static std::ptrdiff_t SortOf(IfcEntity* entity);
   // Files an entity, which lives in this pool or in one that lives as long. Its number is its
   // marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets one new number, and if that
   // is taken too a message box tells that the entity is not filed. In place of a new number above
@@ -175,8 +184,8 @@ class MainContainer {
   bool File(IfcEntity* entity);
   bool FileAfterClash(IfcEntity* entity);
   bool FileUnderSmallestFree(IfcEntity* entity);
-  void NoteFiled(IfcEntity* entity);
-  void SortIntoList(IfcEntity* entity);
+  void NoteFiled(IfcEntity* entity, std::ptrdiff_t sort);
+  void SortIntoList(IfcEntity* entity, std::ptrdiff_t sort);
   void NoteProject(IfcEntity* entity);
   bool TickOverEntities(const ParentsTicks& ticks);
   void EmptyParents(std::size_t count);
@@ -192,6 +201,7 @@ class MainContainer {
   corvel::ErrorReporter showError_;
   corvel::ProgressCallback progress_;
   corvel::MemoryPool memoryPool_;
+  std::vector<std::unique_ptr<corvel::MemoryPool>> poolsOfThreads_;
   corvel::ParentStore parentStore_;
   corvel::CarriedTable carried_;
   bool parentsFilled_ = false;

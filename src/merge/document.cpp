@@ -48,6 +48,7 @@ int IfcDocument::OpenFile(const WideString& path, int share) {
   }
   parser_->SelectSchema(FactoriesOf(*release_));
   parser_->carrying.otherReleases = BuiltFactories();
+  parser_->aheadRules.threads = threads;
   const bool parsed = parser_->ParseFile(path, share);
   // A file that names no schema is given the name of its release.
   if (parsed && tolerant && schema.identifier.empty()) {

@@ -48,6 +48,7 @@ void ReadOptionalEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*&
                            bool& present) {
   value = IsPresent(parser) ? ReadEntityRef(parser, admitted) : nullptr;
   present = value != nullptr;
+  if (RecordBatch::IsPending(value)) parser.ahead->BindLater(value, admitted, &present);
 }
 
 void ReadOptionalReal(Parser& parser, double& value, bool& present) {

@@ -16,7 +16,8 @@ def read_statement(kind, name, optional):
         more = f', k{kind.target}'
     if optional:
         return f'corvel::ReadOptional{reader}(parser{more}, {name}, {name}Present);'
-    if kind.depth:
+    # A reference may be bound once its record has been read, so the reader is told its place.
+    if kind.depth or kind.scalar == 'reference':
         return f'corvel::Read{reader}(parser{more}, {name});'
     if kind.scalar in ('boolean', 'logical') and not kind.plain:
         reader += 'Value'

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 #include <string_view>
 
 #include "step/carried/carrying_reader.h"
 #include "step/reader/byte_kinds.h"
+#include "step/reader/depth_guard.h"
 #include "step/reader/parser.h"
 #include "step/reader/string_decoder.h"
 
@@ -15,17 +15,10 @@ namespace corvel {
 
 namespace {
 
-constexpr unsigned kDeepestValue = 1000;  // of typed values in one another; each takes stack
-
 // Tokens that end something: no reader takes them as a value.
 bool Ends(const Token& token) {
   return token.Is(TokenType::CloseBracketToken) || token.Is(TokenType::SemicolonToken) ||
          token.Is(TokenType::EndOfFileToken);
-}
-
-// A tolerant reading looks at the record as text from here on.
-void RaiseMisfit(const Parser& parser) {
-  if (parser.tolerance != nullptr) throw MisfitInRecord();
 }
 
 // Takes the next token, which should be `usual`, unless the record ends there.
@@ -35,14 +28,14 @@ void TakeInRecord(Parser& parser, char usual) {
   const TokenType type = scanner.PeekToken()->getType();
   const bool isUsual =
       type == (usual == '(' ? TokenType::OpenBracketToken : TokenType::CloseBracketToken);
-  if (!isUsual) RaiseMisfit(parser);
+  if (!isUsual) parser.RaiseMisfit();
   if (type != TokenType::SemicolonToken && type != TokenType::EndOfFileToken) scanner.NextToken();
 }
 
 // Reports the next token as wrong, takes it unless it ends something, and asks whether to go on.
 void RejectToken(Parser& parser, const char16_t* expected) {
   const Token& token = *parser.scanner->PeekToken();
-  RaiseMisfit(parser);
+  parser.RaiseMisfit();
   const char16_t* const got = token.getName();
   if (!Ends(token)) parser.scanner->NextToken();
   parser.ExpectedArgumentError(expected, got, kReportShow);
@@ -56,7 +49,7 @@ void RejectEnumToken(Parser& parser) {
     return;
   }
   const Token& token = *parser.scanner->PeekToken();
-  RaiseMisfit(parser);
+  parser.RaiseMisfit();
   const char16_t* const got = token.getName();
   if (!Ends(token)) parser.scanner->NextToken();
   parser.ExpectedArgumentError(u"EnumerationToken", got, kReportLog);
@@ -93,7 +86,7 @@ double ReadTypedReal(Parser& parser) {
   if (TakeOpenBracket(parser) && scanner.PeekToken()->Is(TokenType::RealDataTypeToken)) {
     const double value = scanner.NextToken()->real;
     const bool isClosed = scanner.PeekToken()->Is(TokenType::CloseBracketToken);
-    if (!isClosed) RaiseMisfit(parser);
+    if (!isClosed) parser.RaiseMisfit();
     if (isClosed) scanner.NextToken();
     return value;
   }
@@ -111,24 +104,6 @@ std::int32_t CutToInteger(double value) {
 }
 
 // --- References ----------------------------------------------------------------------------------
-
-// A value inside a value inside a value: each level is a call of a reader.
-class DepthGuard {
- public:
-  explicit DepthGuard(Parser& parser) : parser_(parser) {
-    if (parser_.valueDepth == kDeepestValue) {
-      RaiseMisfit(parser_);
-      throw std::runtime_error("Values are nested too deeply");
-    }
-    ++parser_.valueDepth;
-  }
-  ~DepthGuard() { --parser_.valueDepth; }
-  DepthGuard(const DepthGuard&) = delete;
-  DepthGuard& operator=(const DepthGuard&) = delete;
-
- private:
-  Parser& parser_;
-};
 
 // The bracket behind a name that means nothing, so that the record can go on behind it.
 void SkipBracket(Scanner& scanner) {
@@ -148,7 +123,7 @@ IFC::IfcEntity* ReadTypedValue(Parser& parser, std::string_view name, bool brack
   Scanner& scanner = *parser.scanner;
   const EntityCreator create = parser.factories->Find(name);
   if (create == nullptr) {
-    RaiseMisfit(parser);
+    parser.RaiseMisfit();
     // A copy: the name goes as soon as the stream moves on.
     const WideString unknown = Widen(name);
     SkipBracket(scanner);
@@ -187,7 +162,7 @@ IFC::IfcEntity* ReadUnusualRef(Parser& parser, ClassTest& admitted) {
       return ReadTypedValue(parser, scanner.NextToken()->text, true);
     }
   }
-  RaiseMisfit(parser);
+  parser.RaiseMisfit();
   // A bare number means a parameter value, which nothing can take: the record is unreadable.
   if (type == TokenType::RealDataTypeToken) throw UnreadableRecord();
   if (type == TokenType::IntegerDataTypeToken) {
@@ -219,7 +194,7 @@ void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
   Scanner& scanner = *parser.scanner;
   if (!TakeOpenBracket(parser)) {
     const Token& token = *scanner.PeekToken();
-    RaiseMisfit(parser);
+    parser.RaiseMisfit();
     parser.ExpectedArgumentError(u"OpenBracketToken", token.getName(), kReportShow);
     parser.Cancel();
     list.Clear();
@@ -233,7 +208,7 @@ void ReadItems(Parser& parser, List<Item>& list, ReadItem readItem) {
     if (scanner.PeekToken()->Is(TokenType::CloseBracketToken)) {
       scanner.NextToken();
     } else {
-      RaiseMisfit(parser);
+      parser.RaiseMisfit();
     }
   }
   // Room for members that only the second pass can resolve.
@@ -270,10 +245,21 @@ void ReadLists(Parser& parser, List<Inner>& lists, ReadInner readInner) {
   });
 }
 
-// A record or a value with too few arguments.
+// A record or a value with too few arguments, of which a strict reading says nothing.
 bool EndsEarly(const Parser& parser) {
-  RaiseMisfit(parser);
+  if (parser.tolerance != nullptr) throw MisfitInRecord();
   return true;
+}
+
+// The members may be pending.
+void ReadMembers(Parser& parser, ClassTest& admitted, EntityList& list) {
+  if (parser.IsStopped() || IsAbsent(parser)) {
+    list.Clear();
+    return;
+  }
+  ReadItems(parser, list, [&](std::vector<IFC::IfcEntity*>& gathered) {
+    if (IFC::IfcEntity* const member = ReadEntityRef(parser, admitted)) gathered.push_back(member);
+  });
 }
 
 }  // namespace
@@ -312,7 +298,7 @@ double ReadReal(Parser& parser) {
   }
   if (token.Is(TokenType::EntityNameToken)) {
     if (!IsNan(scanner.NextToken()->text)) return ReadTypedReal(parser);
-    RaiseMisfit(parser);
+    parser.RaiseMisfit();
     return 0.0;
   }
   RejectToken(parser, u"IfcInteger or IfcReal");
@@ -329,12 +315,12 @@ std::int32_t ReadInteger(Parser& parser) {
   const bool isInteger = token.Is(TokenType::IntegerDataTypeToken);
   if (isInteger || token.Is(TokenType::RealDataTypeToken)) {
     const std::int32_t cut = isInteger ? token.integer : CutToInteger(token.real);
-    if (cut != token.real) RaiseMisfit(parser);
+    if (cut != token.real) parser.RaiseMisfit();
     scanner.NextToken();
     return cut;
   }
   if (token.Is(TokenType::EntityNameToken) && IsNan(token.text)) {
-    RaiseMisfit(parser);
+    parser.RaiseMisfit();
     scanner.NextToken();
     return 0;
   }
@@ -346,7 +332,7 @@ std::int32_t ReadBinary(Parser& parser) {
   if (parser.IsStopped() || IsAbsent(parser)) return 0;
   const Token& token = *parser.scanner->PeekToken();
   if (token.Is(TokenType::IntegerDataTypeToken)) {
-    if (token.integer != token.real) RaiseMisfit(parser);
+    if (token.integer != token.real) parser.RaiseMisfit();
     return parser.scanner->NextToken()->integer;
   }
   RejectToken(parser, u"IfcBinary");
@@ -360,13 +346,13 @@ ModelText ReadString(Parser& parser) {
   if (IsAbsent(parser)) return parser.Pool().EmptyWide();
   // `IFCLABEL('x')` in the place of a string: its ")" stays, and reads as an absent value.
   if (scanner.PeekToken()->Is(TokenType::EntityNameToken)) {
-    RaiseMisfit(parser);
+    parser.RaiseMisfit();
     scanner.NextToken();
     TakeOpenBracket(parser);
   }
   if (scanner.PeekToken()->Is(TokenType::WstringToken)) {
     // What stands behind a NUL would not be written.
-    if (scanner.PeekToken()->decoded.Holds('\0')) RaiseMisfit(parser);
+    if (scanner.PeekToken()->decoded.Holds('\0')) parser.RaiseMisfit();
     const DecodedText& text = scanner.NextToken()->decoded;
     return text.IsPlain() ? parser.Pool().InternText(text.Bytes())
                           : parser.Pool().InternText(text.Units());
@@ -386,7 +372,7 @@ const char* ReadGuid(Parser& parser) {
   }
   Token& token = *parser.scanner->NextToken();
   const DecodedText& text = token.decoded;
-  if (!text.IsPlain() || text.Holds('\0')) RaiseMisfit(parser);
+  if (!text.IsPlain() || text.Holds('\0')) parser.RaiseMisfit();
   if (text.IsPlain()) return parser.Pool().InternNarrow(text.Bytes());
   token.text.clear();
   for (const char16_t unit : text.Units()) token.text.push_back(static_cast<char>(unit & 0xFF));
@@ -405,7 +391,7 @@ std::int32_t ReadEnum(Parser& parser, const EnumTable& table) {
     name = scanner.NextToken()->text;
   }
   if (const EnumRow* const row = table.FindByName(name)) return row->number;
-  RaiseMisfit(parser);
+  parser.RaiseMisfit();
   parser.showError(
       "", u"Enume " + WideString(table.name) + u" does not contain: \"" + Widen(name) + u"\"",
       parser.ignoreEnumErrors ? kReportLog : kReportShow);
@@ -429,6 +415,7 @@ IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
   if (parser.IsStopped()) return nullptr;
   std::uint32_t number = 0;
   if (TakeIdentifier(*parser.scanner, number)) [[likely]] {
+    if (parser.ahead != nullptr) return parser.ahead->Find(number, admitted);
     IFC::IfcEntity* const entity = parser.mainContainer->GetEntityByOrginalNumber(number);
     if (admitted.Admits(entity)) [[likely]]
       return entity;
@@ -440,22 +427,25 @@ IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {
   }
   if (IsAbsent(parser)) return nullptr;
   IFC::IfcEntity* const value = ReadUnusualRef(parser, admitted);
+  if (parser.ahead != nullptr) return parser.ahead->Admits(admitted, value) ? value : nullptr;
   if (admitted.Admits(value)) return value;
   return parser.tolerance == nullptr ? nullptr : KeepValue(parser, value);
 }
 
+void ReadEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*& value) {
+  value = ReadEntityRef(parser, admitted);
+  if (RecordBatch::IsPending(value)) parser.ahead->BindLater(value, admitted);
+}
+
 void ReadEntityRefList(Parser& parser, ClassTest& admitted, EntityList& list) {
-  if (parser.IsStopped() || IsAbsent(parser)) {
-    list.Clear();
-    return;
-  }
-  ReadItems(parser, list, [&](std::vector<IFC::IfcEntity*>& gathered) {
-    if (IFC::IfcEntity* const member = ReadEntityRef(parser, admitted)) gathered.push_back(member);
-  });
+  ReadMembers(parser, admitted, list);
+  if (parser.ahead != nullptr) parser.ahead->BindLater(list, admitted);
 }
 
 void ReadEntityRefLists(Parser& parser, ClassTest& admitted, List<EntityList>& lists) {
-  ReadLists(parser, lists, [&](EntityList& inner) { ReadEntityRefList(parser, admitted, inner); });
+  ReadLists(parser, lists, [&](EntityList& inner) { ReadMembers(parser, admitted, inner); });
+  if (parser.ahead == nullptr) return;
+  for (EntityList& inner : lists) parser.ahead->BindLater(inner, admitted);
 }
 
 void ReadRealList(Parser& parser, List<double>& list) { ReadValueList(parser, list, ReadReal); }

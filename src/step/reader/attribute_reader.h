@@ -40,6 +40,9 @@ std::int32_t ReadLogicalValue(Parser& parser);
 // --- References and selects ----------------------------------------------------------------------
 // `#12`, or a typed value such as IFCLABEL('x') that becomes an object of its own. Null: absent, a
 // number that is not filed (yet), a class that `admitted` does not admit, or an error (reported).
+// `value` is where the attribute stands, and where a parser that reads ahead binds it later.
+void ReadEntityRef(Parser& parser, ClassTest& admitted, IFC::IfcEntity*& value);
+// For parsers that do not read ahead.
 IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted);
 // Members that come back null are left out. The list replaces what `list` held.
 void ReadEntityRefList(Parser& parser, ClassTest& admitted, EntityList& list);

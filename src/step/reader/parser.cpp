@@ -11,6 +11,7 @@
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
 #include "step/log/utilities.h"
+#include "step/reader/parallel/parallel_reading.h"
 #include "step/reader/tolerant_reading.h"
 
 namespace corvel {
@@ -21,7 +22,6 @@ namespace {
 constexpr std::size_t kBufferSize = std::size_t{256} << 10;
 constexpr std::size_t kPoolBlockSize = 0xA00000;
 constexpr std::uint32_t kResourceCheckStep = 500000;  // markers
-constexpr double kSecondShare = 5.0;                  // percent of the run, for all files
 
 // Lines of each record, whose lengths are not to be counted each time.
 constexpr WideView kSavingLine = u"SaveLineFSI";
@@ -141,8 +141,8 @@ void Parser::ReportUnopened(const WideString& path) {
 void Parser::StartPass(std::unique_ptr<Scanner> passScanner, int share) {
   scanner = std::move(passScanner);
   const Stage stage{.callback = progress, .share = share, .exactMode = share >= 1};
-  readingProgress_.StartPass(stage,
-                             scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize());
+  passBytes_ = scanner->Stream() == nullptr ? -1 : scanner->Stream()->TotalSize();
+  readingProgress_.StartPass(stage, passBytes_);
 }
 
 bool Parser::ReadFile(int fileCount) {
@@ -167,8 +167,7 @@ bool Parser::ReadFirstPart() {
   log.LogText(u"Reading first part of file...");
   log.SetMuted(true);
   log.SetFlushEveryLine(true);
-  for (std::uint32_t number = 0; FindRecord(number);) {
-    if (ReadRecord(number)) continue;
+  if (!ReadRecords()) {
     TellSkipped(scanner->Stream()->Position());
     return false;
   }
@@ -184,6 +183,25 @@ bool Parser::ReadFirstPart() {
   }
   TellSkipped(end);
   return !IsStopped();
+}
+
+// Behind the first record all that makes the head of a file is over. False ends the pass.
+bool Parser::ReadRecords() {
+  std::uint32_t number = 0;
+  if (!FindRecord(number)) return true;
+  if (!ReadRecord(number)) return false;
+  if (ReadsInParallel() && !ParallelReading(*this, ParallelReading::Pass::kFirst).Run()) {
+    return false;
+  }
+  while (FindRecord(number)) {
+    if (!ReadRecord(number)) return false;
+  }
+  return true;
+}
+
+bool Parser::ReadsInParallel() const {
+  return aheadRules.threads > 1 && tolerance == nullptr && passBytes_ >= aheadRules.smallestInput &&
+         !IsStopped();
 }
 
 // The number of the next record. False at the end of the input.
@@ -241,25 +259,37 @@ bool Parser::ReadRecord(std::uint32_t number) {
   }
   const bool filed = FileEntity(entity, number);
   if (tolerance == nullptr) TakeRestOfRecord();
-  const std::uint32_t marker = entity->marker;
-  if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
-  IfcLog& log = IfcLog::Instance();
-  log.LogText(kSavingLine);
-  if (filed) {
-    SaveForSecondPass();
-    log.LogText(kAssigning);
-    AssignSpecIE(entity);
-  }
-  forwardReference = false;
-  lastMarker_ = marker;
+  const auto text = forwardReference ? scanner->Stream()->StatementView() : std::string_view();
+  if (!(filed ? NoteFiled(entity, entity->marker, text) : NoteRead(entity->marker))) return false;
   scanner->LeaveRecord();
   // Before the progress: a cancellation that the user declines has looked at the next record.
   scanner->ClearTokens();
-  if (!ReportProgress()) {
-    state = ParserState::kCancelled;
-    return false;
-  }
+  return TickFirstPass(Position());
+}
+
+// What a record leaves behind that has been filed; with forward references it has a text. False
+// ends the pass.
+bool Parser::NoteFiled(IFC::IfcEntity* entity, std::uint32_t marker, std::string_view text) {
+  if (!NoteRead(marker)) return false;
+  if (!text.empty()) saved_->Append(text);
+  IfcLog::Instance().LogText(kAssigning);
+  AssignSpecIE(entity);
   return true;
+}
+
+// What each record leaves behind, filed or not.
+bool Parser::NoteRead(std::uint32_t marker) {
+  if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
+  IfcLog::Instance().LogText(kSavingLine);
+  forwardReference = false;
+  lastMarker_ = marker;
+  return true;
+}
+
+bool Parser::TickFirstPass(std::int64_t position) {
+  if (ReportProgress(position)) return true;
+  state = ParserState::kCancelled;
+  return false;
 }
 
 IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
@@ -379,10 +409,6 @@ bool Parser::CheckResources() {
   return true;
 }
 
-void Parser::SaveForSecondPass() {
-  if (forwardReference) saved_->Append(scanner->Stream()->StatementView());
-}
-
 void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
   if (row_ == unitAssignmentRow_) {
     if (ifcUnitAssignment == nullptr) unitAssignmentMarker = entity->marker;
@@ -396,71 +422,14 @@ void Parser::AssignSpecIE(IFC::IfcEntity* entity) {
   }
 }
 
-bool Parser::ReadSecondPart(int fileCount) {
-  IfcLog& log = IfcLog::Instance();
-  log.LogText(u"Reading second part of file...");
-  StartPass(std::make_unique<Scanner>(saved_->ReadAgain(), showError),
-            static_cast<int>(kSecondShare / fileCount));
-  hundredth_ = 1;
-  carrying.allAreFiled = true;
-  if (tolerance != nullptr) StartSecondPassTolerantly();
-  for (;;) {
-    std::uint32_t number = 0;
-    const TokenType type = TakeToken(number);
-    if (type == TokenType::EndOfFileToken) break;
-    if (type == TokenType::IdentifierToken && !ReadRecordAgain(number)) break;
-    scanner->ClearTokens();
-    if (!ReportProgress()) {
-      Cancel();
-      state = ParserState::kCancelled;
-      break;
-    }
-  }
-  ReportProgress();
-  if (saved_->IsDamaged() || (!IsStopped() && !saved_->AllRecordsWereRead())) {
-    state = ParserState::kFailed;
-  }
-  const bool done = !IsStopped();
-  scanner.reset();
-  log.SetMuted(false);
-  return done;
-}
-
-// The object of the first pass takes all its attributes anew. False ends the pass.
-bool Parser::ReadRecordAgain(std::uint32_t marker) {
-  if (!PassHundredths(marker)) return false;
-  scanner->EnterRecord();
-  saved_->CountReadRecord();
-  if (tolerance != nullptr) tolerant_->Enter(marker, scanner->Stream()->StatementSize());
-  TakeEqualSign();
-  if (std::string_view name; !scanner->TakeClassName(name)) scanner->NextToken();
-  IFC::IfcEntity* const entity = mainContainer->GetEntityByOrginalNumber(marker);
-  TakeOpenBracket();
-  if (entity != nullptr) ReadArguments(entity);
-  TakeRestOfRecord();
-  scanner->LeaveRecord();
-  return !IsStopped();
-}
-
-// At each hundredth of the number range: a trace of where the reading is, and the disk guard.
-bool Parser::PassHundredths(std::uint32_t marker) {
-  IfcLog& log = IfcLog::Instance();
-  // Rounded up: the number has come to that many hundredths, or beyond.
-  while (hundredth_ < 101 && marker >= (hundredth_ * lastMarker_ + 99) / 100) {
-    const LogUnmuted unmuted(log);
-    log.LogReadingEntity(marker);
-    ++hundredth_;
-    if (CheckDiskSpace()) continue;
-    Stop();
-    break;
-  }
-  return !IsStopped();
+std::int64_t Parser::Position() const {
+  const FileStream::InputStream* const stream = scanner->Stream();
+  return stream == nullptr ? -1 : stream->Position();
 }
 
 // A Yes ends the reading at once.
-bool Parser::ReportProgress() {
-  const FileStream::InputStream* const stream = scanner->Stream();
-  if (readingProgress_.Report(stream == nullptr ? -1 : stream->Position())) return true;
+bool Parser::ReportProgress(std::int64_t position) {
+  if (readingProgress_.Report(position)) return true;
   Stop();
   return false;
 }

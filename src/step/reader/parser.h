@@ -22,6 +22,7 @@
 #include "core/text.h"
 #include "step/carried/carrying_reader.h"
 #include "step/factories.h"
+#include "step/reader/parallel/ahead_references.h"
 #include "step/reader/reading_notes.h"
 #include "step/reader/reading_progress.h"
 #include "step/reader/record_borders.h"
@@ -45,6 +46,13 @@ enum class ParserState : std::uint32_t {
 struct UnreadableRecord {};
 
 struct TolerantReading;
+
+// How a parser shares its work among threads.
+struct AheadRules {
+  unsigned threads = 1;  // the caller's among them; 1: it does everything alone
+  std::size_t batchSize = std::size_t{256} << 10;      // bytes that a thread reads at a time
+  std::int64_t smallestInput = std::int64_t{2} << 20;  // of a pass that others help with
+};
 
 class Parser {
  public:
@@ -76,6 +84,12 @@ class Parser {
   // those of a report. Gives what the reporter gives.
   int ExpectedArgumentError(const char16_t* expected, const char16_t* got, int mode);
 
+  // For what a strict reading reports: a tolerant one looks at the record as text from here on, and
+  // one ahead of its turn leaves it.
+  void RaiseMisfit() const {
+    if (tolerance != nullptr || ahead != nullptr) throw MisfitInRecord();
+  }
+
   // Reads the attributes of `entity` behind its "(" under the guard that turns whatever goes wrong
   // into a report. Null when it did.
   IFC::IfcEntity* ReadArguments(IFC::IfcEntity* entity);
@@ -86,7 +100,7 @@ class Parser {
   // Where in the file that record stands; Tolerance::kNowhere when it comes from elsewhere.
   std::int64_t RecordOffset() const;
 
-  MemoryPool& Pool() { return mainContainer->Pool(); }
+  MemoryPool& Pool() { return ahead == nullptr ? mainContainer->Pool() : ahead->Pool(); }
 
   // Where list readers gather their items, as a stack: whoever takes it puts its size back. What an
   // exception left there goes with the next record.
@@ -101,6 +115,10 @@ class Parser {
   // is at first: strict. Set before ParseFile.
   std::unique_ptr<Tolerance> tolerance;
   CarryingState carrying;
+  // Not null: the parser reads records before their turn, and whatever a strict reading would
+  // report raises MisfitInRecord. Borrowed.
+  AheadReferences* ahead = nullptr;
+  AheadRules aheadRules;  // what ParseFile goes by
   // Set by the attribute readers when a referenced number is not filed yet.
   bool forwardReference = false;
   // How many typed values the current one stands in.
@@ -138,6 +156,8 @@ class Parser {
   bool CheckTempFile();
   bool ReadFile(int fileCount);
   bool ReadFirstPart();
+  bool ReadRecords();
+  bool ReadsInParallel() const;
   bool FindRecord(std::uint32_t& number);
   void TellSkipped(std::int64_t end);
   TokenType TakeToken(std::uint32_t& number);
@@ -147,18 +167,25 @@ class Parser {
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
   void FailRecord(std::uint32_t marker);
   bool CheckResources();
-  void SaveForSecondPass();
+  bool NoteFiled(IFC::IfcEntity* entity, std::uint32_t marker, std::string_view text);
+  bool NoteRead(std::uint32_t marker);
+  bool TickFirstPass(std::int64_t position);
+  void CancelSecondPass();
   void AssignSpecIE(IFC::IfcEntity* entity);
   bool ReadSecondPart(int fileCount);
+  bool ReadNextAgain();
   bool ReadRecordAgain(std::uint32_t marker);
   bool PassHundredths(std::uint32_t marker);
   void TakeEqualSign();
   void TakeOpenBracket();
   void TakeRestOfRecord();
   void StartPass(std::unique_ptr<Scanner> passScanner, int share);
-  bool ReportProgress();
+  std::int64_t Position() const;
+  bool ReportProgress(std::int64_t position);
 
   friend class CarryingReader;
+  friend class BatchReader;
+  friend class ParallelReading;
   void ClearScratch();
 
   // --- Tolerant readings alone, in tolerant_parser.cpp -------------------------------------------
@@ -193,6 +220,7 @@ class Parser {
   bool looksAtText_ = false;                   // at that of a record whose values do not fit
   std::unique_ptr<SavedRecords> saved_;        // null before the first pass and after the second
   ReadingProgress readingProgress_;
+  std::int64_t passBytes_ = -1;   // of the input of the pass; below 1: not known
   std::uint64_t lastMarker_ = 0;  // of the first pass
   std::uint64_t hundredth_ = 1;   // of the number range, second pass
 };

@@ -153,6 +153,12 @@ class Scanner {
     argument_ = 0;
     stream_->Rewind(kept);
   }
+  // Behind the ";" of a record that somebody else has read, which ends in this line.
+  void GoOnInLine(std::uint32_t line) {
+    ClearTokens();
+    line_ = line;
+    argument_ = 0;
+  }
   // Takes everything up to and including the next statement that ends with ENDSEC, whatever it is.
   // Call with no token looked ahead.
   void SkipSection();

@@ -40,12 +40,14 @@ WideString PlaceText(std::uint64_t line, std::int64_t offset) {
 }  // namespace
 
 void SkippedInput::Note(Kind kind, std::int64_t offset, std::uint64_t records) {
+  isEmpty_ = false;
   Finding& finding = findings_[static_cast<std::size_t>(kind)];
   if (finding.places++ == 0) finding.first = {offset, record_};
   finding.records += records;
 }
 
 void SkippedInput::NoteSection(std::string_view name, std::int64_t offset) {
+  isEmpty_ = false;
   const bool known = std::any_of(sections_.begin(), sections_.end(),
                                  [name](const Section& section) { return section.name == name; });
   if (!known) sections_.push_back({std::string(name), offset});

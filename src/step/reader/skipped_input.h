@@ -36,6 +36,8 @@ class SkippedInput {
   void AtRecord(std::uint32_t number) { record_ = number; }
   // `offset`: where in the file it begins. `records`: so many seem to be in it.
   void Note(Kind kind, std::int64_t offset, std::uint64_t records = 0);
+  // Nothing has been noted yet.
+  bool IsEmpty() const { return isEmpty_; }
   // A section that is not read.
   void NoteSection(std::string_view name, std::int64_t offset);
 
@@ -66,6 +68,7 @@ class SkippedInput {
   std::array<Finding, kKinds> findings_;
   std::vector<Section> sections_;
   std::uint32_t record_ = 0;
+  bool isEmpty_ = true;
 };
 
 // Places of one kind, or a section.

@@ -102,9 +102,9 @@ void TinyMandatory::collectChildren(IFC::ChildQueue& queue) const {
 }
 void TinyMandatory::read(corvel::Parser& parser) {
   TinyPart::read(parser);
-  Part = corvel::ReadEntityRef(parser, isTinyPart);
-  Value = corvel::ReadEntityRef(parser, isTinyValue);
-  Unit = corvel::ReadEntityRef(parser, isIfcUnit);
+  corvel::ReadEntityRef(parser, isTinyPart, Part);
+  corvel::ReadEntityRef(parser, isTinyValue, Value);
+  corvel::ReadEntityRef(parser, isIfcUnit, Unit);
   Real = corvel::ReadReal(parser);
   Length = corvel::ReadReal(parser);
   Number = corvel::ReadReal(parser);
@@ -123,7 +123,7 @@ void TinyMandatory::read(corvel::Parser& parser) {
   Skip = corvel::ReadEnum(parser, kTinySkipEnum);
   corvel::ReadIntegerList(parser, Angle);
   corvel::ReadRealList(parser, Colour);
-  Style = corvel::ReadEntityRef(parser, isTinyStyleSelect);
+  corvel::ReadEntityRef(parser, isTinyStyleSelect, Style);
   Flag = corvel::ReadBoolean(parser);
   Yes = corvel::ReadBooleanValue(parser);
 }

@@ -1,0 +1,232 @@
+#include "step/reader/parallel/parallel_reading.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "step/reader/parser.h"
+
+namespace corvel {
+
+namespace {
+
+std::uint32_t NumbersBefore(const RecordBatch& batch, std::size_t index) {
+  return index == 0 ? 0 : batch.records[index - 1].numbersEnd;
+}
+std::uint32_t TextBefore(const RecordBatch& batch, std::size_t index) {
+  return index == 0 ? 0 : batch.records[index - 1].end;
+}
+
+}  // namespace
+
+class ParallelReading::Step final : public platform::Job {
+ public:
+  explicit Step(ParallelReading& reading) : reading_(reading) {}
+
+  void Run() override {
+    auto reader = reading_.BorrowReader();
+    if (isFiled) {
+      Bind(*reader);
+    } else {
+      reader->Read(batch);
+    }
+    reading_.GiveBack(std::move(reader));
+  }
+  void Bind(BatchReader& reader) { reader.Bind(batch, std::exchange(filedPlaces, 0)); }
+
+  RecordBatch batch;
+  bool isFiled = false;
+  std::size_t filedPlaces = 0;  // that are to be bound
+  bool isSubmitted = false;
+
+ private:
+  ParallelReading& reading_;
+};
+
+ParallelReading::ParallelReading(Parser& parser, Pass pass)
+    : parser_(parser),
+      pass_(pass),
+      cutter_(*parser.scanner->Stream(), parser.aheadRules.batchSize),
+      position_(parser.scanner->Stream()->Position()),
+      line_(parser.scanner->Line()),
+      sorts_(parser.factories->mask + std::size_t{1}),
+      pool_(parser.aheadRules.threads) {
+  parser_.scanner->Stream()->HoldReports();
+  IFC::MainContainer& container = *parser_.mainContainer;
+  for (unsigned i = 0; i < pool_.Threads(); ++i) {
+    MemoryPool& pool = container.PoolOfThread(i);
+    readers_.push_back(pass_ == Pass::kFirst ? std::make_unique<BatchReader>(parser_, pool)
+                                             : std::make_unique<BatchReader>(
+                                                   parser_, pool, container.originalEntities));
+  }
+  for (std::size_t i = 0; i < kStepsOfThread * pool_.Threads(); ++i) {
+    steps_.push_back(std::make_unique<Step>(*this));
+  }
+}
+
+ParallelReading::~ParallelReading() {
+  pool_.Drop();
+  for (const auto& step : steps_) step->Bind(*readers_.front());
+}
+
+ParallelReading::Step& ParallelReading::StepAt(std::size_t underWay) {
+  return *steps_[(first_ + underWay) % steps_.size()];
+}
+
+bool ParallelReading::Run() {
+  for (;;) {
+    while (cuts_ && underWay_ < kUnderWayOfThread * pool_.Threads()) CutNext();
+    if (underWay_ == 0) {
+      parser_.scanner->Stream()->TellHeld();
+      return true;
+    }
+    switch (TakeFirst()) {
+      case Taken::kYes: break;
+      case Taken::kLeftToParser: return true;
+      case Taken::kPassIsOver: return false;
+    }
+  }
+}
+
+void ParallelReading::CutNext() {
+  Step& step = StepAt(underWay_);
+  // It may still be bound.
+  if (std::exchange(step.isSubmitted, false)) pool_.Finish(step);
+  step.batch.Clear();
+  cuts_ = cutter_.Next(step.batch.bytes);
+  if (step.batch.bytes.empty()) return;
+  step.isFiled = false;
+  step.isSubmitted = true;
+  pool_.Submit(step);
+  ++underWay_;
+}
+
+ParallelReading::Taken ParallelReading::TakeFirst() {
+  Step& step = StepAt(0);
+  step.isSubmitted = false;
+  pool_.Finish(step);
+  RecordBatch& batch = step.batch;
+  step.isFiled = true;
+  for (std::size_t i = 0; i < batch.records.size(); ++i) {
+    if (position_ + batch.records[i].end > cutter_.TroubleAt()) {
+      LeaveToParser(i);
+      return Taken::kLeftToParser;
+    }
+    const Taken taken = pass_ == Pass::kFirst ? FileRecord(batch, i) : TakeAgain(batch, i);
+    if (taken == Taken::kLeftToParser) {
+      LeaveToParser(i);
+      return taken;
+    }
+    step.filedPlaces = batch.records[i].placesEnd;
+    if (taken == Taken::kPassIsOver) return taken;
+  }
+  if (!batch.isWhole) {
+    LeaveToParser(batch.records.size());
+    return Taken::kLeftToParser;
+  }
+  position_ += static_cast<std::int64_t>(batch.bytes.size());
+  line_ += batch.records.empty() ? 0 : batch.records.back().line - 1;
+  first_ = (first_ + 1) % steps_.size();
+  --underWay_;
+  if (step.filedPlaces != 0) {
+    step.isSubmitted = true;
+    pool_.Submit(step);
+  }
+  return Taken::kYes;
+}
+
+// As the parser does it: a number that is not filed yet sends the record to the second pass.
+ParallelReading::Taken ParallelReading::FileRecord(RecordBatch& batch, std::size_t index) {
+  const RecordBatch::Record& record = batch.records[index];
+  const bool allAreFiled = LookUp(batch, index);
+  if (!parser_.mainContainer->AddUnseen(record.entity, record.number, SortOf(record))) {
+    return Taken::kLeftToParser;
+  }
+  parser_.row_ = record.row;
+  parser_.skipped_.AtRecord(record.number);
+  const std::uint32_t begin = TextBefore(batch, index);
+  std::string_view text;
+  if (!allAreFiled) text = {batch.bytes.data() + begin, record.end - begin};
+  if (parser_.NoteFiled(record.entity, record.number, text) &&
+      parser_.TickFirstPass(position_ + record.end)) {
+    return Taken::kYes;
+  }
+  PutBack(record.end, record.line);
+  return Taken::kPassIsOver;
+}
+
+// Whether all are filed that the record refers to.
+bool ParallelReading::LookUp(RecordBatch& batch, std::size_t index) {
+  bool allAreFiled = true;
+  for (std::size_t i = NumbersBefore(batch, index); i < batch.records[index].numbersEnd; ++i) {
+    IFC::IfcEntity* const target =
+        parser_.mainContainer->GetEntityByOrginalNumber(batch.numbers[i]);
+    batch.targets.push_back(target);
+    allAreFiled = allAreFiled && target != nullptr;
+  }
+  return allAreFiled;
+}
+
+std::ptrdiff_t ParallelReading::SortOf(const RecordBatch::Record& record) {
+  auto& sort = sorts_[static_cast<std::size_t>(record.row - parser_.factories->slots)];
+  if (!sort) sort = IFC::MainContainer::SortOf(record.entity);
+  return *sort;
+}
+
+ParallelReading::Taken ParallelReading::TakeAgain(const RecordBatch& batch, std::size_t index) {
+  const RecordBatch::Record& record = batch.records[index];
+  if (!parser_.PassHundredths(record.number)) {
+    PutBack(record.numberEnd, record.line);
+    return Taken::kPassIsOver;
+  }
+  parser_.saved_->CountReadRecord();
+  if (parser_.ReportProgress(position_ + record.end)) return Taken::kYes;
+  PutBack(record.end, record.line);
+  parser_.CancelSecondPass();
+  return Taken::kPassIsOver;
+}
+
+// From the record with the index `record` of the first batch on.
+void ParallelReading::LeaveToParser(std::size_t record) {
+  const RecordBatch& batch = StepAt(0).batch;
+  PutBack(TextBefore(batch, record), record == 0 ? 1 : batch.records[record - 1].line);
+  FileStream::InputStream& stream = *parser_.scanner->Stream();
+  if (cutter_.TroubleAt() == std::numeric_limits<std::int64_t>::max()) stream.TellHeld();
+}
+
+// All but so many bytes of the first batch, which end in its line `line`.
+void ParallelReading::PutBack(std::size_t taken, std::uint32_t line) {
+  pool_.Drop();
+  std::string rest;
+  for (std::size_t i = 0; i < underWay_; ++i) {
+    const std::vector<char>& bytes = StepAt(i).batch.bytes;
+    rest.append(bytes.data(), bytes.size());
+  }
+  rest.erase(0, taken);
+  parser_.scanner->GoOnInLine(line_ + line - 1);
+  FileStream::InputStream& stream = *parser_.scanner->Stream();
+  // What the stream has held back is told where the bytes end that came before.
+  const std::int64_t before = cutter_.TroubleAt() - (position_ + static_cast<std::int64_t>(taken));
+  const auto ahead = static_cast<std::size_t>(
+      std::clamp<std::int64_t>(before, 0, static_cast<std::int64_t>(rest.size())));
+  stream.Replace(0, rest.substr(ahead));
+  stream.Replace(0, rest.substr(0, ahead), true);
+  cuts_ = false;
+  underWay_ = 0;
+}
+
+std::unique_ptr<BatchReader> ParallelReading::BorrowReader() {
+  const std::scoped_lock lock(mutex_);
+  auto reader = std::move(readers_.back());
+  readers_.pop_back();
+  return reader;
+}
+
+void ParallelReading::GiveBack(std::unique_ptr<BatchReader> reader) {
+  const std::scoped_lock lock(mutex_);
+  readers_.push_back(std::move(reader));
+}
+
+}  // namespace corvel
