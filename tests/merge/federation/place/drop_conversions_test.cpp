@@ -46,11 +46,11 @@ class DroppedConversions {
   FederatedDocuments models_;
 };
 
-using Numbers = std::set<int>;
+using LeftNumbers = std::set<int>;
 
 TEST(DroppedConversions, TakeTheirReferenceSystemAlong) {
   DroppedConversions models(SchemaNamespace::IFC4);
-  EXPECT_EQ((Numbers{10, 11, 12}),
+  EXPECT_EQ((LeftNumbers{10, 11, 12}),
             models.Left(kContext + Records{{30, "IFCPROJECTEDCRS", "'EPSG:1',$,$,$,$,$,$"},
                                            {31, "IFCMAPCONVERSION", "#12,#30,1.,2.,3.,$,$,$"}},
                         {31}));
@@ -61,10 +61,10 @@ TEST(DroppedConversions, LeaveAReferenceSystemThatAnotherConversionNeeds) {
   const Records records = kContext + Records{{30, "IFCPROJECTEDCRS", "'EPSG:1',$,$,$,$,$,$"},
                                              {31, "IFCMAPCONVERSION", "#12,#30,1.,2.,3.,$,$,$"}};
   DroppedConversions into(SchemaNamespace::IFC4);
-  EXPECT_EQ((Numbers{10, 11, 12, 30, 32}),
+  EXPECT_EQ((LeftNumbers{10, 11, 12, 30, 32}),
             into.Left(records + Records{{32, "IFCMAPCONVERSION", "#12,#30,1.,2.,3.,$,$,$"}}, {31}));
   DroppedConversions outOf(SchemaNamespace::IFC4);
-  EXPECT_EQ((Numbers{10, 11, 12, 30, 33, 34}),
+  EXPECT_EQ((LeftNumbers{10, 11, 12, 30, 33, 34}),
             outOf.Left(records + Records{{33, "IFCPROJECTEDCRS", "'EPSG:2',$,$,$,$,$,$"},
                                          {34, "IFCMAPCONVERSION", "#30,#33,1.,2.,3.,$,$,$"}},
                        {31}));
@@ -80,13 +80,13 @@ const Records kSets = {{20, "IFCPROPERTYSINGLEVALUE", "'Eastings',$,IFCREAL(1.),
 
 TEST(DroppedConversions, TakeTheirRelationsAndTheirOwnPropertiesAlong) {
   DroppedConversions models(SchemaNamespace::IFC2X3);
-  EXPECT_EQ((Numbers{21, 23, 24, 26}), models.Left(kSets, {22}));
+  EXPECT_EQ((LeftNumbers{21, 23, 24, 26}), models.Left(kSets, {22}));
   EXPECT_EQ(3u, models.dropped);
 }
 
 TEST(DroppedConversions, LeaveEverythingWhereNothingGoes) {
   DroppedConversions models(SchemaNamespace::IFC2X3);
-  EXPECT_EQ((Numbers{20, 21, 22, 23, 24, 25, 26}), models.Left(kSets, {}));
+  EXPECT_EQ((LeftNumbers{20, 21, 22, 23, 24, 25, 26}), models.Left(kSets, {}));
   EXPECT_EQ(0u, models.dropped);
 }
 
