@@ -159,13 +159,23 @@ TEST_F(FederatedRun, StepsOfTheFileAreTaken) {
   EXPECT_EQ(std::string::npos, out.find("=IFCRELAGGREGATES('r',", first + 1));
 }
 
+// A path as a text of JSON has it.
+std::string InJson(const std::string& path) {
+  std::string text;
+  for (const char byte : path) {
+    if (byte == '\\') text += byte;
+    text += byte;
+  }
+  return text;
+}
+
 TEST_F(FederatedRun, AReportLiesBesideTheLogInTheLanguageOfTheViewer) {
   host_.user.Write("federation.txt", "tolerant\nreport = html\nguids = renew\n");
   Run();
   EXPECT_TRUE(Plugin::Instance()->LastRun().written);
   const std::string page = folder_.Read("a_IFC_REPORT.html");
   EXPECT_NE(std::string::npos, page.find("<html lang=\"pl\">")) << page.substr(0, 100);
-  EXPECT_NE(std::string::npos, page.find("\"file\":\"" + ToUtf8(host_.output) + "\""));
+  EXPECT_NE(std::string::npos, page.find("\"file\":\"" + InJson(ToUtf8(host_.output)) + "\""));
   EXPECT_NE(std::string::npos, page.find("{\"step\":\"guids\",\"counts\":{\"renewed\":1}"));
 }
 
