@@ -162,8 +162,9 @@ void ObjectChanges::ComparePropertiesOf(const std::string& name, const IFC::IfcE
     for (std::size_t i = 0; i < std::max(ones, others); ++i) {
       const IFC::IfcEntity* const was = i < ones ? one->second[i] : nullptr;
       const IFC::IfcEntity* const is = i < others ? other->second[i] : nullptr;
-      const ChangeKind kind =
-          IsQuantity(was != nullptr ? *was : *is) ? ChangeKind::kQuantity : ChangeKind::kProperty;
+      const IFC::IfcEntity* const either = was != nullptr ? was : is;
+      if (either == nullptr) continue;
+      const ChangeKind kind = IsQuantity(*either) ? ChangeKind::kQuantity : ChangeKind::kProperty;
       if (was != nullptr && is != nullptr) {
         walk_.Compare(was, is, path);
         TakeAs(kind);
