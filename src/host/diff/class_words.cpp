@@ -88,7 +88,15 @@ const ClassWord* ClassWords::Find(const IFC::IfcEntity& entity) {
     made->word = WordOfName(facts->name);
     made->role = RoleOf(*facts);
     for (std::size_t i = 0; i < facts->AttributeCount(); ++i) {
-      made->attributes.push_back(Make(facts->Attribute(i), made->role));
+      AttributeWord attribute = Make(facts->Attribute(i), made->role);
+      // Few classes have two attributes of one name, their own and an inherited one.
+      const auto hasItsWord = [&](const AttributeWord& earlier) {
+        return earlier.word == attribute.word;
+      };
+      if (std::any_of(made->attributes.begin(), made->attributes.end(), hasItsWord)) {
+        attribute.word = (attribute.word ^ kBasis) * kPrime;
+      }
+      made->attributes.push_back(attribute);
       made->hasUnit = made->hasUnit || made->attributes.back().isUnit;
     }
     const auto described = pointing_.DescribedBy(entity);
