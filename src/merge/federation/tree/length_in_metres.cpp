@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/si_prefixes.h"
 
 namespace corvel {
 
@@ -12,23 +13,6 @@ namespace {
 // A unit may be made from one that is made by conversion itself. Nobody does this often, and files
 // that go in circles do it without an end.
 constexpr int kMostConversions = 8;
-
-struct Prefix {
-  std::string_view name;
-  double factor;
-};
-
-constexpr Prefix kPrefixes[] = {{"EXA", 1e18},  {"PETA", 1e15},  {"TERA", 1e12},   {"GIGA", 1e9},
-                                {"MEGA", 1e6},  {"KILO", 1e3},   {"HECTO", 1e2},   {"DECA", 1e1},
-                                {"DECI", 1e-1}, {"CENTI", 1e-2}, {"MILLI", 1e-3},  {"MICRO", 1e-6},
-                                {"NANO", 1e-9}, {"PICO", 1e-12}, {"FEMTO", 1e-15}, {"ATTO", 1e-18}};
-
-double FactorOfPrefix(std::string_view name) {
-  for (const Prefix& prefix : kPrefixes) {
-    if (prefix.name == name) return prefix.factor;
-  }
-  return 1.0;
-}
 
 // What an IfcMeasureWithUnit says without its unit.
 double ValueOf(const IFC::IfcEntity& measure) {

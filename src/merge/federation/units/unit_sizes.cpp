@@ -6,6 +6,7 @@
 
 #include "core/text.h"
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/si_prefixes.h"
 
 namespace corvel {
 
@@ -24,16 +25,6 @@ constexpr double kZeroCelsius = 273.15;
 constexpr double kZeroFahrenheit = 459.67;
 constexpr double kFahrenheitPerKelvin = 1.8;
 constexpr double kNearFahrenheit = 0.01;
-
-struct Prefix {
-  std::string_view name;
-  double factor;
-};
-
-constexpr Prefix kPrefixes[] = {{"EXA", 1e18},  {"PETA", 1e15},  {"TERA", 1e12},   {"GIGA", 1e9},
-                                {"MEGA", 1e6},  {"KILO", 1e3},   {"HECTO", 1e2},   {"DECA", 1e1},
-                                {"DECI", 1e-1}, {"CENTI", 1e-2}, {"MILLI", 1e-3},  {"MICRO", 1e-6},
-                                {"NANO", 1e-9}, {"PICO", 1e-12}, {"FEMTO", 1e-15}, {"ATTO", 1e-18}};
 
 struct SiUnit {
   std::string_view name;
@@ -77,13 +68,6 @@ const SiUnit* FindSiUnit(std::string_view name) {
     if (unit.name == name) return &unit;
   }
   return nullptr;
-}
-
-double FactorOfPrefix(std::string_view name) {
-  for (const Prefix& prefix : kPrefixes) {
-    if (prefix.name == name) return prefix.factor;
-  }
-  return 1.0;
 }
 
 std::optional<UnitSize> SizeOf(const IFC::IfcEntity& unit, int depth);
