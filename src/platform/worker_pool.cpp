@@ -97,4 +97,9 @@ void WorkerPool::Drop() noexcept {
   done_.wait(lock, [this] { return running_ == 0; });
 }
 
+std::size_t WorkerPool::Queued() const {
+  const std::scoped_lock lock(mutex_);
+  return queue_.size();
+}
+
 }  // namespace platform

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <exception>
@@ -59,6 +60,8 @@ class WorkerPool {
   // they have thrown is forgotten.
   void Drop() noexcept;
 
+  // Jobs that were submitted and that nobody has begun. Any thread may ask.
+  std::size_t Queued() const;
   // Threads that may work at the same time, the caller among them.
   unsigned Threads() const { return most_ + 1; }
 
@@ -68,7 +71,7 @@ class WorkerPool {
   Job& TakeFirst();
   void Do(Job& job, std::unique_lock<std::mutex>& lock);
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable queued_;  // or the end: what the threads wait for
   std::condition_variable done_;    // what the caller waits for
   std::deque<Job*> queue_;

@@ -174,7 +174,11 @@ TEST(WorkerPool, DroppedJobsAreNeverBegunAndThoseUnderWayAreWaitedFor) {
   pool.Submit(first);
   begun.Pass();
   pool.Submit(second);
-  std::thread opener([&] { goOn.Open(); });
+  ASSERT_EQ(1U, pool.Queued());
+  std::thread opener([&] {
+    while (pool.Queued() != 0) std::this_thread::yield();
+    goOn.Open();
+  });
   pool.Drop();
   EXPECT_TRUE(firstIsDone);
   EXPECT_FALSE(secondWasBegun);
