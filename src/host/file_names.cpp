@@ -44,11 +44,11 @@ std::optional<Files> NamesIn(const std::string& folder) {
   if (error) return std::nullopt;
   Files names;
   for (; at != fs::directory_iterator(); at.increment(error)) {
-    if (error) return std::nullopt;
     std::error_code ignored;
     if (at->is_directory(ignored)) continue;
     names.push_back(ToUtf8(platform::FromNativePath(at->path().filename())));
   }
+  if (error) return std::nullopt;  // which ends the walk as the last name does
   std::sort(names.begin(), names.end());
   return names;
 }
