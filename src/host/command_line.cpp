@@ -8,7 +8,7 @@
 
 #include "host/help_texts.h"
 #include "host/nearest_name.h"
-#include "merge/report/report_file.h"
+#include "merge/report/shared/report_file.h"
 
 namespace corvel::host {
 

@@ -10,7 +10,7 @@
 #include "host/resave.h"
 #include "host/run_checks.h"
 #include "merge/object_selection.h"
-#include "merge/report/report_file.h"
+#include "merge/report/write_report.h"
 #include "platform/file.h"
 #include "plugin/bound_scene.h"
 #include "plugin/run_report_file.h"

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/display_text.h"
-#include "merge/report/json_text.h"
+#include "merge/report/shared/json_text.h"
 
 namespace corvel::host {
 

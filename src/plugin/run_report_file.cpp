@@ -1,7 +1,7 @@
 #include "plugin/run_report_file.h"
 
 #include "core/reporting.h"
-#include "merge/report/report_file.h"
+#include "merge/report/write_report.h"
 #include "plugin/host_functions.h"
 #include "plugin/run_reports.h"
 #include "step/log/ifc_log.h"

@@ -4,6 +4,9 @@
 #include <cmath>
 
 #include "merge/report/report_json.h"
+#include "merge/report/shared/page_drawings.h"
+#include "merge/report/shared/page_lists.h"
+#include "merge/report/shared/page_tree.h"
 #include "merge/unit_texts.h"
 
 namespace corvel {
@@ -12,8 +15,6 @@ namespace {
 
 constexpr double kMegabyte = 1e6;
 constexpr double kPercent = 100.0;
-
-void AddSum(std::string_view key, HtmlText& html) { html.Raw("</b>").Word(key).Raw("</li>\n"); }
 
 void AddStatus(const RunReport& report, HtmlText& html) {
   const OutputReport& output = report.output;
@@ -38,28 +39,25 @@ void AddSums(const RunReport& report, HtmlText& html) {
   double seconds = 0.0;
   for (const StageReport& stage : report.stages) seconds += stage.seconds;
   const OutputReport& output = report.output;
-  html.Raw("<ul class='sums'>\n<li><b>").Count(report.inputs.size());
-  AddSum("inputs", html);
-  html.Raw("<li><b>").Count(output.products).Raw(" <span class='unit'>/ ").Count(in);
+  html.Raw("<ul class='sums'>\n");
+  BeginSum(html);
+  html.Count(report.inputs.size());
+  EndSum("inputs", html);
+  BeginSum(html);
+  html.Count(output.products).Raw(" <span class='unit'>/ ").Count(in);
   html.Raw("</span>");
-  AddSum("productsKept", html);
+  EndSum("productsKept", html);
   if (output.isKnown) {
-    html.Raw("<li><b>").Count(output.records);
-    AddSum("recordsWritten", html);
-    html.Raw("<li><b>").Count(output.made);
-    AddSum("made", html);
+    BeginSum(html);
+    html.Count(output.records);
+    EndSum("recordsWritten", html);
+    BeginSum(html);
+    html.Count(output.made);
+    EndSum("made", html);
   }
-  html.Raw("<li><b>").Number(seconds, 2).Raw(" <span class='unit'>s</span>");
-  AddSum("time", html);
-  html.Raw("</ul>\n");
-}
-
-void AddTexts(const std::vector<WideString>& texts, HtmlText& html) {
-  html.Raw("<ul class='texts'>\n");
-  for (const WideString& text : texts) {
-    const std::size_t last = text.find_last_not_of(u" \n\r");
-    html.Raw("<li>").Name(text.substr(0, last + 1)).Raw("</li>\n");
-  }
+  BeginSum(html);
+  html.Number(seconds, 2).Raw(" <span class='unit'>s</span>");
+  EndSum("time", html);
   html.Raw("</ul>\n");
 }
 
@@ -172,65 +170,6 @@ void AddInput(const InputReport& input, std::size_t index, HtmlText& html) {
   html.Raw("</article>\n");
 }
 
-// --- The tree ------------------------------------------------------------------------------------
-
-// What is deeper stands beside its parent: nobody has such trees, and pages that go in so far can
-// not be read.
-constexpr std::size_t kDeepest = 40;
-// Of a level as deep as rooms the page shows no more; the JSON has all.
-constexpr std::size_t kMostNodes = 5000;
-
-class TreeSection {
- public:
-  TreeSection(const ModelPlaces& places, HtmlText& html) : tree_(places.tree), html_(html) {}
-
-  void Add() {
-    html_.Raw("<ul class='tree'>\n");
-    AddNode(0, 0);
-    html_.Raw("</ul>\n");
-    if (left_ != 0) html_.Raw("<p class='soft'>+ ").Count(left_).Raw("</p>\n");
-  }
-
- private:
-  void AddNode(std::size_t index, std::size_t depth) {
-    const SpatialNode& node = tree_[index];
-    if (depth > kDeepest || shown_ >= kMostNodes) {
-      ++left_;
-      return;
-    }
-    ++shown_;
-    html_.Raw("<li>");
-    if (node.children.empty()) {
-      AddLabel(node);
-    } else {
-      html_.Raw(depth < 3 ? "<details open><summary>" : "<details><summary>");
-      AddLabel(node);
-      html_.Raw("</summary><ul>\n");
-      for (const std::size_t child : node.children) AddNode(child, depth + 1);
-      html_.Raw("</ul></details>");
-    }
-    html_.Raw("</li>\n");
-  }
-
-  void AddLabel(const SpatialNode& node) {
-    for (const std::uint32_t input : node.inputs) {
-      html_.Raw("<span class='dot ").Raw(ColourOf(input)).Raw("' title='");
-      html_.Count(input + std::size_t{1}).Raw("'></span>");
-    }
-    html_.Raw(" ").Name(node.name.empty() ? WideString(u"\u2014") : node.name);
-    html_.Raw(" <span class='soft'>").Text(node.className);
-    std::size_t products = 0;
-    for (const std::size_t count : node.products) products += count;
-    if (products != 0) html_.Raw(" \u00b7 ").Count(products);
-    html_.Raw("</span>");
-  }
-
-  const std::vector<SpatialNode>& tree_;
-  HtmlText& html_;
-  std::size_t shown_ = 0;
-  std::size_t left_ = 0;
-};
-
 }  // namespace
 
 void AddHead(const RunReport& report, HtmlText& html) {
@@ -242,11 +181,7 @@ void AddHead(const RunReport& report, HtmlText& html) {
   html.Raw("<h1>corvel ").Text(command).Raw(": ").Name(subject).Raw("</h1>\n<p class='soft'>");
   html.Word(report.isDryRun ? "dryTitle" : "title").Raw(" \u00b7 ").Text(report.startedAt);
   html.Raw("</p>\n");
-  if (!report.failures.empty()) {
-    html.Raw("<section id='failures'>\n").Word("h2", "failures").Raw("\n");
-    AddTexts(report.failures, html);
-    html.Raw("</section>\n");
-  }
+  AddFailures(report.failures, html);
   AddStatus(report, html);
   AddSums(report, html);
 }
@@ -255,6 +190,12 @@ void AddInputs(const RunReport& report, HtmlText& html) {
   html.Raw("<section>\n").Word("h2", "inputs").Raw("\n");
   for (std::size_t i = 0; i < report.inputs.size(); ++i) AddInput(report.inputs[i], i, html);
   html.Raw("</section>\n");
+}
+
+void AddDrawings(const RunReport& report, HtmlText& html) {
+  std::vector<DrawnInput> inputs;
+  for (const InputReport& input : report.inputs) inputs.push_back({input.path, input.takesPart});
+  AddDrawings(inputs, report.places ? &*report.places : nullptr, html);
 }
 
 void AddMessages(const RunReport& report, HtmlText& html) {
@@ -292,7 +233,7 @@ void AddTree(const RunReport& report, HtmlText& html) {
   if (!report.places || report.places->tree.empty()) return;
   html.Raw("<section>\n").Word("h2", "tree").Raw("\n");
   html.Word("p", "treeHint", " class='soft'").Raw("\n");
-  TreeSection(*report.places, html).Add();
+  AddNodes(report.places->tree, html);
   html.Raw("</section>\n");
 }
 

@@ -1,8 +1,8 @@
 // The sections of the report page. Each adds its own, or nothing where there is nothing to tell.
 #pragma once
 
-#include "merge/report/html_text.h"
 #include "merge/report/run_report.h"
+#include "merge/report/shared/html_text.h"
 
 namespace corvel {
 

@@ -79,6 +79,13 @@ void ProductFates::DropRest(DropReason reason) {
   }
 }
 
+std::vector<PlacedProduct> ProductFates::Placed() const {
+  std::vector<PlacedProduct> placed;
+  placed.reserve(products_.size());
+  for (const Product& product : products_) placed.push_back({product.entity, !product.dropped});
+  return placed;
+}
+
 ProductTally ProductFates::Tally() const {
   ProductTally tally;
   for (const Product& product : products_) Count(tally, product.dropped);

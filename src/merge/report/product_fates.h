@@ -9,6 +9,7 @@
 #include "core/main_container.h"
 #include "merge/marking_steps.h"
 #include "merge/report/run_report.h"
+#include "merge/report/shared/model_places.h"
 
 namespace corvel {
 
@@ -28,18 +29,7 @@ class ProductFates {
 
   ProductTally Tally() const;
   std::vector<ClassTally> TallyByClass() const;
-  // Calls `action` with each product of the file.
-  template <class Action>
-  void ForEach(Action action) const {
-    for (const Product& product : products_) action(*product.entity);
-  }
-  // With each that is kept.
-  template <class Action>
-  void ForEachKept(Action action) const {
-    for (const Product& product : products_) {
-      if (!product.dropped) action(*product.entity);
-    }
-  }
+  std::vector<PlacedProduct> Placed() const;
 
  private:
   struct Product {

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <utility>
 
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "merge/marking.h"
 #include "merge/merge_job.h"
-#include "merge/report/model_places.h"
+#include "merge/report/shared/model_places.h"
+#include "merge/report/shared/report_file.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 
@@ -18,14 +18,6 @@ namespace corvel {
 namespace {
 
 constexpr double kNanosecondsPerSecond = 1e9;
-
-WideString LocalNow() {
-  const platform::LocalTime time = platform::Get().Now();
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month,
-                time.day, time.hour, time.minute, time.second);
-  return Widen(text.data());
-}
 
 // Of an entry in a container it is the container's.
 std::int64_t BytesOf(const WideString& path) {
@@ -67,7 +59,7 @@ DropReason ReasonOfStep(std::string_view step) {
 
 ReportGatherer::ReportGatherer(std::string command) {
   report_.command = std::move(command);
-  report_.startedAt = LocalNow();
+  report_.startedAt = TimeOfReport();
 }
 
 ReportGatherer::~ReportGatherer() = default;
@@ -167,7 +159,7 @@ void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
   std::vector<PlacedInput> placed;
   for (const IfcDocument* const document : documents) {
     const std::size_t index = IndexOf(*document);
-    placed.push_back({static_cast<std::uint32_t>(index), &inputs_[index].fates});
+    placed.push_back({static_cast<std::uint32_t>(index), inputs_[index].fates.Placed()});
   }
   report_.places = CollectPlaces(*documents.front(), placed);
 }

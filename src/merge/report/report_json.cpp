@@ -1,6 +1,7 @@
 #include "merge/report/report_json.h"
 
-#include "merge/report/json_text.h"
+#include "merge/report/shared/json_text.h"
+#include "merge/report/shared/places_json.h"
 #include "merge/unit_texts.h"
 
 namespace corvel {
@@ -8,9 +9,7 @@ namespace corvel {
 namespace {
 
 constexpr int kFormat = 1;
-// Metres are told to the tenth of a millimetre, angles to a thousandth of a degree.
-constexpr int kLengthDigits = 4;
-constexpr int kAngleDigits = 3;
+constexpr int kSecondsDigits = 4;
 
 constexpr std::string_view kReasons[kDropReasons] = {"modelLeftOut", "inactive", "hidden",
                                                      "notSelected",  "opening",  "hangsOnDropped",
@@ -28,21 +27,25 @@ class Writer {
     json_.Member("dryRun", report_.isDryRun);
     json_.Member("startedAt", report_.startedAt);
     Line("failures");
-    Texts(report_.failures);
+    json_.Texts(report_.failures);
     Line("messages");
-    Texts(report_.messages);
+    json_.Texts(report_.messages);
     Line("output");
     Output();
     Line("inputs");
-    Each(report_.inputs, [this](const InputReport& input) { Input(input); });
+    json_.EachOnALine(report_.inputs, [this](const InputReport& input) { Input(input); });
     Line("steps");
-    Each(report_.steps, [this](const StepReport& step) { Step(step); });
+    json_.EachOnALine(report_.steps, [this](const StepReport& step) { Step(step); });
     Line("stages");
-    Each(report_.stages, [this](const StageReport& stage) { Stage(stage); });
+    json_.EachOnALine(report_.stages, [this](const StageReport& stage) { Stage(stage); });
     Line("tree");
-    Tree();
+    if (report_.places) {
+      AddTree(report_.places->tree, json_);
+    } else {
+      json_.Null();
+    }
     Line("places");
-    Places();
+    AddPlaces(report_.places ? &*report_.places : nullptr, json_);
     json_.NewLine();
     json_.EndObject();
     return json_.Take() + "\n";
@@ -52,22 +55,6 @@ class Writer {
   void Line(std::string_view key) {
     json_.NewLine();
     json_.Key(key);
-  }
-
-  void Texts(const std::vector<WideString>& texts) {
-    json_.BeginArray();
-    for (const WideString& text : texts) json_.Value(text);
-    json_.EndArray();
-  }
-
-  template <class Items, class Action>
-  void Each(const Items& items, Action action) {
-    json_.BeginArray();
-    for (const auto& item : items) {
-      json_.NewLine();
-      action(item);
-    }
-    json_.EndArray();
   }
 
   void Output() {
@@ -114,9 +101,10 @@ class Writer {
     json_.Key("products");
     Products(input.products, {});
     json_.Key("classes");
-    Each(input.classes, [this](const ClassTally& tally) { Products(tally.products, tally.name); });
+    json_.EachOnALine(input.classes,
+                      [this](const ClassTally& tally) { Products(tally.products, tally.name); });
     json_.Key("remarks");
-    Texts(input.remarks);
+    json_.Texts(input.remarks);
     json_.EndObject();
   }
 
@@ -164,7 +152,7 @@ class Writer {
     json_.Key("lists").BeginObject();
     for (const auto& [name, lines] : step.lists) {
       json_.Key(name);
-      Texts(lines);
+      json_.Texts(lines);
     }
     json_.EndObject();
     json_.EndObject();
@@ -174,88 +162,9 @@ class Writer {
     json_.BeginObject();
     json_.Member("stage", WordOf(stage.stage));
     if (!stage.path.empty()) json_.Member("file", stage.path);
-    json_.Key("seconds").Rounded(stage.seconds, kLengthDigits);
+    json_.Key("seconds").Rounded(stage.seconds, kSecondsDigits);
     json_.Member("memoryBytes", stage.memoryBytes);
     json_.EndObject();
-  }
-
-  // Children by their position in the list, the root first.
-  void Tree() {
-    if (!report_.places) return json_.Null();
-    Each(report_.places->tree, [this](const SpatialNode& node) {
-      json_.BeginObject();
-      json_.Member("class", node.className);
-      json_.Member("guid", FromUtf8(node.guid));
-      json_.Member("name", node.name);
-      Numbers("inputs", node.inputs);
-      Numbers("products", node.products);
-      Numbers("children", node.children);
-      json_.EndObject();
-    });
-  }
-
-  template <class Number>
-  void Numbers(std::string_view key, const std::vector<Number>& numbers) {
-    json_.Key(key).BeginArray();
-    for (const Number number : numbers) json_.Value(number);
-    json_.EndArray();
-  }
-
-  void Places() {
-    if (!report_.places) return json_.Null();
-    const ModelPlaces& places = *report_.places;
-    json_.BeginObject();
-    json_.Member("unit", "metre");
-    json_.Key("north");
-    if (places.north) {
-      json_.BeginArray();
-      for (const double value : *places.north) json_.Rounded(value, kLengthDigits);
-      json_.EndArray();
-    } else {
-      json_.Null();
-    }
-    json_.Member("withoutPlace", places.withoutPlace);
-    json_.Key("storeys");
-    Each(places.storeys, [this](const StoreyPlace& storey) {
-      json_.BeginObject();
-      json_.Member("input", storey.input);
-      json_.Member("name", storey.name);
-      json_.Key("height").Rounded(storey.height, kLengthDigits);
-      json_.EndObject();
-    });
-    json_.Key("classes");
-    Each(places.classes, [this](const ClassOfPlaces& one) {
-      json_.BeginObject();
-      json_.Member("class", one.name);
-      json_.Member("products", one.products);
-      json_.Member("listed", one.listed);
-      json_.EndObject();
-    });
-    json_.Key("columns").BeginArray();
-    for (const char* const column : {"input", "class", "guid", "name", "x", "y", "z", "boxX",
-                                     "boxY", "boxZ", "width", "depth", "height", "degrees"}) {
-      json_.Value(column);
-    }
-    json_.EndArray();
-    json_.Key("products");
-    Each(places.products, [this](const ProductPlace& product) { Place(product); });
-    json_.EndObject();
-  }
-
-  // A row, since there are very many; what has no box ends before it.
-  void Place(const ProductPlace& product) {
-    json_.BeginArray();
-    json_.Value(product.input);
-    json_.Value(product.classIndex);
-    json_.Value(FromUtf8(product.guid));
-    json_.Value(product.name);
-    for (const double value : product.origin) json_.Rounded(value, kLengthDigits);
-    if (product.box) {
-      for (const double value : product.box->centre) json_.Rounded(value, kLengthDigits);
-      for (const double value : product.box->size) json_.Rounded(value, kLengthDigits);
-      json_.Rounded(product.box->degrees, kAngleDigits);
-    }
-    json_.EndArray();
   }
 
   const RunReport& report_;

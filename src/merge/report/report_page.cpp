@@ -1,12 +1,10 @@
 #include "merge/report/report_page.h"
 
-#include <utility>
-
-#include "merge/report/html_text.h"
-#include "merge/report/page_parts.h"
 #include "merge/report/page_sections.h"
-#include "merge/report/page_texts.h"
 #include "merge/report/report_json.h"
+#include "merge/report/shared/html_text.h"
+#include "merge/report/shared/page_frame.h"
+#include "merge/report/shared/page_texts.h"
 
 namespace corvel {
 
@@ -36,32 +34,10 @@ std::string TitleOf(const RunReport& report, const PageTexts& texts) {
 
 }  // namespace
 
-// Each piece of the template up to a name in double braces, then what stands for the name: what is
-// put in is not looked at again, whatever names are in it.
 std::string ReportAsPage(const RunReport& report, std::string_view language) {
   const PageTexts texts(language);
-  const auto valueOf = [&](std::string_view name) -> std::string {
-    if (name == "language") return std::string(texts.Language());
-    if (name == "follows") return language.empty() ? " data-follows" : "";
-    if (name == "title") return TitleOf(report, texts);
-    if (name == "style") return std::string(kPageStyle);
-    if (name == "content") return ContentOf(report, texts);
-    if (name == "json") return ReportAsJson(report);
-    if (name == "texts") return PageTexts::AllAsJson();
-    if (name == "script") return std::string(kPageScript);
-    name.remove_prefix(2);  // "t:"
-    return HtmlText(texts).Text(texts.Of(name)).Take();
-  };
-  std::string page;
-  std::string_view rest = kPageTemplate;
-  for (std::size_t begin = rest.find("{{"); begin != std::string_view::npos;
-       begin = rest.find("{{")) {
-    const std::size_t end = rest.find("}}", begin);
-    page += rest.substr(0, begin);
-    page += valueOf(rest.substr(begin + 2, end - begin - 2));
-    rest.remove_prefix(end + 2);
-  }
-  return page.append(rest);
+  return FramedPage({TitleOf(report, texts), ContentOf(report, texts), ReportAsJson(report)}, texts,
+                    language.empty());
 }
 
 }  // namespace corvel

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "core/text.h"
-#include "merge/report/report_places.h"
+#include "merge/report/shared/report_places.h"
 #include "merge/run_observer.h"
 #include "merge/unit_comparison.h"
 

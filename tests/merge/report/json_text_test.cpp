@@ -1,4 +1,4 @@
-#include "merge/report/json_text.h"
+#include "merge/report/shared/json_text.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "merge/report/page_texts.h"
 #include "merge/report/report_json.h"
+#include "merge/report/shared/page_texts.h"
 
 namespace corvel {
 namespace {

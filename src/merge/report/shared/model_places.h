@@ -6,18 +6,23 @@
 #include <vector>
 
 #include "merge/document.h"
-#include "merge/report/product_fates.h"
-#include "merge/report/report_places.h"
+#include "merge/report/shared/report_places.h"
 
 namespace corvel {
 
 // More products than this are thinned out, each class by the same share.
 inline constexpr std::size_t kMostPlaces = 100'000;
 
-// An input that is folded into the model, with what became of its products.
+// A product of an input. One that is not kept may have another object stand for it.
+struct PlacedProduct {
+  IFC::IfcEntity* entity = nullptr;
+  bool isKept = true;
+};
+
+// An input that is folded into the model, or the model itself.
 struct PlacedInput {
-  std::uint32_t input = 0;  // index in the report
-  const ProductFates* fates = nullptr;
+  std::uint32_t input = 0;                // index in the report
+  std::vector<PlacedProduct> products{};  // by number
 };
 
 // Looks at the model as it is going to be written: numbers are true. Lengths count in its length

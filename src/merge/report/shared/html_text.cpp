@@ -1,4 +1,4 @@
-#include "merge/report/html_text.h"
+#include "merge/report/shared/html_text.h"
 
 #include <array>
 #include <charconv>

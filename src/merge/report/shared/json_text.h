@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/text.h"
 
@@ -45,6 +46,24 @@ class JsonText {
   void Member(std::string_view key, const T& value) {
     Key(key).Value(value);
   }
+
+  // An array, each item of which begins a line.
+  template <class Items, class Action>
+  void EachOnALine(const Items& items, Action action) {
+    BeginArray();
+    for (const auto& item : items) {
+      NewLine();
+      action(item);
+    }
+    EndArray();
+  }
+  void Texts(const std::vector<WideString>& texts) {
+    BeginArray();
+    for (const WideString& text : texts) Value(text);
+    EndArray();
+  }
+  // A whole value that another writer has made. What may not stand in a page is escaped in it.
+  void Made(std::string_view json);
 
   std::string Take() { return std::move(text_); }
 

@@ -1,4 +1,4 @@
-#include "merge/report/shape_boxes.h"
+#include "merge/report/shared/shape_boxes.h"
 
 #include <algorithm>
 #include <cmath>

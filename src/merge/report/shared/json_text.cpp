@@ -1,4 +1,4 @@
-#include "merge/report/json_text.h"
+#include "merge/report/shared/json_text.h"
 
 #include <array>
 #include <charconv>
@@ -9,6 +9,8 @@ namespace corvel {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+// The first two bytes of U+2028 and U+2029.
+constexpr std::string_view kLineSeparators = "\xE2\x80";
 
 bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -97,6 +99,23 @@ void JsonText::Rounded(double value, int digits) {
   const double rounded = std::round(value * factor) / factor;
   // Not the zero with a sign, and as it is where there is nothing to be rounded any more.
   Value(std::isfinite(rounded) ? rounded + 0.0 : value);
+}
+
+void JsonText::Made(std::string_view json) {
+  BeforeToken();
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    const char c = json[i];
+    if (c == '<' || c == '>' || c == '&' || c == '\x7F') {
+      AppendEscape(static_cast<char16_t>(c), text_);
+    } else if (json.substr(i, 2) == kLineSeparators && i + 2 < json.size() &&
+               (json[i + 2] == '\xA8' || json[i + 2] == '\xA9')) {
+      AppendEscape(json[i + 2] == '\xA8' ? 0x2028 : 0x2029, text_);
+      i += 2;
+    } else {
+      text_ += c;
+    }
+  }
+  needsComma_ = true;
 }
 
 }  // namespace corvel

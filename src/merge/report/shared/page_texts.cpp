@@ -1,11 +1,11 @@
-#include "merge/report/page_texts.h"
+#include "merge/report/shared/page_texts.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "core/text.h"
-#include "merge/report/json_text.h"
-#include "merge/report/page_parts.h"
+#include "merge/report/shared/json_text.h"
+#include "merge/report/shared/page_parts.h"
 
 namespace corvel {
 
@@ -20,13 +20,21 @@ const PageLanguage& LanguageOf(std::string_view code) {
 
 }  // namespace
 
-PageTexts::PageTexts(std::string_view language)
-    : language_(LanguageOf(language).code), texts_(Parse(LanguageOf(language).texts)) {}
+PageTexts::PageTexts(std::string_view language, std::span<const PageLanguage> more)
+    : more_(more), language_(LanguageOf(language).code), texts_(TextsOf(LanguageOf(language))) {}
+
+PageTexts::Texts PageTexts::TextsOf(const PageLanguage& language) const {
+  Texts texts;
+  Parse(language.texts, texts);
+  for (const PageLanguage& one : more_) {
+    if (one.code == language.code) Parse(one.texts, texts);
+  }
+  return texts;
+}
 
 // "key = text"; comments and empty lines have no " = " in front of any text.
-PageTexts::Texts PageTexts::Parse(std::string_view lines) {
+void PageTexts::Parse(std::string_view lines, Texts& texts) {
   constexpr std::string_view kBetween = " = ";
-  Texts texts;
   while (!lines.empty()) {
     const std::size_t end = std::min(lines.find('\n'), lines.size());
     std::string_view line = lines.substr(0, end);
@@ -36,7 +44,6 @@ PageTexts::Texts PageTexts::Parse(std::string_view lines) {
     if (line.starts_with('#') || at == std::string_view::npos) continue;
     texts.emplace(line.substr(0, at), line.substr(at + kBetween.size()));
   }
-  return texts;
 }
 
 std::string_view PageTexts::Of(std::string_view key) const {
@@ -44,11 +51,11 @@ std::string_view PageTexts::Of(std::string_view key) const {
   return found == texts_.end() ? key : found->second;
 }
 
-std::string PageTexts::AllAsJson() {
+std::string PageTexts::AllAsJson() const {
   JsonText json;
   json.BeginObject();
   for (const PageLanguage& language : kPageLanguages) {
-    const Texts texts = Parse(language.texts);
+    const Texts texts = TextsOf(language);
     json.NewLine();
     json.Key(language.code).BeginObject();
     json.Member("name", FromUtf8(texts.at("name")));

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "merge/report/model_places.h"
-#include "merge/report/report_places.h"
+#include "merge/report/shared/model_places.h"
+#include "merge/report/shared/report_places.h"
 
 namespace corvel {
 

@@ -1,4 +1,4 @@
-#include "merge/report/spatial_tree.h"
+#include "merge/report/shared/spatial_tree.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -60,18 +60,18 @@ class TreeCollector {
 
   void CollectNodes() {
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
-      inputs_[i].fates->ForEach([&](IFC::IfcEntity& entity) {
-        IFC::IfcEntity* const there = InModel(&entity);
-        if (there == nullptr) return;
+      for (const PlacedProduct& product : inputs_[i].products) {
+        IFC::IfcEntity* const there = InModel(product.entity);
+        if (there == nullptr) continue;
         owners_.emplace(there, i);
-        if (!IsSpatial(*there)) return;
+        if (!IsSpatial(*there)) continue;
         if (!index_.contains(there)) MakeNode(*there);
         std::vector<std::uint32_t>& inputs = nodes_[index_.at(there)].inputs;
         const std::uint32_t input = inputs_[i].input;
         if (std::find(inputs.begin(), inputs.end(), input) == inputs.end()) {
           inputs.push_back(input);
         }
-      });
+      }
     }
   }
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "core/text.h"
-#include "merge/report/page_texts.h"
+#include "merge/report/shared/page_texts.h"
 
 namespace corvel {
 

@@ -1,4 +1,4 @@
-// Plan and elevation of the products of a result.
+#include "merge/report/shared/page_drawings.h"
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,6 @@
 #include <numbers>
 #include <string>
 #include <vector>
-
-#include "merge/report/page_sections.h"
 
 namespace corvel {
 
@@ -19,6 +17,7 @@ using Point = std::array<double, 2>;
 constexpr double kWidth = 760;
 constexpr double kMargin = 26;
 constexpr double kStoreyColumn = 150;  // for the names of storeys, beside the elevation
+constexpr double kNorthColumn = 24;    // for the needle, beside the plan
 constexpr double kLeastHeight = 120;   // of a drawing
 constexpr double kMostHeight = 640;
 constexpr double kDot = 1.8;         // radius of a product without a box
@@ -100,10 +99,16 @@ double RoundLength(double most) {
   return power;
 }
 
+struct DrawnModels {
+  const std::vector<DrawnInput>& inputs;
+  const ModelPlaces& places;
+};
+
 class Drawing {
  public:
-  Drawing(const RunReport& report, View view, const std::vector<std::size_t>& drawn, HtmlText& html)
-      : report_(report), places_(*report.places), view_(view), html_(html) {
+  Drawing(const DrawnModels& models, View view, const std::vector<std::size_t>& drawn,
+          HtmlText& html)
+      : inputs_(models.inputs), places_(models.places), view_(view), html_(html) {
     for (const std::size_t product : drawn) {
       Outline outline{product, OutlineOf(places_.products[product], view), 0};
       const std::uint32_t input = places_.products[product].input;
@@ -144,7 +149,8 @@ class Drawing {
   // higher, and it is said how much.
   void Fit() {
     constexpr double kSmallest = 1e-3;
-    const double room = kWidth - 2 * kMargin - (view_ == View::kElevation ? kStoreyColumn : 0);
+    const double aside = view_ == View::kElevation ? kStoreyColumn : kNorthColumn;
+    const double room = kWidth - 2 * kMargin - aside;
     const double wide = std::max(all_.Size(0), kSmallest);
     const double high = std::max(all_.Size(1), kSmallest);
     scale_ = std::min(room / wide, (kMostHeight - 2 * kMargin) / high);
@@ -207,8 +213,22 @@ class Drawing {
     html_.Number(static_cast<double>(outline.product), 0).Raw("'><title>");
     html_.Text(product.name).Raw("\n").Text(product.guid).Raw(" \u00b7 ");
     html_.Text(places_.classes[product.classIndex].name).Raw(" \u00b7 ");
-    html_.Text(ShortName(report_.inputs[product.input].path));
+    html_.Text(ShortName(inputs_[product.input].path));
     html_.Raw("</title></").Raw(element).Raw(">\n");
+  }
+
+  // To the right of those that stand there already, as far as there is room.
+  Point FreeLabel(Point label) {
+    constexpr Point kRoom = {18, 12};
+    const auto isTaken = [&](const Point& other) {
+      return std::abs(other[0] - label[0]) < kRoom[0] && std::abs(other[1] - label[1]) < kRoom[1];
+    };
+    while (label[0] < kWidth - 2 * kRoom[0] &&
+           std::any_of(labels_.begin(), labels_.end(), isTaken)) {
+      label[0] += kRoom[0];
+    }
+    labels_.push_back(label);
+    return label;
   }
 
   void DrawReach(std::uint32_t input, const Area& area) {
@@ -220,12 +240,9 @@ class Drawing {
     html_.Number(low[1] - kOutside, 1).Raw("' width='");
     html_.Number(high[0] - low[0] + 2 * kOutside, 1).Raw("' height='");
     html_.Number(high[1] - low[1] + 2 * kOutside, 1).Raw("'></rect>");
-    // Beside each other where the frames are one.
-    const double step = std::min(14 * static_cast<double>(input % 8), high[0] - low[0]);
-    const double x = low[0] - kOutside + 2 + step;
+    const Point label = FreeLabel({low[0] - kOutside + 2, std::max(low[1] - kOutside - 3, 11.0)});
     html_.Raw("<text class='label' style='fill:var(--own);font-weight:700' x='");
-    html_.Number(std::min(x, kWidth - 14), 1).Raw("' y='");
-    html_.Number(std::max(low[1] - kOutside - 3, 11.0), 1).Raw("'>");
+    html_.Number(label[0], 1).Raw("' y='").Number(label[1], 1).Raw("'>");
     html_.Count(input + std::size_t{1}).Raw("</text></g>\n");
   }
 
@@ -237,7 +254,7 @@ class Drawing {
       html_.Number(kWidth - kStoreyColumn, 0).Raw("' y1='").Number(y, 1).Raw("' y2='");
       html_.Number(y, 1).Raw("'><title>").Text(storey.name).Raw(" ");
       html_.Number(storey.height, 2).Raw(" m \u00b7 ");
-      html_.Text(ShortName(report_.inputs[storey.input].path)).Raw("</title></line>\n");
+      html_.Text(ShortName(inputs_[storey.input].path)).Raw("</title></line>\n");
       if (lastLabel - y < kLeastLabels) continue;
       lastLabel = y;
       constexpr std::size_t kLongestName = 14;
@@ -270,12 +287,14 @@ class Drawing {
     if (!places_.north) return;
     const double degrees =
         std::atan2((*places_.north)[0], (*places_.north)[1]) * 180 / std::numbers::pi;
-    html_.Raw("<g transform='translate(").Number(kWidth - 24, 0).Raw(" 32)'><g transform='rotate(");
+    html_.Raw("<g transform='translate(")
+        .Number(kWidth - kNorthColumn, 0)
+        .Raw(" 32)'><g transform='rotate(");
     html_.Number(degrees, 1).Raw(")'><path class='needle' d='M0-14L6 10L0 5L-6 10z'></path>");
     html_.Raw("<text text-anchor='middle' y='-17'>N</text></g></g>\n");
   }
 
-  const RunReport& report_;
+  const std::vector<DrawnInput>& inputs_;
   const ModelPlaces& places_;
   View view_;
   HtmlText& html_;
@@ -286,30 +305,31 @@ class Drawing {
   double stretch_ = 1;
   double height_ = 0;
   Point offset_{};
+  std::vector<Point> labels_;  // of frames
 };
 
-void AddLegend(const RunReport& report, HtmlText& html) {
+void AddLegend(const DrawnModels& models, HtmlText& html) {
   html.Raw("<ul class='legend'>\n");
-  for (std::size_t i = 0; i < report.inputs.size(); ++i) {
-    if (!report.inputs[i].takesPart) continue;
+  for (std::size_t i = 0; i < models.inputs.size(); ++i) {
+    if (!models.inputs[i].isDrawn) continue;
     html.Raw("<li class='").Raw(ColourOf(i)).Raw("'><label><input type='checkbox' checked ");
     html.Raw("disabled data-input='").Number(static_cast<double>(i), 0).Raw("'> ");
     html.Raw("<span class='dot'></span>").Count(i + 1).Raw(" ");
-    html.Name(ShortName(report.inputs[i].path)).Raw("</label></li>\n");
+    html.Name(ShortName(models.inputs[i].path)).Raw("</label></li>\n");
   }
   html.Raw("</ul>\n");
 }
 
-void AddFigure(const RunReport& report, View view, const std::vector<std::size_t>& drawn,
+void AddFigure(const DrawnModels& models, View view, const std::vector<std::size_t>& drawn,
                HtmlText& html) {
-  Drawing drawing(report, view, drawn, html);
+  Drawing drawing(models, view, drawn, html);
   html.Word("h3", view == View::kPlan ? "plan" : "elevation").Raw("\n<figure>\n");
   drawing.Draw();
   html.Raw("<figcaption>");
   if (view == View::kPlan) {
     html.Word("planHint");
-    if (report.inputs.size() > 1) html.Raw(" ").Word("reach");
-    if (!report.places->north) html.Raw(" ").Word("noNorth");
+    if (models.inputs.size() > 1) html.Raw(" ").Word("reach");
+    if (!models.places.north) html.Raw(" ").Word("noNorth");
   } else if (drawing.Stretch() > 1) {
     html.Word("stretched").Raw(" ").Number(drawing.Stretch(), 0);
   }
@@ -331,17 +351,18 @@ void AddCounts(const ModelPlaces& places, std::size_t drawn, HtmlText& html) {
 
 }  // namespace
 
-void AddDrawings(const RunReport& report, HtmlText& html) {
+void AddDrawings(const std::vector<DrawnInput>& inputs, const ModelPlaces* places, HtmlText& html) {
   html.Raw("<section id='where'>\n").Word("h2", "where").Raw("\n");
-  if (!report.places || report.places->products.empty()) {
+  if (places == nullptr || places->products.empty()) {
     html.Word("p", "noPlaces", " class='soft'").Raw("\n</section>\n");
     return;
   }
-  const std::vector<std::size_t> drawn = DrawnOf(*report.places);
-  AddLegend(report, html);
-  AddCounts(*report.places, drawn.size(), html);
-  AddFigure(report, View::kPlan, drawn, html);
-  AddFigure(report, View::kElevation, drawn, html);
+  const std::vector<std::size_t> drawn = DrawnOf(*places);
+  const DrawnModels models{inputs, *places};
+  AddLegend(models, html);
+  AddCounts(*places, drawn.size(), html);
+  AddFigure(models, View::kPlan, drawn, html);
+  AddFigure(models, View::kElevation, drawn, html);
   html.Raw("</section>\n");
 }
 

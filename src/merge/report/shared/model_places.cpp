@@ -1,4 +1,4 @@
-#include "merge/report/model_places.h"
+#include "merge/report/shared/model_places.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +10,8 @@
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "merge/federation/tree/world_places.h"
-#include "merge/report/shape_boxes.h"
-#include "merge/report/spatial_tree.h"
+#include "merge/report/shared/shape_boxes.h"
+#include "merge/report/shared/spatial_tree.h"
 #include "schema/interfaces/product.h"
 
 namespace corvel {
@@ -43,13 +43,15 @@ class PlaceCollector {
         metres_(MetresPerLengthUnit(merged.getIfcUnitAssignment())) {}
 
   void Look(const PlacedInput& input) {
-    input.fates->ForEachKept([&](IFC::IfcEntity& entity) {
+    for (const auto& [product, isKept] : input.products) {
+      if (!isKept) continue;
+      IFC::IfcEntity& entity = *product;
       const ClassFacts* const facts = FindFacts(entity);
       const auto [role, isNew] = roles_.try_emplace(facts, Role::kNotDrawn);
       if (isNew) role->second = RoleOf(facts);
       if (role->second == Role::kStorey) AddStorey(entity, input.input);
       if (role->second == Role::kDrawn) AddCandidate(entity, facts, input.input);
-    });
+    }
   }
 
   ModelPlaces Finish() {
