@@ -161,8 +161,12 @@ ExitStatus RunCheck(const CommandLine& line) {
   platform::SetAnswerPolicy(line.answer);
   platform::CatchInterrupts();
   RunConsole console(RunConsole::StandardError(!line.quiet));
-  const CheckRunOrder order{line.inputs, line.against, line.json, platform::CanColourOutput(),
-                            line.workFolder.value_or(platform::SystemTemporaryFolder())};
+  const CheckRunOrder order{line.inputs,
+                            line.against,
+                            line.json,
+                            platform::CanColourOutput(),
+                            line.workFolder.value_or(platform::SystemTemporaryFolder()),
+                            line.reports};
   BlockOutput output;
   const ExitStatus status =
       RunCheck(order, console, [&output](WideView text) { return output.Write(text); });

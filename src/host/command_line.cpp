@@ -159,6 +159,7 @@ void GatherFederation(const CLI::App& app, Command command, ChoiceWords& words) 
 void AddCheckOptions(CLI::App& app, Words& words) {
   app.add_option("--against", words.against);
   app.add_option("--explain", words.explain);
+  AddRepeated(app, "--report", words.reports);
 }
 
 void AddOptions(CLI::App& app, Command command, Words& words) {
@@ -279,6 +280,7 @@ std::optional<std::string> CheckError(const CLI::App& app, const Words& words) {
   const std::size_t files = words.files.size();
   if (app.count("--explain") != 0) {
     if (files != 0 || app.count("--against") != 0) return "--explain takes no files";
+    if (app.count("--report") != 0) return "--explain writes no report";
     return {};
   }
   if (files == 0) return "a file is needed";

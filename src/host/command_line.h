@@ -25,8 +25,8 @@ struct CommandLine {
   WideString output;               // of all that write a model; a dry run may have none
   RunChoices choices;     // merge and extract; resave and optimise choose no objects and no places
   bool isDryRun = false;  // merge
-  std::vector<WideString> reports;  // of all that have an output
-  bool progressIsJson = false;      // likewise
+  std::vector<WideString> reports;  // check, and all that have an output
+  bool progressIsJson = false;      // of all that have an output
   bool quiet = false;
   bool json = false;                       // info, tree, diff and check
   double toleranceMm = 0.001;              // diff

@@ -30,6 +30,9 @@ Options:
                           all names up to the next option
   --explain RULE          tell what a rule is about, and an example
   --json                  one JSON object, see docs/check.schema.json
+  --report FILE           write all of it to FILE as well, with a plan and an
+                          elevation: a page (.html) or JSON (.json); see
+                          docs/report.md. Can be given again
   --quiet                 no progress on the terminal
   --answer yes|no         answer questions without asking
   --work-folder FOLDER    for the files that the reading needs meanwhile

@@ -14,6 +14,7 @@
 namespace corvel::host {
 
 struct CheckReport {
+  WideString startedAt;  // for reports alone: see TimeOfReport
   std::vector<CheckedModel> models;
   std::vector<BetweenFinding> between;  // of several models
   std::vector<WideString> against;      // the files that the only model is compared with
@@ -21,6 +22,8 @@ struct CheckReport {
 
   // Of all models and between them; with a comparison the new ones alone.
   Totals Counted() const;
+  // Why files could not be read, each with its path.
+  std::vector<WideString> Failures() const;
 };
 
 // One model: some lines of at most 80 columns. With `comparison`, which is about it, each finding

@@ -6,8 +6,11 @@
 
 #include "core/cancellation.h"
 #include "host/check/check_report.h"
+#include "host/check/report/check_page.h"
 #include "host/display_text.h"
 #include "host/run_checks.h"
+#include "merge/report/shared/model_places.h"
+#include "merge/report/shared/report_file.h"
 #include "step/log/utilities.h"
 
 namespace corvel::host {
@@ -45,6 +48,8 @@ class CheckRun {
       console_.Say(Printable(order_.workFolder) + u": " + *trouble);
       return ExitStatus::kNothingWritten;
     }
+    if (!ReportsAreGood()) return ExitStatus::kNothingWritten;
+    report_.startedAt = TimeOfReport();
     std::vector<CheckedModel> before;
     if (!CheckAll(order_.against, before)) return Unread();
     if (!CheckInputs(before)) return Unread();
@@ -53,15 +58,45 @@ class CheckRun {
     const bool written = order_.json
                              ? output_(FromUtf8(CheckReportAsJson(report_)))
                              : isWritten_ && output_(CheckSummaryAsText(report_, order_.inColours));
-    if (!written || !isReadable_) return ExitStatus::kNothingWritten;
+    if (!WriteReports() || !written || !isReadable_) return ExitStatus::kNothingWritten;
     return report_.Counted().errors == 0 ? ExitStatus::kDone : ExitStatus::kErrorsFound;
   }
 
  private:
+  // All that is wrong is told, not the first alone.
+  bool ReportsAreGood() {
+    std::vector<WideString> files = order_.inputs;
+    files.insert(files.end(), order_.against.begin(), order_.against.end());
+    bool good = true;
+    for (const WideString& path : order_.reports) {
+      const auto trouble = TroubleWithReport(path, files);
+      if (!trouble) continue;
+      console_.Say(Printable(path) + u": " + *trouble);
+      good = false;
+    }
+    return good;
+  }
+
+  bool WriteReports() {
+    bool written = true;
+    for (const WideString& path : order_.reports) {
+      if (WriteCheckReport(report_, path)) continue;
+      console_.Say(Printable(path) + u": the report could not be written");
+      written = false;
+    }
+    return written;
+  }
+
   bool CheckInputs(const std::vector<CheckedModel>& before) {
     report_.against = order_.against;
     for (const WideString& path : order_.inputs) {
-      if (!CheckOne(path, report_.models)) return false;
+      CheckOrder order{.keepsHolders = order_.inputs.size() > 1,
+                       .keepsGuids = !order_.against.empty()};
+      if (!order_.reports.empty()) {
+        order.placesOfFile = static_cast<std::uint32_t>(report_.models.size());
+        order.mostPlaces = kMostPlaces / order_.inputs.size();
+      }
+      if (!CheckOne(path, std::move(order), report_.models)) return false;
       const CheckedModel& model = report_.models.back();
       if (!order_.against.empty()) report_.comparison = CompareWith(model, before);
       if (order_.json) continue;
@@ -75,20 +110,20 @@ class CheckRun {
   }
 
   bool CheckAll(const std::vector<WideString>& paths, std::vector<CheckedModel>& models) {
-    return std::all_of(paths.begin(), paths.end(),
-                       [&](const WideString& path) { return CheckOne(path, models); });
+    return std::all_of(paths.begin(), paths.end(), [&](const WideString& path) {
+      return CheckOne(path, {.keepsGuids = true}, models);
+    });
   }
 
   // False: the user cancelled.
-  bool CheckOne(const WideString& path, std::vector<CheckedModel>& models) {
+  bool CheckOne(const WideString& path, CheckOrder order, std::vector<CheckedModel>& models) {
     const std::size_t files = order_.inputs.size() + order_.against.size();
     view.overallText = u"Checking";
     view.overall = static_cast<int>(done_++ * 100 / files);
     view.stepText = path;
-    models.push_back(CheckModel(path, {.workFolder = order_.workFolder,
-                                       .keepsHolders = order_.inputs.size() > 1,
-                                       .keepsGuids = !order_.against.empty(),
-                                       .progress = Tick}));
+    order.workFolder = order_.workFolder;
+    order.progress = Tick;
+    models.push_back(CheckModel(path, order));
     const CheckedModel& model = models.back();
     if (console_.WasCancelled()) return false;
     for (const WideString& problem : model.problems) {

@@ -15,7 +15,8 @@ struct CheckRunOrder {
   std::vector<WideString> against;  // what the only input was made from; empty: nothing
   bool json = false;
   bool inColours = false;
-  WideString workFolder;  // of the files that the readings need meanwhile
+  WideString workFolder;            // of the files that the readings need meanwhile
+  std::vector<WideString> reports;  // .html or .json: files that are written beside
 };
 
 // Checks one file after the other, and gives what there is to tell to `output`, text as soon as a

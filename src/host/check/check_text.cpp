@@ -108,6 +108,16 @@ Totals CheckReport::Counted() const {
   return totals;
 }
 
+std::vector<WideString> CheckReport::Failures() const {
+  std::vector<WideString> failures;
+  for (const CheckedModel& model : models) {
+    for (const WideString& problem : model.problems) {
+      failures.push_back(Printable(model.path) + u": " + problem);
+    }
+  }
+  return failures;
+}
+
 WideString CheckedModelAsText(const CheckedModel& model, const Comparison* comparison,
                               bool inColours) {
   WideString text = Wrapped({}, model.path);

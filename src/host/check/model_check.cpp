@@ -16,6 +16,7 @@
 #include "host/check/reading_check.h"
 #include "host/check/record_texts.h"
 #include "host/check/relation_check.h"
+#include "host/check/report/places_of_model.h"
 #include "host/check/value_check.h"
 #include "host/hearing.h"
 #include "host/model_opening.h"
@@ -169,6 +170,9 @@ bool LookAtModel(IfcDocument& document, const CheckOrder& order, CheckedModel& c
   if (!walk.Run(ticker)) return false;
   if (!LookAtText(document, walk.WithZero(), checked, findings, ticker)) return false;
   FindLines(checked);
+  if (order.placesOfFile) {
+    checked.places = PlacesOfModel(document, *order.placesOfFile, order.mostPlaces);
+  }
   std::sort(checked.holders.begin(), checked.holders.end(), [](const auto& a, const auto& b) {
     return std::tie(a.guid, a.number) < std::tie(b.guid, b.number);
   });

@@ -9,13 +9,17 @@
 #include "host/check/findings.h"
 #include "host/check/guid_check.h"
 #include "host/facts/model_facts.h"
+#include "merge/report/shared/report_places.h"
 
 namespace corvel::host {
 
 struct CheckOrder {
-  WideString workFolder;      // of the file that the reading needs meanwhile
+  WideString workFolder{};    // of the file that the reading needs meanwhile
   bool keepsHolders = false;  // CheckedModel::holders is filled
   bool keepsGuids = false;    // Finding::byGuid is filled
+  // CheckedModel::places is filled, for the report that has the file at this index.
+  std::optional<std::uint32_t> placesOfFile{};
+  std::size_t mostPlaces = 0;  // products among them
   ProgressCallback progress = nullptr;
 };
 
@@ -27,6 +31,7 @@ struct CheckedModel {
   std::optional<ModelFacts> facts;
   std::vector<Finding> findings;    // by rule and subject
   std::vector<GuidHolder> holders;  // of GUIDs that are some, by GUID and number
+  std::optional<ModelPlaces> places;
 };
 
 // Reads the file with tolerance, looks at everything, and keeps nothing of it in memory.

@@ -101,6 +101,38 @@ class Check(CorvelTest):
         self.run_corvel('check', 'a.ifc')
         self.assertEqual(['a.ifc'], self.names())
 
+    def test_a_report_has_what_json_has_and_standard_output_stays(self):
+        self.write_model('a.ifc', PROJECT + POINT)
+        plain = self.run_corvel('check', 'a.ifc')
+        ended = self.run_corvel('check', 'a.ifc', '--report', 'r.json', '--report', 'r.HTML')
+        self.assert_ended(ended, ERRORS_FOUND, err='')
+        self.assertEqual(plain.out, ended.out)
+        report = json.loads(self.read('r.json'))
+        self.assertEqual('check', report['report'])
+        self.assertEqual(json.loads(self.run_corvel('check', 'a.ifc', '--json').out), report['check'])
+        self.assertIn(b'<!DOCTYPE html>', self.read('r.HTML'))
+
+    def test_a_report_over_a_file_that_is_read_is_refused_before_anything_is(self):
+        model = self.write_model('a.ifc', PROJECT)
+        os.rename(self.path(model), self.path('a.html'))
+        for arguments in (('a.html',), (self.write_model('b.ifc', PROJECT), '--against', 'a.html')):
+            ended = self.run_corvel('check', *arguments, '--report', 'a.html')
+            self.assert_ended(ended, NOTHING_WRITTEN)
+            self.assertEqual('', ended.out)
+            self.assertIn(b'ISO-10303-21', self.read('a.html'))
+
+    def test_a_report_in_a_folder_that_is_not_there_ends_with_1(self):
+        ended = self.run_corvel('check', self.write_model('a.ifc', PROJECT), '--report', 'nowhere/r.html')
+        self.assert_ended(ended, NOTHING_WRITTEN)
+        self.assertEqual('', ended.out)
+
+    def test_a_report_needs_files_and_an_ending(self):
+        ended = self.run_corvel('check', '--explain', 'CRV.list.few', '--report', 'r.html')
+        self.assert_ended(ended, WRONG_USAGE)
+        self.assertIn('--explain writes no report', ended.err)
+        ended = self.run_corvel('check', 'a.ifc', '--report', 'r.txt')
+        self.assert_ended(ended, WRONG_USAGE)
+
 
 if __name__ == '__main__':
     unittest.main()

@@ -95,5 +95,46 @@ class Page(CorvelTest):
         self.assertLess(shown.index('id="failures"'), shown.index('data-t="notWritten"'))
 
 
+@unittest.skipIf(browser.PROGRAM is None, 'there is no browser on this machine')
+class PageOfACheck(CorvelTest):
+
+    def setUp(self):
+        super().setUp()
+        walls = []
+        for at, name in enumerate(HOSTILE):
+            walls += [line.replace("'W'", f"'{name}'") for line in wall(10 * (at + 1), f'guid{at}', 3 * at)]
+        self.write('a.ifc', project(*walls, '#90=IFCNOSUCHCLASS();', '#91=IFCDIRECTION((0.,0.,1.);'))
+        self.write('b.ifc', project(*wall(2, HOSTILE[-1], 1)))
+        ended = self.run_corvel('check', 'a.ifc', 'b.ifc', 'missing.ifc', '--report', 'r.html', '--report', 'r.json')
+        self.assert_ended(ended, NOTHING_WRITTEN)
+
+    def test_no_name_is_run_and_no_script_fails_and_the_json_is_that_of_the_report(self):
+        shown, console = browser.dom(self.path('r.html'), 'pl')
+        self.assertEqual([], console)
+        self.assertIn('<title>a.ifc, b.ifc, missing.ifc \u00b7 corvel check</title>', shown)
+        self.assertIn('<h2 data-t="findings">Co znaleziono</h2>', shown)
+        found = re.search(r'<script type="application/json" id="report">\n(.*?)</script>', shown, re.DOTALL)
+        self.assertEqual(json.loads(self.read('r.json')), json.loads(found[1]))
+
+    def test_it_fits_on_a_desk_and_on_a_telephone(self):
+        page = self.read('r.html').decode('utf-8').replace('</body>', MEASURE)
+        self.write('measured.html', page.encode('utf-8'))
+        for width in (1280, 400):
+            with self.subTest(width):
+                shown, console = browser.dom(self.path('measured.html'), width=width)
+                self.assertEqual([], console)
+                needed, there = map(int, re.search(r'data-measured="(\d+) (\d+)"', shown).groups())
+                self.assertLessEqual(needed, there)
+
+    def test_all_but_the_choice_of_a_language_is_there_without_the_script(self):
+        page = re.sub(r'<script.*?</script>', '', self.read('r.html').decode('utf-8'), flags=re.DOTALL)
+        text = html.unescape(re.sub(r'<[^>]*>', ' ', page))
+        for word in ('missing.ifc: there is no such file', 'The release has no such class', 'CRV.class.unknown',
+                     'A record has no closing bracket', 'IfcWall', 'Plan', 'Elevation', 'Spatial trees'):
+            self.assertIn(word, text)
+        self.assertLess(text.index('there is no such file'), text.index('CRV.class.unknown'))
+        self.assertEqual(2 * (len(HOSTILE) + 1), page.count("class='p'"))
+
+
 if __name__ == '__main__':
     unittest.main()
