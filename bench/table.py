@@ -7,6 +7,7 @@ BUILD is the folder of the release build; MODELS holds the models that run.sh ha
 import sys
 from pathlib import Path
 
+import diffs
 import threads
 from many import COUNTS, SAMPLE, merge_many
 from measure import Failed, ROOT, medians, process, stages, web_ifc_folder
@@ -242,6 +243,7 @@ def main():
     for group in groups:
         print_flatness(group)
     threads.print_rows(build, [group[-1] for group in groups])
+    diffs.print_rows(build, [group[-1] for group in groups])
     print_small(build, models)
     print_four(build, models, sizes[-1])
     print_many(build, models)

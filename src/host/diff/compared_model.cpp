@@ -1,8 +1,10 @@
 #include "host/diff/compared_model.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 
+#include "platform/prefetch.h"
 #include "schema/attributes.h"
 
 namespace corvel::host::diff {
@@ -37,27 +39,41 @@ ComparedModel::ComparedModel(const IfcDocument& document, ClassWords& words)
   Relate();
 }
 
-// By roles, with a number each.
+// By roles. So little is done with each record that one waits for nothing but memory: many at once.
 void ComparedModel::Sort() {
+  constexpr std::size_t kMany = 64;
+  std::array<IFC::IfcEntity*, kMany> batch;
+  std::size_t size = 0;
+  const auto finish = [&] {
+    for (std::size_t i = 0; i < size; ++i) Sort(*batch[i]);
+    size = 0;
+  };
   for (const auto [number, entity] : document_.mainContainer->entities) {
-    entity->visited = false;
-    const ClassWord* const word = words_.Of(*entity);
-    if (word == nullptr || (word->role != Role::kObject && word->role != Role::kContext)) {
-      entity->visitStamp = kFirstValue + static_cast<std::uint32_t>(valueCount_++);
-    }
-    if (word == nullptr) continue;
-    switch (word->role) {
-      case Role::kValue: break;
-      case Role::kObject: ++rootedCount_; [[fallthrough]];
-      case Role::kContext: objects_.push_back(entity); break;
-      case Role::kRelation: relations_.push_back(entity); break;
-      case Role::kProperties: properties_.push_back(entity); break;
-    }
-    if (!word->describing.empty()) Describe(*entity, *word);
+    platform::PrefetchToRead(entity);
+    batch[size++] = entity;
+    if (size == kMany) finish();
   }
+  finish();
   for (std::size_t i = 0; i < objects_.size(); ++i) {
     objects_[i]->visitStamp = static_cast<std::uint32_t>(i + 1);
   }
+}
+
+// Most records are values and as reading has left them.
+void ComparedModel::Sort(IFC::IfcEntity& entity) {
+  if (entity.visited) entity.visited = false;
+  if (entity.visitStamp != 0) entity.visitStamp = 0;
+  if (PartnerOf(entity) != 0) PartnerOf(entity) = 0;
+  const ClassWord* const word = words_.Of(entity);
+  if (word == nullptr) return;
+  switch (word->role) {
+    case Role::kValue: break;
+    case Role::kObject: ++rootedCount_; [[fallthrough]];
+    case Role::kContext: objects_.push_back(&entity); break;
+    case Role::kRelation: relations_.push_back(&entity); break;
+    case Role::kProperties: properties_.push_back(&entity); break;
+  }
+  if (!word->describing.empty()) Describe(entity, *word);
 }
 
 void ComparedModel::Describe(IFC::IfcEntity& entity, const ClassWord& word) {
@@ -89,7 +105,7 @@ void ComparedModel::SetApart() {
   }
   std::vector<IFC::IfcEntity*> alone;
   const auto isAlone = [&](IFC::IfcEntity* relation) {
-    if (HoldingAttribute(*relation) != nullptr) return false;
+    if (FindHolding(*relation) != nullptr) return false;
     alone.push_back(relation);
     return true;
   };
@@ -115,6 +131,11 @@ void ComparedModel::SetApart() {
 
 bool ComparedModel::RefersToIdentity(const IFC::IfcEntity& relation,
                                      const AttributeWord& attribute) const {
+  // Nearly always the first one tells it.
+  const ConstAttribute held(relation, *attribute.facts);
+  if (const auto* const list = held.As<EntityList>(); list != nullptr && !list->empty()) {
+    if ((*list)[0] != nullptr && HasIdentity(*(*list)[0])) return true;
+  }
   bool refers = false;
   ForEachReferred(relation, *attribute.facts, [&](const IFC::IfcEntity& referred) {
     refers = refers || HasIdentity(referred);
@@ -122,7 +143,7 @@ bool ComparedModel::RefersToIdentity(const IFC::IfcEntity& relation,
   return refers;
 }
 
-const AttributeWord* ComparedModel::HoldingAttribute(const IFC::IfcEntity& relation) const {
+const AttributeWord* ComparedModel::FindHolding(const IFC::IfcEntity& relation) const {
   const ClassWord* const word = words_.Of(relation);
   for (const auto side : {&AttributeWord::isRelated, &AttributeWord::isRelating}) {
     for (const AttributeWord& attribute : word->attributes) {
@@ -135,24 +156,28 @@ const AttributeWord* ComparedModel::HoldingAttribute(const IFC::IfcEntity& relat
   return nullptr;
 }
 
-// Two passes: how many each object has, and which.
 void ComparedModel::Relate() {
-  firstRelation_.assign(objects_.size() + 1, 0);
-  const auto forEachHolder = [&](auto action) {
-    for (IFC::IfcEntity* const relation : relations_) {
-      ForEachReferred(*relation, *HoldingAttribute(*relation)->facts,
-                      [&](const IFC::IfcEntity& holder) {
-                        if (HasIdentity(holder)) action(IndexOf(holder), relation);
-                      });
-    }
+  struct Fact {
+    std::uint32_t about = 0;  // index
+    std::uint32_t relation = 0;
   };
-  forEachHolder([&](std::size_t index, IFC::IfcEntity*) { ++firstRelation_[index + 1]; });
+  std::vector<Fact> facts;
+  firstRelation_.assign(objects_.size() + 1, 0);
+  for (std::size_t i = 0; i < relations_.size(); ++i) {
+    const IFC::IfcEntity& relation = *relations_[i];
+    NumberOf(relation);
+    holding_.push_back(FindHolding(relation));
+    ForEachReferred(relation, *holding_.back()->facts, [&](const IFC::IfcEntity& holder) {
+      if (!HasIdentity(holder)) return;
+      facts.push_back({static_cast<std::uint32_t>(IndexOf(holder)), static_cast<std::uint32_t>(i)});
+      ++firstRelation_[IndexOf(holder) + 1];
+    });
+  }
   for (std::size_t i = 0; i < objects_.size(); ++i) firstRelation_[i + 1] += firstRelation_[i];
   relationsOf_.resize(firstRelation_.back());
   std::vector<std::uint32_t> next(firstRelation_.begin(), firstRelation_.end() - 1);
-  forEachHolder(
-      [&](std::size_t index, IFC::IfcEntity* relation) { relationsOf_[next[index]++] = relation; });
-  relations_.clear();
+  for (const Fact& fact : facts) relationsOf_[next[fact.about]++] = relations_[fact.relation];
+  relations_ = {};
 }
 
 std::span<IFC::IfcEntity* const> ComparedModel::RelationsOf(std::size_t index) const {

@@ -5,8 +5,9 @@
 // Related side, or its Relating side where only that has objects), a set of properties one about
 // what it defines. Where these belong to nothing they have an identity of their own.
 //
-// Takes the visit stamps of the objects for a number of its own: no other walk may use them
-// meanwhile.
+// Takes the visit stamps of the objects for numbers of its own, `visited` for those that have
+// something to describe them, and the count of gone parents for the partner that a walk over both
+// models has found: no other walk may use them meanwhile.
 #pragma once
 
 #include <cstdint>
@@ -31,16 +32,24 @@ class ComparedModel {
   }
   // Index among Objects(); only where HasIdentity.
   static std::size_t IndexOf(const IFC::IfcEntity& entity) { return entity.visitStamp - 1; }
-  // Records without an identity are numbered too, from 0 to this. What stands within a record is
-  // not.
-  std::size_t ValueCount() const { return valueCount_; }
-  static bool IsNumbered(const IFC::IfcEntity& entity) {
-    return !entity.inlineValue && entity.visitStamp >= kFirstValue;
+  // A record without an identity. What stands within a record is none.
+  static bool IsValue(const IFC::IfcEntity& entity) {
+    return !entity.inlineValue && !HasIdentity(entity);
   }
-  static std::size_t NumberOf(const IFC::IfcEntity& entity) {
-    return entity.visitStamp - kFirstValue;
+  // Of a value, from 0 in the order in which they are first asked for. The relations of all objects
+  // are the first ones.
+  std::size_t NumberOf(const IFC::IfcEntity& value) const {
+    auto& stamp = const_cast<IFC::IfcEntity&>(value).visitStamp;
+    if (stamp == 0) stamp = kFirstValue + numbered_++;
+    return stamp - kFirstValue;
+  }
+  // Of a value: the number in the file of what it says the same as in the other model; 0 as long as
+  // nobody knows of such.
+  static std::uint32_t& PartnerOf(const IFC::IfcEntity& value) {
+    return const_cast<IFC::IfcEntity&>(value).goneParents;
   }
 
+  std::size_t RelationCount() const { return holding_.size(); }
   // Relations that say something about the object at `index`, by ascending number.
   std::span<IFC::IfcEntity* const> RelationsOf(std::size_t index) const;
   // Objects that only describe `entity` (see PointingClasses).
@@ -50,7 +59,10 @@ class ComparedModel {
   };
   std::span<const Description> DescriptionsOf(const IFC::IfcEntity& entity) const;
   // The attribute of a relation that names those it is a fact about. Null without any.
-  const AttributeWord* HoldingAttribute(const IFC::IfcEntity& relation) const;
+  const AttributeWord* HoldingAttribute(const IFC::IfcEntity& relation) const {
+    const bool isFact = IsValue(relation) && NumberOf(relation) < holding_.size();
+    return isFact ? holding_[NumberOf(relation)] : nullptr;
+  }
 
   const MeasureScales& Scales() const { return scales_; }
   const IfcDocument& Document() const { return document_; }
@@ -62,9 +74,11 @@ class ComparedModel {
   static constexpr std::uint32_t kFirstValue = 0x80000000u;
 
   void Sort();
+  void Sort(IFC::IfcEntity& entity);
   void SetApart();
   void Relate();
   void Describe(IFC::IfcEntity& entity, const ClassWord& word);
+  const AttributeWord* FindHolding(const IFC::IfcEntity& relation) const;
   bool RefersToIdentity(const IFC::IfcEntity& relation, const AttributeWord& attribute) const;
   void MarkProperties(const IFC::IfcEntity& holder, const ClassWord& word);
 
@@ -78,7 +92,8 @@ class ComparedModel {
   std::vector<std::uint32_t> firstRelation_;  // by index, and one more
   std::vector<IFC::IfcEntity*> relationsOf_;
   std::vector<Description> descriptions_;  // by what is described
-  std::size_t valueCount_ = 0;
+  mutable std::uint32_t numbered_ = 0;
+  std::vector<const AttributeWord*> holding_;  // by number of the relation
   std::size_t rootedCount_ = 0;
 };
 

@@ -1,12 +1,28 @@
 #include "host/diff/lockstep.h"
 
+#include <algorithm>
+
 #include "host/diff/value_digests.h"
+#include "platform/prefetch.h"
 
 namespace corvel::host::diff {
 
 namespace {
 
 constexpr unsigned kDeepest = 200;
+
+// The members of a list lie anywhere in memory: so many are on their way from there.
+constexpr std::size_t kAhead = 8;
+
+// Both ends of the objects.
+void Fetch(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+  constexpr std::ptrdiff_t kLine = 64;
+  for (const IFC::IfcEntity* const entity : {one, other}) {
+    if (entity == nullptr) continue;
+    platform::PrefetchToRead(entity);
+    platform::PrefetchToRead(reinterpret_cast<const char*>(entity) - kLine);
+  }
+}
 
 }  // namespace
 
@@ -16,7 +32,7 @@ Lockstep::Lockstep(const ComparedModel& before, const ComparedModel& after, cons
       after_(after),
       pairing_(pairing),
       tolerance_(tolerance),
-      partners_(before.ValueCount()) {}
+      partnersOfRelations_(before.RelationCount()) {}
 
 bool Lockstep::Same(std::size_t before, std::size_t after) {
   depth_ = 0;
@@ -25,32 +41,26 @@ bool Lockstep::Same(std::size_t before, std::size_t after) {
 }
 
 bool Lockstep::SameRelations(std::size_t before, std::size_t after) {
-  const auto here = before_.RelationsOf(before);
-  const auto there = after_.RelationsOf(after);
-  if (here.size() != there.size()) return false;
-  for (std::size_t i = 0; i < here.size(); ++i) {
-    if (!SameRelation(*here[i], *there[i])) return false;
-  }
-  return true;
+  return SameInAnyOrder(before_.RelationsOf(before), after_.RelationsOf(after),
+                        [this](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+                          return SameRelation(*one, *other);
+                        });
 }
 
 bool Lockstep::SameRelation(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
-  const IFC::IfcEntity*& partner = partners_[ComparedModel::NumberOf(before)];
+  const IFC::IfcEntity*& partner = partnersOfRelations_[before_.NumberOf(before)];
   if (partner == &after) return true;
-  if (typeid(before) != typeid(after) ||
-      !SameContent(before, after, {.holding = before_.HoldingAttribute(before)})) {
-    return false;
-  }
-  if (before_.HoldingAttribute(before) != after_.HoldingAttribute(after)) return false;
-  if (!HoldsObjectsAlone(before) || !HoldsObjectsAlone(after)) return false;
+  const AttributeWord* const holding = before_.HoldingAttribute(before);
+  if (holding == nullptr || holding != after_.HoldingAttribute(after)) return false;
+  if (!SameContent(before, after, {.holding = holding})) return false;
+  if (!HoldsObjectsAlone(before, *holding) || !HoldsObjectsAlone(after, *holding)) return false;
   partner = &after;
   return true;
 }
 
-bool Lockstep::HoldsObjectsAlone(const IFC::IfcEntity& relation) const {
+bool Lockstep::HoldsObjectsAlone(const IFC::IfcEntity& relation, const AttributeWord& holding) {
   bool alone = true;
-  const AttributeFacts& holding = *before_.HoldingAttribute(relation)->facts;
-  ConstAttribute(relation, holding).ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* held) {
+  ConstAttribute(relation, *holding.facts).ForEach<IFC::IfcEntity*>([&](const auto* held) {
     alone = alone && held != nullptr && ComparedModel::HasIdentity(*held);
   });
   return alone;
@@ -64,20 +74,13 @@ bool Lockstep::SameIdentity(const IFC::IfcEntity& before, const IFC::IfcEntity& 
 bool Lockstep::SameValues(const IFC::IfcEntity* before, const IFC::IfcEntity* after) {
   if (before == nullptr || after == nullptr) return before == after;
   if (ComparedModel::HasIdentity(*before)) return SameIdentity(*before, *after);
-  const bool isNumbered = ComparedModel::IsNumbered(*before);
-  if (isNumbered != ComparedModel::IsNumbered(*after)) return false;
-  if (isNumbered && partners_[ComparedModel::NumberOf(*before)] == after) return true;
+  if (before->inlineValue != after->inlineValue || ComparedModel::HasIdentity(*after)) return false;
+  if (ArePartners(*before, *after)) return true;
   if (depth_ == kDeepest) return false;
-  const Dimension dimension = dimension_;
-  const double scaleBefore = scaleBefore_;
-  const double scaleAfter = scaleAfter_;
   ++depth_;
   const bool same = SameContent(*before, *after, {});
   --depth_;
-  dimension_ = dimension;
-  scaleBefore_ = scaleBefore;
-  scaleAfter_ = scaleAfter;
-  if (same && isNumbered) partners_[ComparedModel::NumberOf(*before)] = after;
+  if (same && !before->inlineValue) ComparedModel::PartnerOf(*before) = after->marker;
   return same;
 }
 
@@ -99,20 +102,21 @@ bool Lockstep::SameContent(const IFC::IfcEntity& before, const IFC::IfcEntity& a
     const bool counts = attribute.isContent && &attribute != parts.holding &&
                         !(parts.isDescription && word->Describes(*attribute.facts));
     if (!counts) continue;
-    dimension_ = attribute.dimension;
-    scaleBefore_ = before_.Scales().Of(dimension_);
-    scaleAfter_ = after_.Scales().Of(dimension_);
-    if (!SameAttribute(one, other)) return false;
+    const Held held = {attribute.dimension, before_.Scales().Of(attribute.dimension),
+                       after_.Scales().Of(attribute.dimension),
+                       attribute.isUnordered[0] && attribute.facts->depth == 1};
+    if (!SameAttribute(one, other, held)) return false;
   }
   return parts.isDescription || SameDescriptions(before, after);
 }
 
-bool Lockstep::SameAttribute(const ConstAttribute& before, const ConstAttribute& after) {
+bool Lockstep::SameAttribute(const ConstAttribute& before, const ConstAttribute& after,
+                             const Held& held) {
   if (before.State() != after.State()) return false;
   bool same = true;
   before.Visit([&](const auto& value) {
     const auto* const other = after.As<std::remove_cvref_t<decltype(value)>>();
-    same = other != nullptr && SameHeld(value, *other);
+    same = other != nullptr && SameHeld(value, *other, held);
   });
   return same;
 }
@@ -121,9 +125,21 @@ bool Lockstep::SameDescriptions(const IFC::IfcEntity& before, const IFC::IfcEnti
   if (!before.visited && !after.visited) return true;
   const auto here = before_.DescriptionsOf(before);
   const auto there = after_.DescriptionsOf(after);
-  if (here.size() != there.size()) return false;
-  for (std::size_t i = 0; i < here.size(); ++i) {
-    if (!SameContent(*here[i].by, *there[i].by, {.isDescription = true})) return false;
+  using Description = ComparedModel::Description;
+  return SameInAnyOrder(here, there, [this](const Description& one, const Description& other) {
+    return SameContent(*one.by, *other.by, {.isDescription = true});
+  });
+}
+
+bool Lockstep::SameHeld(const EntityList& before, const EntityList& after, const Held& held) {
+  if (before.size() != after.size()) return false;
+  for (std::size_t i = 0; i < std::min(kAhead, before.size()); ++i) Fetch(before[i], after[i]);
+  const auto areSame = [this](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+    return SameValues(one, other);
+  };
+  if (held.isUnordered) return SameInAnyOrder(before, after, areSame);
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (!areSame(before[i], after[i])) return false;
   }
   return true;
 }

@@ -1,6 +1,7 @@
 // Objects of two models that say the same in the same order, as most do.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <vector>
 
@@ -12,8 +13,9 @@
 namespace corvel::host::diff {
 
 // Goes through both sides at once and gives up at the first doubt. What it takes for the same is
-// the same; what it doesn't may be, in another order. Each object of the earlier model is gone
-// through once while it meets the same partner: a fraction of what digests of both sides cost.
+// the same; what it doesn't may be, in an order that is quite another. Each object of the earlier
+// model is gone through once while it meets the same partner: a fraction of what digests of both
+// sides cost.
 class Lockstep {
  public:
   // All of it lives as long as this.
@@ -22,6 +24,13 @@ class Lockstep {
 
   // Objects with an identity, with all that they have and belong to.
   bool Same(std::size_t before, std::size_t after);
+  // Values of any class that are told in the units of their models.
+  bool SameValues(const IFC::IfcEntity* before, const IFC::IfcEntity* after);
+  // What two relations say of those that they hold.
+  bool SameRelation(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
+  // Members that say the same in their order, or in any where few are out of it.
+  template <class Members, class AreSame>
+  static bool SameInAnyOrder(const Members& before, const Members& after, AreSame areSame);
 
  private:
   // Which attributes count.
@@ -30,33 +39,45 @@ class Lockstep {
     bool isDescription = false;
   };
 
-  bool SameValues(const IFC::IfcEntity* before, const IFC::IfcEntity* after);
+  // The record `before` is known to say the same as `after`.
+  static bool ArePartners(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
+    const std::uint32_t partner = ComparedModel::PartnerOf(before);
+    return partner != 0 && partner == after.marker;
+  }
   bool SameIdentity(const IFC::IfcEntity& before, const IFC::IfcEntity& after) const;
   bool SameRelations(std::size_t before, std::size_t after);
-  bool SameRelation(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
   // What else a relation holds is compared, and in any order.
-  bool HoldsObjectsAlone(const IFC::IfcEntity& relation) const;
+  static bool HoldsObjectsAlone(const IFC::IfcEntity& relation, const AttributeWord& holding);
   bool SameContent(const IFC::IfcEntity& before, const IFC::IfcEntity& after, const Parts& parts);
-  bool SameAttribute(const ConstAttribute& before, const ConstAttribute& after);
+  struct Held {
+    Dimension dimension = Dimension::kNone;
+    double scaleBefore = 1.0;
+    double scaleAfter = 1.0;
+    bool isUnordered = false;  // the references in its only list
+  };
+  bool SameAttribute(const ConstAttribute& before, const ConstAttribute& after, const Held& held);
   bool SameDescriptions(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
 
   template <class T>
-  bool SameHeld(const List<T>& before, const List<T>& after) {
+  bool SameHeld(const List<T>& before, const List<T>& after, const Held& held) {
     if (before.size() != after.size()) return false;
     for (std::size_t i = 0; i < before.size(); ++i) {
-      if (!SameHeld(before[i], after[i])) return false;
+      if (!SameHeld(before[i], after[i], held)) return false;
     }
     return true;
   }
-  bool SameHeld(const IFC::IfcEntity* before, const IFC::IfcEntity* after) {
+  bool SameHeld(const EntityList& before, const EntityList& after, const Held& held);
+  bool SameHeld(const IFC::IfcEntity* before, const IFC::IfcEntity* after, const Held&) {
     return SameValues(before, after);
   }
-  bool SameHeld(double before, double after) const {
-    return tolerance_.Same(before * scaleBefore_, after * scaleAfter_, dimension_);
+  bool SameHeld(double before, double after, const Held& held) const {
+    return tolerance_.Same(before * held.scaleBefore, after * held.scaleAfter, held.dimension);
   }
-  static bool SameHeld(std::int32_t before, std::int32_t after) { return before == after; }
-  static bool SameHeld(ModelText before, ModelText after) { return before == after; }
-  static bool SameHeld(const char* before, const char* after) {
+  static bool SameHeld(std::int32_t before, std::int32_t after, const Held&) {
+    return before == after;
+  }
+  static bool SameHeld(ModelText before, ModelText after, const Held&) { return before == after; }
+  static bool SameHeld(const char* before, const char* after, const Held&) {
     return std::string_view(before) == after;
   }
 
@@ -64,12 +85,28 @@ class Lockstep {
   const ComparedModel& after_;
   const Pairing& pairing_;
   const Tolerance& tolerance_;
-  std::vector<const IFC::IfcEntity*> partners_;  // by number of the earlier one
+  std::vector<const IFC::IfcEntity*> partnersOfRelations_;  // by number
   unsigned depth_ = 0;
-  // Of the attribute at hand.
-  Dimension dimension_ = Dimension::kNone;
-  double scaleBefore_ = 1.0;
-  double scaleAfter_ = 1.0;
 };
+
+// Where members say the same as several others, it doesn't matter which of them they are held
+// against.
+template <class Members, class AreSame>
+bool Lockstep::SameInAnyOrder(const Members& before, const Members& after, AreSame areSame) {
+  constexpr std::size_t kFew = 64;
+  const std::size_t size = before.size();
+  if (size != after.size()) return false;
+  std::size_t first = 0;
+  while (first < size && areSame(before[first], after[first])) ++first;
+  if (size - first > kFew) return false;
+  std::bitset<kFew> taken;
+  for (std::size_t i = first; i < size; ++i) {
+    std::size_t at = first;
+    while (at < size && (taken[at - first] || !areSame(before[i], after[at]))) ++at;
+    if (at == size) return false;
+    taken.set(at - first);
+  }
+  return true;
+}
 
 }  // namespace corvel::host::diff

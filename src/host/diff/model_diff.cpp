@@ -42,7 +42,8 @@ class Comparison {
   Comparison(const IfcDocument& before, const IfcDocument& after, const Tolerance& tolerance)
       : before_(before, words_, tolerance),
         after_(after, words_, tolerance),
-        tolerance_(tolerance) {}
+        tolerance_(tolerance),
+        areOfTwoReleases_(before.KnownSchemaIdentifier() != after.KnownSchemaIdentifier()) {}
 
   std::optional<ModelDiff> Run(const DiffProgress& progress) {
     constexpr int kPaired = 30;
@@ -54,7 +55,7 @@ class Comparison {
     diff.removed = Unpaired(before_.model, pairing.laterOf);
     diff.added = Unpaired(after_.model, pairing.earlierOf);
     Lockstep lockstep(before_.model, after_.model, pairing, tolerance_);
-    ObjectChanges changes(before_.facts, after_.facts, tolerance_);
+    ObjectChanges changes(before_.facts, after_.facts, tolerance_, lockstep);
     const std::size_t count = pairing.laterOf.size();
     for (std::size_t i = 0; i < count; ++i) {
       const auto done = static_cast<int>(i * (100 - kPaired) / count);
@@ -83,8 +84,10 @@ class Comparison {
     if (before_.model.Words().Of(one)->role == Role::kObject && !HaveOneGuid(one, other)) {
       diff.renamed.emplace_back(LabelOf(one), LabelOf(other));
     }
-    const bool same = lockstep.Same(before, after) ||
-                      before_.facts.WholeOf(before) == after_.facts.WholeOf(after);
+    // Objects of two releases are never in step.
+    const bool same =
+        lockstep.Same(before, after) ||
+        (areOfTwoReleases_ && before_.facts.WholeOf(before) == after_.facts.WholeOf(after));
     if (!same) {
       ChangedObject object = changes.Of(before, after);
       if (!object.changes.empty()) {
@@ -99,6 +102,7 @@ class Comparison {
   Side before_;
   Side after_;
   const Tolerance& tolerance_;
+  bool areOfTwoReleases_;
 };
 
 }  // namespace

@@ -48,8 +48,13 @@ std::set<std::string> KeysOf(const Map& one, const Map& other) {
 }
 
 // Takes what both sides say alike out of each.
-template <class DigestBefore, class DigestAfter>
-void DropEqual(Entities& before, Entities& after, DigestBefore ofBefore, DigestAfter ofAfter) {
+template <class AreSame, class DigestBefore, class DigestAfter>
+void DropEqual(Entities& before, Entities& after, AreSame areSame, DigestBefore ofBefore,
+               DigestAfter ofAfter) {
+  if (Lockstep::SameInAnyOrder(before, after, areSame)) {
+    before.clear();
+    after.clear();
+  }
   std::set<Digest> here;
   std::set<Digest> there;
   for (const IFC::IfcEntity* const one : before) here.insert(ofBefore(*one));
@@ -129,7 +134,9 @@ void ObjectChanges::CompareProperties(std::size_t before, std::size_t after) {
 
 void ObjectChanges::CompareSets(const std::string& name, Entities before, Entities after) {
   DropEqual(
-      before, after, [&](const auto& set) { return before_.Values().Of(&set); },
+      before, after,
+      [&](const auto* one, const auto* other) { return lockstep_.SameValues(one, other); },
+      [&](const auto& set) { return before_.Values().Of(&set); },
       [&](const auto& set) { return after_.Values().Of(&set); });
   for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
     const IFC::IfcEntity* const one = i < before.size() ? before[i] : nullptr;
@@ -184,7 +191,8 @@ void ObjectChanges::CompareRelations(std::size_t before, std::size_t after) {
   Entities one(here.begin(), here.end());
   Entities other(there.begin(), there.end());
   DropEqual(
-      one, other, [&](const auto& relation) { return before_.Values().OfFact(relation); },
+      one, other, [&](const auto* of, const auto* as) { return lockstep_.SameRelation(*of, *as); },
+      [&](const auto& relation) { return before_.Values().OfFact(relation); },
       [&](const auto& relation) { return after_.Values().OfFact(relation); });
   // What sets of properties say has been told; here is how they are related.
   const auto keyOf = [](const ComparedModel& model, const IFC::IfcEntity& relation) {

@@ -15,8 +15,13 @@ namespace corvel::host::diff {
 class ObjectChanges {
  public:
   // All of it lives as long as this. References of all objects have been told to both sides.
-  ObjectChanges(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance)
-      : before_(before), after_(after), tolerance_(tolerance), walk_(before, after, tolerance) {}
+  ObjectChanges(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance,
+                Lockstep& lockstep)
+      : before_(before),
+        after_(after),
+        tolerance_(tolerance),
+        lockstep_(lockstep),
+        walk_(before, after, tolerance, lockstep) {}
 
   // Of the objects with these indices. Without changes where the tolerance covers all of them.
   ChangedObject Of(std::size_t before, std::size_t after);
@@ -41,6 +46,7 @@ class ObjectChanges {
   ObjectFacts& before_;
   ObjectFacts& after_;
   const Tolerance& tolerance_;
+  Lockstep& lockstep_;
   ValueWalk walk_;
   ChangedObject object_;
 };

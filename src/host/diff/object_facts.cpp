@@ -81,19 +81,17 @@ Digest ObjectFacts::ContentOf(std::size_t index) {
   return Together(content);
 }
 
-std::optional<Digest> ObjectFacts::NameAndPlaceOf(std::size_t index) {
+ObjectFacts::Look ObjectFacts::LookOf(std::size_t index) {
   const IFC::IfcEntity& object = *model_.Objects()[index];
   const ClassWord& word = *model_.Words().Of(object);
-  if (word.role != Role::kObject) return std::nullopt;
   const auto place = DigestOfPlace(object);
   const auto attribute = AttributesOf(object).Find("Name");
   const auto* const name = attribute ? attribute->As<ModelText>() : nullptr;
-  if (!place && name == nullptr) return std::nullopt;
   DigestMaker maker;
   maker.Add(word.word);
   maker.Add(place.value_or(Digest{}));
   maker.Add(name == nullptr ? Digest{} : DigestOfText(*name));
-  return maker.Made();
+  return {maker.Made(), word.role == Role::kObject && (place || name != nullptr)};
 }
 
 Digest ObjectFacts::WholeOf(std::size_t index) {

@@ -21,8 +21,12 @@ class ObjectFacts {
   // By what it is found again under another GUID: class, attributes, place, and what it has by
   // relations to no other object.
   Digest ContentOf(std::size_t index);
-  // Class, name and place. Nothing without any of the last two.
-  std::optional<Digest> NameAndPlaceOf(std::size_t index);
+  // Class, name and place, as far as there are such: what says the same in all has the same here.
+  struct Look {
+    Digest digest;
+    bool tells = false;  // it is an object that has a name or a place
+  };
+  Look LookOf(std::size_t index);
   // All that can be compared. Needs the references of all objects.
   Digest WholeOf(std::size_t index);
   // The sets of properties and quantities that the object has, as an occurrence and as a type.

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
@@ -91,10 +92,7 @@ class Pairs {
     RefersByClass(earlier_, pairing_.laterOf);
     RefersByClass(later_, pairing_.earlierOf);
     ReferByPairs();
-    Match(
-        [](ObjectFacts& facts, std::size_t index) { return std::optional(facts.ContentOf(index)); },
-        false);
-    Match([](ObjectFacts& facts, std::size_t index) { return facts.NameAndPlaceOf(index); }, true);
+    MatchByContent();
     Match(ClassOfContext, true);
     ReferByPairs();
     ReferByThemselves(earlier_, pairing_.laterOf, 0);
@@ -103,6 +101,48 @@ class Pairs {
   }
 
  private:
+  using Look = ObjectFacts::Look;
+
+  // What says the same has the same look. So contents are only asked where a look is none of one
+  // object of each model: all that a model says takes long.
+  void MatchByContent() {
+    const std::vector<std::optional<Look>> earlier = LooksOf(earlier_, pairing_.laterOf);
+    const std::vector<std::optional<Look>> later = LooksOf(later_, pairing_.earlierOf);
+    const auto lookAt = [&](const ObjectFacts& facts, std::size_t index) {
+      return &facts == &earlier_ ? earlier[index] : later[index];
+    };
+    const auto telling = [&](ObjectFacts& facts, std::size_t index) -> std::optional<Digest> {
+      const auto& look = lookAt(facts, index);
+      return look && look->tells ? std::optional(look->digest) : std::nullopt;
+    };
+    Match(telling, true);
+    std::unordered_set<Digest, HashOfDigest> ofEarlier = WithoutPair(earlier, pairing_.laterOf);
+    std::unordered_set<Digest, HashOfDigest> ofLater = WithoutPair(later, pairing_.earlierOf);
+    const auto content = [&](ObjectFacts& facts, std::size_t index) -> std::optional<Digest> {
+      const Digest look = lookAt(facts, index)->digest;
+      const bool hasLike = ofEarlier.contains(look) && ofLater.contains(look);
+      return hasLike ? std::optional(facts.ContentOf(index)) : std::nullopt;
+    };
+    Match(content, false);
+    Match(telling, true);
+  }
+  static std::vector<std::optional<Look>> LooksOf(ObjectFacts& facts,
+                                                  const std::vector<std::uint32_t>& others) {
+    std::vector<std::optional<Look>> looks(others.size());
+    for (std::size_t i = 0; i < others.size(); ++i) {
+      if (others[i] == kNone) looks[i] = facts.LookOf(i);
+    }
+    return looks;
+  }
+  static std::unordered_set<Digest, HashOfDigest> WithoutPair(
+      const std::vector<std::optional<Look>>& looks, const std::vector<std::uint32_t>& others) {
+    std::unordered_set<Digest, HashOfDigest> alone;
+    for (std::size_t i = 0; i < looks.size(); ++i) {
+      if (others[i] == kNone) alone.insert(looks[i]->digest);
+    }
+    return alone;
+  }
+
   template <class KeyOf>
   void Match(KeyOf keyOf, bool onlyOne) {
     Waiting waiting(pairing_.earlierOf.size());

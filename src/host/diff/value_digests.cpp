@@ -31,9 +31,8 @@ ValueDigests::ValueDigests(const ComparedModel& model, const Tolerance& toleranc
 
 Digest ValueDigests::Of(const IFC::IfcEntity* entity) {
   if (entity == nullptr) return kNull;
-  if (known_.empty()) known_.resize(model_.ValueCount());
   const bool hasIdentity = ComparedModel::HasIdentity(*entity);
-  if (!hasIdentity && !ComparedModel::IsNumbered(*entity)) return Finish(*entity, {});
+  if (entity->inlineValue) return Finish(*entity, {});
   const ClassWord* const word = model_.Words().Of(*entity);
   if (word != nullptr && word->role == Role::kRelation && !hasIdentity) {
     return OfEnds(*entity, *word);
@@ -58,7 +57,6 @@ Digest ValueDigests::OfContent(const IFC::IfcEntity& object, const Digest* place
 }
 
 Digest ValueDigests::Finish(const IFC::IfcEntity& entity, const Parts& parts) {
-  if (known_.empty()) known_.resize(model_.ValueCount());
   for (;;) {
     lacks_ = false;
     const Digest made = Make(entity, parts);
@@ -72,7 +70,7 @@ Digest ValueDigests::Finish(const IFC::IfcEntity& entity, const Parts& parts) {
 void ValueDigests::Settle(std::size_t before) {
   while (waiting_.size() > before) {
     const IFC::IfcEntity& top = *waiting_.back();
-    Digest& known = At(top);
+    Digest& known = At(top);  // stays where it is when others are added
     if (known == kUnknown || known == kBegun) {
       known = kBegun;
       lacks_ = false;
@@ -86,8 +84,7 @@ void ValueDigests::Settle(std::size_t before) {
 
 Digest ValueDigests::Child(const IFC::IfcEntity* entity) {
   if (entity == nullptr) return kNull;
-  const bool hasIdentity = ComparedModel::HasIdentity(*entity);
-  if (!hasIdentity && !ComparedModel::IsNumbered(*entity)) return Make(*entity, {});
+  if (entity->inlineValue) return Make(*entity, {});
   const Digest& known = At(*entity);
   if (known != kUnknown) return known;
   const ClassWord* const word = model_.Words().Of(*entity);

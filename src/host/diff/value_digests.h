@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <unordered_map>
 #include <vector>
 
@@ -21,7 +22,7 @@ bool TellsUnit(const IFC::IfcEntity& entity, const ClassWord& word);
 // object with an identity stands what SetReference says. The other way round it is only likely:
 // numbers that hardly differ may have two digests, and so may what goes in a circle.
 //
-// Each object is looked at once, without recursion. 16 bytes for each record.
+// Each object is looked at once, without recursion. 20 bytes or so for each that was asked about.
 class ValueDigests {
  public:
   // Both live as long as this.
@@ -58,8 +59,10 @@ class ValueDigests {
 
   // Of an object with an identity or a number.
   Digest& At(const IFC::IfcEntity& entity) {
-    return ComparedModel::HasIdentity(entity) ? references_[ComparedModel::IndexOf(entity)]
-                                              : known_[ComparedModel::NumberOf(entity)];
+    if (ComparedModel::HasIdentity(entity)) return references_[ComparedModel::IndexOf(entity)];
+    const std::size_t number = model_.NumberOf(entity);
+    if (number >= known_.size()) known_.resize(number + 1);
+    return known_[number];
   }
   Digest Finish(const IFC::IfcEntity& entity, const Parts& parts);
   void Settle(std::size_t before);
@@ -87,8 +90,8 @@ class ValueDigests {
 
   const ComparedModel& model_;
   const Tolerance& tolerance_;
-  std::vector<Digest> references_;  // by index
-  std::vector<Digest> known_;       // by number; empty as long as nobody asks
+  std::vector<Digest> references_;                           // by index
+  std::deque<Digest> known_;                                 // by number
   std::unordered_map<const IFC::IfcEntity*, Digest> facts_;  // of relations
   std::vector<const IFC::IfcEntity*> waiting_;
   std::vector<Digest> sorted_;  // of the sets that are being made, the innermost at the end

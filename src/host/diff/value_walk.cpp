@@ -57,20 +57,19 @@ std::string ValueWalk::TextAfter(const IFC::IfcEntity* entity) const {
 
 void ValueWalk::Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
                         const std::string& path) {
+  if (differs_ || SaySame(before, after)) return;
   if (before == nullptr || after == nullptr) {
-    if (before != after) {
-      Tell(path, before == nullptr ? std::nullopt : std::optional(TextBefore(before)),
-           after == nullptr ? std::nullopt : std::optional(TextAfter(after)));
-    }
-    return;
+    if (Answers()) return;
+    return Tell(path, before == nullptr ? std::nullopt : std::optional(TextBefore(before)),
+                after == nullptr ? std::nullopt : std::optional(TextAfter(after)));
   }
-  if (before_.Values().Of(before) == after_.Values().Of(after)) return;
   const bool isReference =
       before_.Model().HasIdentity(*before) || after_.Model().HasIdentity(*after);
   const ClassWord* const classWord = before_.Model().Words().Of(*before);
   const bool isRelation = classWord != nullptr && classWord->role == Role::kRelation;
   const bool isText = before->carries && before->inlineValue;
   if (isReference || isRelation || isText || !HaveSameClass(*before, *after)) {
+    if (Answers()) return;
     std::string one = TextBefore(before);
     std::string other = TextAfter(after);
     if (before->inlineValue && after->inlineValue && !isText) {
@@ -83,12 +82,22 @@ void ValueWalk::Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* afte
     return Tell(path, one, other);
   }
   if (!met_.emplace(before, after).second) return;
-  if (depth_ == kDeepest) return Tell(path, TextBefore(before), TextAfter(after));
+  if (depth_ == kDeepest) {
+    if (Answers()) return;
+    return Tell(path, TextBefore(before), TextAfter(after));
+  }
   ++depth_;
   CompareAttributes(*before, *after, path,
                     [](const AttributeWord& word) { return word.isContent; });
   CompareDescriptions(*before, *after, path);
   --depth_;
+}
+
+// What is in step says the same; what is not may do so in another order.
+bool ValueWalk::SaySame(const IFC::IfcEntity* before, const IFC::IfcEntity* after) {
+  const bool inUnitsOfModels = !hasOwnUnitBefore_ && !hasOwnUnitAfter_;
+  if (inUnitsOfModels && lockstep_.SameValues(before, after)) return true;
+  return before_.Values().Of(before) == after_.Values().Of(after);
 }
 
 void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
@@ -105,19 +114,20 @@ void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEn
     return before.inlineValue ? path : With(path, word.facts->name);
   };
   for (const AttributeWord& word : one->attributes) {
+    if (differs_) break;
     if (!isWanted(word)) continue;
     const ConstAttribute held(before, *word.facts);
     const AttributeWord* const same = FindWord(*other, word);
     if (same != nullptr) {
       CompareAttribute(held, ConstAttribute(after, *same->facts), {word, *same}, pathTo(word));
-    } else if (held.HasValue()) {
+    } else if (held.HasValue() && !Answers()) {
       Tell(pathTo(word), ValueText(before_.Model(), hasOwnUnitBefore_).Of(held, word), {});
     }
   }
   for (const AttributeWord& word : other->attributes) {
     if (!isWanted(word) || FindWord(*one, word) != nullptr) continue;
     const ConstAttribute held(after, *word.facts);
-    if (!held.HasValue()) continue;
+    if (!held.HasValue() || Answers()) continue;
     Tell(pathTo(word), {}, ValueText(after_.Model(), hasOwnUnitAfter_).Of(held, word));
   }
   CompareCarried(before, after, path);
@@ -148,11 +158,13 @@ void ValueWalk::CompareAttribute(const ConstAttribute& before, const ConstAttrib
   const ValueText one(before_.Model(), hasOwnUnitBefore_);
   const ValueText other(after_.Model(), hasOwnUnitAfter_);
   if (!before.HasValue() && !after.HasValue()) return;
+  if (before.HasValue() != after.HasValue() && Answers()) return;
   if (!after.HasValue()) return Tell(path, one.Of(before, held.before), {});
   if (!before.HasValue()) return Tell(path, {}, other.Of(after, held.after));
   before.Visit([&](const auto& value) {
     const auto* const there = after.As<std::remove_cvref_t<decltype(value)>>();
     if (there != nullptr) return CompareHeld(value, *there, held, path);
+    if (Answers()) return;
     Tell(path, one.Of(before, held.before), other.Of(after, held.after));
   });
 }
@@ -165,7 +177,7 @@ void ValueWalk::CompareHeld(IFC::IfcEntity* before, IFC::IfcEntity* after, const
 template <class T>
 void ValueWalk::CompareHeld(const T& before, const T& after, const Held& held,
                             const std::string& path) {
-  if (SameScalar(before, after, held)) return;
+  if (SameScalar(before, after, held) || Answers()) return;
   Tell(path, ValueText(before_.Model(), hasOwnUnitBefore_).OfHeld(before, held.before),
        ValueText(after_.Model(), hasOwnUnitAfter_).OfHeld(after, held.after));
 }
@@ -188,6 +200,7 @@ void ValueWalk::CompareHeld(const List<T>& before, const List<T>& after, Held he
                             const std::string& path) {
   constexpr std::size_t kFew = 4;
   const auto tellAll = [&] {
+    if (Answers()) return;
     Tell(path, ValueText(before_.Model(), hasOwnUnitBefore_).OfHeld(before, held.before),
          ValueText(after_.Model(), hasOwnUnitAfter_).OfHeld(after, held.after));
   };
@@ -240,15 +253,13 @@ void ValueWalk::DropEqual(Members& before, Members& after) {
 }
 
 bool ValueWalk::Same(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
-  auto found = std::exchange(found_, {});
-  const auto met = met_;
-  const std::size_t omitted = omitted_;
+  auto met = std::exchange(met_, {});
+  const bool isAsking = std::exchange(isAsking_, true);
+  const bool differs = std::exchange(differs_, false);
   Compare(&before, &after, "");
-  const bool same = found_.empty();
-  found_ = std::move(found);
-  met_ = met;
-  omitted_ = omitted;
-  return same;
+  met_ = std::move(met);
+  isAsking_ = isAsking;
+  return !std::exchange(differs_, differs);
 }
 
 // What has a name meets its namesake; the others meet the next of their class.
@@ -312,6 +323,7 @@ void ValueWalk::ComparePairs(Members& before, Members& after, const std::string&
 }
 
 void ValueWalk::TellMembers(const Members& before, const Members& after, const std::string& path) {
+  if ((!before.empty() || !after.empty()) && Answers()) return;
   for (const IFC::IfcEntity* const gone : before) {
     Tell(path + "[]", TextBefore(gone), {});
   }
@@ -346,6 +358,7 @@ void ValueWalk::CompareDescriptions(const IFC::IfcEntity& before, const IFC::Ifc
       return HaveSameClass(*here, *by);
     });
     if (there == other.end()) {
+      if (Answers()) return;
       Tell(name, TextBefore(here), {});
       continue;
     }
@@ -356,6 +369,7 @@ void ValueWalk::CompareDescriptions(const IFC::IfcEntity& before, const IFC::Ifc
     });
     other.erase(there);
   }
+  if (!other.empty() && Answers()) return;
   for (const IFC::IfcEntity* const there : other) {
     Tell(With(path, ToUtf8(there->getClassName())), {}, TextAfter(there));
   }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/diff/changes.h"
+#include "host/diff/lockstep.h"
 #include "host/diff/object_facts.h"
 
 namespace corvel::host::diff {
@@ -30,8 +31,8 @@ class ValueWalk {
   using IsWanted = std::function<bool(const AttributeWord&)>;
 
   // All of it lives as long as this.
-  ValueWalk(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance)
-      : before_(before), after_(after), tolerance_(tolerance) {}
+  ValueWalk(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance, Lockstep& lockstep)
+      : before_(before), after_(after), tolerance_(tolerance), lockstep_(lockstep) {}
 
   // Two values of any class; null is none. `path` stands in front of where they differ.
   void Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* after, const std::string& path);
@@ -41,8 +42,6 @@ class ValueWalk {
   // By what only describes them.
   void CompareDescriptions(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
                            const std::string& path);
-  // Whether Compare would find nothing.
-  bool Same(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
 
   std::string TextBefore(const IFC::IfcEntity* entity) const;
   std::string TextAfter(const IFC::IfcEntity* entity) const;
@@ -82,15 +81,26 @@ class ValueWalk {
   void ComparePairs(Members& before, Members& after, const std::string& path);
   void TellMembers(const Members& before, const Members& after, const std::string& path);
   void DropEqual(Members& before, Members& after);
+  bool SaySame(const IFC::IfcEntity* before, const IFC::IfcEntity* after);
+  // Whether Compare would find nothing.
+  bool Same(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
+  // At a difference: true when somebody only asks whether there is any, and needs no texts.
+  bool Answers() {
+    differs_ = differs_ || isAsking_;
+    return isAsking_;
+  }
   void Tell(const std::string& path, std::optional<std::string> before,
             std::optional<std::string> after);
 
   ObjectFacts& before_;
   ObjectFacts& after_;
   const Tolerance& tolerance_;
+  Lockstep& lockstep_;
   bool hasOwnUnitBefore_ = false;
   bool hasOwnUnitAfter_ = false;
   unsigned depth_ = 0;
+  bool isAsking_ = false;
+  bool differs_ = false;  // the answer, as soon as it is known
   std::set<std::pair<const IFC::IfcEntity*, const IFC::IfcEntity*>> met_;
   std::vector<Difference> found_;
   std::size_t omitted_ = 0;

@@ -265,8 +265,9 @@ TEST_P(DiffOfEveryClass, AChangedAttributeOfAValueIsToldAndNothingElse) {
   for (std::size_t k = 0; k < most; ++k) {
     Compare({Role::kValue}, k);
     Sides sides(*before_, *after_);
-    PairObjects(sides.factsBefore, sides.factsAfter);
-    ValueWalk walk(sides.factsBefore, sides.factsAfter, sides.tolerance);
+    const Pairing pairing = PairObjects(sides.factsBefore, sides.factsAfter);
+    Lockstep lockstep(sides.before, sides.after, pairing, sides.tolerance);
+    ValueWalk walk(sides.factsBefore, sides.factsAfter, sides.tolerance, lockstep);
     for (std::size_t i = 0; i < every_.Classes().size(); ++i) {
       const EveryClass::Class& one = every_.Classes()[i];
       if (!one.IsEntity() || one.word->role != Role::kValue) continue;

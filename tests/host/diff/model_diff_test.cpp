@@ -254,6 +254,70 @@ TEST_F(ModelDiffTest, AnObjectIsFoundUnderAnotherGuidByNameAndPlaceOfItsOwn) {
                   "'other',$,'Door 1',$,$,#31,$,$,2000.,1000."));
 }
 
+TEST_F(ModelDiffTest, OfSeveralAlikeUnderOtherGuidsThoseArePairedThatSayTheSame) {
+  const std::string two =
+      "#1=IFCWALL('a',$,'W',$,$,$,$,'first',$);#2=IFCWALL('b',$,'W',$,$,$,$,'second',$);";
+  const std::string swapped =
+      "#1=IFCWALL('c',$,'W',$,$,$,$,'second',$);#2=IFCWALL('d',$,'W',$,$,$,$,'first',$);";
+  EXPECT_EQ(
+      "= IfcWall d 'W' #2\n"
+      "    GUID: a -> d\n"
+      "= IfcWall c 'W' #1\n"
+      "    GUID: b -> c\n",
+      ChangesOf(two, swapped));
+  // The one of the two that is left has a look of its own then.
+  EXPECT_EQ(
+      "= IfcWall d 'W' #2\n"
+      "    GUID: a -> d\n"
+      "= IfcWall c 'W' #1\n"
+      "    GUID: b -> c\n"
+      "~ IfcWall c 'W' #1\n"
+      "    Tag: 'second' -> 'third'\n",
+      ChangesOf(two, With(swapped, "'second'", "'third'")));
+}
+
+TEST_F(ModelDiffTest, TheOrderOfASetIsNoDifference) {
+  const auto wall = [](const std::string& properties) {
+    std::string model =
+        "#1=IFCWALL('w',$,$,$,$,$,$,$,$);#2=IFCRELDEFINESBYPROPERTIES('r',$,$,$,(#1),#3);"
+        "#3=IFCPROPERTYSET('p',$,'P',$,(" +
+        properties + "));";
+    for (int i = 10; i < 110; ++i) {
+      const std::string number = std::to_string(i);
+      model +=
+          "#" + number + "=IFCPROPERTYSINGLEVALUE('" + number + "',$,IFCREAL(" + number + ".),$);";
+    }
+    return model;
+  };
+  const auto numbers = [](int first, int last) {
+    std::string text;
+    for (int i = first; i != last; i += first < last ? 1 : -1) {
+      text += (text.empty() ? "#" : ",#") + std::to_string(i);
+    }
+    return text;
+  };
+  EXPECT_EQ("", ChangesOf(wall(numbers(10, 30)), wall(numbers(29, 9))));
+  EXPECT_EQ("", ChangesOf(wall(numbers(10, 110)), wall(numbers(109, 9))));
+  EXPECT_EQ(
+      "~ IfcWall w #1\n"
+      "    P.10: 10 -> (none)\n",
+      ChangesOf(wall(numbers(10, 30)), wall(numbers(29, 10))));
+}
+
+TEST_F(ModelDiffTest, TheOrderOfDescriptionsAndRelationsIsNoDifference) {
+  const std::string layers =
+      "#80=IFCPRESENTATIONLAYERASSIGNMENT('L1',$,(#27),$);"
+      "#81=IFCPRESENTATIONLAYERASSIGNMENT('L2',$,(#27),$);";
+  const std::string otherLayers =
+      "#80=IFCPRESENTATIONLAYERASSIGNMENT('L2',$,(#27),$);"
+      "#81=IFCPRESENTATIONLAYERASSIGNMENT('L1',$,(#27),$);";
+  EXPECT_EQ("", ChangesOf(kHouse + layers, kHouse + otherLayers));
+  EXPECT_NE("", ChangesOf(kHouse + layers, With(kHouse + otherLayers, "'L2'", "'L3'")));
+  std::string other =
+      With(kHouse, "#44=IFCRELDEFINESBYPROPERTIES", "#48=IFCRELDEFINESBYPROPERTIES");
+  EXPECT_EQ("", ChangesOf(kHouse, other));
+}
+
 TEST_F(ModelDiffTest, TwoObjectsOfOneGuidArePairedInTheirOrder) {
   const std::string twice = "#1=IFCWALL('w',$,'A',$,$,$,$,$,$);#2=IFCWALL('w',$,'B',$,$,$,$,$,$);";
   EXPECT_EQ("", ChangesOf(twice, twice));
