@@ -65,6 +65,7 @@ class ObjectJoiner {
 
   void Gather(IFC::IfcEntity& root) {
     belongings_.Gather(root);
+    contents_.Gather(root);
     if (const auto* const product = EntityCast<IFC::VirtualIfcProduct>(&root)) {
       if (const auto* const placement = product->getObjectPlacement()) ++placed_[placement];
     }

@@ -248,6 +248,44 @@ TEST_P(JoinedByGuid, WhatStandsOnAGridThatGaveWayStandsOnTheOther) {
   for (const std::uint32_t gone : {110, 111, 112, 113}) EXPECT_FALSE(IsWritten(text, gone));
 }
 
+// A column, and a plate that stands on it.
+TEST_P(JoinedByGuid, WhatStandsOnAGridStaysWhenTheGridIsElsewhere) {
+  const auto building = [this](std::uint32_t first, const std::string& place) {
+    const auto number = [first](std::uint32_t offset) { return Number(first + offset); };
+    return Records{{first, "IFCGRID",
+                    "'g',$,'G',$,$," + number(20) + ",$,(" + number(1) + "),(" + number(2) + "),$" +
+                        (IsIfc4() ? ",$" : "")},
+                   {first + 1, "IFCGRIDAXIS", "'A'," + number(3) + ",.T."},
+                   {first + 2, "IFCGRIDAXIS", "'1'," + number(3) + ",.T."},
+                   {first + 3, "IFCPOLYLINE", "()"},
+                   Wall(first + 4, "v", number(5)),
+                   {first + 5, "IFCGRIDPLACEMENT", number(6) + ",$"},
+                   {first + 6, "IFCVIRTUALGRIDINTERSECTION",
+                    "(" + number(1) + "," + number(2) + "),(0.,0.)"},
+                   Wall(first + 7, "w", number(30))} +
+           Placed(first + 20, "$", place) + Placed(first + 30, number(5), "0.,0.,3.");
+  };
+  const std::string apart = Of(building(10, "0.,0.,0."), building(110, "0.,0.,1."));
+  for (const std::uint32_t there : {110, 114, 117}) EXPECT_TRUE(IsWritten(apart, there)) << apart;
+  EXPECT_NE(std::string::npos, RecordIn(apart, 116).find("((#111,#112),")) << apart;
+
+  const std::string joined = Of(building(10, "0.,0.,0."), building(110, "0.,0.,0."));
+  for (const std::uint32_t gone : {110, 114, 115, 117}) EXPECT_FALSE(IsWritten(joined, gone));
+}
+
+// The release wants an axis to be of a grid. This one is only itself.
+TEST_P(JoinedByGuid, AnAxisOfNoGridIsComparedByWhatItSays) {
+  const auto wall = [this](std::uint32_t first, const char* tag) {
+    return Records{Wall(first, "v", Number(first + 1)),
+                   {first + 1, "IFCGRIDPLACEMENT", Number(first + 2) + ",$"},
+                   {first + 2, "IFCVIRTUALGRIDINTERSECTION",
+                    "(" + Number(first + 3) + "," + Number(first + 3) + "),(0.,0.)"},
+                   {first + 3, "IFCGRIDAXIS", "'" + std::string(tag) + "',$,.T."}};
+  };
+  EXPECT_FALSE(IsWritten(Of(wall(10, "A"), wall(110, "A")), 110));
+  EXPECT_TRUE(IsWritten(Of(wall(10, "A"), wall(110, "B")), 110));
+}
+
 TEST_P(JoinedByGuid, PropertySetsOfObjectsThatBecameOneAreJoined) {
   const auto defined = [this](std::uint32_t number, const char* guid, const char* property) {
     return Records{

@@ -16,7 +16,8 @@ constexpr double kMetres = 1e-6;
 constexpr double kPartOfOrigin = 1e-12;
 constexpr double kOfAxis = 1e-8;
 // Kinds of links by attributes; those by relations are below.
-constexpr std::uint32_t kByAttribute = 1000;
+constexpr std::uint32_t kByGrid = 1000;
+constexpr std::uint32_t kByAttribute = 1001;
 
 bool IsContent(std::string_view attribute) {
   return attribute != "GlobalId" && attribute != "OwnerHistory";
@@ -53,10 +54,13 @@ std::vector<Belongings::Link> ObjectContents::ReferredBy(IFC::IfcEntity& object)
       if (child != nullptr && StandsForItself(*child)) links.push_back({kind, child});
     });
   }
+  for (IFC::IfcEntity* const grid : grids_.Under(ReferenceOf(object, kPlacement))) {
+    links.push_back({kByGrid, grid});
+  }
   return links;
 }
 
-// Those that stand nowhere were compared by value.
+// Those that stand nowhere were compared by value, and the grids that they stand on are links.
 bool ObjectContents::SamePlaces(IFC::IfcEntity& one, IFC::IfcEntity& other, double metresPerUnit) {
   IFC::IfcEntity* const here = ReferenceOf(one, kPlacement);
   IFC::IfcEntity* const there = ReferenceOf(other, kPlacement);
