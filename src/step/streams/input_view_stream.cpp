@@ -5,7 +5,10 @@
 
 namespace FileStream {
 
-InputViewStream::InputViewStream(std::string_view bytes) : InputStream({}, nullptr), bytes_(bytes) {
+InputViewStream::InputViewStream(std::string_view bytes) : InputViewStream() { Show(bytes); }
+
+void InputViewStream::Show(std::string_view bytes) {
+  bytes_ = bytes;
   SetWindow(bytes_.data(), bytes_.data() + bytes_.size());
 }
 

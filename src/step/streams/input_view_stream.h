@@ -8,7 +8,7 @@
 namespace FileStream {
 
 // Its window is all of them.
-class InputViewStream final : public InputStream {
+class InputViewStream : public InputStream {
  public:
   // Borrows the bytes.
   explicit InputViewStream(std::string_view bytes);
@@ -22,6 +22,11 @@ class InputViewStream final : public InputStream {
   int NextEntry() override { return -1; }
   std::int64_t TotalSize() const override { return static_cast<std::int64_t>(bytes_.size()); }
   bool IsDamaged() const override { return false; }
+
+ protected:
+  InputViewStream() : InputStream({}, nullptr) {}
+  // Before anything is read.
+  void Show(std::string_view bytes);
 
  private:
   bool FillWindow() override { return false; }
