@@ -190,5 +190,20 @@ TEST_F(UnfinishedOutputTest, LeavesAFolderThatIsNamedLikeALeftOver) {
   EXPECT_TRUE(fs::is_directory(folder.Native(kLeftOver)));
 }
 
+TEST_F(UnfinishedOutputTest, ATextIsPutInOneStep) {
+  folder.Write("out.ifc", "older");
+  EXPECT_TRUE(WriteInOneStep(path, "new"));
+  EXPECT_EQ("new", folder.Read("out.ifc"));
+  EXPECT_TRUE(WriteInOneStep(path, ""));
+  EXPECT_EQ("", folder.Read("out.ifc"));
+  EXPECT_EQ(Names{"out.ifc"}, folder.Names());
+}
+
+TEST_F(UnfinishedOutputTest, ATextThatCannotBeWrittenIsToldAndNothingIsLeft) {
+  const Names before = folder.Names();
+  EXPECT_FALSE(WriteInOneStep(folder.Path("missing/out.ifc"), "text"));
+  EXPECT_EQ(before, folder.Names());
+}
+
 }  // namespace
 }  // namespace corvel

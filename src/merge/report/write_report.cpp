@@ -3,12 +3,13 @@
 #include "merge/report/report_json.h"
 #include "merge/report/report_page.h"
 #include "merge/report/shared/report_file.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
 bool WriteReport(const RunReport& report, const WideString& path, std::string_view language) {
   const bool isPage = ReportFormOf(path) == ReportForm::kPage;
-  return WriteReportFile(path, isPage ? ReportAsPage(report, language) : ReportAsJson(report));
+  return WriteInOneStep(path, isPage ? ReportAsPage(report, language) : ReportAsJson(report));
 }
 
 }  // namespace corvel

@@ -56,4 +56,14 @@ bool UnfinishedOutput::Complete() {
   return complete_;
 }
 
+bool WriteInOneStep(const WideString& path, std::string_view bytes) {
+  UnfinishedOutput output(path);
+  platform::File file = output.Open();
+  if (!file.IsOpen()) return false;
+  const bool written = file.Write(bytes.data(), bytes.size()) == bytes.size() && file.Sync();
+  if (file.Close() && written) return output.Complete();
+  output.Discard();
+  return false;
+}
+
 }  // namespace corvel

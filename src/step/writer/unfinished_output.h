@@ -1,6 +1,8 @@
 // Sees to it that an output is there whole or not at all.
 #pragma once
 
+#include <string_view>
+
 #include "core/text.h"
 #include "platform/file.h"
 #include "platform/replacing_file.h"
@@ -41,5 +43,9 @@ class UnfinishedOutput {
   bool isDevice_ = false;
   bool complete_ = false;
 };
+
+// Puts the bytes at the path in one step. False: they cannot be written there, and what stood there
+// does.
+bool WriteInOneStep(const WideString& path, std::string_view bytes);
 
 }  // namespace corvel

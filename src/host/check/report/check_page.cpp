@@ -11,6 +11,7 @@
 #include "merge/report/shared/page_frame.h"
 #include "merge/report/shared/places_json.h"
 #include "merge/report/shared/report_file.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel::host {
 
@@ -106,8 +107,8 @@ std::string CheckReportAsPage(const CheckReport& report, std::string_view langua
 
 bool WriteCheckReport(const CheckReport& report, const WideString& path) {
   const bool isPage = ReportFormOf(path) == ReportForm::kPage;
-  return WriteReportFile(path,
-                         isPage ? CheckReportAsPage(report, {}) : CheckReportForPrograms(report));
+  return WriteInOneStep(path,
+                        isPage ? CheckReportAsPage(report, {}) : CheckReportForPrograms(report));
 }
 
 }  // namespace corvel::host

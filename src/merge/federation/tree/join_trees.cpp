@@ -19,6 +19,7 @@
 #include "merge/federation/tree/tree_matching.h"
 #include "merge/federation/tree/world_places.h"
 #include "platform/file.h"
+#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -261,7 +262,7 @@ bool ProposeTree(FederatedModel& model, const TreeTask& task, Ticker& ticker) {
     return shapes.Differ(*object.entity, *object.survivor->entity);
   });
   const WideString& path = *task.choices.proposeTree;
-  if (WriteTreeList(path, list)) return true;
+  if (WriteInOneStep(path, list)) return true;
   task.showError("", path + u": this file cannot be written.", kReportShow);
   return false;
 }

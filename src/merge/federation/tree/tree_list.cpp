@@ -10,7 +10,6 @@
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/tree_addresses.h"
 #include "platform/file.h"
-#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -168,16 +167,6 @@ class Lister {
 std::string TreeList(const FederatedModel& model, SpatialStructure& structure,
                      const BecomesPart& becomesPart) {
   return Lister(model, structure, becomesPart).List();
-}
-
-bool WriteTreeList(const WideString& path, const std::string& text) {
-  UnfinishedOutput output(path);
-  platform::File file = output.Open();
-  if (!file.IsOpen()) return false;
-  const bool written = file.Write(text.data(), text.size()) == text.size() && file.Sync();
-  if (file.Close() && written) return output.Complete();
-  output.Discard();
-  return false;
 }
 
 }  // namespace corvel

@@ -18,8 +18,4 @@ using BecomesPart = std::function<bool(const SpatialObject& object)>;
 std::string TreeList(const FederatedModel& model, SpatialStructure& structure,
                      const BecomesPart& becomesPart);
 
-// Puts the text at `path` in one step. False: it cannot be written there, and what stood there
-// does.
-bool WriteTreeList(const WideString& path, const std::string& text);
-
 }  // namespace corvel

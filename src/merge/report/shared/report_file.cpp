@@ -5,7 +5,6 @@
 
 #include "platform/file.h"
 #include "platform/platform.h"
-#include "step/writer/unfinished_output.h"
 
 namespace corvel {
 
@@ -14,16 +13,6 @@ ReportForm ReportFormOf(WideView path) {
   if (name.ends_with(u".json")) return ReportForm::kJson;
   if (name.ends_with(u".html")) return ReportForm::kPage;
   return ReportForm::kNone;
-}
-
-bool WriteReportFile(const WideString& path, const std::string& text) {
-  UnfinishedOutput output(path);
-  platform::File file = output.Open();
-  if (!file.IsOpen()) return false;
-  const bool written = file.Write(text.data(), text.size()) == text.size() && file.Sync();
-  if (file.Close() && written) return output.Complete();
-  output.Discard();
-  return false;
 }
 
 WideString TimeOfReport() {
