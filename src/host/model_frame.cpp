@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/entity_cast.h"
+#include "merge/federation/si_prefixes.h"
 #include "merge/unit_texts.h"
 #include "schema/attributes.h"
 #include "schema/interfaces/product.h"
@@ -21,17 +22,6 @@ namespace {
 constexpr WideView kConversionSet = u"epset_mapconversion";
 // Units may be made from units; a file in which that goes in a circle ends here.
 constexpr int kDeepestUnit = 16;
-
-struct Prefix {
-  WideView name;
-  double factor;
-};
-
-constexpr Prefix kPrefixes[] = {
-    {u"", 1.0},        {u"EXA", 1e18},   {u"PETA", 1e15},  {u"TERA", 1e12}, {u"GIGA", 1e9},
-    {u"MEGA", 1e6},    {u"KILO", 1e3},   {u"HECTO", 1e2},  {u"DECA", 1e1},  {u"DECI", 1e-1},
-    {u"CENTI", 1e-2},  {u"MILLI", 1e-3}, {u"MICRO", 1e-6}, {u"NANO", 1e-9}, {u"PICO", 1e-12},
-    {u"FEMTO", 1e-15}, {u"ATTO", 1e-18}};
 
 // The values of a conversion, in the order of MapConversion: what the attributes of
 // IfcMapConversion are called, and in any case of the letters the properties that stand for them.
@@ -99,11 +89,7 @@ IFC::IfcEntity* ReferenceOf(const IFC::IfcEntity& entity, std::string_view name)
 
 std::optional<double> MetresInSI(const IFC::VIfcSIUnit& unit) {
   if (WithoutDotsAndCommas(unit.getNameText()) != u"METRE") return {};
-  const WideString prefix = WithoutDotsAndCommas(unit.getPrefixText());
-  for (const Prefix& known : kPrefixes) {
-    if (known.name == prefix) return known.factor;
-  }
-  return {};
+  return FindPrefix(Narrow(WithoutDotsAndCommas(unit.getPrefixText())));
 }
 
 // A unit that is made from another: "0.3048 of that unit".

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/si_prefixes.h"
 #include "merge/federation/tree/length_in_metres.h"
 
 namespace corvel::host::diff {
@@ -14,14 +15,6 @@ namespace {
 // Units that are made from each other may go in circles.
 constexpr int kMostConversions = 8;
 
-struct Prefix {
-  std::string_view name;
-  double factor;
-};
-// Nobody measures areas in other ones.
-constexpr Prefix kPrefixes[] = {{"", 1.0},       {"KILO", 1e3},   {"DECI", 1e-1},
-                                {"CENTI", 1e-2}, {"MILLI", 1e-3}, {"MICRO", 1e-6}};
-
 struct Kind {
   std::string_view type;
   std::string_view name;
@@ -30,19 +23,12 @@ struct Kind {
 constexpr Kind kArea = {"AREAUNIT", "SQUARE_METRE", 2};
 constexpr Kind kVolume = {"VOLUMEUNIT", "CUBIC_METRE", 3};
 
-std::optional<double> FactorOfPrefix(std::string_view name) {
-  for (const Prefix& prefix : kPrefixes) {
-    if (prefix.name == name) return prefix.factor;
-  }
-  return std::nullopt;
-}
-
 std::optional<double> ScaleOf(const IFC::IfcEntity* unit, const Kind& kind) {
   double factor = 1.0;
   for (int turn = 0; unit != nullptr && turn < kMostConversions; ++turn) {
     if (WordOf(*unit, "UnitType") != kind.type) return std::nullopt;
     if (WordOf(*unit, "Name") == kind.name) {
-      const auto prefix = FactorOfPrefix(WordOf(*unit, "Prefix"));
+      const auto prefix = FindPrefix(WordOf(*unit, "Prefix"));
       return prefix ? std::optional(factor * std::pow(*prefix, kind.power)) : std::nullopt;
     }
     const IFC::IfcEntity* const measure = ReferenceOf(*unit, "ConversionFactor");
