@@ -84,4 +84,13 @@ WideString FitToColumns(WideView text, std::size_t columns) {
   return fitted;
 }
 
+WideString Listed(const std::vector<WideString>& texts) {
+  WideString all;
+  for (const WideString& text : texts) {
+    if (!all.empty()) all += u", ";
+    all += text;
+  }
+  return all;
+}
+
 }  // namespace corvel::host

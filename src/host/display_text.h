@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "core/text.h"
 
@@ -18,5 +19,8 @@ std::size_t ColumnsOf(WideView text);
 // The printable text cut or filled up with blanks to exactly `columns`. A cut is marked by "...",
 // and what stays is the end of the text: that is where a path has its name.
 WideString FitToColumns(WideView text, std::size_t columns);
+
+// The texts with commas between them.
+WideString Listed(const std::vector<WideString>& texts);
 
 }  // namespace corvel::host

@@ -1,21 +1,11 @@
-#include <nlohmann/json.hpp>
-
 #include "host/facts/facts_json.h"
 #include "host/info_text.h"
+#include "host/json.h"
 #include "schema/registry.h"
 
 namespace corvel::host {
 
 namespace {
-
-// Keeps the order in which keys are put in.
-using Json = nlohmann::ordered_json;
-
-Json TextsOf(const std::vector<WideString>& texts) {
-  Json array = Json::array();
-  for (const WideString& text : texts) array.push_back(ToUtf8(text));
-  return array;
-}
 
 Json HeaderOf(const HeaderToken* header) {
   if (header == nullptr) return nullptr;
@@ -59,11 +49,10 @@ Json FileOf(const FileFacts& facts) {
 }  // namespace
 
 std::string FactsAsJson(const std::vector<FileFacts>& files) {
-  constexpr int kIndent = 2;
   Json all;
   all["files"] = Json::array();
   for (const FileFacts& facts : files) all["files"].push_back(FileOf(facts));
-  return all.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n";
+  return Indented(all);
 }
 
 }  // namespace corvel::host

@@ -20,15 +20,6 @@ WideString Line(WideView label, WideView value) {
   return line;
 }
 
-WideString Listed(const std::vector<WideString>& texts) {
-  WideString all;
-  for (const WideString& text : texts) {
-    if (!all.empty()) all += u", ";
-    all += text;
-  }
-  return all;
-}
-
 WideString HeaderLines(const HeaderToken& header) {
   return Line(u"description", Listed(header.fileDescription)) +
          Line(u"implementation level", header.implementationLevel) + Line(u"name", header.name) +

@@ -1,6 +1,6 @@
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "host/json.h"
 #include "host/tree_text.h"
 #include "schema/registry.h"
 
@@ -8,18 +8,7 @@ namespace corvel::host {
 
 namespace {
 
-// Keeps the order in which keys are put in.
-using Json = nlohmann::ordered_json;
-
-WideString TextOf(const Json& json) {
-  return FromUtf8(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
-
-Json TextsOf(const std::vector<WideString>& texts) {
-  Json array = Json::array();
-  for (const WideString& text : texts) array.push_back(ToUtf8(text));
-  return array;
-}
+WideString TextOf(const Json& json) { return FromUtf8(InOneLine(json)); }
 
 WideString Member(const char* key, const Json& value) {
   return u"  \"" + Widen(key) + u"\": " + TextOf(value) + u",\n";

@@ -1,19 +1,10 @@
-#include <nlohmann/json.hpp>
-
 #include "host/check/check_report.h"
 #include "host/facts/facts_json.h"
+#include "host/json.h"
 
 namespace corvel::host {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json TextsOf(const std::vector<WideString>& texts) {
-  Json array = Json::array();
-  for (const WideString& text : texts) array.push_back(ToUtf8(text));
-  return array;
-}
 
 Json PlacesOf(const Finding& finding) {
   Json array = Json::array();
@@ -81,7 +72,6 @@ Json AgainstOf(const CheckReport& report) {
 }  // namespace
 
 std::string CheckReportAsJson(const CheckReport& report) {
-  constexpr int kIndent = 2;
   Json all;
   all["version"] = 1;
   all["files"] = Json::array();
@@ -91,7 +81,7 @@ std::string CheckReportAsJson(const CheckReport& report) {
   all["between"] = BetweenOf(report);
   all["against"] = AgainstOf(report);
   AddTotals(all, report.Counted());
-  return all.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n";
+  return Indented(all);
 }
 
 }  // namespace corvel::host

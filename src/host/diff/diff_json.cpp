@@ -1,13 +1,10 @@
-#include <nlohmann/json.hpp>
-
 #include "host/diff/common_changes.h"
 #include "host/diff/diff_text.h"
+#include "host/json.h"
 
 namespace corvel::host::diff {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 const char* NameOf(ChangeKind kind) {
   switch (kind) {
@@ -77,9 +74,7 @@ Json JsonOf(const CommonChange& common, const ModelDiff& diff) {
   return json;
 }
 
-WideString TextOf(const Json& json, int indent) {
-  return FromUtf8(json.dump(indent, ' ', false, Json::error_handler_t::replace));
-}
+WideString TextOf(const Json& json) { return FromUtf8(InOneLine(json)); }
 
 // Each member on a line of its own: there may be as many as there are objects.
 template <class Items, class Make>
@@ -87,7 +82,7 @@ bool WriteList(const char16_t* name, const Items& items, Make make, const TextSi
   if (!sink(WideString(u",\n\"") + name + u"\": [")) return false;
   bool isFirst = true;
   for (const auto& item : items) {
-    if (!sink((isFirst ? u"\n" : u",\n") + TextOf(make(item), -1))) return false;
+    if (!sink((isFirst ? u"\n" : u",\n") + TextOf(make(item)))) return false;
     isFirst = false;
   }
   return sink(u"]");
@@ -104,10 +99,9 @@ bool WriteDiffJson(const ModelDiff& diff, double toleranceMm, const TextSink& si
     return json;
   };
   const auto common = [&](const CommonChange& change) { return JsonOf(change, diff); };
-  return sink(u"{\"before\": " + TextOf(JsonOf(diff.before), -1) + u",\n\"after\": " +
-              TextOf(JsonOf(diff.after), -1) + u",\n\"toleranceMm\": " +
-              TextOf(Json(toleranceMm), -1) + u",\n\"equal\": " +
-              (diff.IsEmpty() ? u"true" : u"false") + u",\n\"same\": " +
+  return sink(u"{\"before\": " + TextOf(JsonOf(diff.before)) + u",\n\"after\": " +
+              TextOf(JsonOf(diff.after)) + u",\n\"toleranceMm\": " + TextOf(Json(toleranceMm)) +
+              u",\n\"equal\": " + (diff.IsEmpty() ? u"true" : u"false") + u",\n\"same\": " +
               Widen(std::to_string(diff.same))) &&
          WriteList(u"removed", diff.removed, plain, sink) &&
          WriteList(u"added", diff.added, plain, sink) &&

@@ -7,8 +7,6 @@ namespace corvel::host {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 // JSON has no text for what is no number.
 Json NumberOrNull(const std::optional<double>& number) {
   return number ? Json(*number) : Json(nullptr);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/display_text.h"
 #include "host/wrapped_text.h"
 
 namespace corvel::host {
@@ -9,15 +10,6 @@ namespace corvel::host {
 namespace {
 
 WideString Number(std::uint64_t number) { return Widen(std::to_string(number)); }
-
-WideString Listed(const std::vector<WideString>& texts) {
-  WideString all;
-  for (const WideString& text : texts) {
-    if (!all.empty()) all += u", ";
-    all += text;
-  }
-  return all;
-}
 
 WideString OrNothing(const WideString& text) {
   return text.empty() ? WideString(u"not stated") : text;
