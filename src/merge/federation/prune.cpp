@@ -31,8 +31,10 @@ class Pruner {
 
   bool RunBehind(const std::vector<IFC::IfcEntity*>& gone, Ticker& ticker, std::size_t& pruned) {
     if (!Gather(ticker)) return false;
-    const std::vector<IFC::IfcEntity*> belongings = BelongingsOf(gone);
+    std::vector<IFC::IfcEntity*> belongings = BelongingsOf(gone);
     MarkKept();
+    std::erase_if(belongings, [this](const IFC::IfcEntity* entity) { return IsKept(*entity); });
+    if (!KeepLoose(belongings, ticker)) return false;
     for (IFC::IfcEntity* const entity : belongings) Drop(*entity, pruned);
     return true;
   }
@@ -47,6 +49,10 @@ class Pruner {
 
   void MarkKept() {
     for (IFC::IfcEntity* const root : roots_) Keep(root);
+    KeepAllThatWaits();
+  }
+
+  void KeepAllThatWaits() {
     while (!waiting_.empty()) {
       IFC::IfcEntity* const entity = waiting_.back();
       waiting_.pop_back();
@@ -57,6 +63,20 @@ class Pruner {
       }
       KeepPointersTo(*entity);
     }
+  }
+
+  // What nobody leads to stays all the same unless it goes, with all that it refers to: a
+  // sub-context that no shape is in keeps its parent. `going`: sorted here, to be found.
+  bool KeepLoose(std::vector<IFC::IfcEntity*> going, Ticker& ticker) {
+    if (going.empty()) return true;
+    std::sort(going.begin(), going.end());
+    for (const auto& [number, entity] : model_.Container().entities) {
+      const bool isSettled = entity->marker == IFC::kDeleted || IsKept(*entity);
+      if (!isSettled && !std::binary_search(going.begin(), going.end(), entity)) Keep(entity);
+      if (!ticker.Advance()) return false;
+    }
+    KeepAllThatWaits();
+    return true;
   }
 
   void Drop(IFC::IfcEntity& entity, std::size_t& pruned) {

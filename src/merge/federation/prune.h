@@ -17,7 +17,8 @@ namespace corvel {
 bool Prune(FederatedModel& model, Ticker& ticker, std::size_t& pruned);
 
 // The same among what these objects, which are not in the model any more, led to: the shape of a
-// product that gave way goes unless somebody else has it too, and loose points of others stay.
+// product that gave way goes unless somebody else has it too, and loose points of others stay, with
+// all that they refer to.
 bool PruneLeftBehind(FederatedModel& model, const std::vector<IFC::IfcEntity*>& gone,
                      Ticker& ticker, std::size_t& pruned);
 

@@ -238,6 +238,23 @@ TEST_P(Mended, TheShapeOfWhatGaveWayGoesButNotWhatOthersHaveToo) {
   EXPECT_EQ(5u, leftOut_);
 }
 
+// A sub-context that no shape is in belongs to nobody.
+TEST_P(Mended, WhatALooseRecordRefersToStays) {
+  const Records shape = {{120, "IFCPRODUCTDEFINITIONSHAPE", "$,$,(#121)"},
+                         {121, "IFCSHAPEREPRESENTATION", "#124,'Body','Brep',(#122)"},
+                         {122, "IFCCARTESIANPOINT", "(1.,2.,3.)"},
+                         {124, "IFCGEOMETRICREPRESENTATIONCONTEXT", "$,'Model',3,$,#125,$"},
+                         {125, "IFCAXIS2PLACEMENT3D", "#123,$,$"},
+                         {123, "IFCCARTESIANPOINT", "(4.,5.,6.)"},
+                         {126, "IFCGEOMETRICREPRESENTATIONSUBCONTEXT",
+                          "'Axis','Model',*,*,*,*,#124,$,.GRAPH_VIEW.,$"}};
+  const std::string text = Of({Wall(10)}, Records{Wall(110, "#120")} + shape, {{110, 10}});
+  for (const std::uint32_t gone : {120, 121, 122}) EXPECT_FALSE(HasRecord(text, gone));
+  for (const std::uint32_t kept : {123, 124, 125}) EXPECT_TRUE(HasRecord(text, kept));
+  EXPECT_NE(std::string::npos, text.find(",#124,$,.GRAPH_VIEW.,$);")) << text;
+  EXPECT_EQ(3u, leftOut_);
+}
+
 TEST_P(Mended, NothingStandsTwiceInASet) {
   const std::string text = Of({Wall(10), Wall(11)},
                               {Wall(110),
