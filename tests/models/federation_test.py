@@ -8,6 +8,7 @@ import unittest
 from collections import Counter
 
 import express_rules
+import grid_models
 import halves
 import program
 import schema_facts
@@ -126,9 +127,10 @@ class Merging(ModelTest):
             self.assert_same_file(written, self.read('out.ifc'))
 
     def check_all(self, paths, choices):
-        if not is_built(paths[0]):
-            return
-        names = [self.copy(path) for path in paths]
+        if is_built(paths[0]):
+            self.check_names([self.copy(path) for path in paths], choices)
+
+    def check_names(self, names, choices):
         inputs = [validity.broken_in(self.read(name)) for name in names]
         told = validity.broken_in(self.merged(names))
         for options in choices:
@@ -138,10 +140,18 @@ class Merging(ModelTest):
 class Merges(Merging):
 
     def test_ModelsOfEveryReleaseWithThemselves(self):
-        """Every object is there twice. Each option has a release or two, and all have every one."""
+        """Every object is there twice. Each option has a release or two, and all have every one: of
+        small models each has each."""
         for place, path in enumerate(program.sample_paths()):
             if os.path.basename(path).startswith('house'):
                 self.check_all([path, path], [OPTIONS[place % len(OPTIONS)], ALL])
+
+    def test_SmallModelsOfEveryReleaseThroughEveryOption(self):
+        for release in program.built_releases():
+            name = self.write(f'{release}.ifc', grid_models.frame_bytes(release))
+            self.check_names([name, name], [*OPTIONS, ALL])
+            in_feet = self.write(f'{release}_feet.ifc', grid_models.frame_bytes(release, 'FOOT'))
+            self.check_names([name, in_feet], [('--units', 'convert', '--numbers', 'exact'), ALL])
 
     def test_ArchitectureAndStructureOfOneBuilding(self):
         for release in ('IFC2X3', 'IFC4'):

@@ -157,10 +157,10 @@ class Houses(Places):
         self.check(lambda release: self.check_in_other_units(release, house_bytes))
 
     def test_HalvesStandWhereTheWholeStands(self):
-        def check(release):
-            with open(os.path.join(SAMPLES, f'house_{release}.ifc'), 'rb') as file:
-                self.check_halves(release, file.read(), seed=11)
-        self.check(check)
+        for seed, release in enumerate(_ALL):
+            if release in program.built_releases():
+                with open(os.path.join(SAMPLES, f'house_{release}.ifc'), 'rb') as file:
+                    self.check_halves(release, file.read(), seed)
 
 
 class Grids(Places):
