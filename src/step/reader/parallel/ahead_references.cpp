@@ -2,14 +2,14 @@
 
 namespace corvel {
 
-void AheadReferences::Bind(RecordBatch& batch, std::size_t count) {
+void AheadReferences::Bind(RecordBatch& batch) {
   const auto bound = [&](IFC::IfcEntity* reference, const ClassTest& admitted) {
     if (!RecordBatch::IsPending(reference)) return reference;
     IFC::IfcEntity* const target = batch.targets[RecordBatch::IndexOf(reference)];
     return Admits(admitted, target) ? target : nullptr;
   };
-  for (std::size_t i = 0; i < count; ++i) {
-    const RecordBatch::Place& place = batch.places[i];
+  for (const RecordBatch::Place& place : batch.places) {
+    if (place.index >= batch.targets.size()) return;
     if (place.value != nullptr) {
       *place.value = bound(*place.value, *place.admitted);
       if (place.present != nullptr) *place.present = *place.value != nullptr;

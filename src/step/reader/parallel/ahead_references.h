@@ -39,20 +39,22 @@ class AheadReferences {
 
   // `value` is pending. `present`, when there is one, tells whether the attribute has a value.
   void BindLater(IFC::IfcEntity*& value, const ClassTest& admitted, bool* present = nullptr) {
-    batch_->places.push_back({&admitted, &value, nullptr, present});
+    const std::uint32_t index = RecordBatch::IndexOf(value);
+    batch_->places.push_back({&admitted, &value, nullptr, present, index});
   }
   // Some members of `list` may be pending.
   void BindLater(EntityList& list, const ClassTest& admitted) {
     for (const IFC::IfcEntity* const member : list) {
       if (!RecordBatch::IsPending(member)) continue;
-      batch_->places.push_back({&admitted, nullptr, &list, nullptr});
+      const std::uint32_t index = RecordBatch::IndexOf(member);
+      batch_->places.push_back({&admitted, nullptr, &list, nullptr, index});
       return;
     }
   }
 
   // Puts the targets of a batch where its references are pending; those that are null or not
-  // admitted go. `count`: of the places, from the first on.
-  void Bind(RecordBatch& batch, std::size_t count);
+  // admitted go. Records that have no targets are left as they are.
+  void Bind(RecordBatch& batch);
 
  private:
   MemoryPool& pool_;

@@ -74,8 +74,9 @@ bool BatchReader::ReadRecord(RecordBatch& batch) {
   const auto offset = [&] {
     return static_cast<std::uint32_t>(stream.Cursor() - batch.bytes.data());
   };
-  RecordBatch::Record record{.number = number, .numberEnd = offset()};
-  record.entity = TakeEntity(number, record.row);
+  RecordBatch::Stop stop{.numberEnd = offset()};
+  RecordBatch::Record record{.number = number};
+  record.entity = TakeEntity(number, record.slot);
   if (record.entity == nullptr) return false;
   record.entity->read(parser_);
   if (!scanner.TakeRecordEnd()) {
@@ -87,10 +88,10 @@ bool BatchReader::ReadRecord(RecordBatch& batch) {
   scanner.ClearTokens();
   if (filed_ == nullptr && !own_.Add(number, record.entity)) return false;
   record.end = offset();
-  record.line = scanner.Line();
   record.numbersEnd = static_cast<std::uint32_t>(batch.numbers.size());
-  record.placesEnd = static_cast<std::uint32_t>(batch.places.size());
   batch.records.push_back(record);
+  stop.line = scanner.Line();
+  batch.stops.push_back(stop);
   return true;
 }
 
@@ -105,10 +106,11 @@ TokenType BatchReader::TakeNumber(std::uint32_t& number) {
 }
 
 // The object of a record, with the scanner behind the "(". Null: none that is plain.
-IFC::IfcEntity* BatchReader::TakeEntity(std::uint32_t number, const FactoryRow*& row) {
+IFC::IfcEntity* BatchReader::TakeEntity(std::uint32_t number, std::uint32_t& slot) {
   if (!parser_.scanner->TakeSign('=')) return nullptr;
-  row = TakeRow();
+  const FactoryRow* const row = TakeRow();
   if (row == nullptr) return nullptr;
+  slot = static_cast<std::uint32_t>(row - parser_.factories->slots);
   if (filed_ != nullptr) return filed_->Find(number);
   IFC::IfcEntity* const entity = row->create(references_.Pool());
   entity->SetMarker(number);

@@ -26,13 +26,13 @@ class BatchReader {
 
   void Read(RecordBatch& batch);
   // See AheadReferences.
-  void Bind(RecordBatch& batch, std::size_t count) { references_.Bind(batch, count); }
+  void Bind(RecordBatch& batch) { references_.Bind(batch); }
 
  private:
   void Open(RecordBatch& batch);
   bool ReadRecord(RecordBatch& batch);
   TokenType TakeNumber(std::uint32_t& number);
-  IFC::IfcEntity* TakeEntity(std::uint32_t number, const FactoryRow*& row);
+  IFC::IfcEntity* TakeEntity(std::uint32_t number, std::uint32_t& slot);
   const FactoryRow* TakeRow();
 
   NumberTable own_;           // of the batch, in the first pass

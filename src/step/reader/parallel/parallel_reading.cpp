@@ -26,6 +26,7 @@ class ParallelReading::Step final : public platform::Job {
   explicit Step(ParallelReading& reading) : reading_(reading) {}
 
   void Run() override {
+    if (!isFiled) reading_.cutting_.Next(turn, batch);
     auto reader = reading_.BorrowReader();
     if (isFiled) {
       Bind(*reader);
@@ -34,11 +35,14 @@ class ParallelReading::Step final : public platform::Job {
     }
     reading_.GiveBack(std::move(reader));
   }
-  void Bind(BatchReader& reader) { reader.Bind(batch, std::exchange(filedPlaces, 0)); }
+  void Bind(BatchReader& reader) {
+    reader.Bind(batch);
+    batch.places.clear();
+  }
 
   RecordBatch batch;
+  std::size_t turn = 0;  // to cut
   bool isFiled = false;
-  std::size_t filedPlaces = 0;  // that are to be bound
   bool isSubmitted = false;
 
  private:
@@ -48,7 +52,7 @@ class ParallelReading::Step final : public platform::Job {
 ParallelReading::ParallelReading(Parser& parser, Pass pass)
     : parser_(parser),
       pass_(pass),
-      cutter_(*parser.scanner->Stream(), parser.aheadRules.batchSize),
+      cutting_(*parser.scanner->Stream(), parser.aheadRules.batchSize),
       position_(parser.scanner->Stream()->Position()),
       line_(parser.scanner->Line()),
       sorts_(parser.factories->mask + std::size_t{1}),
@@ -77,26 +81,22 @@ ParallelReading::Step& ParallelReading::StepAt(std::size_t underWay) {
 
 bool ParallelReading::Run() {
   for (;;) {
-    while (cuts_ && underWay_ < kUnderWayOfThread * pool_.Threads()) CutNext();
-    if (underWay_ == 0) {
-      parser_.scanner->Stream()->TellHeld();
-      return true;
-    }
+    while (underWay_ < kUnderWayOfThread * pool_.Threads()) SubmitNext();
     switch (TakeFirst()) {
       case Taken::kYes: break;
+      case Taken::kNoMore: parser_.scanner->Stream()->TellHeld(); [[fallthrough]];
       case Taken::kLeftToParser: return true;
       case Taken::kPassIsOver: return false;
     }
   }
 }
 
-void ParallelReading::CutNext() {
+void ParallelReading::SubmitNext() {
   Step& step = StepAt(underWay_);
   // It may still be bound.
   if (std::exchange(step.isSubmitted, false)) pool_.Finish(step);
   step.batch.Clear();
-  cuts_ = cutter_.Next(step.batch.bytes);
-  if (step.batch.bytes.empty()) return;
+  step.turn = nextTurn_++;
   step.isFiled = false;
   step.isSubmitted = true;
   pool_.Submit(step);
@@ -108,9 +108,13 @@ ParallelReading::Taken ParallelReading::TakeFirst() {
   step.isSubmitted = false;
   pool_.Finish(step);
   RecordBatch& batch = step.batch;
+  if (batch.bytes.empty()) {
+    pool_.Drop();
+    return Taken::kNoMore;
+  }
   step.isFiled = true;
   for (std::size_t i = 0; i < batch.records.size(); ++i) {
-    if (position_ + batch.records[i].end > cutter_.TroubleAt()) {
+    if (position_ + batch.records[i].end > batch.troubleAt) {
       LeaveToParser(i);
       return Taken::kLeftToParser;
     }
@@ -119,7 +123,6 @@ ParallelReading::Taken ParallelReading::TakeFirst() {
       LeaveToParser(i);
       return taken;
     }
-    step.filedPlaces = batch.records[i].placesEnd;
     if (taken == Taken::kPassIsOver) return taken;
   }
   if (!batch.isWhole) {
@@ -127,10 +130,10 @@ ParallelReading::Taken ParallelReading::TakeFirst() {
     return Taken::kLeftToParser;
   }
   position_ += static_cast<std::int64_t>(batch.bytes.size());
-  line_ += batch.records.empty() ? 0 : batch.records.back().line - 1;
+  line_ += batch.stops.empty() ? 0 : batch.stops.back().line - 1;
   first_ = (first_ + 1) % steps_.size();
   --underWay_;
-  if (step.filedPlaces != 0) {
+  if (!batch.places.empty()) {
     step.isSubmitted = true;
     pool_.Submit(step);
   }
@@ -142,9 +145,10 @@ ParallelReading::Taken ParallelReading::FileRecord(RecordBatch& batch, std::size
   const RecordBatch::Record& record = batch.records[index];
   const bool allAreFiled = LookUp(batch, index);
   if (!parser_.mainContainer->AddUnseen(record.entity, record.number, SortOf(record))) {
+    batch.targets.resize(NumbersBefore(batch, index));
     return Taken::kLeftToParser;
   }
-  parser_.row_ = record.row;
+  parser_.row_ = parser_.factories->slots + record.slot;
   parser_.skipped_.AtRecord(record.number);
   const std::uint32_t begin = TextBefore(batch, index);
   std::string_view text;
@@ -153,7 +157,7 @@ ParallelReading::Taken ParallelReading::FileRecord(RecordBatch& batch, std::size
       parser_.TickFirstPass(position_ + record.end)) {
     return Taken::kYes;
   }
-  PutBack(record.end, record.line);
+  PutBack(record.end, batch.stops[index].line);
   return Taken::kPassIsOver;
 }
 
@@ -170,7 +174,7 @@ bool ParallelReading::LookUp(RecordBatch& batch, std::size_t index) {
 }
 
 std::ptrdiff_t ParallelReading::SortOf(const RecordBatch::Record& record) {
-  auto& sort = sorts_[static_cast<std::size_t>(record.row - parser_.factories->slots)];
+  auto& sort = sorts_[record.slot];
   if (!sort) sort = IFC::MainContainer::SortOf(record.entity);
   return *sort;
 }
@@ -178,12 +182,12 @@ std::ptrdiff_t ParallelReading::SortOf(const RecordBatch::Record& record) {
 ParallelReading::Taken ParallelReading::TakeAgain(const RecordBatch& batch, std::size_t index) {
   const RecordBatch::Record& record = batch.records[index];
   if (!parser_.PassHundredths(record.number)) {
-    PutBack(record.numberEnd, record.line);
+    PutBack(batch.stops[index].numberEnd, batch.stops[index].line);
     return Taken::kPassIsOver;
   }
   parser_.saved_->CountReadRecord();
   if (parser_.ReportProgress(position_ + record.end)) return Taken::kYes;
-  PutBack(record.end, record.line);
+  PutBack(record.end, batch.stops[index].line);
   parser_.CancelSecondPass();
   return Taken::kPassIsOver;
 }
@@ -191,9 +195,9 @@ ParallelReading::Taken ParallelReading::TakeAgain(const RecordBatch& batch, std:
 // From the record with the index `record` of the first batch on.
 void ParallelReading::LeaveToParser(std::size_t record) {
   const RecordBatch& batch = StepAt(0).batch;
-  PutBack(TextBefore(batch, record), record == 0 ? 1 : batch.records[record - 1].line);
+  PutBack(TextBefore(batch, record), record == 0 ? 1 : batch.stops[record - 1].line);
   FileStream::InputStream& stream = *parser_.scanner->Stream();
-  if (cutter_.TroubleAt() == std::numeric_limits<std::int64_t>::max()) stream.TellHeld();
+  if (cutting_.TroubleAt() == std::numeric_limits<std::int64_t>::max()) stream.TellHeld();
 }
 
 // All but so many bytes of the first batch, which end in its line `line`.
@@ -208,12 +212,11 @@ void ParallelReading::PutBack(std::size_t taken, std::uint32_t line) {
   parser_.scanner->GoOnInLine(line_ + line - 1);
   FileStream::InputStream& stream = *parser_.scanner->Stream();
   // What the stream has held back is told where the bytes end that came before.
-  const std::int64_t before = cutter_.TroubleAt() - (position_ + static_cast<std::int64_t>(taken));
+  const std::int64_t before = cutting_.TroubleAt() - (position_ + static_cast<std::int64_t>(taken));
   const auto ahead = static_cast<std::size_t>(
       std::clamp<std::int64_t>(before, 0, static_cast<std::int64_t>(rest.size())));
   stream.Replace(0, rest.substr(ahead));
   stream.Replace(0, rest.substr(0, ahead), true);
-  cuts_ = false;
   underWay_ = 0;
 }
 

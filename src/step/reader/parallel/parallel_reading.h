@@ -10,8 +10,8 @@
 
 #include "platform/worker_pool.h"
 #include "step/reader/parallel/batch_reader.h"
+#include "step/reader/parallel/cutting_in_turn.h"
 #include "step/reader/parallel/record_batch.h"
-#include "step/reader/parallel/record_cutter.h"
 
 namespace corvel {
 
@@ -44,12 +44,12 @@ class ParallelReading {
   static constexpr std::size_t kUnderWayOfThread = 2;
   static constexpr std::size_t kStepsOfThread = 2 * kUnderWayOfThread;
 
-  enum class Taken : std::uint8_t { kYes, kLeftToParser, kPassIsOver };
+  enum class Taken : std::uint8_t { kYes, kNoMore, kLeftToParser, kPassIsOver };
   // A batch on its way: it is read, filed, and then its references are bound.
   class Step;
 
   Step& StepAt(std::size_t underWay);
-  void CutNext();
+  void SubmitNext();
   Taken TakeFirst();
   Taken TakeAgain(const RecordBatch& batch, std::size_t index);
   Taken FileRecord(RecordBatch& batch, std::size_t index);
@@ -62,8 +62,8 @@ class ParallelReading {
 
   Parser& parser_;
   Pass pass_;
-  RecordCutter cutter_;
-  bool cuts_ = true;                                  // there may be more to cut
+  CuttingInTurn cutting_;
+  std::size_t nextTurn_ = 0;                          // that nobody has been given
   std::int64_t position_;                             // in the input, of the first batch under way
   std::uint32_t line_;                                // of its start
   std::vector<std::optional<std::ptrdiff_t>> sorts_;  // by class

@@ -1,6 +1,8 @@
 #include "step/reader/parallel/record_cutter.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <exception>
 
 namespace corvel {
@@ -8,21 +10,31 @@ namespace corvel {
 namespace {
 
 constexpr std::size_t kBlock = 64;
+constexpr std::uint64_t kEveryByte = 0x0101010101010101;
+constexpr std::uint64_t kHighBits = kEveryByte << 7;
 
 struct BlockFacts {
   bool oddQuotes = false;
   bool hasSlash = false;
 };
 
-// No branch, so that the compiler takes many bytes at once.
+// The high bit of each byte of `word` that is 0.
+std::uint64_t Zeros(std::uint64_t word) {
+  const std::uint64_t rest = (word & ~kHighBits) + ~kHighBits;
+  return ~(rest | word | ~kHighBits);
+}
+
+// Eight bytes at a time, and no branch.
 BlockFacts FactsOf(const char* block) {
-  unsigned char quotes = 0;
-  unsigned char slashes = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    quotes ^= static_cast<unsigned char>(block[i] == '\'');
-    slashes |= static_cast<unsigned char>(block[i] == '/');
+  std::uint64_t quotes = 0;
+  std::uint64_t slashes = 0;
+  for (std::size_t i = 0; i < kBlock; i += sizeof(std::uint64_t)) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, block + i, sizeof word);
+    quotes ^= Zeros(word ^ (kEveryByte * '\''));
+    slashes |= Zeros(word ^ (kEveryByte * '/'));
   }
-  return {quotes != 0, slashes != 0};
+  return {((quotes >> 7) * kEveryByte >> 56 & 1) != 0, slashes != 0};
 }
 
 }  // namespace
