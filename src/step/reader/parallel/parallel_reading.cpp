@@ -27,13 +27,12 @@ class ParallelReading::Step final : public platform::Job {
 
   void Run() override {
     if (!isFiled) reading_.cutting_.Next(turn, batch);
-    auto reader = reading_.BorrowReader();
+    BatchReader& reader = reading_.ReaderOfThisThread();
     if (isFiled) {
-      Bind(*reader);
+      Bind(reader);
     } else {
-      reader->Read(batch);
+      reader.Read(batch);
     }
-    reading_.GiveBack(std::move(reader));
   }
   void Bind(BatchReader& reader) {
     reader.Bind(batch);
@@ -220,16 +219,13 @@ void ParallelReading::PutBack(std::size_t taken, std::uint32_t line) {
   underWay_ = 0;
 }
 
-std::unique_ptr<BatchReader> ParallelReading::BorrowReader() {
+BatchReader& ParallelReading::ReaderOfThisThread() {
+  const std::thread::id thread = std::this_thread::get_id();
   const std::scoped_lock lock(mutex_);
-  auto reader = std::move(readers_.back());
-  readers_.pop_back();
-  return reader;
-}
-
-void ParallelReading::GiveBack(std::unique_ptr<BatchReader> reader) {
-  const std::scoped_lock lock(mutex_);
-  readers_.push_back(std::move(reader));
+  const auto at = std::find(threads_.begin(), threads_.end(), thread);
+  const auto index = static_cast<std::size_t>(at - threads_.begin());
+  if (at == threads_.end()) threads_.push_back(thread);
+  return *readers_[index];
 }
 
 }  // namespace corvel

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "platform/worker_pool.h"
@@ -57,8 +58,7 @@ class ParallelReading {
   std::ptrdiff_t SortOf(const RecordBatch::Record& record);
   void LeaveToParser(std::size_t record);
   void PutBack(std::size_t taken, std::uint32_t line);
-  std::unique_ptr<BatchReader> BorrowReader();
-  void GiveBack(std::unique_ptr<BatchReader> reader);
+  BatchReader& ReaderOfThisThread();
 
   Parser& parser_;
   Pass pass_;
@@ -67,10 +67,12 @@ class ParallelReading {
   std::int64_t position_;                             // in the input, of the first batch under way
   std::uint32_t line_;                                // of its start
   std::vector<std::optional<std::ptrdiff_t>> sorts_;  // by class
+  // One for each thread, which comes back to its own: that and its pool are in its core's cache.
+  std::vector<std::unique_ptr<BatchReader>> readers_;
   std::mutex mutex_;
-  std::vector<std::unique_ptr<BatchReader>> readers_;  // that nobody has; by `mutex_`
-  std::vector<std::unique_ptr<Step>> steps_;           // used in turn
-  std::size_t first_ = 0;                              // of those under way
+  std::vector<std::thread::id> threads_;      // those that have a reader, in order; by `mutex_`
+  std::vector<std::unique_ptr<Step>> steps_;  // used in turn
+  std::size_t first_ = 0;                     // of those under way
   std::size_t underWay_ = 0;
   platform::WorkerPool pool_;
 };
