@@ -20,7 +20,8 @@ class CuttingInTurn {
 
   // The next bytes into `batch`, which is empty; it stays so when there are none. Turns count from
   // 0 on: waits for those before, each of which somebody has done or is at. Throws
-  // std::bad_alloc; the turn is over then too.
+  // std::bad_alloc; the turn is over then too. What the stream has to report is held back, so that
+  // no thread but the parser's own tells it.
   void Next(std::size_t turn, RecordBatch& batch);
 
   // As RecordCutter; when nobody cuts.

@@ -18,10 +18,10 @@ namespace corvel {
 
 class Parser;
 
-// The parser's own thread cuts the input into batches, takes what the others have read in the order
-// of the file, and does for each record what a pass of one thread does: filing, looking up what it
-// refers to, ticks, the log, the work file. So whatever can be seen of a pass is the same for any
-// number of threads.
+// All threads cut batches from the input, in turn, and read them. The parser's own thread takes
+// what has been read in the order of the file, and does for each record what a pass of one thread
+// does: filing, looking up what it refers to, ticks, the log, the work file. So whatever can be
+// seen of a pass is the same for any number of threads.
 //
 // A thread has one BatchReader at a time, with a pool of its own that belongs to the container, and
 // kStepsOfThread batches: some 2 MiB beside its share of the model.
