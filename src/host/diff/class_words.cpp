@@ -30,6 +30,7 @@ Dimension DimensionOf(const TypeFacts& type) {
   if (type.IsOrIsMadeOf("IfcLengthMeasure")) return Dimension::kLength;
   if (type.IsOrIsMadeOf("IfcAreaMeasure")) return Dimension::kArea;
   if (type.IsOrIsMadeOf("IfcVolumeMeasure")) return Dimension::kVolume;
+  if (type.IsOrIsMadeOf("IfcPlaneAngleMeasure")) return Dimension::kAngle;
   return Dimension::kNone;
 }
 

@@ -25,7 +25,7 @@ enum class Role : std::uint8_t {
   kContext      // of representations: told apart by what it is called
 };
 
-enum class Dimension : std::uint8_t { kNone, kLength, kArea, kVolume };
+enum class Dimension : std::uint8_t { kNone, kLength, kArea, kVolume, kAngle };
 
 struct AttributeWord {
   const AttributeFacts* facts = nullptr;

@@ -22,6 +22,15 @@ std::string KeyOf(const Change& change) {
 
 using Place = std::pair<std::size_t, std::size_t>;  // object, change
 
+// One object may have the same change several times.
+std::size_t CountObjects(const std::vector<Place>& places) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    count += i == 0 || places[i].first != places[i - 1].first ? 1 : 0;
+  }
+  return count;
+}
+
 }  // namespace
 
 ChangesTold FindCommonChanges(const ModelDiff& diff) {
@@ -38,7 +47,7 @@ ChangesTold FindCommonChanges(const ModelDiff& diff) {
     }
   }
   for (const std::vector<Place>* const same : inOrder) {
-    if (same->size() < kMany) continue;
+    if (CountObjects(*same) < kMany) continue;
     const auto [object, change] = same->front();
     CommonChange& common =
         told.common.emplace_back(CommonChange{diff.changed[object].changes[change], {}, {}});

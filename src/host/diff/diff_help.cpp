@@ -13,7 +13,7 @@ Usage:
 Reads both files and compares what they say: not the numbers of records, nor
 their order, nor what order sets have, nor the GUIDs of relations and of sets
 of properties, nor owner histories. Lengths, areas and volumes are compared in
-metres, whatever the units of the models.
+metres, plane angles in degrees, whatever the units of the models.
 
 An object is found again by its GUID; one that is not, by class, content and
 place; and then by class, name and place, where these belong to one object of

@@ -26,41 +26,78 @@ const char16_t* SequenceOf(Colour colour) {
   return u"";
 }
 
-// The beginning of a line that is too long.
-WideString CutToColumns(const std::string& text) {
-  constexpr WideView kMore = u"...";
-  WideString line = Printable(FromUtf8(text));
-  if (ColumnsOf(line) <= kColumns) return line;
+constexpr WideView kMore = u"...";
+
+// Two units may be one character, which no cut goes through.
+bool IsWithinCharacter(WideView text, std::size_t at) {
+  return at < text.size() && text[at] >= 0xDC00 && text[at] <= 0xDFFF;
+}
+
+// As much of the beginning as has room.
+WideView HeadOf(WideView text, std::size_t columns) {
   std::size_t length = 0;
-  // Two units may be one character.
-  for (std::size_t next = 1; next <= line.size(); ++next) {
-    const bool isHalf = next < line.size() && line[next] >= 0xDC00 && line[next] <= 0xDFFF;
-    if (isHalf) continue;
-    if (ColumnsOf(WideView(line).substr(0, next)) > kColumns - kMore.size()) break;
+  for (std::size_t next = 1; next <= text.size(); ++next) {
+    if (IsWithinCharacter(text, next)) continue;
+    if (ColumnsOf(text.substr(0, next)) > columns) break;
     length = next;
   }
-  return line.substr(0, length).append(kMore);
+  return text.substr(0, length);
 }
 
-// Of a long path what it begins and ends with.
-std::string WithoutMiddle(const std::string& path) {
-  constexpr std::size_t kHead = 36;
-  constexpr WideView kMore = u"...";
-  const WideString line = Printable(FromUtf8(path));
-  if (ColumnsOf(line) <= kColumns || line.size() != ColumnsOf(line)) return path;
-  const std::size_t tail = kColumns - kHead - kMore.size();
-  return ToUtf8(line.substr(0, kHead).append(kMore) + line.substr(line.size() - tail));
+// As much of the end.
+WideView TailOf(WideView text, std::size_t columns) {
+  std::size_t first = text.size();
+  for (std::size_t next = text.size(); next-- > 0;) {
+    if (IsWithinCharacter(text, next)) continue;
+    if (ColumnsOf(text.substr(next)) > columns) break;
+    first = next;
+  }
+  return text.substr(first);
 }
 
-std::string TextOf(const ObjectLabel& label) {
-  std::string text = label.className;
+// The beginning of a line that is too long.
+WideString CutToColumns(const std::string& text) {
+  const WideString line = Printable(FromUtf8(text));
+  if (ColumnsOf(line) <= kColumns) return line;
+  return WideString(HeadOf(line, kColumns - kMore.size())).append(kMore);
+}
+
+// Of a long path or name what it begins and ends with.
+std::string WithoutMiddle(const std::string& text, std::size_t columns) {
+  const WideString line = Printable(FromUtf8(text));
+  if (ColumnsOf(line) <= columns) return text;
+  const std::size_t room = columns > kMore.size() ? columns - kMore.size() : 0;
+  const WideView tail = TailOf(line, room * 8 / 15);  // it says more than the head
+  return ToUtf8(WideString(HeadOf(line, room - ColumnsOf(tail))).append(kMore).append(tail));
+}
+
+// Names that programs make end with what tells them apart, as does the number.
+std::string TextOf(const ObjectLabel& label, const char* sign) {
+  std::string text = sign + label.className;
   if (!label.guid.empty()) text += " " + label.guid;
-  if (!label.name.empty()) text += " '" + label.name + "'";
-  return text + " #" + std::to_string(label.number);
+  const std::string number = " #" + std::to_string(label.number);
+  if (label.name.empty()) return text + number;
+  constexpr std::size_t kQuotes = 3;
+  constexpr std::size_t kShortest = 12;
+  const std::size_t taken = ColumnsOf(Printable(FromUtf8(text + number))) + kQuotes;
+  const std::size_t room = taken + kShortest < kColumns ? kColumns - taken : kShortest;
+  return text + " '" + WithoutMiddle(label.name, room) + "'" + number;
 }
 
 std::string Count(std::size_t count, const char* noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// As many as have room beside the count.
+std::string TextOf(const std::map<std::string, std::size_t>& classes) {
+  constexpr std::size_t kRoom = 60;
+  std::string text;
+  for (const auto& [name, count] : classes) {
+    const std::string next = name + " " + std::to_string(count);
+    if (text.size() + next.size() > kRoom) return text + ", ...";
+    text += (text.empty() ? "" : ", ") + next;
+  }
+  return text;
 }
 
 class DiffWriter {
@@ -71,10 +108,10 @@ class DiffWriter {
   bool Run() {
     WriteHead();
     for (const CommonChange& common : told_.common) Write(common);
-    for (const ObjectLabel& label : diff_.removed) Line("- " + TextOf(label), Colour::kRed);
-    for (const ObjectLabel& label : diff_.added) Line("+ " + TextOf(label), Colour::kGreen);
+    for (const ObjectLabel& label : diff_.removed) Line(TextOf(label, "- "), Colour::kRed);
+    for (const ObjectLabel& label : diff_.added) Line(TextOf(label, "+ "), Colour::kGreen);
     for (const auto& [before, after] : diff_.renamed) {
-      Line("= " + TextOf(after), Colour::kYellow);
+      Line(TextOf(after, "= "), Colour::kYellow);
       Line("    GUID: " + before.guid + " -> " + after.guid);
     }
     for (std::size_t i = 0; i < diff_.changed.size(); ++i) Write(i);
@@ -100,13 +137,8 @@ class DiffWriter {
   }
 
   void Write(const CommonChange& common) {
-    std::string line = "* " + Count(common.objects.size(), "object") + " (";
-    bool isFirst = true;
-    for (const auto& [name, count] : common.classes) {
-      line += std::string(isFirst ? "" : ", ") + name + " " + std::to_string(count);
-      isFirst = false;
-    }
-    Line(line + ")", Colour::kYellow);
+    Line("* " + Count(common.objects.size(), "object") + " (" + TextOf(common.classes) + ")",
+         Colour::kYellow);
     Write(common.change, true);
   }
 
@@ -115,11 +147,24 @@ class DiffWriter {
     const std::vector<bool>& isTold = told_.isCommon[index];
     const bool allTold = std::find(isTold.begin(), isTold.end(), false) == isTold.end();
     if (allTold && object.omitted == 0) return;
-    Line("~ " + TextOf(object.after), Colour::kYellow);
-    for (std::size_t i = 0; i < object.changes.size(); ++i) {
+    Line(TextOf(object.after, "~ "), Colour::kYellow);
+    for (std::size_t i = 0; i < object.changes.size();) {
+      std::size_t next = i + 1;
+      while (next < object.changes.size() && isTold[next] == isTold[i] &&
+             SayTheSame(object.changes[i], object.changes[next])) {
+        ++next;
+      }
       if (!isTold[i]) Write(object.changes[i], false);
+      if (!isTold[i] && next != i + 1) Line("      (" + std::to_string(next - i) + " times)");
+      i = next;
     }
     if (object.omitted != 0) Line("    and " + Count(object.omitted, "change") + " more");
+  }
+
+  // As several relations of one kind do to objects that have no names.
+  static bool SayTheSame(const Change& one, const Change& other) {
+    return one.path == other.path && one.before == other.before && one.after == other.after &&
+           !one.movement && !other.movement;
   }
 
   // In one line where it fits, or else in one for each value.
@@ -134,7 +179,7 @@ class DiffWriter {
     const std::string after = change.after.value_or("(none)");
     const std::string line = std::string(path).append(before).append(" -> ").append(after);
     if (ColumnsOf(Printable(FromUtf8(line))) <= kColumns) return Line(line);
-    Line(WithoutMiddle(path));
+    Line(WithoutMiddle(path, kColumns));
     Line("      - " + before, Colour::kRed);
     Line("      + " + after, Colour::kGreen);
   }

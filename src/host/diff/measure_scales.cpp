@@ -1,6 +1,7 @@
 #include "host/diff/measure_scales.h"
 
 #include <cmath>
+#include <numbers>
 #include <optional>
 #include <string_view>
 
@@ -22,6 +23,8 @@ struct Kind {
 };
 constexpr Kind kArea = {"AREAUNIT", "SQUARE_METRE", 2};
 constexpr Kind kVolume = {"VOLUMEUNIT", "CUBIC_METRE", 3};
+constexpr Kind kAngle = {"PLANEANGLEUNIT", "RADIAN", 1};
+constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 
 std::optional<double> ScaleOf(const IFC::IfcEntity* unit, const Kind& kind) {
   double factor = 1.0;
@@ -58,7 +61,7 @@ double ScaleIn(const IFC::IfcEntity* unitAssignment, const Kind& kind) {
 
 MeasureScales ScalesOf(const IFC::IfcEntity* unitAssignment) {
   return {MetresPerLengthUnit(unitAssignment), ScaleIn(unitAssignment, kArea),
-          ScaleIn(unitAssignment, kVolume)};
+          ScaleIn(unitAssignment, kVolume), ScaleIn(unitAssignment, kAngle) * kDegreesPerRadian};
 }
 
 }  // namespace corvel::host::diff

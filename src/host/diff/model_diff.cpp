@@ -95,7 +95,7 @@ class Comparison {
         return;
       }
     }
-    ++diff.same;
+    if (before_.model.Words().Of(one)->role == Role::kObject) ++diff.same;
   }
 
   ClassWords words_;

@@ -25,6 +25,19 @@ std::string WithoutMainValue(std::string path) {
   return path;
 }
 
+// Nor do they say where properties of properties are held.
+std::string WithoutHolders(std::string path) {
+  constexpr std::string_view kHolder = ".HasProperties[";
+  for (std::size_t at = path.find(kHolder); at != std::string::npos; at = path.find(kHolder, at)) {
+    const std::size_t name = at + kHolder.size();
+    std::size_t end = path.find("].", name);
+    if (end == std::string::npos) end = path.rfind(']');
+    if (end == std::string::npos || end < name) break;
+    path.replace(at, end + 1 - at, "." + path.substr(name, end - name));
+  }
+  return path;
+}
+
 bool IsQuantity(const IFC::IfcEntity& property) {
   static ClassQuestion question("IfcPhysicalQuantity");
   return question.IsTrueOf(property);
@@ -279,11 +292,10 @@ void ObjectChanges::TellRelation(const IFC::IfcEntity& relation, bool isBefore) 
 
 void ObjectChanges::TakeAs(ChangeKind kind) {
   for (Difference& difference : walk_.Take(object_.omitted)) {
-    object_.changes.push_back({kind,
-                               WithoutMainValue(std::move(difference.path)),
-                               std::move(difference.before),
-                               std::move(difference.after),
-                               {}});
+    std::string path = WithoutMainValue(std::move(difference.path));
+    if (kind == ChangeKind::kProperty) path = WithoutHolders(std::move(path));
+    object_.changes.push_back(
+        {kind, std::move(path), std::move(difference.before), std::move(difference.after), {}});
   }
 }
 

@@ -1,12 +1,15 @@
 #include "host/diff/pairing.h"
 
+#include <algorithm>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
+#include "host/diff/neighbours.h"
 #include "merge/federation/attribute_values.h"
 
 namespace corvel::host::diff {
@@ -75,6 +78,67 @@ class Waiting {
   std::vector<std::uint32_t> next_;
 };
 
+using Identities = std::vector<std::optional<Digest>>;
+
+// Objects of one model without a pair whose identity one of the other model has.
+class Holders {
+ public:
+  Holders(ObjectFacts& facts, const Identities& identities, const Identities& otherSide,
+          const std::vector<std::uint32_t>& others)
+      : facts_(facts),
+        common_(identities),
+        isLeft_(identities.size()),
+        neighbours_(facts.Model(), FindLeft(otherSide, others)) {}
+
+  bool AreThereSome() const {
+    return std::find(isLeft_.begin(), isLeft_.end(), true) != isLeft_.end();
+  }
+  // To the neighbours so many relations away, by what they say.
+  void LookAround(int levels) {
+    Identities identities = common_;
+    for (std::size_t i = 0; i < identities.size(); ++i) {
+      if (isLeft_[i]) identities[i]->high ^= facts_.ContentOf(i).high;
+    }
+    around_ = neighbours_.Keys(identities, levels);
+    for (std::size_t i = 0; i < around_.size(); ++i) {
+      if (around_[i] != 0) around_[i] ^= identities[i]->high;
+    }
+  }
+  bool IsLeft(std::size_t index) const { return isLeft_[index]; }
+  const Digest& IdentityOf(std::size_t index) const { return *common_[index]; }
+  std::span<const std::uint32_t> NeighboursOf(std::size_t index) const {
+    return neighbours_.Of(index);
+  }
+  std::optional<Digest> KeyAround(std::size_t index) const {
+    if (!isLeft_[index] || around_[index] == 0) return std::nullopt;
+    return Digest{common_[index]->high, around_[index]};
+  }
+  std::optional<Digest> Key(std::size_t index, Digest (ObjectFacts::*more)(std::size_t)) {
+    if (!isLeft_[index]) return std::nullopt;
+    return Digest{common_[index]->high, (facts_.*more)(index).low};
+  }
+
+ private:
+  const std::vector<bool>& FindLeft(const Identities& otherSide,
+                                    const std::vector<std::uint32_t>& others) {
+    std::unordered_set<Digest, HashOfDigest> there;
+    for (const auto& identity : otherSide) {
+      if (identity) there.insert(*identity);
+    }
+    for (std::size_t i = 0; i < common_.size(); ++i) {
+      if (common_[i] && !there.contains(*common_[i])) common_[i].reset();
+      isLeft_[i] = common_[i] && others[i] == kNone;
+    }
+    return isLeft_;
+  }
+
+  ObjectFacts& facts_;
+  Identities common_;  // that both models have
+  std::vector<bool> isLeft_;
+  Neighbours neighbours_;
+  std::vector<std::uint64_t> around_;
+};
+
 class Pairs {
  public:
   Pairs(ObjectFacts& earlier, ObjectFacts& later) : earlier_(earlier), later_(later) {
@@ -84,17 +148,13 @@ class Pairs {
 
   Pairing Make() {
     Match(ContextOf, false);
-    const auto byIdentity = [](ObjectFacts& facts, std::size_t index) {
-      IFC::IfcEntity& object = *facts.Model().Objects()[index];
-      return IdentityOf(object, *facts.Model().Words().Of(object));
-    };
-    Match(byIdentity, false);
-    RefersByClass(earlier_, pairing_.laterOf);
-    RefersByClass(later_, pairing_.earlierOf);
-    ReferByPairs();
+    MatchByIdentity();
+    ReferByPairsOrClasses();
     MatchByContent();
     Match(ClassOfContext, true);
     ReferByPairs();
+    earlier_.Values().Forget();
+    later_.Values().Forget();
     ReferByThemselves(earlier_, pairing_.laterOf, 0);
     ReferByThemselves(later_, pairing_.earlierOf, 1);
     return std::move(pairing_);
@@ -102,7 +162,97 @@ class Pairs {
 
  private:
   using Look = ObjectFacts::Look;
+  // Of several of one GUID first those that say the same and are related to what says the same,
+  // then those that are related to pairs.
+  void MatchByIdentity() {
+    const Identities earlier = IdentitiesOf(earlier_);
+    const Identities later = IdentitiesOf(later_);
+    Match([&](const ObjectFacts& facts,
+              std::size_t index) { return (&facts == &earlier_ ? earlier : later)[index]; },
+          true);
+    Holders here(earlier_, earlier, later, pairing_.laterOf);
+    Holders there(later_, later, earlier, pairing_.earlierOf);
+    if (here.AreThereSome()) MatchHolders(here, there);
+    Match([&](const ObjectFacts& facts,
+              std::size_t index) { return (&facts == &earlier_ ? earlier : later)[index]; },
+          false);
+  }
 
+  void MatchHolders(Holders& here, Holders& there) {
+    const auto by = [&](auto key, bool onlyOne) {
+      Match([&](const ObjectFacts& facts,
+                std::size_t index) { return key(&facts == &earlier_ ? here : there, index); },
+            onlyOne);
+    };
+    const auto around = [](const Holders& side, std::size_t i) { return side.KeyAround(i); };
+    const auto whole = [](Holders& side, std::size_t i) {
+      return side.Key(i, &ObjectFacts::WholeOf);
+    };
+    const auto content = [](Holders& side, std::size_t i) {
+      return side.Key(i, &ObjectFacts::ContentOf);
+    };
+    constexpr int kFar = 4;
+    ReferByPairsOrClasses();
+    for (const int levels : {kFar, 1}) {
+      here.LookAround(levels);
+      there.LookAround(levels);
+      by(around, true);
+    }
+    by(content, true);
+    while (MatchByNeighbours(here, there)) {
+    }
+    ReferByPairsOrClasses();
+    by(whole, false);
+    by(content, false);
+  }
+
+  // With whom most of the neighbours have gone. False: nobody was.
+  bool MatchByNeighbours(const Holders& here, const Holders& there) {
+    std::unordered_multimap<Digest, std::uint32_t, HashOfDigest> waiting;
+    for (std::size_t i = 0; i < pairing_.earlierOf.size(); ++i) {
+      if (pairing_.earlierOf[i] != kNone || !there.IsLeft(i)) continue;
+      waiting.emplace(there.IdentityOf(i), static_cast<std::uint32_t>(i));
+    }
+    bool found = false;
+    for (std::size_t i = 0; i < pairing_.laterOf.size(); ++i) {
+      if (pairing_.laterOf[i] != kNone || !here.IsLeft(i)) continue;
+      const auto [first, last] = waiting.equal_range(here.IdentityOf(i));
+      auto best = last;
+      std::size_t most = 0;
+      for (auto candidate = first; candidate != last; ++candidate) {
+        const std::size_t common = CommonNeighbours(here, i, there, candidate->second);
+        if (common < most || common == 0) continue;
+        const bool isFirst = best == last || candidate->second < best->second;
+        if (common > most || isFirst) best = candidate;
+        most = common;
+      }
+      if (best == last) continue;
+      pairing_.laterOf[i] = best->second;
+      pairing_.earlierOf[best->second] = static_cast<std::uint32_t>(i);
+      waiting.erase(best);
+      found = true;
+    }
+    return found;
+  }
+  std::size_t CommonNeighbours(const Holders& here, std::size_t earlier, const Holders& there,
+                               std::size_t later) const {
+    std::unordered_set<std::uint32_t> gone;
+    for (const std::uint32_t neighbour : here.NeighboursOf(earlier)) {
+      if (pairing_.laterOf[neighbour] != kNone) gone.insert(pairing_.laterOf[neighbour]);
+    }
+    const auto others = there.NeighboursOf(later);
+    return static_cast<std::size_t>(
+        std::count_if(others.begin(), others.end(),
+                      [&](std::uint32_t neighbour) { return gone.contains(neighbour); }));
+  }
+
+  static Identities IdentitiesOf(ObjectFacts& facts) {
+    Identities identities;
+    for (IFC::IfcEntity* const object : facts.Model().Objects()) {
+      identities.push_back(IdentityOf(*object, *facts.Model().Words().Of(*object)));
+    }
+    return identities;
+  }
   // What says the same has the same look. So contents are only asked where a look is none of one
   // object of each model: all that a model says takes long.
   void MatchByContent() {
@@ -116,8 +266,8 @@ class Pairs {
       return look && look->tells ? std::optional(look->digest) : std::nullopt;
     };
     Match(telling, true);
-    std::unordered_set<Digest, HashOfDigest> ofEarlier = WithoutPair(earlier, pairing_.laterOf);
-    std::unordered_set<Digest, HashOfDigest> ofLater = WithoutPair(later, pairing_.earlierOf);
+    const auto ofEarlier = WithoutPair(earlier, pairing_.laterOf);
+    const auto ofLater = WithoutPair(later, pairing_.earlierOf);
     const auto content = [&](ObjectFacts& facts, std::size_t index) -> std::optional<Digest> {
       const Digest look = lookAt(facts, index)->digest;
       const bool hasLike = ofEarlier.contains(look) && ofLater.contains(look);
@@ -166,12 +316,22 @@ class Pairs {
     }
   }
 
+  void ReferByPairsOrClasses() {
+    earlier_.Values().Forget();
+    later_.Values().Forget();
+    RefersByClass(earlier_, pairing_.laterOf);
+    RefersByClass(later_, pairing_.earlierOf);
+    ReferByPairs();
+  }
   static void RefersByClass(ObjectFacts& facts, const std::vector<std::uint32_t>& others) {
     const ComparedModel& model = facts.Model();
     for (std::size_t i = 0; i < others.size(); ++i) {
       if (others[i] != kNone) continue;
       const IFC::IfcEntity& object = *model.Objects()[i];
-      facts.Values().SetReference(object, {kReference, model.Words().Of(object)->word});
+      const ClassWord& word = *model.Words().Of(object);
+      facts.Values().SetReference(object, word.role == Role::kContext
+                                              ? NameOfContext(object)
+                                              : Digest{kReference, word.word});
     }
   }
   void ReferByPairs() {

@@ -18,7 +18,8 @@ struct Pairing {
   std::vector<std::uint32_t> earlierOf;  // of each later one; kNone: it is new
 };
 
-// First by GUID; the second holder of a GUID is the second one of the other model. Contexts go by
+// First by GUID; of several holders those go together that the same objects belong to, then those
+// that say the same, then the others in their order. Contexts go by
 // class, identifier, type and view, and what they are a part of; of several of one name those go
 // together that say the same. What is left goes by content
 // (ObjectFacts::ContentOf), in the order of numbers where several say the same, and then by name

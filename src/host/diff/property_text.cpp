@@ -32,10 +32,14 @@ std::string TextOfProperty(const ComparedModel& model, const IFC::IfcEntity& pro
   const ClassWord* const words = model.Words().Of(property);
   if (words != nullptr) {
     const ValueText text(model, TellsUnit(property, *words));
+    bool mayHaveValue = false;
     for (const AttributeWord& word : words->attributes) {
       const ConstAttribute held(property, *word.facts);
-      if (IsMainValue(word.facts->name) && held.HasValue()) return text.Of(held, word);
+      if (!IsMainValue(word.facts->name)) continue;
+      if (held.HasValue()) return text.Of(held, word);
+      mayHaveValue = true;
     }
+    if (mayHaveValue) return "(no value)";
   }
   return ValueText(model, false).Of(&property);
 }

@@ -32,6 +32,11 @@ class ValueDigests {
   void SetReference(const IFC::IfcEntity& object, const Digest& digest) {
     references_[ComparedModel::IndexOf(object)] = digest;
   }
+  // For when references have become others.
+  void Forget() {
+    known_.clear();
+    facts_.clear();
+  }
   // Of a value, or of a reference to an object with an identity. Null has one too.
   Digest Of(const IFC::IfcEntity* entity);
   // Of what a relation says about each of those that it holds.

@@ -25,9 +25,15 @@ const char* UnitOf(Dimension dimension) {
     case Dimension::kLength: return " m";
     case Dimension::kArea: return " m2";
     case Dimension::kVolume: return " m3";
+    case Dimension::kAngle: return " deg";
     case Dimension::kNone: break;
   }
   return "";
+}
+
+// "MILLIMETRE". Units of SI have no text for a name.
+std::string NameOfSiUnit(const IFC::IfcEntity& entity) {
+  return std::string(WordOf(entity, "Prefix")).append(WordOf(entity, "Name"));
 }
 
 // What a point or a direction says is its name.
@@ -67,6 +73,7 @@ std::string ValueText::Of(const IFC::IfcEntity* entity) const {
   std::string text = label.className;
   if (!label.name.empty()) text += " '" + label.name + "'";
   if (label.name.empty() && !label.guid.empty()) text += " " + label.guid;
+  if (label.className == "IfcSIUnit") text += " '" + NameOfSiUnit(*entity) + "'";
   const std::string numbers = NumbersOf(*entity);
   if (numbers.empty()) return text;
   for (const AttributeWord& word : model_.Words().Of(*entity)->attributes) {

@@ -115,6 +115,50 @@ TEST(DiffText, LongValuesStandInLinesOfTheirOwnAndAreCutAt80Columns) {
       text);
 }
 
+TEST(DiffText, LongNamesLoseTheirMiddle) {
+  ModelDiff diff = Empty();
+  diff.added.push_back({138584, "IfcWallStandardCase", "2O2Fr$t4X7Zf8NOew3FNtn",
+                        "Basic Wall:Exterior - Brick on Block with insulation:138584"});
+  const std::string text = LinesBehindHead(diff);
+  EXPECT_EQ(
+      "+ IfcWallStandardCase 2O2Fr$t4X7Zf8NOew3FNtn 'Basic Wall:...tion:138584' "
+      "#138584\n",
+      text);
+  EXPECT_GE(81u, text.size());
+}
+
+TEST(DiffText, CutsGoThroughNoCharacter) {
+  ModelDiff diff = Empty();
+  std::string name;
+  for (int i = 0; i < 40; ++i) name += "\xF0\x9F\x8F\xA0";
+  diff.added.push_back({1, "IfcWall", "", name});
+  const std::string text = LinesBehindHead(diff);
+  EXPECT_EQ(std::string::npos, text.find("\xEF\xBF\xBD")) << text;
+  EXPECT_NE(std::string::npos, text.find("\xF0\x9F\x8F\xA0...\xF0\x9F\x8F\xA0")) << text;
+}
+
+TEST(DiffText, OfManyClassesTheFirstAreNamedWhole) {
+  ModelDiff diff = Renaming({"'x'", "'x'", "'x'", "'x'"});
+  diff.changed[0].after.className = "IfcBuildingElementProxy";
+  diff.changed[1].after.className = "IfcBuildingStorey";
+  diff.changed[2].after.className = "IfcDistributionControlElement";
+  EXPECT_TRUE(LinesBehindHead(diff).starts_with(
+      "* 4 objects (IfcBuildingElementProxy 1, IfcBuildingStorey 1, ...)\n"));
+}
+
+TEST(DiffText, OneObjectIsNotManyHoweverOftenItHasTheSameChange) {
+  ModelDiff diff = Renaming({"'x'"});
+  const Change change = diff.changed[0].changes[0];
+  diff.changed[0].changes.insert(diff.changed[0].changes.end(), 3, change);
+  diff.changed[0].changes.push_back(NameFrom("'old'", "'y'"));
+  EXPECT_EQ(
+      "~ IfcWall g1 #1\n"
+      "    Name: 'old' -> 'x'\n"
+      "      (4 times)\n"
+      "    Name: 'old' -> 'y'\n",
+      LinesBehindHead(diff));
+}
+
 TEST(DiffText, WideLettersTakeTwoColumns) {
   std::string name = "'";
   for (int i = 0; i < 60; ++i) name += "\xE5\xA3\x81";
