@@ -57,7 +57,7 @@ WideView TailOf(WideView text, std::size_t columns) {
 
 // The beginning of a line that is too long.
 WideString CutToColumns(const std::string& text) {
-  const WideString line = Printable(FromUtf8(text));
+  WideString line = Printable(FromUtf8(text));
   if (ColumnsOf(line) <= kColumns) return line;
   return WideString(HeadOf(line, kColumns - kMore.size())).append(kMore);
 }
