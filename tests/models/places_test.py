@@ -181,6 +181,23 @@ class Grids(Places):
         self.check(self.check_in_other_units)
 
 
+    def test_WhatAnotherModelHasOnAGridThatIsOneStandsWhereItStood(self):
+        for release in _ALL:
+            if release not in program.built_releases():
+                continue
+            own = grid_models.frame_bytes(release)
+            # Columns and plates of its own, and one of them elsewhere.
+            other = re.sub(rb"((?:IFCCOLUMN|IFCBUILDINGELEMENTPROXY)\('.)([^']{21})",
+                           lambda match: match[1] + match[2][::-1], own)
+            other = other.replace(b'(0.25,-0.5,0.75)', b'(0.25,-1.5,0.75)')
+            names = [self.write('one.ifc', own), self.write('other.ifc', other)]
+            wanted = {product.guid: product for data in (other, own) for product in places_of(data)}
+            for options in (('--guids', 'join'), ('--one-building',)):
+                with self.subTest(release=release, options=' '.join(options)):
+                    self.assert_no_one_alone(without_partner(
+                        wanted.values(), self.merged(names, options), by_guid))
+
+
 class Reader(unittest.TestCase):
     """What stands elsewhere, or has another shape, has no partner."""
 
