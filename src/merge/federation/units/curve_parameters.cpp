@@ -285,7 +285,8 @@ double CurveParameters::TrimOf(const IFC::IfcEntity& trimmed, const char* attrib
 }
 
 double CurveParameters::OnComposite(const IFC::IfcEntity* curve, double parameter) const {
-  return OnComposite(Underlying(curve), parameter, 0);
+  const double converted = OnComposite(Underlying(curve), parameter, 0);
+  return std::isfinite(converted) ? converted : parameter;
 }
 
 double CurveParameters::OnComposite(const IFC::IfcEntity* curve, double parameter,

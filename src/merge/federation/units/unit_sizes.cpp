@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
 
 #include "core/text.h"
 #include "merge/federation/attribute_values.h"
@@ -70,8 +71,6 @@ const SiUnit* FindSiUnit(std::string_view name) {
   return nullptr;
 }
 
-std::optional<UnitSize> SizeOf(const IFC::IfcEntity& unit, int depth);
-
 std::optional<UnitSize> SizeOfSiUnit(const SiUnit& facts, const IFC::IfcEntity& unit) {
   if (WordOf(unit, "UnitType") != facts.unitType) return std::nullopt;
   double factor = std::pow(FactorOfPrefix(WordOf(unit, "Prefix")), facts.power);
@@ -92,45 +91,62 @@ bool IsFahrenheit(const IFC::IfcEntity& unit, double offset) {
          IsNear(std::abs(offset), kZeroFahrenheit);
 }
 
-std::optional<UnitSize> SizeOfConverted(const IFC::IfcEntity& unit, const IFC::IfcEntity& measure,
-                                        int depth) {
-  const IFC::IfcEntity* const base = ReferenceOf(measure, "UnitComponent");
-  if (base == nullptr) return std::nullopt;
-  const std::optional<UnitSize> baseSize = SizeOf(*base, depth + 1);
-  const double factor = ValueOf(measure);
-  if (!baseSize || !std::isfinite(factor) || factor <= 0.0) return std::nullopt;
-  const double offset = RealOf(unit, "ConversionOffset");
-  if (!std::isfinite(offset)) return std::nullopt;
-  if (IsFahrenheit(unit, offset)) {
-    return UnitSize{baseSize->factor / kFahrenheitPerKelvin,
-                    baseSize->factor * kZeroFahrenheit / kFahrenheitPerKelvin};
+// Looks at each unit once, however many others are made from it.
+class SizeReader {
+ public:
+  std::optional<UnitSize> Of(const IFC::IfcEntity& unit, int depth = 0) {
+    if (depth > kMostConversions || FindFacts(unit) == nullptr) return std::nullopt;
+    const auto [known, isNew] = known_.try_emplace(&unit);
+    if (!isNew) return known->second;
+    const std::optional<UnitSize> size = Made(unit, depth);
+    return known_[&unit] = size;
   }
-  return UnitSize{baseSize->factor * factor, baseSize->factor * offset + baseSize->offset};
-}
 
-std::optional<UnitSize> SizeOfProduct(const EntityList& elements, int depth) {
-  UnitSize product;
-  for (const IFC::IfcEntity* const element : elements) {
-    const IFC::IfcEntity* const unit = element == nullptr ? nullptr : ReferenceOf(*element, "Unit");
-    const std::optional<UnitSize> size = unit == nullptr ? std::nullopt : SizeOf(*unit, depth + 1);
-    if (!size) return std::nullopt;
-    product.factor *= std::pow(size->factor, IntegerOf(*element, "Exponent"));
+ private:
+  std::optional<UnitSize> Made(const IFC::IfcEntity& unit, int depth) {
+    if (const SiUnit* const facts = FindSiUnit(WordOf(unit, "Name"))) {
+      return SizeOfSiUnit(*facts, unit);
+    }
+    if (const IFC::IfcEntity* const measure = ReferenceOf(unit, "ConversionFactor")) {
+      return Converted(unit, *measure, depth);
+    }
+    if (const EntityList* const elements = ReferencesOf(unit, "Elements")) {
+      return Product(*elements, depth);
+    }
+    return std::nullopt;
   }
-  return product;
-}
 
-std::optional<UnitSize> SizeOf(const IFC::IfcEntity& unit, int depth) {
-  if (depth > kMostConversions || FindFacts(unit) == nullptr) return std::nullopt;
-  if (const SiUnit* const facts = FindSiUnit(WordOf(unit, "Name")))
-    return SizeOfSiUnit(*facts, unit);
-  if (const IFC::IfcEntity* const measure = ReferenceOf(unit, "ConversionFactor")) {
-    return SizeOfConverted(unit, *measure, depth);
+  std::optional<UnitSize> Converted(const IFC::IfcEntity& unit, const IFC::IfcEntity& measure,
+                                    int depth) {
+    const IFC::IfcEntity* const base = ReferenceOf(measure, "UnitComponent");
+    if (base == nullptr) return std::nullopt;
+    const std::optional<UnitSize> baseSize = Of(*base, depth + 1);
+    const double factor = ValueOf(measure);
+    if (!baseSize || !std::isfinite(factor) || factor <= 0.0) return std::nullopt;
+    const double offset = RealOf(unit, "ConversionOffset");
+    if (!std::isfinite(offset)) return std::nullopt;
+    if (IsFahrenheit(unit, offset)) {
+      return UnitSize{baseSize->factor / kFahrenheitPerKelvin,
+                      baseSize->factor * kZeroFahrenheit / kFahrenheitPerKelvin};
+    }
+    return UnitSize{baseSize->factor * factor, baseSize->factor * offset + baseSize->offset};
   }
-  if (const EntityList* const elements = ReferencesOf(unit, "Elements")) {
-    return SizeOfProduct(*elements, depth);
+
+  std::optional<UnitSize> Product(const EntityList& elements, int depth) {
+    UnitSize product;
+    for (const IFC::IfcEntity* const element : elements) {
+      const IFC::IfcEntity* const unit =
+          element == nullptr ? nullptr : ReferenceOf(*element, "Unit");
+      const std::optional<UnitSize> size = unit == nullptr ? std::nullopt : Of(*unit, depth + 1);
+      if (!size) return std::nullopt;
+      product.factor *= std::pow(size->factor, IntegerOf(*element, "Exponent"));
+    }
+    return product;
   }
-  return std::nullopt;
-}
+
+  // Nothing for those that have been begun: they are made from themselves.
+  std::unordered_map<const IFC::IfcEntity*, std::optional<UnitSize>> known_;
+};
 
 bool Equal(const UnitSize& one, const UnitSize& other) {
   return std::abs(one.factor / other.factor - 1.0) <= kTolerance &&
@@ -161,15 +177,17 @@ Conversion ConversionBetween(const AssignedUnit& from, const AssignedUnit& to,
     return {.kind = areSame ? Kind::kSame : Kind::kImpossible};
   }
   if (Equal(*from.size, *to.size)) return {};
-  return {.kind = Kind::kConvert,
-          .factor = WithoutNoise(from.size->factor / to.size->factor),
-          .offset = (from.size->offset - to.size->offset) / to.size->factor};
+  const double factor = WithoutNoise(from.size->factor / to.size->factor);
+  const double offset = (from.size->offset - to.size->offset) / to.size->factor;
+  // Units so far apart that their quotient is no number: nothing would be left of any value.
+  if (!std::isnormal(factor) || !std::isfinite(offset)) return {.kind = Kind::kImpossible};
+  return {.kind = Kind::kConvert, .factor = factor, .offset = offset};
 }
 
 }  // namespace
 
 std::optional<UnitSize> SizeOfUnit(const IFC::IfcEntity& unit) {
-  const std::optional<UnitSize> size = SizeOf(unit, 0);
+  const std::optional<UnitSize> size = SizeReader().Of(unit);
   return size && std::isfinite(size->factor) && size->factor > 0.0 ? size : std::nullopt;
 }
 

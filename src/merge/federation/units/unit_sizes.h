@@ -53,7 +53,7 @@ struct Conversion {
     kSame,        // the units are equal: the number is not touched
     kConvert,     // times `factor`, plus `offset`
     kUnknown,     // the model assigns no unit, and there is none to be taken for it
-    kImpossible,  // one of the two units cannot be told
+    kImpossible,  // one of the two units cannot be told, or nothing of a number would be left
   };
   Kind kind = Kind::kSame;
   double factor = 1.0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -227,7 +228,8 @@ void ValueSpaces::NoteTable(const IFC::IfcEntity& table) {
   for (const IFC::IfcEntity* const column : *columns) {
     haveUnits.push_back(column != nullptr && ReferenceOf(*column, "Unit") != nullptr);
   }
-  for (const IFC::IfcEntity* const row : *rows) columns_.try_emplace(row, haveUnits);
+  const auto ofAll = std::make_shared<const std::vector<bool>>(std::move(haveUnits));
+  for (const IFC::IfcEntity* const row : *rows) columns_.try_emplace(row, ofAll);
 }
 
 // Types, templates, and sets with their properties. Shapes of a type are drawn where they are used,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -48,7 +49,7 @@ class ValueSpaces {
   // Of a row whose table has columns: in which of them numbers have a unit of their own.
   const std::vector<bool>* ColumnsOf(const IFC::IfcEntity& row) const {
     const auto found = columns_.find(&row);
-    return found == columns_.end() ? nullptr : &found->second;
+    return found == columns_.end() ? nullptr : found->second.get();
   }
 
   // Of a direction or vector in a stretched space: how much longer what it says becomes.
@@ -76,7 +77,8 @@ class ValueSpaces {
   ValuePlans plans_;
   std::vector<Root> roots_;
   std::unordered_map<const IFC::IfcEntity*, ValueSpace> spaces_;
-  std::unordered_map<const IFC::IfcEntity*, std::vector<bool>> columns_;
+  // All rows of a table have the same.
+  std::unordered_map<const IFC::IfcEntity*, std::shared_ptr<const std::vector<bool>>> columns_;
   std::unordered_map<const IFC::IfcEntity*, double> stretches_;
   std::size_t copies_ = 0;
   std::size_t unstretchable_ = 0;

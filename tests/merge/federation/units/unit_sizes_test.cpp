@@ -102,6 +102,28 @@ TEST_F(UnitSizes, OfAProductOfPowers) {
               6894.757293168, 1e-8);
 }
 
+// Four hundred factors each of which has four hundred: nobody has the time for all of them.
+TEST_F(UnitSizes, OfProductsOfProductsEachIsWorkedOutOnce) {
+  constexpr int kLevels = 4;
+  constexpr int kFactors = 400;
+  std::string records;
+  for (int level = 0; level < kLevels; ++level) {
+    const std::string base = std::to_string(level + 1);
+    std::string elements;
+    for (int factor = 0; factor < kFactors; ++factor) {
+      const std::string number = std::to_string((level + 1) * 1000 + factor);
+      elements += (factor == 0 ? "#" : ",#") + number;
+      records += "#" + number + "=IFCDERIVEDUNITELEMENT(#10" + base + ",1);\n";
+    }
+    records += "#" + base + "=IFCDERIVEDUNIT((" + elements + "),.USERDEFINED.,'U');\n";
+    records += "#10" + base + "=IFCCONVERSIONBASEDUNIT($,.LENGTHUNIT.,'U',#11" + base + ");\n";
+    records += "#11" + base + "=IFCMEASUREWITHUNIT(IFCLENGTHMEASURE(1.),#" +
+               std::to_string(level + 2) + ");\n";
+  }
+  records += Si("LENGTHUNIT", "$", "METRE", kLevels + 1);
+  EXPECT_DOUBLE_EQ(FactorOf(records), 1.0);
+}
+
 // A degree is a kelvin where temperatures are differences.
 TEST_F(UnitSizes, AnOffsetCountsForNothingInAProduct) {
   const auto size = SizeOf(
@@ -188,6 +210,21 @@ TEST_F(UnitSizes, FactorsWithinABillionthAreEqual) {
   EXPECT_EQ(kindOf("1.0000000009"), Conversion::Kind::kSame);
   EXPECT_EQ(kindOf("0.9999999991"), Conversion::Kind::kSame);
   EXPECT_EQ(kindOf("1.000000002"), Conversion::Kind::kConvert);
+}
+
+TEST_F(UnitSizes, WhatIsSoFarApartThatNoNumberTellsItIsNotConverted) {
+  const auto unitsOf = [this](const std::string& factor) {
+    const IfcDocument& document =
+        Add("units.ifc", Made("LENGTHUNIT", "FAR", "IFCLENGTHMEASURE(" + factor + ")",
+                              Si("LENGTHUNIT", "$", "METRE", 3)) +
+                             "#4=IFCUNITASSIGNMENT((#1));\n");
+    return ModelUnits(document.getIfcUnitAssignment());
+  };
+  const ModelUnits large = unitsOf("1.E200");
+  const ModelUnits small = unitsOf("1.E-200");
+  EXPECT_EQ(ConversionsBetween(large, small)[0].kind, Conversion::Kind::kImpossible);
+  EXPECT_EQ(ConversionsBetween(small, large)[0].kind, Conversion::Kind::kImpossible);
+  EXPECT_EQ(ConversionsBetween(large, ModelUnits(nullptr))[0].kind, Conversion::Kind::kConvert);
 }
 
 // --- The table of measures -----------------------------------------------------------------------

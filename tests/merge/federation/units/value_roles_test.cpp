@@ -215,6 +215,16 @@ TEST_F(ValueRoles, ACompositeOfCompositesAddsUpTheSameAndOneOfItselfDoesNoHarm) 
   EXPECT_EQ(lines.substr(0, lines.find('\n')), "#1=IFCSWEPTDISKSOLID(#2,100.,$,0.,5.);");
 }
 
+TEST_F(ValueRoles, OnACompositeOfEndlessPartsAParameterStays) {
+  const std::string lines = Converted(
+      "#1=IFCSWEPTDISKSOLID(#2,0.1,$,0.,5.);\n#2=IFCCOMPOSITECURVE((#3,#3),.F.);\n"
+      "#3=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#4);\n"
+      "#4=IFCTRIMMEDCURVE(#5,(IFCPARAMETERVALUE(0.)),(IFCPARAMETERVALUE(1.E400)),.T.,"
+      ".PARAMETER.);\n#5=IFCCIRCLE(#6,1.);\n#6=IFCAXIS2PLACEMENT2D(#7,$);\n"
+      "#7=IFCCARTESIANPOINT((0.,0.));\n");
+  EXPECT_EQ(lines.substr(0, lines.find('\n')), "#1=IFCSWEPTDISKSOLID(#2,100.,$,0.,5.);");
+}
+
 TEST_F(ValueRoles, ParametersOfPointsAndSegmentsGoByTheirCurve) {
   const std::string circle =
       "#8=IFCCIRCLE(#9,1.);\n#9=IFCAXIS2PLACEMENT2D(#7,$);\n#7=IFCCARTESIANPOINT((0.,0.));\n";
