@@ -73,13 +73,21 @@ bool MapPlaces::HasMapOfFirst(const Model& model, const MapReading& reading) {
     Warn(model, u"its map conversion " + reading.problem + u"; it is not placed by the map");
   } else if (first_.reference) {
     const ReferenceSystem& system = reading.reference->system;
-    if (SameSystem(first_.reference->system, system)) return true;
+    if (SameSystem(first_.reference->system, system)) return IsPlace(model, *reading.reference);
     Warn(model, u"its reference system is '" + system.Name() + u"', and that of " + nameOfFirst_ +
                     u" is '" + first_.reference->system.Name() +
                     (BareName(system.Name()) == BareName(first_.reference->system.Name())
                          ? u"' with another datum or zone; it is not placed by the map"
                          : u"'; it is not placed by the map"));
   }
+  return false;
+}
+
+// Two places that are numbers may lie farther apart than any number.
+bool MapPlaces::IsPlace(const Model& model, const MapReference& reference) {
+  const Transform place = PlaceOn(first_.reference->First().frame, reference.First().frame).place;
+  if (std::isfinite(place.origin[0] + place.origin[1] + place.origin[2])) return true;
+  Warn(model, u"its map conversion holds what is no number; it is not placed by the map");
   return false;
 }
 

@@ -48,6 +48,7 @@ class MapPlaces {
   };
 
   bool HasMapOfFirst(const Model& model, const MapReading& reading);
+  bool IsPlace(const Model& model, const MapReference& reference);
   void TakePlaced(const Model& model, MapReference reference);
   void WarnOfDistortion(const Model& model, const MapReference& reference);
   void WarnOfNorth(const Model& model, const MapReference& reference);

@@ -281,6 +281,8 @@ TEST_F(PlacedModels, AConversionThatSaysNoPlaceIsWarnedOf) {
             warningsFor(MapOf("10.,20.,1.,$,$,$", "")));
   EXPECT_EQ("b.ifc: its map conversion scales by nothing, or by less" + notPlaced,
             warningsFor(MapOf("10.,20.,1.,$,$,0.")));
+  EXPECT_EQ("b.ifc: its map conversion holds what is no number" + notPlaced,
+            warningsFor(MapOf("1.E400,20.,1.,$,$,$")));
   EXPECT_EQ("b.ifc: its map conversion is in a unit that cannot be told" + notPlaced,
             warningsFor(MapOf("10.,20.,1.,$,$,$", "EPSG:1", "#6") +
                         Records{{6, "IFCSIUNIT", "*,.MASSUNIT.,$,.GRAM."}}));
@@ -288,6 +290,16 @@ TEST_F(PlacedModels, AConversionThatSaysNoPlaceIsWarnedOf) {
       "b.ifc: its map conversion is not the only one, and another says something else" + notPlaced,
       warningsFor(MapOf("10.,20.,1.,$,$,$") +
                   Records{{32, "IFCMAPCONVERSION", "#12,#30,11.,20.,1.,$,$,$"}}));
+}
+
+TEST_F(PlacedModels, PlacesFartherApartThanAnyNumberAreWarnedOf) {
+  Add(u"a.ifc", kWallAndContext + MapOf("-1.5E308,20.,1.,$,$,$"));
+  Add(u"b.ifc", kWallAndContext + MapOf("1.5E308,20.,1.,$,$,$"));
+  const std::string later = Lines(1);
+  Place();
+  EXPECT_EQ("b.ifc: its map conversion holds what is no number; it is not placed by the map\n",
+            Warnings());
+  EXPECT_EQ(later, Lines(1));
 }
 
 TEST_F(PlacedModels, AFirstModelWhoseConversionSaysNoPlaceIsWarnedOf) {
