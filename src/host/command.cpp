@@ -16,6 +16,7 @@
 #include "host/piped_files.h"
 #include "host/run_console.h"
 #include "host/savings.h"
+#include "host/shown_paths.h"
 #include "host/tree_command.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"
@@ -25,6 +26,8 @@
 namespace corvel::host {
 
 namespace {
+
+bool Tell(WideView text) { return platform::WriteStandardOutput(WithShownPaths(text)); }
 
 constexpr ExitStatus Status(bool good) {
   return good ? ExitStatus::kDone : ExitStatus::kNothingWritten;
@@ -51,18 +54,17 @@ ExitStatus RunModels(const CommandLine& line) {
   const ExitStatus status = run.Run();
   console.TellEnd(static_cast<int>(status));
   if (line.isDryRun) {
-    const bool isTold = run.Report() == nullptr || run.Report()->inputs.empty() ||
-                        platform::WriteStandardOutput(DryRunText(*run.Report()));
+    const bool isTold =
+        run.Report() == nullptr || run.Report()->inputs.empty() || Tell(DryRunText(*run.Report()));
     return isTold ? status : ExitStatus::kNothingWritten;
   }
   if (line.quiet || line.outputIsPiped) return status;
   if (status == ExitStatus::kDone) {
-    platform::WriteStandardOutput(Printable(line.output) + u" was written.\n");
+    Tell(Printable(line.output) + u" was written.\n");
   }
   if (line.command == Command::kOptimise && run.Result().written) {
-    platform::WriteStandardOutput(
-        SavingsAsText({run.Result().recordsRead, run.Result().recordsWritten},
-                      {BytesOfModel(line.inputs.front()), BytesOfModel(line.output)}));
+    Tell(SavingsAsText({run.Result().recordsRead, run.Result().recordsWritten},
+                       {BytesOfModel(line.inputs.front()), BytesOfModel(line.output)}));
   }
   return status;
 }
@@ -85,10 +87,10 @@ ExitStatus RunInfo(const CommandLine& line) {
     if (line.json) {
       files.push_back(std::move(facts));
     } else if (facts.bytes != 0) {
-      good = platform::WriteStandardOutput(FactsAsText(facts)) && good;
+      good = Tell(FactsAsText(facts)) && good;
     }
   }
-  if (line.json) good = platform::WriteStandardOutput(FromUtf8(FactsAsJson(files))) && good;
+  if (line.json) good = Tell(FromUtf8(FactsAsJson(files))) && good;
   return Status(good);
 }
 
@@ -101,7 +103,7 @@ class BlockOutput {
     return block_.size() < kBlock || Flush();
   }
   bool Flush() {
-    good_ = good_ && platform::WriteStandardOutput(block_);
+    good_ = good_ && Tell(block_);
     block_.clear();
     return good_;
   }
@@ -148,7 +150,7 @@ ExitStatus RunDiff(const CommandLine& line) {
 
 ExitStatus Explain(const std::string& name) {
   if (const Rule* const rule = FindRule(name)) {
-    return Status(platform::WriteStandardOutput(ExplanationOf(*rule)));
+    return Status(Tell(ExplanationOf(*rule)));
   }
   RunConsole(RunConsole::StandardError(false))
       .Say(u"check: there is no rule '" + FromUtf8(name) + u"'. There are:\n" + ListOfRules());
@@ -206,9 +208,7 @@ ExitStatus Run(const CommandLine& line) {
   return PipedFiles::AreIn(line) ? RunInPipes(line) : RunOnFiles(line);
 }
 
-ExitStatus Run(const Explanation& explanation) {
-  return Status(platform::WriteStandardOutput(explanation.text));
-}
+ExitStatus Run(const Explanation& explanation) { return Status(Tell(explanation.text)); }
 
 ExitStatus Run(const UsageError& error) {
   RunConsole(RunConsole::StandardError(false)).Say(error.text);

@@ -8,6 +8,7 @@
 #include <system_error>
 #include <vector>
 
+#include "host/shown_paths.h"
 #include "platform/console.h"
 #include "platform/file.h"
 #include "platform/locked_file.h"
@@ -93,6 +94,7 @@ std::optional<WideString> PipedFiles::Spool(WideString& input) {
       if (count == 0) return u"standard input is empty";
       const bool packed = IsPacked({block.data(), count});
       input = folder_ + (packed ? u"/stdin.ifczip" : u"/stdin.ifc");
+      ShowPathAs(input, u"standard input");
       if (!file.Open(input, platform::OpenMode::kWrite)) return unkept;
     }
     if (file.Write(block.data(), count) != count) return unkept;

@@ -6,6 +6,7 @@
 
 #include "core/cancellation.h"
 #include "host/display_text.h"
+#include "host/shown_paths.h"
 #include "platform/console.h"
 #include "platform/terminal.h"
 
@@ -21,7 +22,7 @@ WideView WithoutBlankEnd(WideView text) {
 }  // namespace
 
 RunConsole::Output RunConsole::StandardError(bool mayDraw, bool tellsPrograms) {
-  return {[](WideView text) { platform::WriteStandardError(text); },
+  return {[](WideView text) { platform::WriteStandardError(WithShownPaths(text)); },
           [] { return platform::TerminalColumns(); },
           mayDraw && !tellsPrograms && platform::CanDrawOnTerminal(), tellsPrograms};
 }

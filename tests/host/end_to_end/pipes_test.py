@@ -7,8 +7,8 @@ import subprocess
 import unittest
 import zipfile
 
-from support import (CANCELLED, DONE, LONGEST_RUN, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM, WRONG_USAGE,
-                     CorvelTest, is_ready, project, wall)
+from support import (CANCELLED, DONE, LONGEST_RUN, NOTHING_WRITTEN, ON_WINDOWS, PROGRAM,
+                     WITH_REPORTS, WRONG_USAGE, CorvelTest, is_ready, project, wall)
 
 GUIDS = ('2O2Fr$t4X7Zf8NOew3FLOH', '1hqIFTRjfV6AWq_bMtnZwI')
 MODEL = project(*wall(10, GUIDS[0]))
@@ -63,6 +63,54 @@ class Pipes(CorvelTest):
         self.assertIn(GUIDS[0].encode(), out)
         self.assertEqual(DONE, self.piped(MODEL, 'diff', 'a.ifc', '-')[0])
         self.assertEqual(DONE, self.piped(MODEL, 'info', '-')[0])
+
+    # Each command that reads a model, and where it writes one to.
+    READING = (('resave', '-', 'o.ifc'), ('optimise', '-', 'o.ifc'), ('extract', '-', '-o', 'o.ifc'),
+               ('merge', '-', 'a.ifc', '-o', 'o.ifc'), ('merge', 'a.ifc', '-', '-o', 'o.ifc'),
+               ('info', '-'), ('tree', '-'), ('check', '-'), ('diff', '-', 'a.ifc'),
+               ('diff', 'a.ifc', '-'))
+    WRITING = (('resave', 'a.ifc', '-'), ('optimise', 'a.ifc', '-'), ('extract', 'a.ifc', '-o', '-'),
+               ('merge', 'a.ifc', 'b.ifc', '-o', '-'))
+
+    def test_every_command_takes_one_and_says_so_when_there_is_nothing(self):
+        for words in self.READING:
+            with self.subTest(words):
+                self.write('a.ifc', project(*wall(10, GUIDS[1])))
+                status, _, err = self.piped(MODEL, *words)
+                self.assertIn(status, (DONE, WITH_REPORTS), err)
+                self.assertEqual((NOTHING_WRITTEN, b'', 'corvel: standard input is empty\n'),
+                                 self.piped(b'', *words))
+
+    def test_what_is_told_of_it_calls_it_by_its_name(self):
+        self.write('a.ifc', MODEL)
+        broken = MODEL[:MODEL.index(b'IFCWALL') + 4]
+        for words in self.READING:
+            with self.subTest(words):
+                status, out, err = self.piped(broken, *words)
+                self.assertNotEqual(DONE, status if words[0] != 'tree' else NOTHING_WRITTEN)
+                self.assertNotIn('stdin', out.decode() + err)
+                if words[0] not in ('check', 'info', 'tree'):
+                    self.assertIn('corvel: standard input: ', err)
+        for words in (('diff', '-', 'a.ifc'), ('diff', '--json', 'a.ifc', '-'), ('info', '-'),
+                      ('info', '--json', '-'), ('check', '-'), ('check', '--json', '-')):
+            with self.subTest(words):
+                out = self.piped(MODEL, *words)[1]
+                self.assertIn(b'standard input', out)
+                self.assertNotIn(b'stdin', out)
+
+    def test_who_takes_no_more_is_no_success(self):
+        for name, guid in zip(('a.ifc', 'b.ifc'), GUIDS):
+            self.write(name, project(*wall(10, guid)))
+        for words in self.WRITING:
+            with self.subTest(words):
+                reading, writing = os.pipe()
+                os.close(reading)
+                with os.fdopen(writing, 'wb') as closed:
+                    ended = subprocess.run([PROGRAM, *words], stdout=closed, check=False,
+                                           stderr=subprocess.PIPE, cwd=self.folder)
+                self.assertEqual((NOTHING_WRITTEN, b'corvel: standard output did not take the whole '
+                                  b'model\n'),
+                                 (ended.returncode, ended.stderr.replace(b'\r\n', b'\n')))
 
     @unittest.skipIf(ON_WINDOWS, 'there is no such signal')
     def test_an_interrupt_ends_the_waiting_for_more(self):
@@ -124,6 +172,28 @@ class Lists(CorvelTest):
         self.assert_ended(self.run_corvel('merge', '--files0-from', 'list', '-o', 'out.ifc'),
                           WRONG_USAGE, err=('corvel: merge: two files or more are needed, and 1 is '
                                             "given\nSee 'corvel merge --help'.\n"))
+
+    def test_an_empty_name_in_a_list_is_wrong_usage(self):
+        self.write('list', b'models/a.ifc\0\0models/b.ifc\0')
+        for command in ('info', 'check'):
+            self.assert_ended(self.run_corvel(command, '--files0-from', 'list'), WRONG_USAGE, err=(
+                f"corvel: {command}: --files0-from: 'list' has an empty name\n"
+                f"See 'corvel {command} --help'.\n"))
+
+    def test_an_entry_that_cannot_be_read_is_told_and_the_others_are_shown(self):
+        os.mkdir(self.path('folder'))
+        self.write('list', b'models/a.ifc\0none.ifc\0folder\0models/b.ifc\0')
+        ended = self.run_corvel('info', '--files0-from', 'list')
+        self.assert_ended(ended, NOTHING_WRITTEN, err=(
+            'corvel: none.ifc: there is no such file\n'
+            'corvel: folder: this is a folder, not a model\n'))
+        for name in ('a.ifc', 'b.ifc'):
+            self.assertIn(f'models/{name}', ended.out)
+        self.assert_ended(self.run_corvel('merge', '--files0-from', 'list', '-o', 'out.ifc'),
+                          NOTHING_WRITTEN, err=('corvel: none.ifc: there is no such file\n'
+                                                'corvel: folder: this is a folder, not a model\n'
+                                                'corvel: Nothing was written.\n'))
+        self.assertFalse(os.path.exists(self.path('out.ifc')))
 
     def test_a_list_that_is_missing_is_wrong_usage(self):
         self.assert_ended(self.run_corvel('info', '--files0-from', 'none'), WRONG_USAGE, err=(
