@@ -3,31 +3,21 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
-#include "merge/federation/per_class.h"
+#include "merge/federation/shared_guids.h"
 #include "schema/registry.h"
 #include "step/reader/parser.h"
 
 namespace corvel {
 
-namespace {
-
-enum class Family : std::uint8_t { kOther, kRoot, kResource };
-
-Family FamilyOf(IFC::IfcEntity& entity, const ClassFacts* facts) {
-  if (EntityCast<IFC::VirtualIfcRoot>(&entity) != nullptr) return Family::kRoot;
-  for (const char* const resource :
-       {"IfcRepresentationContext", "IfcCoordinateOperation", "IfcApplication"}) {
-    if (IsOrIsBelow(facts, resource)) return Family::kResource;
+FederatedModel::FederatedModel(std::vector<IfcDocument*> documents,
+                               std::vector<std::shared_ptr<SortedObjects>> records)
+    : documents_(std::move(documents)), sorted_(documents_.size()) {
+  // What was made for a later model since then is among its objects too.
+  for (std::size_t input = 0; input < records.size(); ++input) {
+    if (ObjectsOf(input).SharesAllWith(RecordsOf(input)))
+      sorted_[input] = std::move(records[input]);
   }
-  return Family::kOther;
 }
-
-}  // namespace
-
-FederatedModel::FederatedModel(std::vector<IfcDocument*> documents)
-    : documents_(std::move(documents)), sorted_(documents_.size()) {}
 
 std::optional<SchemaNamespace> FederatedModel::Release() const {
   const FactoryTable* const classes = Merged().GetParser().factories;
@@ -109,19 +99,25 @@ const NumberTable& FederatedModel::RecordsOf(std::size_t input) const {
                     : merged.absorbedContainers[input - 1]->originalEntities;
 }
 
-const FederatedModel::Sorted& FederatedModel::SortedOf(std::size_t input) const {
-  std::optional<Sorted>& sorted = sorted_[input];
-  if (sorted) return *sorted;
-  sorted.emplace();
-  PerClass<Family> families;
-  for (const auto& [number, entity] : ObjectsOf(input)) {
-    const Family family = families.Of(*entity, [&, object = entity](const ClassFacts* facts) {
-      return FamilyOf(*object, facts);
-    });
-    if (family == Family::kRoot) sorted->roots.push_back(entity);
-    if (family == Family::kResource) sorted->resources.push_back(entity);
-  }
+SortedObjects& FederatedModel::SortedOf(std::size_t input) const {
+  std::shared_ptr<SortedObjects>& sorted = sorted_[input];
+  if (sorted == nullptr) sorted = std::make_shared<SortedObjects>(ObjectsOf(input));
   return *sorted;
+}
+
+const std::vector<IFC::IfcEntity*>& FederatedModel::HoldersOfSharedGuids() const {
+  if (holdersOfSharedGuids_) return *holdersOfSharedGuids_;
+  std::vector<IFC::IfcEntity*> roots;
+  std::vector<std::uint64_t> hashes;
+  for (std::size_t input = 0; input < InputCount(); ++input) {
+    SortedObjects& sorted = SortedOf(input);
+    roots.insert(roots.end(), sorted.Roots().begin(), sorted.Roots().end());
+    const std::vector<std::uint64_t>& more = sorted.GuidHashes();
+    hashes.insert(hashes.end(), more.begin(), more.end());
+  }
+  std::vector<IFC::IfcEntity*> repeated;
+  for (const std::size_t place : PlacesOfRepeated(hashes)) repeated.push_back(roots[place]);
+  return holdersOfSharedGuids_.emplace(corvel::HoldersOfSharedGuids(repeated));
 }
 
 std::size_t FederatedModel::ObjectCount() const {

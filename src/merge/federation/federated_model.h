@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -11,6 +12,8 @@
 #include "core/main_container.h"
 #include "core/ticker.h"
 #include "merge/document.h"
+#include "merge/federation/prefetch_object.h"
+#include "merge/federation/sorted_objects.h"
 #include "step/factories.h"
 
 namespace corvel {
@@ -20,8 +23,9 @@ namespace corvel {
 class FederatedModel {
  public:
   // `documents`: all that were folded into the first, in their order, the first included. All are
-  // borrowed.
-  explicit FederatedModel(std::vector<IfcDocument*> documents);
+  // borrowed. `records`: those of each, as they were sorted before the fold; empty: they were not.
+  explicit FederatedModel(std::vector<IfcDocument*> documents,
+                          std::vector<std::shared_ptr<SortedObjects>> records = {});
   FederatedModel(const FederatedModel&) = delete;
   FederatedModel& operator=(const FederatedModel&) = delete;
 
@@ -83,50 +87,62 @@ class FederatedModel {
   // As ForEachOf, with those alone that have a GUID. They are looked for once, whoever asks.
   template <class Action>
   bool ForEachRootOf(std::size_t input, Ticker& ticker, Action action) const {
-    return ForEachRoot(input, ticker, [&](IFC::IfcEntity& entity) {
+    return ForEachRootOf(
+        input, ticker, [](const ClassFacts*) { return true; }, action);
+  }
+  // As ForEachRootOf, with those alone of whose class isWanted(facts) is true. It is asked once for
+  // each class, with null for one of no release; objects of other classes cost next to nothing.
+  template <class IsWanted, class Action>
+  bool ForEachRootOf(std::size_t input, Ticker& ticker, IsWanted isWanted, Action action) const {
+    return ForEachRoot(input, ticker, isWanted, [&](IFC::IfcEntity& entity) {
       if (Contains(entity)) action(entity);
     });
   }
   // As ForEachRootOf, also with those that gave way: `action` gets what stands for them.
-  template <class Action>
-  bool ForEachRootWithSurvivorsOf(std::size_t input, Ticker& ticker, Action action) const {
-    return ForEachRoot(input, ticker, [&](IFC::IfcEntity& entity) {
+  template <class IsWanted, class Action>
+  bool ForEachRootWithSurvivorsOf(std::size_t input, Ticker& ticker, IsWanted isWanted,
+                                  Action action) const {
+    return ForEachRoot(input, ticker, isWanted, [&](IFC::IfcEntity& entity) {
       if (IFC::IfcEntity* const there = InModel(&entity)) action(*there);
     });
   }
   // As ForEachRootOf, also with those that were left out or gave way.
-  template <class Action>
-  bool ForEachRootThatCameWith(std::size_t input, Ticker& ticker, Action action) const {
-    return ForEachRoot(input, ticker, action);
+  template <class IsWanted, class Action>
+  bool ForEachRootThatCameWith(std::size_t input, Ticker& ticker, IsWanted isWanted,
+                               Action action) const {
+    return ForEachRoot(input, ticker, isWanted, action);
   }
   // Calls `action` with the contexts, coordinate operations and applications of an input that are
   // in the model: few objects, which are looked for along with those that have a GUID.
   template <class Action>
   void ForEachResourceOf(std::size_t input, Action action) const {
-    for (IFC::IfcEntity* const entity : SortedOf(input).resources) {
+    for (IFC::IfcEntity* const entity : SortedOf(input).Resources()) {
       if (Contains(*entity)) action(*entity);
     }
   }
+  // Of the objects with a GUID that came with any input, whatever became of them: those whose GUID
+  // another one has. In the order of the inputs and their numbers. Good until a GUID is changed.
+  const std::vector<IFC::IfcEntity*>& HoldersOfSharedGuids() const;
   // Objects of all inputs, for the ticks of a loop over them.
   std::size_t ObjectCount() const;
 
  private:
   IFC::IfcEntity* LastSurvivor(IFC::IfcEntity* entity) const;
   const NumberTable& ObjectsOf(std::size_t input) const;
-  // Of the objects of an input, whether they are in the model or not, in ascending number.
-  struct Sorted {
-    std::vector<IFC::IfcEntity*> roots;
-    std::vector<IFC::IfcEntity*> resources;
-  };
-  const Sorted& SortedOf(std::size_t input) const;
+  // Of the objects of an input, whether they are in the model or not.
+  SortedObjects& SortedOf(std::size_t input) const;
 
   // All of them; they are as many pieces for `ticker` as the input has objects.
-  template <class Action>
-  bool ForEachRoot(std::size_t input, Ticker& ticker, Action action) const {
-    const std::vector<IFC::IfcEntity*>& roots = SortedOf(input).roots;
+  template <class IsWanted, class Action>
+  bool ForEachRoot(std::size_t input, Ticker& ticker, IsWanted isWanted, Action action) const {
+    const SortedObjects& sorted = SortedOf(input);
+    const std::vector<IFC::IfcEntity*>& roots = sorted.Roots();
+    const SortedObjects::Classes wanted = sorted.ClassesThat(isWanted);
     const std::size_t pieces = roots.empty() ? 0 : ObjectsOf(input).Size() / roots.size();
-    for (IFC::IfcEntity* const entity : roots) {
-      action(*entity);
+    for (std::size_t i = 0; i < roots.size(); ++i) {
+      const std::size_t ahead = i + kObjectsAhead;
+      if (ahead < roots.size() && wanted.HasThatOf(ahead)) PrefetchObject(roots[ahead]);
+      if (wanted.HasThatOf(i)) action(*roots[i]);
       if (!ticker.Advance(pieces)) return false;
     }
     return true;
@@ -134,7 +150,8 @@ class FederatedModel {
 
   std::vector<IfcDocument*> documents_;
   // By input; nothing before somebody asked.
-  mutable std::vector<std::optional<Sorted>> sorted_;
+  mutable std::vector<std::shared_ptr<SortedObjects>> sorted_;
+  mutable std::optional<std::vector<IFC::IfcEntity*>> holdersOfSharedGuids_;
   std::vector<IFC::IfcEntity*> madeRoots_;
   // By who gave way. A survivor may give way in turn.
   std::unordered_map<IFC::IfcEntity*, IFC::IfcEntity*> survivors_;

@@ -1,7 +1,5 @@
 #include "merge/federation/federation.h"
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
 #include "core/ticker.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
@@ -26,15 +24,6 @@ namespace {
 constexpr std::size_t kTicksOfStep = 50;
 
 void Log(const WideString& text) { IfcLog::Instance().LogLine(text); }
-
-// The objects with a GUID, in ascending number.
-std::vector<IFC::IfcEntity*> RootsIn(const IFC::MainContainer& container) {
-  std::vector<IFC::IfcEntity*> roots;
-  for (const auto& [number, entity] : container.originalEntities) {
-    if (EntityCast<IFC::VirtualIfcRoot>(entity) != nullptr) roots.push_back(entity);
-  }
-  return roots;
-}
 
 WideString Count(std::size_t count) { return Widen(std::to_string(count)); }
 
@@ -217,12 +206,13 @@ PreparedFederation PrepareFederation(const std::vector<IfcDocument*>& documents,
   if (!matchesTrees && !renewsGuids) return prepared;
   for (std::size_t input = 0; input < documents.size(); ++input) {
     IFC::MainContainer& container = *documents[input]->mainContainer;
-    const std::vector<IFC::IfcEntity*> roots = RootsIn(container);
-    if (matchesTrees) NoteSpatialGuids(roots, prepared.guids);
+    prepared.records.push_back(std::make_shared<SortedObjects>(container.originalEntities));
+    SortedObjects& records = *prepared.records.back();
+    if (matchesTrees) NoteSpatialGuids(records, prepared.guids);
     if (!renewsGuids) continue;
     // Inputs that are to be joined get the same GUIDs where they are the same.
     const std::size_t position = choices.guids == GuidHandling::kJoin ? 0 : input;
-    const std::size_t renewed = RenewGuidsWithin(container, roots, position);
+    const std::size_t renewed = RenewGuidsWithin(container, records, position);
     if (renewed != 0) {
       Log(u"GUIDs renewed within " + documents[input]->getFilePath() + u": " + Count(renewed));
     }
@@ -234,7 +224,7 @@ bool RunFederation(const std::vector<IfcDocument*>& documents, const FederationC
                    const PreparedFederation& prepared, ErrorReporter showError,
                    ProgressCallback progress, RunObserver* observer) {
   if (!choices.ChangeModel()) return true;
-  FederatedModel model(documents);
+  FederatedModel model(documents, prepared.records);
   Steps steps(model, progress, observer);
   if (choices.placeByMap && !steps.DropConversions(prepared.oneMap)) return false;
   if (choices.joinContexts && !steps.JoinContexts(prepared.oneMap)) return false;

@@ -1,12 +1,14 @@
 // The steps that make one building of several models, in the order in which they work.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "core/reporting.h"
 #include "merge/document.h"
 #include "merge/federation/choices.h"
 #include "merge/federation/place/map_places.h"
+#include "merge/federation/sorted_objects.h"
 #include "merge/federation/tree/spatial_structure.h"
 #include "merge/run_observer.h"
 
@@ -16,6 +18,8 @@ namespace corvel {
 struct PreparedFederation {
   GuidsAsRead guids;
   OneMap oneMap;  // where models were placed
+  // The records of each model; empty when nobody had to look for them.
+  std::vector<std::shared_ptr<SortedObjects>> records;
 };
 
 // Before the models are folded: what has to be seen in each by itself. The documents have their

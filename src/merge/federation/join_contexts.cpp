@@ -8,6 +8,8 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "core/entity_cast.h"
+#include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/map_properties.h"
 #include "merge/federation/same_value.h"
@@ -119,6 +121,11 @@ class ContextJoiner {
     return IsOrIsBelow(facts, "IfcPropertySet") ? Family::kPropertySet : Family::kOther;
   }
 
+  static bool HasNameOfMapProperties(IFC::IfcEntity& propertySet) {
+    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&propertySet);
+    return root != nullptr && IsNameOfMapProperties(root->getName());
+  }
+
   void Note(IFC::IfcEntity& entity) {
     const Family family = families_.Of(entity, FamilyOf);
     if (family == Family::kSubContext) {
@@ -127,7 +134,7 @@ class ContextJoiner {
       contexts_.push_back(&entity);
     } else if (family == Family::kConversion) {
       conversions_[ReferenceOf(entity, "SourceCRS")].push_back(&entity);
-    } else if (family == Family::kPropertySet && IsNameOfMapProperties(TextOf(entity, "Name"))) {
+    } else if (family == Family::kPropertySet && HasNameOfMapProperties(entity)) {
       const EntityList* const properties = ReferencesOf(entity, "HasProperties");
       if (properties == nullptr) return;
       mapProperties_.insert(mapProperties_.end(), properties->begin(), properties->end());
@@ -143,7 +150,10 @@ class ContextJoiner {
     metresPerUnit_ = 1.0 / LengthUnitsPerMetre(units, SayNothing);
     const auto note = [this](IFC::IfcEntity& entity) { Note(entity); };
     model_.ForEachResourceOf(input, note);
-    const bool goesOn = model_.ForEachRootOf(input, ticker, note);
+    const auto isOfInterest = [](const ClassFacts* facts) {
+      return FamilyOf(facts) != Family::kOther;
+    };
+    const bool goesOn = model_.ForEachRootOf(input, ticker, isOfInterest, note);
     const auto byName = [](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
       return TextOf(*one, "Name") < TextOf(*other, "Name");
     };

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "core/entity_cast.h"
-#include "core/guid_table.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/equality/equal_pairs.h"
+#include "merge/federation/shared_guids.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "schema/interfaces/product.h"
 
@@ -25,13 +26,15 @@ class ObjectJoiner {
       : model_(model), counts_(counts), contents_(model), belongings_(model.Release(), shared_) {}
 
   bool Run(Ticker& ticker) {
-    if (!FindShared(ticker)) return false;
+    FindShared();
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       objects_.clear();
       JoinApplications(input);
       const bool goesOn =
           shared_.empty() ||
-          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& root) { Gather(root); });
+          model_.ForEachRootOf(
+              input, ticker, [this](const ClassFacts* facts) { return IsOfInterest(facts); },
+              [this](IFC::IfcEntity& root) { Gather(root); });
       if (!goesOn) return false;
       const IFC::IfcEntity* const units = model_.Document(input).getIfcUnitAssignment();
       if (input != 0) Join(MetresPerLengthUnit(units));
@@ -48,19 +51,20 @@ class ObjectJoiner {
   }
 
   // All that have their GUID with others, in any input.
-  bool FindShared(Ticker& ticker) {
-    GuidTable holders;
-    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {
-        const std::string_view guid = GuidOf(entity);
-        if (guid.empty() || entity.carries || isRelation_.IsTrueOf(entity)) return;
-        if (holders.Enter(guid, EntityCast<IFC::VirtualIfcRoot>(&entity))) return;
-        shared_.insert(&entity);
-        shared_.insert(holders.Find(guid));
-      });
-      if (!goesOn) return false;
+  void FindShared() {
+    std::vector<IFC::IfcEntity*> objects = model_.HoldersOfSharedGuids();
+    std::erase_if(objects, [this](IFC::IfcEntity* object) {
+      return !model_.Contains(*object) || object->carries || isRelation_.IsTrueOf(*object);
+    });
+    for (const IFC::IfcEntity* const holder : HoldersOfSharedGuids(objects)) {
+      shared_.insert(holder);
+      classesOfShared_.insert(FindFacts(*holder));
     }
-    return true;
+  }
+
+  bool IsOfInterest(const ClassFacts* facts) const {
+    return classesOfShared_.contains(facts) || belongings_.MayTie(facts) ||
+           IsOrIsBelow(facts, "IfcProduct");
   }
 
   void Gather(IFC::IfcEntity& root) {
@@ -134,6 +138,7 @@ class ObjectJoiner {
   JoinedObjects& counts_;
   ObjectContents contents_;
   Belongings::Objects shared_;
+  std::unordered_set<const ClassFacts*> classesOfShared_;
   Belongings belongings_;
   ClassQuestion isRelation_{"IfcRelationship"};
   ClassQuestion isApplication_{"IfcApplication"};

@@ -1,5 +1,6 @@
 #include "merge/federation/lost_hosts.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 #include <vector>
@@ -22,9 +23,14 @@ class HostSearch {
   explicit HostSearch(FederatedModel& model) : model_(model), bounds_(model.Release()) {}
 
   bool Run(Ticker& ticker, std::size_t& deleted) {
+    const auto isDemanded = [this](const ClassFacts* facts) {
+      const std::vector<Bound> bounds = bounds_.BoundsOf(facts);
+      return std::any_of(bounds.begin(), bounds.end(),
+                         [](const Bound& bound) { return bound.facts->least != 0; });
+    };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       const bool goesOn = model_.ForEachRootThatCameWith(
-          input, ticker, [this](IFC::IfcEntity& entity) { LookAt(entity); });
+          input, ticker, isDemanded, [this](IFC::IfcEntity& entity) { LookAt(entity); });
       if (!goesOn) return false;
     }
     MendedRelations counts;

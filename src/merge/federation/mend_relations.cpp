@@ -1,7 +1,5 @@
 #include "merge/federation/mend_relations.h"
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
 #include "merge/federation/prune.h"
 #include "merge/federation/relations/bounded_relations.h"
 #include "merge/federation/relations/property_sets.h"
@@ -9,22 +7,9 @@
 
 namespace corvel {
 
-namespace {
-
-// Those that may stand in a relation or have one.
-Survivors RootsThatSurvived(const FederatedModel& model) {
-  Survivors survivors;
-  model.ForEachThatGaveWay([&](const IFC::IfcEntity& /*gone*/, IFC::IfcEntity& survivor) {
-    if (EntityCast<IFC::VirtualIfcRoot>(&survivor) != nullptr) survivors.insert(&survivor);
-  });
-  return survivors;
-}
-
-}  // namespace
-
 bool MendRelations(FederatedModel& model, Ticker& ticker, MendedRelations& mended) {
-  const Survivors survivors = RootsThatSurvived(model);
-  if (survivors.empty()) return true;
+  const Survivors survivors(model);
+  if (survivors.IsEmpty()) return true;
   BoundsOfRelations bounds(model.Release());
   RelationEdits edits(model, mended);
   return KeepWithinBounds(model, survivors, bounds, edits, mended, ticker) &&

@@ -43,25 +43,34 @@ class Pruner {
   // `pointing` describes `described`. Sorted by address, to be found: what is done with those that
   // are found does not depend on their order.
   struct Pointer {
-    const IFC::IfcEntity* described = nullptr;
+    IFC::IfcEntity* described = nullptr;
     IFC::IfcEntity* pointing = nullptr;
   };
 
   void MarkKept() {
+    for (const Pointer& pointer : pointers_) pointer.described->visitStamp = described_;
     for (IFC::IfcEntity* const root : roots_) Keep(root);
     KeepAllThatWaits();
   }
 
   void KeepAllThatWaits() {
-    while (!waiting_.empty()) {
-      IFC::IfcEntity* const entity = waiting_.back();
-      waiting_.pop_back();
-      if (entity->visitStamp == whole_) {
-        KeepChildren(*entity);
-      } else {
-        KeepAllButDescribed(*entity);
-      }
-      KeepPointersTo(*entity);
+    do {
+      while (!waiting_.empty()) KeepReferred(*TakeBack(waiting_));
+      if (!waitingDescribed_.empty()) KeepPointersTo(*TakeBack(waitingDescribed_));
+    } while (!waiting_.empty() || !waitingDescribed_.empty());
+  }
+
+  static IFC::IfcEntity* TakeBack(std::vector<IFC::IfcEntity*>& waiting) {
+    IFC::IfcEntity* const entity = waiting.back();
+    waiting.pop_back();
+    return entity;
+  }
+
+  void KeepReferred(IFC::IfcEntity& entity) {
+    if (entity.visitStamp == whole_) {
+      KeepChildren(entity);
+    } else {
+      KeepAllButDescribed(entity);
     }
   }
 
@@ -138,7 +147,7 @@ class Pruner {
     }
     for (const AttributeFacts* const facts : pointing_.DescribedBy(entity)) {
       Attribute(entity, *facts).ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* described) {
-        if (const auto* const there = InModel(described)) pointers_.push_back({there, &entity});
+        if (auto* const there = InModel(described)) pointers_.push_back({there, &entity});
       });
     }
   }
@@ -158,17 +167,23 @@ class Pruner {
     if (entity->visitStamp == whole_) return;
     IFC::IfcEntity* const there = InModel(entity);
     if (there == nullptr || there->visitStamp == whole_) return;
-    there->visitStamp = whole_;
-    waiting_.push_back(there);
+    Mark(*there, whole_);
+  }
+
+  // What points at it has its turn later, if there is anything.
+  void Mark(IFC::IfcEntity& entity, std::uint32_t stamp) {
+    if (entity.visitStamp == described_) waitingDescribed_.push_back(&entity);
+    entity.visitStamp = stamp;
+    waiting_.push_back(&entity);
   }
 
   void KeepChildren(const IFC::IfcEntity& entity) {
     entity.CollectAllChildren(children_);
-    while (!children_.IsEmpty()) KeepReferred(children_.TakeBack().entity);
+    while (!children_.IsEmpty()) KeepChild(children_.TakeBack().entity);
   }
 
   // A value in a record is no object of the model, but may refer to some.
-  void KeepReferred(IFC::IfcEntity* entity) {
+  void KeepChild(IFC::IfcEntity* entity) {
     if (entity == nullptr) return;
     if (entity->inlineValue) {
       entity->CollectAllChildren(children_);
@@ -189,9 +204,7 @@ class Pruner {
 
   void KeepPointersTo(const IFC::IfcEntity& described) {
     ForEachPointerTo(described, [this](IFC::IfcEntity& pointing) {
-      if (IsKept(pointing)) return;
-      pointing.visitStamp = asPointer_;
-      waiting_.push_back(&pointing);
+      if (!IsKept(pointing)) Mark(pointing, asPointer_);
     });
   }
 
@@ -202,8 +215,8 @@ class Pruner {
       if (std::find(described.begin(), described.end(), &attribute.Facts()) != described.end()) {
         continue;
       }
-      attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { KeepReferred(child); });
-      while (!children_.IsEmpty()) KeepReferred(children_.TakeBack().entity);
+      attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { KeepChild(child); });
+      while (!children_.IsEmpty()) KeepChild(children_.TakeBack().entity);
     }
   }
 
@@ -212,10 +225,12 @@ class Pruner {
   PerClass<bool> isRoot_;
   std::vector<IFC::IfcEntity*> roots_;
   std::vector<Pointer> pointers_;
-  std::vector<IFC::IfcEntity*> waiting_;
+  std::vector<IFC::IfcEntity*> waiting_;           // what they refer to is to be kept
+  std::vector<IFC::IfcEntity*> waitingDescribed_;  // what points at them is to be kept
   IFC::ChildQueue children_;
   std::uint32_t whole_ = IFC::NextVisitGeneration();
   std::uint32_t asPointer_ = IFC::NextVisitGeneration();
+  std::uint32_t described_ = IFC::NextVisitGeneration();  // by a pointer, and not kept yet
 };
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "merge/federation/renew_guids.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -8,6 +7,7 @@
 #include "core/guid.h"
 #include "core/guid_table.h"
 #include "core/root_interfaces.h"
+#include "merge/federation/shared_guids.h"
 
 namespace corvel {
 
@@ -45,16 +45,29 @@ class MetGuids {
 
 }  // namespace
 
-std::size_t RenewGuidsWithin(IFC::MainContainer& container,
-                             const std::vector<IFC::IfcEntity*>& roots, std::size_t input) {
+std::size_t RenewGuidsWithin(IFC::MainContainer& container, SortedObjects& records,
+                             std::size_t input) {
+  const std::vector<IFC::IfcEntity*>& roots = records.Roots();
+  const auto isKept = [](const IFC::IfcEntity& root) { return root.marker != IFC::kDeleted; };
+  std::vector<IFC::IfcEntity*> repeated;
+  for (const std::size_t place : PlacesOfRepeated(records.GuidHashes())) {
+    if (isKept(*roots[place])) repeated.push_back(roots[place]);
+  }
+  if (HoldersOfSharedGuids(repeated).empty()) return 0;
   MetGuids met(container);
-  return static_cast<std::size_t>(
-      std::count_if(roots.begin(), roots.end(), [&](IFC::IfcEntity* const root) {
-        return root->marker != IFC::kDeleted && met.Meet(*root, input);
-      }));
+  std::size_t renewed = 0;
+  for (std::size_t i = 0; i < roots.size(); ++i) {
+    if (!isKept(*roots[i]) || !met.Meet(*roots[i], input)) continue;
+    records.NoteNewGuid(i);
+    ++renewed;
+  }
+  return renewed;
 }
 
 bool RenewGuids(FederatedModel& model, Ticker& ticker, std::vector<RenewedGuid>& renewed) {
+  std::vector<IFC::IfcEntity*> holders = model.HoldersOfSharedGuids();
+  std::erase_if(holders, [&](const IFC::IfcEntity* holder) { return !model.Contains(*holder); });
+  if (HoldersOfSharedGuids(holders).empty()) return true;
   MetGuids met(model.Container());
   for (std::size_t input = 0; input < model.InputCount(); ++input) {
     const bool goesOn = model.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {

@@ -10,11 +10,11 @@
 namespace corvel {
 
 // The objects of one input among themselves: each but the first (by number) of those that share a
-// GUID gets another one. `roots`: those with a GUID, in ascending number; `input` is the position
+// GUID gets another one. `records` are its own; `input` is the position
 // of the model. Before the fold, which would give them GUIDs by chance. Gives the number of objects
 // that got one.
-std::size_t RenewGuidsWithin(IFC::MainContainer& container,
-                             const std::vector<IFC::IfcEntity*>& roots, std::size_t input);
+std::size_t RenewGuidsWithin(IFC::MainContainer& container, SortedObjects& records,
+                             std::size_t input);
 
 struct RenewedGuid {
   IFC::IfcEntity* object = nullptr;

@@ -20,8 +20,9 @@ class Stamp {
 
   bool Put(std::size_t input, Ticker& ticker, std::size_t& stamped) {
     std::vector<IFC::IfcEntity*> products;
+    const auto isProduct = [](const ClassFacts* facts) { return IsOrIsBelow(facts, "IfcProduct"); };
     const bool goesOn =
-        model_.ForEachRootWithSurvivorsOf(input, ticker, [&](IFC::IfcEntity& entity) {
+        model_.ForEachRootWithSurvivorsOf(input, ticker, isProduct, [&](IFC::IfcEntity& entity) {
           if (EntityCast<IFC::VirtualIfcProduct>(&entity) != nullptr) products.push_back(&entity);
         });
     if (!goesOn) return false;

@@ -29,10 +29,13 @@ class RelationUniter {
   }
 
   bool Run(Ticker& ticker) {
+    const auto isRelation = [](const ClassFacts* facts) {
+      return IsOrIsBelow(facts, "IfcRelationship");
+    };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       own_.clear();
-      const bool goesOn =
-          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { Take(entity); });
+      const bool goesOn = model_.ForEachRootOf(input, ticker, isRelation,
+                                               [this](IFC::IfcEntity& entity) { Take(entity); });
       if (!goesOn) return false;
       if (input + 1 == model_.InputCount()) return true;
       for (const auto& [digest, relation] : own_) earlier_[digest].push_back(relation);
@@ -41,10 +44,27 @@ class RelationUniter {
   }
 
  private:
+  // What a class of relations refers to.
+  struct Ends {
+    const AttributeFacts* related = nullptr;    // see ListOfRelated
+    std::vector<const AttributeFacts*> others;  // all others
+  };
+
+  static Ends EndsOf(const ClassFacts* facts) {
+    Ends ends;
+    ends.related = ListOfRelated(facts);
+    for (std::size_t i = 0; facts != nullptr && i < facts->AttributeCount(); ++i) {
+      const AttributeFacts& attribute = facts->Attribute(i);
+      if (&attribute != ends.related && Refers(attribute.kind)) ends.others.push_back(&attribute);
+    }
+    return ends;
+  }
+
   void Take(IFC::IfcEntity& relation) {
-    if (!isRelation_.IsTrueOf(relation) || relation.carries) return;
-    const AttributeFacts* const related = ListOfRelated(relation);
-    if (!MayBeShared(relation, related)) return;
+    if (relation.carries) return;
+    const Ends& ends = ends_.Of(relation, EndsOf);
+    if (!MayBeShared(relation, ends)) return;
+    const AttributeFacts* const related = ends.related;
     const Digest digest = DigestOf(relation, related);
     const auto earlier = earlier_.find(digest);
     if (earlier == earlier_.end()) {
@@ -55,11 +75,10 @@ class RelationUniter {
   }
 
   // Whatever else it refers to is in more than one input, if it has a GUID.
-  bool MayBeShared(const IFC::IfcEntity& relation, const AttributeFacts* related) {
-    for (const ConstAttribute attribute : AttributesOf(relation)) {
-      if (&attribute.Facts() == related || !Refers(attribute.Facts().kind)) continue;
+  bool MayBeShared(const IFC::IfcEntity& relation, const Ends& ends) {
+    for (const AttributeFacts* const facts : ends.others) {
       bool isOfOne = false;
-      attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* child) {
+      ConstAttribute(relation, *facts).ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* child) {
         if (child == nullptr || child->inlineValue || !StandsForItself(*child)) return;
         isOfOne = isOfOne || !shared_.contains(model_.InModel(child));
       });
@@ -116,7 +135,7 @@ class RelationUniter {
   FederatedModel& model_;
   ValueDigests values_;
   std::unordered_set<const IFC::IfcEntity*> shared_;  // the project, and what others gave way to
-  ClassQuestion isRelation_{"IfcRelationship"};
+  PerClass<Ends> ends_;
   std::unordered_map<Digest, std::vector<IFC::IfcEntity*>, HashOfDigest> earlier_;
   std::vector<std::pair<Digest, IFC::IfcEntity*>> own_;  // of the input whose turn it is
   // By relation, as they stand in the model; filled when a relation gets its first ones.

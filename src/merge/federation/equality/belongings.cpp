@@ -42,6 +42,12 @@ constexpr std::uint32_t kFirstOfOwning = 2 * std::size(kRelations);
 
 }  // namespace
 
+bool Belongings::MayTie(const ClassFacts* facts) const {
+  if (facts == nullptr) return false;
+  const Ties ties = TiesOf(*facts);
+  return ties.relation >= 0 || !ties.owning.empty();
+}
+
 void Belongings::Gather(IFC::IfcEntity& entity) {
   const ClassFacts* const facts = FindFacts(entity);
   if (facts == nullptr) return;

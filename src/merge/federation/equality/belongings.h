@@ -30,6 +30,8 @@ class Belongings {
     IFC::IfcEntity* other = nullptr;
   };
 
+  // Whether objects of the class may tie any. Null: of one that no release knows.
+  bool MayTie(const ClassFacts* facts) const;
   // Takes note of what the object ties to others.
   void Gather(IFC::IfcEntity& entity);
   // As the relations name the two, whether they gave way or not.

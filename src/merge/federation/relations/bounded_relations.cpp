@@ -23,9 +23,14 @@ class BoundsKeeper {
       : model_(model), survivors_(survivors), bounds_(bounds), edits_(edits), mended_(mended) {}
 
   bool Run(Ticker& ticker) {
+    const auto isBounded = [this](const ClassFacts* facts) {
+      const std::vector<Bound> bounds = bounds_.BoundsOf(facts);
+      return std::any_of(bounds.begin(), bounds.end(),
+                         [](const Bound& bound) { return bound.facts->most != 0; });
+    };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn =
-          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { Keep(entity); });
+      const bool goesOn = model_.ForEachRootOf(input, ticker, isBounded,
+                                               [this](IFC::IfcEntity& entity) { Keep(entity); });
       if (!goesOn) return false;
     }
     return true;
@@ -57,8 +62,9 @@ class BoundsKeeper {
 
   // The earlier place of `as`, or null: then this is the first, or as good as that.
   const Place* EarlierPlace(IFC::IfcEntity& relation, const Bound& bound, IFC::IfcEntity* as) {
+    if (bound.facts->most == 0 || !survivors_.MayStandFor(as)) return nullptr;
     IFC::IfcEntity* const object = model_.InModel(as);
-    if (bound.facts->most == 0 || object == nullptr || !survivors_.contains(object)) return nullptr;
+    if (object == nullptr || !survivors_.Contain(object)) return nullptr;
     if (!bounds_.Binds(bound, *object)) return nullptr;
     Place& first = places_[{object, bound.index}];
     if (first.relation == nullptr) first = {&relation, as};

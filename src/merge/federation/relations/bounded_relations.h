@@ -1,7 +1,6 @@
 // No more relations of a kind than an object may have.
 #pragma once
 
-#include <unordered_set>
 #include <vector>
 
 #include "core/ticker.h"
@@ -9,10 +8,9 @@
 #include "merge/federation/mend_relations.h"
 #include "merge/federation/relations/inverse_bounds.h"
 #include "merge/federation/relations/relation_edits.h"
+#include "merge/federation/relations/survivors.h"
 
 namespace corvel {
-
-using Survivors = std::unordered_set<const IFC::IfcEntity*>;
 
 // Of relations that `survivors` have too many of by now, later ones lose the member, or give the
 // members of theirs to the first. False: the user cancelled.

@@ -48,14 +48,14 @@ class BoundsOfRelations {
   std::span<const Bound> Of(const IFC::IfcEntity& relation) {
     return known_.Of(relation, [this](const ClassFacts* facts) { return BoundsOf(facts); });
   }
+  // By the facts of a class, null for one of no release; each call looks anew.
+  std::vector<Bound> BoundsOf(const ClassFacts* facts) const;
   // Whether the bound is for objects of the class of `owner`.
   bool Binds(const Bound& bound, const IFC::IfcEntity& owner) {
     return owners_[bound.index].IsTrueOf(owner);
   }
 
  private:
-  std::vector<Bound> BoundsOf(const ClassFacts* facts) const;
-
   std::optional<SchemaNamespace> release_;
   std::deque<ClassQuestion> owners_;  // one for each bound
   PerClass<std::vector<Bound>> known_;

@@ -39,17 +39,20 @@ class OrphanSearch {
   }
 
   bool Gather(Ticker& ticker) {
+    const auto isRelation = [](const ClassFacts* facts) {
+      return IsOrIsBelow(facts, "IfcRelationship");
+    };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) {
-        if (!isRelation_.IsTrueOf(entity)) return;
-        for (const Attribute attribute : AttributesOf(entity)) {
-          attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* referred) {
-            if (const auto* const there = model_.InModel(referred)) {
-              relationsOf_[there].push_back(&entity);
+      const bool goesOn =
+          model_.ForEachRootOf(input, ticker, isRelation, [this](IFC::IfcEntity& entity) {
+            for (const Attribute attribute : AttributesOf(entity)) {
+              attribute.ForEach<IFC::IfcEntity*>([&](IFC::IfcEntity* referred) {
+                if (const auto* const there = model_.InModel(referred)) {
+                  relationsOf_[there].push_back(&entity);
+                }
+              });
             }
           });
-        }
-      });
       if (!goesOn) return false;
     }
     return true;
@@ -113,7 +116,6 @@ class OrphanSearch {
   FederatedModel& model_;
   BoundsOfRelations& bounds_;
   RelationEdits& edits_;
-  ClassQuestion isRelation_{"IfcRelationship"};
   std::unordered_map<const IFC::IfcEntity*, std::vector<IFC::IfcEntity*>> relationsOf_;
 };
 

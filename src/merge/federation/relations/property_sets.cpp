@@ -33,12 +33,12 @@ class SetJoiner {
 
   bool Run(Ticker& ticker) {
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) {
-        links_.Gather(entity, [this](const HangingSet& hanging) { Note(hanging); });
-      });
+      const bool goesOn = model_.ForEachRootOf(input, ticker, SetLinks::AreRelations,
+                                               [this](IFC::IfcEntity& entity) { Gather(entity); });
       if (!goesOn) return false;
     }
     for (IFC::IfcEntity* const object : objects_) Plan(*object);
+    if (!groups_.empty() && !CountUsers(ticker)) return false;
     for (const Group& group : groups_) {
       if (!Join(group)) return false;
     }
@@ -56,9 +56,30 @@ class SetJoiner {
     std::vector<OnObject> objects;
   };
 
+  void Gather(IFC::IfcEntity& relation) {
+    const EntityList* const objects = SetLinks::ObjectsOf(relation);
+    if (objects == nullptr) return;
+    const bool concernsOne = std::any_of(
+        objects->begin(), objects->end(),
+        [this](const IFC::IfcEntity* object) { return survivors_.MayStandFor(object); });
+    if (!concernsOne) return;
+    links_.ForEachTie(relation, [this](const HangingSet& hanging) { Note(hanging); });
+  }
+
+  // Of all sets, also for objects that stand for themselves alone.
+  bool CountUsers(Ticker& ticker) {
+    for (std::size_t input = 0; input < model_.InputCount(); ++input) {
+      const bool goesOn =
+          model_.ForEachRootOf(input, ticker, SetLinks::MayTie,
+                               [this](IFC::IfcEntity& entity) { links_.CountUsers(entity); });
+      if (!goesOn) return false;
+    }
+    return true;
+  }
+
   void Note(const HangingSet& hanging) {
     IFC::IfcEntity* const object = model_.InModel(hanging.as);
-    if (!survivors_.contains(object)) return;
+    if (!survivors_.Contain(object)) return;
     std::vector<HangingSet>& hangings = hangings_[object];
     if (hangings.empty()) objects_.push_back(object);
     hangings.push_back(hanging);

@@ -6,12 +6,17 @@
 
 namespace corvel {
 
-const AttributeFacts* ListOfRelated(const IFC::IfcEntity& relation) {
-  for (const ConstAttribute attribute : AttributesOf(relation)) {
-    const bool isList = Refers(attribute.Facts().kind) && attribute.Facts().depth == 1;
-    if (isList && attribute.Name().starts_with("Related")) return &attribute.Facts();
+const AttributeFacts* ListOfRelated(const ClassFacts* facts) {
+  for (std::size_t i = 0; facts != nullptr && i < facts->AttributeCount(); ++i) {
+    const AttributeFacts& attribute = facts->Attribute(i);
+    const bool isList = Refers(attribute.kind) && attribute.depth == 1;
+    if (isList && std::string_view(attribute.name).starts_with("Related")) return &attribute;
   }
   return nullptr;
+}
+
+const AttributeFacts* ListOfRelated(const IFC::IfcEntity& relation) {
+  return ListOfRelated(FindFacts(relation));
 }
 
 }  // namespace corvel

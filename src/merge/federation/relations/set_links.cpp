@@ -21,6 +21,14 @@ constexpr std::uint64_t kMadeHere = std::uint64_t{1} << 63;
 
 }  // namespace
 
+void SetLinks::CountUsers(IFC::IfcEntity& entity) {
+  if (isType_.IsTrueOf(entity)) {
+    CountSetsOfType(entity);
+  } else {
+    ForEachTie(entity, [this](const HangingSet& hanging) { ++users_[hanging.set]; });
+  }
+}
+
 void SetLinks::CountSetsOfType(const IFC::IfcEntity& type) {
   const EntityList* const sets = ReferencesOf(type, "HasPropertySets");
   if (sets == nullptr) return;
@@ -69,7 +77,7 @@ bool SetLinks::Link(IFC::IfcEntity& set, const std::vector<IFC::IfcEntity*>& obj
   }
   EntityList members;
   members.Assign(objects, model_.Container().Pool());
-  users_[&set] += objects.size();
+  users_[&set] += static_cast<std::ptrdiff_t>(objects.size());
   return SetAttribute(*relation, kObjects, members) && SetAttribute(*relation, kDefinition, &set);
 }
 

@@ -1,6 +1,7 @@
 // What ties property sets to objects.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <unordered_map>
 #include <utility>
@@ -23,27 +24,38 @@ class SetLinks {
  public:
   SetLinks(FederatedModel& model, RelationEdits& edits) : model_(model), edits_(edits) {}
 
-  // Takes note of what the object ties to others. Whatever is tied twice is counted twice.
-  // `action` gets each tie that there is, unless it is to what is not in the model.
+  // Classes of relations that tie sets to objects.
+  static bool AreRelations(const ClassFacts* facts) {
+    return IsOrIsBelow(facts, "IfcRelDefinesByProperties") &&
+           !IsOrIsBelow(facts, "IfcRelOverridesProperties");
+  }
+  // Those, and types, which hold sets of their own.
+  static bool MayTie(const ClassFacts* facts) {
+    return AreRelations(facts) || IsOrIsBelow(facts, "IfcTypeObject");
+  }
+  // Of such a relation. May be null.
+  static const EntityList* ObjectsOf(const IFC::IfcEntity& relation) {
+    return ReferencesOf(relation, "RelatedObjects");
+  }
+
+  // `action` gets each tie of such a relation, unless it is to what is not in the model.
   template <class Action>
-  void Gather(IFC::IfcEntity& entity, Action action) {
-    if (isType_.IsTrueOf(entity)) return CountSetsOfType(entity);
-    if (!isRelation_.IsTrueOf(entity) || isOverriding_.IsTrueOf(entity)) return;
-    const EntityList* const objects = ReferencesOf(entity, "RelatedObjects");
+  void ForEachTie(IFC::IfcEntity& relation, Action action) const {
+    const EntityList* const objects = ObjectsOf(relation);
     if (objects == nullptr) return;
-    for (IFC::IfcEntity* const set : SetsOf(entity)) {
+    for (IFC::IfcEntity* const set : SetsOf(relation)) {
       for (IFC::IfcEntity* const object : *objects) {
-        if (model_.InModel(object) == nullptr) continue;
-        ++users_[set];
-        action(HangingSet{&entity, object, set});
+        if (model_.InModel(object) != nullptr) action(HangingSet{&relation, object, set});
       }
     }
   }
+  // Of an object that may tie. Whatever is tied twice is counted twice.
+  void CountUsers(IFC::IfcEntity& entity);
 
-  // Ties that are there still.
+  // Ties that are there still, when those of all objects have been counted.
   std::size_t UsersOf(const IFC::IfcEntity& set) const {
     const auto found = users_.find(&set);
-    return found == users_.end() ? 0 : found->second;
+    return found == users_.end() ? 0 : static_cast<std::size_t>(found->second);
   }
   // From here on the tie does not count. It is there until Apply.
   void Leave(const HangingSet& hanging);
@@ -69,9 +81,8 @@ class SetLinks {
   FederatedModel& model_;
   RelationEdits& edits_;
   ClassQuestion isType_{"IfcTypeObject"};
-  ClassQuestion isRelation_{"IfcRelDefinesByProperties"};
-  ClassQuestion isOverriding_{"IfcRelOverridesProperties"};
-  std::unordered_map<const IFC::IfcEntity*, std::size_t> users_;
+  // Below zero where some left before they were counted.
+  std::unordered_map<const IFC::IfcEntity*, std::ptrdiff_t> users_;
   std::vector<Leaving> leaving_;
   std::unordered_map<const IFC::IfcEntity*, std::size_t> leavingOf_;  // relation: its index
   std::uint64_t made_ = 0;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "merge/federation/per_class.h"
+#include "merge/federation/relations/survivors.h"
 #include "schema/attributes.h"
 #include "step/reader/parser.h"
 
@@ -41,7 +42,7 @@ bool IsUniqueList(const ClassFacts& facts, const AttributeFacts& attribute) {
 
 class RepeatedMembers {
  public:
-  explicit RepeatedMembers(FederatedModel& model) : model_(model) {}
+  explicit RepeatedMembers(FederatedModel& model) : model_(model), survivors_(model) {}
 
   bool Run(Ticker& ticker) {
     model_.ForEachThatGaveWay([this](const IFC::IfcEntity& gone, const IFC::IfcEntity&) {
@@ -70,9 +71,10 @@ class RepeatedMembers {
   }
 
   bool RunOverRoots(Ticker& ticker) {
+    const auto hasPlaces = [this](const ClassFacts* facts) { return !PlacesOf(facts).empty(); };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn =
-          model_.ForEachRootOf(input, ticker, [this](IFC::IfcEntity& entity) { DropFrom(entity); });
+      const bool goesOn = model_.ForEachRootOf(
+          input, ticker, hasPlaces, [this](IFC::IfcEntity& entity) { DropFrom(entity); });
       if (!goesOn) return false;
     }
     for (IFC::IfcEntity* const made : model_.MadeRoots()) {
@@ -117,12 +119,13 @@ class RepeatedMembers {
 
   bool HasOneThatGaveWay(const EntityList& members) const {
     for (const IFC::IfcEntity* const member : members) {
-      if (member != nullptr && !member->inlineValue && !model_.Contains(*member)) return true;
+      if (survivors_.HasGivenWay(member)) return true;
     }
     return false;
   }
 
   FederatedModel& model_;
+  Survivors survivors_;
   // One of each class that gave way.
   std::unordered_map<const ClassFacts*, const IFC::IfcEntity*> gone_;
   PerClass<Places> places_;

@@ -52,10 +52,12 @@ class Parts {
   // cancelled, or there is no number left.
   bool Hang(Ticker& ticker) {
     if (parts_.empty()) return true;
+    const auto isAggregation = [](const ClassFacts* facts) {
+      return IsOrIsBelow(facts, "IfcRelAggregates");
+    };
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
-      const bool goesOn = model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) {
-        if (isAggregation_.IsTrueOf(entity)) Loosen(entity);
-      });
+      const bool goesOn = model_.ForEachRootOf(input, ticker, isAggregation,
+                                               [this](IFC::IfcEntity& entity) { Loosen(entity); });
       if (!goesOn) return false;
     }
     for (const auto& [part, whole] : parts_) {
@@ -103,7 +105,6 @@ class Parts {
   }
 
   FederatedModel& model_;
-  ClassQuestion isAggregation_{"IfcRelAggregates"};
   std::vector<std::pair<IFC::IfcEntity*, IFC::IfcEntity*>> parts_;
   std::unordered_map<const IFC::IfcEntity*, IFC::IfcEntity*> wholes_;     // by part
   std::unordered_map<const IFC::IfcEntity*, IFC::IfcEntity*> relations_;  // by whole

@@ -51,8 +51,11 @@ class Collector {
   bool Collect(std::size_t input, Ticker& ticker) {
     known_.clear();
     aggregations_.clear();
-    const bool goesOn =
-        model_.ForEachRootOf(input, ticker, [&](IFC::IfcEntity& entity) { Look(entity, input); });
+    const auto hasRole = [](const ClassFacts* facts) {
+      return RoleOfClass(facts) != SpatialRole::kOther;
+    };
+    const bool goesOn = model_.ForEachRootOf(input, ticker, hasRole,
+                                             [&](IFC::IfcEntity& entity) { Look(entity, input); });
     if (!goesOn) return false;
     tops_.clear();
     for (const IFC::IfcEntity* const aggregation : aggregations_) Enter(*aggregation);
@@ -63,7 +66,6 @@ class Collector {
  private:
   void Look(IFC::IfcEntity& entity, std::size_t input) {
     const SpatialRole role = roles_.Of(entity);
-    if (role == SpatialRole::kOther) return;
     if (role == SpatialRole::kAggregation) {
       aggregations_.push_back(&entity);
       return;
@@ -143,12 +145,14 @@ SpatialRole SpatialRoles::Of(const IFC::IfcEntity& entity) {
   return known_.Of(entity, RoleOfClass);
 }
 
-void NoteSpatialGuids(const std::vector<IFC::IfcEntity*>& roots, GuidsAsRead& guids) {
-  SpatialRoles roles;
-  for (IFC::IfcEntity* const root : roots) {
-    const SpatialRole role = roles.Of(*root);
-    if (role == SpatialRole::kOther || role == SpatialRole::kAggregation) continue;
-    guids.emplace(root, GuidOf(*root));
+void NoteSpatialGuids(const SortedObjects& records, GuidsAsRead& guids) {
+  const SortedObjects::Classes spatial = records.ClassesThat([](const ClassFacts* facts) {
+    const SpatialRole role = RoleOfClass(facts);
+    return role != SpatialRole::kOther && role != SpatialRole::kAggregation;
+  });
+  const std::vector<IFC::IfcEntity*>& roots = records.Roots();
+  for (std::size_t i = 0; i < roots.size(); ++i) {
+    if (spatial.HasThatOf(i)) guids.emplace(roots[i], GuidOf(*roots[i]));
   }
 }
 

@@ -57,9 +57,8 @@ class SpatialRoles {
 // GUID and to those without one. By object; the texts are in the pools of the models.
 using GuidsAsRead = std::unordered_map<const IFC::IfcEntity*, std::string_view>;
 
-// Enters the sites, buildings and storeys among the objects with a GUID of a model that is not
-// folded yet.
-void NoteSpatialGuids(const std::vector<IFC::IfcEntity*>& roots, GuidsAsRead& guids);
+// Enters the sites, buildings and storeys among the objects of a model that is not folded yet.
+void NoteSpatialGuids(const SortedObjects& records, GuidsAsRead& guids);
 
 // What two objects were found to be one by.
 enum class MatchReason : std::uint8_t {
