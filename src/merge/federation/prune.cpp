@@ -1,6 +1,7 @@
 #include "merge/federation/prune.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/pointing_classes.h"
+#include "merge/federation/prefetch_object.h"
 #include "schema/attributes.h"
 
 namespace corvel {
@@ -54,10 +56,15 @@ class Pruner {
   }
 
   void KeepAllThatWaits() {
-    do {
-      while (!waiting_.empty()) KeepReferred(*TakeBack(waiting_));
-      if (!waitingDescribed_.empty()) KeepPointersTo(*TakeBack(waitingDescribed_));
-    } while (!waiting_.empty() || !waitingDescribed_.empty());
+    while (!waiting_.empty() || !waitingDescribed_.empty() || countOnTheWay_ != 0) {
+      if (!waiting_.empty()) {
+        KeepReferred(*TakeBack(waiting_));
+      } else if (!waitingDescribed_.empty()) {
+        KeepPointersTo(*TakeBack(waitingDescribed_));
+      } else {
+        TakeAllOnTheWay();
+      }
+    }
   }
 
   static IFC::IfcEntity* TakeBack(std::vector<IFC::IfcEntity*>& waiting) {
@@ -141,6 +148,7 @@ class Pruner {
   }
 
   void Gather(IFC::IfcEntity& entity) {
+    entity.visitStamp = inModel_;
     if (isRoot_.Of(entity, [&](const ClassFacts*) { return IsRoot(entity); })) {
       roots_.push_back(&entity);
       return;
@@ -154,8 +162,9 @@ class Pruner {
 
   // Most objects stand for themselves.
   IFC::IfcEntity* InModel(IFC::IfcEntity* entity) const {
-    if (entity == nullptr || model_.Contains(*entity)) return entity;
-    return model_.InModel(entity);
+    const bool isThere =
+        entity == nullptr || entity->visitStamp == inModel_ || entity->visitStamp == described_;
+    return isThere ? entity : model_.InModel(entity);
   }
 
   bool IsKept(const IFC::IfcEntity& entity) const {
@@ -179,7 +188,31 @@ class Pruner {
 
   void KeepChildren(const IFC::IfcEntity& entity) {
     entity.CollectAllChildren(children_);
-    while (!children_.IsEmpty()) KeepChild(children_.TakeBack().entity);
+    TakeChildren();
+  }
+
+  // Each has its turn when so many others have been met that it has come from the memory.
+  void TakeChildren() {
+    while (!children_.IsEmpty()) {
+      IFC::IfcEntity* const child = children_.TakeBack().entity;
+      if (child == nullptr) continue;
+      PrefetchObject(child);
+      ++countOnTheWay_;
+      TakeFromTheWay(std::exchange(onTheWay_[met_++ % onTheWay_.size()], child));
+    }
+  }
+
+  void TakeAllOnTheWay() {
+    for (IFC::IfcEntity*& child : onTheWay_) {
+      TakeFromTheWay(std::exchange(child, nullptr));
+      TakeChildren();
+    }
+  }
+
+  void TakeFromTheWay(IFC::IfcEntity* child) {
+    if (child == nullptr) return;
+    --countOnTheWay_;
+    KeepChild(child);
   }
 
   // A value in a record is no object of the model, but may refer to some.
@@ -216,7 +249,7 @@ class Pruner {
         continue;
       }
       attribute.ForEach<IFC::IfcEntity*>([this](IFC::IfcEntity* child) { KeepChild(child); });
-      while (!children_.IsEmpty()) KeepChild(children_.TakeBack().entity);
+      TakeChildren();
     }
   }
 
@@ -228,8 +261,12 @@ class Pruner {
   std::vector<IFC::IfcEntity*> waiting_;           // what they refer to is to be kept
   std::vector<IFC::IfcEntity*> waitingDescribed_;  // what points at them is to be kept
   IFC::ChildQueue children_;
+  std::array<IFC::IfcEntity*, 16> onTheWay_{};  // some are null
+  std::size_t countOnTheWay_ = 0;
+  std::size_t met_ = 0;
   std::uint32_t whole_ = IFC::NextVisitGeneration();
   std::uint32_t asPointer_ = IFC::NextVisitGeneration();
+  std::uint32_t inModel_ = IFC::NextVisitGeneration();
   std::uint32_t described_ = IFC::NextVisitGeneration();  // by a pointer, and not kept yet
 };
 
