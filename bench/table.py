@@ -8,6 +8,7 @@ import sys
 from pathlib import Path
 
 import diffs
+import one_building
 import threads
 from many import COUNTS, SAMPLE, merge_many
 from measure import Failed, ROOT, medians, process, stages, web_ifc_folder
@@ -244,6 +245,7 @@ def main():
         print_flatness(group)
     threads.print_rows(build, [group[-1] for group in groups])
     diffs.print_rows(build, [group[-1] for group in groups])
+    one_building.print_rows(build, [group[-1] for group in groups])
     print_small(build, models)
     print_four(build, models, sizes[-1])
     print_many(build, models)
