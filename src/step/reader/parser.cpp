@@ -257,30 +257,25 @@ bool Parser::ReadRecord(std::uint32_t number) {
     FailRecord(number);
     return false;
   }
-  const bool filed = FileEntity(entity, number);
+  IFC::IfcEntity* const filed = FileEntity(entity, number) ? entity : nullptr;
   if (tolerance == nullptr) TakeRestOfRecord();
   const auto text = forwardReference ? scanner->Stream()->StatementView() : std::string_view();
-  if (!(filed ? NoteFiled(entity, entity->marker, text) : NoteRead(entity->marker))) return false;
+  if (!NoteRead(entity->marker, filed, text)) return false;
   scanner->LeaveRecord();
   // Before the progress: a cancellation that the user declines has looked at the next record.
   scanner->ClearTokens();
   return TickFirstPass(Position());
 }
 
-// What a record leaves behind that has been filed; with forward references it has a text. False
-// ends the pass.
-bool Parser::NoteFiled(IFC::IfcEntity* entity, std::uint32_t marker, std::string_view text) {
-  if (!NoteRead(marker)) return false;
-  if (!text.empty()) saved_->Append(text);
-  IfcLog::Instance().LogText(kAssigning);
-  AssignSpecIE(entity);
-  return true;
-}
-
-// What each record leaves behind, filed or not.
-bool Parser::NoteRead(std::uint32_t marker) {
+bool Parser::NoteRead(std::uint32_t marker, IFC::IfcEntity* filed, std::string_view text) {
   if (marker % kResourceCheckStep == 0 && !CheckResources()) return false;
-  IfcLog::Instance().LogText(kSavingLine);
+  IfcLog& log = IfcLog::Instance();
+  log.LogText(kSavingLine);
+  if (filed != nullptr) {
+    if (!text.empty()) saved_->Append(text);
+    log.LogText(kAssigning);
+    AssignSpecIE(filed);
+  }
   forwardReference = false;
   lastMarker_ = marker;
   return true;
@@ -324,7 +319,7 @@ IFC::IfcEntity* Parser::ReadNewEntity(std::uint32_t marker) {
 }
 
 IFC::IfcEntity* Parser::MakeEntity(std::uint32_t marker) {
-  IFC::IfcEntity* const entity = row_->create(Pool());
+  IFC::IfcEntity* const entity = row_->create(mainContainer->Pool());
   entity->SetMarker(marker);
   return entity;
 }

@@ -167,8 +167,9 @@ class Parser {
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
   void FailRecord(std::uint32_t marker);
   bool CheckResources();
-  bool NoteFiled(IFC::IfcEntity* entity, std::uint32_t marker, std::string_view text);
-  bool NoteRead(std::uint32_t marker);
+  // What a record leaves behind. `filed`: its object, null when it is not filed; `text`: of one
+  // with forward references, otherwise empty. False ends the pass.
+  bool NoteRead(std::uint32_t marker, IFC::IfcEntity* filed, std::string_view text);
   bool TickFirstPass(std::int64_t position);
   void CancelSecondPass();
   void AssignSpecIE(IFC::IfcEntity* entity);

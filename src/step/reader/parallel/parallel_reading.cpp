@@ -152,7 +152,7 @@ ParallelReading::Taken ParallelReading::FileRecord(RecordBatch& batch, std::size
   const std::uint32_t begin = TextBefore(batch, index);
   std::string_view text;
   if (!allAreFiled) text = {batch.bytes.data() + begin, record.end - begin};
-  if (parser_.NoteFiled(record.entity, record.number, text) &&
+  if (parser_.NoteRead(record.number, record.entity, text) &&
       parser_.TickFirstPass(position_ + record.end)) {
     return Taken::kYes;
   }
