@@ -189,6 +189,7 @@ bool Parser::ReadFirstPart() {
 bool Parser::ReadRecords() {
   std::uint32_t number = 0;
   if (!FindRecord(number)) return true;
+  sorts_.assign(factories->mask + std::size_t{1}, {});
   if (!ReadRecord(number)) return false;
   if (ReadsInParallel() && !ParallelReading(*this, ParallelReading::Pass::kFirst).Run()) {
     return false;
@@ -353,10 +354,18 @@ void Parser::ClearScratch() {
 }
 
 bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
+  if (tolerance == nullptr && mainContainer->AddUnseen(entity, marker, SortOf(entity))) return true;
   if (mainContainer->AddEntityByOrginalNumber(entity, marker)) return true;
   showError("", u"Entity duplicated: #" + ToWide(marker), kReportShow);
   Cancel();
   return false;
+}
+
+// Of an object of the class of `row_`, as the container sorts it.
+std::ptrdiff_t Parser::SortOf(IFC::IfcEntity* entity) {
+  auto& sort = sorts_[static_cast<std::size_t>(row_ - factories->slots)];
+  if (!sort) sort = IFC::MainContainer::SortOf(entity);
+  return *sort;
 }
 
 // Whatever stands in its place is taken too.

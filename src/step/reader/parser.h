@@ -5,8 +5,10 @@
 // again, on the same objects. Nothing of the file is held whole.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -165,6 +167,7 @@ class Parser {
   IFC::IfcEntity* ReadNewEntity(std::uint32_t marker);
   IFC::IfcEntity* MakeEntity(std::uint32_t marker);
   bool FileEntity(IFC::IfcEntity* entity, std::uint32_t marker);
+  std::ptrdiff_t SortOf(IFC::IfcEntity* entity);
   void FailRecord(std::uint32_t marker);
   bool CheckResources();
   // What a record leaves behind. `filed`: its object, null when it is not filed; `text`: of one
@@ -212,6 +215,7 @@ class Parser {
   SkippedInput skipped_;  // by the first pass
   RecordBorders borders_{skipped_};
   const FactoryRow* row_ = nullptr;  // of the record that is read for the first time
+  std::vector<std::optional<std::ptrdiff_t>> sorts_;  // by row
   // The classes whose first object is remembered. Null until SelectSchema, as in a release without.
   const FactoryRow* unitAssignmentRow_ = nullptr;
   const FactoryRow* ownerHistoryRow_ = nullptr;

@@ -4,7 +4,6 @@
 #include <limits>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "step/reader/parser.h"
 
@@ -21,28 +20,29 @@ std::uint32_t TextBefore(const RecordBatch& batch, std::size_t index) {
 
 }  // namespace
 
+// A thread comes back to what is its own, which is in its core's cache: so are the objects that it
+// has read, and it binds them itself when they have been filed.
+struct ParallelReading::Worker {
+  std::unique_ptr<BatchReader> reader;
+  std::mutex mutex;
+  std::vector<RecordBatch*> filed;  // and not bound yet; by `mutex`
+};
+
 class ParallelReading::Step final : public platform::Job {
  public:
   explicit Step(ParallelReading& reading) : reading_(reading) {}
 
   void Run() override {
-    if (!isFiled) reading_.cutting_.Next(turn, batch);
-    BatchReader& reader = reading_.ReaderOfThisThread();
-    if (isFiled) {
-      Bind(reader);
-    } else {
-      reader.Read(batch);
-    }
-  }
-  void Bind(BatchReader& reader) {
-    reader.Bind(batch);
-    batch.places.clear();
+    Worker& self = reading_.WorkerOfThisThread();
+    Bind(self, *self.reader);
+    reading_.cutting_.Next(turn, batch);
+    worker = &self;
+    self.reader->Read(batch);
   }
 
   RecordBatch batch;
-  std::size_t turn = 0;  // to cut
-  bool isFiled = false;
-  bool isSubmitted = false;
+  std::size_t turn = 0;      // to cut
+  Worker* worker = nullptr;  // who has read it
 
  private:
   ParallelReading& reading_;
@@ -54,15 +54,16 @@ ParallelReading::ParallelReading(Parser& parser, Pass pass)
       cutting_(*parser.scanner->Stream(), parser.aheadRules.batchSize),
       position_(parser.scanner->Stream()->Position()),
       line_(parser.scanner->Line()),
-      sorts_(parser.factories->mask + std::size_t{1}),
       pool_(parser.aheadRules.threads) {
   parser_.scanner->Stream()->HoldReports();
   IFC::MainContainer& container = *parser_.mainContainer;
   for (unsigned i = 0; i < pool_.Threads(); ++i) {
     MemoryPool& pool = container.PoolOfThread(i);
-    readers_.push_back(pass_ == Pass::kFirst ? std::make_unique<BatchReader>(parser_, pool)
-                                             : std::make_unique<BatchReader>(
-                                                   parser_, pool, container.originalEntities));
+    workers_.push_back(std::make_unique<Worker>());
+    workers_.back()->reader =
+        pass_ == Pass::kFirst
+            ? std::make_unique<BatchReader>(parser_, pool)
+            : std::make_unique<BatchReader>(parser_, pool, container.originalEntities);
   }
   for (std::size_t i = 0; i < kStepsOfThread * pool_.Threads(); ++i) {
     steps_.push_back(std::make_unique<Step>(*this));
@@ -71,7 +72,17 @@ ParallelReading::ParallelReading(Parser& parser, Pass pass)
 
 ParallelReading::~ParallelReading() {
   pool_.Drop();
-  for (const auto& step : steps_) step->Bind(*readers_.front());
+  BatchReader& reader = *workers_.front()->reader;
+  for (const auto& worker : workers_) Bind(*worker, reader);
+  // Where the pass has ended in the middle of a batch.
+  reader.Bind(StepAt(0).batch);
+}
+
+// Whatever is filed of what `worker` has read.
+void ParallelReading::Bind(Worker& worker, BatchReader& reader) {
+  const std::scoped_lock lock(worker.mutex);
+  for (RecordBatch* const batch : worker.filed) reader.Bind(*batch);
+  worker.filed.clear();
 }
 
 ParallelReading::Step& ParallelReading::StepAt(std::size_t underWay) {
@@ -92,26 +103,22 @@ bool ParallelReading::Run() {
 
 void ParallelReading::SubmitNext() {
   Step& step = StepAt(underWay_);
-  // It may still be bound.
-  if (std::exchange(step.isSubmitted, false)) pool_.Finish(step);
+  // Its last batch may not be bound yet.
+  if (step.worker != nullptr) Bind(*step.worker, *WorkerOfThisThread().reader);
   step.batch.Clear();
   step.turn = nextTurn_++;
-  step.isFiled = false;
-  step.isSubmitted = true;
   pool_.Submit(step);
   ++underWay_;
 }
 
 ParallelReading::Taken ParallelReading::TakeFirst() {
   Step& step = StepAt(0);
-  step.isSubmitted = false;
   pool_.Finish(step);
   RecordBatch& batch = step.batch;
   if (batch.bytes.empty()) {
     pool_.Drop();
     return Taken::kNoMore;
   }
-  step.isFiled = true;
   for (std::size_t i = 0; i < batch.records.size(); ++i) {
     if (position_ + batch.records[i].end > batch.troubleAt) {
       LeaveToParser(i);
@@ -132,10 +139,8 @@ ParallelReading::Taken ParallelReading::TakeFirst() {
   line_ += batch.stops.empty() ? 0 : batch.stops.back().line - 1;
   first_ = (first_ + 1) % steps_.size();
   --underWay_;
-  if (!batch.places.empty()) {
-    step.isSubmitted = true;
-    pool_.Submit(step);
-  }
+  const std::scoped_lock lock(step.worker->mutex);
+  step.worker->filed.push_back(&batch);
   return Taken::kYes;
 }
 
@@ -143,11 +148,12 @@ ParallelReading::Taken ParallelReading::TakeFirst() {
 ParallelReading::Taken ParallelReading::FileRecord(RecordBatch& batch, std::size_t index) {
   const RecordBatch::Record& record = batch.records[index];
   const bool allAreFiled = LookUp(batch, index);
-  if (!parser_.mainContainer->AddUnseen(record.entity, record.number, SortOf(record))) {
+  parser_.row_ = parser_.factories->slots + record.slot;
+  if (!parser_.mainContainer->AddUnseen(record.entity, record.number,
+                                        parser_.SortOf(record.entity))) {
     batch.targets.resize(NumbersBefore(batch, index));
     return Taken::kLeftToParser;
   }
-  parser_.row_ = parser_.factories->slots + record.slot;
   parser_.skipped_.AtRecord(record.number);
   const std::uint32_t begin = TextBefore(batch, index);
   std::string_view text;
@@ -170,12 +176,6 @@ bool ParallelReading::LookUp(RecordBatch& batch, std::size_t index) {
     allAreFiled = allAreFiled && target != nullptr;
   }
   return allAreFiled;
-}
-
-std::ptrdiff_t ParallelReading::SortOf(const RecordBatch::Record& record) {
-  auto& sort = sorts_[record.slot];
-  if (!sort) sort = IFC::MainContainer::SortOf(record.entity);
-  return *sort;
 }
 
 ParallelReading::Taken ParallelReading::TakeAgain(const RecordBatch& batch, std::size_t index) {
@@ -219,13 +219,13 @@ void ParallelReading::PutBack(std::size_t taken, std::uint32_t line) {
   underWay_ = 0;
 }
 
-BatchReader& ParallelReading::ReaderOfThisThread() {
+ParallelReading::Worker& ParallelReading::WorkerOfThisThread() {
   const std::thread::id thread = std::this_thread::get_id();
   const std::scoped_lock lock(mutex_);
   const auto at = std::find(threads_.begin(), threads_.end(), thread);
   const auto index = static_cast<std::size_t>(at - threads_.begin());
   if (at == threads_.end()) threads_.push_back(thread);
-  return *readers_[index];
+  return *workers_[index];
 }
 
 }  // namespace corvel

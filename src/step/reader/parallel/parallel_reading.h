@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <thread>
 #include <vector>
 
@@ -24,7 +23,7 @@ class Parser;
 // seen of a pass is the same for any number of threads.
 //
 // A thread has one BatchReader at a time, with a pool of its own that belongs to the container, and
-// kStepsOfThread batches: some 2 MiB beside its share of the model.
+// kStepsOfThread batches: some 3 MiB beside its share of the model.
 class ParallelReading {
  public:
   enum class Pass : std::uint8_t { kFirst, kSecond };
@@ -42,12 +41,13 @@ class ParallelReading {
   bool Run();
 
  private:
-  static constexpr std::size_t kUnderWayOfThread = 2;
+  static constexpr std::size_t kUnderWayOfThread = 3;
   static constexpr std::size_t kStepsOfThread = 2 * kUnderWayOfThread;
 
   enum class Taken : std::uint8_t { kYes, kNoMore, kLeftToParser, kPassIsOver };
-  // A batch on its way: it is read, filed, and then its references are bound.
+  // A batch on its way: it is cut and read, filed, and then its references are bound.
   class Step;
+  struct Worker;
 
   Step& StepAt(std::size_t underWay);
   void SubmitNext();
@@ -55,22 +55,20 @@ class ParallelReading {
   Taken TakeAgain(const RecordBatch& batch, std::size_t index);
   Taken FileRecord(RecordBatch& batch, std::size_t index);
   bool LookUp(RecordBatch& batch, std::size_t index);
-  std::ptrdiff_t SortOf(const RecordBatch::Record& record);
   void LeaveToParser(std::size_t record);
   void PutBack(std::size_t taken, std::uint32_t line);
-  BatchReader& ReaderOfThisThread();
+  Worker& WorkerOfThisThread();
+  static void Bind(Worker& worker, BatchReader& reader);
 
   Parser& parser_;
   Pass pass_;
   CuttingInTurn cutting_;
-  std::size_t nextTurn_ = 0;                          // that nobody has been given
-  std::int64_t position_;                             // in the input, of the first batch under way
-  std::uint32_t line_;                                // of its start
-  std::vector<std::optional<std::ptrdiff_t>> sorts_;  // by class
-  // One for each thread, which comes back to its own: that and its pool are in its core's cache.
-  std::vector<std::unique_ptr<BatchReader>> readers_;
+  std::size_t nextTurn_ = 0;                      // that nobody has been given
+  std::int64_t position_;                         // in the input, of the first batch under way
+  std::uint32_t line_;                            // of its start
+  std::vector<std::unique_ptr<Worker>> workers_;  // one for each thread
   std::mutex mutex_;
-  std::vector<std::thread::id> threads_;      // those that have a reader, in order; by `mutex_`
+  std::vector<std::thread::id> threads_;      // of the first workers; by `mutex_`
   std::vector<std::unique_ptr<Step>> steps_;  // used in turn
   std::size_t first_ = 0;                     // of those under way
   std::size_t underWay_ = 0;
