@@ -30,6 +30,7 @@ TEST(CuttingInTurnTest, BatchesStandInTheOrderOfTurnsWhoeverCutsThem) {
   std::vector<RecordBatch> batches(1000);
   std::atomic<std::size_t> nextTurn = 0;
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
       for (std::size_t turn = 0; (turn = nextTurn++) < batches.size();) {
