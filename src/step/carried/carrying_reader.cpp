@@ -53,11 +53,13 @@ Misfit KindOfUnknown(const RecordText& record) {
   return record.hasBrackets ? Misfit::kComplexInstance : Misfit::kNoClass;
 }
 
-// Puts another scanner and other classes in the place of the parser's own for a while.
+// Puts another scanner and other classes in the place of the parser's own for a while. The text is
+// none of the file: what it lacks is not noted.
 class Borrowed {
  public:
   Borrowed(Parser& parser, std::string text, const FactoryTable& release)
       : parser_(parser),
+        records_(std::move(parser.notes.records)),
         factories_(std::exchange(parser.factories, &release)),
         byOther_(std::exchange(parser.carrying.byOtherRelease, &release != factories_)),
         scanner_(std::make_unique<Scanner>(
@@ -68,6 +70,7 @@ class Borrowed {
   }
   ~Borrowed() {
     std::swap(parser_.scanner, scanner_);
+    parser_.notes.records = std::move(records_);
     parser_.factories = factories_;
     parser_.carrying.byOtherRelease = byOther_;
   }
@@ -76,6 +79,7 @@ class Borrowed {
 
  private:
   Parser& parser_;
+  std::unique_ptr<RecordNotes> records_;
   const FactoryTable* factories_;
   bool byOther_;
   std::unique_ptr<Scanner> scanner_;
@@ -165,6 +169,7 @@ IFC::IfcEntity* CarryingReader::ReadText(IFC::IfcEntity& entity, const RecordTex
     return ReadByNone(record, number);
   }
   NoteArguments(entity, *facts, record, misfits);
+  NoteAbsent(entity, record);
   Carry(entity, *facts, record, misfits);
   return &entity;
 }
@@ -254,6 +259,16 @@ void CarryingReader::NoteArguments(const IFC::IfcEntity& entity, const ClassFact
         attribute.Values() != nullptr && record.arguments[index].starts_with('.');
     parser_.tolerance->Note(isEnumeration ? Misfit::kUnknownEnumValue : Misfit::kWrongValue,
                             className, attribute.name, entity.marker, offset_);
+  }
+}
+
+// Of all attributes: whoever asks knows which of them are numbers.
+void CarryingReader::NoteAbsent(const IFC::IfcEntity& entity, const RecordText& record) {
+  RecordNotes* const notes = parser_.notes.records.get();
+  if (notes == nullptr) return;
+  for (std::uint32_t i = 0; i < record.arguments.size(); ++i) {
+    if (record.arguments[i] == "$" || record.arguments[i] == "*")
+      notes->NoteAbsent(entity.marker, i);
   }
 }
 

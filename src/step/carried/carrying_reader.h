@@ -67,6 +67,7 @@ class CarryingReader {
   FindRecord FindTarget() const;
   void NoteArguments(const IFC::IfcEntity& entity, const ClassFacts& facts,
                      const RecordText& record, const std::vector<std::size_t>& misfits);
+  void NoteAbsent(const IFC::IfcEntity& entity, const RecordText& record);
 
   Parser& parser_;
   std::int64_t offset_ = -1;  // of the record in the file, where it is known

@@ -94,6 +94,12 @@ double ReadTypedReal(Parser& parser) {
   return 0.0;
 }
 
+// What an attribute that is a number holds without one.
+std::int32_t AbsentNumberOf(Parser& parser) {
+  if (parser.notes.records != nullptr) NoteAbsentNumber(parser);
+  return 0;
+}
+
 std::int32_t CutToInteger(double value) {
   if (std::isnan(value)) return 0;
   constexpr double kLeast = std::numeric_limits<std::int32_t>::min();
@@ -291,7 +297,7 @@ double ReadReal(Parser& parser) {
   Scanner& scanner = *parser.scanner;
   double value = 0.0;
   if (scanner.TakeNumber(value)) return value;
-  if (IsAbsent(parser)) return 0.0;
+  if (IsAbsent(parser)) return AbsentNumberOf(parser);
   const Token& token = *scanner.PeekToken();
   if (token.Is(TokenType::RealDataTypeToken) || token.Is(TokenType::IntegerDataTypeToken)) {
     return scanner.NextToken()->real;
@@ -310,7 +316,7 @@ std::int32_t ReadInteger(Parser& parser) {
   Scanner& scanner = *parser.scanner;
   std::int32_t value = 0;
   if (scanner.TakeInteger(value)) return value;
-  if (IsAbsent(parser)) return 0;
+  if (IsAbsent(parser)) return AbsentNumberOf(parser);
   const Token& token = *scanner.PeekToken();
   const bool isInteger = token.Is(TokenType::IntegerDataTypeToken);
   if (isInteger || token.Is(TokenType::RealDataTypeToken)) {
@@ -329,7 +335,8 @@ std::int32_t ReadInteger(Parser& parser) {
 }
 
 std::int32_t ReadBinary(Parser& parser) {
-  if (parser.IsStopped() || IsAbsent(parser)) return 0;
+  if (parser.IsStopped()) return 0;
+  if (IsAbsent(parser)) return AbsentNumberOf(parser);
   const Token& token = *parser.scanner->PeekToken();
   if (token.Is(TokenType::IntegerDataTypeToken)) {
     if (token.integer != token.real) parser.RaiseMisfit();

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "step/reader/record_notes.h"
 #include "step/reader/skipped_input.h"
 #include "step/reader/tolerance.h"
 
@@ -16,6 +18,8 @@ struct ReadingNotes {
   bool headWasMended = false;        // likewise
   // Where the reading ended without the closing line.
   std::optional<std::int64_t> endWithoutClosingLine;
+  // Null, and nothing is noted, unless somebody asks for it before a tolerant reading.
+  std::unique_ptr<RecordNotes> records;
 };
 
 }  // namespace corvel

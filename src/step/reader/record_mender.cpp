@@ -283,7 +283,7 @@ class RecordMender::Mending {
     bytes_.Take();
     bytes_.Take();
     std::string comment = "/*";
-    if (mender_.TakeComment(bytes_, &comment)) {
+    if (mender_.TakeComment(bytes_, &comment, number_)) {
       text_ += comment;
     } else {
       Note(Misfit::kOpenComment);
@@ -325,7 +325,15 @@ class RecordMender::Mending {
       return false;
     }
     // What begins a record may stand in a text as well, if that is closed as it should be.
-    if (lineEnd_ && !ValueEndsHere()) CloseString();
+    if (!lineEnd_) return true;
+    if (!ValueEndsHere()) {
+      CloseString();
+    } else if (mender_.notes_ != nullptr) {
+      const std::size_t behind = bytes_.Mark() - start_;
+      mender_.notes_->NoteHidden({.offset = bytes_.Position() - static_cast<std::int64_t>(behind),
+                                  .record = number_,
+                                  .isInText = true});
+    }
     return true;
   }
 
@@ -456,7 +464,7 @@ MendedRecord RecordMender::Take(Scanner& scanner, std::uint32_t number) {
   return Mending(*this, scanner, number).Run();
 }
 
-bool RecordMender::TakeComment(StreamBytes& bytes, std::string* text) {
+bool RecordMender::TakeComment(StreamBytes& bytes, std::string* text, std::uint32_t number) {
   const std::size_t start = bytes.Mark();
   const std::size_t kept = text == nullptr ? 0 : text->size();
   bool holdsRecord = false;
@@ -466,7 +474,14 @@ bool RecordMender::TakeComment(StreamBytes& bytes, std::string* text) {
     if (c == kEnd || (holdsRecord && before == '/' && c == '*')) break;
     if (bytes.Mark() - start > kLongestComment) break;
     if (text != nullptr) text->push_back(static_cast<char>(c));
-    if (before == '*' && c == '/') return true;
+    if (before == '*' && c == '/') {
+      if (holdsRecord && notes_ != nullptr) {
+        const auto size = static_cast<std::int64_t>(bytes.Mark() - start);
+        notes_->NoteHidden(
+            {.offset = bytes.Position() - size, .record = number, .isInText = false});
+      }
+      return true;
+    }
     before = c;
     if (c != '\n' || holdsRecord) continue;
     const std::size_t line = bytes.Mark();

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "step/reader/record_notes.h"
 #include "step/reader/stream_bytes.h"
 #include "step/reader/tolerance.h"
 
@@ -34,18 +35,21 @@ class RecordMender {
 
   // Call before the first record of another input.
   void StartInput() { noCommentEnds_ = false; }
+  // Where texts and comments are noted that are taken, records and all. Borrowed; null: nowhere.
+  void NoteIn(RecordNotes* notes) { notes_ = notes; }
 
   // Call behind the number of a record. Takes everything up to and including its ";", or what else
   // its end is.
   MendedRecord Take(Scanner& scanner, std::uint32_t number);
   // Behind a "/*". Takes the comment, or nothing when it does not end before other records begin;
-  // `text` (may be null) gets what was taken.
-  bool TakeComment(StreamBytes& bytes, std::string* text);
+  // `text` (may be null) gets what was taken. `number`: of the record that it stands in.
+  bool TakeComment(StreamBytes& bytes, std::string* text, std::uint32_t number = 0);
 
  private:
   class Mending;
 
   Tolerance& tolerance_;
+  RecordNotes* notes_ = nullptr;
   bool noCommentEnds_ = false;  // up to the end of the input
 };
 

@@ -1,5 +1,7 @@
 #include "step/reader/tolerance.h"
 
+#include <algorithm>
+
 #include "step/streams/line_numbers.h"
 
 namespace corvel {
@@ -61,7 +63,9 @@ std::vector<MisfitGroup> Tolerance::Groups() const {
   groups.reserve(groups_.size());
   for (const auto& [key, group] : groups_) {
     const std::string className = key.second == kOtherClasses ? std::string() : key.second;
-    groups.push_back({key.first, className, group.count, group.places});
+    std::vector<std::uint32_t> numbers(group.numbers.begin(), group.numbers.end());
+    std::sort(numbers.begin(), numbers.end());
+    groups.push_back({key.first, className, group.count, group.places, std::move(numbers)});
   }
   return groups;
 }

@@ -52,7 +52,8 @@ struct MisfitGroup {
   Misfit kind = Misfit::kUnknownClass;
   std::string className;  // empty: none, or several
   std::uint64_t count = 0;
-  std::vector<MisfitPlace> places;  // the first
+  std::vector<MisfitPlace> places;     // the first
+  std::vector<std::uint32_t> numbers;  // of all records that have one, in ascending order
 };
 
 // A spoilt file may hold millions of such places: they are counted by kind and class, and of each

@@ -22,11 +22,13 @@ std::uint32_t FreeNumber(const IFC::MainContainer& container, std::uint32_t cand
 void Parser::StartTolerantReading() {
   if (tolerance == nullptr) return;
   tolerant_ = std::make_unique<TolerantReading>(*tolerance, skipped_);
+  tolerant_->mender.NoteIn(notes.records.get());
 }
 
 void Parser::StartSecondPassTolerantly() {
   scanner->ReadTolerantly(false);
   tolerant_->mender.StartInput();
+  tolerant_->mender.NoteIn(nullptr);
   looksAtText_ = true;
 }
 
@@ -63,6 +65,9 @@ bool Parser::HasRecord(std::uint32_t number) {
 // Behind the record. What the strict way does not get through is read once more.
 IFC::IfcEntity* Parser::ReadEntityTolerantly(std::uint32_t number) {
   tolerant_->Enter(number, scanner->Stream()->StatementSize());
+  if (notes.records != nullptr && tolerant_->isOfFile) {
+    notes.records->AtRecord(number, Position() - static_cast<std::int64_t>(tolerant_->start));
+  }
   try {
     IFC::IfcEntity* const entity = ReadNewEntity(number);
     if (scanner->TakeRecordEnd()) [[likely]]
