@@ -149,7 +149,9 @@ MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
 bool IsConversionSet(IFC::IfcEntity* entity) {
   const auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
   const ModelText name = root == nullptr ? ModelText() : root->getName();
-  return !name.IsNull() && ToLowerAscii(name.ToWide()) == kConversionSet;
+  if (name.IsNull()) return false;
+  const std::size_t length = name.IsPlain() ? name.Plain().size() : name.Units().size();
+  return length == kConversionSet.size() && ToLowerAscii(name.ToWide()) == kConversionSet;
 }
 
 // The value of a property stands behind its name and description.
@@ -186,10 +188,15 @@ LengthUnit LengthUnitOf(const IfcDocument& document) {
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document) {
   if (document.mainContainer == nullptr) return {};
   for (const auto& [number, entity] : document.mainContainer->originalEntities) {
-    const std::ptrdiff_t kind = KindOf(entity);
-    if (kind == kMapConversion) return ConversionOfRecord(*entity);
-    if (kind == kPropertySet && IsConversionSet(entity)) return ConversionOfSet(*entity);
+    if (const auto conversion = MapConversionIn(*entity)) return conversion;
   }
+  return {};
+}
+
+std::optional<MapConversion> MapConversionIn(IFC::IfcEntity& entity) {
+  const std::ptrdiff_t kind = KindOf(&entity);
+  if (kind == kMapConversion) return ConversionOfRecord(entity);
+  if (kind == kPropertySet && IsConversionSet(&entity)) return ConversionOfSet(entity);
   return {};
 }
 

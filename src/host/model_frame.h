@@ -30,6 +30,8 @@ struct MapConversion {
 LengthUnit LengthUnitOf(const IfcDocument& document);
 // The first of the file; nothing without one. Looks at each object until it is found.
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document);
+// The one that the object is; nothing when it is none. For those who look at all objects anyway.
+std::optional<MapConversion> MapConversionIn(IFC::IfcEntity& entity);
 
 // True when coordinates in the two units mean different things, or might.
 bool Differ(const LengthUnit& a, const LengthUnit& b);

@@ -3,11 +3,8 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "core/guid_table.h"
 #include "core/root_interfaces.h"
 
 namespace corvel::host {
@@ -24,12 +21,17 @@ class DoubledGuidSearch {
   // An object without a GUID shares it with nobody. The object lives as long as this.
   void Add(IFC::VirtualIfcRoot& root);
   // In the order in which their second objects were added.
-  const std::vector<DoubledGuid>& Result() const { return doubled_; }
+  std::vector<DoubledGuid> Result() const;
 
  private:
-  GuidTable first_;
-  std::unordered_map<std::string_view, std::size_t> places_;  // in `doubled_`
-  std::vector<DoubledGuid> doubled_;
+  struct Entry {
+    std::uint32_t hash = 0;
+    IFC::VirtualIfcRoot* root = nullptr;
+  };
+
+  std::vector<Entry> EntriesOfEqualBits() const;
+
+  std::vector<Entry> entries_;
 };
 
 }  // namespace corvel::host

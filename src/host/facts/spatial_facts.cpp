@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/ticker.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
 #include "merge/federation/tree/length_in_metres.h"
@@ -43,11 +42,10 @@ double HeightOf(const SpatialFacts& storey) {
 
 }  // namespace
 
-SpatialTree SpatialTreeOf(IfcDocument& document) {
+SpatialTree SpatialTreeOf(IfcDocument& document, const std::vector<IFC::IfcEntity*>& objects) {
   const FederatedModel model({&document});
   SpatialStructure structure;
-  Ticker silent((Stage()));
-  CollectSpatialStructure(model, {}, silent, structure);
+  CollectSpatialStructure(objects, structure);
   WorldPlaces places;
   MeasureStoreys(model, places, structure);
   const double metresPerUnit = MetresPerLengthUnit(document.getIfcUnitAssignment());

@@ -30,7 +30,8 @@ struct SpatialTree {
   bool operator==(const SpatialTree&) const = default;
 };
 
-// Of a model that has been read and not been folded into another. It stays as it is.
-SpatialTree SpatialTreeOf(IfcDocument& document);
+// Of a model that has been read and not been folded into another. It stays as it is. `objects`:
+// those of it that stand in the tree and those that say so (SpatialRoles), by number.
+SpatialTree SpatialTreeOf(IfcDocument& document, const std::vector<IFC::IfcEntity*>& objects);
 
 }  // namespace corvel::host

@@ -45,25 +45,33 @@ SpatialRole RoleOfClass(const ClassFacts* facts) {
 
 class Collector {
  public:
-  Collector(const FederatedModel& model, const GuidsAsRead& asRead, SpatialStructure& structure)
-      : model_(model), asRead_(asRead), structure_(structure) {}
+  Collector(const GuidsAsRead& asRead, SpatialStructure& structure)
+      : asRead_(asRead), structure_(structure) {}
 
-  bool Collect(std::size_t input, Ticker& ticker) {
+  bool Collect(const FederatedModel& model, std::size_t input, Ticker& ticker) {
     known_.clear();
     aggregations_.clear();
     const auto hasRole = [](const ClassFacts* facts) {
       return RoleOfClass(facts) != SpatialRole::kOther;
     };
-    const bool goesOn = model_.ForEachRootOf(input, ticker, hasRole,
-                                             [&](IFC::IfcEntity& entity) { Look(entity, input); });
+    const bool goesOn = model.ForEachRootOf(input, ticker, hasRole,
+                                            [&](IFC::IfcEntity& entity) { Look(entity, input); });
     if (!goesOn) return false;
     tops_.clear();
-    for (const IFC::IfcEntity* const aggregation : aggregations_) Enter(*aggregation);
-    PlaceFromTheTop();
+    PutTogether();
     return true;
+  }
+  void Collect(const std::vector<IFC::IfcEntity*>& objects) {
+    for (IFC::IfcEntity* const entity : objects) Look(*entity, 0);
+    PutTogether();
   }
 
  private:
+  void PutTogether() {
+    for (const IFC::IfcEntity* const aggregation : aggregations_) Enter(*aggregation);
+    PlaceFromTheTop();
+  }
+
   void Look(IFC::IfcEntity& entity, std::size_t input) {
     const SpatialRole role = roles_.Of(entity);
     if (role == SpatialRole::kAggregation) {
@@ -127,7 +135,6 @@ class Collector {
     partsOfSomething_.clear();
   }
 
-  const FederatedModel& model_;
   const GuidsAsRead& asRead_;
   SpatialStructure& structure_;
   ClassQuestion isProject_{"IfcProject"};
@@ -158,11 +165,16 @@ void NoteSpatialGuids(const SortedObjects& records, GuidsAsRead& guids) {
 
 bool CollectSpatialStructure(const FederatedModel& model, const GuidsAsRead& asRead, Ticker& ticker,
                              SpatialStructure& structure) {
-  Collector collector(model, asRead, structure);
+  Collector collector(asRead, structure);
   for (std::size_t input = 0; input < model.InputCount(); ++input) {
-    if (!collector.Collect(input, ticker)) return false;
+    if (!collector.Collect(model, input, ticker)) return false;
   }
   return true;
+}
+
+void CollectSpatialStructure(const std::vector<IFC::IfcEntity*>& objects,
+                             SpatialStructure& structure) {
+  Collector({}, structure).Collect(objects);
 }
 
 }  // namespace corvel

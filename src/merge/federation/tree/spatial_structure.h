@@ -116,5 +116,9 @@ struct SpatialStructure {
 // lacks are those that the objects have. False: the user cancelled.
 bool CollectSpatialStructure(const FederatedModel& model, const GuidsAsRead& asRead, Ticker& ticker,
                              SpatialStructure& structure);
+// The same of one model that is not folded, from its objects that stand in the tree and those that
+// say so, in the order of their numbers; others among them do no harm.
+void CollectSpatialStructure(const std::vector<IFC::IfcEntity*>& objects,
+                             SpatialStructure& structure);
 
 }  // namespace corvel
