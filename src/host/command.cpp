@@ -77,7 +77,7 @@ ExitStatus RunInfo(const CommandLine& line) {
   std::vector<FileFacts> files;
   for (const WideString& path : line.inputs) {
     FileFacts facts = ReadFacts(path, line.choices.tolerant);
-    if (facts.schema && facts.problems.empty()) {
+    if (!line.quick && facts.schema && facts.problems.empty()) {
       facts.model =
           ReadModelFacts(path, line.workFolder.value_or(platform::SystemTemporaryFolder()));
     }

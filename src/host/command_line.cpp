@@ -51,6 +51,7 @@ struct Words {
   bool deleteOpenings = false;
   bool quiet = false;
   bool json = false;
+  bool quick = false;
   bool help = false;
 };
 
@@ -172,6 +173,7 @@ void AddOptions(CLI::App& app, Command command, Words& words) {
   if (TakesManyFiles(command)) app.add_option("--files0-from", words.listing);
   AddFederationOptions(app, command);
   if (ShowsOnly(command)) app.add_flag("--json", words.json);
+  if (command == Command::kInfo) app.add_flag("--quick", words.quick);
   if (command == Command::kDiff) app.add_option("--tolerance", words.tolerance);
   if (command == Command::kCheck) AddCheckOptions(app, words);
   if (command == Command::kTree) AddTreeOptions(app, words);
@@ -361,6 +363,7 @@ CommandLine Understood(Command command, const Words& words, RunChoices choices) 
   if (!words.explain.empty()) line.explain = words.explain;
   line.quiet = words.quiet;
   line.json = words.json;
+  line.quick = words.quick;
   line.tree.depth = CountFrom(words.depth).value_or(0);
   line.tree.classes = ItemsOf(words.classes);
   line.tree.properties = words.properties;

@@ -29,6 +29,7 @@ struct CommandLine {
   bool progressIsJson = false;      // of all that have an output
   bool quiet = false;
   bool json = false;                       // info, tree, diff and check
+  bool quick = false;                      // info: without what takes the whole model
   double toleranceMm = 0.001;              // diff
   TreeChoice tree;                         // tree
   bool outputIsPiped = false;              // to standard output, where nothing else goes then

@@ -352,7 +352,7 @@ constexpr char16_t kInfo[] =
     uR"help(corvel info - tells what model files hold
 
 Usage:
-  corvel info FILE... [--json]
+  corvel info FILE... [--quick] [--json]
 
 Shows for each FILE its size; the exporter, the units, where on earth it
 stands, its sites, buildings and storeys with their heights, the products of
@@ -363,7 +363,13 @@ ones by name. The last of these works also on records that a merge would
 refuse. An instance of several classes at once counts as "(complex)", a record
 without a class name as "(nameless)". What is wrong tells corvel check.
 
+For the first of these the whole model is read: that takes as long as a
+resave, without its writing, and two bytes of memory for each of the file.
+With --quick the file is looked through once, in constant memory.
+
 Options:
+  --quick                 leave out what takes the whole model: all up to the
+                          doubled GUIDs
   --json                  for programs, see below
   --tolerant              look into a spoilt file as merge and resave take it
                           with this option
@@ -388,7 +394,7 @@ With --json one object goes to standard output:
     "remarks":  [texts worth knowing],
     "problems": [texts; empty when the file can be read],
     "model":    the facts told first, as "facts" in docs/check.schema.json;
-                null when the file cannot be read
+                null when the file cannot be read, and with --quick
   }, ...]}
 Bytes of the file that are no valid text stand there as U+FFFD.
 

@@ -386,6 +386,19 @@ class Info(CorvelTest):
         self.assertEqual((None, None), (b['model'], c['model']))
         self.assertEqual((0, ['there is no such file']), (c['bytes'], c['problems']))
 
+    def test_a_quick_look_leaves_out_the_facts_of_the_model_alone(self):
+        self.write('a.ifc', project(POINT))
+        whole = self.run_corvel('info', 'a.ifc')
+        quick = self.run_corvel('info', '--quick', 'a.ifc')
+        self.assert_ended(quick, DONE, err='')
+        self.assertIn('  doubled GUIDs   0\n', whole.out)
+        self.assertNotIn('doubled GUIDs', quick.out)
+        kept = [line for line in whole.out.splitlines() if line in quick.out.splitlines()]
+        self.assertEqual(kept, quick.out.splitlines())
+        told, = json.loads(self.run_corvel('info', '--quick', '--json', 'a.ifc').out)['files']
+        expected, = json.loads(self.run_corvel('info', '--json', 'a.ifc').out)['files']
+        self.assertEqual({**expected, 'model': None}, told)
+
     def test_files_behind_a_bad_one_are_shown(self):
         self.write('b.ifc', project())
         ended = self.run_corvel('info', 'none.ifc', 'b.ifc')
