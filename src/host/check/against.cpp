@@ -1,63 +1,71 @@
 #include "host/check/against.h"
 
 #include <algorithm>
-#include <map>
-#include <string_view>
+#include <string>
 #include <utility>
+
+#include "platform/file.h"
 
 namespace corvel::host {
 
 namespace {
 
-using Key = std::pair<RuleId, std::string_view>;
-
-struct Sum {
-  std::uint64_t count = 0;
-  std::map<std::uint64_t, std::uint64_t> byGuid{};
-
-  void Add(const Finding& finding) {
-    count += finding.count;
-    for (const auto& [guid, places] : finding.byGuid) byGuid[guid] += places;
+// Places that both have.
+std::uint64_t OldPlaces(const Finding& finding, KnownPlaces& known) {
+  std::uint64_t old = 0;
+  std::uint64_t anonymous = finding.count;
+  for (const auto& [identity, place] : finding.byObject) {
+    old += known.Take(finding.rule, finding.subject, identity, place.count);
+    anonymous -= place.count;
   }
-};
-
-std::uint64_t WithoutGuid(std::uint64_t count,
-                          const std::map<std::uint64_t, std::uint64_t>& byGuid) {
-  for (const auto& [guid, places] : byGuid) count -= places;
-  return count;
+  return old + known.TakeAnonymous(finding.rule, finding.subject, anonymous);
 }
 
-// Places that both have.
-std::uint64_t OldPlaces(const Finding& finding, const Sum& before) {
-  std::uint64_t old = std::min(WithoutGuid(finding.count, finding.byGuid),
-                               WithoutGuid(before.count, before.byGuid));
-  for (const auto& [guid, places] : finding.byGuid) {
-    const auto there = before.byGuid.find(guid);
-    if (there != before.byGuid.end()) old += std::min(places, there->second);
+// The first by file and number. Of several files it is told which.
+std::vector<FindingPlace> PlacesIn(const KnownPlaces::Sum& sum,
+                                   const std::vector<CheckedModel>& inputs) {
+  std::vector<std::pair<std::size_t, std::uint32_t>> places;
+  for (const auto& [identity, object] : sum.objects) {
+    if (object.count != 0) places.emplace_back(object.file, object.number);
   }
-  return old;
+  std::sort(places.begin(), places.end());
+  places.resize(std::min(places.size(), Finding::kPlacesKept));
+  std::vector<FindingPlace> first;
+  first.reserve(places.size());
+  for (const auto& [file, number] : places) {
+    const WideString where = inputs.size() == 1
+                                 ? WideString()
+                                 : u"in " + WideString(platform::FileNameOf(inputs[file].path));
+    first.push_back({.number = number, .what = where});
+  }
+  return first;
 }
 
 }  // namespace
 
-Comparison CompareWith(const CheckedModel& model, const std::vector<CheckedModel>& inputs) {
-  std::map<Key, Sum> before;
-  for (const CheckedModel& input : inputs) {
-    for (const Finding& finding : input.findings) {
-      before[{finding.rule, finding.subject}].Add(finding);
+KnownPlaces PlacesOf(const std::vector<CheckedModel>& models) {
+  KnownPlaces known;
+  for (std::size_t file = 0; file < models.size(); ++file) {
+    for (const Finding& finding : models[file].findings) {
+      known.Add(finding.rule, finding.subject, finding.count, finding.byObject, file);
     }
   }
+  return known;
+}
+
+Comparison CompareWith(const CheckedModel& model, const std::vector<CheckedModel>& inputs) {
+  KnownPlaces known = PlacesOf(inputs);
   Comparison comparison;
   for (const Finding& finding : model.findings) {
-    Sum& there = before[{finding.rule, finding.subject}];
-    const std::uint64_t old = OldPlaces(finding, there);
-    comparison.newPlaces.push_back(finding.count - old);
-    there.count -= old;
+    comparison.newPlaces.push_back(finding.count - OldPlaces(finding, known));
   }
-  for (const auto& [key, sum] : before) {
-    if (sum.count == 0) continue;
-    comparison.gone.push_back(
-        {.rule = key.first, .subject = std::string(key.second), .count = sum.count});
+  for (const auto& [key, sum] : known.Rest()) {
+    const std::uint64_t count = sum.Count();
+    if (count == 0) continue;
+    comparison.gone.push_back({.rule = key.first,
+                               .subject = key.second,
+                               .count = count,
+                               .places = PlacesIn(sum, inputs)});
   }
   return comparison;
 }

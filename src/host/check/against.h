@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/check/findings.h"
+#include "host/check/known_places.h"
 #include "host/check/model_check.h"
 
 namespace corvel::host {
@@ -12,12 +13,16 @@ namespace corvel::host {
 struct Comparison {
   // Of each finding of the model, how many of its places are new; the others are old.
   std::vector<std::uint64_t> newPlaces;
-  // What the inputs have and the model has no more: so many places, of which none is named.
+  // What the inputs have and the model has no more. Places are records of the inputs; of
+  // several inputs `what` names the file. Their lines are not known.
   std::vector<Finding> gone;
 };
 
-// Numbers of records say nothing across files: places are paired by rule, subject and GUID, and
-// those without one counted. All are checked with CheckOrder::keepsGuids.
+// Of models that were checked with CheckOrder::keepsObjects.
+KnownPlaces PlacesOf(const std::vector<CheckedModel>& models);
+
+// Numbers of records say nothing across files: places are paired by rule, subject and object, and
+// those that are about none are counted. All are checked with CheckOrder::keepsObjects.
 Comparison CompareWith(const CheckedModel& model, const std::vector<CheckedModel>& inputs);
 
 }  // namespace corvel::host

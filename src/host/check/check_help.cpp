@@ -26,7 +26,8 @@ of them. Of several files it tells at the end what does not fit together.
 Options:
   --against IN...         tell of each finding in OUT whether it is old (in one
                           of the files IN as well), new or gone. Objects are
-                          recognised by their GUIDs, all others counted. Takes
+                          recognised by their GUIDs, others by what they say.
+                          Takes
                           all names up to the next option
   --explain RULE          tell what a rule is about, and an example
   --json                  one JSON object, see docs/check.schema.json

@@ -6,12 +6,14 @@ namespace corvel::host {
 
 namespace {
 
-Json PlacesOf(const Finding& finding) {
+Json PlacesOf(const Finding& finding, bool isCompared = false) {
   Json array = Json::array();
   for (const FindingPlace& place : finding.places) {
-    array.push_back({{"record", place.number == 0 ? Json(nullptr) : Json(place.number)},
-                     {"line", place.line == 0 ? Json(nullptr) : Json(place.line)},
-                     {"what", ToUtf8(place.what)}});
+    Json object = {{"record", place.number == 0 ? Json(nullptr) : Json(place.number)},
+                   {"line", place.line == 0 ? Json(nullptr) : Json(place.line)},
+                   {"what", ToUtf8(place.what)}};
+    if (isCompared) object["new"] = place.isNew;
+    array.push_back(object);
   }
   return array;
 }
@@ -42,7 +44,7 @@ Json ModelOf(const CheckedModel& model, const Comparison* comparison) {
   for (std::size_t i = 0; i < model.findings.size(); ++i) {
     Json finding = FindingOf(model.findings[i]);
     if (comparison != nullptr) finding["new"] = comparison->newPlaces[i];
-    finding["places"] = PlacesOf(model.findings[i]);
+    finding["places"] = PlacesOf(model.findings[i], comparison != nullptr);
     object["findings"].push_back(finding);
   }
   AddTotals(object, TotalsOf(model.findings));
@@ -65,7 +67,11 @@ Json BetweenOf(const CheckReport& report) {
 Json AgainstOf(const CheckReport& report) {
   if (!report.comparison) return nullptr;
   Json gone = Json::array();
-  for (const Finding& finding : report.comparison->gone) gone.push_back(FindingOf(finding));
+  for (const Finding& finding : report.comparison->gone) {
+    Json object = FindingOf(finding);
+    object["places"] = PlacesOf(finding);
+    gone.push_back(object);
+  }
   return {{"files", TextsOf(report.against)}, {"gone", gone}};
 }
 

@@ -91,7 +91,8 @@ class CheckRun {
     report_.against = order_.against;
     for (const WideString& path : order_.inputs) {
       CheckOrder order{.keepsHolders = order_.inputs.size() > 1,
-                       .keepsGuids = !order_.against.empty()};
+                       .keepsObjects = !order_.against.empty(),
+                       .before = &before};
       if (!order_.reports.empty()) {
         order.placesOfFile = static_cast<std::uint32_t>(report_.models.size());
         order.mostPlaces = kMostPlaces / order_.inputs.size();
@@ -111,7 +112,7 @@ class CheckRun {
 
   bool CheckAll(const std::vector<WideString>& paths, std::vector<CheckedModel>& models) {
     return std::all_of(paths.begin(), paths.end(), [&](const WideString& path) {
-      return CheckOne(path, {.keepsGuids = true}, models);
+      return CheckOne(path, {.keepsObjects = true}, models);
     });
   }
 

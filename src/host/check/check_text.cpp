@@ -31,14 +31,21 @@ WideString PlaceText(const FindingPlace& place) {
   return text;
 }
 
-// "#12 in line 30 ('a'), #14 in line 33, ..."
+// "#12 in line 30 ('a'), #14 in line 33, ..."; where new and old ones stand side by side "new: #12
+// in line 30; old: #14 in line 33".
 WideString PlacesText(const Finding& finding) {
   WideString text;
-  for (const FindingPlace& place : finding.places) {
+  const std::vector<FindingPlace>& places = finding.places;
+  const bool areMixed = !places.empty() && places.front().isNew != places.back().isNew;
+  bool wasNew = false;
+  for (const FindingPlace& place : places) {
     const WideString one = PlaceText(place);
     if (one.empty()) continue;
-    if (!text.empty()) text += u", ";
+    const bool begins = text.empty() || wasNew != place.isNew;
+    if (!text.empty()) text += areMixed && begins ? u"; " : u", ";
+    if (areMixed && begins) text += place.isNew ? u"new: " : u"old: ";
     text += one;
+    wasNew = place.isNew;
   }
   if (!text.empty() && finding.count > finding.places.size()) text += u", ...";
   return text;

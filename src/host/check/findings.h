@@ -3,12 +3,16 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "core/main_container.h"
 #include "core/text.h"
+#include "host/check/known_places.h"
+#include "host/check/object_identity.h"
 #include "host/check/rules.h"
 
 namespace corvel::host {
@@ -18,6 +22,7 @@ struct FindingPlace {
   std::uint64_t line = 0;    // 0: not known
   WideString what{};         // a value, a GUID, other records; may be empty
   std::int64_t offset = -1;  // into the file, from which the line is found; below 0: not known
+  bool isNew = false;        // compared with other models: none of them has it
 };
 
 // Places of one rule about one subject.
@@ -27,9 +32,8 @@ struct Finding {
   RuleId rule = RuleId::kHeader;
   std::string subject;  // "IfcWall.Name", "IfcWall"; may be empty
   std::uint64_t count = 0;
-  std::vector<FindingPlace> places{};  // the first
-  // How often objects with a GUID stand among the places, by a hash of the GUID.
-  std::map<std::uint64_t, std::uint64_t> byGuid{};
+  std::vector<FindingPlace> places{};  // the first, new ones before others
+  PlacesByObject byObject{};           // of those that are about an object
 
   Severity HowSevere() const { return RuleOf(rule).severity; }
 };
@@ -44,8 +48,11 @@ struct Totals {
 
 class Findings {
  public:
-  // `keepsGuids`: Finding::byGuid is filled.
-  explicit Findings(bool keepsGuids = false) : keepsGuids_(keepsGuids) {}
+  Findings() = default;
+  // Fills Finding::byObject with the objects of `container`, and with `known` (may be null) tells
+  // new places from those. Both are borrowed.
+  Findings(const IFC::MainContainer& container, KnownPlaces* known)
+      : container_(&container), known_(known) {}
 
   // Where places of one rule and subject go, looked up once for many.
   class Heap {
@@ -55,25 +62,27 @@ class Findings {
     std::size_t at_ = kUnknown;
   };
 
-  // One place. `guid`: of its object; may be empty.
-  void Add(RuleId rule, std::string_view subject, FindingPlace place, std::string_view guid = {});
+  void Add(RuleId rule, std::string_view subject, FindingPlace place);
   // The same again and again: a heap is for one rule and one subject.
-  void Add(Heap& heap, RuleId rule, std::string_view subject, FindingPlace place,
-           std::string_view guid = {});
-  // Whether a place that is added now is one of the first, which are kept.
-  bool KeepsNextPlace(RuleId rule, std::string_view subject) const;
-  // Many places at once, of which the first are known.
-  void Add(Finding finding);
+  void Add(Heap& heap, RuleId rule, std::string_view subject, FindingPlace place);
+  // Whether a place that is added now may be kept, so that what it is about is worth its words.
+  bool MayKeepPlace(RuleId rule, std::string_view subject) const;
+  // Many places at once, of which the first are known. `numbers`: of all their records, if these
+  // are known too.
+  void Add(Finding finding, std::span<const std::uint32_t> numbers = {});
 
   // All of them, by rule, then in the order of their subjects. Nothing is left here.
   std::vector<Finding> Take();
-  bool KeepsGuids() const { return keepsGuids_; }
 
  private:
   std::size_t IndexOf(RuleId rule, std::string_view subject);
-  void AddTo(Finding& finding, FindingPlace place, std::string_view guid) const;
+  void AddTo(Finding& finding, FindingPlace place);
+  void NoteObject(Finding& finding, FindingPlace& place);
+  static void Keep(std::vector<FindingPlace>& places, FindingPlace place);
 
-  bool keepsGuids_;
+  const IFC::MainContainer* container_ = nullptr;  // null: objects are not told apart
+  KnownPlaces* known_ = nullptr;
+  ObjectIdentity identity_;
   std::vector<Finding> findings_;
   std::map<std::pair<RuleId, std::string>, std::size_t, std::less<>> places_;
 };

@@ -52,7 +52,7 @@ std::optional<PackedGuid> CheckGuid(const IFC::IfcEntity& entity, const ClassFac
   std::optional<PackedGuid> packed = PackGuid(guid);
   if (!packed) {
     findings.Add(RuleId::kMalformedGuid, facts.name,
-                 {.number = entity.marker, .what = u"'" + FromUtf8(guid) + u"'"}, guid);
+                 {.number = entity.marker, .what = u"'" + FromUtf8(guid) + u"'"});
   }
   return packed;
 }
@@ -65,8 +65,7 @@ void CheckDoubledGuids(const std::vector<DoubledGuid>& doubled, Findings& findin
       what += u" #" + ToWide(guid.numbers[i]);
     }
     if (guid.numbers.size() > kMostTold + 1) what += u" ...";
-    findings.Add(RuleId::kDoubledGuid, {}, {.number = guid.numbers.front(), .what = what},
-                 guid.guid);
+    findings.Add(RuleId::kDoubledGuid, {}, {.number = guid.numbers.front(), .what = what});
   }
 }
 

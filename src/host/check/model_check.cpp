@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <deque>
-#include <iterator>
+#include <memory>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -11,10 +11,12 @@
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 #include "core/ticker.h"
+#include "host/check/absent_check.h"
+#include "host/check/against.h"
 #include "host/check/placement_check.h"
 #include "host/check/project_check.h"
 #include "host/check/reading_check.h"
-#include "host/check/record_texts.h"
+#include "host/check/record_places.h"
 #include "host/check/relation_check.h"
 #include "host/check/report/places_of_model.h"
 #include "host/check/value_check.h"
@@ -43,16 +45,16 @@ class ObjectWalk {
         order_(order),
         checked_(checked),
         findings_(findings),
+        facts_(document),
         relations_(FederatedModel({&document}).Release()) {}
 
-  // Objects that ValueCheck::Look was true of.
-  const std::vector<std::uint32_t>& WithZero() const { return withZero_; }
   // False: the user cancelled.
   bool Run(Ticker& ticker) {
     for (const auto& [number, entity] : container_.entities) {
       Look(*entity);
       if (!ticker.Advance()) return false;
     }
+    checked_.facts = facts_.Finish();
     relations_.Finish(container_, findings_);
     project_.Finish(findings_);
     CheckPlacements(placements_, findings_);
@@ -85,91 +87,84 @@ class ObjectWalk {
     });
   }
 
-  std::string_view LookAtGuid(IFC::IfcEntity& entity, const ClassFacts& facts) {
+  void LookAtGuid(IFC::IfcEntity& entity, const ClassFacts& facts) {
     const std::string_view guid = EntityCast<IFC::VirtualIfcRoot>(&entity)->getGlobalId();
     const auto packed = CheckGuid(entity, facts, guid, findings_);
     if (packed && order_.keepsHolders) {
       checked_.holders.push_back({*packed, entity.marker, &facts});
     }
-    return guid;
   }
 
   void Look(IFC::IfcEntity& entity) {
+    facts_.Look(entity);
     ClassPlan* const found = PlanOf(entity);
     if (found == nullptr) return;
     ClassPlan& plan = *found;
-    const std::string_view guid = plan.isRoot ? LookAtGuid(entity, plan.facts) : std::string_view();
+    if (plan.isRoot) LookAtGuid(entity, plan.facts);
     if (plan.role != ProjectCheck::Role::kNone) project_.Look(entity, plan.role);
     if (plan.isPlacement) placements_.push_back(&entity);
     if (!plan.relations.IsEmpty()) relations_.Look(entity, plan.relations);
     // What another release has read is told as a class that this one lacks.
     if (entity.carries && IsOfNoClassOfModel(entity)) return;
-    if (plan.values.Look(entity, guid, findings_)) withZero_.push_back(entity.marker);
+    plan.values.Look(entity, findings_);
   }
 
   const IFC::MainContainer& container_;
   const CheckOrder& order_;
   CheckedModel& checked_;
   Findings& findings_;
+  ModelFactsWalk facts_;
   RelationCheck relations_;
   ProjectCheck project_;
   ClassQuestion isPlacement_{"IfcObjectPlacement"};
   std::vector<IFC::IfcEntity*> placements_;
-  std::vector<std::uint32_t> withZero_;
   std::deque<ClassPlan> plans_;
   PerClass<ClassPlan*> planOf_;
 };
 
-// Behind the objects those that only the text tells, and the offsets of all places.
-bool LookAtText(const IfcDocument& document, const std::vector<std::uint32_t>& withZero,
-                CheckedModel& checked, Findings& findings, Ticker& ticker) {
-  std::vector<Finding> ofObjects = findings.Take();
-  RecordTexts texts(*document.GetParser().factories->classes);
-  for (const std::uint32_t number : withZero) texts.WantNumbers(number);
-  for (const Finding& finding : ofObjects) {
-    for (const FindingPlace& place : finding.places) {
-      if (place.number != 0 && place.offset < 0) texts.Want(place.number);
-    }
-  }
-  Findings ofTexts(findings.KeepsGuids());
-  const bool goesOn = texts.Walk(checked.path, *document.mainContainer, ticker, ofTexts);
-  for (Finding& finding : ofObjects) {
-    for (FindingPlace& place : finding.places) {
-      if (place.offset < 0) place.offset = texts.OffsetOf(place.number);
-    }
-  }
-  checked.findings = std::move(ofObjects);
-  std::ranges::move(ofTexts.Take(), std::back_inserter(checked.findings));
-  std::sort(checked.findings.begin(), checked.findings.end(), [](const auto& a, const auto& b) {
-    return std::tie(a.rule, a.subject) < std::tie(b.rule, b.subject);
-  });
-  return goesOn;
-}
-
-void FindLines(CheckedModel& checked) {
+void FindLines(const RecordNotes& notes, CheckedModel& checked) {
   std::vector<FindingPlace*> places;
   std::vector<std::int64_t> offsets;
+  RecordPlaces records(notes);
   for (Finding& finding : checked.findings) {
     for (FindingPlace& place : finding.places) {
-      if (place.offset < 0) continue;
-      places.push_back(&place);
-      offsets.push_back(place.offset);
+      if (place.offset >= 0) {
+        places.push_back(&place);
+        offsets.push_back(place.offset);
+      } else if (place.number != 0) {
+        records.Want(place.number);
+      }
     }
   }
-  const std::vector<std::uint64_t> lines = FileStream::LinesOf(checked.path, offsets);
-  for (std::size_t i = 0; i < places.size(); ++i) places[i]->line = lines[i];
+  if (!offsets.empty()) {
+    const std::vector<std::uint64_t> lines = FileStream::LinesOf(checked.path, offsets);
+    for (std::size_t i = 0; i < places.size(); ++i) places[i]->line = lines[i];
+  }
+  records.Find(checked.path);
+  for (Finding& finding : checked.findings) {
+    for (FindingPlace& place : finding.places) {
+      if (place.offset < 0) place.line = records.LineOf(place.number);
+    }
+  }
+}
+
+Findings FindingsFor(const CheckOrder& order, const IFC::MainContainer& container,
+                     KnownPlaces& known) {
+  if (!order.keepsObjects) return {};
+  return {container, order.before == nullptr ? nullptr : &known};
 }
 
 bool LookAtModel(IfcDocument& document, const CheckOrder& order, CheckedModel& checked) {
   const std::size_t pieces = document.mainContainer->entities.Size() / (kHundred / 2) + 1;
   Ticker ticker({.callback = order.progress}, {.block = pieces});
-  checked.facts = ModelFactsOf(document);
-  Findings findings(order.keepsGuids);
+  const RecordNotes& notes = *document.GetParser().notes.records;
+  KnownPlaces known = order.before == nullptr ? KnownPlaces() : PlacesOf(*order.before);
+  Findings findings = FindingsFor(order, *document.mainContainer, known);
   CheckReading(document, findings);
-  ObjectWalk walk(document, order, checked, findings);
-  if (!walk.Run(ticker)) return false;
-  if (!LookAtText(document, walk.WithZero(), checked, findings, ticker)) return false;
-  FindLines(checked);
+  CheckAbsentNumbers(notes, *document.mainContainer, findings);
+  if (!ObjectWalk(document, order, checked, findings).Run(ticker)) return false;
+  checked.findings = findings.Take();
+  FindLines(notes, checked);
   if (order.placesOfFile) {
     checked.places = PlacesOfModel(document, *order.placesOfFile, order.mostPlaces);
   }
@@ -182,6 +177,7 @@ bool LookAtModel(IfcDocument& document, const CheckOrder& order, CheckedModel& c
 void ReadAndLook(const CheckOrder& order, CheckedModel& checked) {
   IfcDocument document(true, Hear, order.progress);
   document.ReadTolerantly();
+  document.GetParser().notes.records = std::make_unique<RecordNotes>();
   document.KeepWorkFileIn(order.workFolder);
   constexpr int kOneFile = 1;
   std::vector<WideString> heard;

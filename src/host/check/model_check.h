@@ -13,10 +13,14 @@
 
 namespace corvel::host {
 
+struct CheckedModel;
+
 struct CheckOrder {
   WideString workFolder{};    // of the file that the reading needs meanwhile
   bool keepsHolders = false;  // CheckedModel::holders is filled
-  bool keepsGuids = false;    // Finding::byGuid is filled
+  bool keepsObjects = false;  // Finding::byObject is filled
+  // With keepsObjects: places that none of these has are told as new. Borrowed; may be null.
+  const std::vector<CheckedModel>* before = nullptr;
   // CheckedModel::places is filled, for the report that has the file at this index.
   std::optional<std::uint32_t> placesOfFile{};
   std::size_t mostPlaces = 0;  // products among them

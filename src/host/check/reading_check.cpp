@@ -81,8 +81,14 @@ void CheckReading(const IfcDocument& document, Findings& findings) {
   if (!ChooseSchemaTolerantly(identifier, document.getFilePath()).told.empty()) {
     findings.Add(RuleId::kSchema, {}, {.what = identifier});
   }
+  if (notes.records != nullptr) {
+    for (const HiddenRecords& hidden : notes.records->Hidden()) {
+      findings.Add(RuleId::kHiddenRecords, hidden.isInText ? "text" : "comment",
+                   {.number = hidden.record, .offset = hidden.offset});
+    }
+  }
   for (const SkippedPart& part : notes.skipped) findings.Add(FindingOf(part));
-  for (const MisfitGroup& group : notes.misfits) findings.Add(FindingOf(group));
+  for (const MisfitGroup& group : notes.misfits) findings.Add(FindingOf(group), group.numbers);
 }
 
 }  // namespace corvel::host

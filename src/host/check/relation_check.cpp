@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
+#include "host/wrapped_text.h"
 
 namespace corvel::host {
 
@@ -47,13 +46,11 @@ void RelationCheck::Tell(RuleId rule, Entry entry, std::uint64_t count,
                          const IFC::MainContainer& container, Findings& findings) {
   const auto number = static_cast<std::uint32_t>(entry >> kIndexBits);
   const InverseBound& bound = InverseBounds()[entry & ((Entry{1} << kIndexBits) - 1)];
-  IFC::IfcEntity* const entity = container.entities.Find(number);
+  const IFC::IfcEntity& entity = *container.entities.Find(number);
   const std::string subject =
-      std::string(FindFacts(*entity)->name) + " in " + std::string(bound.relation);
-  const auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
+      std::string(FindFacts(entity)->name) + " in " + std::string(bound.relation);
   findings.Add(rule, subject,
-               {.number = number, .what = Widen(std::to_string(count)) + u" relations"},
-               root == nullptr ? std::string_view() : root->getGlobalId());
+               {.number = number, .what = Counted(count, u"relation", u"relations")});
 }
 
 void RelationCheck::Finish(const IFC::MainContainer& container, Findings& findings) {

@@ -38,6 +38,11 @@ constexpr Rule kTable[] = {
      u"They are passed over, and a save leaves them out.", u"#1=IFCDIRECTION((0.,0.,1.)) !;"},
     {RuleId::kEndInRecord, "CRV.syntax.end", kError, u"The file ends inside of a record",
      u"The record is closed. What stood behind it is lost.", u"#1=IFCWALL('2o1y (end)"},
+    {RuleId::kHiddenRecords, "CRV.syntax.hidden", kWarning,
+     u"A comment or a text holds what looks like records",
+     u"They are no part of the model. Somebody may have taken them out on purpose; or the end of a "
+     u"comment, or an apostrophe, stands where it should not. Texts keep them.",
+     u"/* (line) #1=IFCWALL(...); (line) */"},
 
     {RuleId::kSchema, "IFC101.schema", kError, u"No release has the schema that the file names",
      u"The release that has most of the file's classes reads it.",
@@ -109,7 +114,7 @@ constexpr Rule kTable[] = {
      u"A value of type NUMBER is written with six significant digits; --numbers exact keeps all.",
      u"#1=IFCQUANTITYCOUNT('bricks',$,$,1234567);"},
 
-    {RuleId::kMalformedGuid, "PJS003.malformed", kError, u"A GUID is none",
+    {RuleId::kMalformedGuid, "PJS003.malformed", kError, u"A GUID is malformed",
      u"It has 22 characters out of 0-9 A-Z a-z _ $, and begins with 0, 1, 2 or 3. Programs that "
      u"take it apart fail.",
      u"#1=IFCWALL('wall-1',...);"},

@@ -31,6 +31,7 @@ enum class RuleId : std::uint8_t {
   kSemicolon,
   kStrayBytes,
   kEndInRecord,
+  kHiddenRecords,
   // Of records.
   kSchema,
   kUnknownClass,

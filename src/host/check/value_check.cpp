@@ -64,10 +64,6 @@ std::size_t MostOf(const Aggregate& list) {
   return list.kind == Aggregate::Kind::kArray ? std::size_t{list.high} - list.low + 1 : list.high;
 }
 
-bool IsBounded(const Aggregate& list) {
-  return !list.IsNone() && (LeastOf(list) != 0 || list.high != Aggregate::kUnbounded);
-}
-
 // The first member that stands in the list before. Null without one.
 const IFC::IfcEntity* DoubledMember(const EntityList& list) {
   constexpr std::size_t kFew = 8;
@@ -98,18 +94,17 @@ WideString CountText(std::size_t count) {
 
 struct ValueCheck::Place {
   const IFC::IfcEntity& entity;
-  std::string_view guid;
   Findings& findings;
 
   void Add(Findings::Heap& heap, RuleId rule, const std::string& subject, WideString what) const {
-    findings.Add(heap, rule, subject, {.number = entity.marker, .what = std::move(what)}, guid);
+    findings.Add(heap, rule, subject, {.number = entity.marker, .what = std::move(what)});
   }
 };
 
 // A double that is the nearest to some decimal text of 15 digits is the nearest to that of its own
 // first 15 digits. Those are a whole number that doubles hold exactly, and so is the power of ten
 // between the two: the division gives the nearest double.
-bool IsWrittenWhole(double value) {
+bool IsFractionWrittenWhole(double value) {
   static constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -122,7 +117,8 @@ bool IsWrittenWhole(double value) {
     int tens = 14 - ((bits * 1233) >> 12);
     if (size * kTens[tens] < kFewest) ++tens;
     if (size * kTens[tens] >= kFewest * 10) --tens;
-    const auto whole = std::llround(size * kTens[tens]);
+    // The half is added without a loss, there being 50 bits before it at most.
+    const auto whole = static_cast<std::int64_t>(size * kTens[tens] + 0.5);
     return static_cast<double>(whole) / kTens[tens] == size;
   }
   char text[kNumberRoom];
@@ -141,17 +137,20 @@ ValueCheck::ValueCheck(const ClassFacts& facts) {
     const AttributeFacts& attribute = facts.Attribute(i);
     Plan plan;
     plan.attribute = &attribute;
-    plan.lists = ListsOf(attribute);
+    const std::array<Aggregate, 3> lists = ListsOf(attribute);
+    for (std::size_t depth = 0; depth < lists.size(); ++depth) {
+      if (lists[depth].IsNone()) continue;
+      plan.bounds[depth] = {LeastOf(lists[depth]), MostOf(lists[depth])};
+      plan.hasBounds = plan.hasBounds || plan.bounds[depth].least != 0 ||
+                       lists[depth].high != Aggregate::kUnbounded;
+    }
     plan.absent = AbsentOf(facts, attribute);
-    plan.hasBounds = std::any_of(plan.lists.begin(), plan.lists.end(), IsBounded);
-    plan.isSet = attribute.depth == 1 && Refers(attribute.kind) &&
-                 plan.lists[0].kind == Aggregate::Kind::kSet;
+    plan.isSet =
+        attribute.depth == 1 && Refers(attribute.kind) && lists[0].kind == Aggregate::Kind::kSet;
     plan.hasReals = attribute.kind == ValueKind::kReal || attribute.kind == ValueKind::kNumber;
     plan.mayHoldValues = attribute.kind == ValueKind::kSelect;
-    if (plan.absent == Absent::kNot && !plan.hasBounds && !plan.isSet && !plan.hasReals &&
-        !plan.mayHoldValues) {
-      continue;
-    }
+    plan.isLookedAt = plan.hasBounds || plan.isSet || plan.hasReals || plan.mayHoldValues;
+    if (plan.absent == Absent::kNot && !plan.isLookedAt) continue;
     plan.subject = std::string(facts.name) + "." + attribute.name;
     plans_.push_back(std::move(plan));
   }
@@ -168,9 +167,9 @@ ValueCheck::Absent ValueCheck::AbsentOf(const ClassFacts& facts, const Attribute
     case ValueKind::kSelect: return Absent::kReference;
     case ValueKind::kText: return Absent::kText;
     case ValueKind::kReal:
-    case ValueKind::kNumber: return Absent::kReal;
+    case ValueKind::kNumber:
     case ValueKind::kInteger:
-    case ValueKind::kBinary: return Absent::kInteger;
+    case ValueKind::kBinary:
     case ValueKind::kGuid:
     case ValueKind::kBoolean:
     case ValueKind::kLogical:
@@ -188,34 +187,28 @@ bool ValueCheck::LooksAbsent(ConstAttribute attribute, const Plan& plan) {
       const auto* const text = attribute.As<ModelText>();
       return text != nullptr && (text->IsNull() || (!text->IsPlain() && text->Units().empty()));
     }
-    case Absent::kReal: {
-      const auto* const real = attribute.As<double>();
-      return real != nullptr && *real == 0.0;
-    }
-    case Absent::kInteger: {
-      const auto* const integer = attribute.As<std::int32_t>();
-      return integer != nullptr && *integer == 0;
-    }
   }
   return false;
 }
 
-bool ValueCheck::Look(const IFC::IfcEntity& entity, std::string_view guid, Findings& findings) {
-  const Place place{entity, guid, findings};
-  bool hasZero = false;
+bool WantsNumber(const ClassFacts& facts, const AttributeFacts& attribute) {
+  if (attribute.IsOptional() || attribute.depth != 0 || IsDerived(facts, attribute.name)) {
+    return false;
+  }
+  return attribute.kind == ValueKind::kReal || attribute.kind == ValueKind::kNumber ||
+         attribute.kind == ValueKind::kInteger || attribute.kind == ValueKind::kBinary;
+}
+
+void ValueCheck::Look(const IFC::IfcEntity& entity, Findings& findings) {
+  const Place place{entity, findings};
   for (Plan& plan : plans_) {
     const ConstAttribute attribute(entity, *plan.attribute);
     if (plan.absent != Absent::kNot && LooksAbsent(attribute, plan)) {
-      if (plan.absent >= Absent::kReal) {
-        hasZero = true;
-      } else {
-        place.Add(plan.missing, RuleId::kMissingValue, plan.subject, {});
-      }
-    } else if (attribute.HasValue()) {
+      place.Add(plan.missing, RuleId::kMissingValue, plan.subject, {});
+    } else if (plan.isLookedAt && attribute.HasValue()) {
       LookAt(attribute, plan, place);
     }
   }
-  return hasZero;
 }
 
 void ValueCheck::LookAt(ConstAttribute attribute, Plan& plan, const Place& place) {
@@ -224,33 +217,41 @@ void ValueCheck::LookAt(ConstAttribute attribute, Plan& plan, const Place& place
   if (plan.hasReals) CheckReals(attribute, plan, place);
   if (!plan.mayHoldValues) return;
   attribute.ForEach<IFC::IfcEntity*>([&](const IFC::IfcEntity* value) {
-    if (value == nullptr || !value->inlineValue || FindFacts(*value) == nullptr) return;
-    for (const ConstAttribute held : AttributesOf(*value)) CheckReals(held, plan, place);
+    if (value != nullptr && value->inlineValue) CheckValue(*value, plan, place);
   });
+}
+
+void ValueCheck::CheckValue(const IFC::IfcEntity& value, const Plan& plan, const Place& place) {
+  const bool holdsReals = holdReals_.Of(value, [](const ClassFacts* facts) {
+    if (facts == nullptr || facts->AttributeCount() != 1) return false;
+    const ValueKind kind = facts->Attribute(0).kind;
+    return kind == ValueKind::kReal || kind == ValueKind::kNumber;
+  });
+  if (holdsReals) CheckReals(AttributesOf(value)[0], plan, place);
 }
 
 namespace {
 
-// Calls check(list, size) for each list, depth by depth.
-template <class T, class Check>
-void ForEachList(const T& /*scalar*/, const Aggregate* /*list*/, Check& /*check*/) {}
-template <class T, class Check>
-void ForEachList(const List<T>& held, const Aggregate* list, Check& check) {
-  check(*list, held.size());
-  for (const T& item : held) ForEachList(item, list + 1, check);
+// Calls check(bounds, size) for each list, depth by depth.
+template <class T, class Bounds, class Check>
+void ForEachList(const T& /*scalar*/, const Bounds* /*bounds*/, Check& /*check*/) {}
+template <class T, class Bounds, class Check>
+void ForEachList(const List<T>& held, const Bounds* bounds, Check& check) {
+  check(*bounds, held.size());
+  for (const T& item : held) ForEachList(item, bounds + 1, check);
 }
 
 }  // namespace
 
 void ValueCheck::CheckMembers(ConstAttribute attribute, Plan& plan, const Place& place) {
-  const auto check = [&](const Aggregate& list, std::size_t size) {
-    if (!list.IsNone() && size < LeastOf(list)) {
+  const auto check = [&](const Bounds& bounds, std::size_t size) {
+    if (size < bounds.least) {
       place.Add(plan.few, RuleId::kFewMembers, plan.subject, CountText(size));
-    } else if (!list.IsNone() && size > MostOf(list)) {
+    } else if (size > bounds.most) {
       place.Add(plan.many, RuleId::kManyMembers, plan.subject, CountText(size));
     }
   };
-  attribute.Visit([&](const auto& value) { ForEachList(value, plan.lists.data(), check); });
+  attribute.Visit([&](const auto& value) { ForEachList(value, plan.bounds.data(), check); });
 }
 
 void ValueCheck::CheckSet(ConstAttribute attribute, Plan& plan, const Place& place) {
@@ -261,7 +262,7 @@ void ValueCheck::CheckSet(ConstAttribute attribute, Plan& plan, const Place& pla
 }
 
 // An object counts once an attribute, however many of its numbers are shortened.
-void ValueCheck::CheckReals(ConstAttribute attribute, Plan& plan, const Place& place) {
+void ValueCheck::CheckReals(ConstAttribute attribute, const Plan& plan, const Place& place) {
   const bool isCount = attribute.Facts().kind == ValueKind::kNumber;
   bool isTold = false;
   attribute.ForEach<double>([&](double value) {
@@ -269,11 +270,11 @@ void ValueCheck::CheckReals(ConstAttribute attribute, Plan& plan, const Place& p
     isTold = true;
     // One finding for the whole model: some programs write all their numbers with more digits.
     const RuleId rule = isCount ? RuleId::kChangedNumber : RuleId::kChangedReal;
-    const bool isShown = place.findings.KeepsNextPlace(rule, {});
-    place.findings.Add(rule, {},
-                       {.number = place.entity.marker,
-                        .what = isShown ? Widen(plan.subject) + u" " + Shown(value) : WideString()},
-                       place.guid);
+    const bool isShown = place.findings.MayKeepPlace(rule, {});
+    place.findings.Add(
+        rule, {},
+        {.number = place.entity.marker,
+         .what = isShown ? Widen(plan.subject) + u" " + Shown(value) : WideString()});
   });
 }
 

@@ -112,7 +112,7 @@ std::string TwoMaterialsOf(const std::string& wall, const std::string& first,
   return relation(first, "#50") + relation(second, "#51");
 }
 
-CheckedModel KeepingGuids(const std::string& records) {
+CheckedModel KeepingObjects(const std::string& records) {
   return CheckFile(test::ModelFile(records), true);
 }
 
@@ -120,10 +120,10 @@ CheckedModel KeepingGuids(const std::string& records) {
 
 TEST(CompareWith, ObjectsAreRecognisedByTheirGuids) {
   const std::string records = kGoodRecords + kTwoMaterials;
-  const CheckedModel before = KeepingGuids(records + WallOf("20", "20") + WallOf("21", "21") +
-                                           TwoMaterialsOf("20", "60", "61"));
-  const CheckedModel after = KeepingGuids(records + WallOf("30", "20") + WallOf("31", "21") +
-                                          TwoMaterialsOf("31", "60", "61"));
+  const CheckedModel before = KeepingObjects(records + WallOf("20", "20") + WallOf("21", "21") +
+                                             TwoMaterialsOf("20", "60", "61"));
+  const CheckedModel after = KeepingObjects(records + WallOf("30", "20") + WallOf("31", "21") +
+                                            TwoMaterialsOf("31", "60", "61"));
   const auto same = CompareWith(before, {before});
   EXPECT_EQ(std::vector<std::uint64_t>{0}, same.newPlaces);
   EXPECT_TRUE(same.gone.empty());
@@ -134,15 +134,91 @@ TEST(CompareWith, ObjectsAreRecognisedByTheirGuids) {
   EXPECT_EQ(1u, other.gone[0].count);
 }
 
-TEST(CompareWith, WhatHasNoGuidIsCounted) {
-  const CheckedModel one = KeepingGuids(kGoodRecords + "#20=IFCCARTESIANPOINT(());\n");
+TEST(CompareWith, EqualObjectsWithoutAGuidAreCounted) {
+  const CheckedModel one = KeepingObjects(kGoodRecords + "#20=IFCCARTESIANPOINT(());\n");
   const CheckedModel two =
-      KeepingGuids(kGoodRecords + "#30=IFCCARTESIANPOINT(());\n#31=IFCCARTESIANPOINT(());\n");
+      KeepingObjects(kGoodRecords + "#30=IFCCARTESIANPOINT(());\n#31=IFCCARTESIANPOINT(());\n");
   EXPECT_EQ(std::vector<std::uint64_t>{1}, CompareWith(two, {one}).newPlaces);
   EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(two, {one, one}).newPlaces);
   EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(one, {two}).newPlaces);
   ASSERT_EQ(1u, CompareWith(one, {two}).gone.size());
   EXPECT_EQ(1u, CompareWith(one, {two}).gone[0].count);
+}
+
+TEST(CompareWith, ObjectsWithoutAGuidAreRecognisedByWhatTheySay) {
+  const auto model = [](const std::string& number, const std::string& x) {
+    return KeepingObjects(kGoodRecords + "#" + number + "=IFCCARTESIANPOINT((" + x +
+                          ",0.,0.,0.));");
+  };
+  const CheckedModel before = model("20", "1.");
+  EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(model("30", "1."), {before}).newPlaces);
+  const Comparison other = CompareWith(model("20", "2."), {before});
+  EXPECT_EQ(std::vector<std::uint64_t>{1}, other.newPlaces);
+  ASSERT_EQ(1u, other.gone.size());
+  ASSERT_EQ(1u, other.gone[0].places.size());
+  EXPECT_EQ(20u, other.gone[0].places[0].number);
+  EXPECT_EQ(u"", other.gone[0].places[0].what);
+  const Comparison several = CompareWith(model("20", "2."), {before, before});
+  EXPECT_EQ(u"in m.ifc", several.gone.at(0).places.at(0).what);
+}
+
+TEST(CompareWith, WhatObjectsReferToMayHaveOtherNumbers) {
+  const auto model = [](const std::string& point) {
+    return KeepingObjects(kGoodRecords + "#20=IFCAXIS2PLACEMENT3D($,#" + point + ",$);#" + point +
+                          "=IFCDIRECTION((0.,0.,1.));");
+  };
+  EXPECT_EQ(std::vector<std::uint64_t>{0}, CompareWith(model("31"), {model("30")}).newPlaces);
+}
+
+TEST(CompareWith, WhatTheReadingNotedIsRecognisedByItsObject) {
+  const auto model = [](const std::string& number, const std::string& guid,
+                        const std::string& value) {
+    return KeepingObjects(kGoodRecords + "#" + number + "=IFCSLAB('00000000000000000000" + guid +
+                          "',$,$,$,$,$,$,$,." + value + ".);#40=IFCSPACESHIP('a',#" + number +
+                          ");");
+  };
+  const CheckedModel before = model("20", "20", "FLYING");
+  const auto same = CompareWith(model("21", "20", "HOVERING"), {before});
+  EXPECT_EQ((std::vector<std::uint64_t>{0, 0}), same.newPlaces);
+  EXPECT_TRUE(same.gone.empty());
+  const auto other = CompareWith(model("20", "21", "FLYING"), {before});
+  EXPECT_EQ((std::vector<std::uint64_t>{0, 1}), other.newPlaces);
+  ASSERT_EQ(1u, other.gone.size());
+  EXPECT_EQ(RuleId::kUnknownValue, other.gone[0].rule);
+}
+
+TEST(CompareWith, PlacesOfNoObjectAreCounted) {
+  const auto model = [](const std::string& more) { return KeepingObjects(kGoodRecords + more); };
+  const CheckedModel before = model("hello\n#20=IFCMATERIAL('a',$,$);");
+  EXPECT_EQ(std::vector<std::uint64_t>{0},
+            CompareWith(model("you\n#20=IFCMATERIAL('a',$,$);"), {before}).newPlaces);
+  EXPECT_EQ(std::vector<std::uint64_t>{1},
+            CompareWith(model("a\n#20=IFCMATERIAL('a',$,$);b\n#21=IFCMATERIAL('a',$,$);"), {before})
+                .newPlaces);
+}
+
+TEST(CheckModel, NewPlacesComeBeforeOldOnes) {
+  const auto point = [](const std::string& number, const std::string& x) {
+    return "#" + number + "=IFCCARTESIANPOINT((" + x + ",0.,0.,0.));\n";
+  };
+  const std::string old = point("20", "1.") + point("21", "2.") + point("22", "3.");
+  const std::vector<CheckedModel> before{KeepingObjects(kGoodRecords + old)};
+  const test::QuietReading quiet;
+  const test::TemporaryFolder folder;
+  const CheckedModel model = CheckModel(
+      folder.Write("m.ifc",
+                   test::ModelFile(kGoodRecords + old + point("23", "4.") + point("24", "5."))),
+      {.workFolder = folder.Path(), .keepsObjects = true, .before = &before});
+  const Finding many = FindingIn(model, RuleId::kManyMembers);
+  EXPECT_EQ(5u, many.count);
+  ASSERT_EQ(3u, many.places.size());
+  EXPECT_EQ(23u, many.places[0].number);
+  EXPECT_TRUE(many.places[0].isNew);
+  EXPECT_EQ(21u, many.places[0].line);
+  EXPECT_EQ(24u, many.places[1].number);
+  EXPECT_EQ(20u, many.places[2].number);
+  EXPECT_FALSE(many.places[2].isNew);
+  EXPECT_EQ(std::vector<std::uint64_t>{2}, CompareWith(model, before).newPlaces);
 }
 
 }  // namespace corvel::host

@@ -15,13 +15,14 @@
 namespace corvel::host {
 
 // As a file of that name; its path is gone behind this.
-inline CheckedModel CheckFile(std::string_view bytes, bool keepsGuids = false,
+inline CheckedModel CheckFile(std::string_view bytes, bool keepsObjects = false,
                               std::string_view name = "m.ifc") {
   const test::QuietReading quiet;
   const test::TestPlatform boxesGoNowhere;
   const test::TemporaryFolder folder;
-  return CheckModel(folder.Write(name, bytes),
-                    {.workFolder = folder.Path(), .keepsHolders = true, .keepsGuids = keepsGuids});
+  return CheckModel(
+      folder.Write(name, bytes),
+      {.workFolder = folder.Path(), .keepsHolders = true, .keepsObjects = keepsObjects});
 }
 
 // A model against which nothing is to be said. Records up to #19 are taken; #11 is a site.

@@ -68,6 +68,7 @@ const std::vector<RuleCase>& RuleCases() {
       {RuleId::kStrayBytes, "#20=IFCDIRECTION((0.,1.)) !;", "#20=IFCDIRECTION((0.,1.)) ;"},
       {RuleId::kEndInRecord,
        Replaced(good, "ENDSEC;\nEND-ISO-10303-21;\n", "#20=IFCMATERIAL('a',$,"), good},
+      {RuleId::kHiddenRecords, "/*\n#20=IFCMATERIAL('a',$,$);\n*/", "/* #20=IFCMATERIAL: gone */"},
       {RuleId::kSchema, test::ModelFile(kGoodRecords, "IFC4_TOMORROW"), good},
       {RuleId::kUnknownClass, "#20=IFCSPACESHIP('a');", "#20=IFCMATERIAL('a',$,$);"},
       {RuleId::kComplexInstance, "#20=(IFCA(1)IFCB(2));", ""},
@@ -191,6 +192,57 @@ TEST(ModelCheck, MandatoryValuesOfAllKindsAreMissed) {
                                       "IfcExtrudedAreaSolid.Depth", "IfcPropertySingleValue.Name",
                                       "IfcVector.Orientation"}),
             subjects);
+}
+
+TEST(ModelCheck, RecordsInCommentsAndTextsAreTold) {
+  const CheckedModel model = CheckRecords(
+      kGoodRecords +
+      "/* was:\n#20=IFCMATERIAL('a',$,$);\n*/#21=IFCMATERIAL('b',/*\n#22=IFCWALL();\n*/$,$);\n"
+      "#23=IFCMATERIAL('c\n#24=IFCWALL();\n',$,$);\n");
+  ASSERT_EQ((std::vector<RuleId>{RuleId::kHiddenRecords}), RulesIn(model.findings));
+  ASSERT_EQ(2u, model.findings.size());
+  const Finding& comments = model.findings[0];
+  EXPECT_EQ("comment", comments.subject);
+  ASSERT_EQ(2u, comments.places.size());
+  EXPECT_EQ(0u, comments.places[0].number);
+  EXPECT_EQ(18u, comments.places[0].line);
+  EXPECT_EQ(21u, comments.places[1].number);
+  EXPECT_EQ(20u, comments.places[1].line);
+  const Finding& texts = model.findings[1];
+  EXPECT_EQ("text", texts.subject);
+  ASSERT_EQ(1u, texts.places.size());
+  EXPECT_EQ(23u, texts.places[0].number);
+  EXPECT_EQ(23u, texts.places[0].line);
+}
+
+TEST(ModelCheck, AMandatoryNumberIsMissedWhateverElseIsWrongWithItsRecord) {
+  const CheckedModel model =
+      CheckRecords(kGoodRecords +
+                   "#20=IFCDIMENSIONALEXPONENTS(0,0,0,$,'a',0,0);\n#21=IFCCIRCLEPROFILEDEF(.AREA.,$"
+                   ",$,/* $ */ *);\n"
+                   "#22=IFCVECTOR(#23,$) !;\n#23=IFCDIRECTION((0.,1.));\n#24=IFCVECTOR(#99,$);\n");
+  std::vector<std::string> missed;
+  for (const Finding& finding : model.findings) {
+    if (finding.rule != RuleId::kMissingValue) continue;
+    for (const FindingPlace& place : finding.places) {
+      missed.push_back(std::to_string(place.number) + " " + std::to_string(place.line) + " " +
+                       finding.subject);
+    }
+  }
+  EXPECT_EQ((std::vector<std::string>{"21 19 IfcCircleProfileDef.Radius",
+                                      "20 18 IfcDimensionalExponents.ElectricCurrentExponent",
+                                      "22 20 IfcVector.Magnitude", "24 22 IfcVector.Magnitude"}),
+            missed);
+}
+
+TEST(ModelCheck, LinesAreFoundWhateverTheOrderOfTheRecords) {
+  std::string records = kGoodRecords + "/* #30=IFCCARTESIANPOINT(());\n#30=no */\n";
+  for (int i = 4000; i-- > 100;) records += "#" + std::to_string(i) + "=IFCMATERIAL('a;\n',$,$);\n";
+  records += "#31=IFCMATERIAL('#30=',$,$); #30  = IFCCARTESIANPOINT(());\n";
+  const Finding few = FindingIn(CheckRecords(records), RuleId::kFewMembers);
+  ASSERT_EQ(1u, few.places.size());
+  EXPECT_EQ(30u, few.places[0].number);
+  EXPECT_EQ(20u + 2 * 3900, few.places[0].line);
 }
 
 TEST(ModelCheck, AnEmptyTextAndAZeroAreValues) {

@@ -1,6 +1,7 @@
 """Models through pipes, and lists of files."""
 
 import io
+import json
 import os
 import signal
 import subprocess
@@ -166,6 +167,21 @@ class Lists(CorvelTest):
         self.assertEqual(list(GUIDS), self.merged('--files0-from', 'list'))
         with open(self.path('list'), 'rb') as listing:
             self.assertEqual(list(GUIDS), self.merged('--files0-from', '-', stdin=listing))
+
+    def test_a_check_takes_folders_lists_and_standard_input(self):
+        one, other = os.path.join('models', 'a.ifc'), os.path.join('models', 'b.ifc')
+        self.write('list', b'models/b.ifc\0models/a.ifc\0')
+        for words, files in ((('models',), [one, other]),
+                             (('--files0-from', 'list'), ['models/b.ifc', 'models/a.ifc'])):
+            ended = self.run_corvel('check', '--json', *words)
+            self.assertEqual('', ended.err)
+            told = json.loads(ended.out)['files']
+            self.assertEqual(files, [file['file'] for file in told])
+            self.assertTrue(all(file['facts']['products'] == {'IfcWall': 1} for file in told))
+        with open(self.path('models/a.ifc'), 'rb') as model:
+            ended = self.run_corvel('check', '-', stdin=model)
+        self.assertEqual('', ended.err)
+        self.assertIn('  products        1 of 1 class', ended.out)
 
     def test_a_list_counts_as_what_is_typed(self):
         self.write('list', b'models/a.ifc\0')
