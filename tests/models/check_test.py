@@ -73,6 +73,8 @@ class Samples(CheckTest):
         changes = [(rb"IFCLOCALPLACEMENT\(#\d+,", b'IFCLOCALPLACEMENT(#999999999,'),
                    (rb'IFCRELAGGREGATES\((.*),\(#.*?\)\);', rb'IFCRELAGGREGATES(\1,());'),
                    (rb"IFCPROPERTYSINGLEVALUE\('[^']*',", b'IFCPROPERTYSINGLEVALUE($,'),
+                   (rb"(IFCPROPERTYSINGLEVALUE\('[^']*',\$,)IFC\w+\([^)]*\)",
+                    rb'\1IFCCOUNTMEASURE(1234567.)'),
                    (rb'IFCEXTRUDEDAREASOLID\((.*),[^,]*\);', rb'IFCEXTRUDEDAREASOLID(\1,$);'),
                    (rb'IFCEXTRUDEDAREASOLID\((.*),[^,]*\);', rb'IFCEXTRUDEDAREASOLID(\1,0.);'),
                    (rb'IFCCARTESIANPOINT\(\(.*?\)\)', b'IFCCARTESIANPOINT((1.,2.,3.,4.1234567890123456))'),

@@ -31,7 +31,7 @@ class Truth:
 
     # Rules about which this says something; the others it does not know.
     RULES = {'CRV.value.missing', 'CRV.list.few', 'CRV.list.many', 'CRV.list.doubled',
-             'CRV.reference.dangling', 'CRV.inverse.few', 'CRV.inverse.many', 'CRV.save.real',
+             'CRV.reference.dangling', 'CRV.inverse.few', 'CRV.inverse.many', 'CRV.save.real', 'CRV.save.number',
              'PJS003.malformed', 'PJS003.doubled', 'PJS101.missing', 'PJS101.several',
              'CRV.units.missing', 'CRV.units.unlisted', 'CRV.context.unlisted', 'GEM051.missing',
              'CRV.placement.circle'}
@@ -46,6 +46,7 @@ class Truth:
         self.found = {}
         self.places = {}
         self._lists = {}
+        self._numbers = {name.upper() for name in self.release.types if self._is_number(name)}
         for record in self.records.values():
             self._check_record(record)
         self._check_guids()
@@ -81,8 +82,10 @@ class Truth:
                 if (not attribute.optional and attribute.kind.name in _MISSED
                         and not self._is_derived(record, attribute.name)):
                     self._fail('CRV.value.missing', subject, record.number)
-            elif attribute.kind.name != schema_facts.GUID and self._is_shortened(value):
-                self._fail('CRV.save.real', '', record.number)
+            elif attribute.kind.name != schema_facts.GUID:
+                is_count = attribute.kind.name == schema_facts.COUNT
+                for rule in sorted(set(self._shortened(value, is_count))):
+                    self._fail(rule, '', record.number)
             lists = self._lists_of(record.name)[place]
             if lists and isinstance(value, Absent) and not attribute.optional:
                 value = []
@@ -97,12 +100,22 @@ class Truth:
         return any(attribute == one and self.release.is_a(record.name, entity)
                    for entity, one in _DERIVED)
 
-    def _is_shortened(self, value):
+    def _shortened(self, value, is_count):
+        """Rules that the numbers in a value break."""
         if isinstance(value, list):
-            return any(self._is_shortened(one) for one in value)
+            return [rule for one in value for rule in self._shortened(one, is_count)]
         if isinstance(value, Typed):
-            return self._is_shortened(value.arguments)
-        return isinstance(value, float) and float(f'{value:.14E}') != value
+            return self._shortened(value.arguments, value.name in self._numbers)
+        if is_count and isinstance(value, (int, float)) and float(f'{value:.5E}') != value:
+            return ['CRV.save.number']
+        if not is_count and isinstance(value, float) and float(f'{value:.14E}') != value:
+            return ['CRV.save.real']
+        return []
+
+    def _is_number(self, expression):
+        while expression in self.release.types:
+            expression = self.release.types[expression]
+        return expression == 'NUMBER'
 
     def _lists_of(self, upper_name):
         """Of each attribute its lists, the outermost first: kind, least and most."""

@@ -68,6 +68,44 @@ TEST(CheckReport, JsonIsAsItsSchemaSays) {
   EXPECT_EQ(none, MistakesIn(compared));
 }
 
+TEST(CheckReport, JsonOfEachRuleIsAsItsSchemaSays) {
+  CheckReport report;
+  report.models.push_back(CheckFile(test::ModelFile(kGoodRecords)));
+  Comparison comparison;
+  for (const Rule& rule : Rules()) {
+    const Finding finding{
+        .rule = rule.id,
+        .subject = "IfcWall.Name",
+        .count = 2,
+        .places = {{.number = 1, .line = 2, .what = u"\u00fc", .isNew = true}, {}}};
+    report.models[0].findings.push_back(finding);
+    report.between.push_back({0, 0, finding});
+    comparison.newPlaces.push_back(1);
+    comparison.gone.push_back(finding);
+  }
+  EXPECT_EQ(std::vector<std::string>(), MistakesIn(report));
+  report.comparison = comparison;
+  report.against = {u"a.ifc"};
+  EXPECT_EQ(std::vector<std::string>(), MistakesIn(report));
+}
+
+TEST(CheckReport, NewPlacesAreToldApartFromOldOnes) {
+  CheckedModel model = CheckFile(test::ModelFile(kGoodRecords));
+  model.findings.push_back({.rule = RuleId::kMalformedGuid,
+                            .subject = "IfcWall",
+                            .count = 4,
+                            .places = {{.number = 7, .line = 9, .isNew = true},
+                                       {.number = 8, .isNew = true},
+                                       {.number = 5, .line = 7}}});
+  const Comparison comparison{.newPlaces = {2}, .gone = {}};
+  EXPECT_EQ(
+      u"  error   PJS003.malformed IfcWall, 2 of them new\n"
+      u"          A GUID is malformed (4 places).\n"
+      u"          new: #7 in line 9, #8; old: #5 in line 7, ...\n"
+      u"\n  4 errors, 0 warnings, 0 notes\n\n",
+      FindingsOf(model, &comparison));
+}
+
 TEST(CheckReport, TheWorstComesFirst) {
   const CheckedModel model =
       CheckRecords(kGoodRecords +
