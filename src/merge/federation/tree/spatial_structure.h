@@ -117,7 +117,7 @@ struct SpatialStructure {
 bool CollectSpatialStructure(const FederatedModel& model, const GuidsAsRead& asRead, Ticker& ticker,
                              SpatialStructure& structure);
 // The same of one model that is not folded, from its objects that stand in the tree and those that
-// say so, in the order of their numbers; others among them do no harm.
+// say so (SpatialRoles), in the order of their numbers.
 void CollectSpatialStructure(const std::vector<IFC::IfcEntity*>& objects,
                              SpatialStructure& structure);
 
