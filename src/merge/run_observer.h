@@ -36,6 +36,7 @@ struct FederationNote {
   const char* step = "";  // "contexts"
   std::initializer_list<Count> counts{};
   std::initializer_list<Lines> lists{};
+  const IfcDocument* model = nullptr;  // that it is about; null: all of them
 };
 
 // Called on the thread of the run, in the order of the run. Documents are borrowed and live until

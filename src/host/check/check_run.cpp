@@ -95,7 +95,7 @@ class CheckRun {
                        .before = &before};
       if (!order_.reports.empty()) {
         order.placesOfFile = static_cast<std::uint32_t>(report_.models.size());
-        order.mostPlaces = kMostPlaces / order_.inputs.size();
+        order.mostPlaces = PlacesWanted().most / order_.inputs.size();
       }
       if (!CheckOne(path, std::move(order), report_.models)) return false;
       const CheckedModel& model = report_.models.back();

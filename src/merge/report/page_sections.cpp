@@ -93,15 +93,59 @@ void AddUnitDifferences(const InputReport& input, HtmlText& html) {
   html.Raw("</ul>\n");
 }
 
-void AddFacts(const InputReport& input, HtmlText& html) {
+void AddUnitName(const WideString& name, HtmlText& html) {
+  if (name.empty()) {
+    html.Word("noUnit");
+  } else {
+    html.Text(name);
+  }
+}
+
+// What the steps have converted of an input.
+std::vector<WideString> ConvertedOf(std::size_t input, const RunReport& report) {
+  std::vector<WideString> all;
+  for (const StepReport& step : report.steps) {
+    if (step.step != "units" || step.input != input) continue;
+    for (const auto& [name, lines] : step.lists) all.insert(all.end(), lines.begin(), lines.end());
+  }
+  return all;
+}
+
+// Beside that of the result, and what became of the numbers.
+void AddLengthUnit(const InputReport& input, const RunReport& report, HtmlText& html) {
+  constexpr double kSame = 1e-9;
+  AddUnitName(input.lengthUnit, html);
+  const OutputReport& output = report.output;
+  if (!output.isKnown || !input.takesPart) return;
+  const bool isSame =
+      std::abs(input.metresPerUnit - output.metresPerUnit) <= kSame * output.metresPerUnit;
+  if (isSame) {
+    html.Raw(" ").Word("span", "unitOfResult", " class='soft'");
+    return;
+  }
+  html.Raw(" \u2192 ");
+  AddUnitName(output.lengthUnit, html);
+  const auto index = static_cast<std::size_t>(&input - report.inputs.data());
+  if (ConvertedOf(index, report).empty()) {
+    html.Raw("<br>").Word("span", "unitKept", " class='warn'");
+  } else {
+    html.Raw("<br>").Word("span", "unitConverted", " class='soft'");
+  }
+}
+
+void AddConverted(std::size_t input, const RunReport& report, HtmlText& html) {
+  const std::vector<WideString> lines = ConvertedOf(input, report);
+  if (lines.empty()) return;
+  html.Raw("<details><summary>").Word("conversions").Raw("</summary>\n");
+  AddTexts(lines, html);
+  html.Raw("</details>\n");
+}
+
+void AddFacts(const InputReport& input, const RunReport& report, HtmlText& html) {
   constexpr int kMillimetreDigits = 1;
   html.Raw("<dl class='facts'>\n<div>").Word("dt", "schema").Raw("<dd>");
   html.Text(input.schema).Raw("</dd></div>\n<div>").Word("dt", "lengthUnit").Raw("<dd>");
-  if (input.lengthUnit.empty()) {
-    html.Word("noUnit");
-  } else {
-    html.Text(input.lengthUnit);
-  }
+  AddLengthUnit(input, report, html);
   html.Raw("</dd></div>\n<div>").Word("dt", "offset").Raw("<dd>");
   if (input.offsetMm == std::array<double, 3>{}) {
     html.Word("unmoved");
@@ -146,7 +190,8 @@ void AddClasses(const InputReport& input, HtmlText& html) {
   html.Raw("</table></div></details>\n");
 }
 
-void AddInput(const InputReport& input, std::size_t index, HtmlText& html) {
+void AddInput(std::size_t index, const RunReport& report, HtmlText& html) {
+  const InputReport& input = report.inputs[index];
   html.Raw("<article class='input ").Raw(ColourOf(index)).Raw("'>\n<header><h3>");
   html.Count(index + 1).Raw(". ").Name(ShortName(input.path)).Raw("</h3> ");
   if (input.takesPart) {
@@ -157,7 +202,7 @@ void AddInput(const InputReport& input, std::size_t index, HtmlText& html) {
   html.Raw("</header>\n<div class='path'>").Name(input.path).Raw("</div>\n");
   if (!input.takesPart) AddWhy(input, html);
   AddUnitDifferences(input, html);
-  AddFacts(input, html);
+  AddFacts(input, report, html);
   html.Raw("<p>").Word("products").Raw(": ").Count(input.products.in).Raw(" \u2192 ");
   html.Count(input.products.kept);
   if (input.products.kept != input.products.in) html.Raw(", ");
@@ -166,6 +211,7 @@ void AddInput(const InputReport& input, std::size_t index, HtmlText& html) {
   AddBar(input.products, html);
   AddRecords(input.records, html);
   AddClasses(input, html);
+  AddConverted(index, report, html);
   if (!input.remarks.empty()) AddTexts(input.remarks, html);
   html.Raw("</article>\n");
 }
@@ -188,7 +234,7 @@ void AddHead(const RunReport& report, HtmlText& html) {
 
 void AddInputs(const RunReport& report, HtmlText& html) {
   html.Raw("<section>\n").Word("h2", "inputs").Raw("\n");
-  for (std::size_t i = 0; i < report.inputs.size(); ++i) AddInput(report.inputs[i], i, html);
+  for (std::size_t i = 0; i < report.inputs.size(); ++i) AddInput(i, report, html);
   html.Raw("</section>\n");
 }
 

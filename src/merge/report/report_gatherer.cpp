@@ -147,6 +147,7 @@ void ReportGatherer::StepIsDone(const FederationNote& note) {
   for (const auto& [name, lines] : note.lists) {
     if (!lines->empty()) step.lists.emplace_back(name, *lines);
   }
+  if (note.model != nullptr) step.input = IndexOf(*note.model);
   for (const IfcDocument* const document : folded_) {
     inputs_[IndexOf(*document)].fates.NoteGone(*folded_.front()->mainContainer,
                                                ReasonOfStep(note.step));
@@ -156,6 +157,9 @@ void ReportGatherer::StepIsDone(const FederationNote& note) {
 void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
   CountRecords(documents);
   TallyProducts();
+  const IFC::IfcEntity* const units = documents.front()->getIfcUnitAssignment();
+  report_.output.lengthUnit = LengthUnitName(units);
+  report_.output.metresPerUnit = MetresPerLengthUnit(units);
   std::vector<PlacedInput> placed;
   for (const IfcDocument* const document : documents) {
     const std::size_t index = IndexOf(*document);

@@ -74,6 +74,8 @@ class Writer {
       json_.Member("records", output.records);
       json_.Member("made", output.made);
       json_.Member("products", output.products);
+      json_.Member("lengthUnit", output.lengthUnit);
+      json_.Member("metresPerUnit", output.metresPerUnit);
     }
     json_.EndObject();
   }
@@ -146,6 +148,7 @@ class Writer {
   void Step(const StepReport& step) {
     json_.BeginObject();
     json_.Member("step", step.step);
+    if (step.input) json_.Member("input", *step.input);
     json_.Key("counts").BeginObject();
     for (const auto& [name, count] : step.counts) json_.Member(name, count);
     json_.EndObject();

@@ -75,6 +75,7 @@ struct StepReport {
   std::string step;  // "contexts"
   std::vector<std::pair<std::string, std::size_t>> counts;
   std::vector<std::pair<std::string, std::vector<WideString>>> lists;
+  std::optional<std::size_t> input{};  // that it is about, by index; nothing: all of them
 };
 
 struct StageReport {
@@ -95,6 +96,8 @@ struct OutputReport {
   std::size_t records = 0;
   std::size_t made = 0;  // of these, by the run itself
   std::size_t products = 0;
+  WideString lengthUnit{};  // as that of an input
+  double metresPerUnit = 1.0;
 };
 
 struct RunReport {

@@ -55,7 +55,7 @@ ModelPlaces PlacesOfModel(const IfcDocument& document, std::uint32_t file,
   for (const auto& [number, entity] : document.mainContainer->entities) {
     if (EntityCast<IFC::VirtualIfcProduct>(entity) != nullptr) input.products.push_back({entity});
   }
-  return CollectPlaces(document, {input}, mostProducts);
+  return CollectPlaces(document, {input}, {.most = mostProducts, .boxes = Boxes::kOfAll});
 }
 
 ModelPlaces AllPlaces(const std::vector<const ModelPlaces*>& models) {

@@ -13,20 +13,10 @@ constexpr Triple kZ = {0.0, 0.0, 1.0};
 // The sine of the smallest angle at which a reference direction says something.
 constexpr double kParallel = 1e-9;
 
-// Two or three numbers of an object that may be missing.
-Triple NumbersOf(const IFC::IfcEntity* entity, std::string_view attribute, const Triple& absent) {
-  const List<double>* const numbers = entity == nullptr ? nullptr : RealsOf(*entity, attribute);
-  if (numbers == nullptr || numbers->empty()) return absent;
+Triple TripleOf(const List<double>& numbers) {
   Triple triple{};
-  std::copy_n(numbers->begin(), std::min(numbers->size(), triple.size()), triple.begin());
+  std::copy_n(numbers.begin(), std::min(numbers.size(), triple.size()), triple.begin());
   return triple;
-}
-
-Triple DirectionOf(const IFC::IfcEntity& placement, std::string_view attribute,
-                   const Triple& absent) {
-  const Triple direction =
-      Normalised(NumbersOf(ReferenceOf(placement, attribute), "DirectionRatios", absent));
-  return direction == Triple{} ? absent : direction;
 }
 
 bool IsFinite(const Transform& place) {
@@ -42,12 +32,23 @@ Triple UprightOn(const Triple& z, const Triple& direction) {
   return std::sqrt(Dot(upright, upright)) < kParallel ? Triple{} : Normalised(upright);
 }
 
-Triple XAxisOf(const IFC::IfcEntity& placement, const Triple& z) {
-  const Triple told = UprightOn(z, DirectionOf(placement, "RefDirection", kX));
-  if (told != Triple{}) return told;
-  const Triple usual = UprightOn(z, kX);
-  return usual != Triple{} ? usual : UprightOn(z, kY);
-}
+// Asks as NamedAttribute does, and remembers nothing.
+class AttributeByName {
+ public:
+  explicit AttributeByName(std::string_view name) : name_(name) {}
+
+  IFC::IfcEntity* ReferenceIn(const IFC::IfcEntity& entity) const {
+    return ReferenceOf(entity, name_);
+  }
+  const List<double>* RealsIn(const IFC::IfcEntity& entity) const { return RealsOf(entity, name_); }
+  bool IsIn(const IFC::IfcEntity& entity) const {
+    const ClassFacts* const facts = FindFacts(entity);
+    return facts != nullptr && facts->FindAttribute(name_) != nullptr;
+  }
+
+ private:
+  std::string_view name_;
+};
 
 }  // namespace
 
@@ -57,26 +58,51 @@ bool IsSpatial(const IFC::IfcEntity* axisPlacement) {
   return facts != nullptr && facts->FindAttribute("Axis") != nullptr;
 }
 
-std::optional<Transform> PlaceOf(const IFC::IfcEntity* axisPlacement) {
+template <class Attribute>
+Triple BasicPlaceReader<Attribute>::DirectionOf(const IFC::IfcEntity* direction) {
+  const List<double>* const ratios = direction == nullptr ? nullptr : ratios_.RealsIn(*direction);
+  return ratios == nullptr ? Triple{} : Normalised(TripleOf(*ratios));
+}
+
+template <class Attribute>
+Triple BasicPlaceReader<Attribute>::XAxisOf(const IFC::IfcEntity& placement, const Triple& z) {
+  const Triple direction = DirectionOf(refDirection_.ReferenceIn(placement));
+  const Triple told = UprightOn(z, direction == Triple{} ? kX : direction);
+  if (told != Triple{}) return told;
+  const Triple usual = UprightOn(z, kX);
+  return usual != Triple{} ? usual : UprightOn(z, kY);
+}
+
+template <class Attribute>
+std::optional<Transform> BasicPlaceReader<Attribute>::Of(const IFC::IfcEntity* axisPlacement) {
   if (axisPlacement == nullptr) return Transform{};
-  const ClassFacts* const facts = FindFacts(*axisPlacement);
-  if (facts == nullptr || facts->FindAttribute("RefDirection") == nullptr) return std::nullopt;
-  const IFC::IfcEntity* const location = ReferenceOf(*axisPlacement, "Location");
-  // A point on a curve has none.
-  if (location != nullptr && RealsOf(*location, "Coordinates") == nullptr) return std::nullopt;
+  if (!refDirection_.IsIn(*axisPlacement)) return std::nullopt;
   Transform place;
-  place.origin = NumbersOf(location, "Coordinates", {});
-  place.z = DirectionOf(*axisPlacement, "Axis", kZ);
+  if (const IFC::IfcEntity* const location = location_.ReferenceIn(*axisPlacement)) {
+    const List<double>* const coordinates = coordinates_.RealsIn(*location);
+    // A point on a curve has none.
+    if (coordinates == nullptr) return std::nullopt;
+    place.origin = TripleOf(*coordinates);
+  }
+  const Triple axis = DirectionOf(axis_.ReferenceIn(*axisPlacement));
+  place.z = axis == Triple{} ? kZ : axis;
   place.x = XAxisOf(*axisPlacement, place.z);
   place.y = Cross(place.z, place.x);
   return IsFinite(place) ? std::optional(place) : std::nullopt;
+}
+
+template class BasicPlaceReader<NamedAttribute>;
+
+// A reader that remembers classes is not made for one place.
+std::optional<Transform> PlaceOf(const IFC::IfcEntity* axisPlacement) {
+  return BasicPlaceReader<AttributeByName>().Of(axisPlacement);
 }
 
 const std::optional<Transform>& WorldPlaces::Of(IFC::IfcEntity& placement) {
   // From the placement outwards, and back with what is known then. One whose turn has not come yet
   // is known as nowhere, which ends circles.
   for (IFC::IfcEntity* at = &placement; at != nullptr && known_.try_emplace(at).second;
-       at = ReferenceOf(*at, "PlacementRelTo")) {
+       at = outer_.ReferenceIn(*at)) {
     chain_.push_back(at);
   }
   for (; !chain_.empty(); chain_.pop_back()) Enter(*chain_.back());
@@ -85,8 +111,8 @@ const std::optional<Transform>& WorldPlaces::Of(IFC::IfcEntity& placement) {
 
 void WorldPlaces::Enter(IFC::IfcEntity& placement) {
   if (!isLocal_.IsTrueOf(placement)) return;
-  const auto relative = PlaceOf(ReferenceOf(placement, "RelativePlacement"));
-  const IFC::IfcEntity* const outer = ReferenceOf(placement, "PlacementRelTo");
+  const auto relative = reader_.Of(relative_.ReferenceIn(placement));
+  const IFC::IfcEntity* const outer = outer_.ReferenceIn(placement);
   if (!relative) return;
   if (outer == nullptr) {
     known_[&placement] = relative;

@@ -7,6 +7,7 @@
 
 #include "core/entity.h"
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/named_attribute.h"
 #include "merge/federation/tree/transform.h"
 
 namespace corvel {
@@ -16,6 +17,26 @@ namespace corvel {
 std::optional<Transform> PlaceOf(const IFC::IfcEntity* axisPlacement);
 // Whether it has three dimensions. Null has.
 bool IsSpatial(const IFC::IfcEntity* axisPlacement);
+
+// As PlaceOf, for very many of them: the attributes are looked for once in each class.
+// `Attribute`: NamedAttribute, or what asks like it.
+template <class Attribute>
+class BasicPlaceReader {
+ public:
+  std::optional<Transform> Of(const IFC::IfcEntity* axisPlacement);
+
+ private:
+  Triple DirectionOf(const IFC::IfcEntity* direction);
+  Triple XAxisOf(const IFC::IfcEntity& placement, const Triple& z);
+
+  Attribute location_{"Location"};
+  Attribute coordinates_{"Coordinates"};
+  Attribute axis_{"Axis"};
+  Attribute refDirection_{"RefDirection"};
+  Attribute ratios_{"DirectionRatios"};
+};
+extern template class BasicPlaceReader<NamedAttribute>;
+using PlaceReader = BasicPlaceReader<NamedAttribute>;
 
 // Each placement is looked at once, however many stand on it.
 class WorldPlaces {
@@ -28,6 +49,9 @@ class WorldPlaces {
   void Enter(IFC::IfcEntity& placement);
 
   ClassQuestion isLocal_{"IfcLocalPlacement"};
+  NamedAttribute outer_{"PlacementRelTo"};
+  NamedAttribute relative_{"RelativePlacement"};
+  PlaceReader reader_;
   std::unordered_map<const IFC::IfcEntity*, std::optional<Transform>> known_;
   std::vector<IFC::IfcEntity*> chain_;
 };

@@ -95,7 +95,8 @@ void JsonText::Value(double value) {
 }
 
 void JsonText::Rounded(double value, int digits) {
-  const double factor = std::pow(10.0, digits);
+  constexpr std::array<double, 7> kPowers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  const double factor = kPowers[static_cast<std::size_t>(digits)];
   const double rounded = std::round(value * factor) / factor;
   // Not the zero with a sign, and as it is where there is nothing to be rounded any more.
   Value(std::isfinite(rounded) ? rounded + 0.0 : value);

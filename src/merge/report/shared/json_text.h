@@ -36,7 +36,7 @@ class JsonText {
   void Value(std::same_as<bool> auto value) { Put(value ? "true" : "false"); }
   // In the fewest digits that read back as the same; null for what is no number.
   void Value(double value);
-  // Rounded to so many digits behind the point.
+  // Rounded to so many digits behind the point, six at most.
   void Rounded(double value, int digits);
   template <std::integral Number>
   requires(!std::same_as<Number, bool>) void Value(Number value) { Put(std::to_string(value)); }

@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <unordered_map>
+#include <string>
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/named_attribute.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "merge/federation/tree/world_places.h"
+#include "merge/report/shared/drawn_products.h"
 #include "merge/report/shared/shape_boxes.h"
 #include "merge/report/shared/spatial_tree.h"
 #include "schema/interfaces/product.h"
@@ -37,20 +39,17 @@ Role RoleOf(const ClassFacts* facts) {
 
 class PlaceCollector {
  public:
-  PlaceCollector(const IfcDocument& merged, std::size_t mostPlaces)
+  PlaceCollector(const IfcDocument& merged, const PlacesWanted& wanted)
       : merged_(merged),
-        mostPlaces_(mostPlaces),
+        wanted_(wanted),
         metres_(MetresPerLengthUnit(merged.getIfcUnitAssignment())) {}
 
   void Look(const PlacedInput& input) {
     for (const auto& [product, isKept] : input.products) {
       if (!isKept) continue;
-      IFC::IfcEntity& entity = *product;
-      const ClassFacts* const facts = FindFacts(entity);
-      const auto [role, isNew] = roles_.try_emplace(facts, Role::kNotDrawn);
-      if (isNew) role->second = RoleOf(facts);
-      if (role->second == Role::kStorey) AddStorey(entity, input.input);
-      if (role->second == Role::kDrawn) AddCandidate(entity, facts, input.input);
+      const Role role = roles_.Of(*product, RoleOf);
+      if (role == Role::kStorey) AddStorey(*product, input.input);
+      if (role == Role::kDrawn) AddCandidate(*product, input.input);
     }
   }
 
@@ -79,17 +78,22 @@ class PlaceCollector {
     return place ? &*place : nullptr;
   }
 
-  void AddCandidate(IFC::IfcEntity& entity, const ClassFacts* facts, std::uint32_t input) {
+  std::uint32_t ClassIndexOf(const IFC::IfcEntity& entity) {
+    return classes_.Of(entity, [this](const ClassFacts* facts) {
+      places_.classes.push_back({facts == nullptr ? "" : facts->name, 0, 0});
+      return static_cast<std::uint32_t>(places_.classes.size() - 1);
+    });
+  }
+
+  void AddCandidate(IFC::IfcEntity& entity, std::uint32_t input) {
     const Transform* const place = PlaceOfProduct(entity);
     if (place == nullptr) {
       ++places_.withoutPlace;
       return;
     }
-    const auto next = static_cast<std::uint32_t>(places_.classes.size());
-    const auto [known, isNew] = classes_.try_emplace(facts, next);
-    if (isNew) places_.classes.push_back({facts->name, 0, 0});
-    ++places_.classes[known->second].products;
-    candidates_.push_back({&entity, place, input, known->second});
+    const std::uint32_t classIndex = ClassIndexOf(entity);
+    ++places_.classes[classIndex].products;
+    candidates_.push_back({&entity, place, input, classIndex});
   }
 
   // A storey that stands nowhere, or at 0, has the height that it says.
@@ -103,35 +107,36 @@ class PlaceCollector {
   }
 
   void AddProducts() {
+    const Thinning thinning(candidates_.size(), wanted_.most);
     std::vector<std::size_t> seen(places_.classes.size(), 0);
-    const std::size_t total = candidates_.size();
-    for (const Candidate& candidate : candidates_) {
+    std::erase_if(candidates_, [&](const Candidate& candidate) {
       ClassOfPlaces& own = places_.classes[candidate.classIndex];
-      const std::size_t turn = seen[candidate.classIndex]++;
-      if (total > mostPlaces_ && !IsListed(turn, own.products, total)) continue;
-      ++own.listed;
-      places_.products.push_back(PlaceFor(candidate));
+      const bool isListed = thinning.Takes(seen[candidate.classIndex]++, own.products);
+      if (isListed) ++own.listed;
+      return !isListed;
+    });
+    places_.products.reserve(candidates_.size());
+    for (const Candidate& candidate : candidates_) places_.products.push_back(PlaceFor(candidate));
+    if (wanted_.boxes == Boxes::kOfAll) {
+      for (std::size_t i = 0; i < candidates_.size(); ++i) AddBox(i);
+    } else {
+      for (const std::size_t i : DrawnProducts(places_)) AddBox(i);
     }
   }
 
-  // Evenly among those of a class, and the first of each in any case.
-  bool IsListed(std::size_t turn, std::size_t ofClass, std::size_t total) const {
-    const std::size_t quota = std::max<std::size_t>(ofClass * mostPlaces_ / total, 1);
-    return turn == 0 || turn * quota / ofClass != (turn - 1) * quota / ofClass;
-  }
+  void AddBox(std::size_t index) { places_.products[index].box = BoxOf(candidates_[index]); }
 
   ProductPlace PlaceFor(const Candidate& candidate) {
     const auto* const root = EntityCast<IFC::VirtualIfcRoot>(candidate.entity);
-    ProductPlace product{candidate.input, candidate.classIndex,
-                         root == nullptr ? std::string() : std::string(root->getGlobalId()),
-                         TextOf(*candidate.entity, "Name"),
-                         Times(candidate.place->origin, metres_)};
-    product.box = BoxOf(candidate);
-    return product;
+    const auto* const name = name_.ValueIn<ModelText>(*candidate.entity);
+    return {candidate.input, candidate.classIndex,
+            root == nullptr ? std::string() : std::string(root->getGlobalId()),
+            name == nullptr ? WideString() : name->ToWide(),
+            Times(candidate.place->origin, metres_)};
   }
 
   std::optional<ProductBox> BoxOf(const Candidate& candidate) {
-    const IFC::IfcEntity* const shape = ReferenceOf(*candidate.entity, "Representation");
+    const IFC::IfcEntity* const shape = shape_.ReferenceIn(*candidate.entity);
     if (shape == nullptr) return std::nullopt;
     const Bounds own = boxes_.Of(*shape);
     if (own.isEmpty) return std::nullopt;
@@ -177,12 +182,14 @@ class PlaceCollector {
   }
 
   const IfcDocument& merged_;
-  std::size_t mostPlaces_;
+  PlacesWanted wanted_;
   double metres_;
   WorldPlaces worlds_;
   ShapeBoxes boxes_;
-  std::unordered_map<const ClassFacts*, Role> roles_;
-  std::unordered_map<const ClassFacts*, std::uint32_t> classes_;
+  PerClass<Role> roles_;
+  PerClass<std::uint32_t> classes_;  // by index of ModelPlaces::classes
+  NamedAttribute name_{"Name"};
+  NamedAttribute shape_{"Representation"};
   std::vector<Candidate> candidates_;
   ModelPlaces places_;
 };
@@ -190,8 +197,8 @@ class PlaceCollector {
 }  // namespace
 
 ModelPlaces CollectPlaces(const IfcDocument& merged, const std::vector<PlacedInput>& inputs,
-                          std::size_t mostPlaces) {
-  PlaceCollector collector(merged, mostPlaces);
+                          const PlacesWanted& wanted) {
+  PlaceCollector collector(merged, wanted);
   for (const PlacedInput& input : inputs) collector.Look(input);
   ModelPlaces places = collector.Finish();
   places.tree = CollectSpatialTree(merged, inputs);

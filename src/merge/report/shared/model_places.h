@@ -10,8 +10,14 @@
 
 namespace corvel {
 
-// More products than this are thinned out, each class by the same share.
-inline constexpr std::size_t kMostPlaces = 100'000;
+// Looking at shapes costs most.
+enum class Boxes { kOfDrawn, kOfAll };
+
+struct PlacesWanted {
+  // More products than this are thinned out, each class by the same share.
+  std::size_t most = 100'000;
+  Boxes boxes = Boxes::kOfDrawn;  // see DrawnProducts
+};
 
 // A product of an input. One that is not kept may have another object stand for it.
 struct PlacedProduct {
@@ -29,6 +35,6 @@ struct PlacedInput {
 // unit, whatever that of an input was: a model a thousand times too large shows as one. `inputs`:
 // in the order of the fold.
 ModelPlaces CollectPlaces(const IfcDocument& merged, const std::vector<PlacedInput>& inputs,
-                          std::size_t mostPlaces = kMostPlaces);
+                          const PlacesWanted& wanted = {});
 
 }  // namespace corvel

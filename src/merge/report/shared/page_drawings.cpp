@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "merge/report/shared/drawn_products.h"
+
 namespace corvel {
 
 namespace {
@@ -23,8 +25,6 @@ constexpr double kMostHeight = 640;
 constexpr double kDot = 1.8;         // radius of a product without a box
 constexpr double kLeastShape = 1.5;  // what is smaller is drawn as a dot
 constexpr double kLeastLabels = 13;  // from one storey's name to the next
-// A browser draws so many at once without a stop.
-constexpr std::size_t kMostShapes = 8000;
 
 struct Area {
   Point low{};
@@ -72,22 +72,6 @@ std::vector<Point> OutlineOf(const ProductPlace& product, View view) {
   const double low = product.box->centre[2] - product.box->size[2] / 2;
   const double high = low + product.box->size[2];
   return {{area.low[0], low}, {area.high[0], low}, {area.high[0], high}, {area.low[0], high}};
-}
-
-// The positions of the products that are drawn, evenly among those of each class.
-std::vector<std::size_t> DrawnOf(const ModelPlaces& places) {
-  std::vector<std::size_t> drawn;
-  std::vector<std::size_t> seen(places.classes.size());
-  const std::size_t total = places.products.size();
-  for (std::size_t i = 0; i < total; ++i) {
-    const std::uint32_t index = places.products[i].classIndex;
-    const std::size_t ofClass = places.classes[index].listed;
-    const std::size_t quota = std::max<std::size_t>(ofClass * kMostShapes / total, 1);
-    const std::size_t turn = seen[index]++;
-    const bool isIn = turn == 0 || turn * quota / ofClass != (turn - 1) * quota / ofClass;
-    if (total <= kMostShapes || isIn) drawn.push_back(i);
-  }
-  return drawn;
 }
 
 // 1, 2 or 5 and noughts, and not above `most`.
@@ -357,7 +341,7 @@ void AddDrawings(const std::vector<DrawnInput>& inputs, const ModelPlaces* place
     html.Word("p", "noPlaces", " class='soft'").Raw("\n</section>\n");
     return;
   }
-  const std::vector<std::size_t> drawn = DrawnOf(*places);
+  const std::vector<std::size_t> drawn = DrawnProducts(*places);
   const DrawnModels models{inputs, *places};
   AddLegend(models, html);
   AddCounts(*places, drawn.size(), html);

@@ -22,14 +22,9 @@ Triple TripleOf(const List<double>* numbers) {
   return triple;
 }
 
-// Of an IfcCartesianPointList2D or 3D.
-void AddPointList(const IFC::IfcEntity& list, Bounds& bounds) {
-  if (FindFacts(list) == nullptr) return;
-  const auto attribute = AttributesOf(list).Find("CoordList");
-  const auto* const points = attribute ? attribute->As<List<List<double>>>() : nullptr;
-  if (points == nullptr) return;
-  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): a list that begins nowhere has no members
-  for (const List<double>& point : *points) bounds.Add(TripleOf(&point));
+bool Says(const ModelText* text, std::string_view word) {
+  if (text == nullptr) return false;
+  return text->IsPlain() ? text->Plain() == word : text->Units() == Widen(word);
 }
 
 Bounds Centred(double width, double depth) {
@@ -39,43 +34,40 @@ Bounds Centred(double width, double depth) {
   return bounds;
 }
 
-// The size that parameters of a profile give it, those of the schema's own order of preference.
-Bounds ParametersOf(const IFC::IfcEntity& profile) {
-  constexpr std::string_view kWidths[] = {"XDim",  "OverallWidth",      "FlangeWidth",
-                                          "Width", "BottomFlangeWidth", "HeadWidth"};
-  constexpr std::string_view kDepths[] = {"YDim", "OverallDepth", "Depth", "OverallHeight"};
-  const auto first = [&profile](const auto& names) {
-    for (const std::string_view name : names) {
-      const double value = RealOf(profile, name);
+}  // namespace
+
+// Of an IfcCartesianPointList2D or 3D.
+void ShapeBoxes::AddPointList(const IFC::IfcEntity& list, Bounds& bounds) {
+  const auto* const points = coordList_.ValueIn<List<List<double>>>(list);
+  if (points == nullptr) return;
+  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): a list that begins nowhere has no members
+  for (const List<double>& point : *points) bounds.Add(TripleOf(&point));
+}
+
+Bounds ShapeBoxes::ParametersOf(const IFC::IfcEntity& profile) {
+  const auto first = [&profile](auto& attributes) {
+    for (NamedAttribute& attribute : attributes) {
+      const double value = attribute.RealIn(profile);
       if (value > 0.0) return value;
     }
     return 0.0;
   };
-  if (const double radius = RealOf(profile, "Radius"); radius > 0.0) {
+  if (const double radius = radius_.RealIn(profile); radius > 0.0) {
     return Centred(2 * radius, 2 * radius);
   }
-  const double width = first(kWidths);
-  const double depth = first(kDepths);
+  const double width = first(widths_);
+  const double depth = first(depths_);
   return width > 0.0 && depth > 0.0 ? Centred(width, depth) : Bounds{};
 }
 
-}  // namespace
-
 // Every point that the object leads to, whichever way. Right for what has all its points in one
-// system of coordinates. There are more of these than of anything else in a model: the attribute is
-// looked for once.
+// system of coordinates.
 void ShapeBoxes::AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds) {
   root.CollectAllChildren(waiting_);
   while (!waiting_.IsEmpty()) {
     const IFC::IfcEntity* const entity = waiting_.TakeBack().entity;
     if (entity == nullptr) continue;
-    const AttributeFacts* const coordinates =
-        coordinates_.Of(*entity, [](const ClassFacts* facts) -> const AttributeFacts* {
-          return facts == nullptr ? nullptr : facts->FindAttribute("Coordinates");
-        });
-    const auto* const numbers =
-        coordinates == nullptr ? nullptr : ConstAttribute(*entity, *coordinates).As<List<double>>();
-    if (numbers != nullptr) {
+    if (const List<double>* const numbers = coordinates_.RealsIn(*entity)) {
       bounds.Add(TripleOf(numbers));
     } else {
       entity->CollectAllChildren(waiting_);
@@ -86,8 +78,8 @@ void ShapeBoxes::AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds) {
 // In the plane of x and y.
 Bounds ShapeBoxes::BoundsOfProfile(const IFC::IfcEntity& profile) {
   Bounds bounds;
-  if (const IFC::IfcEntity* const curve = ReferenceOf(profile, "OuterCurve")) {
-    const IFC::IfcEntity* const points = ReferenceOf(*curve, "Points");
+  if (const IFC::IfcEntity* const curve = outerCurve_.ReferenceIn(profile)) {
+    const IFC::IfcEntity* const points = points_.ReferenceIn(*curve);
     if (points != nullptr) {
       AddPointList(*points, bounds);
     } else {
@@ -96,19 +88,18 @@ Bounds ShapeBoxes::BoundsOfProfile(const IFC::IfcEntity& profile) {
     return bounds;
   }
   const Bounds own = ParametersOf(profile);
-  const auto place = PlaceOf(ReferenceOf(profile, "Position"));
+  const auto place = places_.Of(position_.ReferenceIn(profile));
   if (!own.isEmpty && place) bounds.Add(own, *place);
   return bounds;
 }
 
 Bounds ShapeBoxes::BoundsOfExtrusion(const IFC::IfcEntity& solid) {
   Bounds bounds;
-  const IFC::IfcEntity* const profile = ReferenceOf(solid, "SweptArea");
-  const IFC::IfcEntity* const direction = ReferenceOf(solid, "ExtrudedDirection");
-  const auto place = PlaceOf(ReferenceOf(solid, "Position"));
+  const IFC::IfcEntity* const profile = sweptArea_.ReferenceIn(solid);
+  const IFC::IfcEntity* const direction = extrudedDirection_.ReferenceIn(solid);
+  const auto place = places_.Of(position_.ReferenceIn(solid));
   if (profile == nullptr || direction == nullptr || !place) return bounds;
-  const Triple way =
-      Times(Normalised(TripleOf(RealsOf(*direction, "DirectionRatios"))), RealOf(solid, "Depth"));
+  const Triple way = Times(DirectionOf(direction, {}), depth_.RealIn(solid));
   const Bounds base = BoundsOfProfile(*profile);
   if (base.isEmpty) return bounds;
   for (const Triple& corner : base.Corners()) {
@@ -118,53 +109,39 @@ Bounds ShapeBoxes::BoundsOfExtrusion(const IFC::IfcEntity& solid) {
   return bounds;
 }
 
-namespace {
-
-Bounds BoundsOfBox(const IFC::IfcEntity& box) {
+Bounds ShapeBoxes::BoundsOfBox(const IFC::IfcEntity& box) {
   Bounds bounds;
-  const IFC::IfcEntity* const corner = ReferenceOf(box, "Corner");
+  const IFC::IfcEntity* const corner = corner_.ReferenceIn(box);
   if (corner == nullptr) return bounds;
-  const Triple low = TripleOf(RealsOf(*corner, "Coordinates"));
+  const Triple low = TripleOf(coordinates_.RealsIn(*corner));
   bounds.Add(low);
-  bounds.Add(Plus(low, {RealOf(box, "XDim"), RealOf(box, "YDim"), RealOf(box, "ZDim")}));
+  bounds.Add(Plus(low, {widths_[0].RealIn(box), depths_[0].RealIn(box), RealOf(box, "ZDim")}));
   return bounds;
 }
 
+Triple ShapeBoxes::DirectionOf(const IFC::IfcEntity* direction, const Triple& absent) {
+  return direction == nullptr ? absent : Normalised(TripleOf(ratios_.RealsIn(*direction)));
+}
+
 // An IfcCartesianTransformationOperator3D. Its axes are as long as it stretches.
-Transform OperatorOf(const IFC::IfcEntity& target) {
-  const auto direction = [&target](std::string_view name, const Triple& absent) {
-    const IFC::IfcEntity* const entity = ReferenceOf(target, name);
-    return entity == nullptr ? absent : Normalised(TripleOf(RealsOf(*entity, "DirectionRatios")));
-  };
-  const auto factor = [&target](std::string_view name, double absent) {
-    const double told = RealOf(target, name);
+Transform ShapeBoxes::OperatorOf(const IFC::IfcEntity& target) {
+  const auto factor = [&target](NamedAttribute& attribute, double absent) {
+    const double told = attribute.RealIn(target);
     return told > 0.0 ? told : absent;
   };
   Transform place;
-  if (const IFC::IfcEntity* const origin = ReferenceOf(target, "LocalOrigin")) {
-    place.origin = TripleOf(RealsOf(*origin, "Coordinates"));
+  if (const IFC::IfcEntity* const origin = localOrigin_.ReferenceIn(target)) {
+    place.origin = TripleOf(coordinates_.RealsIn(*origin));
   }
-  const double scale = factor("Scale", 1.0);
-  const Triple x = direction("Axis1", place.x);
-  const Triple z = direction("Axis3", place.z);
-  const Triple y = direction("Axis2", Cross(z, x));
+  const double scale = factor(scale_, 1.0);
+  const Triple x = DirectionOf(axis1_.ReferenceIn(target), place.x);
+  const Triple z = DirectionOf(axis3_.ReferenceIn(target), place.z);
+  const Triple y = DirectionOf(axis2_.ReferenceIn(target), Cross(z, x));
   place.x = Times(x, scale);
-  place.y = Times(y, factor("Scale2", scale));
-  place.z = Times(z, factor("Scale3", scale));
+  place.y = Times(y, factor(scale2_, scale));
+  place.z = Times(z, factor(scale3_, scale));
   return place;
 }
-
-// What undoes a place with axes of length 1: the rows of a turn are the columns of the turn back.
-Transform Inverse(const Transform& place) {
-  Transform inverse{{},
-                    {place.x[0], place.y[0], place.z[0]},
-                    {place.x[1], place.y[1], place.z[1]},
-                    {place.x[2], place.y[2], place.z[2]}};
-  inverse.origin = inverse.Turned(Times(place.origin, -1.0));
-  return inverse;
-}
-
-}  // namespace
 
 void Bounds::Add(const Triple& point) {
   if (!std::isfinite(point[0] + point[1] + point[2])) return;
@@ -204,37 +181,36 @@ ShapeBoxes::Kind ShapeBoxes::KindOf(const IFC::IfcEntity& item) {
                                   {"IfcBooleanResult", Kind::kCut},
                                   {"IfcCsgSolid", Kind::kTree},
                                   {"IfcMappedItem", Kind::kMapped}};
-  const ClassFacts* const facts = FindFacts(item);
-  if (facts == nullptr) return Kind::kOther;
-  const auto [known, isNew] = kinds_.try_emplace(facts, Kind::kOther);
-  if (!isNew) return known->second;
-  for (const ClassFacts* at = facts; at != nullptr; at = at->supertype) {
-    for (const Row& row : kRows) {
-      if (row.name == at->name) return known->second = row.kind;
+  return kinds_.Of(item, [](const ClassFacts* facts) {
+    for (; facts != nullptr; facts = facts->supertype) {
+      for (const Row& row : kRows) {
+        if (row.name == facts->name) return row.kind;
+      }
     }
-  }
-  return Kind::kOther;
+    return Kind::kOther;
+  });
+}
+
+Bounds ShapeBoxes::OfOperand(NamedAttribute& attribute, const IFC::IfcEntity& item, int depth) {
+  const IFC::IfcEntity* const operand = attribute.ReferenceIn(item);
+  return operand == nullptr ? Bounds{} : OfItem(*operand, depth + 1);
 }
 
 Bounds ShapeBoxes::OfItem(const IFC::IfcEntity& item, int depth) {
   Bounds bounds;
   if (depth > kDeepest) return bounds;
-  const auto of = [&](std::string_view attribute) {
-    const IFC::IfcEntity* const inner = ReferenceOf(item, attribute);
-    return inner == nullptr ? Bounds{} : OfItem(*inner, depth + 1);
-  };
   switch (KindOf(item)) {
     case Kind::kOther: break;
     case Kind::kExtrusion: return BoundsOfExtrusion(item);
     case Kind::kMesh:
-      if (const IFC::IfcEntity* const points = ReferenceOf(item, "Coordinates")) {
+      if (const IFC::IfcEntity* const points = coordinates_.ReferenceIn(item)) {
         AddPointList(*points, bounds);
       }
       break;
     case Kind::kFaces: AddPointsBelow(item, bounds); break;
     case Kind::kBox: return BoundsOfBox(item);
-    case Kind::kCut: return of("FirstOperand");
-    case Kind::kTree: return of("TreeRootExpression");
+    case Kind::kCut: return OfOperand(firstOperand_, item, depth);
+    case Kind::kTree: return OfOperand(treeRoot_, item, depth);
     case Kind::kMapped: return OfMapped(item, depth + 1);
   }
   return bounds;
@@ -243,7 +219,7 @@ Bounds ShapeBoxes::OfItem(const IFC::IfcEntity& item, int depth) {
 const Bounds& ShapeBoxes::OfSource(const IFC::IfcEntity& source, int depth) {
   const auto [known, isNew] = sources_.try_emplace(&source);
   if (!isNew) return known->second;
-  const IFC::IfcEntity* const mapped = ReferenceOf(source, "MappedRepresentation");
+  const IFC::IfcEntity* const mapped = mapped_.ReferenceIn(source);
   if (mapped == nullptr) return known->second;
   const Bounds found = OfRepresentation(*mapped, depth);
   // What was found may have entered others.
@@ -252,18 +228,18 @@ const Bounds& ShapeBoxes::OfSource(const IFC::IfcEntity& source, int depth) {
 
 Bounds ShapeBoxes::OfMapped(const IFC::IfcEntity& item, int depth) {
   Bounds bounds;
-  const IFC::IfcEntity* const source = ReferenceOf(item, "MappingSource");
-  const IFC::IfcEntity* const target = ReferenceOf(item, "MappingTarget");
+  const IFC::IfcEntity* const source = source_.ReferenceIn(item);
+  const IFC::IfcEntity* const target = target_.ReferenceIn(item);
   if (source == nullptr || target == nullptr) return bounds;
-  const auto origin = PlaceOf(ReferenceOf(*source, "MappingOrigin"));
+  const auto origin = places_.Of(origin_.ReferenceIn(*source));
   if (!origin) return bounds;
-  bounds.Add(OfSource(*source, depth), OperatorOf(*target).Around(Inverse(*origin)));
+  bounds.Add(OfSource(*source, depth), OperatorOf(*target).Around(origin->Inverse()));
   return bounds;
 }
 
 Bounds ShapeBoxes::OfRepresentation(const IFC::IfcEntity& representation, int depth) {
   Bounds bounds;
-  const EntityList* const items = ReferencesOf(representation, "Items");
+  const EntityList* const items = items_.ReferencesIn(representation);
   if (items == nullptr) return bounds;
   for (const IFC::IfcEntity* const item : *items) {
     if (item != nullptr) bounds.Add(OfItem(*item, depth), Transform{});
@@ -274,14 +250,14 @@ Bounds ShapeBoxes::OfRepresentation(const IFC::IfcEntity& representation, int de
 // The body, and where there is none whatever else tells a size.
 Bounds ShapeBoxes::Of(const IFC::IfcEntity& shape) {
   Bounds others;
-  const EntityList* const representations = ReferencesOf(shape, "Representations");
+  const EntityList* const representations = representations_.ReferencesIn(shape);
   if (representations == nullptr) return others;
   for (const IFC::IfcEntity* const representation : *representations) {
     if (representation == nullptr) continue;
-    const WideString identifier = TextOf(*representation, "RepresentationIdentifier");
-    if (identifier == u"Axis" || identifier == u"Clearance") continue;
+    const auto* const identifier = identifier_.ValueIn<ModelText>(*representation);
+    if (Says(identifier, "Axis") || Says(identifier, "Clearance")) continue;
     const Bounds bounds = OfRepresentation(*representation, 0);
-    if (identifier == u"Body" && !bounds.isEmpty) return bounds;
+    if (Says(identifier, "Body") && !bounds.isEmpty) return bounds;
     others.Add(bounds, Transform{});
   }
   return others;

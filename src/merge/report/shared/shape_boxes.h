@@ -6,9 +6,10 @@
 #include <unordered_map>
 
 #include "core/entity.h"
+#include "merge/federation/named_attribute.h"
 #include "merge/federation/per_class.h"
 #include "merge/federation/tree/transform.h"
-#include "step/class_facts.h"
+#include "merge/federation/tree/world_places.h"
 
 namespace corvel {
 
@@ -45,8 +46,48 @@ class ShapeBoxes {
   Bounds OfMapped(const IFC::IfcEntity& item, int depth);
   const Bounds& OfSource(const IFC::IfcEntity& source, int depth);
 
-  std::unordered_map<const ClassFacts*, Kind> kinds_;
-  PerClass<const AttributeFacts*> coordinates_;
+  Bounds BoundsOfBox(const IFC::IfcEntity& box);
+  Bounds ParametersOf(const IFC::IfcEntity& profile);
+  Transform OperatorOf(const IFC::IfcEntity& target);
+  Bounds OfOperand(NamedAttribute& attribute, const IFC::IfcEntity& item, int depth);
+  void AddPointList(const IFC::IfcEntity& list, Bounds& bounds);
+  Triple DirectionOf(const IFC::IfcEntity* direction, const Triple& absent);
+
+  PerClass<Kind> kinds_;
+  PlaceReader places_;
+  NamedAttribute representations_{"Representations"};
+  NamedAttribute identifier_{"RepresentationIdentifier"};
+  NamedAttribute items_{"Items"};
+  NamedAttribute firstOperand_{"FirstOperand"};
+  NamedAttribute treeRoot_{"TreeRootExpression"};
+  NamedAttribute coordinates_{"Coordinates"};
+  NamedAttribute coordList_{"CoordList"};
+  NamedAttribute outerCurve_{"OuterCurve"};
+  NamedAttribute points_{"Points"};
+  NamedAttribute position_{"Position"};
+  NamedAttribute sweptArea_{"SweptArea"};
+  NamedAttribute extrudedDirection_{"ExtrudedDirection"};
+  NamedAttribute ratios_{"DirectionRatios"};
+  NamedAttribute depth_{"Depth"};
+  NamedAttribute radius_{"Radius"};
+  NamedAttribute corner_{"Corner"};
+  // The size that parameters of a profile give it, those of the schema's own order of preference.
+  std::array<NamedAttribute, 6> widths_{
+      NamedAttribute{"XDim"},  NamedAttribute{"OverallWidth"},      NamedAttribute{"FlangeWidth"},
+      NamedAttribute{"Width"}, NamedAttribute{"BottomFlangeWidth"}, NamedAttribute{"HeadWidth"}};
+  std::array<NamedAttribute, 4> depths_{NamedAttribute{"YDim"}, NamedAttribute{"OverallDepth"},
+                                        NamedAttribute{"Depth"}, NamedAttribute{"OverallHeight"}};
+  NamedAttribute source_{"MappingSource"};
+  NamedAttribute target_{"MappingTarget"};
+  NamedAttribute origin_{"MappingOrigin"};
+  NamedAttribute mapped_{"MappedRepresentation"};
+  NamedAttribute localOrigin_{"LocalOrigin"};
+  NamedAttribute axis1_{"Axis1"};
+  NamedAttribute axis2_{"Axis2"};
+  NamedAttribute axis3_{"Axis3"};
+  NamedAttribute scale_{"Scale"};
+  NamedAttribute scale2_{"Scale2"};
+  NamedAttribute scale3_{"Scale3"};
   IFC::ChildQueue waiting_;
   std::unordered_map<const IFC::IfcEntity*, Bounds> sources_;
 };
