@@ -1,8 +1,10 @@
 #include "core/main_container.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
+#include "core/cast_of_thread.h"
 #include "core/entity_cast.h"
 #include "core/guid.h"
 #include "platform/platform.h"
@@ -49,6 +51,9 @@ constexpr ListOfClass kLists[] = {
     {u"IfcRelAssociatesRepresentation", &MainContainer::relAssociatesRepresentation},
     {u"IfcRelAssociatesLayer", &MainContainer::relAssociatesLayer},
     {u"IfcRelAssociatesStyle", &MainContainer::relAssociatesStyle},
+    {u"IfcPropertySet", &MainContainer::propertySets},
+    {u"IfcMapConversion", &MainContainer::mapConversions},
+    {u"IfcMapConversionScaled", &MainContainer::mapConversions},
 };
 
 // The class itself counts, not its supertypes; only the subtypes of IfcRelAssigns are one list.
@@ -79,8 +84,8 @@ std::ptrdiff_t MainContainer::SortOf(IfcEntity* entity) {
 }
 
 std::uint32_t NextVisitGeneration() {
-  static std::uint32_t generation = 0;
-  return ++generation;
+  static std::atomic<std::uint32_t> generation = 0;
+  return generation.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 std::uint32_t MainContainer::uniqueMarker = 1;
@@ -396,6 +401,23 @@ bool MainContainer::FillEntitiesGUIDmap(const WideString& filePath) {
 
 bool MainContainer::RefreshEntitiesGUIDmap(const WideString& filePath) {
   return guidsAreIndexed_ || FillEntitiesGUIDmap(filePath);
+}
+
+bool MainContainer::IndexSilently() {
+  if (entities.Contains(kUnfiled)) return false;
+  corvel::CastOfThread<VirtualIfcRoot> rootOf;
+  guidsAreIndexed_ = false;
+  entitiesGUIDmap.Clear();
+  for (const auto& [number, entity] : originalEntities) {
+    if (entity->marker == kDeleted) continue;
+    auto* const root = rootOf(*entity);
+    if (root == nullptr) continue;
+    const char* const guid = root->getGlobalId();
+    if (*guid == 0 || !entitiesGUIDmap.Enter(guid, root)) return false;
+  }
+  guidsAreIndexed_ = true;
+  FillMarkers();
+  return true;
 }
 
 void MainContainer::GiveMissingGuid(IfcEntity* entity, VirtualIfcRoot* root) {

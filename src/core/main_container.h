@@ -29,7 +29,7 @@ struct IfcTree {
 };
 
 // The next generation for IfcEntity::visitStamp, one count for all models of the process: so no
-// walk takes the stamp of an earlier one for its own.
+// walk takes the stamp of an earlier one for its own. Any thread may ask.
 std::uint32_t NextVisitGeneration();
 
 // The ticks of a walk over the parents lists: one for each part of the entities, of which there are
@@ -99,6 +99,8 @@ class MainContainer {
   void FillMarkers();
   // As FillMarkers, at no cost while the markers are true.
   void RefreshMarkers();
+  // Every entity of `entities` has the number that it is filed under, or is deleted.
+  bool MarkersAreTrue() const { return markersAreTrue_; }
   // To be called by whoever sets a marker to anything but the number that its entity is filed
   // under. The operations of this class need no call.
   void NoteChangedMarkers() { markersAreTrue_ = guidsAreIndexed_ = false; }
@@ -132,6 +134,10 @@ class MainContainer {
   // As FillEntitiesGUIDmap, at no cost while that would find the same again. GUIDs of the objects
   // in `originalEntities` are not changed by others meanwhile.
   bool RefreshEntitiesGUIDmap(const corvel::WideString& filePath);
+  // RefreshEntitiesGUIDmap and FillMarkers ahead of time, on any thread that has this container for
+  // itself. False: a GUID is missing or taken, so that there is something to report; the markers
+  // are as they were, and the index is to be filled by the former.
+  bool IndexSilently();
   // A new GUID, interned; the pool keeps it. Null (reported) when none could be made.
   const char* CreateGUID();
   // A new GUID for an entity whose GUID is taken, kept in `generatedGUIDs`; the text belongs to the
@@ -179,6 +185,9 @@ class MainContainer {
   std::vector<IfcEntity*> relAssociatesRepresentation;
   std::vector<IfcEntity*> relAssociatesLayer;
   std::vector<IfcEntity*> relAssociatesStyle;
+  // Likewise, and what may say where on the map a model is.
+  std::vector<IfcEntity*> propertySets;
+  std::vector<IfcEntity*> mapConversions;
 
  private:
   bool File(IfcEntity* entity);

@@ -6,7 +6,7 @@ namespace corvel::host {
 
 namespace {
 
-std::vector<WideString>* heard = nullptr;
+thread_local std::vector<WideString>* heard = nullptr;
 
 }  // namespace
 

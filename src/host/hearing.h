@@ -8,7 +8,7 @@
 namespace corvel::host {
 
 // The reporter for them, which are given plain functions: what they say goes to the innermost
-// Hearing, without the blanks and line ends behind it, and to nobody without one.
+// Hearing of the thread, without the blanks and line ends behind it, and to nobody without one.
 int Hear(const char* key, const WideString& message, int mode);
 
 // Takes what is said while it lives.

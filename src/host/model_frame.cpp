@@ -1,5 +1,6 @@
 #include "host/model_frame.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -146,6 +147,7 @@ MapConversion ConversionOfRecord(const IFC::IfcEntity& entity) {
   return conversion;
 }
 
+// Asked of every set of a model, most of which differ in length.
 bool IsConversionSet(IFC::IfcEntity* entity) {
   const auto* const root = EntityCast<IFC::VirtualIfcRoot>(entity);
   const ModelText name = root == nullptr ? ModelText() : root->getName();
@@ -185,8 +187,14 @@ LengthUnit LengthUnitOf(const IfcDocument& document) {
   return {};
 }
 
+// Most models have none, and need no walk over all objects.
 std::optional<MapConversion> MapConversionOf(const IfcDocument& document) {
   if (document.mainContainer == nullptr) return {};
+  const auto& sets = document.mainContainer->propertySets;
+  if (document.mainContainer->mapConversions.empty() &&
+      std::none_of(sets.begin(), sets.end(), IsConversionSet)) {
+    return {};
+  }
   for (const auto& [number, entity] : document.mainContainer->originalEntities) {
     if (const auto conversion = MapConversionIn(*entity)) return conversion;
   }

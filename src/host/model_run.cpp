@@ -9,9 +9,11 @@
 #include "host/plugin_session.h"
 #include "host/resave.h"
 #include "host/run_checks.h"
+#include "host/scene_loading.h"
 #include "merge/object_selection.h"
 #include "merge/report/write_report.h"
 #include "platform/file.h"
+#include "platform/threads.h"
 #include "plugin/bound_scene.h"
 #include "plugin/run_report_file.h"
 #include "plugin/texts.h"
@@ -125,19 +127,26 @@ LogPlace ModelRun::PlaceOfLog() {
 // names something that is not there; everything of that kind has been told.
 bool ModelRun::LoadScene() {
   bool good = true;
+  std::vector<SceneOrder> orders;
+  for (std::size_t i = 0; i < order_.inputs.size() && ChoosesObjects(); ++i) {
+    orders.push_back({order_.inputs[i], TextsForLists(order_.choices.lists, i)});
+  }
+  const unsigned threads = order_.choices.threads.value_or(platform::UsableCores());
+  SceneLoading scenes(orders, order_.choices.tolerant, threads);
   for (std::size_t i = 0; i < order_.inputs.size() && !console_.ShallEnd(); ++i) {
     LoadedModel& model = models_.emplace_back();
     model.path = order_.inputs[i];
-    if (ChoosesObjects()) good = Load(i, model) && good;
+    if (!ChoosesObjects()) continue;
+    model.scene = scenes.Take(i);
+    good = ApplyLists(i, model) && good;
   }
   if (console_.WasCancelled()) return good;
   for (const auto& [input, offset] : order_.choices.offsetsMm) models_[input].offsetMm = offset;
   return good;
 }
 
-bool ModelRun::Load(std::size_t input, LoadedModel& model) {
+bool ModelRun::ApplyLists(std::size_t input, LoadedModel& model) {
   const std::vector<ObjectList>& lists = order_.choices.lists;
-  model.scene = ReadScene(model.path, TextsForLists(lists, input), order_.choices.tolerant);
   if (model.scene.isUnreadable) return true;
   std::vector<WideString> mistakes;
   for (const ObjectList& list : lists) {
@@ -220,6 +229,7 @@ plugin::RunListener ModelRun::Listener(bool placesByMap) {
   listener.objectsOf = [](HostObject project) {
     return Viewer::Instance()->Scene().ObjectsOf(project);
   };
+  listener.sceneStandsStill = true;
   return listener;
 }
 

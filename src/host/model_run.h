@@ -57,7 +57,7 @@ class ModelRun {
   LogPlace PlaceOfLog();
   bool LoadScene();
   bool ScenesAreReadable();
-  bool Load(std::size_t input, LoadedModel& model);
+  bool ApplyLists(std::size_t input, LoadedModel& model);
   RunResult Write();
   RunResult Merge(Viewer& viewer, plugin::Plugin& plugin);
   RunResult Extract(const Viewer& viewer, const MergeOptions& options);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "core/entity_cast.h"
 #include "schema/interfaces/product.h"
 #include "step/reader/record_mender.h"
 
@@ -60,9 +59,10 @@ SceneClass SceneClasses::Ask(std::string_view name, EntityCreator create) {
     return found;
   }
   IFC::IfcEntity* const blank = create(pool_);
-  if (EntityCast<IFC::IfcProjectVirtual>(blank) != nullptr) {
+  // Asked once for a class, and by several threads.
+  if (dynamic_cast<IFC::IfcProjectVirtual*>(blank) != nullptr) {
     found.kind = SceneClass::kProject;
-  } else if (EntityCast<IFC::VirtualIfcProduct>(blank) != nullptr) {
+  } else if (dynamic_cast<IFC::VirtualIfcProduct*>(blank) != nullptr) {
     found.kind = SceneClass::kProduct;
   } else {
     return found;

@@ -25,6 +25,7 @@ void DeleteAllOpenings(const IFC::MainContainer& container, std::vector<MarkerPa
 }
 
 bool HasUndecided(const IFC::MainContainer& container) {
+  if (container.MarkersAreTrue()) return false;
   for (const auto& [number, entity] : container.entities) {
     if (IsUndecided(*entity)) return true;
   }

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/entity_cast.h"
+#include "core/cast_of_thread.h"
 #include "merge/marking.h"
 #include "schema/interfaces/interfaces.h"
 
@@ -34,7 +34,7 @@ class Dependents {
  private:
   // With all else that the site alone has. An owner history is nobody's own.
   void DeleteShapeOf(IFC::IfcEntity& entity) {
-    auto* const site = EntityCast<IFC::IfcSiteVirtual>(&entity);
+    auto* const site = sites_(entity);
     if (site == nullptr) return;
     IFC::ChildQueue children;
     entity.CollectAllChildren(children);
@@ -73,7 +73,7 @@ class Dependents {
       DeleteIfNothingIsLeft(entity, known->second);
       return;
     }
-    const auto* const relation = EntityCast<IFC::VirtualPropertyRelation>(&entity);
+    const auto* const relation = propertyRelations_(entity);
     if (relation == nullptr) return;
     asked_.objects.clear();
     asked_.gone = 0;
@@ -137,6 +137,9 @@ class Dependents {
 
   IFC::MainContainer& container_;
   Deletion& deletion_;
+  // Of its own: several models are marked at the same time.
+  CastOfThread<IFC::IfcSiteVirtual> sites_;
+  CastOfThread<IFC::VirtualPropertyRelation> propertyRelations_;
   std::vector<IFC::IfcEntity*> relations_;
   Relation asked_;
   std::unordered_map<const IFC::IfcEntity*, Relation> large_;

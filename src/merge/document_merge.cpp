@@ -75,11 +75,11 @@ bool DocumentMerge::Prepare() {
   };
   Log(u"Procesing EntitiesToDelete");
   Log(u"Procesing FillEntitiesGUIDmap");
-  if (!source_.FillEntitiesGUIDmap(sourcePath_)) return fail();
+  if (!source_.RefreshEntitiesGUIDmap(sourcePath_)) return fail();
   Log(u"Procesing FillParentsLists");
   source_.RefreshParentsLists({.text = u"1/3 "});
   Log(u"Procesing FillMarkers");
-  source_.FillMarkers();
+  source_.RefreshMarkers();
   Log(u"Procesing FillEntitiesGUIDmap");
   if (!container.RefreshEntitiesGUIDmap(destination_.path)) return fail();
   Log(u"Procesing FillParentsLists");

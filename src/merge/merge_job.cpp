@@ -222,6 +222,7 @@ bool MergeJob::PrepareModels() {
   if (observer_ != nullptr) observer_->ModelsAreCompared(models_);
   if (mergeableCount < 2) return false;
   PlanPlaces();
+  const std::unique_ptr<MarkingAhead> ahead = BeginAhead();
   for (const RunModel& model : models_) {
     if (!model.mergeable) continue;
     if (!model.document->IsParsed()) {
@@ -231,13 +232,31 @@ bool MergeJob::PrepareModels() {
                         kReportShow);
       return false;
     }
-    if (!PrepareModel(model, kDeletingWeight / (mergeableCount + 1))) {
+    if (!PrepareModel(model, kDeletingWeight / (mergeableCount + 1), ahead.get())) {
       TellMergeFailed();
       return false;
     }
     if (Cancellation::OfProcess().WasConfirmed()) return false;
   }
+  if (ahead) ahead->FinishFolds();
   return true;
+}
+
+// The models behind the first, as far as nothing happens to them before they are marked. Null where
+// somebody watches each step, or the scene may change until a model has its turn.
+std::unique_ptr<MarkingAhead> MergeJob::BeginAhead() {
+  const MergeOptions options = shell_.Options();
+  const bool goesAlone = options.threads < 2 || options.tolerant || observer_ != nullptr;
+  if (goesAlone || places_ || !shell_.SceneStandsStill()) return nullptr;
+  const bool keepsGuids = options.federation.guids == GuidHandling::kKeep;
+  auto ahead = std::make_unique<MarkingAhead>(options.threads, keepsGuids);
+  for (const RunModel& model : models_) {
+    if (!model.mergeable || &model == &models_.front()) continue;
+    if (!model.document->IsParsed()) break;  // the run ends there
+    if (!model.unitDifferences.empty() || IsMoved(model.hostProject, scene_)) continue;
+    ahead->Begin(*model.document, TaskOf(model));
+  }
+  return ahead;
 }
 
 // Of all models, before the first is moved.
@@ -263,7 +282,7 @@ bool MergeJob::MoveToItsPlace(const RunModel& model) {
 
 // Its offset comes before its objects are chosen: what carries the offset is kept with them. False
 // when there is no number left for that.
-bool MergeJob::PrepareModel(const RunModel& model, int weight) {
+bool MergeJob::PrepareModel(const RunModel& model, int weight, MarkingAhead* ahead) {
   IfcDocument& document = *model.document;
   const WideString path = document.getFilePath();
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
@@ -276,19 +295,35 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight) {
   if (!MoveToItsPlace(model)) return false;
   Log(u"Done.");
   Log(u"getObjectsToSaveAndDelete");
+  const bool isAhead = ahead != nullptr && ahead->Has(document);
+  MarkingTask task;
+  if (!isAhead) task = TaskOf(model);
+  shell_.StartStage(weight);
+  Log(u"Deleting objects from: " + path);
+  if (isAhead) {
+    ahead->Finish(document, shell_.Ticks());
+  } else {
+    document.DeleteObjects(task.deletePairs, task.savePairs, false, shell_.Options().deleteOpenings,
+                           task.fileCount, ListenerFor(observer_, document));
+    if (ahead != nullptr) ahead->BeginFold(document);
+  }
+  Log(u"Done.");
+  return true;
+}
+
+// What the host wants of the model.
+MarkingTask MergeJob::TaskOf(const RunModel& model) {
   ObjectSelection selection(scene_);
   std::vector<HostObject> save;
   std::vector<HostObject> leftOut;
   selection.getObjectsID(mode_, model.hostProject, save, leftOut);
-  std::vector<MarkerPair> savePairs = selection.ToMarkerPairs(save);
-  std::vector<MarkerPair> deletePairs = selection.ToMarkerPairs(leftOut);
-  TellChoice(observer_, document, model.hostProject, scene_, mode_, leftOut);
-  shell_.StartStage(weight);
-  Log(u"Deleting objects from: " + path);
-  document.DeleteObjects(deletePairs, savePairs, false, shell_.Options().deleteOpenings,
-                         static_cast<int>(projects_.size()), ListenerFor(observer_, document));
-  Log(u"Done.");
-  return true;
+  MarkingTask task;
+  task.savePairs = selection.ToMarkerPairs(save);
+  task.deletePairs = selection.ToMarkerPairs(leftOut);
+  task.deleteOpenings = shell_.Options().deleteOpenings;
+  task.fileCount = static_cast<int>(projects_.size());
+  TellChoice(observer_, *model.document, model.hostProject, scene_, mode_, leftOut);
+  return task;
 }
 
 // With what waits to be shown.

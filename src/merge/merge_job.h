@@ -1,6 +1,7 @@
 // From the host's list of loaded projects to one written file.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -8,6 +9,7 @@
 
 #include "merge/federation/place/map_places.h"
 #include "merge/host_scene.h"
+#include "merge/marking_ahead.h"
 #include "merge/merge_shell.h"
 #include "merge/object_selection.h"
 #include "merge/run_model.h"
@@ -62,7 +64,9 @@ class MergeJob {
   bool PrepareModels();
   void PlanPlaces();
   bool MoveToItsPlace(const RunModel& model);
-  bool PrepareModel(const RunModel& model, int weight);
+  std::unique_ptr<MarkingAhead> BeginAhead();
+  bool PrepareModel(const RunModel& model, int weight, MarkingAhead* ahead);
+  MarkingTask TaskOf(const RunModel& model);
   void TellMergeFailed();
   bool Fold();
   bool Save();

@@ -79,6 +79,10 @@ class MergeShell {
   // Who wants to hear of the run; borrowed, and null where nobody does. Asked once for a run.
   virtual RunObserver* Observer() { return nullptr; }
 
+  // Nobody changes the scene or the options while the run lasts, and the scene minds no question:
+  // what it is asked at the turn of a model it may be asked before.
+  virtual bool SceneStandsStill() { return false; }
+
   // All models have been read and measured by the first one. For shells that have a use for it.
   virtual void TellModelsCompared(const std::vector<RunModel>& /*models*/) {}
 

@@ -107,6 +107,10 @@ std::array<double, 3> OffsetOf(HostObject project, HostScene& scene) {
   return found == records.end() ? Vector{} : Vector{found->x, found->y, found->z};
 }
 
+bool IsMoved(HostObject project, HostScene& scene) {
+  return !IsUnmoved(CenterOf(scene), OffsetOf(project, scene));
+}
+
 bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene,
                          std::array<double, 3>* applied) {
   const Vector offset = OffsetOf(project, scene);

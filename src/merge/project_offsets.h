@@ -29,6 +29,9 @@ namespace corvel {
 bool ApplyProjectOffsets(IfcDocument& document, HostObject project, HostScene& scene,
                          std::array<double, 3>* applied = nullptr);
 
+// Whether ApplyProjectOffsets would do anything.
+bool IsMoved(HostObject project, HostScene& scene);
+
 // By how much the host shows the project away from its own coordinates, in millimetres.
 std::array<double, 3> OffsetOf(HostObject project, HostScene& scene);
 

@@ -55,6 +55,8 @@ RunObserver* BoundShell::Observer() {
   return plugin_.Listener().observer;
 }
 
+bool BoundShell::SceneStandsStill() { return plugin_.Listener().sceneStandsStill; }
+
 void BoundShell::TellModelsCompared(const std::vector<RunModel>& models) {
   if (const auto& listener = plugin_.Listener().modelsCompared) listener(models);
 }

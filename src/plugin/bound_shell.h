@@ -24,6 +24,7 @@ class BoundShell final : public MergeShell {
   ErrorReporter Reporter() override;
   ProgressCallback Ticks() override;
   RunObserver* Observer() override;
+  bool SceneStandsStill() override;
   void TellModelsCompared(const std::vector<RunModel>& models) override;
   void TellPlaces(const std::vector<PlaceWarning>& warnings) override;
   void StartRun() override;

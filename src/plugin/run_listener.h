@@ -24,6 +24,8 @@ struct RunListener {
   // The objects of a project, in the order of the scene. A viewer is asked for all objects and the
   // project of each, again for each model: with a thousand models that is more than all the rest.
   std::function<std::vector<HostObject>(HostObject project)> objectsOf;
+  // As of MergeShell. A viewer's user goes on working in it.
+  bool sceneStandsStill = false;
   // Hears of the run from within; borrowed.
   RunObserver* observer = nullptr;
 };
