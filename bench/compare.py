@@ -4,7 +4,8 @@
 
 Each row has the ratio of processor time, new over old: the median over the pairs, and half the
 distance between the quartiles as its spread. A row is slower when its ratio exceeds 1 by more than
-the threshold and the spread together.
+the threshold and the spread together. What several threads do has a second row, for the time that
+went by: it means something where each of them has a core.
 """
 import statistics
 import sys
@@ -15,21 +16,38 @@ from measure import Failed, process, stages
 
 PAIRS = 9
 THRESHOLD = 0.05
-MANY = 200        # small models
-SHORTEST = 0.005  # seconds: stages below are all noise
+MANY = 200         # small models
+TOGETHER = (2, 4)  # threads, beside one
+SHORTEST = 0.005   # seconds: stages below are all noise
+
+
+def programs(build):
+    """The benchmark of jobs, and the command line."""
+    return build / 'bench' / 'corvel_job_bench', build / 'bin' / 'corvel'
+
+
+def jobs_together(build, first, second, out):
+    """The same for jobs that several threads do."""
+    bench, program = programs(build)
+    found = {}
+    for count in TOGETHER:
+        found[f'resave {count}'] = lambda count=count: stages(
+            [bench, '--threads', count, 'resave', first, out])
+        found[f'program {count}'] = lambda count=count: {'merge': process(
+            [program, 'merge', '--threads', count, first, second, '-o', out], one_core=False)}
+    return found
 
 
 def jobs(build, first, second, out):
     """Job -> function that gives stage -> Cost."""
-    bench, program = build / 'bench' / 'corvel_job_bench', build / 'bin' / 'corvel'
+    bench, program = programs(build)
     return {
         'resave': lambda: stages([bench, 'resave', first, out]),
         'merge': lambda: stages([bench, 'merge', out, first, second]),
         'mark': lambda: stages([bench, 'mark', first]),
         'program': lambda: {'merge': process([program, 'merge', first, second, '-o', out])},
-        **{f'resave {count}': lambda count=count: stages(
-            [bench, '--threads', count, 'resave', first, out]) for count in (2, 4)},
         'many': lambda: {'merge': merge_many(program, out.parent, MANY, out)},
+        **jobs_together(build, first, second, out),
     }
 
 
@@ -47,9 +65,16 @@ def known_jobs(build, models, out):
 
 def run_all(build, names, models, out):
     """`job stage` -> seconds."""
-    return {f'{job} {stage}': cost.seconds
-            for job, run in jobs(build, *models, out).items() if job in names
-            for stage, cost in run().items()}
+    found = {}
+    together = jobs_together(build, *models, out).keys()
+    for job, run in jobs(build, *models, out).items():
+        if job not in names:
+            continue
+        for stage, cost in run().items():
+            found[f'{job} {stage}'] = cost.seconds
+            if job in together and cost.elapsed:
+                found[f'{job} {stage} wall'] = cost.elapsed
+    return found
 
 
 def pairs_of(builds, models, out):
@@ -77,7 +102,7 @@ def main():
     folder, sizes = Path(sys.argv[3]), sys.argv[4:]
     out = folder / 'out.ifc'
     slower = False
-    print(f'{"model":<15}{"row":<17}{"old s":>9}{"new s":>9}{"new/old":>9}{"spread":>9}')
+    print(f'{"model":<15}{"row":<22}{"old s":>9}{"new s":>9}{"new/old":>9}{"spread":>9}')
     for schema in ('IFC2X3', 'IFC4'):
         for size in sizes:
             models = [folder / f'{schema}_{size}{end}.ifc' for end in ('', '_2')]
@@ -87,7 +112,7 @@ def main():
                     continue
                 ratio, spread, is_slower = judge(pairs)
                 slower = slower or is_slower
-                print(f'{schema + " " + size:<15}{row:<17}{old:>9.3f}{new:>9.3f}{ratio:>9.3f}'
+                print(f'{schema + " " + size:<15}{row:<22}{old:>9.3f}{new:>9.3f}{ratio:>9.3f}'
                       f'{spread:>9.3f}{"  SLOWER" if is_slower else ""}', flush=True)
     out.unlink(missing_ok=True)
     return 1 if slower else 0

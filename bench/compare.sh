@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Is the work tree slower than an earlier commit? Builds BASE beside it, runs both in turn on the
-# same models and prints the ratio of processor time row by row. Status 1 when a row is slower.
+# same models and prints the ratio of processor time row by row, and of the time that went by where
+# several threads work. Status 1 when a row is slower.
 #   bench/compare.sh BASE [SIZE...]      sizes of the models, 25MB unless told; 25 is 25MB
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-[ "$#" -ge 1 ] || { sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+[ "$#" -ge 1 ] || { sed -n '2,5s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 base=$(git rev-parse --verify "$1^{commit}")
 sizes=("${@:2}")
 [ "${#sizes[@]}" -gt 0 ] || sizes=(25MB)
