@@ -74,17 +74,9 @@ class FederatedModel {
     for (const auto& [gone, survivor] : survivors_) action(*gone, *LastSurvivor(survivor));
   }
 
-  // Calls `action` with each object that came with an input and is in the model, in ascending
-  // number of its file. False as soon as the user cancels; each object is a piece for `ticker`.
-  template <class Action>
-  bool ForEachOf(std::size_t input, Ticker& ticker, Action action) const {
-    for (const auto& [number, entity] : ObjectsOf(input)) {
-      if (Contains(*entity)) action(*entity);
-      if (!ticker.Advance()) return false;
-    }
-    return true;
-  }
-  // As ForEachOf, with those alone that have a GUID. They are looked for once, whoever asks.
+  // Calls `action` with each object with a GUID that came with an input and is in the model, in
+  // ascending number of its file. They are looked for once, whoever asks. False as soon as the user
+  // cancels; they are as many pieces for `ticker` as the input has objects.
   template <class Action>
   bool ForEachRootOf(std::size_t input, Ticker& ticker, Action action) const {
     return ForEachRootOf(
