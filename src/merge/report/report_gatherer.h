@@ -12,7 +12,7 @@
 namespace corvel {
 
 // For one run. Looks at each record of the inputs three times, and at each product once more for
-// each step: a few percent of what reading costs.
+// each step.
 class ReportGatherer final : public RunObserver {
  public:
   // `command`: as the user calls it.
