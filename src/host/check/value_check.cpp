@@ -118,6 +118,7 @@ bool IsFractionWrittenWhole(double value) {
     if (size * kTens[tens] < kFewest) ++tens;
     if (size * kTens[tens] >= kFewest * 10) --tens;
     // The half is added without a loss, there being 50 bits before it at most.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): so, and a call costs more than all the rest
     const auto whole = static_cast<std::int64_t>(size * kTens[tens] + 0.5);
     return static_cast<double>(whole) / kTens[tens] == size;
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <tuple>
+#include <utility>
 
 #include "step/carried/record_text.h"
 #include "step/reader/parser.h"
@@ -23,18 +25,29 @@ std::optional<std::uint32_t> LastArgumentOf(std::string_view text) {
   return depth == 1 ? std::optional(argument) : std::nullopt;
 }
 
-template <class Item>
-std::vector<Item> EachOnce(std::vector<Item> items) {
-  std::sort(items.begin(), items.end());
-  items.erase(std::unique(items.begin(), items.end()), items.end());
+// In the order of what `key` gives, which tells items apart.
+template <class Item, class Key>
+std::vector<Item> EachOnce(std::vector<Item> items, Key key) {
+  const auto isBefore = [key](const Item& a, const Item& b) { return key(a) < key(b); };
+  const auto isSame = [key](const Item& a, const Item& b) { return key(a) == key(b); };
+  std::sort(items.begin(), items.end(), isBefore);
+  items.erase(std::unique(items.begin(), items.end(), isSame), items.end());
   return items;
 }
 
 }  // namespace
 
-std::vector<AbsentNumber> RecordNotes::Absent() const { return EachOnce(absent_); }
+std::vector<AbsentNumber> RecordNotes::Absent() const {
+  return EachOnce(absent_, [](const AbsentNumber& absent) {
+    return std::pair(absent.record, absent.argument);
+  });
+}
 
-std::vector<HiddenRecords> RecordNotes::Hidden() const { return EachOnce(hidden_); }
+std::vector<HiddenRecords> RecordNotes::Hidden() const {
+  return EachOnce(hidden_, [](const HiddenRecords& hidden) {
+    return std::tuple(hidden.offset, hidden.record, hidden.isInText);
+  });
+}
 
 void NoteAbsentNumber(Parser& parser) {
   const auto argument = LastArgumentOf(parser.scanner->Stream()->StatementView());

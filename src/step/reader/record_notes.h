@@ -1,7 +1,6 @@
 // What a tolerant reading remembers of the records of its file for whoever looks into them later.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -15,7 +14,6 @@ class Parser;
 struct AbsentNumber {
   std::uint32_t record = 0;
   std::uint32_t argument = 0;  // from 0
-  friend auto operator<=>(const AbsentNumber&, const AbsentNumber&) = default;
 };
 
 // Text within which records seem to begin, so that somebody may miss them there.
@@ -23,7 +21,6 @@ struct HiddenRecords {
   std::int64_t offset = -1;  // of the text or comment, behind its first sign
   std::uint32_t record = 0;  // in which it stands; 0: between records
   bool isInText = false;     // else in a comment
-  friend auto operator<=>(const HiddenRecords&, const HiddenRecords&) = default;
 };
 
 // Where records stand is known by the stretch: a few bytes for each of them, however many records

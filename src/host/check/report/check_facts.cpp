@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 #include <string>
 #include <vector>
 
@@ -129,7 +128,8 @@ void AddStoreys(const std::vector<SpatialFacts>& storeys, HtmlText& html) {
     html.Raw("<div class='wide'><table>\n<tr>").Word("th", "storey");
     html.Word("th", "standsAt").Word("th", "elevationTold").Raw("</tr>\n");
     // As buildings stand: the highest at the top.
-    for (const SpatialFacts& storey : std::views::reverse(storeys)) {
+    for (std::size_t behind = storeys.size(); behind != 0; --behind) {
+      const SpatialFacts& storey = storeys[behind - 1];
       const WideString number = u"#" + ToWide(storey.number);
       html.Raw("<tr><td>").Name(storey.name.empty() ? number : storey.name).Raw("</td>");
       AddMetres(storey.heightMetres, html);
