@@ -60,6 +60,22 @@ TEST_F(SpoiltSyntax, AGoodModelIsReadWithoutAWord) {
   EXPECT_EQ(Texts{}, told_);
 }
 
+TEST_F(SpoiltSyntax, CommentsBetweenTheWordsOfAGoodRecordChangeNothing) {
+  const Texts words = {"#2", "=", "IFCAXIS2PLACEMENT2D", "(", "#1", ",", "$", ")", ";"};
+  for (const std::string comment : {"/* c */", " /* it's; #9=( */ ", "\n/**//* = */\n"}) {
+    std::string everywhere;
+    for (std::size_t gap = 0; gap < words.size(); ++gap) {
+      std::string record;
+      for (std::size_t i = 0; i < words.size(); ++i) record += (i == gap ? comment : "") + words[i];
+      everywhere += comment + words[gap];
+      EXPECT_EQ(kPoint + kPlacement, Lines(kPoint + record)) << record;
+      EXPECT_EQ(Texts{}, told_) << record;
+    }
+    EXPECT_EQ(kPoint + kPlacement, Lines(kPoint + everywhere));
+    EXPECT_EQ(Texts{}, told_);
+  }
+}
+
 TEST_F(SpoiltSyntax, AMissingSemicolonTakesNoOtherRecordAlong) {
   ExpectLine(
       "#3=IFCLABEL('x');\n#4=IFCLABEL('y');\n", "#3=IFCLABEL('x')\n#4=IFCLABEL('y');",

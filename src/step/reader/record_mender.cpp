@@ -50,7 +50,7 @@ class RecordMender::Mending {
 
   MendedRecord Run() {
     record_.offset = bytes_.Position();
-    bytes_.TakeBlanks();
+    mender_.TakeBetween(bytes_, number_);
     if (bytes_.Peek() == '=') {
       bytes_.Take();
     } else {
@@ -492,6 +492,24 @@ bool RecordMender::TakeComment(StreamBytes& bytes, std::string* text, std::uint3
   bytes.GoBack(start);
   if (text != nullptr) text->resize(kept);
   return false;
+}
+
+bool RecordMender::TakeWholeComment(StreamBytes& bytes, std::uint32_t number) {
+  if (bytes.Peek() != '/') return false;
+  const std::size_t start = bytes.Mark();
+  bytes.Take();
+  if (bytes.Peek() == '*') {
+    bytes.Take();
+    if (TakeComment(bytes, nullptr, number)) return true;
+  }
+  bytes.GoBack(start);
+  return false;
+}
+
+void RecordMender::TakeBetween(StreamBytes& bytes, std::uint32_t number) {
+  do {
+    bytes.TakeBlanks();
+  } while (TakeWholeComment(bytes, number));
 }
 
 }  // namespace corvel

@@ -44,6 +44,10 @@ class RecordMender {
   // Behind a "/*". Takes the comment, or nothing when it does not end before other records begin;
   // `text` (may be null) gets what was taken. `number`: of the record that it stands in.
   bool TakeComment(StreamBytes& bytes, std::string* text, std::uint32_t number = 0);
+  // The same with its beginning, if a comment begins here.
+  bool TakeWholeComment(StreamBytes& bytes, std::uint32_t number = 0);
+  // Blanks and comments: what may stand between the words of a record.
+  void TakeBetween(StreamBytes& bytes, std::uint32_t number = 0);
 
  private:
   class Mending;

@@ -31,11 +31,6 @@ bool IsClassName(const std::string& word) {
          (word[2] | 0x20) == 'c';
 }
 
-bool BracketFollows(StreamBytes& bytes) {
-  bytes.TakeBlanks();
-  return bytes.Peek() == '(';
-}
-
 // What pads a file behind its end.
 bool IsPadding(int byte) { return byte == 0 || byte == 0x1A; }
 
@@ -64,12 +59,12 @@ bool TolerantBorders::FindHere(Scanner& scanner, StreamBytes& bytes) {
   if (c == '=') {
     const std::size_t mark = bytes.Mark();
     bytes.Take();
-    bytes.TakeBlanks();
+    mender_.TakeBetween(bytes);
     const bool found = bytes.Peek() == '(' || IsLetterByte(bytes.Peek());
     bytes.GoBack(mark);
     if (found) return true;
   } else if (c == '/') {
-    TakeSlash(bytes);
+    if (!mender_.TakeWholeComment(bytes)) TakeStray(bytes);
     return false;
   } else if (c == ';') {
     bytes.Take();
@@ -94,7 +89,7 @@ bool TolerantBorders::TakeNumber(StreamBytes& bytes) {
     bytes.Take();
   }
   const std::size_t behind = bytes.Mark();
-  bytes.TakeBlanks();
+  mender_.TakeBetween(bytes);
   bool found = bytes.Peek() == '=';
   if (!found && IsLetterByte(bytes.Peek())) {
     found = IsClassName(TakeWholeWord(bytes)) && BracketFollows(bytes);
@@ -159,15 +154,9 @@ void TolerantBorders::TakeDataHead(StreamBytes& bytes) {
   bytes.GoBack(start);
 }
 
-void TolerantBorders::TakeSlash(StreamBytes& bytes) {
-  const std::size_t start = bytes.Mark();
-  bytes.Take();
-  if (bytes.Peek() == '*') {
-    bytes.Take();
-    if (mender_.TakeComment(bytes, nullptr)) return;
-  }
-  bytes.GoBack(start);
-  TakeStray(bytes);
+bool TolerantBorders::BracketFollows(StreamBytes& bytes) {
+  mender_.TakeBetween(bytes);
+  return bytes.Peek() == '(';
 }
 
 void TolerantBorders::TakeStray(StreamBytes& bytes) {

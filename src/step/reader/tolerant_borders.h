@@ -31,7 +31,7 @@ class TolerantBorders {
   bool TakeWord(Scanner& scanner, StreamBytes& bytes);
   bool TakeClosingLine(Scanner& scanner, StreamBytes& bytes);
   void TakeDataHead(StreamBytes& bytes);
-  void TakeSlash(StreamBytes& bytes);
+  bool BracketFollows(StreamBytes& bytes);
   void TakeStray(StreamBytes& bytes);
 
   SkippedInput& skipped_;
