@@ -303,7 +303,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight, MarkingAhead* ahe
   if (isAhead) {
     ahead->Finish(document, shell_.Ticks());
   } else {
-    document.DeleteObjects(task.deletePairs, task.savePairs, false, shell_.Options().deleteOpenings,
+    document.DeleteObjects(task.deletePairs, task.savePairs, false, task.deleteOpenings,
                            task.fileCount, ListenerFor(observer_, document));
     if (ahead != nullptr) ahead->BeginFold(document);
   }
