@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/shown_paths.h"
 #include "host/check/check_report.h"
 #include "host/check/check_run.h"
 #include "host/command_line.h"
@@ -16,7 +17,6 @@
 #include "host/piped_files.h"
 #include "host/run_console.h"
 #include "host/savings.h"
-#include "host/shown_paths.h"
 #include "host/tree_command.h"
 #include "platform/console.h"
 #include "platform/locked_file.h"

@@ -8,7 +8,8 @@
 #include <system_error>
 #include <vector>
 
-#include "host/shown_paths.h"
+#include "core/shown_paths.h"
+#include "host/display_text.h"
 #include "platform/console.h"
 #include "platform/file.h"
 #include "platform/locked_file.h"
@@ -28,6 +29,11 @@ constexpr std::size_t kBeginning = 4;
 
 bool IsPacked(std::string_view beginning) { return beginning.starts_with("PK\x03\x04"); }
 
+std::ptrdiff_t CountOfInputs(const CommandLine& line) {
+  return std::count(line.inputs.begin(), line.inputs.end(), kPipe) +
+         std::count(line.against.begin(), line.against.end(), kPipe);
+}
+
 bool ShallEnd() { return platform::IsInterrupted() || !platform::RequestToEnd().empty(); }
 
 }  // namespace
@@ -38,14 +44,11 @@ PipedFiles::~PipedFiles() {
 }
 
 bool PipedFiles::AreIn(const CommandLine& line) {
-  return line.output == kPipe ||
-         std::find(line.inputs.begin(), line.inputs.end(), kPipe) != line.inputs.end();
+  return line.output == kPipe || CountOfInputs(line) != 0;
 }
 
 std::optional<WideString> PipedFiles::TakeFor(CommandLine& line) {
-  if (std::count(line.inputs.begin(), line.inputs.end(), kPipe) > 1) {
-    return u"standard input is there once only";
-  }
+  if (CountOfInputs(line) > 1) return u"standard input is there once only";
   const WideString workFolder = line.workFolder.value_or(platform::SystemTemporaryFolder());
   if (!MakeFolder(workFolder)) {
     return workFolder + u": work files cannot be kept in this folder; --work-folder names another";
@@ -54,11 +57,17 @@ std::optional<WideString> PipedFiles::TakeFor(CommandLine& line) {
     // As if it were written where the program was started.
     if (!line.log) line.log = u"stdout_IFC_LOG.txt";
     line.outputIsPiped = true;
-    line.output = output_ = folder_ + u"/stdout.ifc";
+    line.output = output_ = FileFor(u"stdout.ifc", u"standard output");
   }
-  for (WideString& input : line.inputs) {
-    if (input != kPipe) continue;
-    if (auto trouble = Spool(input)) return trouble;
+  // The log of a dry run lies beside its first input where there is no output.
+  if (line.isDryRun && line.output.empty() && line.inputs.front() == kPipe && !line.log) {
+    line.log = u"stdin_IFC_LOG.txt";
+  }
+  for (std::vector<WideString>* const files : {&line.inputs, &line.against}) {
+    for (WideString& input : *files) {
+      if (input != kPipe) continue;
+      if (auto trouble = Spool(input)) return trouble;
+    }
   }
   return std::nullopt;
 }
@@ -77,6 +86,15 @@ bool PipedFiles::MakeFolder(const WideString& workFolder) {
   return true;
 }
 
+// Named after the folder, so that nothing of the user's has this name.
+WideString PipedFiles::FileFor(WideView ending, const WideString& name) const {
+  WideString path =
+      folder_ + u"/" + WideString(platform::FileNameOf(folder_)) + u"_" + WideString(ending);
+  if (const WideString printed = Printable(path); printed != path) ShowPathAs(printed, name);
+  ShowPathAs(path, name);
+  return path;
+}
+
 std::optional<WideString> PipedFiles::Spool(WideString& input) {
   const WideString unkept = u"standard input cannot be kept; --work-folder names another place";
   std::vector<char> block(kBlock);
@@ -93,8 +111,7 @@ std::optional<WideString> PipedFiles::Spool(WideString& input) {
     if (input == kPipe) {
       if (count == 0) return u"standard input is empty";
       const bool packed = IsPacked({block.data(), count});
-      input = folder_ + (packed ? u"/stdin.ifczip" : u"/stdin.ifc");
-      ShowPathAs(input, u"standard input");
+      input = FileFor(packed ? u"stdin.ifczip" : u"stdin.ifc", u"standard input");
       if (!file.Open(input, platform::OpenMode::kWrite)) return unkept;
     }
     if (file.Write(block.data(), count) != count) return unkept;

@@ -28,6 +28,8 @@ class PipedFiles {
 
  private:
   bool MakeFolder(const WideString& workFolder);
+  // Where what is called `name` lies meanwhile.
+  WideString FileFor(WideView ending, const WideString& name) const;
   std::optional<WideString> Spool(WideString& input);
 
   WideString folder_;

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "core/cancellation.h"
+#include "core/shown_paths.h"
 #include "host/display_text.h"
-#include "host/shown_paths.h"
 #include "platform/console.h"
 #include "platform/terminal.h"
 
@@ -46,7 +46,9 @@ bool RunConsole::Draw(const ProgressView& view) {
   constexpr int kMost = 99;
   const int overall = std::min(view.overall, kMost);
   if (output_.drawsBars) {
-    bars_.Draw({overall, view.step, view.overallText + pace_.Text(overall), view.stepText});
+    // Names are settled before the bars find out what fits.
+    bars_.Draw({overall, view.step, WithShownPaths(view.overallText) + pace_.Text(overall),
+                WithShownPaths(view.stepText)});
   }
   const ProgressView shown = {overall, view.step, view.overallText, view.stepText};
   if (output_.tellsPrograms && shown != told_) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/shown_paths.h"
 #include "host/display_text.h"
 
 namespace corvel::host {
@@ -17,8 +18,8 @@ platform::Answer WatchedPlatform::ShowMessageBox(std::u16string_view title,
                                                  std::u16string_view text,
                                                  platform::Buttons buttons, platform::Icon icon) {
   if (const std::optional<platform::Answer> known = listener_.before(buttons, icon)) return *known;
-  const platform::Answer answer =
-      system_.ShowMessageBox(Printable(title), Printable(text, true), buttons, icon);
+  const platform::Answer answer = system_.ShowMessageBox(
+      Printable(title), Printable(WithShownPaths(text), true), buttons, icon);
   listener_.shown(buttons, answer, system_.LastAnswerWasAPersons());
   return answer;
 }

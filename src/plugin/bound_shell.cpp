@@ -1,5 +1,6 @@
 #include "plugin/bound_shell.h"
 
+#include "core/shown_paths.h"
 #include "plugin/host_functions.h"
 #include "plugin/plugin.h"
 #include "plugin/progress_window.h"
@@ -32,6 +33,7 @@ WideString BoundShell::OutputPath() {
 void BoundShell::EnableOpenRecent() { plugin_.Buttons().EnableOpenRecent(); }
 
 void BoundShell::RememberOutput(const WideString& path) {
+  if (IsShownAsAnother(path)) return;
   const auto& refused = plugin_.Listener().outputNotRemembered;
   const WideString& folder = plugin_.folders.user;
   const ErrorReporter reporter = refused ? nullptr : ShowError;

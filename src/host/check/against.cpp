@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/file.h"
+#include "core/shown_paths.h"
 
 namespace corvel::host {
 
@@ -33,9 +33,8 @@ std::vector<FindingPlace> PlacesIn(const KnownPlaces::Sum& sum,
   std::vector<FindingPlace> first;
   first.reserve(places.size());
   for (const auto& [file, number] : places) {
-    const WideString where = inputs.size() == 1
-                                 ? WideString()
-                                 : u"in " + WideString(platform::FileNameOf(inputs[file].path));
+    const WideString where =
+        inputs.size() == 1 ? WideString() : u"in " + ShownFileName(inputs[file].path);
     first.push_back({.number = number, .what = where});
   }
   return first;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/cancellation.h"
+#include "core/shown_paths.h"
 #include "host/check/check_report.h"
 #include "host/check/report/check_page.h"
 #include "host/display_text.h"
@@ -88,7 +89,7 @@ class CheckRun {
   }
 
   bool CheckInputs(const std::vector<CheckedModel>& before) {
-    report_.against = order_.against;
+    for (const WideString& path : order_.against) report_.against.push_back(WithShownPaths(path));
     for (const WideString& path : order_.inputs) {
       CheckOrder order{.keepsHolders = order_.inputs.size() > 1,
                        .keepsObjects = !order_.against.empty(),
@@ -125,7 +126,8 @@ class CheckRun {
     order.workFolder = order_.workFolder;
     order.progress = Tick;
     models.push_back(CheckModel(path, order));
-    const CheckedModel& model = models.back();
+    CheckedModel& model = models.back();
+    model.path = WithShownPaths(model.path);
     if (console_.WasCancelled()) return false;
     for (const WideString& problem : model.problems) {
       console_.Say(Printable(path) + u": " + problem);

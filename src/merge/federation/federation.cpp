@@ -1,5 +1,6 @@
 #include "merge/federation/federation.h"
 
+#include "core/shown_paths.h"
 #include "core/ticker.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/federated_model.h"
@@ -14,7 +15,6 @@
 #include "merge/federation/stamp_inputs.h"
 #include "merge/federation/tree/join_trees.h"
 #include "merge/federation/unite_relations.h"
-#include "platform/file.h"
 #include "step/log/ifc_log.h"
 
 namespace corvel {
@@ -138,8 +138,7 @@ class Steps {
     for (const auto& [object, input] : renewed) {
       if (!listed) break;
       const WideString path = model_.Document(input).getFilePath();
-      differences.push_back(DisplayName(*object) + u" of " +
-                            WideString(platform::FileNameOf(path)));
+      differences.push_back(DisplayName(*object) + u" of " + ShownFileName(path));
       Log(u"Differs from the one whose GUID it had: " + differences.back());
     }
     Tell({"guids", {{"renewed", renewed.size()}}, {{"differences", &differences}}});

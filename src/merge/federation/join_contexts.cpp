@@ -10,11 +10,11 @@
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
+#include "core/shown_paths.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/map_properties.h"
 #include "merge/federation/same_value.h"
 #include "merge/length_unit.h"
-#include "platform/file.h"
 
 namespace corvel {
 
@@ -237,7 +237,7 @@ class ContextJoiner {
   void NameAsApart(const IFC::IfcEntity& entity, std::size_t input) {
     const WideString path = model_.Document(input).getFilePath();
     counts_.apart.push_back(TextOf(entity, "ContextType") + u" (#" + ToWide(entity.marker) +
-                            u" of " + WideString(platform::FileNameOf(path)) + u")");
+                            u" of " + ShownFileName(path) + u")");
   }
 
   // The project of a later input gave way, and with it the list that knew the context.

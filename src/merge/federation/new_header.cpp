@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/file.h"
+#include "core/shown_paths.h"
 #include "platform/platform.h"
 
 namespace corvel {
@@ -19,7 +19,7 @@ WideString Now() {
   return Widen(text.data());
 }
 
-WideString NameOf(const WideString& path) { return WideString(platform::FileNameOf(path)); }
+WideString NameOf(const WideString& path) { return ShownFileName(path); }
 
 }  // namespace
 

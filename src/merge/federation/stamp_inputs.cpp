@@ -6,6 +6,7 @@
 
 #include "core/entity_cast.h"
 #include "core/guid.h"
+#include "core/shown_paths.h"
 #include "merge/federation/attribute_values.h"
 #include "platform/file.h"
 #include "schema/interfaces/product.h"
@@ -64,7 +65,7 @@ class Stamp {
   }
 
   WideString NameOf(std::size_t input) const {
-    return WideString(platform::FileNameOf(model_.Document(input).getFilePath()));
+    return ShownFileName(model_.Document(input).getFilePath());
   }
 
   // That of the first project where the input's own did not come along.

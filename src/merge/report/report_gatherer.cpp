@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "core/shown_paths.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "merge/marking.h"
@@ -76,7 +77,7 @@ void ReportGatherer::EndStage() {
 
 void ReportGatherer::StageBegins(RunStage stage, const WideString& path) {
   EndStage();
-  report_.stages.push_back({stage, path});
+  report_.stages.push_back({stage, WithShownPaths(path)});
 }
 
 std::size_t ReportGatherer::IndexOf(const IfcDocument& document) const {
@@ -89,8 +90,8 @@ void ReportGatherer::ModelIsRead(const IfcDocument& document) {
   Input& input = inputs_.emplace_back();
   InputReport& told = report_.inputs.emplace_back();
   input.document = &document;
-  told.path = document.getFilePath();
-  told.bytes = BytesOf(told.path);
+  told.path = WithShownPaths(document.getFilePath());
+  told.bytes = BytesOf(document.getFilePath());
   told.schema = document.KnownSchemaIdentifier();
   told.isRead = document.IsParsed();
   told.takesPart = told.isRead;
@@ -216,6 +217,7 @@ void ReportGatherer::RunEnds(const RunResult& result) {
   output.cancelled = result.cancelled;
   output.keptAt = result.outputKeptAt;
   if (output.written) output.bytes = BytesOf(output.path);
+  output.path = WithShownPaths(output.path);
   // A run that ended early has no result: nothing is kept of any input.
   for (std::size_t i = 0; i < inputs_.size(); ++i) {
     InputReport& told = report_.inputs[i];

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "core/shown_paths.h"
 #include "merge/report/product_fates.h"
 #include "merge/report/run_report.h"
 #include "merge/run_observer.h"
@@ -20,8 +21,8 @@ class ReportGatherer final : public RunObserver {
   ~ReportGatherer() override;
 
   // What others have to tell. Its text is told as it is.
-  void AddFailure(WideString text) { report_.failures.push_back(std::move(text)); }
-  void AddMessage(WideString text) { report_.messages.push_back(std::move(text)); }
+  void AddFailure(WideView text) { report_.failures.push_back(WithShownPaths(text)); }
+  void AddMessage(WideView text) { report_.messages.push_back(WithShownPaths(text)); }
   void SetDryRun(bool isDryRun) { report_.isDryRun = isDryRun; }
   // Before RunEnds, which looks how large the file is.
   void SetOutput(WideString path) { report_.output.path = std::move(path); }

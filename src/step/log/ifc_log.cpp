@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "core/shown_paths.h"
 #include "platform/file.h"
 #include "platform/platform.h"
 #include "step/streams/input_stream.h"
@@ -111,7 +112,7 @@ void IfcLog::Append(WideView message, WideView lineEnd, bool indentAfter) {
   if (!IsReady()) return;
   line_.clear();
   AppendUtf8(indent_, line_);
-  AppendUtf8(message, line_);
+  AppendUtf8(WithShownPaths(message), line_);
   AppendUtf8(lineEnd, line_);
   if (indentAfter) indent_.push_back(u'\t');
   Write(line_);

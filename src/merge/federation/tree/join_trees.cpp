@@ -10,6 +10,7 @@
 #include "core/entity_cast.h"
 #include "core/guid.h"
 #include "core/root_interfaces.h"
+#include "core/shown_paths.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/same_value.h"
 #include "merge/federation/tree/fold_placements.h"
@@ -189,7 +190,7 @@ class Joining {
 WideString Described(const FederatedModel& model, const SpatialObject& object) {
   const WideString path = model.Document(object.input).getFilePath();
   return Widen(FindFacts(*object.entity)->name) + u" '" + TextOf(*object.entity, "Name") + u"' (#" +
-         ToWide(object.entity->marker) + u" of " + WideString(platform::FileNameOf(path)) + u")";
+         ToWide(object.entity->marker) + u" of " + ShownFileName(path) + u")";
 }
 
 WideString Described(const FederatedModel& model, const Ambiguity& ambiguity) {

@@ -7,9 +7,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/shown_paths.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/tree/tree_addresses.h"
-#include "platform/file.h"
 
 namespace corvel {
 
@@ -74,8 +74,7 @@ class Lister {
     text_ = kHead;
     for (std::size_t input = 0; input < model_.InputCount(); ++input) {
       const WideString path = model_.Document(input).getFilePath();
-      text_ +=
-          "input " + std::to_string(input + 1) + " " + ToUtf8(platform::FileNameOf(path)) + "\n";
+      text_ += "input " + std::to_string(input + 1) + " " + ToUtf8(ShownFileName(path)) + "\n";
     }
     ListTrees();
     for (const Ambiguity& ambiguity : structure_.ambiguities) List(ambiguity);

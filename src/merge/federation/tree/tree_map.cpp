@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "core/shown_paths.h"
 #include "merge/federation/tree/tree_addresses.h"
 #include "platform/file.h"
 #include "schema/attributes.h"
@@ -171,7 +172,7 @@ class Application {
       return;
     }
     const WideString path = model_.Document(input).getFilePath();
-    const WideString now(platform::FileNameOf(path));
+    const WideString now = ShownFileName(path);
     if (now == name) return;
     Tell(line, "input " + std::to_string(input + 1) + " is " + Quoted(ToUtf8(now)) + ", not " +
                    Quoted(ToUtf8(name)));

@@ -1,9 +1,12 @@
-#include "host/shown_paths.h"
+#include "core/shown_paths.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
-namespace corvel::host {
+#include "platform/file.h"
+
+namespace corvel {
 
 namespace {
 
@@ -21,11 +24,13 @@ void Replace(WideString& text, WideView from, WideView to) {
 
 }  // namespace
 
+// What is longer comes first, since it holds the others.
 void ShowPathAs(const WideString& path, const WideString& name) {
   WideString inJson = path;
   Replace(inJson, u"\\", u"\\\\");
   if (inJson != path) Names().emplace_back(inJson, name);
   Names().emplace_back(path, name);
+  Names().emplace_back(platform::FileNameOf(path), name);
 }
 
 WideString WithShownPaths(WideView text) {
@@ -34,4 +39,11 @@ WideString WithShownPaths(WideView text) {
   return shown;
 }
 
-}  // namespace corvel::host
+bool IsShownAsAnother(const WideString& path) {
+  return std::any_of(Names().begin(), Names().end(),
+                     [&](const auto& known) { return known.first == path; });
+}
+
+WideString ShownFileName(WideView path) { return WithShownPaths(platform::FileNameOf(path)); }
+
+}  // namespace corvel
