@@ -382,6 +382,10 @@ std::optional<std::string> Find(const FileFinder& findFiles, bool hasListing, Wo
   auto found = findFiles(typed);
   if (auto* const mistake = std::get_if<std::string>(&found)) return std::move(*mistake);
   words.files = std::move(std::get<std::vector<std::string>>(found));
+  if (words.against.empty()) return {};
+  found = findFiles({words.against, {}});
+  if (auto* const mistake = std::get_if<std::string>(&found)) return std::move(*mistake);
+  words.against = std::move(std::get<std::vector<std::string>>(found));
   return {};
 }
 

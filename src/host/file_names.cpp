@@ -21,7 +21,7 @@ using Found = std::variant<Files, std::string>;
 
 #ifdef _WIN32
 constexpr bool kExpandsPatterns = true;
-constexpr const char* kSeparators = "/\\";
+constexpr const char* kSeparators = "/\\:";  // a drive has a folder of its own
 #else
 constexpr bool kExpandsPatterns = false;
 constexpr const char* kSeparators = "/";
@@ -34,8 +34,6 @@ bool IsModel(const std::string& name) {
   const ModelForm form = FileStream::FormOf(FromUtf8(name));
   return form == ModelForm::kPlain || form == ModelForm::kPacked;
 }
-
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // Names of what lies in a folder, but for folders; sorted. Nothing: it cannot be looked into.
 std::optional<Files> NamesIn(const std::string& folder) {
@@ -105,27 +103,28 @@ std::optional<std::string> AddListed(const std::string& listing, Files& files) {
 }  // namespace
 
 // The last star takes as much as is needed; whatever an earlier one took stays.
-bool FitsPattern(const std::string& name, const std::string& pattern) {
+bool FitsPattern(const std::string& nameInUtf8, const std::string& patternInUtf8) {
+  const WideString name = ToLowerAscii(FromUtf8(nameInUtf8));
+  const WideString pattern = ToLowerAscii(FromUtf8(patternInUtf8));
   std::size_t at = 0;
   std::size_t next = 0;
-  std::size_t star = std::string::npos;
+  std::size_t star = WideString::npos;
   std::size_t taken = 0;
   while (at < name.size()) {
-    if (next < pattern.size() && pattern[next] == '*') {
+    if (next < pattern.size() && pattern[next] == u'*') {
       star = next++;
       taken = at;
-    } else if (next < pattern.size() &&
-               (pattern[next] == '?' || Lower(pattern[next]) == Lower(name[at]))) {
+    } else if (next < pattern.size() && (pattern[next] == u'?' || pattern[next] == name[at])) {
       ++next;
       ++at;
-    } else if (star != std::string::npos) {
+    } else if (star != WideString::npos) {
       next = star + 1;
       at = ++taken;
     } else {
       return false;
     }
   }
-  while (next < pattern.size() && pattern[next] == '*') ++next;
+  while (next < pattern.size() && pattern[next] == u'*') ++next;
   return next == pattern.size();
 }
 

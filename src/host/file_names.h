@@ -19,8 +19,9 @@ struct TypedFiles {
 // a list is standard input. Every other word is the name of a file, whether it is there or not.
 std::variant<std::vector<std::string>, std::string> FindFiles(const TypedFiles& typed);
 
-// Whether a name fits a pattern of "*" and "?", whatever the case of letters A to Z.
-bool FitsPattern(const std::string& name, const std::string& pattern);
+// Whether a name fits a pattern of "*" and "?", whatever the case of letters A to Z. Both in UTF-8;
+// a "?" is one unit of UTF-16, as the system of the patterns counts.
+bool FitsPattern(const std::string& nameInUtf8, const std::string& patternInUtf8);
 
 // Puts files in the place of each pattern in `words`; of the rest nothing changes. For every
 // system, so that tests can ask for it. The message tells of one that nothing fits.

@@ -89,11 +89,18 @@ TEST(FitsPattern, StarsTakeAnythingAndQuestionMarksOneUnit) {
                                                         {"aab", "*ab"},
                                                         {"A.IFC", "*.ifc"},
                                                         {"ab", "??"},
+                                                        {"B\xC3\xBCro", "B?ro"},
                                                         {"a", "a**"}}) {
     EXPECT_TRUE(FitsPattern(name, pattern)) << name << " " << pattern;
   }
-  for (const auto& [name, pattern] : std::vector<std::pair<const char*, const char*>>{
-           {"a", ""}, {"", "?"}, {"abc", "a*d"}, {"ab", "?"}, {"aba", "*ab"}, {"b", "a*"}}) {
+  for (const auto& [name, pattern] :
+       std::vector<std::pair<const char*, const char*>>{{"a", ""},
+                                                        {"", "?"},
+                                                        {"\xC3\xBC", "??"},
+                                                        {"abc", "a*d"},
+                                                        {"ab", "?"},
+                                                        {"aba", "*ab"},
+                                                        {"b", "a*"}}) {
     EXPECT_FALSE(FitsPattern(name, pattern)) << name << " " << pattern;
   }
 }

@@ -27,8 +27,8 @@ Options:
   --against IN...         tell of each finding in OUT whether it is old (in one
                           of the files IN as well), new or gone. Objects are
                           recognised by their GUIDs, others by what they say.
-                          Takes
-                          all names up to the next option
+                          Takes all names up to the next option; a folder or
+                          "-" is taken as in the place of FILE
   --explain RULE          tell what a rule is about, and an example
   --json                  one JSON object, see docs/check.schema.json
   --report FILE           write all of it to FILE as well, with a plan and an
