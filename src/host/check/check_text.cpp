@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/check/check_report.h"
+#include "host/check/shown_findings.h"
 #include "host/display_text.h"
 #include "host/facts/facts_text.h"
 #include "host/wrapped_text.h"
@@ -89,14 +90,27 @@ WideString NameOfFile(const CheckReport& report, std::size_t file) {
   return report.models[file].path;
 }
 
-// The worst first.
-std::vector<std::size_t> BySeverity(const std::vector<Finding>& findings) {
-  std::vector<std::size_t> order(findings.size());
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-    return findings[a].HowSevere() > findings[b].HowSevere();
-  });
-  return order;
+// "  error   CRV.list.few  and 12 more with 34 places, which --json has".
+WideString HiddenText(const Rule& rule, const ShownOfRule& ofRule) {
+  return Wrapped(u"  " + SeverityWord(rule.severity, false) + u" ",
+                 Widen(rule.name) + u"  and " + Number(ofRule.hidden) + u" more with " +
+                     Counted(ofRule.hiddenPlaces, u"place", u"places") + u", which --json has");
+}
+
+// `stateOf(i)` stands behind the head of findings[i].
+template <class StateOf>
+WideString FindingsText(const std::vector<Finding>& findings,
+                        const std::vector<std::uint64_t>& newPlaces, bool inColours,
+                        StateOf stateOf) {
+  WideString text;
+  for (const ShownOfRule& ofRule : ShownFindings(findings, newPlaces)) {
+    for (const std::size_t i : ofRule.shown) {
+      text += FindingText(findings[i], stateOf(i), inColours);
+    }
+    if (ofRule.hidden == 0) continue;
+    text += HiddenText(RuleOf(findings[ofRule.shown.front()].rule), ofRule);
+  }
+  return text;
 }
 
 }  // namespace
@@ -130,16 +144,15 @@ WideString CheckedModelAsText(const CheckedModel& model, const Comparison* compa
   WideString text = Wrapped({}, model.path);
   if (!model.facts) return text + Wrapped(u"  ", u"could not be read");
   text += ModelFactsAsText(*model.facts) + u"\n";
-  for (const std::size_t i : BySeverity(model.findings)) {
-    const Finding& finding = model.findings[i];
-    const WideString state =
-        comparison == nullptr ? WideString() : StateText(finding.count, comparison->newPlaces[i]);
-    text += FindingText(finding, state, inColours);
-  }
-  if (comparison != nullptr) {
-    for (const Finding& finding : comparison->gone) {
-      text += FindingText(finding, u", gone", inColours);
-    }
+  if (comparison == nullptr) {
+    text += FindingsText(model.findings, {}, inColours, [](std::size_t) { return WideString(); });
+  } else {
+    const std::vector<std::uint64_t>& newPlaces = comparison->newPlaces;
+    text += FindingsText(model.findings, newPlaces, inColours, [&](std::size_t i) {
+      return StateText(model.findings[i].count, newPlaces[i]);
+    });
+    text += FindingsText(comparison->gone, {}, inColours,
+                         [](std::size_t) { return WideString(u", gone"); });
   }
   if (!model.findings.empty()) text += u"\n";
   return text + Wrapped(u"  ", TotalsText(TotalsOf(model.findings))) + u"\n";

@@ -1,6 +1,7 @@
 #include "host/facts/facts_text.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/display_text.h"
 #include "host/wrapped_text.h"
@@ -52,33 +53,67 @@ WideString PlaceText(const Georeference& place) {
   return Listed(texts);
 }
 
+// To a millionth of a degree: what is finer comes from the arithmetic of whoever wrote it.
 WideString TrueNorthText(const Georeference& place) {
+  constexpr double kParts = 1e6;
   if (!place.trueNorthDegrees) return u"not stated";
-  return NumberText(*place.trueNorthDegrees) + u" degrees clockwise from the y axis";
+  return NumberText(std::round(*place.trueNorthDegrees * kParts) / kParts + 0.0) +
+         u" degrees clockwise from the y axis";
+}
+
+// "and 12 more, which --json has": people look at what comes first.
+WideString MoreText(std::size_t count) { return Number(count) + u" more, which --json has"; }
+
+WideString NameOf(const SpatialFacts& object) {
+  return object.name.empty() ? u"#" + ToWide(object.number) : object.name;
 }
 
 WideString SpatialText(const std::vector<SpatialFacts>& objects) {
+  constexpr std::size_t kMost = 12;
+  const std::size_t shown = objects.size() <= kMost ? objects.size() : kMost - 2;
   std::vector<WideString> names;
-  names.reserve(objects.size());
-  for (const SpatialFacts& object : objects) {
-    names.push_back(object.name.empty() ? u"#" + ToWide(object.number) : object.name);
-  }
+  names.reserve(shown);
+  for (std::size_t i = 0; i < shown; ++i) names.push_back(NameOf(objects[i]));
   WideString text = Number(objects.size());
-  return names.empty() ? text : text + u": " + Listed(names);
+  if (names.empty()) return text;
+  text += u": " + Listed(names);
+  return shown == objects.size() ? text : text + u" and " + MoreText(objects.size() - shown);
+}
+
+constexpr std::size_t kRowColumns = 16;
+
+WideString RowStart(WideView number) {
+  WideString first(kRowColumns - std::min(number.size(), kRowColumns), u' ');
+  return first.append(number).append(u"  ");
 }
 
 WideString StoreyLine(const SpatialFacts& storey) {
-  constexpr std::size_t kHeightColumns = 16;
   WideString height = u"-";
   if (storey.elevationMetres) height = MetresText(*storey.elevationMetres);
   if (storey.heightMetres) height = MetresText(*storey.heightMetres);
-  WideString first(kHeightColumns - std::min(height.size(), kHeightColumns), u' ');
-  first += height + u"  ";
-  WideString text = storey.name.empty() ? u"#" + ToWide(storey.number) : storey.name;
+  WideString text = NameOf(storey);
   const bool differs = storey.heightMetres && storey.elevationMetres &&
                        MetresText(*storey.elevationMetres) != height;
   if (differs) text += u" (Elevation " + MetresText(*storey.elevationMetres) + u")";
-  return Wrapped(first, text);
+  return Wrapped(RowStart(height), text);
+}
+
+// Of many the first and the last, which are the lowest and the highest.
+WideString StoreyLines(const std::vector<SpatialFacts>& storeys) {
+  constexpr std::size_t kMost = 24;
+  constexpr std::size_t kFirst = 14;
+  constexpr std::size_t kLast = 8;
+  WideString text = LabelledLine(u"storeys", Number(storeys.size()));
+  const bool isCut = storeys.size() > kMost;
+  for (std::size_t i = 0; i < storeys.size(); ++i) {
+    if (isCut && i == kFirst) {
+      const std::size_t left = storeys.size() - kFirst - kLast;
+      text += Wrapped(RowStart(u"..."), MoreText(left));
+      i += left;
+    }
+    text += StoreyLine(storeys[i]);
+  }
+  return text;
 }
 
 WideString ExtentText(const Extent& extent) {
@@ -100,13 +135,14 @@ WideString ProductLines(const ModelFacts& facts) {
   WideString text =
       LabelledLine(u"products", Number(facts.ProductCount()) + u" of " +
                                     Counted(facts.products.size(), u"class", u"classes"));
-  constexpr std::size_t kCountColumns = 16;
-  for (const auto& [name, count] : facts.products) {
-    const WideString digits = Number(count);
-    text.append(kCountColumns - std::min(digits.size(), kCountColumns), u' ');
-    text += digits + u"  " + Widen(name) + u"\n";
+  constexpr std::size_t kMost = 40;
+  const std::size_t shown = facts.products.size() <= kMost ? facts.products.size() : kMost - 2;
+  for (std::size_t i = 0; i < shown; ++i) {
+    const auto& [name, count] = facts.products[i];
+    text += RowStart(Number(count)) + Widen(name) + u"\n";
   }
-  return text;
+  if (shown == facts.products.size()) return text;
+  return text + Wrapped(RowStart(u"..."), MoreText(facts.products.size() - shown));
 }
 
 WideString DoubledText(const std::vector<DoubledGuid>& doubled) {
@@ -133,8 +169,7 @@ WideString ModelFactsAsText(const ModelFacts& facts) {
   text += LabelledLine(u"projects", Number(facts.projects.size()));
   text += LabelledLine(u"sites", SpatialText(facts.spatial.sites));
   text += LabelledLine(u"buildings", SpatialText(facts.spatial.buildings));
-  text += LabelledLine(u"storeys", Number(facts.spatial.storeys.size()));
-  for (const SpatialFacts& storey : facts.spatial.storeys) text += StoreyLine(storey);
+  text += StoreyLines(facts.spatial.storeys);
   text += ProductLines(facts);
   text += LabelledLine(u"extent", ExtentText(facts.extent));
   return text + LabelledLine(u"doubled GUIDs", DoubledText(facts.doubledGuids));

@@ -25,9 +25,18 @@ WideString ProductOfElements(const EntityList& elements) {
   return text;
 }
 
+// The prefix is that of the metre, of which the power is taken: SQUARE_MILLIMETRE.
+std::string SiUnitName(std::string_view prefix, std::string_view name) {
+  std::size_t metre = 0;
+  for (const std::string_view power : {"SQUARE_", "CUBIC_"}) {
+    if (name.starts_with(power)) metre = power.size();
+  }
+  return std::string(name.substr(0, metre)).append(prefix).append(name.substr(metre));
+}
+
 WideString NameOfUnit(const IFC::IfcEntity& unit) {
   const std::string_view word = WordOf(unit, "Name");
-  if (!word.empty()) return Widen(WordOf(unit, "Prefix")) + Widen(word);
+  if (!word.empty()) return Widen(SiUnitName(WordOf(unit, "Prefix"), word));
   if (const EntityList* const elements = ReferencesOf(unit, "Elements")) {
     return ProductOfElements(*elements);
   }

@@ -120,6 +120,18 @@ TEST(ModelFacts, UnitsAreTold) {
   EXPECT_EQ(0.01, facts.metresPerLengthUnit);
 }
 
+TEST(ModelFacts, ThePrefixOfAnAreaIsThatOfItsMetre) {
+  const ModelFacts facts = FactsOfRecords(
+      "#1=IFCPROJECT('p',$,$,$,$,$,$,$,#2);#2=IFCUNITASSIGNMENT((#3,#4,#5));"
+      "#3=IFCSIUNIT(*,.AREAUNIT.,.MILLI.,.SQUARE_METRE.);"
+      "#4=IFCSIUNIT(*,.VOLUMEUNIT.,.CENTI.,.CUBIC_METRE.);#5=IFCSIUNIT(*,.AREAUNIT.,$,"
+      ".SQUARE_METRE.);");
+  EXPECT_EQ((std::vector<UnitFacts>{{"AREAUNIT", u"SQUARE_MILLIMETRE"},
+                                    {"VOLUMEUNIT", u"CUBIC_CENTIMETRE"},
+                                    {"AREAUNIT", u"SQUARE_METRE"}}),
+            facts.units);
+}
+
 TEST(ModelFacts, TrueNorthIsTheAngleFromTheYAxisClockwise) {
   const ModelFacts facts = FactsOfRecords(kHouse);
   ASSERT_TRUE(facts.georeference.trueNorthDegrees);
