@@ -35,6 +35,7 @@ std::size_t UnitsOfFirst(WideView text) {
 
 std::size_t ColumnsOfFirst(WideView text) {
   char32_t c = text[0];
+  if (c < kNoColumn[0].first) return 1;
   if (UnitsOfFirst(text) == 2) {
     c = 0x10000 + ((char32_t{text[0]} - 0xD800) << 10) + (char32_t{text[1]} - 0xDC00);
   }
@@ -48,6 +49,7 @@ constexpr Range kTurnsText[] = {
     {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
 
 bool IsControl(char16_t unit) {
+  if (unit >= 0x20 && unit < 0x7F) return false;
   return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || IsIn(kTurnsText, unit);
 }
 

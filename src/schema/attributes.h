@@ -13,6 +13,8 @@
 //       same = there != nullptr && Same(value, *there);
 //     });
 //
+// Where both are the same attribute of two objects of one class, VisitWith does it in one step.
+//
 // What an attribute is (name, declared type, kind, optional or not) stands in step/class_facts.h;
 // what it holds in one object is read and replaced here. Attributes come in the order of the
 // record, inherited ones first. Inverse attributes are none: who refers to an object is told by its
@@ -232,6 +234,17 @@ class BasicAttribute {
   void Visit(Visitor&& visitor) const {
     if (HasValue()) attribute_detail::VisitMember(object_, *facts_, visitor);
   }
+  // Likewise with the values of both; `other` is the same attribute, of an object of the same
+  // class, and both have a value.
+  template <class Visitor>
+  void VisitWith(const BasicAttribute& other, Visitor&& visitor) const {
+    assert(facts_ == other.facts_);
+    const auto both = [&](auto& value) {
+      using Value = std::remove_cvref_t<decltype(value)>;
+      visitor(value, other.template Stored<Value>());
+    };
+    attribute_detail::VisitMember(object_, *facts_, both);
+  }
 
   // Calls `action` with each scalar of type T in the attribute, through all its lists, in order:
   // T is IFC::IfcEntity*, double, std::int32_t, ModelText or const char*. Nothing happens
@@ -376,6 +389,8 @@ class BasicAttributes {
   BasicAttribute<Object> operator[](std::size_t index) const {
     return {object_, facts_->Attribute(index), holder_};
   }
+  // `facts` are of the class or of a supertype of it.
+  BasicAttribute<Object> Of(const AttributeFacts& facts) const { return {object_, facts, holder_}; }
   // By the name that the schema gives it, "RelatedObjects".
   std::optional<BasicAttribute<Object>> Find(std::string_view name) const {
     const AttributeFacts* const found = facts_->FindAttribute(name);

@@ -98,7 +98,8 @@ const ClassWord* ClassWords::Find(const IFC::IfcEntity& entity) {
         attribute.word = (attribute.word ^ kBasis) * kPrime;
       }
       made->attributes.push_back(attribute);
-      made->hasUnit = made->hasUnit || made->attributes.back().isUnit;
+      made->hasUnit = made->hasUnit || attribute.isUnit;
+      made->hasPropertySets = made->hasPropertySets || attribute.isPropertySets;
     }
     const auto described = pointing_.DescribedBy(entity);
     made->describing.assign(described.begin(), described.end());

@@ -46,6 +46,7 @@ struct ClassWord {
   std::uint64_t word = 0;
   Role role = Role::kValue;
   bool hasUnit = false;                   // one of the attributes is a unit
+  bool hasPropertySets = false;           // one of them leads to sets of properties
   std::vector<AttributeWord> attributes;  // in the order of the record
   // The attributes that name what an object only describes.
   std::vector<const AttributeFacts*> describing;

@@ -6,8 +6,8 @@
 // what it defines. Where these belong to nothing they have an identity of their own.
 //
 // Takes the visit stamps of the objects for numbers of its own, `visited` for those that have
-// something to describe them, and the count of gone parents for the partner that a walk over both
-// models has found: no other walk may use them meanwhile.
+// something to describe them, and the count of gone parents and the memo of walks for the partner
+// that a walk over both models has found: no other walk may use them meanwhile.
 #pragma once
 
 #include <cstdint>
@@ -16,17 +16,30 @@
 
 #include "host/diff/class_words.h"
 #include "host/diff/measure_scales.h"
+#include "host/diff/shortcuts.h"
 #include "merge/document.h"
+#include "platform/prefetch.h"
 
 namespace corvel::host::diff {
+
+// Both ends of an object will be read soon. Null is none.
+inline void FetchRecord(const IFC::IfcEntity* record) {
+  constexpr std::ptrdiff_t kLine = 64;
+  platform::PrefetchToRead(record);
+  if (record != nullptr) platform::PrefetchToRead(reinterpret_cast<const char*>(record) - kLine);
+}
 
 class ComparedModel {
  public:
   // `document` has been read, and lives as long as this; so does `words`.
-  ComparedModel(const IfcDocument& document, ClassWords& words);
+  ComparedModel(const IfcDocument& document, ClassWords& words,
+                Shortcuts shortcuts = Shortcuts::kTaken);
 
   // With an identity, by ascending number.
   const std::vector<IFC::IfcEntity*>& Objects() const { return objects_; }
+  const ClassWord& WordOf(std::size_t index) const { return *facets_[index].word; }
+  // Empty for what has none.
+  const char* GuidOf(std::size_t index) const { return facets_[index].guid; }
   static bool HasIdentity(const IFC::IfcEntity& entity) {
     return !entity.inlineValue && entity.visitStamp != 0 && entity.visitStamp < kFirstValue;
   }
@@ -43,13 +56,36 @@ class ComparedModel {
     if (stamp == 0) stamp = kFirstValue + numbered_++;
     return stamp - kFirstValue;
   }
-  // Of a value: the number in the file of what it says the same as in the other model; 0 as long as
-  // nobody knows of such.
-  static std::uint32_t& PartnerOf(const IFC::IfcEntity& value) {
-    return const_cast<IFC::IfcEntity&>(value).goneParents;
+  // Of a value: what it has been held against in the other model.
+  struct Partner {
+    std::uint32_t number = 0;  // in the file; 0: nothing
+    bool isDoubted = false;    // whether it says the same
+  };
+  static Partner PartnerOf(const IFC::IfcEntity& value) {
+    return {value.goneParents, value.walkResult != 0};
+  }
+  static void SetPartner(const IFC::IfcEntity& value, Partner partner) {
+    const_cast<IFC::IfcEntity&>(value).goneParents = partner.number;
+    const_cast<IFC::IfcEntity&>(value).walkResult = partner.isDoubted ? 1 : 0;
+  }
+  // Without relations, in the order of numbers: those in front of the object at `index` as far as
+  // the one before it, which is none for what is no object or context, and those behind all of
+  // these.
+  using Values = std::span<const IFC::IfcEntity* const>;
+  Values ValuesInFrontOf(std::size_t index) const {
+    if (index >= firstBehind_.size()) return {};
+    const std::size_t first = index == 0 ? 0 : firstBehind_[index - 1];
+    return Values(values_).subspan(first, firstBehind_[index] - first);
+  }
+  Values ValuesBehindAll() const {
+    return Values(values_).subspan(firstBehind_.empty() ? 0 : firstBehind_.back());
   }
 
   std::size_t RelationCount() const { return holding_.size(); }
+  // The attribute that HoldingAttribute gives leads to objects with an identity alone.
+  bool HoldsObjectsAlone(const IFC::IfcEntity& relation) const {
+    return holdsObjectsAlone_[NumberOf(relation)];
+  }
   // Relations that say something about the object at `index`, by ascending number.
   std::span<IFC::IfcEntity* const> RelationsOf(std::size_t index) const;
   // Objects that only describe `entity` (see PointingClasses).
@@ -75,25 +111,49 @@ class ComparedModel {
 
   void Sort();
   void Sort(IFC::IfcEntity& entity);
-  void SetApart();
-  void Relate();
+  void AddObject(IFC::IfcEntity& object, const ClassWord& word);
+  void Identify(std::size_t first);
   void Describe(IFC::IfcEntity& entity, const ClassWord& word);
+  void SortDescriptions();
+  void SetApart(Shortcuts shortcuts);
+  void MarkProperties(IFC::IfcEntity& referred, std::vector<IFC::IfcEntity*>& used);
+  bool Relate(IFC::IfcEntity& relation, std::vector<IFC::IfcEntity*>& used);
+  void RelateAnew();
+  void AddFacts(IFC::IfcEntity& relation, const AttributeWord& holding);
+  void SortFacts();
   const AttributeWord* FindHolding(const IFC::IfcEntity& relation) const;
   bool RefersToIdentity(const IFC::IfcEntity& relation, const AttributeWord& attribute) const;
-  void MarkProperties(const IFC::IfcEntity& holder, const ClassWord& word);
+
+  // What is asked about all objects, so that these need not be looked at.
+  struct Facet {
+    const ClassWord* word = nullptr;
+    const char* guid = kEmptyNarrow;
+  };
+
+  // That a relation, by its number, says something about an object, by its index.
+  struct Fact {
+    std::uint32_t about = 0;
+    std::uint32_t relation = 0;
+  };
 
   const IfcDocument& document_;
   ClassWords& words_;
   MeasureScales scales_;
   std::vector<IFC::IfcEntity*> objects_;
+  std::vector<Facet> facets_;  // by index
   std::vector<IFC::IfcEntity*> relations_;
   std::vector<IFC::IfcEntity*> properties_;
-  std::vector<IFC::IfcEntity*> used_;  // what relations and types refer to, while these are sorted
+  std::vector<const IFC::IfcEntity*> values_;
+  std::vector<std::uint32_t> firstBehind_;  // by index of an object: among values_
+  // While all is sorted.
+  std::vector<const IFC::IfcEntity*> typesWithSets_;
+  std::vector<Fact> facts_;
   std::vector<std::uint32_t> firstRelation_;  // by index, and one more
   std::vector<IFC::IfcEntity*> relationsOf_;
   std::vector<Description> descriptions_;  // by what is described
   mutable std::uint32_t numbered_ = 0;
   std::vector<const AttributeWord*> holding_;  // by number of the relation
+  std::vector<bool> holdsObjectsAlone_;        // likewise
   std::size_t rootedCount_ = 0;
 };
 

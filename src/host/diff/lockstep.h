@@ -3,10 +3,12 @@
 
 #include <bitset>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "host/diff/compared_model.h"
 #include "host/diff/pairing.h"
+#include "host/diff/shortcuts.h"
 #include "host/diff/tolerance.h"
 #include "schema/attributes.h"
 
@@ -15,13 +17,17 @@ namespace corvel::host::diff {
 // Goes through both sides at once and gives up at the first doubt. What it takes for the same is
 // the same; what it doesn't may be, in an order that is quite another. Each object of the earlier
 // model is gone through once while it meets the same partner: a fraction of what digests of both
-// sides cost.
+// sides cost. Without shortcuts it doubts everything.
 class Lockstep {
  public:
   // All of it lives as long as this.
   Lockstep(const ComparedModel& before, const ComparedModel& after, const Pairing& pairing,
-           const Tolerance& tolerance);
+           const Tolerance& tolerance, Shortcuts shortcuts = Shortcuts::kTaken);
 
+  // Values by the place where they stand: those in front of the first object of each model, between
+  // two objects, and behind the last. Most writers put what belongs together in one order, and
+  // memory is gone through from one end to the other then. Nothing depends on it but the time.
+  void WalkValues();
   // Objects with an identity, with all that they have and belong to.
   bool Same(std::size_t before, std::size_t after);
   // Values of any class that are told in the units of their models.
@@ -39,15 +45,11 @@ class Lockstep {
     bool isDescription = false;
   };
 
-  // The record `before` is known to say the same as `after`.
-  static bool ArePartners(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
-    const std::uint32_t partner = ComparedModel::PartnerOf(before);
-    return partner != 0 && partner == after.marker;
-  }
+  void WalkValues(ComparedModel::Values before, ComparedModel::Values after);
+  bool SameRecords(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
   bool SameIdentity(const IFC::IfcEntity& before, const IFC::IfcEntity& after) const;
+  void FetchRelations(std::size_t before, std::size_t after) const;
   bool SameRelations(std::size_t before, std::size_t after);
-  // What else a relation holds is compared, and in any order.
-  static bool HoldsObjectsAlone(const IFC::IfcEntity& relation, const AttributeWord& holding);
   bool SameContent(const IFC::IfcEntity& before, const IFC::IfcEntity& after, const Parts& parts);
   struct Held {
     Dimension dimension = Dimension::kNone;
@@ -55,7 +57,8 @@ class Lockstep {
     double scaleAfter = 1.0;
     bool isUnordered = false;  // the references in its only list
   };
-  bool SameAttribute(const ConstAttribute& before, const ConstAttribute& after, const Held& held);
+  bool SameAttribute(const ConstAttribute& before, const ConstAttribute& after,
+                     const AttributeWord& attribute);
   bool SameDescriptions(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
 
   template <class T>
@@ -71,12 +74,17 @@ class Lockstep {
     return SameValues(before, after);
   }
   bool SameHeld(double before, double after, const Held& held) const {
+    if (before == after && held.scaleBefore == held.scaleAfter) return true;
     return tolerance_.Same(before * held.scaleBefore, after * held.scaleAfter, held.dimension);
   }
   static bool SameHeld(std::int32_t before, std::int32_t after, const Held&) {
     return before == after;
   }
-  static bool SameHeld(ModelText before, ModelText after, const Held&) { return before == after; }
+  static bool SameHeld(ModelText before, ModelText after, const Held&) {
+    if (!before.IsPlain() || !after.IsPlain()) return before == after;
+    return std::strcmp(static_cast<const char*>(before.Address()),
+                       static_cast<const char*>(after.Address())) == 0;
+  }
   static bool SameHeld(const char* before, const char* after, const Held&) {
     return std::string_view(before) == after;
   }
@@ -85,6 +93,7 @@ class Lockstep {
   const ComparedModel& after_;
   const Pairing& pairing_;
   const Tolerance& tolerance_;
+  bool isOff_;
   std::vector<const IFC::IfcEntity*> partnersOfRelations_;  // by number
   unsigned depth_ = 0;
 };

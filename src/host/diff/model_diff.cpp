@@ -1,10 +1,8 @@
 #include "host/diff/model_diff.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
-
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
 
 #include "host/diff/lockstep.h"
 #include "host/diff/object_changes.h"
@@ -22,27 +20,26 @@ ComparedFile FileOf(const IfcDocument& document, const ComparedModel& model) {
 
 std::vector<ObjectLabel> Unpaired(const ComparedModel& model,
                                   const std::vector<std::uint32_t>& others) {
+  constexpr std::size_t kAway = 8;
+  const auto& objects = model.Objects();
   std::vector<ObjectLabel> labels;
+  labels.reserve(
+      static_cast<std::size_t>(std::count(others.begin(), others.end(), Pairing::kNone)));
   for (std::size_t i = 0; i < others.size(); ++i) {
-    if (others[i] == Pairing::kNone) labels.push_back(LabelOf(*model.Objects()[i]));
+    if (i + kAway < others.size()) FetchRecord(objects[i + kAway]);
+    if (others[i] == Pairing::kNone) labels.push_back(LabelOf(*objects[i]));
   }
   return labels;
 }
 
-bool HaveOneGuid(const IFC::IfcEntity& one, const IFC::IfcEntity& other) {
-  const auto guidOf = [](const IFC::IfcEntity& object) -> std::string_view {
-    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(const_cast<IFC::IfcEntity*>(&object));
-    return root == nullptr ? std::string_view() : root->getGlobalId();
-  };
-  return guidOf(one) == guidOf(other);
-}
-
 class Comparison {
  public:
-  Comparison(const IfcDocument& before, const IfcDocument& after, const Tolerance& tolerance)
-      : before_(before, words_, tolerance),
-        after_(after, words_, tolerance),
+  Comparison(const IfcDocument& before, const IfcDocument& after, const Tolerance& tolerance,
+             Shortcuts shortcuts)
+      : before_(before, words_, tolerance, shortcuts),
+        after_(after, words_, tolerance, shortcuts),
         tolerance_(tolerance),
+        shortcuts_(shortcuts),
         areOfTwoReleases_(before.KnownSchemaIdentifier() != after.KnownSchemaIdentifier()) {}
 
   std::optional<ModelDiff> Run(const DiffProgress& progress) {
@@ -51,17 +48,17 @@ class Comparison {
     diff.before = FileOf(before_.model.Document(), before_.model);
     diff.after = FileOf(after_.model.Document(), after_.model);
     if (!progress(0)) return std::nullopt;
-    const Pairing pairing = PairObjects(before_.facts, after_.facts);
+    const Pairing pairing = PairObjects(before_.facts, after_.facts, shortcuts_);
     diff.removed = Unpaired(before_.model, pairing.laterOf);
     diff.added = Unpaired(after_.model, pairing.earlierOf);
-    Lockstep lockstep(before_.model, after_.model, pairing, tolerance_);
+    Lockstep lockstep(before_.model, after_.model, pairing, tolerance_, shortcuts_);
+    lockstep.WalkValues();
     ObjectChanges changes(before_.facts, after_.facts, tolerance_, lockstep);
     const std::size_t count = pairing.laterOf.size();
     for (std::size_t i = 0; i < count; ++i) {
       const auto done = static_cast<int>(i * (100 - kPaired) / count);
       if (i % kObjectsInATick == 0 && !progress(kPaired + done)) return std::nullopt;
-      if (pairing.laterOf[i] != Pairing::kNone)
-        Compare(i, pairing.laterOf[i], lockstep, changes, diff);
+      if (pairing.laterOf[i] != Pairing::kNone) Compare(i, pairing, lockstep, changes, diff);
     }
     return diff;
   }
@@ -70,19 +67,27 @@ class Comparison {
   static constexpr std::size_t kObjectsInATick = 256;
 
   struct Side {
-    Side(const IfcDocument& document, ClassWords& words, const Tolerance& tolerance)
-        : model(document, words), values(model, tolerance), facts(model, values, tolerance) {}
+    Side(const IfcDocument& document, ClassWords& words, const Tolerance& tolerance,
+         Shortcuts shortcuts)
+        : model(document, words, shortcuts),
+          values(model, tolerance),
+          facts(model, values, tolerance) {}
     ComparedModel model;
     ValueDigests values;
     ObjectFacts facts;
   };
 
-  void Compare(std::size_t before, std::size_t after, Lockstep& lockstep, ObjectChanges& changes,
-               ModelDiff& diff) {
-    const IFC::IfcEntity& one = *before_.model.Objects()[before];
-    const IFC::IfcEntity& other = *after_.model.Objects()[after];
-    if (before_.model.Words().Of(one)->role == Role::kObject && !HaveOneGuid(one, other)) {
-      diff.renamed.emplace_back(LabelOf(one), LabelOf(other));
+  bool HaveOneGuid(std::size_t before, std::size_t after) const {
+    return std::string_view(before_.model.GuidOf(before)) == after_.model.GuidOf(after);
+  }
+
+  void Compare(std::size_t before, const Pairing& pairing, Lockstep& lockstep,
+               ObjectChanges& changes, ModelDiff& diff) {
+    const std::size_t after = pairing.laterOf[before];
+    const bool isObject = before_.model.WordOf(before).role == Role::kObject;
+    if (isObject && !pairing.isFoundByIdentity[before] && !HaveOneGuid(before, after)) {
+      diff.renamed.emplace_back(LabelOf(*before_.model.Objects()[before]),
+                                LabelOf(*after_.model.Objects()[after]));
     }
     // Objects of two releases are never in step.
     const bool same =
@@ -95,21 +100,23 @@ class Comparison {
         return;
       }
     }
-    if (before_.model.Words().Of(one)->role == Role::kObject) ++diff.same;
+    if (isObject) ++diff.same;
   }
 
   ClassWords words_;
   Side before_;
   Side after_;
   const Tolerance& tolerance_;
+  Shortcuts shortcuts_;
   bool areOfTwoReleases_;
 };
 
 }  // namespace
 
 std::optional<ModelDiff> CompareModels(const IfcDocument& before, const IfcDocument& after,
-                                       const Tolerance& tolerance, const DiffProgress& progress) {
-  return Comparison(before, after, tolerance).Run(progress);
+                                       const Tolerance& tolerance, const DiffProgress& progress,
+                                       Shortcuts shortcuts) {
+  return Comparison(before, after, tolerance, shortcuts).Run(progress);
 }
 
 }  // namespace corvel::host::diff

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/diff/changes.h"
+#include "host/diff/shortcuts.h"
 #include "host/diff/tolerance.h"
 #include "merge/document.h"
 
@@ -17,6 +18,7 @@ using DiffProgress = std::function<bool(int percent)>;
 // flags are taken. Nothing when `progress` gave false. Memory: 20 bytes and a little more for each
 // record, and what is told of the changes.
 std::optional<ModelDiff> CompareModels(const IfcDocument& before, const IfcDocument& after,
-                                       const Tolerance& tolerance, const DiffProgress& progress);
+                                       const Tolerance& tolerance, const DiffProgress& progress,
+                                       Shortcuts shortcuts = Shortcuts::kTaken);
 
 }  // namespace corvel::host::diff

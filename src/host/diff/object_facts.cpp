@@ -1,6 +1,8 @@
 #include "host/diff/object_facts.h"
 
 #include <algorithm>
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "merge/federation/attribute_values.h"
@@ -22,6 +24,23 @@ Digest DigestOfText(ModelText text) {
   DigestMaker maker;
   maker.Add(text);
   return maker.Made();
+}
+
+// Equal for texts that say the same, whichever way they are held.
+std::uint64_t KeyOf(ModelText text) {
+  if (text.IsPlain()) return std::hash<std::string_view>()(text.Plain());
+  const auto isByte = [](char16_t unit) { return unit < 0x100; };
+  const WideView units = text.Units();
+  if (!std::all_of(units.begin(), units.end(), isByte)) return std::hash<WideView>()(units);
+  std::string plain;
+  for (const char16_t unit : units) plain.push_back(static_cast<char>(unit));
+  return std::hash<std::string_view>()(plain);
+}
+
+// Null without any.
+const ModelText* NameOfObject(const IFC::IfcEntity& object) {
+  const auto attribute = AttributesOf(object).Find("Name");
+  return attribute ? attribute->As<ModelText>() : nullptr;
 }
 
 }  // namespace
@@ -83,15 +102,21 @@ Digest ObjectFacts::ContentOf(std::size_t index) {
 
 ObjectFacts::Look ObjectFacts::LookOf(std::size_t index) {
   const IFC::IfcEntity& object = *model_.Objects()[index];
-  const ClassWord& word = *model_.Words().Of(object);
+  const ClassWord& word = model_.WordOf(index);
   const auto place = DigestOfPlace(object);
-  const auto attribute = AttributesOf(object).Find("Name");
-  const auto* const name = attribute ? attribute->As<ModelText>() : nullptr;
+  const ModelText* const name = NameOfObject(object);
   DigestMaker maker;
   maker.Add(word.word);
   maker.Add(place.value_or(Digest{}));
   maker.Add(name == nullptr ? Digest{} : DigestOfText(*name));
   return {maker.Made(), word.role == Role::kObject && (place || name != nullptr)};
+}
+
+std::uint64_t ObjectFacts::NameKeyOf(std::size_t index) const {
+  const ModelText* const name = NameOfObject(*model_.Objects()[index]);
+  const std::uint64_t word = model_.WordOf(index).word;
+  if (name == nullptr || name->IsNull()) return word;
+  return word ^ KeyOf(*name);
 }
 
 Digest ObjectFacts::WholeOf(std::size_t index) {

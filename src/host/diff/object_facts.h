@@ -27,6 +27,8 @@ class ObjectFacts {
     bool tells = false;  // it is an object that has a name or a place
   };
   Look LookOf(std::size_t index);
+  // A part of that: those of the same look have the same, others may have it.
+  std::uint64_t NameKeyOf(std::size_t index) const;
   // All that can be compared. Needs the references of all objects.
   Digest WholeOf(std::size_t index);
   // The sets of properties and quantities that the object has, as an occurrence and as a type.

@@ -1,16 +1,16 @@
 #include "host/diff/pairing.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
 #include "host/diff/neighbours.h"
 #include "merge/federation/attribute_values.h"
+#include "platform/prefetch.h"
 
 namespace corvel::host::diff {
 
@@ -35,13 +35,17 @@ Digest NameOfContext(const IFC::IfcEntity& context) {
 }
 
 // Nothing for what has no GUID.
-std::optional<Digest> IdentityOf(IFC::IfcEntity& object, const ClassWord& word) {
-  if (word.role == Role::kContext) return NameOfContext(object);
-  const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&object);
-  const std::string_view guid = root == nullptr ? "" : root->getGlobalId();
+std::optional<Digest> IdentityOf(const ComparedModel& model, std::size_t index) {
+  if (model.WordOf(index).role == Role::kContext) return NameOfContext(*model.Objects()[index]);
+  const std::string_view guid = model.GuidOf(index);
   if (guid.empty()) return std::nullopt;
   DigestMaker maker;
-  for (const char c : guid) maker.Add(std::uint64_t{static_cast<unsigned char>(c)});
+  maker.Add(std::uint64_t{guid.size()});
+  for (std::size_t at = 0; at < guid.size(); at += sizeof(std::uint64_t)) {
+    std::uint64_t part = 0;
+    std::memcpy(&part, guid.data() + at, std::min(guid.size() - at, sizeof part));
+    maker.Add(part);
+  }
   return maker.Made();
 }
 
@@ -90,9 +94,6 @@ class Holders {
         isLeft_(identities.size()),
         neighbours_(facts.Model(), FindLeft(otherSide, others)) {}
 
-  bool AreThereSome() const {
-    return std::find(isLeft_.begin(), isLeft_.end(), true) != isLeft_.end();
-  }
   // To the neighbours so many relations away, by what they say.
   void LookAround(int levels) {
     Identities identities = common_;
@@ -141,7 +142,8 @@ class Holders {
 
 class Pairs {
  public:
-  Pairs(ObjectFacts& earlier, ObjectFacts& later) : earlier_(earlier), later_(later) {
+  Pairs(ObjectFacts& earlier, ObjectFacts& later, Shortcuts shortcuts)
+      : earlier_(earlier), later_(later), takesShortcuts_(shortcuts == Shortcuts::kTaken) {
     pairing_.laterOf.assign(earlier.Model().Objects().size(), kNone);
     pairing_.earlierOf.assign(later.Model().Objects().size(), kNone);
   }
@@ -149,6 +151,8 @@ class Pairs {
   Pairing Make() {
     Match(ContextOf, false);
     MatchByIdentity();
+    for (const std::uint32_t later : pairing_.laterOf)
+      pairing_.isFoundByIdentity.push_back(later != kNone);
     ReferByPairsOrClasses();
     MatchByContent();
     Match(ClassOfContext, true);
@@ -170,12 +174,26 @@ class Pairs {
     Match([&](const ObjectFacts& facts,
               std::size_t index) { return (&facts == &earlier_ ? earlier : later)[index]; },
           true);
+    if (takesShortcuts_ && !SomeShareAnIdentity(earlier, later)) return;
     Holders here(earlier_, earlier, later, pairing_.laterOf);
     Holders there(later_, later, earlier, pairing_.earlierOf);
-    if (here.AreThereSome()) MatchHolders(here, there);
+    MatchHolders(here, there);
     Match([&](const ObjectFacts& facts,
               std::size_t index) { return (&facts == &earlier_ ? earlier : later)[index]; },
           false);
+  }
+
+  // Of those without a pair an earlier and a later one.
+  bool SomeShareAnIdentity(const Identities& earlier, const Identities& later) const {
+    std::unordered_set<Digest, HashOfDigest> left;
+    for (std::size_t i = 0; i < earlier.size(); ++i) {
+      if (earlier[i] && pairing_.laterOf[i] == kNone) left.insert(*earlier[i]);
+    }
+    for (std::size_t i = 0; i < later.size() && !left.empty(); ++i) {
+      const bool isLeft = later[i] && pairing_.earlierOf[i] == kNone;
+      if (isLeft && left.contains(*later[i])) return true;
+    }
+    return false;
   }
 
   void MatchHolders(Holders& here, Holders& there) {
@@ -248,16 +266,24 @@ class Pairs {
 
   static Identities IdentitiesOf(ObjectFacts& facts) {
     Identities identities;
-    for (IFC::IfcEntity* const object : facts.Model().Objects()) {
-      identities.push_back(IdentityOf(*object, *facts.Model().Words().Of(*object)));
+    const ComparedModel& model = facts.Model();
+    const std::size_t count = model.Objects().size();
+    identities.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      constexpr std::size_t kAway = 8;
+      if (i + kAway < count) platform::PrefetchToRead(model.GuidOf(i + kAway));
+      identities.push_back(IdentityOf(model, i));
     }
     return identities;
   }
-  // What says the same has the same look. So contents are only asked where a look is none of one
-  // object of each model: all that a model says takes long.
+  // What says the same has the same look, and whoever has that has the same name. So looks are only
+  // asked where a name is one of both models, and contents where a look is none of one object of
+  // each: all that a model says takes long.
   void MatchByContent() {
-    const std::vector<std::optional<Look>> earlier = LooksOf(earlier_, pairing_.laterOf);
-    const std::vector<std::optional<Look>> later = LooksOf(later_, pairing_.earlierOf);
+    const NameKeys namesOfEarlier = NameKeysOf(earlier_, pairing_.laterOf);
+    const NameKeys namesOfLater = NameKeysOf(later_, pairing_.earlierOf);
+    const Looks earlier = LooksOf(earlier_, namesOfEarlier, namesOfLater);
+    const Looks later = LooksOf(later_, namesOfLater, namesOfEarlier);
     const auto lookAt = [&](const ObjectFacts& facts, std::size_t index) {
       return &facts == &earlier_ ? earlier[index] : later[index];
     };
@@ -269,26 +295,44 @@ class Pairs {
     const auto ofEarlier = WithoutPair(earlier, pairing_.laterOf);
     const auto ofLater = WithoutPair(later, pairing_.earlierOf);
     const auto content = [&](ObjectFacts& facts, std::size_t index) -> std::optional<Digest> {
-      const Digest look = lookAt(facts, index)->digest;
-      const bool hasLike = ofEarlier.contains(look) && ofLater.contains(look);
+      const auto& look = lookAt(facts, index);
+      const bool hasLike =
+          look && ofEarlier.contains(look->digest) && ofLater.contains(look->digest);
       return hasLike ? std::optional(facts.ContentOf(index)) : std::nullopt;
     };
     Match(content, false);
     Match(telling, true);
   }
-  static std::vector<std::optional<Look>> LooksOf(ObjectFacts& facts,
-                                                  const std::vector<std::uint32_t>& others) {
-    std::vector<std::optional<Look>> looks(others.size());
+
+  using NameKeys = std::vector<std::optional<std::uint64_t>>;  // of those without a pair
+  using Looks = std::vector<std::optional<Look>>;
+  static NameKeys NameKeysOf(const ObjectFacts& facts, const std::vector<std::uint32_t>& others) {
+    const auto& objects = facts.Model().Objects();
+    NameKeys keys(others.size());
     for (std::size_t i = 0; i < others.size(); ++i) {
-      if (others[i] == kNone) looks[i] = facts.LookOf(i);
+      constexpr std::size_t kAway = 8;
+      if (i + kAway < others.size()) FetchRecord(objects[i + kAway]);
+      if (others[i] == kNone) keys[i] = facts.NameKeyOf(i);
+    }
+    return keys;
+  }
+  Looks LooksOf(ObjectFacts& facts, const NameKeys& names, const NameKeys& otherSide) const {
+    std::unordered_set<std::uint64_t> there;
+    for (const auto& name : otherSide) {
+      if (name) there.insert(*name);
+    }
+    Looks looks(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (!names[i]) continue;
+      if (!takesShortcuts_ || there.contains(*names[i])) looks[i] = facts.LookOf(i);
     }
     return looks;
   }
   static std::unordered_set<Digest, HashOfDigest> WithoutPair(
-      const std::vector<std::optional<Look>>& looks, const std::vector<std::uint32_t>& others) {
+      const Looks& looks, const std::vector<std::uint32_t>& others) {
     std::unordered_set<Digest, HashOfDigest> alone;
     for (std::size_t i = 0; i < looks.size(); ++i) {
-      if (others[i] == kNone) alone.insert(looks[i]->digest);
+      if (others[i] == kNone && looks[i]) alone.insert(looks[i]->digest);
     }
     return alone;
   }
@@ -327,11 +371,10 @@ class Pairs {
     const ComparedModel& model = facts.Model();
     for (std::size_t i = 0; i < others.size(); ++i) {
       if (others[i] != kNone) continue;
-      const IFC::IfcEntity& object = *model.Objects()[i];
-      const ClassWord& word = *model.Words().Of(object);
-      facts.Values().SetReference(object, word.role == Role::kContext
-                                              ? NameOfContext(object)
-                                              : Digest{kReference, word.word});
+      const ClassWord& word = model.WordOf(i);
+      facts.Values().SetReference(i, word.role == Role::kContext
+                                         ? NameOfContext(*model.Objects()[i])
+                                         : Digest{kReference, word.word});
     }
   }
   void ReferByPairs() {
@@ -339,40 +382,38 @@ class Pairs {
       const std::uint32_t other = pairing_.laterOf[i];
       if (other == kNone) continue;
       const Digest reference = ReferenceTo(i);
-      earlier_.Values().SetReference(*earlier_.Model().Objects()[i], reference);
-      later_.Values().SetReference(*later_.Model().Objects()[other], reference);
+      earlier_.Values().SetReference(i, reference);
+      later_.Values().SetReference(other, reference);
     }
   }
   static void ReferByThemselves(ObjectFacts& facts, const std::vector<std::uint32_t>& others,
                                 std::uint64_t model) {
     for (std::size_t i = 0; i < others.size(); ++i) {
       if (others[i] != kNone) continue;
-      const IFC::IfcEntity& object = *facts.Model().Objects()[i];
-      const bool isContext = facts.Model().Words().Of(object)->role == Role::kContext;
-      facts.Values().SetReference(
-          object, isContext ? NameOfContext(object) : Digest{kReference + 2 + model, i});
+      const bool isContext = facts.Model().WordOf(i).role == Role::kContext;
+      facts.Values().SetReference(i, isContext ? NameOfContext(*facts.Model().Objects()[i])
+                                               : Digest{kReference + 2 + model, i});
     }
   }
 
   // Contexts of one name are one to whoever refers to them.
   Digest ReferenceTo(std::size_t index) const {
     const ComparedModel& model = earlier_.Model();
-    const IFC::IfcEntity& object = *model.Objects()[index];
-    const bool isContext = model.Words().Of(object)->role == Role::kContext;
-    return isContext ? NameOfContext(object) : Digest{kReference + 1, index};
+    const bool isContext = model.WordOf(index).role == Role::kContext;
+    return isContext ? NameOfContext(*model.Objects()[index]) : Digest{kReference + 1, index};
   }
 
   // Before anything refers to contexts: those that say the same.
   static std::optional<Digest> ContextOf(ObjectFacts& facts, std::size_t index) {
+    if (facts.Model().WordOf(index).role != Role::kContext) return std::nullopt;
     const IFC::IfcEntity& object = *facts.Model().Objects()[index];
-    if (facts.Model().Words().Of(object)->role != Role::kContext) return std::nullopt;
     DigestMaker maker;
     maker.Add(NameOfContext(object));
     maker.Add(facts.Values().Of(&object));
     return maker.Made();
   }
   static std::optional<Digest> ClassOfContext(ObjectFacts& facts, std::size_t index) {
-    const ClassWord& word = *facts.Model().Words().Of(*facts.Model().Objects()[index]);
+    const ClassWord& word = facts.Model().WordOf(index);
     if (word.role != Role::kContext) return std::nullopt;
     return Digest{kReference, word.word};
   }
@@ -380,13 +421,14 @@ class Pairs {
   static constexpr std::uint64_t kReference = 16;
   ObjectFacts& earlier_;
   ObjectFacts& later_;
+  bool takesShortcuts_;
   Pairing pairing_;
 };
 
 }  // namespace
 
-Pairing PairObjects(ObjectFacts& earlier, ObjectFacts& later) {
-  return Pairs(earlier, later).Make();
+Pairing PairObjects(ObjectFacts& earlier, ObjectFacts& later, Shortcuts shortcuts) {
+  return Pairs(earlier, later, shortcuts).Make();
 }
 
 }  // namespace corvel::host::diff

@@ -16,6 +16,7 @@ struct Pairing {
 
   std::vector<std::uint32_t> laterOf;    // of each earlier one; kNone: it is not there any more
   std::vector<std::uint32_t> earlierOf;  // of each later one; kNone: it is new
+  std::vector<bool> isFoundByIdentity;   // of each earlier one: by GUID, of contexts by name
 };
 
 // First by GUID; of several holders those go together that the same objects belong to, then those
@@ -26,6 +27,7 @@ struct Pairing {
 // and place, where these belong to one object of each model.
 //
 // Tells both models what references to their objects say: pairs say the same.
-Pairing PairObjects(ObjectFacts& earlier, ObjectFacts& later);
+Pairing PairObjects(ObjectFacts& earlier, ObjectFacts& later,
+                    Shortcuts shortcuts = Shortcuts::kTaken);
 
 }  // namespace corvel::host::diff

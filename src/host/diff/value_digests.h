@@ -28,10 +28,8 @@ class ValueDigests {
   // Both live as long as this.
   ValueDigests(const ComparedModel& model, const Tolerance& tolerance);
 
-  // What a reference to the object says; for those with an identity, before Of is asked.
-  void SetReference(const IFC::IfcEntity& object, const Digest& digest) {
-    references_[ComparedModel::IndexOf(object)] = digest;
-  }
+  // What a reference to the object at `index` says: before Of is asked.
+  void SetReference(std::size_t index, const Digest& digest) { references_[index] = digest; }
   // For when references have become others.
   void Forget() {
     known_.clear();

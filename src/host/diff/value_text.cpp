@@ -1,5 +1,6 @@
 #include "host/diff/value_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string_view>
@@ -17,6 +18,13 @@ namespace {
 constexpr const char* kNames[] = {
     "Name",          "LayerSetName",      "Identification",           "Identifier",
     "ItemReference", "ContextIdentifier", "RepresentationIdentifier", "Category"};
+
+// Each byte is the unit of its value.
+std::string Utf8Of(std::string_view plain) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(plain.begin(), plain.end(), isAscii)) return std::string(plain);
+  return ToUtf8(Widen(plain));
+}
 
 std::string Quoted(const WideString& text) { return "'" + ToUtf8(text) + "'"; }
 
@@ -47,9 +55,14 @@ std::string NumbersOf(const IFC::IfcEntity& entity) {
 }  // namespace
 
 std::string NameOf(const IFC::IfcEntity& entity) {
+  if (FindFacts(entity) == nullptr) return {};
+  const ConstAttributes all = AttributesOf(entity);
   for (const char* const name : kNames) {
-    const WideString text = TextOf(entity, name);
-    if (!text.empty()) return ToUtf8(text);
+    const auto attribute = all.Find(name);
+    const ModelText* const text = attribute ? attribute->As<ModelText>() : nullptr;
+    if (text == nullptr || text->IsNull()) continue;
+    std::string utf8 = text->IsPlain() ? Utf8Of(text->Plain()) : ToUtf8(text->ToWide());
+    if (!utf8.empty()) return utf8;
   }
   return {};
 }
@@ -57,7 +70,7 @@ std::string NameOf(const IFC::IfcEntity& entity) {
 ObjectLabel LabelOf(const IFC::IfcEntity& entity) {
   const auto* const root = EntityCast<IFC::VirtualIfcRoot>(const_cast<IFC::IfcEntity*>(&entity));
   return {entity.marker, ToUtf8(entity.getClassName()),
-          root == nullptr ? std::string() : ToUtf8(Widen(root->getGlobalId())), NameOf(entity)};
+          root == nullptr ? std::string() : Utf8Of(root->getGlobalId()), NameOf(entity)};
 }
 
 std::string ValueText::Of(const ConstAttribute& attribute, const AttributeWord& word) const {
