@@ -25,7 +25,7 @@ void ShowBox(const WideString& text) {
 }
 
 // What AddEntity does with a class beyond filing it.
-enum Kind : std::ptrdiff_t { kPlain, kProject, kFirstList };
+enum Kind : std::ptrdiff_t { kPlain, kProject, kProduct, kFirstList };
 
 struct ListOfClass {
   WideView className;  // empty: the subtypes of IfcRelAssigns
@@ -82,6 +82,8 @@ std::ptrdiff_t MainContainer::SortOf(IfcEntity* entity) {
   memory.Remember(dynamicClass, kind);
   return kind;
 }
+
+std::ptrdiff_t MainContainer::SortOfProducts() { return kProduct; }
 
 std::uint32_t NextVisitGeneration() {
   static std::atomic<std::uint32_t> generation = 0;
@@ -195,6 +197,8 @@ void MainContainer::SortIntoList(IfcEntity* entity, std::ptrdiff_t sort) {
   if (sort == kPlain) return;
   if (sort == kProject) {
     NoteProject(entity);
+  } else if (sort == kProduct) {
+    products.push_back(entity);
   } else {
     (this->*kLists[sort - kFirstList].list).push_back(entity);
   }

@@ -72,6 +72,8 @@ class MainContainer {
   bool AddUnseen(IfcEntity* entity, std::uint32_t number, std::ptrdiff_t sort);
   // Tells the classes apart that are filed in different ways.
   static std::ptrdiff_t SortOf(IfcEntity* entity);
+  // What AddUnseen is given for a product in the place of that.
+  static std::ptrdiff_t SortOfProducts();
   // Files an entity, which lives in this pool or in one that lives as long. Its number is its
   // marker. Marker 0 gets the next `uniqueMarker`; a taken marker gets one new number, and if that
   // is taken too a message box tells that the entity is not filed. In place of a new number above
@@ -188,6 +190,10 @@ class MainContainer {
   // Likewise, and what may say where on the map a model is.
   std::vector<IfcEntity*> propertySets;
   std::vector<IfcEntity*> mapConversions;
+  // Those of the records that were read, subtypes and all, in order of filing: the container itself
+  // knows no product, so these are what AddUnseen was given as such.
+  std::vector<IfcEntity*> products;
+  bool productsAreListed = false;  // all of them are; to be said by whoever reads
 
  private:
   bool File(IfcEntity* entity);

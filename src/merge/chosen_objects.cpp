@@ -22,6 +22,7 @@ bool Move(IfcDocument& document, HostObject project, HostScene& scene, bool plac
 // The offset comes first: what carries it is kept with the objects.
 Outcome KeepChosenObjects(IfcDocument& document, HostObject project, HostScene& scene,
                           const ObjectChoice& choice, RunObserver* observer) {
+  if (observer != nullptr) observer->ModelHasItsTurn(document);
   if (!Move(document, project, scene, choice.placeByMap)) return Outcome::kFailed;
   ObjectSelection selection(scene);
   std::vector<HostObject> save;
@@ -48,7 +49,9 @@ void TellChoice(RunObserver* observer, const IfcDocument& document, HostObject p
 
 MarkingListener ListenerFor(RunObserver* observer, const IfcDocument& document) {
   if (observer == nullptr) return {};
-  return [observer, &document](MarkingStep step) { observer->ModelIsMarked(document, step); };
+  return [observer, &document](MarkingStep step, bool anyIsDeleted) {
+    observer->ModelIsMarked(document, step, anyIsDeleted);
+  };
 }
 
 }  // namespace corvel

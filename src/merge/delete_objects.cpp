@@ -67,7 +67,7 @@ class Marking {
     if (order_.deleteOpenings) DeleteAllOpenings(container_, order_.deletePairs, order_.savePairs);
     MarkEntitiesAndChildrenToDelete(container_, order_.deletePairs);
     MarkEntitiesAndChildrenAndParentsToSave(container_, order_.savePairs, order_.deletePairs);
-    Tell(MarkingStep::kChosen);
+    Tell(MarkingStep::kChosen, !order_.deletePairs.empty());
     return Tick(5, 100, true);
   }
 
@@ -79,14 +79,14 @@ class Marking {
     // Behind the first step that deletes: which elements are gone is known from here on.
     if (!order_.deleteOpenings) RemoveOpeningsFromDeleteList(container_, order_.deletePairs);
     if (!MarkDependentsToDelete(container_, deletion, order_.deletePairs, second)) return false;
-    Tell(MarkingStep::kFollowed);
+    Tell(MarkingStep::kFollowed, deletion.AnyIsDeleted());
     if (!RemoveUnsavedEntities(container_, deletion, StageOf(10, third_))) return false;
-    Tell(MarkingStep::kSwept);
+    Tell(MarkingStep::kSwept, deletion.AnyIsDeleted());
     return true;
   }
 
-  void Tell(MarkingStep step) const {
-    if (order_.listener != nullptr && *order_.listener) (*order_.listener)(step);
+  void Tell(MarkingStep step, bool anyIsDeleted) const {
+    if (order_.listener != nullptr && *order_.listener) (*order_.listener)(step, anyIsDeleted);
   }
 
   IFC::MainContainer& container_;

@@ -64,11 +64,13 @@ void Deletion::DeleteChildrenOf(IFC::IfcEntity& entity) {
 
 void Deletion::StartRecord() {
   isRecording_ = true;
+  anyWasDeleted_ = anyIsDeleted_;
   record_.clear();
 }
 
 void Deletion::Undo() {
   isRecording_ = false;
+  anyIsDeleted_ = anyWasDeleted_;
   for (IFC::IfcEntity* const entity : record_) {
     entity->marker = IFC::kUnfiled;
     entity->CollectAllChildren(children_);

@@ -100,6 +100,7 @@ class Deletion {
   IFC::ChildQueue orphans_;
   bool anyIsDeleted_ = true;
   bool isRecording_ = false;
+  bool anyWasDeleted_ = true;  // when the record was begun
   std::vector<IFC::IfcEntity*> record_;
 };
 

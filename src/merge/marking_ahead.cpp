@@ -26,7 +26,8 @@ class MarkingAhead::Marking final : public platform::Job {
                                 .savePairs = task_.savePairs,
                                 .deleteOpenings = task_.deleteOpenings,
                                 .fileCount = task_.fileCount,
-                                .progress = KeptTicks::Callback});
+                                .progress = KeptTicks::Callback,
+                                .listener = &task_.listener});
     } catch (const KeptTicks::Ended&) {
       return;
     }

@@ -8,6 +8,7 @@
 #include "core/reporting.h"
 #include "merge/document.h"
 #include "merge/marker_pair.h"
+#include "merge/marking_steps.h"
 #include "platform/worker_pool.h"
 
 namespace corvel {
@@ -18,6 +19,7 @@ struct MarkingTask {
   std::vector<MarkerPair> savePairs;
   bool deleteOpenings = false;
   int fileCount = 1;
+  MarkingListener listener{};  // called on the thread that marks
 };
 
 // Does the marking of a model, and what a fold asks of it first, on whichever thread is free. The

@@ -12,8 +12,9 @@ enum class MarkingStep : std::uint8_t {
   kSwept      // what hangs together with nothing that is saved
 };
 
-// Told each step once it is done; may be empty.
-using MarkingListener = std::function<void(MarkingStep)>;
+// Told each step once it is done; may be empty. `anyIsDeleted`: false where nothing of the model
+// has been deleted so far.
+using MarkingListener = std::function<void(MarkingStep, bool anyIsDeleted)>;
 
 // Why the host leaves an object out.
 enum class LeftOutReason : std::uint8_t { kInactive, kHidden, kNotSelected };

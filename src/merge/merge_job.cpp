@@ -242,11 +242,11 @@ bool MergeJob::PrepareModels() {
   return true;
 }
 
-// The models behind the first, as far as nothing happens to them before they are marked. Null where
-// somebody watches each step, or the scene may change until a model has its turn.
+// The models behind the first, as far as nothing happens to them before they are marked. Null for
+// tolerant readings, and where the scene may change until a model has its turn.
 std::unique_ptr<MarkingAhead> MergeJob::BeginAhead() {
   const MergeOptions options = shell_.Options();
-  const bool goesAlone = options.threads < 2 || options.tolerant || observer_ != nullptr;
+  const bool goesAlone = options.threads < 2 || options.tolerant;
   if (goesAlone || places_ || !shell_.SceneStandsStill()) return nullptr;
   const bool keepsGuids = options.federation.guids == GuidHandling::kKeep;
   auto ahead = std::make_unique<MarkingAhead>(options.threads, keepsGuids);
@@ -288,6 +288,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight, MarkingAhead* ahe
   shell_.SetCurrentText(shell_.Text("deleting_entities_from"));
   shell_.SetCurrentFile(path);
   TellStage(RunStage::kChoose, path);
+  if (observer_ != nullptr) observer_->ModelHasItsTurn(document);
   Log(u"Procesing AdjustUnit");
   // The first is what the others are measured by.
   if (&model != &models_.front()) AdjustUnit(model);
@@ -304,7 +305,7 @@ bool MergeJob::PrepareModel(const RunModel& model, int weight, MarkingAhead* ahe
     ahead->Finish(document, shell_.Ticks());
   } else {
     document.DeleteObjects(task.deletePairs, task.savePairs, false, task.deleteOpenings,
-                           task.fileCount, ListenerFor(observer_, document));
+                           task.fileCount, task.listener);
     if (ahead != nullptr) ahead->BeginFold(document);
   }
   Log(u"Done.");
@@ -322,6 +323,7 @@ MarkingTask MergeJob::TaskOf(const RunModel& model) {
   task.deletePairs = selection.ToMarkerPairs(leftOut);
   task.deleteOpenings = shell_.Options().deleteOpenings;
   task.fileCount = static_cast<int>(projects_.size());
+  task.listener = ListenerFor(observer_, *model.document);
   TellChoice(observer_, *model.document, model.hostProject, scene_, mode_, leftOut);
   return task;
 }

@@ -39,8 +39,8 @@ struct FederationNote {
   const IfcDocument* model = nullptr;  // that it is about; null: all of them
 };
 
-// Called on the thread of the run, in the order of the run. Documents are borrowed and live until
-// the last call before RunEnds; nothing of them is to be changed.
+// Called on the thread of the run, in the order of the run, but where it says otherwise. Documents
+// are borrowed and live until the last call before RunEnds; nothing of them is to be changed.
 class RunObserver {
  public:
   virtual ~RunObserver() = default;
@@ -59,7 +59,13 @@ class RunObserver {
   virtual void ObjectsAreLeftOut(const IfcDocument& /*document*/,
                                  const std::vector<LeftOutObject>& /*objects*/) {}
   // A step of the marking is done: the marker kDeleted tells what it has deleted so far.
-  virtual void ModelIsMarked(const IfcDocument& /*document*/, MarkingStep /*step*/) {}
+  // `anyIsDeleted`: false where that is nothing. Told on the thread that marks the model, which may
+  // be another one, with other models on other threads meanwhile.
+  virtual void ModelIsMarked(const IfcDocument& /*document*/, MarkingStep /*step*/,
+                             bool /*anyIsDeleted*/) {}
+  // The turn of the model to be moved and marked has come in the order of the run. The three above
+  // may be told ahead of it, and count from here on: a run that ends before knows nothing of them.
+  virtual void ModelHasItsTurn(const IfcDocument& /*document*/) {}
   // The documents are folded into the first, and swept.
   virtual void ModelsAreFolded(const std::vector<IfcDocument*>& /*documents*/) {}
   virtual void StepIsDone(const FederationNote& /*note*/) {}

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "marked_model.h"
+#include "merge/marking.h"
 
 namespace corvel {
 namespace {
@@ -246,6 +247,22 @@ TEST(UnsavedProgress, ACancelThatIsNotMeantChangesNothing) {
   EXPECT_TRUE(RemoveUnsaved(model));
   EXPECT_EQ("deleted 1 2 3 4", model.Marks());
   EXPECT_EQ(4u, model.Ticks().size());
+}
+
+TEST(DeletionTest, WhatIsTakenBackWasNeverDeleted) {
+  MarkedModel model("#1=IFCGROUP('g',$,$,$,$);\n#2=IFCGROUP('h',$,$,$,$);\n");
+  model.Prepare();
+  IFC::MainContainer& container = *model->mainContainer;
+  Deletion deletion(container);
+  EXPECT_TRUE(deletion.AnyIsDeleted());  // nobody knows better
+  deletion.NoteNothingIsDeleted();
+  deletion.StartRecord();
+  deletion.Delete(*container.GetEntityByOrginalNumber(1));
+  EXPECT_TRUE(deletion.AnyIsDeleted());
+  deletion.Undo();
+  EXPECT_FALSE(deletion.AnyIsDeleted());
+  deletion.Delete(*container.GetEntityByOrginalNumber(2));
+  EXPECT_TRUE(deletion.AnyIsDeleted());
 }
 
 }  // namespace

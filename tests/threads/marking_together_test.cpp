@@ -17,6 +17,8 @@
 #include "merge/marking_ahead.h"
 #include "merge/merge_job.h"
 #include "merge/recorded_scene.h"
+#include "merge/report/report_gatherer.h"
+#include "merge/report/report_json.h"
 #include "step/log/ifc_log.h"
 #include "support/model.h"
 #include "support/read_model.h"
@@ -78,6 +80,7 @@ class ShellOfMerge final : public MergeShell {
 
   MergeOptions options;
   bool standsStill = true;
+  ReportGatherer gatherer{"merge"};
   std::vector<std::string> calls;
   std::optional<std::size_t>
       askedBefore;  // questions to the scene, before the first model has its turn
@@ -87,6 +90,7 @@ class ShellOfMerge final : public MergeShell {
   ErrorReporter Reporter() override { return test::RecordedReports::Reporter; }
   ProgressCallback Ticks() override { return test::RecordedProgress::Callback; }
   bool SceneStandsStill() override { return standsStill; }
+  RunObserver* Observer() override { return &gatherer; }
   WideString OutputPath() override { return output_; }
   bool AskForOutput(const OutputSuggestion& /*suggestion*/) override { return Note("ask"), true; }
   void ShowBox(const WideString&, const WideString& text, unsigned) override { Note(Narrow(text)); }
@@ -132,6 +136,7 @@ struct SeenOfMerge {
   bool asksAhead = false;
   std::string bytes;
   std::string log;
+  std::string report;  // that somebody who observes could write
   std::vector<std::string> calls;
   std::vector<std::string> sceneCalls;
   std::vector<test::Report> reports;
@@ -182,6 +187,9 @@ class MarkingTogether : public test::ReadTest {
       }
     };
     hidePlace(seen.log);
+    static const std::regex times("\"(startedAt|seconds|memoryBytes)\":(\"[^\"]*\"|[-0-9.e]+)");
+    seen.report = std::regex_replace(ReportAsJson(shell.gatherer.Report()), times, "");
+    hidePlace(seen.report);
     for (std::string& call : shell.calls) hidePlace(call);
     seen.calls = shell.calls;
     seen.sceneCalls = scene.calls;
@@ -220,6 +228,7 @@ class MarkingTogether : public test::ReadTest {
       EXPECT_EQ(how.standsStill, together.asksAhead) << threads;
       EXPECT_EQ(alone.written, together.written) << threads;
       EXPECT_EQ(alone.log, together.log) << threads;
+      EXPECT_EQ(alone.report, together.report) << threads;
       EXPECT_EQ(alone.calls, together.calls) << threads;
       EXPECT_EQ(alone.ticks, together.ticks) << threads;
       EXPECT_TRUE(alone.bytes == together.bytes) << threads;
@@ -261,7 +270,12 @@ TEST_F(MarkingTogether, WhatIsLeftOutTakesTheSameAlong) {
       object.active = random() % 3 != 0;
       object.visible = random() % 4 != 0 ? 1 : 0;
     };
-    EXPECT_TRUE(ExpectTheSame(how).written);
+    const SeenOfMerge seen = ExpectTheSame(how);
+    EXPECT_TRUE(seen.written);
+    const bool leavesOpenings = how.deleteOpenings;
+    EXPECT_NE(std::string::npos, seen.report.find("\"inactive\":")) << seen.report;
+    EXPECT_EQ(leavesOpenings, seen.report.find("\"opening\":") != std::string::npos);
+    EXPECT_EQ(leavesOpenings, seen.report.find("\"hidden\":") == std::string::npos);
   }
 }
 
@@ -322,6 +336,7 @@ TEST_F(MarkingTogether, StopsAtATickOfEachStepWhereOneThreadStops) {
     EXPECT_EQ(expected.ticks, seen.ticks) << i;
     EXPECT_EQ(expected.calls, seen.calls) << i;
     EXPECT_EQ(expected.log, seen.log) << i;
+    EXPECT_EQ(expected.report, seen.report) << i;
     EXPECT_TRUE(expected.boxes == seen.boxes) << i;
     EXPECT_EQ(1u, seen.boxes.size()) << i;
   }

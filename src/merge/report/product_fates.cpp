@@ -1,5 +1,6 @@
 #include "merge/report/product_fates.h"
 
+#include <algorithm>
 #include <map>
 
 #include "core/entity_cast.h"
@@ -32,10 +33,21 @@ void Count(ProductTally& tally, const std::optional<DropReason>& dropped) {
 }  // namespace
 
 void ProductFates::Collect(const IFC::MainContainer& container) {
-  for (const auto& [number, entity] : container.originalEntities) {
-    if (EntityCast<IFC::VirtualIfcProduct>(entity) != nullptr) {
-      products_.push_back({entity, entity->getClassName(), number, std::nullopt});
+  const auto add = [this](std::uint32_t number, IFC::IfcEntity* product) {
+    products_.push_back({product, product->getClassName(), number, std::nullopt});
+  };
+  if (!container.productsAreListed) {
+    for (const auto& [number, entity] : container.originalEntities) {
+      if (EntityCast<IFC::VirtualIfcProduct>(entity) != nullptr) add(number, entity);
     }
+    return;
+  }
+  // What has just been read has the number of its file.
+  products_.reserve(container.products.size());
+  for (IFC::IfcEntity* const product : container.products) add(product->marker, product);
+  const auto isBefore = [](const Product& a, const Product& b) { return a.number < b.number; };
+  if (!std::is_sorted(products_.begin(), products_.end(), isBefore)) {
+    std::sort(products_.begin(), products_.end(), isBefore);
   }
 }
 
@@ -86,6 +98,10 @@ std::vector<PlacedProduct> ProductFates::Placed() const {
   return placed;
 }
 
+void ProductFates::Forget() {
+  for (Product& product : products_) product.dropped.reset();
+}
+
 ProductTally ProductFates::Tally() const {
   ProductTally tally;
   for (const Product& product : products_) Count(tally, product.dropped);
@@ -95,8 +111,14 @@ ProductTally ProductFates::Tally() const {
 // Names are compared once for each class and not for each product: a class has one address.
 std::vector<ClassTally> ProductFates::TallyByClass() const {
   std::unordered_map<const char16_t*, ProductTally> byAddress;
+  const char16_t* lastName = nullptr;
+  ProductTally* last = nullptr;
   for (const Product& product : products_) {
-    Count(byAddress[product.className], product.dropped);
+    if (last == nullptr || product.className != lastName) {
+      lastName = product.className;
+      last = &byAddress[lastName];
+    }
+    Count(*last, product.dropped);
   }
   std::map<std::string, ProductTally> byName;
   for (const auto& [address, tally] : byAddress) {

@@ -16,7 +16,7 @@ namespace corvel {
 // Borrows the objects of the model. The tallies and DropRest do without them.
 class ProductFates {
  public:
-  // All are kept at first.
+  // All are kept at first. For the thread of the run, before anything has been marked.
   void Collect(const IFC::MainContainer& container);
   void NoteLeftOut(const std::vector<LeftOutObject>& objects);
   // Those that are deleted by now, and had not been before.
@@ -26,6 +26,8 @@ class ProductFates {
   void NoteGone(const IFC::MainContainer& folded, DropReason reason);
   // All that is kept so far.
   void DropRest(DropReason reason);
+  // All are kept again.
+  void Forget();
 
   ProductTally Tally() const;
   std::vector<ClassTally> TallyByClass() const;

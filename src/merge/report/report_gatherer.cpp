@@ -126,15 +126,54 @@ void ReportGatherer::ObjectsAreLeftOut(const IfcDocument& document,
   inputs_[IndexOf(document)].fates.NoteLeftOut(objects);
 }
 
-void ReportGatherer::ModelIsMarked(const IfcDocument& document, MarkingStep step) {
+void ReportGatherer::ModelIsMarked(const IfcDocument& document, MarkingStep step,
+                                   bool anyIsDeleted) {
   Input& input = inputs_[IndexOf(document)];
+  input.isMarked = true;
+  if (!anyIsDeleted) return;
   input.fates.NoteMarked(step);
   if (step != MarkingStep::kSwept) return;
   input.deletedByMarking = CountDeleted(document.mainContainer->originalEntities);
 }
 
+void ReportGatherer::ModelHasItsTurn(const IfcDocument& document) {
+  inputs_[IndexOf(document)].hadItsTurn = true;
+}
+
+namespace {
+
+// The objects of the document at `index` as its file has them, wherever they have gone since.
+const NumberTable& RecordsOf(const std::vector<IfcDocument*>& documents, std::size_t index) {
+  const IfcDocument& merged = *documents.front();
+  return index == 0 ? merged.mainContainer->originalEntities
+                    : merged.absorbedContainers[index - 1]->originalEntities;
+}
+
+bool GaveWay(const IFC::IfcEntity* project, const NumberTable& written) {
+  return project != nullptr && !IsDeleted(*project) && written.Find(project->marker) != project;
+}
+
+}  // namespace
+
+// The usual fold, which adds up: each later model came with all that was not deleted, but for its
+// project, and nothing was made or deleted since.
+bool ReportGatherer::FoldTookAllButProjects(const std::vector<IfcDocument*>& documents) const {
+  const IFC::MainContainer& merged = *documents.front()->mainContainer;
+  const bool isMarked = inputs_[IndexOf(*documents.front())].isMarked;
+  if (!report_.steps.empty() || (isMarked && !merged.MarkersAreTrue())) return false;
+  std::size_t size = RecordsOf(documents, 0).Size();
+  for (std::size_t i = 1; i < documents.size(); ++i) {
+    const IFC::IfcEntity* const project = documents[i]->getIfcProject();
+    if (!GaveWay(project, merged.entities)) return false;
+    size += RecordsOf(documents, i).Size() - inputs_[IndexOf(*documents[i])].deletedByMarking - 1;
+  }
+  return merged.entities.Size() == size;
+}
+
 void ReportGatherer::ModelsAreFolded(const std::vector<IfcDocument*>& documents) {
   folded_ = documents;
+  isOnlyFolded_ = FoldTookAllButProjects(documents);
+  if (isOnlyFolded_) return;
   for (const IfcDocument* const document : documents) {
     inputs_[IndexOf(*document)].fates.NoteGone(*documents.front()->mainContainer,
                                                DropReason::kNotNeeded);
@@ -156,8 +195,11 @@ void ReportGatherer::StepIsDone(const FederationNote& note) {
 }
 
 void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
-  CountRecords(documents);
-  TallyProducts();
+  if (isOnlyFolded_ && FoldTookAllButProjects(documents)) {
+    CountFoldedRecords(documents);
+  } else {
+    CountRecords(documents);
+  }
   const IFC::IfcEntity* const units = documents.front()->getIfcUnitAssignment();
   report_.output.lengthUnit = LengthUnitName(units);
   report_.output.metresPerUnit = MetresPerLengthUnit(units);
@@ -167,6 +209,19 @@ void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
     placed.push_back({static_cast<std::uint32_t>(index), inputs_[index].fates.Placed()});
   }
   report_.places = CollectPlaces(*documents.front(), placed);
+}
+
+void ReportGatherer::CountFoldedRecords(const std::vector<IfcDocument*>& documents) {
+  OutputReport& output = report_.output;
+  output.isKnown = true;
+  for (std::size_t i = 0; i < documents.size(); ++i) {
+    const std::size_t index = IndexOf(*documents[i]);
+    RecordTally& tally = report_.inputs[index].records;
+    tally.leftOut = inputs_[index].deletedByMarking;
+    tally.joined = i == 0 ? 0 : 1;
+    tally.kept = tally.in - tally.leftOut - tally.joined;
+    output.records += tally.kept;
+  }
 }
 
 // By what is filed under its own number in the model that is written: that is what is written.
@@ -181,9 +236,7 @@ void ReportGatherer::CountRecords(const std::vector<IfcDocument*>& documents) {
     const std::size_t index = IndexOf(*documents[i]);
     RecordTally& tally = report_.inputs[index].records;
     std::size_t deleted = 0;
-    const NumberTable& records = i == 0 ? merged.mainContainer->originalEntities
-                                        : merged.absorbedContainers[i - 1]->originalEntities;
-    for (const auto& [number, entity] : records) {
+    for (const auto& [number, entity] : RecordsOf(documents, i)) {
       if (IsDeleted(*entity)) {
         ++deleted;
       } else if (written.Find(entity->marker) == entity) {
@@ -222,6 +275,7 @@ void ReportGatherer::RunEnds(const RunResult& result) {
   for (std::size_t i = 0; i < inputs_.size(); ++i) {
     InputReport& told = report_.inputs[i];
     if (output.isKnown && told.takesPart) continue;
+    if (!inputs_[i].hadItsTurn) inputs_[i].fates.Forget();
     told.records.leftOut = told.records.in;
     inputs_[i].fates.DropRest(DropReason::kModelLeftOut);
   }

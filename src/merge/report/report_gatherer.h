@@ -12,8 +12,8 @@
 
 namespace corvel {
 
-// For one run. Looks at each record of the inputs three times, and at each product once more for
-// each step.
+// For one run. Looks at products, and at each record once where something is deleted and once more
+// where steps of federation are taken.
 class ReportGatherer final : public RunObserver {
  public:
   // `command`: as the user calls it.
@@ -34,7 +34,8 @@ class ReportGatherer final : public RunObserver {
   void ModelIsMoved(const IfcDocument& document, const std::array<double, 3>& offsetMm) override;
   void ObjectsAreLeftOut(const IfcDocument& document,
                          const std::vector<LeftOutObject>& objects) override;
-  void ModelIsMarked(const IfcDocument& document, MarkingStep step) override;
+  void ModelIsMarked(const IfcDocument& document, MarkingStep step, bool anyIsDeleted) override;
+  void ModelHasItsTurn(const IfcDocument& document) override;
   void ModelsAreFolded(const std::vector<IfcDocument*>& documents) override;
   void StepIsDone(const FederationNote& note) override;
   void ModelIsDone(const std::vector<IfcDocument*>& documents) override;
@@ -47,16 +48,21 @@ class ReportGatherer final : public RunObserver {
     const IfcDocument* document = nullptr;
     ProductFates fates;
     std::size_t deletedByMarking = 0;
+    bool isMarked = false;
+    bool hadItsTurn = false;
   };
 
   std::size_t IndexOf(const IfcDocument& document) const;
+  bool FoldTookAllButProjects(const std::vector<IfcDocument*>& documents) const;
   void CountRecords(const std::vector<IfcDocument*>& documents);
+  void CountFoldedRecords(const std::vector<IfcDocument*>& documents);
   void TallyProducts();
   void EndStage();
 
   RunReport report_;
   std::vector<Input> inputs_;  // as those of the report
   std::vector<IfcDocument*> folded_;
+  bool isOnlyFolded_ = false;  // so that the sizes of the models tell what became of their records
   std::int64_t stageBegan_ = 0;
   bool hasEnded_ = false;
 };

@@ -11,6 +11,7 @@
 #include "platform/platform.h"
 #include "step/log/ifc_log.h"
 #include "step/log/utilities.h"
+#include "step/reader/class_sort.h"
 #include "step/reader/parallel/parallel_reading.h"
 #include "step/reader/tolerant_reading.h"
 
@@ -108,6 +109,7 @@ bool Parser::OpenInput(const WideString& path) {
                                           showError, kBufferSize);
   tempPath = saved_->Path();
   mainContainer = std::make_unique<IFC::MainContainer>(showError, progress, kPoolBlockSize);
+  mainContainer->productsAreListed = tolerance == nullptr;
   StartPass(std::move(opened), 0);
   ReadHead();
   return true;
@@ -355,6 +357,7 @@ void Parser::ClearScratch() {
 
 bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
   if (tolerance == nullptr && mainContainer->AddUnseen(entity, marker, SortOf(entity))) return true;
+  mainContainer->productsAreListed = false;
   if (mainContainer->AddEntityByOrginalNumber(entity, marker)) return true;
   showError("", u"Entity duplicated: #" + ToWide(marker), kReportShow);
   Cancel();
@@ -364,7 +367,7 @@ bool Parser::FileEntity(IFC::IfcEntity* entity, std::uint32_t marker) {
 // Of an object of the class of `row_`, as the container sorts it.
 std::ptrdiff_t Parser::SortOf(IFC::IfcEntity* entity) {
   auto& sort = sorts_[static_cast<std::size_t>(row_ - factories->slots)];
-  if (!sort) sort = IFC::MainContainer::SortOf(entity);
+  if (!sort) sort = SortOfClass(*factories, row_->name, entity);
   return *sort;
 }
 
