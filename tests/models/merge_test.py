@@ -118,9 +118,9 @@ class RealModels(Merge):
         self.both_orders('duplex/*.ifc', 2)
 
     def test_RailwaySections(self):
-        paths = real('rfi/*.ifc')
+        paths = sorted(real('rfi/*.ifc'), key=os.path.getsize)
         self.assertEqual(len(paths), 3)
-        self.check_all([*itertools.combinations(paths, 2), paths])
+        self.check_all([paths[:2], paths])
 
     def test_BuildingWithOneProjectGuidInAllFiles(self):
         paths = real('pcert/*.ifc')
