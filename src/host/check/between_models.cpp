@@ -19,6 +19,40 @@ WideString UnitText(const LengthUnit& unit) {
   return unit.name.empty() ? WideString(u"no length unit") : unit.name;
 }
 
+// What the name of an SI unit of that type ends with behind its prefix; empty: a merge does not
+// compare such.
+WideView SiNameOf(std::string_view type) {
+  if (type == "AREAUNIT" || type == "VOLUMEUNIT") return u"METRE";
+  if (type == "MASSUNIT") return u"GRAM";
+  return type == "PLANEANGLEUNIT" ? u"RADIAN" : WideView();
+}
+
+bool IsSi(const UnitFacts& unit) {
+  const bool isPower = unit.name.starts_with(u"SQUARE_") || unit.name.starts_with(u"CUBIC_");
+  const bool wantsPower = unit.type == "AREAUNIT" || unit.type == "VOLUMEUNIT";
+  const WideView name = SiNameOf(unit.type);
+  return !name.empty() && isPower == wantsPower && unit.name.ends_with(name) &&
+         unit.name.find(u' ') == WideString::npos;
+}
+
+// The last one of a type speaks. Null without one that a merge compares.
+const UnitFacts* LastSiUnit(const std::vector<UnitFacts>& units, std::string_view type) {
+  const auto found = std::find_if(units.rbegin(), units.rend(), [type](const UnitFacts& unit) {
+    return unit.type == type && IsSi(unit);
+  });
+  return found == units.rend() ? nullptr : &*found;
+}
+
+// For these, too, a merge leaves a file out. A type that one of the two lacks is no difference.
+void CompareOtherUnits(const ModelFacts& first, const ModelFacts& facts, Findings& findings) {
+  for (const char* const type : {"AREAUNIT", "VOLUMEUNIT", "MASSUNIT", "PLANEANGLEUNIT"}) {
+    const UnitFacts* const here = LastSiUnit(facts.units, type);
+    const UnitFacts* const there = LastSiUnit(first.units, type);
+    if (here == nullptr || there == nullptr || here->name == there->name) continue;
+    findings.Add(RuleId::kOtherUnit, type, {.what = here->name + u" for " + there->name});
+  }
+}
+
 // How far the two boxes are from each other; 0 when they touch.
 double Distance(const Extent& one, const Extent& other) {
   double square = 0.0;
@@ -39,6 +73,7 @@ void CompareFrames(const ModelFacts& first, const ModelFacts& facts, Findings& f
     findings.Add(RuleId::kOtherUnit, {},
                  {.what = UnitText(facts.lengthUnit) + u" for " + UnitText(first.lengthUnit)});
   }
+  CompareOtherUnits(first, facts, findings);
   const auto& here = facts.georeference.conversion;
   const auto& there = first.georeference.conversion;
   if (here != there) {

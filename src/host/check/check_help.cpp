@@ -29,6 +29,8 @@ Options:
                           recognised by their GUIDs, others by what they say.
                           Takes all names up to the next option; a folder or
                           "-" is taken as in the place of FILE
+  --files0-from LIST      these files as well: their names, each with a NUL
+                          behind it
   --explain RULE          tell what a rule is about, and an example
   --json                  one JSON object, see docs/check.schema.json
   --report FILE           write all of it to FILE as well, with a plan and an

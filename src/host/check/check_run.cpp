@@ -100,7 +100,7 @@ class CheckRun {
       }
       if (!CheckOne(path, std::move(order), report_.models)) return false;
       const CheckedModel& model = report_.models.back();
-      if (!order_.against.empty()) report_.comparison = CompareWith(model, before);
+      if (!order_.against.empty() && model.facts) report_.comparison = CompareWith(model, before);
       if (order_.json) continue;
       console_.EraseBars();
       isWritten_ =

@@ -154,20 +154,22 @@ WideString CheckedModelAsText(const CheckedModel& model, const Comparison* compa
     text += FindingsText(comparison->gone, {}, inColours,
                          [](std::size_t) { return WideString(u", gone"); });
   }
-  if (!model.findings.empty()) text += u"\n";
+  const bool isGone = comparison != nullptr && !comparison->gone.empty();
+  if (!model.findings.empty() || isGone) text += u"\n";
   return text + Wrapped(u"  ", TotalsText(TotalsOf(model.findings))) + u"\n";
 }
 
 WideString CheckSummaryAsText(const CheckReport& report, bool inColours) {
   WideString text;
-  const BetweenFinding* before = nullptr;
-  for (const BetweenFinding& one : report.between) {
-    if (before == nullptr || before->file != one.file || before->other != one.other) {
-      text +=
-          Wrapped({}, NameOfFile(report, one.file) + u" beside " + NameOfFile(report, one.other));
+  for (auto at = report.between.begin(); at != report.between.end();) {
+    const BetweenFinding& first = *at;
+    text +=
+        Wrapped({}, NameOfFile(report, first.file) + u" beside " + NameOfFile(report, first.other));
+    std::vector<Finding> findings;
+    for (; at != report.between.end() && at->file == first.file && at->other == first.other; ++at) {
+      findings.push_back(at->finding);
     }
-    before = &one;
-    text += FindingText(one.finding, {}, inColours);
+    text += FindingsText(findings, {}, inColours, [](std::size_t) { return WideString(); });
   }
   if (!text.empty()) text += u"\n";
   const bool isNew = report.comparison.has_value();

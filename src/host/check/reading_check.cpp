@@ -69,11 +69,28 @@ Finding FindingOf(const SkippedPart& part) {
   return finding;
 }
 
+// One place a record, as of other values that are refused.
+void CheckLargeIntegers(const IfcDocument& document, Findings& findings) {
+  const auto& entities = document.mainContainer->entities;
+  std::uint32_t last = 0;
+  for (const LargeInteger& large : document.GetParser().notes.records->Large()) {
+    const IFC::IfcEntity* const entity = entities.Find(large.record);
+    if (entity == nullptr || std::exchange(last, large.record) == large.record) continue;
+    findings.Add(
+        RuleId::kLargeInteger, Narrow(entity->getClassName()),
+        {.number = large.record, .what = FromUtf8(large.attribute), .offset = large.offset});
+  }
+}
+
 }  // namespace
 
 void CheckReading(const IfcDocument& document, Findings& findings) {
   const ReadingNotes& notes = document.GetParser().notes;
-  if (notes.headWasMended) findings.Add(RuleId::kHeader, {}, {});
+  if (notes.headWasMended) {
+    const bool isKnown = notes.records != nullptr;
+    findings.Add(RuleId::kHeader, {},
+                 {.what = isKnown ? FromUtf8(notes.records->HeadFlaw()) : WideString()});
+  }
   if (notes.endWithoutClosingLine) {
     findings.Add(RuleId::kCutShort, {}, {.offset = *notes.endWithoutClosingLine});
   }
@@ -87,6 +104,7 @@ void CheckReading(const IfcDocument& document, Findings& findings) {
                    {.number = hidden.record, .offset = hidden.offset});
     }
   }
+  if (notes.records != nullptr) CheckLargeIntegers(document, findings);
   for (const SkippedPart& part : notes.skipped) findings.Add(FindingOf(part));
   for (const MisfitGroup& group : notes.misfits) findings.Add(FindingOf(group), group.numbers);
 }

@@ -73,6 +73,10 @@ constexpr Rule kTable[] = {
      u"A value of a type that the attribute refuses",
      u"It is carried as it stands. A mandatory enumeration without a value counts as such, too.",
      u"#1=IFCDIRECTION('up');"},
+    {RuleId::kLargeInteger, "CRV.value.large", kWarning, u"A whole number of more than 32 bits",
+     u"The schemas have no bounds for whole numbers, but many programs keep 32 bits of them. It is "
+     u"carried as it stands.",
+     u"#1=IFCPROPERTYSINGLEVALUE('a',$,IFCINTEGER(9876543210),$);"},
     {RuleId::kMissingValue, "CRV.value.missing", kError, u"A mandatory attribute has no value",
      u"A save writes * for a reference, 0. for a number, '' for a text and () for a list. "
      u"Enumerations without a value are told by CRV.value.wrong, lists that need members by "
@@ -113,6 +117,10 @@ constexpr Rule kTable[] = {
     {RuleId::kChangedNumber, "CRV.save.number", kNote, u"A save shortens the count to six digits",
      u"A value of type NUMBER is written with six significant digits; --numbers exact keeps all.",
      u"#1=IFCQUANTITYCOUNT('bricks',$,$,1234567);"},
+    {RuleId::kAddedText, "CRV.save.text", kNote, u"A save writes '' for a text that is not there",
+     u"Names and descriptions of roots in models of IFC2X and of the platform of IFC2X2: their "
+     u"schemas do without, and the classes that read them hold a text.",
+     u"#1=IFCCOLUMN('2o1y...',#2,$,$,$,#3,#4,$);  (in a model of IFC2X)"},
 
     {RuleId::kMalformedGuid, "PJS003.malformed", kError, u"A GUID is malformed",
      u"It has 22 characters out of 0-9 A-Z a-z _ $, and begins with 0, 1, 2 or 3. Programs that "
@@ -145,8 +153,12 @@ constexpr Rule kTable[] = {
 
     {RuleId::kOtherRelease, "CRV.files.release", kError, u"Another release than the first file's",
      u"A merge leaves the file out.", u"a.ifc is IFC2X3, b.ifc is IFC4"},
-    {RuleId::kOtherUnit, "CRV.files.unit", kWarning, u"Another length unit than the first file's",
-     u"A merge changes no number unless it is asked to convert.",
+    {RuleId::kOtherUnit, "CRV.files.unit", kWarning, u"Another unit than the first file's",
+     u"Unless it is asked to convert, a merge changes no number: it leaves out a file of which an "
+     u"SI "
+     u"unit of length, area, volume, mass or plane angle differs, and of other units of length "
+     u"takes "
+     u"the numbers as they are.",
      u"a.ifc is in millimetres, b.ifc in metres"},
     {RuleId::kOtherPlace, "CRV.files.place", kWarning,
      u"Another map conversion than the first file's",

@@ -43,6 +43,7 @@ enum class RuleId : std::uint8_t {
   // Of values.
   kUnknownValue,
   kWrongValue,
+  kLargeInteger,
   kMissingValue,
   kWrongReference,
   kDanglingReference,
@@ -54,6 +55,7 @@ enum class RuleId : std::uint8_t {
   kSeveralAnswers,
   kChangedReal,
   kChangedNumber,
+  kAddedText,
   // Of the model.
   kMalformedGuid,
   kDoubledGuid,

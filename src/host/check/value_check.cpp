@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "merge/federation/attribute_values.h"
 #include "step/numbers/exact_real.h"
 #include "step/numbers/number_text.h"
 
@@ -32,6 +33,11 @@ bool IsDerived(const ClassFacts& facts, std::string_view attribute) {
     }
   }
   return false;
+}
+
+// Optional in every schema, and a plain text in the classes of the oldest releases all the same.
+bool IsNameOfRoot(const ClassFacts& facts, std::string_view attribute) {
+  return (attribute == "Name" || attribute == "Description") && IsOrIsBelow(&facts, "IfcRoot");
 }
 
 WideString Shown(double value) {
@@ -166,7 +172,8 @@ ValueCheck::Absent ValueCheck::AbsentOf(const ClassFacts& facts, const Attribute
   switch (attribute.kind) {
     case ValueKind::kReference:
     case ValueKind::kSelect: return Absent::kReference;
-    case ValueKind::kText: return Absent::kText;
+    case ValueKind::kText:
+      return IsNameOfRoot(facts, attribute.name) ? Absent::kOptionalText : Absent::kText;
     case ValueKind::kReal:
     case ValueKind::kNumber:
     case ValueKind::kInteger:
@@ -184,7 +191,8 @@ bool ValueCheck::LooksAbsent(ConstAttribute attribute, const Plan& plan) {
   switch (plan.absent) {
     case Absent::kNot: return false;
     case Absent::kReference: return attribute.State() == AttributeState::kDerived;
-    case Absent::kText: {
+    case Absent::kText:
+    case Absent::kOptionalText: {
       const auto* const text = attribute.As<ModelText>();
       return text != nullptr && (text->IsNull() || (!text->IsPlain() && text->Units().empty()));
     }
@@ -205,7 +213,12 @@ void ValueCheck::Look(const IFC::IfcEntity& entity, Findings& findings) {
   for (Plan& plan : plans_) {
     const ConstAttribute attribute(entity, *plan.attribute);
     if (plan.absent != Absent::kNot && LooksAbsent(attribute, plan)) {
-      place.Add(plan.missing, RuleId::kMissingValue, plan.subject, {});
+      if (plan.absent == Absent::kOptionalText) {
+        findings.Add(RuleId::kAddedText, {},
+                     {.number = entity.marker, .what = Widen(plan.subject)});
+      } else {
+        place.Add(plan.missing, RuleId::kMissingValue, plan.subject, {});
+      }
     } else if (plan.isLookedAt && attribute.HasValue()) {
       LookAt(attribute, plan, place);
     }

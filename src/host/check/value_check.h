@@ -24,7 +24,7 @@ class ValueCheck {
   void Look(const IFC::IfcEntity& entity, Findings& findings);
 
  private:
-  enum class Absent : std::uint8_t { kNot, kReference, kText };
+  enum class Absent : std::uint8_t { kNot, kReference, kText, kOptionalText };
   // How many members a list has.
   struct Bounds {
     std::size_t least = 0;

@@ -9,6 +9,7 @@
 #include "core/main_container.h"
 #include "core/text.h"
 #include "step/carried/carried_objects.h"
+#include "step/carried/large_integers.h"
 #include "step/carried/record_spelling.h"
 #include "step/reader/parser.h"
 #include "step/reader/record_mender.h"
@@ -222,6 +223,26 @@ bool CarryingReader::ReadMended(IFC::IfcEntity& entity, const ClassFacts& facts,
   return true;
 }
 
+std::vector<std::size_t> CarryingReader::LargeOnes(IFC::IfcEntity& entity, const ClassFacts& facts,
+                                                   const RecordText& record,
+                                                   const std::vector<std::size_t>& misfits) {
+  std::vector<std::size_t> large;
+  bool wasReadOver = false;
+  for (const std::size_t index : misfits) {
+    const std::string smaller = WithSmallIntegers(record.arguments[index]);
+    if (smaller == record.arguments[index]) continue;
+    RecordText changed = record;
+    changed.arguments[index] = smaller;
+    std::vector<std::size_t> left;
+    const bool isRead = ReadMended(entity, facts, changed, left);
+    wasReadOver = true;
+    if (isRead && std::find(left.begin(), left.end(), index) == left.end()) large.push_back(index);
+  }
+  std::vector<std::size_t> again;
+  if (wasReadOver) ReadMended(entity, facts, record, again);
+  return large;
+}
+
 void CarryingReader::Carry(IFC::IfcEntity& entity, const ClassFacts& facts,
                            const RecordText& record, const std::vector<std::size_t>& misfits) {
   MemoryPool& pool = parser_.Pool();
@@ -249,12 +270,19 @@ void CarryingReader::Carry(IFC::IfcEntity& entity, const ClassFacts& facts,
                .byOtherRelease = false});
 }
 
-void CarryingReader::NoteArguments(const IFC::IfcEntity& entity, const ClassFacts& facts,
+void CarryingReader::NoteArguments(IFC::IfcEntity& entity, const ClassFacts& facts,
                                    const RecordText& record,
                                    const std::vector<std::size_t>& misfits) {
   const std::string className = Narrow(entity.getClassName());
+  RecordNotes* const notes = parser_.notes.records.get();
+  std::vector<std::size_t> large;
+  if (notes != nullptr) large = LargeOnes(entity, facts, record, misfits);
   for (const std::size_t index : misfits) {
     const AttributeFacts& attribute = facts.Attribute(index);
+    if (std::find(large.begin(), large.end(), index) != large.end()) {
+      notes->NoteLarge({entity.marker, attribute.name, offset_});
+      continue;
+    }
     const bool isEnumeration =
         attribute.Values() != nullptr && record.arguments[index].starts_with('.');
     parser_.tolerance->Note(isEnumeration ? Misfit::kUnknownEnumValue : Misfit::kWrongValue,

@@ -55,6 +55,11 @@ class CarryingReader {
   // By the classes of the file's release, misfits and all.
   bool ReadMended(IFC::IfcEntity& entity, const ClassFacts& facts, const RecordText& record,
                   std::vector<std::size_t>& misfits);
+  // Those of `misfits` that would be none if their whole numbers were smaller. The values of the
+  // entity are those of the record afterwards, as they were before.
+  std::vector<std::size_t> LargeOnes(IFC::IfcEntity& entity, const ClassFacts& facts,
+                                     const RecordText& record,
+                                     const std::vector<std::size_t>& misfits);
   void Carry(IFC::IfcEntity& entity, const ClassFacts& facts, const RecordText& record,
              const std::vector<std::size_t>& misfits);
   // By those of another release. Null: the values do not fit.
@@ -65,8 +70,8 @@ class CarryingReader {
   IFC::IfcEntity* ReadByNone(const RecordText& record, std::uint32_t number);
 
   FindRecord FindTarget() const;
-  void NoteArguments(const IFC::IfcEntity& entity, const ClassFacts& facts,
-                     const RecordText& record, const std::vector<std::size_t>& misfits);
+  void NoteArguments(IFC::IfcEntity& entity, const ClassFacts& facts, const RecordText& record,
+                     const std::vector<std::size_t>& misfits);
   void NoteAbsent(const IFC::IfcEntity& entity, const RecordText& record);
 
   Parser& parser_;

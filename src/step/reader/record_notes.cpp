@@ -49,6 +49,11 @@ std::vector<HiddenRecords> RecordNotes::Hidden() const {
   });
 }
 
+std::vector<LargeInteger> RecordNotes::Large() const {
+  return EachOnce(
+      large_, [](const LargeInteger& large) { return std::tuple(large.record, large.attribute); });
+}
+
 void NoteAbsentNumber(Parser& parser) {
   const auto argument = LastArgumentOf(parser.scanner->Stream()->StatementView());
   if (argument) parser.notes.records->NoteAbsent(parser.carrying.object->marker, *argument);

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace corvel {
@@ -21,6 +23,13 @@ struct HiddenRecords {
   std::int64_t offset = -1;  // of the text or comment, behind its first sign
   std::uint32_t record = 0;  // in which it stands; 0: between records
   bool isInText = false;     // else in a comment
+};
+
+// A value that its attribute would take if its whole numbers had no more than 32 bits.
+struct LargeInteger {
+  std::uint32_t record = 0;
+  std::string attribute;
+  std::int64_t offset = -1;  // of the record
 };
 
 // Where records stand is known by the stretch: a few bytes for each of them, however many records
@@ -53,16 +62,26 @@ class RecordNotes {
 
   void NoteHidden(const HiddenRecords& hidden) { hidden_.push_back(hidden); }
 
+  void NoteLarge(LargeInteger large) { large_.push_back(std::move(large)); }
+
+  // What is wrong with the head of the file, where that can be said in few words.
+  void NoteHead(std::string flaw) { headFlaw_ = std::move(flaw); }
+
   const std::vector<Stretch>& Stretches() const { return stretches_; }
   // Each once, by record and argument.
   std::vector<AbsentNumber> Absent() const;
   // Each once, in the order of the file.
   std::vector<HiddenRecords> Hidden() const;
+  // Each once, by record and attribute.
+  std::vector<LargeInteger> Large() const;
+  const std::string& HeadFlaw() const { return headFlaw_; }
 
  private:
   std::vector<Stretch> stretches_;
   std::vector<AbsentNumber> absent_;
   std::vector<HiddenRecords> hidden_;
+  std::vector<LargeInteger> large_;
+  std::string headFlaw_;
 };
 
 // For the readers of numbers: behind an absent value of the record at hand. Those within lists and

@@ -144,6 +144,17 @@ std::string ArgumentsOf(const std::string& text, const HeadRecord& record) {
   return arguments.starts_with('(') ? arguments : std::string(record.missing);
 }
 
+// The first thing that somebody would mend.
+std::string FlawOf(const std::string& text) {
+  if (text.starts_with("\xEF\xBB\xBF")) return "a byte order mark in front of ISO-10303-21";
+  if (text.find(kIsoLine) == std::string::npos) return "no ISO-10303-21";
+  if (text.find("HEADER") == std::string::npos) return "no HEADER";
+  for (const HeadRecord& record : kHeadRecords) {
+    if (text.find(record.name) == std::string::npos) return "no " + std::string(record.name);
+  }
+  return text.find("ENDSEC") == std::string::npos ? "no ENDSEC behind it" : "";
+}
+
 std::string Mended(const std::string& text) {
   std::string mended = kIsoLine;
   mended += ";HEADER;";
@@ -164,6 +175,7 @@ TolerantHead TakeTolerantHead(Scanner& scanner) {
   head.header = AsItStands(head.text, head.isoLine);
   head.isMended = head.header == nullptr;
   if (!head.isMended) return head;
+  head.flaw = FlawOf(head.text);
   head.text = Mended(head.text);
   Scanner mended = ScannerOf(head.text);
   head.header = ReadHeaderToken(mended);

@@ -14,6 +14,7 @@ struct TolerantHead {
   std::unique_ptr<HeaderToken> header;  // never null
   std::string text;                     // a good head that reads to the same
   bool isMended = false;                // it did not read as it stands
+  std::string flaw;                     // why, where that can be said: "no FILE_NAME"
 };
 
 // Takes everything up to the word DATA or the first record. What of the HEADER section can be found

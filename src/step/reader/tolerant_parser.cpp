@@ -38,6 +38,7 @@ void Parser::ReadHeadTolerantly() {
   headerToken = std::move(head.header);
   notes.headWasMended = head.isMended;
   if (head.isMended) {
+    if (notes.records != nullptr) notes.records->NoteHead(head.flaw);
     tolerance->Tell(
         u"The HEADER section was not as it should be: what could be found of it is kept.");
   }

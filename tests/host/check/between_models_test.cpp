@@ -72,6 +72,38 @@ TEST(CheckBetween, EachRuleIsBrokenByAPairOfModels) {
                          Other(kGoodRecords) + WallOf("21", "20", "IFCDOOR")));
 }
 
+TEST(CheckBetween, OtherSiUnitsAreComparedAsAMergeDoes) {
+  const auto withUnits = [](const std::string& records, const std::string& list) {
+    std::string text = kGoodRecords + records;
+    text.replace(text.find("((#3))"), 6, "(" + list + ")");
+    return text;
+  };
+  const std::string area = "IFCSIUNIT(*,.AREAUNIT.,$,.SQUARE_METRE.);\n";
+  const std::string one =
+      withUnits("#20=IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.);\n#21=" + area, "(#3,#20,#21)");
+  const std::string other = withUnits("#20=IFCSIUNIT(*,.MASSUNIT.,.KILO.,.GRAM.);\n#21=" + area +
+                                          "#22=IFCSIUNIT(*,.TIMEUNIT.,.MILLI.,.SECOND.);\n",
+                                      "(#3,#20,#21,#22)");
+  std::vector<CheckedModel> models;
+  models.push_back(CheckRecords(one));
+  models.push_back(CheckRecords(Other(other)));
+  const auto between = CheckBetween(models);
+  ASSERT_EQ(1u, between.size());
+  EXPECT_EQ(RuleId::kOtherUnit, between[0].finding.rule);
+  EXPECT_EQ("MASSUNIT", between[0].finding.subject);
+  EXPECT_EQ(u"KILOGRAM for GRAM", between[0].finding.places.at(0).what);
+  // What is made by conversion is not compared, and no unit is no difference.
+  const std::string degrees = withUnits(
+      "#20=IFCCONVERSIONBASEDUNIT(#22,.PLANEANGLEUNIT.,'DEGREE',#23);\n"
+      "#22=IFCDIMENSIONALEXPONENTS(0,0,0,0,0,0,0);\n"
+      "#23=IFCMEASUREWITHUNIT(IFCPLANEANGLEMEASURE(0.0174),#24);\n"
+      "#24=IFCSIUNIT(*,.PLANEANGLEUNIT.,$,.RADIAN.);\n",
+      "(#3,#20)");
+  const std::string radians =
+      withUnits("#20=IFCSIUNIT(*,.PLANEANGLEUNIT.,$,.RADIAN.);\n", "(#3,#20)");
+  EXPECT_EQ(std::vector<RuleId>{}, RulesBetween(degrees, Other(radians)));
+}
+
 TEST(CheckBetween, GuidsAreLookedForInAllEarlierModels) {
   std::vector<CheckedModel> models;
   models.push_back(CheckRecords(kGoodRecords));

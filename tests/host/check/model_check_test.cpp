@@ -5,6 +5,7 @@
 #include <set>
 
 #include "host/check/checked_text.h"
+#include "schema/registry.h"
 
 namespace corvel::host {
 
@@ -80,6 +81,8 @@ const std::vector<RuleCase>& RuleCases() {
       {RuleId::kUnknownValue, "#20=IFCSIUNIT(*,.MASSUNIT.,$,.STONE.);",
        "#20=IFCSIUNIT(*,.MASSUNIT.,$,.GRAM.);"},
       {RuleId::kWrongValue, "#20=IFCDIRECTION('up');", "#20=IFCDIRECTION((0.,1.));"},
+      {RuleId::kLargeInteger, "#20=IFCPROPERTYSINGLEVALUE('a',$,IFCINTEGER(-9876543210),$);",
+       "#20=IFCPROPERTYSINGLEVALUE('a',$,IFCINTEGER(-987654321),$);"},
       {RuleId::kMissingValue, "#20=IFCLOCALPLACEMENT(#10,$);", "#20=IFCLOCALPLACEMENT($,#6);"},
       {RuleId::kWrongReference, "#20=IFCLOCALPLACEMENT(#10,#3);", "#20=IFCLOCALPLACEMENT(#10,#6);"},
       {RuleId::kDanglingReference, "#20=IFCLOCALPLACEMENT(#99,#6);",
@@ -126,6 +129,9 @@ const std::vector<RuleCase>& RuleCases() {
 
 bool IsAboutSeveralFiles(RuleId rule) { return rule >= RuleId::kOtherRelease; }
 
+// Its model is of a release that the builds of developers leave out.
+bool IsOfAnOldRelease(RuleId rule) { return rule == RuleId::kAddedText; }
+
 bool Breaks(const CheckedModel& model, RuleId rule) {
   return std::any_of(model.findings.begin(), model.findings.end(),
                      [rule](const Finding& finding) { return finding.rule == rule; });
@@ -149,7 +155,9 @@ TEST(ModelCheck, EachRuleIsBrokenByAModelAndKeptByAnother) {
     EXPECT_FALSE(Breaks(CheckFile(FileOf(one.good)), one.rule)) << FileOf(one.good);
   }
   for (const Rule& rule : Rules()) {
-    EXPECT_TRUE(tried.contains(rule.id) || IsAboutSeveralFiles(rule.id)) << rule.name;
+    EXPECT_TRUE(tried.contains(rule.id) || IsAboutSeveralFiles(rule.id) ||
+                IsOfAnOldRelease(rule.id))
+        << rule.name;
   }
 }
 
@@ -192,6 +200,63 @@ TEST(ModelCheck, MandatoryValuesOfAllKindsAreMissed) {
                                       "IfcExtrudedAreaSolid.Depth", "IfcPropertySingleValue.Name",
                                       "IfcVector.Orientation"}),
             subjects);
+}
+
+TEST(ModelCheck, NamesThatTheOldestReleasesDoWithoutAreAddedByASave) {
+  try {
+    FactoriesOf(SchemaNamespace::IFC2X_FINAL);
+  } catch (const std::logic_error&) {
+    GTEST_SKIP() << "the release is not built";
+  }
+  const CheckedModel model = CheckRecords(
+      "#20=IFCMATERIAL($);\n#21=IFCRELAGGREGATES('0000000000000000000021',$,$,'',$,());\n",
+      "IFC2X_FINAL");
+  const Finding added = FindingIn(model, RuleId::kAddedText);
+  EXPECT_EQ("", added.subject);
+  EXPECT_EQ(1u, added.count);
+  ASSERT_EQ(1u, added.places.size());
+  EXPECT_EQ(u"IfcRelAggregates.Name", added.places[0].what);
+  std::vector<std::string> missing;
+  for (const Finding& finding : model.findings) {
+    if (finding.rule == RuleId::kMissingValue) missing.push_back(finding.subject);
+  }
+  EXPECT_EQ((std::vector<std::string>{"IfcMaterial.Name", "IfcRelAggregates.OwnerHistory",
+                                      "IfcRelAggregates.RelatingObject"}),
+            missing);
+}
+
+TEST(ModelCheck, WholeNumbersOfMoreThan32BitsAreNoWrongValues) {
+  const CheckedModel model =
+      CheckRecords(kGoodRecords +
+                   "#20=IFCPROPERTYLISTVALUE('a',$,(IFCINTEGER(1),IFCINTEGER(99999999999)),$);\n"
+                   "#21=IFCPROPERTYSINGLEVALUE('b',$,IFCLABEL(99999999999),$);\n"
+                   "#22=IFCPROPERTYSINGLEVALUE('#99999999999 99999999999',$,IFCINTEGER(3),$);\n"
+                   "#23=IFCPROPERTYSINGLEVALUE('c',99999999999,IFCINTEGER(99999999999),$);\n");
+  std::vector<std::tuple<RuleId, std::uint32_t, WideString>> places;
+  for (const Finding& finding : model.findings) {
+    for (const FindingPlace& place : finding.places) {
+      places.emplace_back(finding.rule, place.number, place.what);
+    }
+  }
+  EXPECT_EQ((std::vector<std::tuple<RuleId, std::uint32_t, WideString>>{
+                {RuleId::kWrongValue, 21, u"NominalValue"},
+                {RuleId::kWrongValue, 23, u"Description"},
+                {RuleId::kLargeInteger, 20, u"ListValues"},
+                {RuleId::kLargeInteger, 23, u"NominalValue"}}),
+            places);
+}
+
+TEST(ModelCheck, WhatIsWrongWithTheHeaderIsTold) {
+  const std::string good = test::ModelFile(kGoodRecords);
+  const auto whatOf = [](const std::string& bytes) {
+    const Finding finding = FindingIn(CheckFile(bytes), RuleId::kHeader);
+    return finding.places.empty() ? WideString(u"not found") : finding.places[0].what;
+  };
+  EXPECT_EQ(u"a byte order mark in front of ISO-10303-21", whatOf("\xEF\xBB\xBF" + good));
+  EXPECT_EQ(u"no HEADER", whatOf(Replaced(good, "HEADER;", "")));
+  EXPECT_EQ(u"no FILE_NAME",
+            whatOf(Replaced(good, "FILE_NAME ('n','t',('a'),('o'),'p','s','z');", "")));
+  EXPECT_EQ(u"", whatOf(Replaced(good, "FILE_NAME ('n','t',", "FILE_NAME (#,")));
 }
 
 TEST(ModelCheck, RecordsInCommentsAndTextsAreTold) {
