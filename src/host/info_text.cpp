@@ -5,6 +5,7 @@
 
 #include "host/display_text.h"
 #include "host/facts/facts_text.h"
+#include "host/wrapped_text.h"
 #include "schema/registry.h"
 
 namespace corvel::host {
@@ -16,8 +17,9 @@ constexpr std::size_t kLabelColumns = 22;
 WideString Line(WideView label, WideView value) {
   WideString line = u"  " + WideString(label);
   line.append(kLabelColumns - std::min(label.size(), kLabelColumns), u' ');
-  line.append(Printable(value)).push_back(u'\n');
-  return line;
+  const WideString shown = Printable(value);
+  if (ColumnsOf(line) + ColumnsOf(shown) > kLineColumns) return Wrapped(line, value);
+  return line + shown + u"\n";
 }
 
 WideString HeaderLines(const HeaderToken& header) {

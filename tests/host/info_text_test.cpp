@@ -52,6 +52,17 @@ TEST(FactsAsText, LeadsWithTheModel) {
   EXPECT_NE(std::string::npos, text.find("  doubled GUIDs   0\n  description           view\n"));
 }
 
+TEST(FactsAsText, LongValuesGoOnInTheNextLine) {
+  FileFacts facts = House();
+  const WideString word(40, u'x');
+  facts.header->preprocessorVersion = word + u" " + word;
+  const std::string text = ToUtf8(FactsAsText(facts));
+  const std::string narrow(40, 'x');
+  EXPECT_NE(std::string::npos, text.find("  preprocessor version  " + narrow + "\n" +
+                                         std::string(24, ' ') + narrow + "\n"))
+      << text;
+}
+
 TEST(FactsAsJson, EndsWithTheModel) {
   FileFacts facts = House();
   facts.model.emplace();
