@@ -9,6 +9,7 @@ import unittest
 
 import program
 from known_changes import ANY, CHANGES, Expected, Text, a_description, moved, numbers_in
+from prepared_changes import PREPARED, expected_of
 from program import ModelTest, SAMPLES
 
 DIFFERENT = 4
@@ -108,6 +109,40 @@ class KnownChanges(Diff):
                     self.check(expected, self.told(before, text.written(chance)))
 
         self.for_each_sample(check)
+
+    def test_LogicalValuesAndListsOfListsAreToldMemberByMember(self):
+        def check(path):
+            for put, pairs, is_old in PREPARED:
+                if not is_old and 'IFC2X3' in path:
+                    continue
+                for at, (before, after) in enumerate(pairs(Text(path).metres)):
+                    with self.subTest(put=put.__name__, pair=at):
+                        self.check_pair(path, put, before, after)
+
+        self.for_each_sample(check, samples('house_IFC2X3.') + samples('office_architecture_IFC4'))
+
+    def check_pair(self, path, put, before, after):
+        """What is the same is not told, and what differs is, whatever the numbers."""
+        texts, expected = (Text(path), Text(path), Text(path)), Expected()
+        number = self.shaped_element(texts[0])
+        for text, values in zip(texts, (before, after, before)):
+            put(text, number, values)
+        for change in expected_of(before, after):
+            expected.change(texts[0].guid(number), *change)
+        self.assertTrue(expected.changed)
+        chance = random.Random(4)
+        told = self.told(texts[0].written(), texts[1].written(chance))
+        self.check(expected, told)
+        self.assertTrue(self.told(texts[0].written(), texts[2].written(chance))['equal'])
+
+    def shaped_element(self, text):
+        """One with a shape that no other object has."""
+        for number in self.elements(text):
+            shape = text.records[number][1][6]
+            users = sum(shape in arguments for _, arguments in text.records.values())
+            if shape.startswith('#') and users == 1:
+                return number
+        raise AssertionError('no object has a shape of its own')
 
     def change_some(self, text, expected, chance):
         """One change of each of some objects, none of which stands on another."""
