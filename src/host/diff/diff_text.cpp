@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 #include "host/diff/common_changes.h"
 #include "host/diff/movement.h"
@@ -28,6 +29,18 @@ const char16_t* SequenceOf(Colour colour) {
 
 constexpr WideView kMore = u"...";
 
+// Each unit is a character of one column that shows as it is, as in nearly all lines.
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+}
+bool IsAscii(WideView text) {
+  return std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= 0x20 && c < 0x7F; });
+}
+
+std::size_t ColumnsOfText(const std::string& text) {
+  return IsAscii(text) ? text.size() : ColumnsOf(Printable(FromUtf8(text)));
+}
+
 // Two units may be one character, which no cut goes through.
 bool IsWithinCharacter(WideView text, std::size_t at) {
   return at < text.size() && text[at] >= 0xDC00 && text[at] <= 0xDFFF;
@@ -35,6 +48,7 @@ bool IsWithinCharacter(WideView text, std::size_t at) {
 
 // As much of the beginning as has room.
 WideView HeadOf(WideView text, std::size_t columns) {
+  if (IsAscii(text)) return text.substr(0, columns);
   std::size_t length = 0;
   for (std::size_t next = 1; next <= text.size(); ++next) {
     if (IsWithinCharacter(text, next)) continue;
@@ -46,6 +60,7 @@ WideView HeadOf(WideView text, std::size_t columns) {
 
 // As much of the end.
 WideView TailOf(WideView text, std::size_t columns) {
+  if (IsAscii(text)) return text.substr(text.size() - std::min(columns, text.size()));
   std::size_t first = text.size();
   for (std::size_t next = text.size(); next-- > 0;) {
     if (IsWithinCharacter(text, next)) continue;
@@ -57,6 +72,7 @@ WideView TailOf(WideView text, std::size_t columns) {
 
 // The beginning of a line that is too long.
 WideString CutToColumns(const std::string& text) {
+  if (text.size() <= kColumns && IsAscii(text)) return Widen(text);
   WideString line = Printable(FromUtf8(text));
   if (ColumnsOf(line) <= kColumns) return line;
   return WideString(HeadOf(line, kColumns - kMore.size())).append(kMore);
@@ -64,8 +80,8 @@ WideString CutToColumns(const std::string& text) {
 
 // Of a long path or name what it begins and ends with.
 std::string WithoutMiddle(const std::string& text, std::size_t columns) {
+  if (ColumnsOfText(text) <= columns) return text;
   const WideString line = Printable(FromUtf8(text));
-  if (ColumnsOf(line) <= columns) return text;
   const std::size_t room = columns > kMore.size() ? columns - kMore.size() : 0;
   const WideView tail = TailOf(line, room * 8 / 15);  // it says more than the head
   return ToUtf8(WideString(HeadOf(line, room - ColumnsOf(tail))).append(kMore).append(tail));
@@ -79,7 +95,7 @@ std::string TextOf(const ObjectLabel& label, const char* sign) {
   if (label.name.empty()) return text + number;
   constexpr std::size_t kQuotes = 3;
   constexpr std::size_t kShortest = 12;
-  const std::size_t taken = ColumnsOf(Printable(FromUtf8(text + number))) + kQuotes;
+  const std::size_t taken = ColumnsOfText(text + number) + kQuotes;
   const std::size_t room = taken + kShortest < kColumns ? kColumns - taken : kShortest;
   return text + " '" + WithoutMiddle(label.name, room) + "'" + number;
 }
@@ -178,7 +194,7 @@ class DiffWriter {
     const std::string before = change.before.value_or("(none)");
     const std::string after = change.after.value_or("(none)");
     const std::string line = std::string(path).append(before).append(" -> ").append(after);
-    if (ColumnsOf(Printable(FromUtf8(line))) <= kColumns) return Line(line);
+    if (ColumnsOfText(line) <= kColumns) return Line(line);
     Line(WithoutMiddle(path, kColumns));
     Line("      - " + before, Colour::kRed);
     Line("      + " + after, Colour::kGreen);

@@ -31,17 +31,15 @@ ValueDigests::ValueDigests(const ComparedModel& model, const Tolerance& toleranc
 
 Digest ValueDigests::Of(const IFC::IfcEntity* entity) {
   if (entity == nullptr) return kNull;
-  const bool hasIdentity = ComparedModel::HasIdentity(*entity);
   if (entity->inlineValue) return Finish(*entity, {});
+  const Digest& known = At(*entity);  // stays where it is
+  if (known != kUnknown) return known;
   const ClassWord* const word = model_.Words().Of(*entity);
-  if (word != nullptr && word->role == Role::kRelation && !hasIdentity) {
-    return OfEnds(*entity, *word);
-  }
-  if (At(*entity) == kUnknown) {
-    waiting_.push_back(entity);
-    Settle(0);
-  }
-  return At(*entity);
+  const bool isRelation = word != nullptr && word->role == Role::kRelation;
+  if (isRelation && !ComparedModel::HasIdentity(*entity)) return OfEnds(*entity, *word);
+  waiting_.push_back(entity);
+  Settle(0);
+  return known;
 }
 
 Digest ValueDigests::OfFact(const IFC::IfcEntity& relation) {

@@ -4,10 +4,12 @@
 #include <array>
 #include <cstdio>
 #include <string_view>
+#include <vector>
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
+#include "merge/federation/per_class.h"
 #include "step/carried/carried_objects.h"
 
 namespace corvel::host::diff {
@@ -44,6 +46,15 @@ std::string NameOfSiUnit(const IFC::IfcEntity& entity) {
   return std::string(WordOf(entity, "Prefix")).append(WordOf(entity, "Name"));
 }
 
+std::vector<const AttributeFacts*> FindNames(const ClassFacts* facts) {
+  std::vector<const AttributeFacts*> names;
+  for (const char* const name : kNames) {
+    const AttributeFacts* const found = facts == nullptr ? nullptr : facts->FindAttribute(name);
+    if (found != nullptr) names.push_back(found);
+  }
+  return names;
+}
+
 // What a point or a direction says is its name.
 std::string NumbersOf(const IFC::IfcEntity& entity) {
   for (const char* const name : {"Coordinates", "DirectionRatios"}) {
@@ -55,11 +66,9 @@ std::string NumbersOf(const IFC::IfcEntity& entity) {
 }  // namespace
 
 std::string NameOf(const IFC::IfcEntity& entity) {
-  if (FindFacts(entity) == nullptr) return {};
-  const ConstAttributes all = AttributesOf(entity);
-  for (const char* const name : kNames) {
-    const auto attribute = all.Find(name);
-    const ModelText* const text = attribute ? attribute->As<ModelText>() : nullptr;
+  static PerClass<std::vector<const AttributeFacts*>> names;
+  for (const AttributeFacts* const name : names.Of(entity, FindNames)) {
+    const ModelText* const text = ConstAttribute(entity, *name).As<ModelText>();
     if (text == nullptr || text->IsNull()) continue;
     std::string utf8 = text->IsPlain() ? Utf8Of(text->Plain()) : ToUtf8(text->ToWide());
     if (!utf8.empty()) return utf8;

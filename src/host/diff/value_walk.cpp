@@ -35,7 +35,8 @@ const AttributeWord* FindWord(const ClassWord& words, const AttributeWord& sough
 }
 
 bool HaveSameClass(const IFC::IfcEntity& one, const IFC::IfcEntity& other) {
-  return WideView(one.getClassName()) == other.getClassName();
+  return one.getClassName() == other.getClassName() ||
+         WideView(one.getClassName()) == other.getClassName();
 }
 
 template <class T>
@@ -57,7 +58,18 @@ std::string ValueWalk::TextAfter(const IFC::IfcEntity* entity) const {
 
 void ValueWalk::Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
                         const std::string& path) {
+  if (!differs_ && !SaySame(before, after)) CompareUnlike(before, after, path);
+}
+
+// Of members only those that differ need a path, and nobody needs one who only asks.
+void ValueWalk::CompareMembers(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
+                               const std::string& path, std::size_t index) {
   if (differs_ || SaySame(before, after)) return;
+  CompareUnlike(before, after, isAsking_ ? path : WithMember(path, before, index));
+}
+
+void ValueWalk::CompareUnlike(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
+                              const std::string& path) {
   if (before == nullptr || after == nullptr) {
     if (Answers()) return;
     return Tell(path, before == nullptr ? std::nullopt : std::optional(TextBefore(before)),
@@ -81,7 +93,7 @@ void ValueWalk::Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* afte
     }
     return Tell(path, one, other);
   }
-  if (!met_.emplace(before, after).second) return;
+  if (!met_->Add(before, after)) return;
   if (depth_ == kDeepest) {
     if (Answers()) return;
     return Tell(path, TextBefore(before), TextAfter(after));
@@ -93,10 +105,11 @@ void ValueWalk::Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* afte
   --depth_;
 }
 
-// What is in step says the same; what is not may do so in another order.
+// What is in step says the same; what is not may do so in another order. Whoever asks whether one
+// of many is the same has their digests, and would go through them in step for each pair.
 bool ValueWalk::SaySame(const IFC::IfcEntity* before, const IFC::IfcEntity* after) {
   const bool inUnitsOfModels = !hasOwnUnitBefore_ && !hasOwnUnitAfter_;
-  if (inUnitsOfModels && lockstep_.SameValues(before, after)) return true;
+  if (inUnitsOfModels && !isAsking_ && lockstep_.SameValues(before, after)) return true;
   return before_.Values().Of(before) == after_.Values().Of(after);
 }
 
@@ -109,24 +122,29 @@ void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEn
   const bool outerAfter = hasOwnUnitAfter_;
   hasOwnUnitBefore_ = outerBefore || TellsUnit(before, *one);
   hasOwnUnitAfter_ = outerAfter || TellsUnit(after, *other);
-  // The value of a typed value has no name worth telling.
-  const auto pathTo = [&](const AttributeWord& word) {
-    return before.inlineValue ? path : With(path, word.facts->name);
+  // The value of a typed value has no name worth telling, and nobody reads it who only asks.
+  std::string longer;
+  const auto pathTo = [&](const AttributeWord& word) -> const std::string& {
+    if (before.inlineValue || isAsking_) return path;
+    return longer = With(path, word.facts->name);
   };
+  const ConstAttributes here(before, *one->facts);
+  const ConstAttributes there(after, *other->facts);
   for (const AttributeWord& word : one->attributes) {
     if (differs_) break;
     if (!isWanted(word)) continue;
-    const ConstAttribute held(before, *word.facts);
-    const AttributeWord* const same = FindWord(*other, word);
+    const ConstAttribute held = here.Of(*word.facts);
+    const AttributeWord* const same = one == other ? &word : FindWord(*other, word);
     if (same != nullptr) {
-      CompareAttribute(held, ConstAttribute(after, *same->facts), {word, *same}, pathTo(word));
+      CompareAttribute(held, there.Of(*same->facts), {word, *same}, pathTo(word));
     } else if (held.HasValue() && !Answers()) {
       Tell(pathTo(word), ValueText(before_.Model(), hasOwnUnitBefore_).Of(held, word), {});
     }
   }
   for (const AttributeWord& word : other->attributes) {
+    if (one == other) break;
     if (!isWanted(word) || FindWord(*one, word) != nullptr) continue;
-    const ConstAttribute held(after, *word.facts);
+    const ConstAttribute held = there.Of(*word.facts);
     if (!held.HasValue() || Answers()) continue;
     Tell(pathTo(word), {}, ValueText(after_.Model(), hasOwnUnitAfter_).Of(held, word));
   }
@@ -137,6 +155,7 @@ void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEn
 
 void ValueWalk::CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
                                const std::string& path) {
+  if (!before.carries && !after.carries) return;
   std::map<std::uint32_t, std::pair<const IFC::IfcEntity*, const IFC::IfcEntity*>> arguments;
   if (const CarriedParts* const parts = before.carries ? CarriedTable::Find(before) : nullptr) {
     for (const CarriedArgument& argument : parts->arguments) {
@@ -155,12 +174,14 @@ void ValueWalk::CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntit
 
 void ValueWalk::CompareAttribute(const ConstAttribute& before, const ConstAttribute& after,
                                  const Held& held, const std::string& path) {
+  const bool isHere = before.HasValue();
+  const bool isThere = after.HasValue();
+  if (!isHere && !isThere) return;
+  if (isHere != isThere && Answers()) return;
   const ValueText one(before_.Model(), hasOwnUnitBefore_);
   const ValueText other(after_.Model(), hasOwnUnitAfter_);
-  if (!before.HasValue() && !after.HasValue()) return;
-  if (before.HasValue() != after.HasValue() && Answers()) return;
-  if (!after.HasValue()) return Tell(path, one.Of(before, held.before), {});
-  if (!before.HasValue()) return Tell(path, {}, other.Of(after, held.after));
+  if (!isThere) return Tell(path, one.Of(before, held.before), {});
+  if (!isHere) return Tell(path, {}, other.Of(after, held.after));
   before.Visit([&](const auto& value) {
     const auto* const there = after.As<std::remove_cvref_t<decltype(value)>>();
     if (there != nullptr) return CompareHeld(value, *there, held, path);
@@ -215,16 +236,24 @@ void ValueWalk::CompareHeld(const List<T>& before, const List<T>& after, Held he
     }
     if (isSet || before.size() <= kFew) return tellAll();
   }
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    CompareHeld(before[i], after[i], held, WithIndex(path, i));
+  for (std::size_t i = 0; i < before.size() && !differs_; ++i) {
+    CompareHeld(before[i], after[i], held, isAsking_ ? path : WithIndex(path, i));
   }
 }
 
 void ValueWalk::CompareHeld(const EntityList& before, const EntityList& after, Held held,
                             const std::string& path) {
+  const bool isAlone = before.size() == 1 && after.size() == 1;
+  const bool isSet = held.before.isUnordered[held.depth] && held.after.isUnordered[held.depth];
+  if (isAlone || (!isSet && before.size() == after.size())) {
+    for (std::size_t i = 0; i < before.size() && !differs_; ++i) {
+      CompareMembers(before[i], after[i], path, i);
+    }
+    return;
+  }
   Members one(before.begin(), before.end());
   Members other(after.begin(), after.end());
-  if (held.before.isUnordered[held.depth] && held.after.isUnordered[held.depth]) {
+  if (isSet) {
     CompareSets(std::move(one), std::move(other), path);
   } else {
     CompareLists(std::move(one), std::move(other), path);
@@ -253,11 +282,12 @@ void ValueWalk::DropEqual(Members& before, Members& after) {
 }
 
 bool ValueWalk::Same(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
-  auto met = std::exchange(met_, {});
+  MetPairs met;
+  MetPairs* const outer = std::exchange(met_, &met);
   const bool isAsking = std::exchange(isAsking_, true);
   const bool differs = std::exchange(differs_, false);
   Compare(&before, &after, "");
-  met_ = std::move(met);
+  met_ = outer;
   isAsking_ = isAsking;
   return !std::exchange(differs_, differs);
 }
@@ -273,7 +303,7 @@ void ValueWalk::CompareSets(Members before, Members after, const std::string& pa
         return one != nullptr && candidate != nullptr && belongTogether(*one, *candidate);
       });
       if (other == after.end()) return false;
-      if (compares) Compare(one, *other, WithMember(path, one, 0));
+      if (compares) CompareMembers(one, *other, path, 0);
       after.erase(other);
       return true;
     });
@@ -291,16 +321,11 @@ void ValueWalk::CompareSets(Members before, Members after, const std::string& pa
   ComparePairs(before, after, path);
 }
 
+// Of two lengths.
 void ValueWalk::CompareLists(Members before, Members after, const std::string& path) {
   const auto same = [&](const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
     return before_.Values().Of(one) == after_.Values().Of(other);
   };
-  if (before.size() == after.size()) {
-    for (std::size_t i = 0; i < before.size(); ++i) {
-      Compare(before[i], after[i], WithMember(path, before[i], i));
-    }
-    return;
-  }
   while (!before.empty() && !after.empty() && same(before.back(), after.back())) {
     before.pop_back();
     after.pop_back();
@@ -315,9 +340,7 @@ void ValueWalk::CompareLists(Members before, Members after, const std::string& p
 
 void ValueWalk::ComparePairs(Members& before, Members& after, const std::string& path) {
   const std::size_t pairs = std::min(before.size(), after.size());
-  for (std::size_t i = 0; i < pairs; ++i) {
-    Compare(before[i], after[i], WithMember(path, before[i], i));
-  }
+  for (std::size_t i = 0; i < pairs; ++i) CompareMembers(before[i], after[i], path, i);
   const auto from = static_cast<std::ptrdiff_t>(pairs);
   TellMembers({before.begin() + from, before.end()}, {after.begin() + from, after.end()}, path);
 }
@@ -386,7 +409,7 @@ void ValueWalk::Tell(const std::string& path, std::optional<std::string> before,
 
 std::vector<Difference> ValueWalk::Take(std::size_t& omitted) {
   omitted += std::exchange(omitted_, 0);
-  met_.clear();
+  ownMet_ = {};
   return std::exchange(found_, {});
 }
 

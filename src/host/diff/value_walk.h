@@ -1,6 +1,9 @@
 // How two values differ, found by walking both sides.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <set>
@@ -21,6 +24,27 @@ struct Difference {
   std::optional<std::string> after;
 };
 
+// Pairs that a walk has come by. Most walks come by few.
+class MetPairs {
+ public:
+  // False: it has been there.
+  bool Add(const IFC::IfcEntity* one, const IFC::IfcEntity* other) {
+    const Pair pair{one, other};
+    if (std::find(few_.begin(), few_.begin() + count_, pair) != few_.begin() + count_) return false;
+    if (count_ == kFew) return more_.insert(pair).second;
+    few_[count_++] = pair;
+    return true;
+  }
+
+ private:
+  using Pair = std::pair<const IFC::IfcEntity*, const IFC::IfcEntity*>;
+  static constexpr std::size_t kFew = 12;
+
+  std::array<Pair, kFew> few_;
+  std::size_t count_ = 0;
+  std::set<Pair> more_;
+};
+
 // Numbers count as told by the tolerance. Members of sets are compared with those that say the
 // same, the others in their order; members of lists from both ends. Ends at the first place in each
 // branch, and after kMostChanges of them altogether: the rest is counted. What goes in a circle,
@@ -33,6 +57,8 @@ class ValueWalk {
   // All of it lives as long as this.
   ValueWalk(ObjectFacts& before, ObjectFacts& after, const Tolerance& tolerance, Lockstep& lockstep)
       : before_(before), after_(after), tolerance_(tolerance), lockstep_(lockstep) {}
+  ValueWalk(const ValueWalk&) = delete;
+  ValueWalk& operator=(const ValueWalk&) = delete;
 
   // Two values of any class; null is none. `path` stands in front of where they differ.
   void Compare(const IFC::IfcEntity* before, const IFC::IfcEntity* after, const std::string& path);
@@ -57,6 +83,10 @@ class ValueWalk {
     unsigned depth = 0;
   };
 
+  void CompareMembers(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
+                      const std::string& path, std::size_t index);
+  void CompareUnlike(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
+                     const std::string& path);
   void CompareAttribute(const ConstAttribute& before, const ConstAttribute& after, const Held& held,
                         const std::string& path);
   void CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
@@ -101,7 +131,8 @@ class ValueWalk {
   unsigned depth_ = 0;
   bool isAsking_ = false;
   bool differs_ = false;  // the answer, as soon as it is known
-  std::set<std::pair<const IFC::IfcEntity*, const IFC::IfcEntity*>> met_;
+  MetPairs ownMet_;
+  MetPairs* met_ = &ownMet_;
   std::vector<Difference> found_;
   std::size_t omitted_ = 0;
 };
