@@ -79,6 +79,11 @@ const ClassWord* ClassWords::Of(const IFC::IfcEntity& entity) {
   return recent.word;
 }
 
+bool ClassWords::HasMet(std::string_view className) const {
+  return std::any_of(known_.begin(), known_.end(),
+                     [&](const auto& known) { return known.first->name == className; });
+}
+
 const ClassWord* ClassWords::Find(const IFC::IfcEntity& entity) {
   const ClassFacts* const facts = FindFacts(entity);
   if (facts == nullptr) return nullptr;

@@ -58,6 +58,8 @@ class ClassWords {
  public:
   // Null for an object of no class, as tests have them.
   const ClassWord* Of(const IFC::IfcEntity& entity);
+  // It has been asked about an object of this very class.
+  bool HasMet(std::string_view className) const;
 
  private:
   PointingClasses pointing_;

@@ -93,7 +93,7 @@ class Comparison {
     const bool same =
         lockstep.Same(before, after) ||
         (areOfTwoReleases_ && before_.facts.WholeOf(before) == after_.facts.WholeOf(after));
-    if (!same) {
+    if (!same || !changes.StandOnGridsAtOnePlace(before, after)) {
       ChangedObject object = changes.Of(before, after);
       if (!object.changes.empty()) {
         diff.changed.push_back(std::move(object));

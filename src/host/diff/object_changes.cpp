@@ -111,27 +111,48 @@ void ObjectChanges::CompareOwn(const IFC::IfcEntity& before, const IFC::IfcEntit
   walk_.CompareDescriptions(before, after, "");
   TakeAs(ChangeKind::kAttribute);
   ComparePlaces(here, there);
+  CompareGridPlaces(before, after);
+}
+
+bool ObjectChanges::SameWorldPlace(const std::optional<Transform>& before,
+                                   const std::optional<Transform>& after) const {
+  constexpr double kPartOfOrigin = 1e-12;
+  if (!before || !after) return !before && !after;
+  return SamePlace(
+      *before, *after,
+      {.origin = tolerance_.metres, .partOfOrigin = kPartOfOrigin, .axis = Tolerance::kAxis});
 }
 
 void ObjectChanges::ComparePlaces(const std::optional<Transform>& before,
                                   const std::optional<Transform>& after) {
-  constexpr double kPartOfOrigin = 1e-12;
-  if (!before && !after) return;
+  if (SameWorldPlace(before, after)) return;
   Change change;
   change.kind = ChangeKind::kPlace;
   change.path = "place";
   if (before) change.before = TextOfPoint(before->origin);
   if (after) change.after = TextOfPoint(after->origin);
-  if (before && after) {
-    if (SamePlace(*before, *after,
-                  {.origin = tolerance_.metres,
-                   .partOfOrigin = kPartOfOrigin,
-                   .axis = Tolerance::kAxis})) {
-      return;
-    }
-    change.movement = MovementBetween(*before, *after);
-  }
+  if (before && after) change.movement = MovementBetween(*before, *after);
   object_.changes.push_back(std::move(change));
+}
+
+bool ObjectChanges::StandOnGridsAtOnePlace(std::size_t before, std::size_t after) {
+  const auto here = before_.PlacesOfGridsUnder(*before_.Model().Objects()[before]);
+  const auto there = after_.PlacesOfGridsUnder(*after_.Model().Objects()[after]);
+  return std::equal(
+      here.begin(), here.end(), there.begin(), there.end(),
+      [this](const auto& one, const auto& other) { return SameWorldPlace(one, other); });
+}
+
+// What stands on a grid moves with it. That it stands on another number of them is told by its
+// placement.
+void ObjectChanges::CompareGridPlaces(const IFC::IfcEntity& before, const IFC::IfcEntity& after) {
+  const auto here = before_.PlacesOfGridsUnder(before);
+  const auto there = after_.PlacesOfGridsUnder(after);
+  for (std::size_t i = 0; i < std::min(here.size(), there.size()); ++i) {
+    const std::size_t first = object_.changes.size();
+    ComparePlaces(here[i], there[i]);
+    if (first != object_.changes.size()) object_.changes.back().path = "place of its grid";
+  }
 }
 
 void ObjectChanges::CompareProperties(std::size_t before, std::size_t after) {

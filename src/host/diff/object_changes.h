@@ -23,6 +23,8 @@ class ObjectChanges {
         lockstep_(lockstep),
         walk_(before, after, tolerance, lockstep) {}
 
+  // The grids that the objects with these indices stand on, as far as they do, are where they were.
+  bool StandOnGridsAtOnePlace(std::size_t before, std::size_t after);
   // Of the objects with these indices. Without changes where the tolerance covers all of them.
   ChangedObject Of(std::size_t before, std::size_t after);
 
@@ -30,6 +32,9 @@ class ObjectChanges {
   using Sets = std::map<std::string, std::vector<const IFC::IfcEntity*>>;
 
   void CompareOwn(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
+  bool SameWorldPlace(const std::optional<Transform>& before,
+                      const std::optional<Transform>& after) const;
+  void CompareGridPlaces(const IFC::IfcEntity& before, const IFC::IfcEntity& after);
   void ComparePlaces(const std::optional<Transform>& before, const std::optional<Transform>& after);
   void CompareProperties(std::size_t before, std::size_t after);
   void CompareSets(const std::string& name, std::vector<const IFC::IfcEntity*> before,

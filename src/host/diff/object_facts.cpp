@@ -54,6 +54,22 @@ std::optional<Transform> ObjectFacts::PlaceOf(const IFC::IfcEntity& object) {
   return place;
 }
 
+std::vector<std::optional<Transform>> ObjectFacts::PlacesOfGridsUnder(
+    const IFC::IfcEntity& object) {
+  if (!mayStandOnGrids_ || FindFacts(object) == nullptr) return {};
+  if (!knowsGrids_) {
+    for (IFC::IfcEntity* const one : model_.Objects()) grids_.Gather(*one);
+    knowsGrids_ = true;
+  }
+  std::vector<IFC::IfcEntity*> grids = grids_.Under(ReferenceOf(object, "ObjectPlacement"));
+  std::vector<std::optional<Transform>> places;
+  for (auto grid = grids.begin(); grid != grids.end(); ++grid) {
+    if (*grid == nullptr || std::find(grids.begin(), grid, *grid) != grid) continue;
+    places.push_back(PlaceOf(**grid));
+  }
+  return places;
+}
+
 std::optional<Digest> ObjectFacts::DigestOfPlace(const IFC::IfcEntity& object) {
   const auto place = PlaceOf(object);
   if (!place) return std::nullopt;

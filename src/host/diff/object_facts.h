@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/diff/value_digests.h"
+#include "merge/federation/equality/grids_stood_on.h"
 #include "merge/federation/tree/world_places.h"
 
 namespace corvel::host::diff {
@@ -13,11 +14,17 @@ class ObjectFacts {
  public:
   // All of it lives as long as this.
   ObjectFacts(const ComparedModel& model, ValueDigests& values, const Tolerance& tolerance)
-      : model_(model), values_(values), tolerance_(tolerance) {}
+      : model_(model),
+        values_(values),
+        tolerance_(tolerance),
+        mayStandOnGrids_(model.Words().HasMet("IfcGridPlacement")) {}
 
   // Where the object stands in the world of its model, in metres. Nothing where no local placement
   // tells it.
   std::optional<Transform> PlaceOf(const IFC::IfcEntity& object);
+  // Where the grids stand that the object stands on by its placement, or by what that is relative
+  // to: one for each grid, in the order of their axes. The placement itself doesn't know.
+  std::vector<std::optional<Transform>> PlacesOfGridsUnder(const IFC::IfcEntity& object);
   // By what it is found again under another GUID: class, attributes, place, and what it has by
   // relations to no other object.
   Digest ContentOf(std::size_t index);
@@ -46,6 +53,9 @@ class ObjectFacts {
   ValueDigests& values_;
   const Tolerance& tolerance_;
   WorldPlaces places_;
+  bool mayStandOnGrids_;
+  bool knowsGrids_ = false;
+  GridsStoodOn grids_;
   std::vector<Digest> facts_;  // of the object at hand
 };
 
