@@ -8,21 +8,20 @@ import unittest
 from collections import Counter
 
 import schema_facts
-from check_truth import Truth
+from check_truth import RELEASES, Truth
+from step_text import StepError
 from program import REAL_MODELS, ModelTest, built_releases, identifier_of, run, sample_paths
 
 # The slow truth takes seconds a megabyte.
 LARGEST = 1_000_000
-# Findings that say that the text is not in order, so that the two readers may differ.
-UNREADABLE = re.compile(r'CRV\.(syntax|class|arguments|number|header|file|enum|value\.wrong)')
 
 
 def real_paths():
-    if not os.path.isdir(REAL_MODELS):
-        return []
-    found = [os.path.join(folder, name) for folder, _, names in sorted(os.walk(REAL_MODELS))
-             for name in sorted(names) if name.endswith('.ifc')]
-    return [path for path in found if os.path.getsize(path) <= LARGEST]
+    """Sound models of other makers, and those that are not."""
+    folders = [REAL_MODELS, os.path.join(os.path.dirname(REAL_MODELS), 'misfits')]
+    found = [os.path.join(folder, name) for top in folders for folder, _, names in os.walk(top)
+             for name in names if name.endswith('.ifc')]
+    return sorted(path for path in found if os.path.getsize(path) <= LARGEST)
 
 
 class CheckTest(ModelTest):
@@ -33,13 +32,14 @@ class CheckTest(ModelTest):
         return json.loads(result.output)
 
     def compare(self, path):
-        """False: the text of the model is not in order."""
+        """False: the slow reader does not know what is wrong with the text."""
         with open(path, 'rb') as file:
             data = file.read()
         told = self.check(path)['files'][0]
-        if any(UNREADABLE.match(one['rule']) for one in told['findings']):
+        try:
+            truth = Truth(data, told['facts']['release'])
+        except StepError:
             return False
-        truth = Truth(data)
         found = {}
         for one in told['findings']:
             if one['rule'] not in Truth.RULES:
@@ -47,14 +47,15 @@ class CheckTest(ModelTest):
             # Of an inverse the class of the object counts: schemas name the same relation twice.
             subject = one['subject'].partition(' in ')[0]
             found.setdefault(one['rule'], Counter())[subject] += one['count']
-            self.check_places(one, data)
+            if one['rule'] != 'CRV.number.doubled':  # told under the number that it has got
+                self.check_places(one, data)
         self.assertEqual(truth.found, found)
         return True
 
     def check_places(self, finding, data):
         """The record begins in the line that is told."""
         for place in finding['places']:
-            if place['record'] is not None:
+            if place['record'] is not None and place['line'] is not None:
                 line = data.split(b'\n')[place['line'] - 1]
                 self.assertIn(b'#%d' % place['record'], line.replace(b' ', b''))
 
@@ -78,6 +79,8 @@ class Samples(CheckTest):
                    (rb'IFCEXTRUDEDAREASOLID\((.*),[^,]*\);', rb'IFCEXTRUDEDAREASOLID(\1,$);'),
                    (rb'IFCEXTRUDEDAREASOLID\((.*),[^,]*\);', rb'IFCEXTRUDEDAREASOLID(\1,0.);'),
                    (rb'IFCCARTESIANPOINT\(\(.*?\)\)', b'IFCCARTESIANPOINT((1.,2.,3.,4.1234567890123456))'),
+                   (rb"IFCGRIDAXIS\(('[^']*',#\d+),\.\w\.\)", rb'IFCGRIDAXIS(\1,$)'),
+                   (rb'IFCRELVOIDSELEMENT\(.*\);', b'IFCOFFSETCURVE2D(#1,1.,$);'),
                    (rb"IFCRELVOIDSELEMENT\(.*\);", b"IFCDIRECTION((0.,1.));"),
                    (rb"IFCWALL\('.{22}'", b"IFCWALL('short'"),
                    (rb'IFCPROJECT\((.*),\(.*?\),#\d+\);', rb'IFCPROJECT(\1,$,$);'),
@@ -95,18 +98,49 @@ class Samples(CheckTest):
                     self.write('spoilt.ifc', spoilt)
                     self.assertTrue(self.compare(self.path('spoilt.ifc')))
 
+    def test_samples_with_misfits(self):
+        """What a class, or the text of a file, does not take."""
+        changes = [(rb'IFCSLAB\(', b'IFCSPACESHIP('), (rb'\.METRE\.', b'.STONE.'),
+                   (rb'IFCDIRECTION\(\(.*?\)\)', b"IFCDIRECTION('up')"),
+                   (rb'(IFCMATERIAL\(.*)\);', rb'\1,$,$,$,$);'),
+                   (rb'IFCPOLYLINE\(\(#\d+,', b'IFCPOLYLINE((#1,'),
+                   (rb"(IFCPROPERTYSINGLEVALUE\('[^']*',\$,)IFC\w+\([^)]*\)",
+                    rb'\1IFCINTEGER(-9876543210)'),
+                   (rb"(IFCPROPERTYSINGLEVALUE\('[^']*',\$,)IFC\w+\([^)]*\)", rb"\1'bare'"),
+                   (rb'\AISO', b'\xef\xbb\xbfISO'), (rb'(#\d+ *= *IFCWALL)', rb'junk\n\1'),
+                   (rb'(#\d+ *= *IFCMATERIAL\(.*\);)', rb'\1\n\1'),
+                   (rb'#(\d+)( *= *IFCREL(?:ASSOCIATESMATERIAL|DEFINESBYTYPE)\(.*\);)',
+                    rb'\g<0>\n#77\1\2')]
+        for path in sample_paths():
+            if os.path.basename(path) not in ('house_IFC2X3.ifc', 'house_IFC4.ifc'):
+                continue
+            if schema_facts.choose_release(identifier_of(path)) not in built_releases():
+                continue
+            with open(path, 'rb') as file:
+                data = file.read()
+            for pattern, instead in changes:
+                with self.subTest(os.path.basename(path), pattern=pattern):
+                    spoilt, count = re.subn(pattern, instead, data)
+                    self.assertLess(0, count)
+                    self.write('spoilt.ifc', spoilt)
+                    self.assertTrue(self.compare(self.path('spoilt.ifc')))
+
 
 @unittest.skipUnless(real_paths(), f'no models of other makers in {REAL_MODELS}')
 class RealModels(CheckTest):
 
     def test_models_of_other_makers(self):
-        compared = 0
+        compared = Counter()
         for path in real_paths():
-            if schema_facts.choose_release(identifier_of(path)) not in built_releases():
+            # Any release may serve what none has.
+            release = schema_facts.choose_release(identifier_of(path))
+            if not {release} - {None} <= set(built_releases()) or (
+                    release is None and not set(RELEASES) <= set(built_releases())):
                 continue
             with self.subTest(os.path.relpath(path, REAL_MODELS)):
-                compared += self.compare(path)
-        self.assertGreater(compared, 3)
+                compared[self.compare(path)] += 1
+        self.assertGreater(compared[True], 3)
+        self.assertLess(compared[False], 3)
 
 
 if __name__ == '__main__':

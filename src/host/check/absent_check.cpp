@@ -17,7 +17,7 @@ void CheckAbsentNumbers(const RecordNotes& notes, const IFC::MainContainer& cont
     if (facts == nullptr || IsOfNoClassOfModel(*entity)) continue;
     if (absent.argument >= facts->AttributeCount()) continue;
     const AttributeFacts& attribute = facts->Attribute(absent.argument);
-    if (!WantsNumber(*facts, attribute)) continue;
+    if (!WantsNumberOrTruth(*facts, attribute)) continue;
     findings.Add(RuleId::kMissingValue, std::string(facts->name) + "." + attribute.name,
                  {.number = absent.record});
   }

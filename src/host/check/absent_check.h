@@ -1,4 +1,4 @@
-// Mandatory numbers that the file leaves out.
+// Mandatory numbers and truth values that the file leaves out.
 #pragma once
 
 #include "core/main_container.h"
@@ -7,7 +7,7 @@
 
 namespace corvel::host {
 
-// The objects have 0 in their place: only the reading knew.
+// The objects have 0 (.F., or .U. of a logical) in their place: only the reading knew.
 void CheckAbsentNumbers(const RecordNotes& notes, const IFC::MainContainer& container,
                         Findings& findings);
 

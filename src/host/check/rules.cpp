@@ -78,8 +78,9 @@ constexpr Rule kTable[] = {
      u"carried as it stands.",
      u"#1=IFCPROPERTYSINGLEVALUE('a',$,IFCINTEGER(9876543210),$);"},
     {RuleId::kMissingValue, "CRV.value.missing", kError, u"A mandatory attribute has no value",
-     u"A save writes * for a reference, 0. for a number, '' for a text and () for a list. "
-     u"Enumerations without a value are told by CRV.value.wrong, lists that need members by "
+     u"A save writes * for a reference, 0. for a number, '' for a text, .F. or .U. for a truth "
+     u"value and () for a list. Enumerations without a value are told by CRV.value.wrong, lists "
+     u"that need members by "
      u"CRV.list.few.",
      u"#1=IFCLOCALPLACEMENT($,$);"},
     {RuleId::kWrongReference, "CRV.reference.wrong", kError,

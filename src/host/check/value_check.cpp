@@ -200,10 +200,13 @@ bool ValueCheck::LooksAbsent(ConstAttribute attribute, const Plan& plan) {
   return false;
 }
 
-bool WantsNumber(const ClassFacts& facts, const AttributeFacts& attribute) {
+// Truth values that are read as enumerations have been told as wrong ones.
+bool WantsNumberOrTruth(const ClassFacts& facts, const AttributeFacts& attribute) {
   if (attribute.IsOptional() || attribute.depth != 0 || IsDerived(facts, attribute.name)) {
     return false;
   }
+  const std::string_view type = attribute.type->name;
+  if (type == "IfcBoolean" || type == "IfcLogical") return true;
   return attribute.kind == ValueKind::kReal || attribute.kind == ValueKind::kNumber ||
          attribute.kind == ValueKind::kInteger || attribute.kind == ValueKind::kBinary;
 }

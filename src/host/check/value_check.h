@@ -60,8 +60,8 @@ class ValueCheck {
   PerClass<bool> holdReals_;
 };
 
-// Whether objects of the class need a number there, one and not a list.
-bool WantsNumber(const ClassFacts& facts, const AttributeFacts& attribute);
+// Whether objects of the class need a number or a truth value there, one and not a list.
+bool WantsNumberOrTruth(const ClassFacts& facts, const AttributeFacts& attribute);
 
 // Whether the writer's form of the number reads as the same number.
 bool IsFractionWrittenWhole(double value);

@@ -94,7 +94,7 @@ double ReadTypedReal(Parser& parser) {
   return 0.0;
 }
 
-// What an attribute that is a number holds without one.
+// What an attribute that is a number holds without one; of truth values the caller knows it.
 std::int32_t AbsentNumberOf(Parser& parser) {
   if (parser.notes.records != nullptr) NoteAbsentNumber(parser);
   return 0;
@@ -411,11 +411,15 @@ std::int32_t ReadBoolean(Parser& parser) { return ReadEnum(parser, kBooleanDataT
 std::int32_t ReadLogical(Parser& parser) { return ReadEnum(parser, kLogicalDataType); }
 
 std::int32_t ReadBooleanValue(Parser& parser) {
-  return IsAbsent(parser) ? kBooleanDataType.Fallback() : ReadBoolean(parser);
+  if (!IsAbsent(parser)) return ReadBoolean(parser);
+  AbsentNumberOf(parser);
+  return kBooleanDataType.Fallback();
 }
 
 std::int32_t ReadLogicalValue(Parser& parser) {
-  return IsAbsent(parser) ? kLogicalDataType.Fallback() : ReadLogical(parser);
+  if (!IsAbsent(parser)) return ReadLogical(parser);
+  AbsentNumberOf(parser);
+  return kLogicalDataType.Fallback();
 }
 
 IFC::IfcEntity* ReadEntityRef(Parser& parser, ClassTest& admitted) {

@@ -11,8 +11,8 @@ namespace corvel {
 
 class Parser;
 
-// A `$` or `*` where an attribute is a number, which the object has as 0. Of records that did not
-// fit their class those in the places of others as well.
+// A `$` or `*` where an attribute is a number or a truth value, which the object has as 0. Of
+// records that did not fit their class those in the places of others as well.
 struct AbsentNumber {
   std::uint32_t record = 0;
   std::uint32_t argument = 0;  // from 0
@@ -84,8 +84,8 @@ class RecordNotes {
   std::string headFlaw_;
 };
 
-// For the readers of numbers: behind an absent value of the record at hand. Those within lists and
-// typed values are none of an attribute's.
+// For the readers of numbers and truth values: behind an absent value of the record at hand. Those
+// within lists and typed values are none of an attribute's.
 void NoteAbsentNumber(Parser& parser);
 
 }  // namespace corvel

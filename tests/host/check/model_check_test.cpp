@@ -190,15 +190,17 @@ TEST(ModelCheck, MandatoryValuesOfAllKindsAreMissed) {
       kGoodRecords +
       "#20=IFCPROPERTYSINGLEVALUE($,$,$,$);\n#21=IFCVECTOR($,0.);\n"
       "#22=IFCEXTRUDEDAREASOLID(#23,$,#24,$);\n#23=IFCCIRCLEPROFILEDEF(.AREA.,$,$,0.);\n"
-      "#24=IFCDIRECTION((0.,0.,1.));\n#25=IFCDIMENSIONALEXPONENTS(0,0,$,0,0,0,0);\n");
+      "#24=IFCDIRECTION((0.,0.,1.));\n#25=IFCDIMENSIONALEXPONENTS(0,0,$,0,0,0,0);\n"
+      "#26=IFCGRIDAXIS('A',#27,$);\n#27=IFCLINE(#7,#21);\n#28=IFCOFFSETCURVE2D(#27,1.,$);\n");
   std::vector<std::string> subjects;
   for (const Finding& finding : model.findings) {
     EXPECT_EQ(RuleId::kMissingValue, finding.rule);
     subjects.push_back(finding.subject);
   }
   EXPECT_EQ((std::vector<std::string>{"IfcDimensionalExponents.TimeExponent",
-                                      "IfcExtrudedAreaSolid.Depth", "IfcPropertySingleValue.Name",
-                                      "IfcVector.Orientation"}),
+                                      "IfcExtrudedAreaSolid.Depth", "IfcGridAxis.SameSense",
+                                      "IfcOffsetCurve2D.SelfIntersect",
+                                      "IfcPropertySingleValue.Name", "IfcVector.Orientation"}),
             subjects);
 }
 
