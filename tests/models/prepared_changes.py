@@ -1,7 +1,7 @@
 """Changes of what the samples do not hold: logical values, and lists of lists.
 
-Each way puts the same things into a model, with values of its own; what differs between two models is
-what differs between the values that were put into them.
+Each way puts the same things into a model, with values of its own; what differs between two models
+is what differs between the values that were put into them.
 """
 
 import itertools
@@ -97,8 +97,8 @@ def put_surface(text, number, values):
 
 def put_face_set(text, number, values):
     points = text.add('IFCCARTESIANPOINTLIST3D', values[ITEM + 'Coordinates.CoordList'].written)
-    faces = text.add('IFCTRIANGULATEDFACESET', f'#{points}', values[ITEM + 'Normals'].written, '.T.',
-                     values[ITEM + 'CoordIndex'].written, '$')
+    faces = text.add('IFCTRIANGULATEDFACESET', f'#{points}', values[ITEM + 'Normals'].written,
+                     '.T.', values[ITEM + 'CoordIndex'].written, '$')
     put_shape(text, number, faces)
 
 
@@ -125,24 +125,27 @@ def surface_pairs(metres):
     def net(*rows):
         return [numbers(row, METRES, metres).told for row in rows]
 
+    row = [(1., 0., 0.), (1., 1., .25)]
     base = {ITEM + 'UClosed': logical('.U.'), ITEM + 'VClosed': logical('.F.'),
             ITEM + 'SelfIntersect': logical('.F.'),
-            'points': net([(0., 0., 0.), (0., 1., 0.)], [(1., 0., 0.), (1., 1., .25)])}
+            'points': net([(0., 0., 0.), (0., 1., 0.)], row)}
     yield from logical_pairs([path for path in base if path != 'points'], base)
     yield base, {**base, 'points': net([(0., 0., 0.), (0., 1., 0.)], [(1., 0., 0.), (1., 1., .5)])}
-    yield base, {**base, 'points': net([(0., 0., .125), (0., 2., 0.)], [(1., 0., 0.), (1., 1., .25)])}
+    yield base, {**base, 'points': net([(0., 0., .125), (0., 2., 0.)], row)}
     # Points that change places.
-    yield base, {**base, 'points': net([(0., 1., 0.), (0., 0., 0.)], [(1., 0., 0.), (1., 1., .25)])}
+    yield base, {**base, 'points': net([(0., 1., 0.), (0., 0., 0.)], row)}
 
 
 def face_set_pairs(metres):
     rows = [(0., 0., 0.), (1.5, 0., 0.), (0., 1., 0.), (0., 0., 1.)]
-    coordinates, index, normals = ITEM + 'Coordinates.CoordList', ITEM + 'CoordIndex', ITEM + 'Normals'
+    coordinates, index, normals = (ITEM + name for name in ('Coordinates.CoordList', 'CoordIndex',
+                                                            'Normals'))
 
     def points(*more):
         return numbers(more, METRES, metres)
 
-    base = {coordinates: points(*rows), index: numbers([(1, 2, 3), (1, 2, 4)]), normals: Put('$', None)}
+    base = {coordinates: points(*rows), index: numbers([(1, 2, 3), (1, 2, 4)]),
+            normals: Put('$', None)}
     for change in ({coordinates: points(*rows[:3], (0., 0.25, 1.))},
                    {coordinates: points(rows[1], rows[0], *rows[2:])},
                    {coordinates: points(*rows, (1., 1., 1.))},
@@ -151,7 +154,8 @@ def face_set_pairs(metres):
                    {index: numbers([(1, 2, 4), (1, 2, 3)])},
                    {index: numbers([(1, 2, 3)])},
                    {normals: numbers([(0., 0., 1.)] * 4)},
-                   {coordinates: points(*rows[:3], (0., 0., 2.)), index: numbers([(3, 2, 1), (1, 2, 4)])}):
+                   {coordinates: points(*rows[:3], (0., 0., 2.)),
+                    index: numbers([(3, 2, 1), (1, 2, 4)])}):
         yield base, {**base, **change}
         yield {**base, **change}, base
 
@@ -164,8 +168,8 @@ def expected_of(before, after):
             continue
         for u, (row, other) in enumerate(zip(before['points'], after['points'])):
             for v, (one, two) in enumerate(zip(row, other)):
-                yield from differences(f'{ITEM}ControlPointsList[{u + 1}][{v + 1}].Coordinates', one,
-                                       two)
+                yield from differences(f'{ITEM}ControlPointsList[{u + 1}][{v + 1}].Coordinates',
+                                       one, two)
 
 
 # (what is put in, pairs of values, whether releases before IFC4 have the classes)
