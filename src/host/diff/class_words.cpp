@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "merge/federation/attribute_values.h"
 #include "schema/attributes.h"
 
 namespace corvel::host::diff {
@@ -10,6 +11,7 @@ namespace {
 
 constexpr std::uint64_t kBasis = 0xcbf29ce484222325ull;
 constexpr std::uint64_t kPrime = 0x100000001b3ull;
+constexpr std::string_view kBasisCurve = "BasisCurve";
 
 bool IsOrDerivesFrom(const ClassFacts& facts, std::string_view name) {
   for (const ClassFacts* at = &facts; at != nullptr; at = at->supertype) {
@@ -59,6 +61,7 @@ AttributeWord Make(const AttributeFacts& facts, Role role) {
   attribute.isRelated = role == Role::kRelation && name.starts_with("Related");
   attribute.isRelating = role == Role::kRelation && name.starts_with("Relating");
   attribute.isUnit = name == "Unit" || name == "UnitComponent";
+  attribute.isParameter = facts.type->IsOrIsMadeOf("IfcParameterValue");
   attribute.isUnordered[0] = IsUnordered(OutermostOf(facts));
   attribute.isUnordered[1] = IsUnordered(facts.aggregates[1]);
   return attribute;
@@ -77,6 +80,19 @@ const ClassWord* ClassWords::Of(const IFC::IfcEntity& entity) {
   Recent& recent = recent_[(reinterpret_cast<std::uintptr_t>(dynamicClass) >> 4) % kRecent];
   if (recent.dynamicClass != dynamicClass) recent = {dynamicClass, Find(entity)};
   return recent.word;
+}
+
+Dimension DimensionOfParameters(const IFC::IfcEntity& record) {
+  constexpr int kMostCurves = 64;  // they may go in circles
+  const IFC::IfcEntity* curve = &record;
+  for (int i = 0; i < kMostCurves; ++i) {
+    const IFC::IfcEntity* const basis = ReferenceOf(*curve, kBasisCurve);
+    if (basis == nullptr) break;
+    curve = basis;
+  }
+  const ClassFacts* const facts = FindFacts(*curve);
+  return facts != nullptr && IsOrDerivesFrom(*facts, "IfcConic") ? Dimension::kAngle
+                                                                 : Dimension::kNone;
 }
 
 bool ClassWords::HasMet(std::string_view className) const {
@@ -104,6 +120,7 @@ const ClassWord* ClassWords::Find(const IFC::IfcEntity& entity) {
       }
       made->attributes.push_back(attribute);
       made->hasUnit = made->hasUnit || attribute.isUnit;
+      made->hasBasisCurve = made->hasBasisCurve || attribute.facts->name == kBasisCurve;
       made->hasPropertySets = made->hasPropertySets || attribute.isPropertySets;
     }
     const auto described = pointing_.DescribedBy(entity);

@@ -38,6 +38,8 @@ struct AttributeWord {
   bool isRelating = false;      // Relating...
   // The unit of the other values: these are told in no unit of the model.
   bool isUnit = false;
+  // A parameter on a curve: what it measures is told by the curve.
+  bool isParameter = false;
   bool isUnordered[2] = {};  // a SET or BAG, by depth
 };
 
@@ -47,12 +49,17 @@ struct ClassWord {
   Role role = Role::kValue;
   bool hasUnit = false;                   // one of the attributes is a unit
   bool hasPropertySets = false;           // one of them leads to sets of properties
+  bool hasBasisCurve = false;             // parameters in the record are those of a curve
   std::vector<AttributeWord> attributes;  // in the order of the record
   // The attributes that name what an object only describes.
   std::vector<const AttributeFacts*> describing;
 
   bool Describes(const AttributeFacts& attribute) const;
 };
+
+// What the parameters in a record of a class with a basis curve measure: an angle on a circle or an
+// ellipse, also where that is trimmed or offset, and nothing on every other curve.
+Dimension DimensionOfParameters(const IFC::IfcEntity& record);
 
 class ClassWords {
  public:

@@ -130,6 +130,7 @@ bool Lockstep::SameContent(const IFC::IfcEntity& before, const IFC::IfcEntity& a
   const ClassWord* const word = before_.Words().Of(before);
   if (word == nullptr) return false;
   if (word->role == Role::kRelation && depth_ != 0) return false;
+  if (word->hasBasisCurve && before_.Scales().angle != after_.Scales().angle) return false;
   const ConstAttributes here(before, *word->facts);
   const ConstAttributes there(after, *word->facts);
   for (const AttributeWord& attribute : word->attributes) {

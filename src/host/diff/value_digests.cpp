@@ -66,6 +66,7 @@ Digest ValueDigests::Finish(const IFC::IfcEntity& entity, const Parts& parts) {
 // Whoever needs something that is not known yet has it put on top, and is made again once that is
 // known. What has been begun and is needed further up leads to itself.
 void ValueDigests::Settle(std::size_t before) {
+  const Dimension outer = TellParameters(Dimension::kNone);
   while (waiting_.size() > before) {
     const IFC::IfcEntity& top = *waiting_.back();
     Digest& known = At(top);  // stays where it is when others are added
@@ -78,6 +79,7 @@ void ValueDigests::Settle(std::size_t before) {
     }
     waiting_.pop_back();
   }
+  parameters_ = outer;
 }
 
 Digest ValueDigests::Child(const IFC::IfcEntity* entity) {
@@ -124,6 +126,10 @@ void ValueDigests::AddAttributes(DigestMaker& maker, const IFC::IfcEntity& entit
   const ConstAttributes all(entity, *word.facts);
   const bool outer = hasOwnUnit_;
   hasOwnUnit_ = outer || TellsUnit(entity, word);
+  const Dimension outerParameters = parameters_;
+  if (!entity.inlineValue) {
+    parameters_ = word.hasBasisCurve ? DimensionOfParameters(entity) : Dimension::kNone;
+  }
   auto at = all.begin();
   for (const AttributeWord& attribute : word.attributes) {
     const ConstAttribute held = *at;
@@ -138,6 +144,7 @@ void ValueDigests::AddAttributes(DigestMaker& maker, const IFC::IfcEntity& entit
     }
   }
   hasOwnUnit_ = outer;
+  parameters_ = outerParameters;
 }
 
 void ValueDigests::AddAttribute(DigestMaker& maker, const ConstAttribute& held,
@@ -206,8 +213,9 @@ void ValueDigests::Add(DigestMaker& maker, IFC::IfcEntity* entity, const Attribu
 
 void ValueDigests::Add(DigestMaker& maker, double number, const AttributeWord& attribute,
                        unsigned) {
-  const double scale = hasOwnUnit_ ? 1.0 : model_.Scales().Of(attribute.dimension);
-  maker.Add(tolerance_.WordOf(number * scale, attribute.dimension));
+  const Dimension dimension = attribute.isParameter ? parameters_ : attribute.dimension;
+  const double scale = hasOwnUnit_ ? 1.0 : model_.Scales().Of(dimension);
+  maker.Add(tolerance_.WordOf(number * scale, dimension));
 }
 
 void ValueDigests::Add(DigestMaker& maker, std::int32_t number, const AttributeWord& attribute,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/list.h"
@@ -35,6 +36,9 @@ class ValueDigests {
     known_.clear();
     facts_.clear();
   }
+  // What parameters measure that stand in the values which are asked about, until told otherwise:
+  // in a record of its own only that tells it. Gives what was said before.
+  Dimension TellParameters(Dimension measured) { return std::exchange(parameters_, measured); }
   // Of a value, or of a reference to an object with an identity. Null has one too.
   Digest Of(const IFC::IfcEntity* entity);
   // Of what a relation says about each of those that it holds.
@@ -100,6 +104,7 @@ class ValueDigests {
   std::vector<Digest> sorted_;  // of the sets that are being made, the innermost at the end
   bool lacks_ = false;          // something is waiting that Make needs
   bool hasOwnUnit_ = false;     // the numbers at hand are told in no unit of the model
+  Dimension parameters_ = Dimension::kNone;
   const ComparedModel* holders_ = nullptr;  // of the attribute at hand these don't count
 };
 

@@ -108,9 +108,23 @@ void ValueWalk::CompareUnlike(const IFC::IfcEntity* before, const IFC::IfcEntity
 // What is in step says the same; what is not may do so in another order. Whoever asks whether one
 // of many is the same has their digests, and would go through them in step for each pair.
 bool ValueWalk::SaySame(const IFC::IfcEntity* before, const IFC::IfcEntity* after) {
-  const bool inUnitsOfModels = !hasOwnUnitBefore_ && !hasOwnUnitAfter_;
+  const bool hasAngles =
+      parametersBefore_ != Dimension::kNone || parametersAfter_ != Dimension::kNone;
+  const bool inUnitsOfModels =
+      !hasOwnUnitBefore_ && !hasOwnUnitAfter_ && (!hasAngles || HaveOneAngle());
   if (inUnitsOfModels && !isAsking_ && lockstep_.SameValues(before, after)) return true;
   return before_.Values().Of(before) == after_.Values().Of(after);
+}
+
+bool ValueWalk::HaveOneAngle() const {
+  return before_.Model().Scales().angle == after_.Model().Scales().angle;
+}
+
+void ValueWalk::TellParameters(Dimension before, Dimension after) {
+  parametersBefore_ = before;
+  parametersAfter_ = after;
+  before_.Values().TellParameters(before);
+  after_.Values().TellParameters(after);
 }
 
 void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
@@ -122,6 +136,12 @@ void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEn
   const bool outerAfter = hasOwnUnitAfter_;
   hasOwnUnitBefore_ = outerBefore || TellsUnit(before, *one);
   hasOwnUnitAfter_ = outerAfter || TellsUnit(after, *other);
+  const Dimension outerParametersBefore = parametersBefore_;
+  const Dimension outerParametersAfter = parametersAfter_;
+  if (!before.inlineValue) {
+    TellParameters(one->hasBasisCurve ? DimensionOfParameters(before) : Dimension::kNone,
+                   other->hasBasisCurve ? DimensionOfParameters(after) : Dimension::kNone);
+  }
   // The value of a typed value has no name worth telling, and nobody reads it who only asks.
   std::string longer;
   const auto pathTo = [&](const AttributeWord& word) -> const std::string& {
@@ -151,6 +171,7 @@ void ValueWalk::CompareAttributes(const IFC::IfcEntity& before, const IFC::IfcEn
   CompareCarried(before, after, path);
   hasOwnUnitBefore_ = outerBefore;
   hasOwnUnitAfter_ = outerAfter;
+  TellParameters(outerParametersBefore, outerParametersAfter);
 }
 
 void ValueWalk::CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
@@ -199,14 +220,21 @@ template <class T>
 void ValueWalk::CompareHeld(const T& before, const T& after, const Held& held,
                             const std::string& path) {
   if (SameScalar(before, after, held) || Answers()) return;
-  Tell(path, ValueText(before_.Model(), hasOwnUnitBefore_).OfHeld(before, held.before),
-       ValueText(after_.Model(), hasOwnUnitAfter_).OfHeld(after, held.after));
+  AttributeWord one = held.before;
+  AttributeWord other = held.after;
+  // Parameters are told as they are written where both models have one unit.
+  if (!HaveOneAngle()) {
+    one.dimension = DimensionBefore(held);
+    other.dimension = DimensionAfter(held);
+  }
+  Tell(path, ValueText(before_.Model(), hasOwnUnitBefore_).OfHeld(before, one),
+       ValueText(after_.Model(), hasOwnUnitAfter_).OfHeld(after, other));
 }
 
 bool ValueWalk::SameScalar(double before, double after, const Held& held) const {
-  const Dimension dimension = held.before.dimension;
+  const Dimension dimension = DimensionBefore(held);
   const double one = hasOwnUnitBefore_ ? 1.0 : before_.Model().Scales().Of(dimension);
-  const double other = hasOwnUnitAfter_ ? 1.0 : after_.Model().Scales().Of(held.after.dimension);
+  const double other = hasOwnUnitAfter_ ? 1.0 : after_.Model().Scales().Of(DimensionAfter(held));
   return tolerance_.Same(before * one, after * other, dimension);
 }
 

@@ -87,6 +87,8 @@ class ValueWalk {
                       const std::string& path, std::size_t index);
   void CompareUnlike(const IFC::IfcEntity* before, const IFC::IfcEntity* after,
                      const std::string& path);
+  void TellParameters(Dimension before, Dimension after);
+  bool HaveOneAngle() const;
   void CompareAttribute(const ConstAttribute& before, const ConstAttribute& after, const Held& held,
                         const std::string& path);
   void CompareCarried(const IFC::IfcEntity& before, const IFC::IfcEntity& after,
@@ -99,6 +101,12 @@ class ValueWalk {
                    const std::string& path);
   template <class T>
   void CompareHeld(const T& before, const T& after, const Held& held, const std::string& path);
+  Dimension DimensionBefore(const Held& held) const {
+    return held.before.isParameter ? parametersBefore_ : held.before.dimension;
+  }
+  Dimension DimensionAfter(const Held& held) const {
+    return held.after.isParameter ? parametersAfter_ : held.after.dimension;
+  }
   bool SameScalar(double before, double after, const Held& held) const;
   static bool SameScalar(std::int32_t before, std::int32_t after, const Held& held);
   static bool SameScalar(ModelText before, ModelText after, const Held&) { return before == after; }
@@ -128,6 +136,8 @@ class ValueWalk {
   Lockstep& lockstep_;
   bool hasOwnUnitBefore_ = false;
   bool hasOwnUnitAfter_ = false;
+  Dimension parametersBefore_ = Dimension::kNone;  // what those in the records at hand measure
+  Dimension parametersAfter_ = Dimension::kNone;
   unsigned depth_ = 0;
   bool isAsking_ = false;
   bool differs_ = false;  // the answer, as soon as it is known
