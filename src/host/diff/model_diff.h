@@ -15,8 +15,8 @@ namespace corvel::host::diff {
 using DiffProgress = std::function<bool(int percent)>;
 
 // Both models have been read, and nothing else has been done with them; their visit stamps and
-// flags are taken. Nothing when `progress` gave false. Memory: 8 bytes for each record, some 20 more
-// for those in doubt, and what is told of the changes.
+// flags are taken. Nothing when `progress` gave false. Memory: 8 bytes for each record, some 20
+// more for those in doubt, and what is told of the changes.
 std::optional<ModelDiff> CompareModels(const IfcDocument& before, const IfcDocument& after,
                                        const Tolerance& tolerance, const DiffProgress& progress,
                                        Shortcuts shortcuts = Shortcuts::kTaken);
