@@ -29,9 +29,10 @@ def url_of(path):
     return 'file://' + os.fsdecode(os.path.abspath(path))
 
 
-def dom(path, language='en', width=1280):
-    """The page as it is behind its script, and what its console says."""
-    return _run(url_of(path), '--dump-dom', f'--window-size={width},1000', language=language)
+def dom(path, language='en', width=1280, height=1000, picture=None):
+    """The page as it is behind its script, and what its console says. Puts a picture of it at `picture`."""
+    pictures = [] if picture is None else [f'--screenshot={os.fsdecode(picture)}']
+    return _run(url_of(path), '--dump-dom', f'--window-size={width},{height}', *pictures, language=language)
 
 
 def screenshot(path, picture, width, height, dark=False):

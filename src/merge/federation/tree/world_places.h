@@ -1,6 +1,7 @@
 // Where placements stand in the world of their model.
 #pragma once
 
+#include <memory_resource>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -52,7 +53,8 @@ class WorldPlaces {
   NamedAttribute outer_{"PlacementRelTo"};
   NamedAttribute relative_{"RelativePlacement"};
   PlaceReader reader_;
-  std::unordered_map<const IFC::IfcEntity*, std::optional<Transform>> known_;
+  std::pmr::monotonic_buffer_resource memory_;  // nothing is forgotten
+  std::pmr::unordered_map<const IFC::IfcEntity*, std::optional<Transform>> known_{&memory_};
   std::vector<IFC::IfcEntity*> chain_;
 };
 

@@ -1,5 +1,6 @@
 #include "merge/report/shared/html_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -24,6 +25,11 @@ bool IsForbidden(char16_t unit) {
   return isControl || unit == 0xFFFE || unit == 0xFFFF || IsHighHalf(unit) || IsLowHalf(unit);
 }
 
+// Stands in a page as it is, like most of a text.
+bool IsPlain(char16_t unit) {
+  return (unit >= u'?' && unit < 0x7F) || (unit >= u'(' && unit < u'<');
+}
+
 void AppendEscaped(char16_t unit, std::string& html) {
   switch (unit) {
     case u'&': html += "&amp;"; break;
@@ -40,10 +46,15 @@ void AppendEscaped(char16_t unit, std::string& html) {
 
 }  // namespace
 
+HtmlText& HtmlText::Text(std::string_view utf8) {
+  const bool isPlain = std::all_of(utf8.begin(), utf8.end(),
+                                   [](char c) { return IsPlain(static_cast<char8_t>(c)); });
+  return isPlain ? Raw(utf8) : Text(WideView(FromUtf8(utf8)));
+}
+
 HtmlText& HtmlText::Text(WideView text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool isPlain = (text[i] >= u'?' && text[i] < 0x7F) || (text[i] >= u'(' && text[i] < u'<');
-    if (isPlain) {
+    if (IsPlain(text[i])) {
       html_ += static_cast<char>(text[i]);
       continue;
     }

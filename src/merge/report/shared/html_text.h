@@ -22,7 +22,7 @@ class HtmlText {
     return *this;
   }
   HtmlText& Text(WideView text);
-  HtmlText& Text(std::string_view utf8) { return Text(WideView(FromUtf8(utf8))); }
+  HtmlText& Text(std::string_view utf8);
   // A name of a model, which may be written from right to left: it moves nothing around it.
   HtmlText& Name(WideView text);
   // A text of the page in an element, so that the page can change its language.
@@ -32,6 +32,9 @@ class HtmlText {
   HtmlText& Count(std::size_t count);
   // With so many digits behind the point.
   HtmlText& Number(double value, int digits);
+
+  // So many bytes more are to come.
+  void Expect(std::size_t bytes) { html_.reserve(html_.size() + bytes); }
 
   const PageTexts& Texts() const { return texts_; }
   std::string Take() { return std::move(html_); }

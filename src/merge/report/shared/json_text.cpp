@@ -1,5 +1,6 @@
 #include "merge/report/shared/json_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -72,6 +73,28 @@ JsonText& JsonText::Key(std::string_view key) {
   return *this;
 }
 
+// False where something of the text has to be looked at.
+bool JsonText::PutPlain(std::string_view text) {
+  const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) {
+    return c >= ' ' && c < '\x7F' && c != '"' && c != '\\' && c != '<' && c != '>' && c != '&';
+  });
+  if (!isPlain) return false;
+  BeforeToken();
+  text_ += '"';
+  text_ += text;
+  text_ += '"';
+  needsComma_ = true;
+  return true;
+}
+
+void JsonText::Value(std::string_view text) {
+  if (!PutPlain(text)) Value(WideView(Widen(text)));
+}
+
+void JsonText::Utf8(std::string_view text) {
+  if (!PutPlain(text)) Value(WideView(FromUtf8(text)));
+}
+
 void JsonText::Value(WideView text) {
   BeforeToken();
   text_ += '"';
@@ -94,10 +117,41 @@ void JsonText::Value(double value) {
   Put({digits.data(), written.ptr});
 }
 
+// A whole number of ten-thousandths or so, as Value would put it: no other number of so few digits
+// is as near, so that these are its fewest. False for what an exponent makes shorter, and for what
+// is too large.
+bool JsonText::PutDecimal(double scaled, int digits) {
+  constexpr std::int64_t kLargest = 1'000'000'000'000;
+  constexpr std::array<std::int64_t, 7> kPowers = {1, 10, 100, 1000, 10'000, 100'000, 1'000'000};
+  constexpr std::int64_t kThousandth = 1000;
+  constexpr std::int64_t kWholesWithoutExponent = 100'000;
+  if (!(std::abs(scaled) < static_cast<double>(kLargest))) return false;
+  const auto number = static_cast<std::int64_t>(std::abs(scaled));
+  const std::int64_t factor = kPowers[static_cast<std::size_t>(digits)];
+  std::int64_t rest = number % factor;
+  const bool isSmall = number * kThousandth < factor && number != 0;
+  if (isSmall || (rest == 0 && number / factor >= kWholesWithoutExponent)) return false;
+  std::array<char, 40> text;
+  char* at = text.data();
+  if (scaled < 0.0) *at++ = '-';
+  at = std::to_chars(at, text.data() + text.size(), number / factor).ptr;
+  if (rest != 0) {
+    *at++ = '.';
+    for (std::int64_t power = factor / 10; rest != 0; power /= 10) {
+      *at++ = static_cast<char>('0' + rest / power);
+      rest %= power;
+    }
+  }
+  Put({text.data(), at});
+  return true;
+}
+
 void JsonText::Rounded(double value, int digits) {
   constexpr std::array<double, 7> kPowers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
   const double factor = kPowers[static_cast<std::size_t>(digits)];
-  const double rounded = std::round(value * factor) / factor;
+  const double scaled = std::round(value * factor);
+  if (PutDecimal(scaled, digits)) return;
+  const double rounded = scaled / factor;
   // Not the zero with a sign, and as it is where there is nothing to be rounded any more.
   Value(std::isfinite(rounded) ? rounded + 0.0 : value);
 }

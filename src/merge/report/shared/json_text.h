@@ -1,6 +1,8 @@
 // JSON as it is written, member by member.
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <concepts>
 #include <cstdint>
 #include <string>
@@ -27,11 +29,13 @@ class JsonText {
 
   void Value(WideView text);
   // Of ASCII alone.
-  void Value(std::string_view text) { Value(WideView(Widen(text))); }
+  void Value(std::string_view text);
   void Value(const char* text) { Value(std::string_view(text)); }
   void Value(const std::string& text) { Value(std::string_view(text)); }
   void Value(const WideString& text) { Value(WideView(text)); }
   void Value(const char16_t* text) { Value(WideView(text)); }
+  // Of UTF-8; what is none is read as FromUtf8 reads it.
+  void Utf8(std::string_view text);
   // Of pointers, which would become one, there is nothing to be told.
   void Value(std::same_as<bool> auto value) { Put(value ? "true" : "false"); }
   // In the fewest digits that read back as the same; null for what is no number.
@@ -39,7 +43,10 @@ class JsonText {
   // Rounded to so many digits behind the point, six at most.
   void Rounded(double value, int digits);
   template <std::integral Number>
-  requires(!std::same_as<Number, bool>) void Value(Number value) { Put(std::to_string(value)); }
+  requires(!std::same_as<Number, bool>) void Value(Number value) {
+    std::array<char, 24> digits;
+    Put({digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr});
+  }
   void Null() { Put("null"); }
 
   template <class T>
@@ -65,9 +72,13 @@ class JsonText {
   // A whole value that another writer has made. What may not stand in a page is escaped in it.
   void Made(std::string_view json);
 
+  // So many bytes more are to come.
+  void Expect(std::size_t bytes) { text_.reserve(text_.size() + bytes); }
   std::string Take() { return std::move(text_); }
 
  private:
+  bool PutPlain(std::string_view text);
+  bool PutDecimal(double scaled, int digits);
   void Begin(char bracket);
   void End(char bracket);
   void Put(std::string_view token);

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
+#include <numeric>
+#include <span>
 #include <string>
 
 #include "core/entity_cast.h"
@@ -14,6 +17,7 @@
 #include "merge/report/shared/drawn_products.h"
 #include "merge/report/shared/shape_boxes.h"
 #include "merge/report/shared/spatial_tree.h"
+#include "platform/prefetch.h"
 #include "schema/interfaces/product.h"
 
 namespace corvel {
@@ -37,6 +41,10 @@ Role RoleOf(const ClassFacts* facts) {
   return Role::kDrawn;
 }
 
+// Of so many products the objects are asked for before they are needed: they lie anywhere in
+// memory.
+constexpr std::size_t kAtOnce = 32;
+
 class PlaceCollector {
  public:
   PlaceCollector(const IfcDocument& merged, const PlacesWanted& wanted)
@@ -45,11 +53,16 @@ class PlaceCollector {
         metres_(MetresPerLengthUnit(merged.getIfcUnitAssignment())) {}
 
   void Look(const PlacedInput& input) {
-    for (const auto& [product, isKept] : input.products) {
-      if (!isKept) continue;
-      const Role role = roles_.Of(*product, RoleOf);
-      if (role == Role::kStorey) AddStorey(*product, input.input);
-      if (role == Role::kDrawn) AddCandidate(*product, input.input);
+    const std::vector<PlacedProduct>& products = input.products;
+    for (std::size_t begin = 0; begin < products.size(); begin += kAtOnce) {
+      const std::span few(products.data() + begin, std::min(kAtOnce, products.size() - begin));
+      Foresee(few);
+      for (const auto& [product, isKept] : few) {
+        if (!isKept) continue;
+        const Role role = roles_.Of(*product, RoleOf);
+        if (role == Role::kStorey) AddStorey(*product, input.input);
+        if (role == Role::kDrawn) AddCandidate(*product, input.input);
+      }
     }
   }
 
@@ -68,6 +81,68 @@ class PlaceCollector {
     std::uint32_t input = 0;
     std::uint32_t classIndex = 0;
   };
+
+  void Foresee(std::span<const PlacedProduct> products) {
+    foreseen_.clear();
+    for (const PlacedProduct& product : products) PrefetchObject(product.entity);
+    for (const PlacedProduct& product : products) {
+      IFC::IfcEntity* const placement =
+          EntityCast<IFC::VirtualIfcProduct>(product.entity)->getObjectPlacement();
+      if (placement == nullptr) continue;
+      PrefetchObject(placement);
+      foreseen_.push_back(placement);
+    }
+    for (NamedAttribute* const next : {&relative_, &location_}) {
+      for (const IFC::IfcEntity*& at : foreseen_) {
+        at = at == nullptr ? nullptr : next->ReferenceIn(*at);
+        if (at != nullptr) PrefetchObject(at);
+      }
+    }
+    for (const IFC::IfcEntity* const point : foreseen_) {
+      const List<double>* const numbers = point == nullptr ? nullptr : coordinates_.RealsIn(*point);
+      if (numbers != nullptr) platform::PrefetchToRead(numbers->begin());
+    }
+  }
+
+  // The base that all objects share stands behind their attributes.
+  static void PrefetchObject(const IFC::IfcEntity* entity) {
+    constexpr std::uintptr_t kLine = 64;
+    const auto base = reinterpret_cast<std::uintptr_t>(entity);
+    for (const std::uintptr_t line : {base, base - kLine, base - 2 * kLine}) {
+      platform::PrefetchToRead(reinterpret_cast<const void*>(line));
+    }
+  }
+
+  // Down to what shapes consist of.
+  void ForeseeShapes(std::span<const std::size_t> products) {
+    foreseen_.clear();
+    for (const std::size_t product : products) {
+      const IFC::IfcEntity* const shape = shape_.ReferenceIn(*candidates_[product].entity);
+      if (shape == nullptr) continue;
+      PrefetchObject(shape);
+      foreseen_.push_back(shape);
+    }
+    for (NamedAttribute* const next : {&representations_, &items_}) {
+      lists_.clear();
+      for (const IFC::IfcEntity* const at : foreseen_) {
+        const EntityList* const list = next->ReferencesIn(*at);
+        if (list == nullptr || list->size() == 0) continue;
+        platform::PrefetchToRead(list->begin());
+        lists_.push_back(list);
+      }
+      foreseen_.clear();
+      for (const EntityList* const list : lists_) {
+        const IFC::IfcEntity* const first = *list->begin();
+        if (first == nullptr) continue;
+        PrefetchObject(first);
+        foreseen_.push_back(first);
+      }
+    }
+    for (const IFC::IfcEntity* const solid : foreseen_) {
+      const IFC::IfcEntity* const profile = sweptArea_.ReferenceIn(*solid);
+      if (profile != nullptr) PrefetchObject(profile);
+    }
+  }
 
   // Null where it cannot be told.
   const Transform* PlaceOfProduct(IFC::IfcEntity& entity) {
@@ -116,15 +191,36 @@ class PlaceCollector {
       return !isListed;
     });
     places_.products.reserve(candidates_.size());
-    for (const Candidate& candidate : candidates_) places_.products.push_back(PlaceFor(candidate));
-    if (wanted_.boxes == Boxes::kOfAll) {
-      for (std::size_t i = 0; i < candidates_.size(); ++i) AddBox(i);
-    } else {
-      for (const std::size_t i : DrawnProducts(places_)) AddBox(i);
+    constexpr std::size_t kAhead = 8;
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+      if (i + 2 * kAhead < candidates_.size()) PrefetchObject(candidates_[i + 2 * kAhead].entity);
+      if (i + kAhead < candidates_.size()) PrefetchTexts(*candidates_[i + kAhead].entity);
+      places_.products.push_back(PlaceFor(candidates_[i]));
+    }
+    AddBoxes(wanted_.boxes == Boxes::kOfAll ? AllProducts() : DrawnProducts(places_));
+  }
+
+  std::vector<std::size_t> AllProducts() const {
+    std::vector<std::size_t> all(candidates_.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
+  }
+
+  void AddBoxes(std::span<const std::size_t> products) {
+    while (!products.empty()) {
+      const auto few = products.first(std::min(kAtOnce, products.size()));
+      ForeseeShapes(few);
+      for (const std::size_t i : few) places_.products[i].box = BoxOf(candidates_[i]);
+      products = products.subspan(few.size());
     }
   }
 
-  void AddBox(std::size_t index) { places_.products[index].box = BoxOf(candidates_[index]); }
+  void PrefetchTexts(IFC::IfcEntity& entity) {
+    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
+    if (root != nullptr) platform::PrefetchToRead(root->getGlobalId());
+    const auto* const name = name_.ValueIn<ModelText>(entity);
+    if (name != nullptr && name->IsPlain()) platform::PrefetchToRead(name->Plain().data());
+  }
 
   ProductPlace PlaceFor(const Candidate& candidate) {
     const auto* const root = EntityCast<IFC::VirtualIfcRoot>(candidate.entity);
@@ -190,6 +286,14 @@ class PlaceCollector {
   PerClass<std::uint32_t> classes_;  // by index of ModelPlaces::classes
   NamedAttribute name_{"Name"};
   NamedAttribute shape_{"Representation"};
+  NamedAttribute relative_{"RelativePlacement"};
+  NamedAttribute location_{"Location"};
+  NamedAttribute coordinates_{"Coordinates"};
+  NamedAttribute representations_{"Representations"};
+  NamedAttribute items_{"Items"};
+  NamedAttribute sweptArea_{"SweptArea"};
+  std::vector<const EntityList*> lists_;
+  std::vector<const IFC::IfcEntity*> foreseen_;
   std::vector<Candidate> candidates_;
   ModelPlaces places_;
 };

@@ -6,6 +6,7 @@
 #include <map>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "merge/report/shared/drawn_products.h"
@@ -42,36 +43,51 @@ struct Area {
   double Size(std::size_t axis) const { return high[axis] - low[axis]; }
 };
 
-// One product as a drawing shows it, in metres: the corners of a polygon, or a point.
+// Of a polygon, or one point.
+struct Corners {
+  std::array<Point, 4> points{};
+  std::size_t count = 4;
+
+  const Point* begin() const { return points.data(); }
+  const Point* end() const { return points.data() + count; }
+};
+
+// One product as a drawing shows it, in metres.
 struct Outline {
   std::size_t product = 0;
-  std::vector<Point> corners;
+  Corners corners;
   double size = 0;  // of the area that it takes up
 };
 
 enum class View { kPlan, kElevation };
 
-std::vector<Point> Footprint(const ProductBox& box) {
+Corners Footprint(const ProductBox& box) {
   const double angle = box.degrees * std::numbers::pi / 180;
-  const Point along = {std::cos(angle) * box.size[0] / 2, std::sin(angle) * box.size[0] / 2};
-  const Point across = {-std::sin(angle) * box.size[1] / 2, std::cos(angle) * box.size[1] / 2};
-  std::vector<Point> corners;
+  const double cosine = std::cos(angle);
+  const double sine = std::sin(angle);
+  const Point along = {cosine * box.size[0] / 2, sine * box.size[0] / 2};
+  const Point across = {-sine * box.size[1] / 2, cosine * box.size[1] / 2};
+  Corners corners;
+  Point* corner = corners.points.data();
   for (const Point& sign : {Point{-1, -1}, Point{1, -1}, Point{1, 1}, Point{-1, 1}}) {
-    corners.push_back({box.centre[0] + sign[0] * along[0] + sign[1] * across[0],
-                       box.centre[1] + sign[0] * along[1] + sign[1] * across[1]});
+    *corner++ = {box.centre[0] + sign[0] * along[0] + sign[1] * across[0],
+                 box.centre[1] + sign[0] * along[1] + sign[1] * across[1]};
   }
   return corners;
 }
 
-std::vector<Point> OutlineOf(const ProductPlace& product, View view) {
-  if (!product.box) return {{product.origin[0], product.origin[view == View::kPlan ? 1 : 2]}};
-  std::vector<Point> corners = Footprint(*product.box);
+Corners OutlineOf(const ProductPlace& product, View view) {
+  if (!product.box) {
+    return {{Point{product.origin[0], product.origin[view == View::kPlan ? 1 : 2]}}, 1};
+  }
+  const Corners corners = Footprint(*product.box);
   if (view == View::kPlan) return corners;
   Area area;
   for (const Point& corner : corners) area.Add({corner[0], 0});
   const double low = product.box->centre[2] - product.box->size[2] / 2;
   const double high = low + product.box->size[2];
-  return {{area.low[0], low}, {area.high[0], low}, {area.high[0], high}, {area.low[0], high}};
+  return {{Point{area.low[0], low}, Point{area.high[0], low}, Point{area.high[0], high},
+           Point{area.low[0], high}}};
 }
 
 // 1, 2 or 5 and noughts, and not above `most`.
@@ -104,7 +120,7 @@ class Drawing {
         all_.Add(corner);
         reach_[input].Add(corner);
       }
-      outlines_[input].push_back(std::move(outline));
+      outlines_[input].push_back(outline);
     }
     if (view == View::kElevation) {
       for (const StoreyPlace& storey : places_.storeys) all_.Add({all_.low[0], storey.height});
@@ -113,6 +129,10 @@ class Drawing {
   }
 
   void Draw() {
+    constexpr std::size_t kBytesOfOutline = 200;
+    std::size_t count = 0;
+    for (const auto& [input, outlines] : outlines_) count += outlines.size();
+    html_.Expect(count * kBytesOfOutline);
     html_.Raw("<svg class='drawing' viewBox='0 0 ").Number(kWidth, 0).Raw(" ");
     html_.Number(height_, 0).Raw("' role='img'>\n");
     if (view_ == View::kElevation) DrawStoreys();
@@ -170,10 +190,10 @@ class Drawing {
 
   void DrawOutline(const Outline& outline) {
     Area area;
-    std::vector<Point> corners;
-    for (const Point& corner : outline.corners) {
-      corners.push_back(At(corner));
-      area.Add(corners.back());
+    Corners corners = outline.corners;
+    for (std::size_t i = 0; i < corners.count; ++i) {
+      corners.points[i] = At(corners.points[i]);
+      area.Add(corners.points[i]);
     }
     if (area.isEmpty) return;
     if (area.Size(0) < kLeastShape && area.Size(1) < kLeastShape) {
@@ -184,9 +204,9 @@ class Drawing {
       return;
     }
     html_.Raw("<path class='p' d='M");
-    for (std::size_t i = 0; i < corners.size(); ++i) {
+    for (std::size_t i = 0; i < corners.count; ++i) {
       if (i != 0) html_.Raw("L");
-      Put(corners[i]);
+      Put(corners.points[i]);
     }
     html_.Raw("z' data-p='");
     DrawTitle(outline, "path");
@@ -195,10 +215,19 @@ class Drawing {
   void DrawTitle(const Outline& outline, std::string_view element) {
     const ProductPlace& product = places_.products[outline.product];
     html_.Number(static_cast<double>(outline.product), 0).Raw("'><title>");
-    html_.Text(product.name).Raw("\n").Text(product.guid).Raw(" \u00b7 ");
-    html_.Text(places_.classes[product.classIndex].name).Raw(" \u00b7 ");
-    html_.Text(ShortName(inputs_[product.input].path));
+    html_.Text(product.name).Raw("\n").Text(product.guid).Raw(OriginOf(product));
     html_.Raw("</title></").Raw(element).Raw(">\n");
+  }
+
+  // Class and input, of which there are few.
+  const std::string& OriginOf(const ProductPlace& product) {
+    const auto [known, isNew] = origins_.try_emplace({product.classIndex, product.input});
+    if (isNew) {
+      HtmlText html(html_.Texts());
+      html.Raw(" \u00b7 ").Text(places_.classes[product.classIndex].name).Raw(" \u00b7 ");
+      known->second = html.Text(ShortName(inputs_[product.input].path)).Take();
+    }
+    return known->second;
   }
 
   // To the right of those that stand there already, as far as there is room.
@@ -290,6 +319,7 @@ class Drawing {
   double height_ = 0;
   Point offset_{};
   std::vector<Point> labels_;  // of frames
+  std::map<std::pair<std::uint32_t, std::uint32_t>, std::string> origins_;
 };
 
 void AddLegend(const DrawnModels& models, HtmlText& html) {

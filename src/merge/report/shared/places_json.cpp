@@ -46,7 +46,7 @@ void AddProduct(const ProductPlace& product, JsonText& json) {
   json.BeginArray();
   json.Value(product.input);
   json.Value(product.classIndex);
-  json.Value(FromUtf8(product.guid));
+  json.Utf8(product.guid);
   json.Value(product.name);
   for (const double value : product.origin) json.Rounded(value, kLengthDigits);
   if (product.box) {
@@ -63,7 +63,7 @@ void AddTree(const std::vector<SpatialNode>& tree, JsonText& json) {
   json.EachOnALine(tree, [&json](const SpatialNode& node) {
     json.BeginObject();
     json.Member("class", node.className);
-    json.Member("guid", FromUtf8(node.guid));
+    json.Key("guid").Utf8(node.guid);
     json.Member("name", node.name);
     AddNumbers("inputs", node.inputs, json);
     AddNumbers("products", node.products, json);
@@ -88,6 +88,8 @@ void AddPlaces(const ModelPlaces* places, JsonText& json) {
     json.Value(column);
   }
   json.EndArray();
+  constexpr std::size_t kBytesOfProduct = 100;
+  json.Expect(places->products.size() * kBytesOfProduct);
   json.Key("products");
   json.EachOnALine(places->products, [&json](const auto& product) { AddProduct(product, json); });
   json.EndObject();

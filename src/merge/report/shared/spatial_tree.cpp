@@ -1,16 +1,21 @@
 #include "merge/report/shared/spatial_tree.h"
 
 #include <algorithm>
+#include <memory_resource>
 #include <unordered_map>
 
 #include "core/entity_cast.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/marking.h"
+#include "platform/prefetch.h"
 
 namespace corvel {
 
 namespace {
+
+// So many objects are asked for before they are needed.
+constexpr std::ptrdiff_t kAhead = 16;
 
 class TreeCollector {
  public:
@@ -59,9 +64,16 @@ class TreeCollector {
   }
 
   void CollectNodes() {
+    std::size_t count = 0;
+    for (const PlacedInput& input : inputs_) count += input.products.size();
+    owners_.reserve(count);
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
-      for (const PlacedProduct& product : inputs_[i].products) {
-        IFC::IfcEntity* const there = InModel(product.entity);
+      const std::vector<PlacedProduct>& products = inputs_[i].products;
+      for (std::size_t at = 0; at < products.size(); ++at) {
+        if (at + std::size_t{kAhead} < products.size()) {
+          platform::PrefetchToRead(products[at + kAhead].entity);
+        }
+        IFC::IfcEntity* const there = InModel(products[at].entity);
         if (there == nullptr) continue;
         owners_.emplace(there, i);
         if (!IsSpatial(*there)) continue;
@@ -106,7 +118,11 @@ class TreeCollector {
     SpatialNode* const node = NodeOf(relation, "RelatingStructure");
     const EntityList* const elements = ReferencesOf(relation, "RelatedElements");
     if (node == nullptr || elements == nullptr) return;
+    IFC::IfcEntity* const* ahead = elements->begin();
     for (IFC::IfcEntity* const element : *elements) {
+      for (; ahead != elements->end() && ahead - &element < kAhead; ++ahead) {
+        platform::PrefetchToRead(*ahead);
+      }
       const auto owner = owners_.find(InModel(element));
       if (owner != owners_.end()) ++node->products[owner->second];
     }
@@ -133,8 +149,10 @@ class TreeCollector {
   std::vector<SpatialNode> nodes_;
   std::vector<bool> hasParent_;
   std::vector<std::size_t> parents_;
-  std::unordered_map<const IFC::IfcEntity*, std::size_t> index_;   // of nodes
-  std::unordered_map<const IFC::IfcEntity*, std::size_t> owners_;  // position of the input
+  std::unordered_map<const IFC::IfcEntity*, std::size_t> index_;  // of nodes
+  std::pmr::monotonic_buffer_resource memory_;
+  std::pmr::unordered_map<const IFC::IfcEntity*, std::size_t> owners_{
+      &memory_};  // position of the input
 };
 
 }  // namespace
