@@ -37,6 +37,7 @@ struct FederationNote {
   std::initializer_list<Count> counts{};
   std::initializer_list<Lines> lists{};
   const IfcDocument* model = nullptr;  // that it is about; null: all of them
+  bool foundWork = true;               // false: all was as it is wanted
 };
 
 // Called on the thread of the run, in the order of the run, but where it says otherwise. Documents

@@ -105,7 +105,7 @@ void AddUnitName(const WideString& name, HtmlText& html) {
 std::vector<WideString> ConvertedOf(std::size_t input, const RunReport& report) {
   std::vector<WideString> all;
   for (const StepReport& step : report.steps) {
-    if (step.step != "units" || step.input != input) continue;
+    if (step.step != "units" || step.input != input || !step.foundWork) continue;
     for (const auto& [name, lines] : step.lists) all.insert(all.end(), lines.begin(), lines.end());
   }
   return all;

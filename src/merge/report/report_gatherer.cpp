@@ -183,6 +183,7 @@ void ReportGatherer::ModelsAreFolded(const std::vector<IfcDocument*>& documents)
 void ReportGatherer::StepIsDone(const FederationNote& note) {
   StepReport& step = report_.steps.emplace_back();
   step.step = note.step;
+  step.foundWork = note.foundWork;
   for (const auto& [name, count] : note.counts) step.counts.emplace_back(name, count);
   for (const auto& [name, lines] : note.lists) {
     if (!lines->empty()) step.lists.emplace_back(name, *lines);

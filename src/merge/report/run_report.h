@@ -76,6 +76,7 @@ struct StepReport {
   std::vector<std::pair<std::string, std::size_t>> counts;
   std::vector<std::pair<std::string, std::vector<WideString>>> lists;
   std::optional<std::size_t> input{};  // that it is about, by index; nothing: all of them
+  bool foundWork = true;               // false: all was as it is wanted
 };
 
 struct StageReport {

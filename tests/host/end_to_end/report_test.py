@@ -269,6 +269,13 @@ class DryRuns(ReportTest):
         self.assert_adds_up(done)
         self.assert_tells_of(done, 'out.ifc')
 
+    def test_where_units_agree_already_no_page_says_that_they_were_converted(self):
+        self.take(*OFFICE, HOUSE)
+        for models, shown in ((OFFICE, 0), ((OFFICE[0], HOUSE), 1)):
+            ended = self.run_corvel('merge', *models, '--units', 'convert', '--dry-run', '--report', 'dry.html')
+            self.assert_ended(ended, DONE)
+            self.assertEqual(shown, self.read('dry.html').count(b"data-t='conversions'"))
+
     def test_a_dry_run_leaves_nothing_behind_and_tells_each_model(self):
         self.take(*OFFICE)
         before = self.names()

@@ -71,6 +71,17 @@ TEST(ReportPage, TheJsonInItIsThatOfTheReport) {
   EXPECT_EQ(1u, Occurrences(page, "id=\"report\">\n" + ReportAsJson(report) + "</script>"));
 }
 
+TEST(ReportPage, WhatWasConvertedIsShownOfThoseModelsAloneThatNeededIt) {
+  constexpr std::string_view kShown = "data-t='conversions'";
+  const std::vector<WideString> lines = {u"all about the units"};
+  RunReport report = FullReport();
+  EXPECT_EQ(0u, Occurrences(ReportAsPage(report, "en"), kShown));
+  report.steps.push_back({"units", {{"copies", 0}}, {{"converted", lines}}, 1});
+  EXPECT_EQ(1u, Occurrences(ReportAsPage(report, "en"), kShown));
+  report.steps.back().foundWork = false;
+  EXPECT_EQ(0u, Occurrences(ReportAsPage(report, "en"), kShown));
+}
+
 TEST(ReportPage, FailuresComeFirst) {
   const std::string page = ReportAsPage(FullReport(), "en");
   EXPECT_LT(page.find("id='failures'"), page.find("data-t='inputs'"));

@@ -209,7 +209,8 @@ bool ConvertUnitsOfRun(std::vector<RunModel>& models, ProgressCallback progress,
     const std::vector<WideString> lines = LinesOf(result, path);
     LogAll(lines);
     if (observer == nullptr) continue;
-    observer->StepIsDone({"units", {{"copies", result.copies}}, {{"converted", &lines}}, &later});
+    observer->StepIsDone(
+        {"units", {{"copies", result.copies}}, {{"converted", &lines}}, &later, result.differs});
   }
   return true;
 }
