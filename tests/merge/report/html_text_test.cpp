@@ -30,6 +30,20 @@ TEST(HtmlText, CountsAreInGroupsOfThree) {
   EXPECT_EQ("1\u202F000\u202F000", HtmlText(kEnglish).Count(1000000).Take());
 }
 
+TEST(HtmlText, NumbersAreRoundedAndZeroHasNoSign) {
+  const auto shown = [](double value, int digits) {
+    return HtmlText(kEnglish).Number(value, digits).Take();
+  };
+  EXPECT_EQ("2.35", shown(2.345678, 2));
+  EXPECT_EQ("-0.01", shown(-0.009, 2));
+  EXPECT_EQ("0.00", shown(-0.004, 2));
+  EXPECT_EQ("0.00", shown(-0.0, 2));
+  EXPECT_EQ("0", shown(-0.4, 0));
+  EXPECT_EQ("0.0", shown(-0.04, 1));
+  EXPECT_EQ("-0.1", shown(-0.06, 1));
+  EXPECT_EQ("-1000000.5", shown(-1000000.5, 1));
+}
+
 TEST(HtmlText, AWordNamesItsKeySoThatItsLanguageCanChange) {
   EXPECT_EQ("<h2 data-t='inputs' class='x'>Inputs</h2>",
             HtmlText(kEnglish).Word("h2", "inputs", " class='x'").Take());

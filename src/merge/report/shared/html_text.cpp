@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <string_view>
 
 #include "platform/file.h"
 
@@ -104,9 +105,13 @@ HtmlText& HtmlText::Number(double value, int digits) {
     return *this;
   }
   std::array<char, 400> text{};
-  const auto written = std::to_chars(text.data(), text.data() + text.size(), value + 0.0,
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
                                      std::chars_format::fixed, digits);
-  return Raw({text.data(), written.ptr});
+  std::string_view shown(text.data(), written.ptr);
+  // A little below zero is shown without its sign.
+  const bool isZero = shown.find_first_not_of("-0.") == std::string_view::npos;
+  if (isZero && shown.starts_with('-')) shown.remove_prefix(1);
+  return Raw(shown);
 }
 
 WideString ShortName(const WideString& path) {
