@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/check/report/places_of_model.h"
+#include "host/check/rules.h"
 
 namespace corvel::host {
 
@@ -168,6 +169,37 @@ TEST(CheckPage, EveryTextOfItIsThereInEachLanguage) {
   }
   EXPECT_NE(std::string::npos,
             CheckReportAsPage(ReportOfAll(), "de").find("<h2 data-t='findings'>Befunde</h2>"));
+}
+
+TEST(CheckPage, EachRuleHasATitleInEachLanguage) {
+  CheckReport report = ReportOfAll();
+  report.models.resize(1);
+  report.models[0].findings.clear();
+  for (const Rule& rule : Rules()) {
+    report.models[0].findings.push_back(FindingWith(rule.id, "IfcWall", {}));
+  }
+  const auto english = WordsIn(CheckReportAsPage(report, "en"));
+  for (const char* const language : {"de", "fr", "es", "pl"}) {
+    const auto words = WordsIn(CheckReportAsPage(report, language));
+    for (const Rule& rule : Rules()) {
+      const std::string key = "rule." + std::string(rule.name);
+      ASSERT_EQ(1u, words.count(key)) << key;
+      EXPECT_NE(english.at(key), words.at(key)) << language << ' ' << key;
+    }
+  }
+}
+
+TEST(CheckPage, NoTitleIsOfARuleThatIsGone) {
+  const std::string page = CheckReportAsPage(ReportOfAll(), "en");
+  const std::string_view before = "\"rule.";
+  std::size_t titles = 0;
+  for (std::size_t at = page.find(before); at != std::string::npos;
+       at = page.find(before, at + 1), ++titles) {
+    const std::size_t begin = at + before.size();
+    const std::string name = page.substr(begin, page.find('"', begin) - begin);
+    EXPECT_NE(nullptr, FindRule(name)) << name;
+  }
+  EXPECT_EQ(5 * kRules, titles);  // what the script of the page knows
 }
 
 TEST(CheckPage, OfARuleThatIsBrokenByVeryManyClassesItShowsTheFirst) {
