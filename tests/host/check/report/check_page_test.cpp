@@ -174,6 +174,7 @@ TEST(CheckPage, EveryTextOfItIsThereInEachLanguage) {
 TEST(CheckPage, EachRuleHasATitleInEachLanguage) {
   CheckReport report = ReportOfAll();
   report.models.resize(1);
+  report.between.clear();
   report.models[0].findings.clear();
   for (const Rule& rule : Rules()) {
     report.models[0].findings.push_back(FindingWith(rule.id, "IfcWall", {}));
