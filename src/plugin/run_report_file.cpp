@@ -21,12 +21,18 @@ WideString PathBeside(WideString log) {
 
 ReportsHeard::ReportsHeard(ReportGatherer* gatherer) {
   if (gatherer == nullptr) return;
-  SetReportEar([gatherer](const WideString& text, int mode) {
+  // What is collected is one report with what is shown at its end, as it is in a box.
+  SetReportEar([gatherer, isOpen = false](const WideString& text, int mode) mutable {
     if (mode == kReportLog) {
-      gatherer->AddMessage(text);
-    } else {
+      if (!text.empty()) gatherer->AddMessage(text);
+      return;
+    }
+    if (isOpen) {
+      gatherer->ContinueFailure(text);
+    } else if (!text.empty()) {
       gatherer->AddFailure(text);
     }
+    isOpen = mode == kReportCollect && (isOpen || !text.empty());
   });
 }
 

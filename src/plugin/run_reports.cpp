@@ -58,7 +58,7 @@ int ShowError(const char* key, const WideString& message, int mode) {
   WideString text = *key == '\0' ? WideString() : GetText(key) + u" ";
   text += message;
   LogPastMuting(text);
-  if (TheEar() && !text.empty()) TheEar()(text, mode);
+  if (TheEar()) TheEar()(text, mode);
   IfcLog::Instance().KeepFile();
   if (mode == kReportCollect) {
     reports.pending += text;

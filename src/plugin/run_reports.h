@@ -12,8 +12,9 @@ namespace corvel::plugin {
 // where the log lies; no box when there is no text at all. Gives 0.
 int ShowError(const char* key, const WideString& message, int mode);
 
-// Who else hears each report: its whole text, and the mode. May be empty; what hears is not to
-// report. Gives the one before.
+// Who else hears each report: its whole text, and the mode. The text is empty where what was
+// collected is shown without another word. May be empty; what hears is not to report. Gives the one
+// before.
 using ReportEar = std::function<void(const WideString& text, int mode)>;
 ReportEar SetReportEar(ReportEar ear);
 

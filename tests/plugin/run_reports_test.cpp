@@ -5,6 +5,7 @@
 #include "core/cancellation.h"
 #include "core/reporting.h"
 #include "plugin/progress_window.h"
+#include "plugin/run_report_file.h"
 #include "recorded_host.h"
 #include "step/log/ifc_log.h"
 #include "support/temporary_folder.h"
@@ -191,6 +192,25 @@ TEST_F(ReportTest, ANewRunForgetsReportsPendingTextsAndCancels) {
   EXPECT_EQ(CancelMode::kAsk, Cancellation::OfProcess().mode);
   ShowError("", u"new", kReportShow);
   EXPECT_EQ((std::vector<std::string>{BoxWith("new")}), host.calls);
+}
+
+TEST_F(ReportTest, WhatABoxShowsAtOnceIsOneFailureOfAReport) {
+  ReportGatherer gatherer("merge");
+  {
+    const ReportsHeard heard(&gatherer);
+    ShowError("", u"alone", kReportShow);
+    ShowError("", u"first, ", kReportCollect);
+    ShowError("", u"by the way", kReportLog);
+    ShowError("", u"last", kReportCollect);
+    ShowError("", {}, kReportShow);
+    ShowError("", u"in front, ", kReportCollect);
+    ShowError("", u"behind", kReportShow);
+    ShowError("", u"alone again", kReportShow);
+  }
+  EXPECT_EQ(
+      (std::vector<WideString>{u"alone", u"first, last", u"in front, behind", u"alone again"}),
+      gatherer.Report().failures);
+  EXPECT_EQ((std::vector<WideString>{u"by the way"}), gatherer.Report().messages);
 }
 
 TEST(ReportWithoutTexts, IsShownAllTheSame) {

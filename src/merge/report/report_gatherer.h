@@ -22,6 +22,8 @@ class ReportGatherer final : public RunObserver {
 
   // What others have to tell. Its text is told as it is.
   void AddFailure(WideView text) { report_.failures.push_back(WithShownPaths(text)); }
+  // The last failure goes on. There is one.
+  void ContinueFailure(WideView text) { report_.failures.back() += WithShownPaths(text); }
   void AddMessage(WideView text) { report_.messages.push_back(WithShownPaths(text)); }
   void SetDryRun(bool isDryRun) { report_.isDryRun = isDryRun; }
   // Before RunEnds, which looks how large the file is.

@@ -130,7 +130,11 @@ class Sums(ReportTest):
                          house['unitDifferences'])
         self.assertEqual(house['records']['in'], house['records']['leftOut'])
         self.assertEqual({'modelLeftOut': house['products']['in']}, house['products']['dropped'])
-        self.assertIn('Projects that will not be merged', ''.join(report['failures']))
+        # What is shown at once is one failure, from its first word to its last.
+        failure, = report['failures']
+        self.assertTrue(failure.startswith('Not all projects can be merged with'), failure)
+        self.assertIn('Projects that will not be merged', failure)
+        self.assertIn(OFFICE[1], failure.splitlines()[-1])
 
     def test_one_building_of_two_copies_joins_what_both_have(self):
         self.take(HOUSE)
