@@ -4,6 +4,7 @@
 #include <map>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "merge/report/page_sections.h"
@@ -12,16 +13,16 @@ namespace corvel {
 
 namespace {
 
-constexpr double kWidth = 760;
-constexpr double kLeft = 190;   // the right side of the inputs' bars
-constexpr double kRight = 560;  // the left side of the others'
-constexpr double kBar = 10;
+// Across, the drawing is as wide as the page leaves it, of which these are hundredths. Down, these
+// are pixels, so that the names beside it stay as large as the page's own text at any width.
+constexpr double kWidth = 100;
+constexpr double kBar = 1.8;
 constexpr double kHeight = 340;  // of all products together
 constexpr double kGap = 8;
 constexpr double kLeastHeight = 12;  // of an end, so that its name has room
 constexpr std::size_t kMostInputs = 12;
 constexpr std::size_t kMostClasses = 12;
-constexpr std::size_t kLongestName = 22;
+constexpr std::size_t kLongestName = 30;
 
 WideString Shortened(const WideString& name) {
   if (name.size() <= kLongestName) return name;
@@ -53,17 +54,24 @@ class Flow {
     height_ = std::max(left, right);
   }
 
-  bool IsEmpty() const { return total_ == 0; }
+  // Where nothing came to the result there is nothing to see.
+  bool IsEmpty() const { return total_ == 0 || right_.back().count == total_; }
 
+  // Names are no part of the picture: where it is narrow they stay readable, and those of the
+  // inputs go above it.
   void Draw(HtmlText& html) {
-    html.Raw("<svg class='flows' viewBox='0 0 ").Number(kWidth, 0).Raw(" ");
-    html.Number(height_ + kGap, 0).Raw("' role='img'>\n");
+    html.Raw("<div class='flows' style='--h:").Number(height_, 0).Raw("px'>\n");
+    AddNames(left_, "from", html);
+    html.Raw("<svg viewBox='0 0 ").Number(kWidth, 0).Raw(" ").Number(height_, 0);
+    html.Raw("' preserveAspectRatio='none' role='img'>\n");
     for (std::size_t l = 0; l < left_.size(); ++l) {
       for (std::size_t r = 0; r < right_.size(); ++r) DrawFlow(l, r, html);
     }
     for (const End& end : left_) DrawEnd(end, true, html);
     for (const End& end : right_) DrawEnd(end, false, html);
     html.Raw("</svg>\n");
+    AddNames(right_, "to", html);
+    html.Raw("</div>\n");
   }
 
  private:
@@ -138,9 +146,9 @@ class Flow {
     from.used += thickness;
     to.used += thickness;
     html.Raw("<path class='flow ").Raw(ColourOf(from.input)).Raw("' d='M");
-    Curve(kLeft, y0, kRight, y1, html);
-    html.Raw("L").Number(kRight, 1).Raw(" ").Number(y1 + thickness, 1).Raw("L");
-    Curve(kRight, y1 + thickness, kLeft, y0 + thickness, html);
+    Curve(kBar, y0, kWidth - kBar, y1, html);
+    html.Raw("L").Number(kWidth - kBar, 1).Raw(" ").Number(y1 + thickness, 1).Raw("L");
+    Curve(kWidth - kBar, y1 + thickness, kBar, y0 + thickness, html);
     html.Raw("z'><title>").Text(from.name).Raw(" \u2192 ");
     if (to.key.empty()) {
       html.Text(to.name);
@@ -162,18 +170,26 @@ class Flow {
     if (end.count == 0) return;
     html.Raw("<rect class='end ");
     html.Raw(isLeft ? ColourOf(end.input) : std::string("none")).Raw("' x='");
-    html.Number(isLeft ? kLeft - kBar : kRight, 1).Raw("' y='").Number(end.top, 1);
-    html.Raw("' width='").Number(kBar, 0).Raw("' height='");
-    html.Number(std::max(end.height, 1.0), 1).Raw("'></rect>");
-    html.Raw("<text x='").Number(isLeft ? kLeft - kBar - 6 : kRight + kBar + 6, 0);
-    html.Raw("' y='").Number(end.top + end.height / 2 + 4, 1);
-    html.Raw(isLeft ? "' text-anchor='end'>" : "'>");
-    if (end.key.empty()) {
-      html.Raw("<tspan>").Text(Shortened(end.name)).Raw("</tspan>");
-    } else {
-      html.Word("tspan", end.key);
+    html.Number(isLeft ? 0 : kWidth - kBar, 1).Raw("' y='").Number(end.top, 1);
+    html.Raw("' width='").Number(kBar, 1).Raw("' height='");
+    html.Number(std::max(end.height, 1.0), 1).Raw("'></rect>\n");
+  }
+
+  static void AddNames(const std::vector<End>& ends, std::string_view side, HtmlText& html) {
+    html.Raw("<ul class='").Raw(side).Raw("'>\n");
+    for (const End& end : ends) {
+      if (end.count == 0) continue;
+      html.Raw("<li");
+      if (side == "from") html.Raw(" class='").Raw(ColourOf(end.input)).Raw("'");
+      html.Raw(" style='top:").Number(end.top + end.height / 2, 1).Raw("px'>");
+      if (end.key.empty()) {
+        html.Raw("<span title='").Text(end.name).Raw("'>").Name(Shortened(end.name)).Raw("</span>");
+      } else {
+        html.Word(end.key);
+      }
+      html.Raw(" <span class='soft'>").Count(end.count).Raw("</span></li>\n");
     }
-    html.Raw("<tspan class='soft' dx='6'>").Count(end.count).Raw("</tspan></text>\n");
+    html.Raw("</ul>\n");
   }
 
   std::map<std::string, std::size_t> index_;
@@ -190,9 +206,9 @@ class Flow {
 void AddFlow(const RunReport& report, HtmlText& html) {
   Flow flow(report);
   if (flow.IsEmpty()) return;
-  html.Raw("<section>\n").Word("h2", "flow").Raw("\n<figure>\n<div class='wide'>");
+  html.Raw("<section>\n").Word("h2", "flow").Raw("\n<figure>\n");
   flow.Draw(html);
-  html.Raw("</div>\n").Word("figcaption", "flowHint").Raw("</figure>\n</section>\n");
+  html.Word("figcaption", "flowHint").Raw("</figure>\n</section>\n");
 }
 
 }  // namespace corvel

@@ -141,8 +141,27 @@ void AddConverted(std::size_t input, const RunReport& report, HtmlText& html) {
   html.Raw("</details>\n");
 }
 
+// Most offsets are whole numbers, and large ones are to be seen as such.
+void AddMillimetres(double value, HtmlText& html) {
+  constexpr double kMost = 1e15;
+  if (value != std::trunc(value) || std::abs(value) >= kMost) {
+    html.Number(value, 1);
+    return;
+  }
+  if (value < 0) html.Raw("-");
+  html.Count(static_cast<std::size_t>(std::abs(value)));
+}
+
+void AddSize(double bytes, HtmlText& html) {
+  constexpr double kKilobyte = 1e3;
+  if (bytes < kMegabyte) {
+    html.Number(bytes / kKilobyte, 1).Raw("\u00a0kB");
+  } else {
+    html.Number(bytes / kMegabyte, 1).Raw("\u00a0MB");
+  }
+}
+
 void AddFacts(const InputReport& input, const RunReport& report, HtmlText& html) {
-  constexpr int kMillimetreDigits = 1;
   html.Raw("<dl class='facts'>\n<div>").Word("dt", "schema").Raw("<dd>");
   html.Text(input.schema).Raw("</dd></div>\n<div>").Word("dt", "lengthUnit").Raw("<dd>");
   AddLengthUnit(input, report, html);
@@ -152,11 +171,12 @@ void AddFacts(const InputReport& input, const RunReport& report, HtmlText& html)
   } else {
     for (std::size_t i = 0; i < input.offsetMm.size(); ++i) {
       if (i != 0) html.Raw(" \u00b7 ");
-      html.Number(input.offsetMm[i], kMillimetreDigits);
+      AddMillimetres(input.offsetMm[i], html);
     }
   }
   html.Raw("</dd></div>\n<div>").Word("dt", "size").Raw("<dd>");
-  html.Number(static_cast<double>(input.bytes) / kMegabyte, 2).Raw(" MB</dd></div>\n</dl>\n");
+  AddSize(static_cast<double>(input.bytes), html);
+  html.Raw("</dd></div>\n</dl>\n");
 }
 
 void AddBar(const ProductTally& tally, HtmlText& html) {

@@ -88,6 +88,38 @@ TEST(ReportPage, FailuresComeFirst) {
   EXPECT_LT(page.find("id='failures'"), page.find("class='chip"));
 }
 
+TEST(ReportPage, AFlowIsDrawnWhereSomethingCameToTheResultAlone) {
+  RunReport report = FullReport();
+  const std::string page = ReportAsPage(report, "en");
+  EXPECT_EQ(1u, Occurrences(page, "<div class='flows'"));
+  EXPECT_LT(0u, Occurrences(page, "<path class='flow"));
+  for (InputReport& input : report.inputs) {
+    for (ClassTally& tally : input.classes) tally.products.kept = 0;
+  }
+  EXPECT_EQ(0u, Occurrences(ReportAsPage(report, "en"), "<div class='flows'"));
+}
+
+// Beside the drawing or above it, they are as large as other text however narrow the page is.
+TEST(ReportPage, NamesOfAFlowAreTextsOfThePageAndNotOfTheDrawing) {
+  const std::string page = ReportAsPage(FullReport(), "en");
+  const std::size_t begin = page.find("<div class='flows'");
+  const std::string flows = page.substr(begin, page.find("</div>", begin) - begin);
+  EXPECT_EQ(0u, Occurrences(flows, "<text"));
+  EXPECT_EQ(1u, Occurrences(flows, "<ul class='from'>"));
+  EXPECT_EQ(1u, Occurrences(flows, "<ul class='to'>"));
+  EXPECT_EQ(Occurrences(flows, "<rect class='end"), Occurrences(flows, "<li"));
+  EXPECT_LT(flows.find("</svg>"), flows.find(">IfcWall<"));
+}
+
+TEST(ReportPage, OffsetsAndSizesAreToldInWholeAndInGroups) {
+  RunReport report = FullReport();
+  report.inputs[0].offsetMm = {-1000000, 0, 0.5};
+  report.inputs[0].bytes = 123456;
+  const std::string page = ReportAsPage(report, "en");
+  EXPECT_EQ(1u, Occurrences(page, "<dd>-1\u202F000\u202F000 \u00B7 0 \u00B7 0.5</dd>"));
+  EXPECT_EQ(1u, Occurrences(page, "<dd>123.5\u00A0kB</dd>"));
+}
+
 TEST(ReportPage, EveryTextOfThePageIsThereInEachLanguage) {
   std::set<std::string> keys;
   const std::string page = ReportAsPage(FullReport(), "en");
