@@ -155,10 +155,10 @@ def main():
         metric, imperial = [*inputs, 'office_services.ifc'], [*inputs, 'office_services_in_feet.ifc']
         office = report(folder, 'office', metric, '--one-building', '--hide', '1:IfcDoor')
         picture('disciplines', office, 1280, 3500)
-        picture('narrow', office, 400, 2900)
-        picture('dark', office, 1280, 950, dark=True)
+        picture('narrow', office, 400, 2950)
+        picture('dark', office, 1280, 1580, dark=True)
         far = report(folder, 'far', metric, '--offset', '2=1000000,0,0')
-        picture('far_away', drawings_of(far), 1280, 560)
+        picture('far_away', drawings_of(far), 1280, 700)
         with open(os.path.join(folder, inputs[1]), encoding='ascii') as file:
             structure = file.read()
         with open(os.path.join(folder, 'office_structure_spoilt.ifc'), 'w', encoding='ascii', newline='\n') as file:
@@ -166,7 +166,7 @@ def main():
         checked = check_report(folder, 'checked', [inputs[0], 'office_structure_spoilt.ifc'])
         picture('check', checked, 1280, 1500)
         feet = report(folder, 'feet', imperial)
-        picture('feet', drawings_of(feet), 1280, 1150)
+        picture('feet', drawings_of(feet), 1280, 1830)
 
 
 if __name__ == '__main__':

@@ -187,7 +187,7 @@ void AddBar(const ProductTally& tally, HtmlText& html) {
 }
 
 void AddRecords(const RecordTally& tally, HtmlText& html) {
-  html.Raw("<p>").Word("records").Raw(": ").Count(tally.in).Raw(" \u2192 ").Count(tally.kept);
+  html.Raw("<p>").Word("records").Colon().Count(tally.in).Raw(" \u2192 ").Count(tally.kept);
   const auto add = [&html](std::size_t count, std::string_view key) {
     if (count != 0) html.Raw(", ").Count(count).Raw(" ").Word(key);
   };
@@ -223,7 +223,7 @@ void AddInput(std::size_t index, const RunReport& report, HtmlText& html) {
   if (!input.takesPart) AddWhy(input, html);
   AddUnitDifferences(input, html);
   AddFacts(input, report, html);
-  html.Raw("<p>").Word("products").Raw(": ").Count(input.products.in).Raw(" \u2192 ");
+  html.Raw("<p>").Word("products").Colon().Count(input.products.in).Raw(" \u2192 ");
   html.Count(input.products.kept);
   if (input.products.kept != input.products.in) html.Raw(", ");
   AddReasons(input.products, html);
@@ -276,16 +276,24 @@ void AddMessages(const RunReport& report, HtmlText& html) {
 
 void AddSteps(const RunReport& report, HtmlText& html) {
   if (report.steps.empty()) return;
-  html.Raw("<section>\n").Word("h2", "steps").Raw("\n<div class='wide'><table>\n<tr>");
+  html.Raw("<section>\n")
+      .Word("h2", "steps")
+      .Raw("\n<div class='wide'><table class='steps'>\n<tr>");
   html.Word("th", "step").Word("th", "counts", " style='text-align:left'").Raw("</tr>\n");
   for (const StepReport& step : report.steps) {
-    html.Raw("<tr><td>").Text(step.step).Raw("</td><td class='name'>");
+    const std::string did = "did." + step.step + ".";
+    html.Raw("<tr><td>").Word("step." + step.step);
+    if (step.input) {
+      html.Raw(" <span class='soft'>").Name(ShortName(report.inputs[*step.input].path));
+      html.Raw("</span>");
+    }
+    html.Raw("</td><td class='name'>");
     for (std::size_t i = 0; i < step.counts.size(); ++i) {
-      if (i != 0) html.Raw(", ");
-      html.Text(step.counts[i].first).Raw(" ").Count(step.counts[i].second);
+      if (i != 0) html.Raw(" \u00b7 ");
+      html.Word(did + step.counts[i].first).Colon().Count(step.counts[i].second);
     }
     for (const auto& [name, lines] : step.lists) {
-      html.Raw("<details><summary>").Text(name).Raw(" (").Count(lines.size());
+      html.Raw("<details><summary>").Word(did + name).Raw(" (").Count(lines.size());
       html.Raw(")</summary>\n");
       AddTexts(lines, html);
       html.Raw("</details>");

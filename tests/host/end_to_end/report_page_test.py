@@ -78,6 +78,20 @@ class Page(CorvelTest):
         self.assertRegex(page, r"<label id=\"languages\" hidden>")
         self.assertEqual(2 * (len(HOSTILE) + 1), page.count("class='p'"))
 
+    def test_each_word_of_a_federation_is_there_in_each_language(self):
+        self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--report', 'r.html',
+                                          '--one-building'), DONE)
+        page = self.read('r.html').decode('utf-8')
+        found = re.search(r'<script type="application/json" id="texts">\n(.*?)</script>', page, re.DOTALL)
+        texts = json.loads(found[1])
+        words = set(re.findall(r"data-t='([^']+)'", page))
+        for step in ('units', 'place', 'contexts', 'tree', 'objects', 'mend', 'relations', 'guids', 'prune', 'share',
+                     'stamp'):
+            self.assertIn('step.' + step, words)
+        self.assertEqual(5, len(texts))
+        for language, own in texts.items():
+            self.assertEqual(set(), words - own['texts'].keys(), language)
+
     def test_a_run_that_failed_has_its_failure_first(self):
         self.write('b.ifc', project('#2=IFCNOSUCHCLASS();'))
         self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--report', 'r.html'),

@@ -110,7 +110,7 @@ void AddExtent(const Extent& extent, HtmlText& html) {
     }
   }
   if (extent.nowhere != 0) {
-    html.Raw("<br>").Word("withoutPlace").Raw(": ").Count(extent.nowhere);
+    html.Raw("<br>").Word("withoutPlace").Colon().Count(extent.nowhere);
   }
   EndFact(html);
 }
@@ -200,7 +200,7 @@ void AddStatus(const CheckReport& report, HtmlText& html) {
   }
   html.Raw("</p>\n");
   if (report.against.empty()) return;
-  html.Raw("<p>").Word("against").Raw(": ");
+  html.Raw("<p>").Word("against").Colon();
   for (std::size_t i = 0; i < report.against.size(); ++i) {
     if (i != 0) html.Raw(", ");
     html.Name(report.against[i]);

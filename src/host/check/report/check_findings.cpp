@@ -48,7 +48,7 @@ void AddState(const Told& told, HtmlText& html) {
   } else if (told.isNew == told.finding->count) {
     html.Raw(" ").Word("span", "new", " class='chip bad'");
   } else {
-    html.Raw(" <span class='chip bad'>").Word("new").Raw(": ").Count(told.isNew).Raw("</span>");
+    html.Raw(" <span class='chip bad'>").Word("new").Colon().Count(told.isNew).Raw("</span>");
   }
 }
 
@@ -108,7 +108,7 @@ void AddRules(std::vector<Told> told, HtmlText& html) {
 void AddCountChip(std::uint64_t count, std::string_view key, std::string_view colour,
                   HtmlText& html) {
   if (count == 0) return;
-  html.Raw(" <span class='chip ").Raw(colour).Raw("'>").Word(key).Raw(": ");
+  html.Raw(" <span class='chip ").Raw(colour).Raw("'>").Word(key).Colon();
   html.Count(count).Raw("</span>");
 }
 

@@ -28,6 +28,8 @@ class HtmlText {
   // A text of the page in an element, so that the page can change its language.
   HtmlText& Word(std::string_view element, std::string_view key, std::string_view attributes = {});
   HtmlText& Word(std::string_view key) { return Word("span", key); }
+  // A colon and a blank, as behind a word of the page.
+  HtmlText& Colon() { return Word("colon").Raw(" "); }
   // 1 234 567
   HtmlText& Count(std::size_t count);
   // With so many digits behind the point.

@@ -26,6 +26,7 @@ constexpr double kMostHeight = 640;
 constexpr double kDot = 1.8;         // radius of a product without a box
 constexpr double kLeastShape = 1.5;  // what is smaller is drawn as a dot
 constexpr double kLeastLabels = 13;  // from one storey's name to the next
+constexpr double kLeastLarge = 20;   // likewise on a narrow page, where texts are drawn larger
 
 struct Area {
   Point low{};
@@ -261,6 +262,7 @@ class Drawing {
 
   void DrawStoreys() {
     double lastLabel = height_ + kLeastLabels;
+    double lastLarge = height_ + kLeastLarge;
     for (const StoreyPlace& storey : places_.storeys) {
       const double y = At({0, storey.height})[1];
       html_.Raw("<line class='level' x1='").Number(kMargin / 2, 0).Raw("' x2='");
@@ -270,10 +272,13 @@ class Drawing {
       html_.Text(ShortName(inputs_[storey.input].path)).Raw("</title></line>\n");
       if (lastLabel - y < kLeastLabels) continue;
       lastLabel = y;
+      const bool isClose = lastLarge - y < kLeastLarge;
+      if (!isClose) lastLarge = y;
       constexpr std::size_t kLongestName = 14;
       WideString name = storey.name;
       if (name.size() > kLongestName) name = name.substr(0, kLongestName - 1) + u"\u2026";
-      html_.Raw("<text class='soft' x='").Number(kWidth - kStoreyColumn + 4, 0);
+      html_.Raw(isClose ? "<text class='soft close' x='" : "<text class='soft' x='")
+          .Number(kWidth - kStoreyColumn + 4, 0);
       html_.Raw("' y='").Number(y + 4, 1).Raw("'><tspan>").Text(name);
       html_.Raw("</tspan> <tspan>").Number(storey.height, 2).Raw("\u00a0m</tspan></text>\n");
     }
@@ -354,11 +359,11 @@ void AddFigure(const DrawnModels& models, View view, const std::vector<std::size
 void AddCounts(const ModelPlaces& places, std::size_t drawn, HtmlText& html) {
   std::size_t placed = 0;
   for (const ClassOfPlaces& one : places.classes) placed += one.products;
-  html.Raw("<p class='soft'>").Word("drawn").Raw(": ").Count(drawn).Raw(" ").Word("ofAll");
+  html.Raw("<p class='soft'>").Word("drawn").Colon().Count(drawn).Raw(" ").Word("ofAll");
   html.Raw(" ").Count(placed).Raw(". ");
   if (drawn != placed) html.Word("thinned").Raw(" ");
   if (places.withoutPlace != 0) {
-    html.Word("withoutPlace").Raw(": ").Count(places.withoutPlace).Raw(".");
+    html.Word("withoutPlace").Colon().Count(places.withoutPlace).Raw(".");
   }
   html.Raw("</p>\n");
 }
