@@ -20,11 +20,21 @@ _OTHER_NAMES = {'POSITIVELENGTH': 'LENGTH', 'NONNEGATIVELENGTH': 'LENGTH',
 _WITHOUT_UNIT = {'RATIO', 'POSITIVERATIO', 'NORMALISEDRATIO', 'COUNT', 'NUMERIC', 'DESCRIPTIVE',
                  'MONETARY', 'CONTEXTDEPENDENT', 'PH', 'SOUNDPOWERLEVEL', 'SOUNDPRESSURELEVEL',
                  'COMPOUNDPLANEANGLE', 'INTEGERCOUNTRATE'}
-_QUANTITIES = {'IFCQUANTITYLENGTH': 'LENGTH', 'IFCQUANTITYAREA': 'AREA',
-               'IFCQUANTITYVOLUME': 'VOLUME', 'IFCQUANTITYWEIGHT': 'MASS',
-               'IFCQUANTITYTIME': 'TIME'}
-# Enough to tell a number from one that was not converted, and less than texts of 15 digits lose.
-_DIGITS = 11
+QUANTITIES = {'IFCQUANTITYLENGTH': ('LENGTH', 'LengthValue'),
+              'IFCQUANTITYAREA': ('AREA', 'AreaValue'),
+              'IFCQUANTITYVOLUME': ('VOLUME', 'VolumeValue'),
+              'IFCQUANTITYWEIGHT': ('MASS', 'WeightValue'),
+              'IFCQUANTITYTIME': ('TIME', 'TimeValue')}
+# Class -> attributes with values, and the attribute with the unit of each.
+_PROPERTIES = {
+    'IFCPROPERTYSINGLEVALUE': (('NominalValue', 'Unit'),),
+    'IFCPROPERTYBOUNDEDVALUE': (('UpperBoundValue', 'Unit'), ('LowerBoundValue', 'Unit'),
+                                ('SetPointValue', 'Unit')),
+    'IFCPROPERTYLISTVALUE': (('ListValues', 'Unit'),),
+    'IFCPROPERTYTABLEVALUE': (('DefiningValues', 'DefiningUnit'),
+                              ('DefinedValues', 'DefinedUnit')),
+    'IFCPROPERTYENUMERATION': (('EnumerationValues', 'Unit'),),
+    'IFCPROPERTYENUMERATEDVALUE': (('EnumerationValues', None),)}
 
 
 def unit_of(measure):
@@ -81,21 +91,33 @@ class Model:
             factor, offset = 1.0, 0.0
         else:
             factor, offset = self.assigned.get(kind, (1.0, 0.0))
-        return float(f'{value * factor + offset:.{_DIGITS - 1}e}')
+        return value * factor + offset
 
     def values(self):
         """(class, name, measure, value in the SI) of all that has a number, sorted."""
-        found = []
-        for record in self.records.values():
-            if record.name == 'IFCPROPERTYSINGLEVALUE':
-                value = self.get(record, 'NominalValue')
+        return sorted(one for record in self.records.values()
+                      for one in (*self.of_property(record), *self.of_quantity(record)))
+
+    def of_property(self, record):
+        for attribute, unit in _PROPERTIES.get(record.name, ()):
+            values = self.get(record, attribute)
+            for value in values if isinstance(values, list) else [values]:
                 if isinstance(value, Typed) and isinstance(value.arguments[0], float):
-                    found.append((record.name, self.get(record, 'Name'), value.name,
-                                  self.in_si(value.name, value.arguments[0],
-                                             self.get(record, 'Unit'))))
-            elif record.name in _QUANTITIES:
-                kind = _QUANTITIES[record.name]
-                [number] = [one for one in record.arguments if isinstance(one, float)]
-                found.append((record.name, self.get(record, 'Name'), kind,
-                              self.in_si(f'IFC{kind}MEASURE', number, self.get(record, 'Unit'))))
-        return sorted(found)
+                    yield (record.name, self.get(record, 'Name'), value.name,
+                           self.in_si(value.name, value.arguments[0], self.unit_of(record, unit)))
+
+    def of_quantity(self, record):
+        if record.name in QUANTITIES:
+            kind, attribute = QUANTITIES[record.name]
+            yield (record.name, self.get(record, 'Name'), kind,
+                   self.in_si(f'IFC{kind}MEASURE', self.get(record, attribute),
+                              self.get(record, 'Unit')))
+
+    def unit_of(self, record, attribute):
+        """What a property chooses is in the unit of what it is chosen from."""
+        if attribute is not None:
+            return self.get(record, attribute)
+        enumeration = self.get(record, 'EnumerationReference')
+        if not isinstance(enumeration, Reference):
+            return enumeration
+        return self.get(self.records[enumeration.number], 'Unit')
