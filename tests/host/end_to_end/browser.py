@@ -1,5 +1,6 @@
 """A browser without a window, where this machine has one."""
 
+import html
 import os
 import re
 import shutil
@@ -33,6 +34,21 @@ def dom(path, language='en', width=1280, height=1000, picture=None):
     """The page as it is behind its script, and what its console says. Puts a picture of it at `picture`."""
     pictures = [] if picture is None else [f'--screenshot={os.fsdecode(picture)}']
     return _run(url_of(path), '--dump-dom', f'--window-size={width},{height}', *pictures, language=language)
+
+
+def overflow(path, width, language='en'):
+    """How many pixels the page is wider than such a window. No window is as narrow as a telephone: the page is
+    in a frame, where it finds as much room."""
+    with open(path, encoding='utf-8') as file:
+        text = html.escape(file.read())
+    with tempfile.TemporaryDirectory() as folder:
+        around = os.path.join(folder, 'around.html')
+        with open(around, 'w', encoding='utf-8') as file:
+            file.write(f'<!DOCTYPE html><meta charset="utf-8"><iframe width="{width}" height="900" style="border: 0" '
+                       f'srcdoc="{text}" onload="document.body.setAttribute(\'data-wide\', '
+                       'this.contentDocument.documentElement.scrollWidth)"></iframe>')
+        shown, _ = dom(around, language)
+    return int(re.search(r'data-wide="(\d+)"', shown)[1]) - width
 
 
 def screenshot(path, picture, width, height, dark=False):

@@ -70,6 +70,10 @@ class Page(CorvelTest):
     def test_on_a_telephone_a_language_that_there_is_not_becomes_english(self):
         self.assertIn('<h2 data-t="inputs">Inputs</h2>', self.look('it', 400))
 
+    def test_it_fits_on_a_telephone(self):
+        for width, language in ((360, 'de'), (400, 'en')):
+            self.assertEqual(0, browser.overflow(self.path('r.html'), width, language), (width, language))
+
     def test_all_but_the_choice_of_a_language_is_there_without_the_script(self):
         page = re.sub(r'<script.*?</script>', '', self.read('r.html').decode('utf-8'), flags=re.DOTALL)
         text = html.unescape(re.sub(r'<[^>]*>', ' ', page))
@@ -130,8 +134,9 @@ class PageOfACheck(CorvelTest):
         found = re.search(r'<script type="application/json" id="report">\n(.*?)</script>', shown, re.DOTALL)
         self.assertEqual(json.loads(self.read('r.json')), json.loads(found[1]))
 
-    def test_it_fits_on_a_telephone(self):
-        self.assertIn('<h2 data-t="findings">', self.look('en', 400))
+    def test_it_fits_on_a_telephone_and_wider_ones(self):
+        for width, language in ((360, 'pl'), (400, 'de'), (500, 'de')):
+            self.assertEqual(0, browser.overflow(self.path('r.html'), width, language), (width, language))
 
     def test_all_but_the_choice_of_a_language_is_there_without_the_script(self):
         page = re.sub(r'<script.*?</script>', '', self.read('r.html').decode('utf-8'), flags=re.DOTALL)
