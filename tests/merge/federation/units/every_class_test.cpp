@@ -310,11 +310,18 @@ class RealModelInOtherUnits : public UnitRun, public testing::WithParamInterface
     return Take(std::move(document)).document.get();
   }
 };
-INSTANTIATE_TEST_SUITE_P(Models, RealModelInOtherUnits,
-                         testing::Values("duplex/Duplex_A_20110907.ifc",
-                                         "pcert/Building-Architecture.ifc",
-                                         "schependomlaan/IFC-staal.ifc", "single/AC20-FZK-Haus.ifc",
-                                         "single/small_house.ifc"));
+INSTANTIATE_TEST_SUITE_P(
+    Models, RealModelInOtherUnits,
+    testing::Values("duplex/Duplex_A_20110907.ifc", "pcert/Building-Architecture.ifc",
+                    "pcert/Building-Hvac.ifc", "pcert/Building-Structural.ifc",
+                    "rfi/10_-_ACCA_-_RFI_-_Track_-_Benevento_Appia_-_Benevento.ifc",
+                    "rfi/ACCA_-_RFI_-_Signalling.ifc", "schependomlaan/IFC-breedplaatvloeren.ifc",
+                    "schependomlaan/IFC-staal.ifc", "schependomlaan/MULTICOM-balkons.ifc",
+                    "single/3rooms_Heater_AirTerminal_Table_with_SB.ifc",
+                    "single/539--rotated-studs--augmented.ifc", "single/AC20-FZK-Haus.ifc",
+                    "single/BC003_ALX4_reference.ifc", "single/IfcReinforcingBar.ifc",
+                    "single/Vogel_Gesamt.ifc", "single/small_house.ifc",
+                    "single/vectorworks_unicode.ifc", "tekla/TeklaModell.ifc"));
 
 TEST_P(RealModelInOtherUnits, AndBackItIsWhatItWas) {
   IfcDocument* const model = Open();
