@@ -1,7 +1,7 @@
 """Models with a property of each kind for each measure of their release, in units of every kind.
 
-Of two models with other numbers `choice` each unit is of another size, and no two units of one model
-have one size, so that a value that was taken for another measure's is found."""
+Of two models with other numbers `choice` each unit is of another size, and no two units of one
+model have one size, so that a value that was taken for another measure's is found."""
 
 import si_values
 

@@ -13,6 +13,7 @@ import schema_facts
 import si_values
 import step_text
 import validity
+import what_stays
 from program import ModelTest, REAL_MODELS, SAMPLES
 
 _CONVERTED = ('--units', 'convert')
@@ -69,6 +70,14 @@ class Converted(ModelTest):
         self.assertGreater(len(wanted), 5)
         self.assert_same_values(wanted, si_values.Model(merged).values())
 
+    def check_what_stays(self, names):
+        """To the last bit, beside a merge that converts nothing."""
+        exact = ('--numbers', 'exact')
+        told, converted = (
+            what_stays.of_file(step_text.StepFile(self.merge(names, *options, *exact)))
+            for options in (('--ignore-units',), _CONVERTED))
+        self.assertEqual((Counter(), Counter()), (told - converted, converted - told))
+
     def check(self, names):
         self.check_values(names)
         # A merge may break rules of its own: two objects of one GUID, say.
@@ -117,6 +126,14 @@ class Units(Converted):
                 with self.subTest(release=namespace, order=order):
                     self.check_values(order)
 
+    def test_WhatHasNoUnitStaysToTheLastBit(self):
+        for path in program.sample_paths():
+            if not self.need(schema_of(path)):
+                continue
+            with self.subTest(os.path.basename(path)):
+                first = self.write('first.ifc', in_units(path, FOOT, RADIAN))
+                self.check_what_stays([first, self.copy(path)])
+
     def test_WithoutTheOptionNoNumberChanges(self):
         for release in self.need('IFC4'):
             path = sample(f'house_{release}')
@@ -152,6 +169,7 @@ class RealModels(Converted):
         names = [self.copy(name) for name in names]
         for order in (names, names[::-1]):
             self.check_values(order)
+            self.check_what_stays(order)
 
 
 def schema_of(path):
