@@ -253,12 +253,14 @@ class OtherUnits(Boxes):
 @unittest.skipUnless(os.path.isdir(REAL_MODELS), f'no models of other makers in {REAL_MODELS}')
 class RealModels(Boxes):
 
-    def test_AHouseInMetresAndSteelInMillimetres(self):
+    def test_AHouseInFeetAndMetresAndSteelInMillimetres(self):
         names = [self.copy(os.path.join(REAL_MODELS, *path))
                  for path in (('schependomlaan', 'IFC-staal.ifc'),
+                              ('duplex', 'Duplex_Electrical_20121207.ifc'),
                               ('duplex', 'Duplex_A_20110907.ifc'))]
         for turn in (names, names[::-1]):
-            self.check_names(turn, [IN_FIRST_UNITS], by_name, moves=(), tolerance=1e-6)
+            self.check_names(turn, [IN_FIRST_UNITS, ONE_BUILDING], by_name, moves=(),
+                             tolerance=1e-6)
 
     def test_PartsOfOneHouse(self):
         self.check(sorted(glob.glob(os.path.join(REAL_MODELS, 'schependomlaan', '*.ifc'))),
