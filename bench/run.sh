@@ -2,8 +2,8 @@
 # Makes the models, measures reading, writing, merging and marking beside the yardsticks, and prints
 # one table with the targets. Each figure is the median of five runs, in processor time of one thread.
 # Then what 1, 2 and 4 threads gain and cost, what comparing two models costs, what joining them to
-# one building costs, what a report costs, what compression costs, single parts, and how time and
-# memory grow at the corners.
+# one building costs, what writing equal objects once costs, what a report costs, what compression
+# costs, single parts, and how time and memory grow at the corners.
 #   bench/run.sh [SIZE...]      sizes of the models, 25MB 100MB 250MB unless told; 25 is 25MB
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

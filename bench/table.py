@@ -10,6 +10,7 @@ from pathlib import Path
 import diffs
 import one_building
 import reports
+import sharing
 import threads
 from many import COUNTS, SAMPLE, merge_many
 from measure import Failed, ROOT, medians, process, stages, web_ifc_folder
@@ -247,6 +248,7 @@ def main():
     threads.print_rows(build, [group[-1] for group in groups])
     diffs.print_rows(build, [group[-1] for group in groups])
     one_building.print_rows(build, [group[-1] for group in groups])
+    sharing.print_rows(build, [group[-1] for group in groups])
     reports.print_rows(build, [group[-1] for group in groups])
     print_small(build, models)
     print_four(build, models, sizes[-1])
