@@ -5,27 +5,21 @@
 
 Most of what clang-tidy does goes into the headers that a source includes. The texts of sources that
 are compiled alike are therefore put one behind the other, so that all of them are the main file and
-get every check. Sources that have a name of their own in common go into different groups. A group with
-findings, and one that does not compile together all the same, is halved and checked again until each
-source stands alone: only what is found there counts.
+get every check; source_groups.py says which can stand together. A group with findings, and one that
+does not compile together all the same, is halved and checked again until each source stands alone: only
+what is found there counts.
 """
 
 import concurrent.futures
 import json
 import os
 import pathlib
-import re
 import subprocess
 import sys
 import tempfile
 
-GROUP = 10
-# What a namespace without a name defines at the beginning of a line: a type, or the last name before
-# a bracket, a "=" or a "{".
-OWN = re.compile(r"^namespace \{\n(.*?)^\}  // namespace$", re.M | re.S)
-NAMES = re.compile(
-    r"^(?:(?:class|struct|enum class|enum|using) (\w+)|[a-zA-Z][^(={;/]*?(\w+)(?:\[\w*\])? ?[(={])", re.M
-)
+import source_groups
+
 # The analyzer follows the paths of a function to this many places; with its own bound, 225,000, all of
 # clang-tidy takes two to four times as long.
 ANALYZED = 40_000
@@ -46,27 +40,7 @@ def groups_of(sources, commands):
         folder = source.relative_to(pathlib.Path.cwd()).parts[1]
         key = folder, command["command"].split(" -o ")[0]
         alike.setdefault(key, []).append(source)
-    return [group for same in alike.values() for group in without_common_names(same)]
-
-
-def names_of(source):
-    """The names that a source keeps to itself."""
-    own = OWN.findall(source.read_text())
-    return {first or second for text in own for first, second in NAMES.findall(text)}
-
-
-def without_common_names(sources):
-    groups = []  # sources, and the names of all of them
-    for source in sources:
-        names = names_of(source)
-        for group, taken in groups:
-            if len(group) < GROUP and not names & taken:
-                group.append(source)
-                taken |= names
-                break
-        else:
-            groups.append(([source], names))
-    return [group for group, _ in groups]
+    return [group for same in alike.values() for group in source_groups.groups_of(same)]
 
 
 def compiled_together(group, commands, folder):
