@@ -94,7 +94,9 @@ void ProductFates::DropRest(DropReason reason) {
 std::vector<PlacedProduct> ProductFates::Placed() const {
   std::vector<PlacedProduct> placed;
   placed.reserve(products_.size());
-  for (const Product& product : products_) placed.push_back({product.entity, !product.dropped});
+  for (const Product& product : products_) {
+    placed.push_back({product.entity, product.className, !product.dropped});
+  }
   return placed;
 }
 

@@ -21,13 +21,25 @@ TEST(HtmlText, WhatIsNoCharacterIsReplaced) {
 }
 
 TEST(HtmlText, ANameTurnsNothingAroundItself) {
-  EXPECT_EQ("<bdi>\u202ex</bdi>", HtmlText(kEnglish).Name(u"\u202ex").Take());
+  constexpr char16_t kRightToLeftFromHereOn = 0x202E;
+  const WideString name = {kRightToLeftFromHereOn, u'x'};
+  EXPECT_EQ("<bdi>" + ToUtf8(name) + "</bdi>", HtmlText(kEnglish).Name(name).Take());
 }
 
 TEST(HtmlText, CountsAreInGroupsOfThree) {
   EXPECT_EQ("0", HtmlText(kEnglish).Count(0).Take());
   EXPECT_EQ("999", HtmlText(kEnglish).Count(999).Take());
   EXPECT_EQ("1\u202F000\u202F000", HtmlText(kEnglish).Count(1000000).Take());
+}
+
+TEST(HtmlText, WhatHasBeenPutComesOnceMoreAsItStood) {
+  HtmlText html(kEnglish);
+  html.Raw("<b>").Whole(1234567);
+  const std::size_t begin = html.Size();
+  html.Text(u" & ");
+  const std::size_t end = html.Size();
+  html.Raw("</b>").Again(begin, end);
+  EXPECT_EQ("<b>1234567 &amp; </b> &amp; ", html.Take());
 }
 
 TEST(HtmlText, NumbersAreRoundedAndZeroHasNoSign) {
@@ -42,6 +54,9 @@ TEST(HtmlText, NumbersAreRoundedAndZeroHasNoSign) {
   EXPECT_EQ("0.0", shown(-0.04, 1));
   EXPECT_EQ("-0.1", shown(-0.06, 1));
   EXPECT_EQ("-1000000.5", shown(-1000000.5, 1));
+  EXPECT_EQ("12.3", shown(12.34, 1));
+  EXPECT_EQ("-120.0", shown(-120.0, 1));
+  EXPECT_EQ("999999.9", shown(999999.94, 1));
 }
 
 TEST(HtmlText, AWordNamesItsKeySoThatItsLanguageCanChange) {

@@ -82,6 +82,59 @@ TEST(ShapeBoxes, AFacetedBodyIsAsLargeAsItsPoints) {
             {0, -2, 0}, {3, 0, 5});
 }
 
+TEST(ShapeBoxes, ASurfaceModelIsAsLargeAsThePointsOfAllItsShells) {
+  const Shape shells = {{11, "IFCOPENSHELL", "(#13)"},
+                        {12, "IFCCLOSEDSHELL", "(#14)"},
+                        {13, "IFCFACE", "(#15,#16)"},
+                        {14, "IFCFACE", "(#17)"},
+                        {15, "IFCFACEOUTERBOUND", "#18,.T."},
+                        {16, "IFCFACEBOUND", "#19,.T."},
+                        {17, "IFCFACEOUTERBOUND", "#20,.T."},
+                        {18, "IFCPOLYLOOP", "(#21,#22,#22)"},
+                        {19, "IFCVERTEXLOOP", "#24"},
+                        {20, "IFCPOLYLOOP", "(#23,#21,#22)"},
+                        {21, "IFCCARTESIANPOINT", "(0.,0.,0.)"},
+                        {22, "IFCCARTESIANPOINT", "(3.,0.,1.)"},
+                        {23, "IFCCARTESIANPOINT", "(0.,-2.,5.)"},
+                        {24, "IFCVERTEXPOINT", "#25"},
+                        {25, "IFCCARTESIANPOINT", "(9.,0.,0.)"}};
+  ExpectBox(BoxOf(MadeOf(shells, {{10, "IFCSHELLBASEDSURFACEMODEL", "(#11,#12)"}})), {0, -2, 0},
+            {9, 0, 5});
+  ExpectBox(BoxOf(MadeOf(shells, {{10, "IFCFACEBASEDSURFACEMODEL", "(#11)"}})), {0, 0, 0},
+            {9, 0, 1});
+}
+
+TEST(ShapeBoxes, ABodyOfManyFacesIsAsLargeAsAllOfThem) {
+  Shape records = {{10, "IFCFACETEDBREP", "#11"}};
+  std::string faces;
+  for (std::uint32_t i = 0; i < 100; ++i) {
+    const std::uint32_t first = 100 + 10 * i;
+    const auto name = [first](std::uint32_t by) { return "#" + std::to_string(first + by); };
+    const std::string point = "(" + std::to_string(i) + ".,-" + std::to_string(i) + ".,7.)";
+    faces += (i == 0 ? "" : ",") + name(0);
+    records.push_back({first, "IFCFACE", "(" + name(1) + ")"});
+    records.push_back({first + 1, "IFCFACEOUTERBOUND", name(2) + ",.T."});
+    records.push_back(
+        {first + 2, "IFCPOLYLOOP", "(" + name(3) + "," + name(3) + "," + name(3) + ")"});
+    records.push_back({first + 3, "IFCCARTESIANPOINT", point});
+  }
+  records.push_back({11, "IFCCLOSEDSHELL", "(" + faces + ")"});
+  ExpectBox(BoxOf(records), {0, -99, 7}, {99, 0, 7});
+}
+
+TEST(ShapeBoxes, ACurveThatIsAPartOfItselfHasAnEnd) {
+  ExpectBox(BoxOf({{10, "IFCEXTRUDEDAREASOLID", "#11,$,#12,2."},
+                   {11, "IFCARBITRARYCLOSEDPROFILEDEF", ".AREA.,$,#13"},
+                   {12, "IFCDIRECTION", "(0.,0.,1.)"},
+                   {13, "IFCCOMPOSITECURVE", "(#14,#15),.F."},
+                   {14, "IFCCOMPOSITECURVESEGMENT", ".CONTINUOUS.,.T.,#13"},
+                   {15, "IFCCOMPOSITECURVESEGMENT", ".CONTINUOUS.,.T.,#16"},
+                   {16, "IFCPOLYLINE", "(#17,#18)"},
+                   {17, "IFCCARTESIANPOINT", "(1.,1.)"},
+                   {18, "IFCCARTESIANPOINT", "(5.,-7.)"}}),
+            {1, -7, 0}, {5, 1, 2});
+}
+
 TEST(ShapeBoxes, WhatIsMappedIsTurnedStretchedAndMoved) {
   ExpectBox(BoxOf(MadeOf(Moved(kExtrusion, 10, 20),
                          {{10, "IFCMAPPEDITEM", "#30,#34"},

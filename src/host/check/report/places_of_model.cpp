@@ -53,7 +53,8 @@ ModelPlaces PlacesOfModel(const IfcDocument& document, std::uint32_t file,
                           std::size_t mostProducts) {
   PlacedInput input{file};
   for (const auto& [number, entity] : document.mainContainer->entities) {
-    if (EntityCast<IFC::VirtualIfcProduct>(entity) != nullptr) input.products.push_back({entity});
+    if (EntityCast<IFC::VirtualIfcProduct>(entity) == nullptr) continue;
+    input.products.push_back({entity, entity->getClassName()});
   }
   return CollectPlaces(document, {input}, {.most = mostProducts, .boxes = Boxes::kOfAll});
 }

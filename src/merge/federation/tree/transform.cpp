@@ -20,30 +20,9 @@ double LargestOf(const Triple& vector) {
 
 }  // namespace
 
-Triple Plus(const Triple& one, const Triple& other) {
-  return {one[0] + other[0], one[1] + other[1], one[2] + other[2]};
-}
-
-Triple Times(const Triple& vector, double factor) {
-  return {vector[0] * factor, vector[1] * factor, vector[2] * factor};
-}
-
-double Dot(const Triple& one, const Triple& other) {
-  return one[0] * other[0] + one[1] * other[1] + one[2] * other[2];
-}
-
-Triple Cross(const Triple& one, const Triple& other) {
-  return {one[1] * other[2] - one[2] * other[1], one[2] * other[0] - one[0] * other[2],
-          one[0] * other[1] - one[1] * other[0]};
-}
-
 Triple Normalised(const Triple& vector) {
   const double length = std::hypot(vector[0], vector[1], vector[2]);
   return length == 0.0 ? vector : Times(vector, 1.0 / length);
-}
-
-Triple Transform::Turned(const Triple& direction) const {
-  return Plus(Plus(Times(x, direction[0]), Times(y, direction[1])), Times(z, direction[2]));
 }
 
 Transform Transform::Around(const Transform& inner) const {

@@ -7,10 +7,19 @@ namespace corvel {
 
 using Triple = std::array<double, 3>;
 
-Triple Plus(const Triple& one, const Triple& other);
-Triple Times(const Triple& vector, double factor);
-double Dot(const Triple& one, const Triple& other);
-Triple Cross(const Triple& one, const Triple& other);
+inline Triple Plus(const Triple& one, const Triple& other) {
+  return {one[0] + other[0], one[1] + other[1], one[2] + other[2]};
+}
+inline Triple Times(const Triple& vector, double factor) {
+  return {vector[0] * factor, vector[1] * factor, vector[2] * factor};
+}
+inline double Dot(const Triple& one, const Triple& other) {
+  return one[0] * other[0] + one[1] * other[1] + one[2] * other[2];
+}
+inline Triple Cross(const Triple& one, const Triple& other) {
+  return {one[1] * other[2] - one[2] * other[1], one[2] * other[0] - one[0] * other[2],
+          one[0] * other[1] - one[1] * other[0]};
+}
 // A vector without length stays what it is.
 Triple Normalised(const Triple& vector);
 
@@ -22,7 +31,9 @@ struct Transform {
   Triple z{0.0, 0.0, 1.0};
 
   // What a direction or a point of this place is outside of it.
-  Triple Turned(const Triple& direction) const;
+  Triple Turned(const Triple& direction) const {
+    return Plus(Plus(Times(x, direction[0]), Times(y, direction[1])), Times(z, direction[2]));
+  }
   Triple Moved(const Triple& point) const { return Plus(Turned(point), origin); }
   // `inner` stands in this place: the same place as seen from outside.
   Transform Around(const Transform& inner) const;

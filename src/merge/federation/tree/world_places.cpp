@@ -109,6 +109,19 @@ const std::optional<Transform>& WorldPlaces::Of(IFC::IfcEntity& placement) {
   return known_[&placement];
 }
 
+std::optional<Transform> WorldPlaces::OfLeaf(IFC::IfcEntity& placement) {
+  if (!isLocal_.IsTrueOf(placement)) return std::nullopt;
+  auto relative = reader_.Of(relative_.ReferenceIn(placement));
+  IFC::IfcEntity* const outer = outer_.ReferenceIn(placement);
+  if (!relative || outer == nullptr) return relative;
+  if (outer != lastOuter_) {
+    lastOuterPlace_ = &Of(*outer);
+    lastOuter_ = outer;
+  }
+  if (!*lastOuterPlace_) return std::nullopt;
+  return (*lastOuterPlace_)->Around(*relative);
+}
+
 void WorldPlaces::Enter(IFC::IfcEntity& placement) {
   if (!isLocal_.IsTrueOf(placement)) return;
   const auto relative = reader_.Of(relative_.ReferenceIn(placement));

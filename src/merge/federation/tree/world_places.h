@@ -45,6 +45,8 @@ class WorldPlaces {
   // Nothing for a placement on a grid or along a line, for one that stands on such, and for those
   // that go in a circle. `placement` is not null.
   const std::optional<Transform>& Of(IFC::IfcEntity& placement);
+  // The same, and it is not remembered: for those on which hardly anything stands.
+  std::optional<Transform> OfLeaf(IFC::IfcEntity& placement);
 
  private:
   void Enter(IFC::IfcEntity& placement);
@@ -56,6 +58,9 @@ class WorldPlaces {
   std::pmr::monotonic_buffer_resource memory_;  // nothing is forgotten
   std::pmr::unordered_map<const IFC::IfcEntity*, std::optional<Transform>> known_{&memory_};
   std::vector<IFC::IfcEntity*> chain_;
+  // Of leaves, neighbours among which mostly stand on the same.
+  const IFC::IfcEntity* lastOuter_ = nullptr;
+  const std::optional<Transform>* lastOuterPlace_ = nullptr;
 };
 
 }  // namespace corvel

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "merge/report/shared/plain_runs.h"
 #include "platform/file.h"
 
 namespace corvel {
@@ -26,12 +27,15 @@ bool IsForbidden(char16_t unit) {
   return isControl || unit == 0xFFFE || unit == 0xFFFF || IsHighHalf(unit) || IsLowHalf(unit);
 }
 
-// Stands in a page as it is, like most of a text.
-bool IsPlain(char16_t unit) {
-  return (unit >= u'?' && unit < 0x7F) || (unit >= u'(' && unit < u'<');
-}
+constexpr PlainCharacters kPlain("&<>\"'");
 
-void AppendEscaped(char16_t unit, std::string& html) {
+// The first character of a text, which is not plain. Gives how many units it has.
+std::size_t AppendSpecial(WideView text, std::string& html) {
+  const char16_t unit = text.front();
+  if (IsHighHalf(unit) && text.size() > 1 && IsLowHalf(text[1])) {
+    AppendUtf8(text.substr(0, 2), html);
+    return 2;
+  }
   switch (unit) {
     case u'&': html += "&amp;"; break;
     case u'<': html += "&lt;"; break;
@@ -43,28 +47,17 @@ void AppendEscaped(char16_t unit, std::string& html) {
       AppendUtf8(WideView(&shown, 1), html);
     }
   }
+  return 1;
 }
 
 }  // namespace
 
 HtmlText& HtmlText::Text(std::string_view utf8) {
-  const bool isPlain = std::all_of(utf8.begin(), utf8.end(),
-                                   [](char c) { return IsPlain(static_cast<char8_t>(c)); });
-  return isPlain ? Raw(utf8) : Text(WideView(FromUtf8(utf8)));
+  return kPlain.AreAll(utf8) ? Raw(utf8) : Text(WideView(FromUtf8(utf8)));
 }
 
 HtmlText& HtmlText::Text(WideView text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (IsPlain(text[i])) {
-      html_ += static_cast<char>(text[i]);
-      continue;
-    }
-    if (IsHighHalf(text[i]) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
-      AppendUtf8(text.substr(i++, 2), html_);
-    } else {
-      AppendEscaped(text[i], html_);
-    }
-  }
+  kPlain.AppendText(text, html_, AppendSpecial);
   return *this;
 }
 
@@ -76,10 +69,10 @@ HtmlText& HtmlText::Word(std::string_view element, std::string_view key,
   return Text(texts_.Of(key)).Raw("</").Raw(element).Raw(">");
 }
 
-void HtmlText::AppendDigits(long number) {
+HtmlText& HtmlText::Whole(std::size_t number) {
   std::array<char, 24> digits;
-  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  html_.append(digits.data(), written.ptr);
+  return Raw(
+      {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr});
 }
 
 HtmlText& HtmlText::Count(std::size_t count) {
@@ -98,10 +91,18 @@ HtmlText& HtmlText::Number(double value, int digits) {
   if (!std::isfinite(value)) return Raw("0");
   if (digits == 1 && std::abs(value) < kSmall) {
     const long tenths = std::lround(value * 10);
-    if (tenths < 0) html_ += '-';
-    AppendDigits(std::abs(tenths) / 10);
-    html_ += '.';
-    html_ += static_cast<char>('0' + std::abs(tenths) % 10);
+    std::array<char, 24> text;
+    char* const end = text.data() + text.size();
+    char* at = end;
+    auto number = static_cast<unsigned long>(std::abs(tenths));
+    *--at = static_cast<char>('0' + number % 10);
+    *--at = '.';
+    do {
+      number /= 10;
+      *--at = static_cast<char>('0' + number % 10);
+    } while (number >= 10);
+    if (tenths < 0) *--at = '-';
+    html_.append(at, end);
     return *this;
   }
   std::array<char, 400> text{};

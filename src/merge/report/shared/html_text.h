@@ -30,6 +30,8 @@ class HtmlText {
   HtmlText& Word(std::string_view key) { return Word("span", key); }
   // A colon and a blank, as behind a word of the page.
   HtmlText& Colon() { return Word("colon").Raw(" "); }
+  // 1234567
+  HtmlText& Whole(std::size_t number);
   // 1 234 567
   HtmlText& Count(std::size_t count);
   // With so many digits behind the point.
@@ -38,12 +40,17 @@ class HtmlText {
   // So many bytes more are to come.
   void Expect(std::size_t bytes) { html_.reserve(html_.size() + bytes); }
 
+  std::size_t Size() const { return html_.size(); }
+  // What was put between these two sizes, once more.
+  HtmlText& Again(std::size_t begin, std::size_t end) {
+    html_.append(html_, begin, end - begin);
+    return *this;
+  }
+
   const PageTexts& Texts() const { return texts_; }
   std::string Take() { return std::move(html_); }
 
  private:
-  void AppendDigits(long number);
-
   const PageTexts& texts_;
   std::string html_;
 };

@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "merge/report/shared/plain_runs.h"
+
 namespace corvel {
 
 namespace {
@@ -22,22 +24,30 @@ void AppendEscape(char16_t unit, std::string& bytes) {
   for (int shift = 12; shift >= 0; shift -= 4) bytes += kDigits[(unit >> shift) & 0xF];
 }
 
+constexpr PlainCharacters kPlain("\"\\<>&");
+
 bool IsEscaped(char16_t unit) {
   return unit < 0x20 || unit == u'<' || unit == u'>' || unit == u'&' || unit == 0x7F ||
          unit == 0x2028 || unit == 0x2029;
 }
 
-void AppendUnit(char16_t unit, std::string& bytes) {
+// The first character of a text, which is not plain. Gives how many units it has.
+std::size_t AppendSpecial(WideView text, std::string& bytes) {
+  const char16_t unit = text.front();
+  if (IsHighHalf(unit) && text.size() > 1 && IsLowHalf(text[1])) {
+    AppendUtf8(text.substr(0, 2), bytes);
+    return 2;
+  }
   if (unit == u'"' || unit == u'\\') {
     bytes += '\\';
     bytes += static_cast<char>(unit);
   } else if (IsEscaped(unit)) {
     AppendEscape(unit, bytes);
-  } else if (unit < 0x80) {
-    bytes += static_cast<char>(unit);
   } else {
-    AppendUtf8(WideView(&unit, 1), bytes);
+    const char16_t shown = IsHighHalf(unit) || IsLowHalf(unit) ? kReplacement : unit;
+    AppendUtf8(WideView(&shown, 1), bytes);
   }
+  return 1;
 }
 
 }  // namespace
@@ -75,10 +85,7 @@ JsonText& JsonText::Key(std::string_view key) {
 
 // False where something of the text has to be looked at.
 bool JsonText::PutPlain(std::string_view text) {
-  const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) {
-    return c >= ' ' && c < '\x7F' && c != '"' && c != '\\' && c != '<' && c != '>' && c != '&';
-  });
-  if (!isPlain) return false;
+  if (!kPlain.AreAll(text)) return false;
   BeforeToken();
   text_ += '"';
   text_ += text;
@@ -98,14 +105,7 @@ void JsonText::Utf8(std::string_view text) {
 void JsonText::Value(WideView text) {
   BeforeToken();
   text_ += '"';
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char16_t unit = text[i];
-    if (IsHighHalf(unit) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
-      AppendUtf8(text.substr(i++, 2), text_);
-    } else {
-      AppendUnit(IsHighHalf(unit) || IsLowHalf(unit) ? kReplacement : unit, text_);
-    }
-  }
+  kPlain.AppendText(text, text_, AppendSpecial);
   text_ += '"';
   needsComma_ = true;
 }
@@ -121,28 +121,33 @@ void JsonText::Value(double value) {
 // is as near, so that these are its fewest. False for what an exponent makes shorter, and for what
 // is too large.
 bool JsonText::PutDecimal(double scaled, int digits) {
-  constexpr std::int64_t kLargest = 1'000'000'000'000;
-  constexpr std::array<std::int64_t, 7> kPowers = {1, 10, 100, 1000, 10'000, 100'000, 1'000'000};
-  constexpr std::int64_t kThousandth = 1000;
-  constexpr std::int64_t kWholesWithoutExponent = 100'000;
+  constexpr std::uint64_t kLargest = 1'000'000'000'000;
+  constexpr std::array<std::uint64_t, 7> kThousandths = {0, 0, 0, 1, 10, 100, 1000};
+  constexpr std::uint64_t kWholesWithoutExponent = 100'000;
   if (!(std::abs(scaled) < static_cast<double>(kLargest))) return false;
-  const auto number = static_cast<std::int64_t>(std::abs(scaled));
-  const std::int64_t factor = kPowers[static_cast<std::size_t>(digits)];
-  std::int64_t rest = number % factor;
-  const bool isSmall = number * kThousandth < factor && number != 0;
-  if (isSmall || (rest == 0 && number / factor >= kWholesWithoutExponent)) return false;
+  auto number = static_cast<std::uint64_t>(std::abs(scaled));
+  if (number != 0 && number < kThousandths[static_cast<std::size_t>(digits)]) return false;
   std::array<char, 40> text;
-  char* at = text.data();
-  if (scaled < 0.0) *at++ = '-';
-  at = std::to_chars(at, text.data() + text.size(), number / factor).ptr;
-  if (rest != 0) {
-    *at++ = '.';
-    for (std::int64_t power = factor / 10; rest != 0; power /= 10) {
-      *at++ = static_cast<char>('0' + rest / power);
-      rest %= power;
-    }
+  char* const end = text.data() + text.size();
+  char* at = end;
+  for (int i = 0; i < digits; ++i, number /= 10) {
+    if (number % 10 != 0 || at != end) *--at = static_cast<char>('0' + number % 10);
   }
-  Put({text.data(), at});
+  if (at != end) {
+    *--at = '.';
+  } else if (number >= kWholesWithoutExponent) {
+    return false;
+  }
+  do {
+    *--at = static_cast<char>('0' + number % 10);
+    number /= 10;
+  } while (number != 0);
+  if (scaled < 0.0) *--at = '-';
+  if (newLine_) *--at = '\n';
+  if (needsComma_) *--at = ',';
+  text_.append(at, end);
+  newLine_ = false;
+  needsComma_ = true;
   return true;
 }
 

@@ -12,6 +12,7 @@
 #include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/federation/named_attribute.h"
+#include "merge/federation/prefetch_object.h"
 #include "merge/federation/tree/length_in_metres.h"
 #include "merge/federation/tree/world_places.h"
 #include "merge/report/shared/drawn_products.h"
@@ -57,11 +58,11 @@ class PlaceCollector {
     for (std::size_t begin = 0; begin < products.size(); begin += kAtOnce) {
       const std::span few(products.data() + begin, std::min(kAtOnce, products.size() - begin));
       Foresee(few);
-      for (const auto& [product, isKept] : few) {
-        if (!isKept) continue;
-        const Role role = roles_.Of(*product, RoleOf);
-        if (role == Role::kStorey) AddStorey(*product, input.input);
-        if (role == Role::kDrawn) AddCandidate(*product, input.input);
+      for (const PlacedProduct& product : few) {
+        if (!product.isKept) continue;
+        const Role role = RoleOfProduct(product);
+        if (role == Role::kStorey) AddStorey(*product.entity, input.input);
+        if (role == Role::kDrawn) AddCandidate(product, input.input);
       }
     }
   }
@@ -77,15 +78,26 @@ class PlaceCollector {
  private:
   struct Candidate {
     IFC::IfcEntity* entity = nullptr;
-    const Transform* place = nullptr;
+    Transform place;
     std::uint32_t input = 0;
     std::uint32_t classIndex = 0;
   };
 
+  Role RoleOfProduct(const PlacedProduct& product) {
+    return roles_.Of(product,
+                     [](const IFC::IfcEntity& entity) { return RoleOf(FindFacts(entity)); });
+  }
+
   void Foresee(std::span<const PlacedProduct> products) {
     foreseen_.clear();
-    for (const PlacedProduct& product : products) PrefetchObject(product.entity);
+    const auto isSeen = [this](const PlacedProduct& product) {
+      return product.isKept && RoleOfProduct(product) != Role::kNotDrawn;
+    };
     for (const PlacedProduct& product : products) {
+      if (isSeen(product)) PrefetchObject(product.entity);
+    }
+    for (const PlacedProduct& product : products) {
+      if (!isSeen(product)) continue;
       IFC::IfcEntity* const placement =
           EntityCast<IFC::VirtualIfcProduct>(product.entity)->getObjectPlacement();
       if (placement == nullptr) continue;
@@ -101,15 +113,6 @@ class PlaceCollector {
     for (const IFC::IfcEntity* const point : foreseen_) {
       const List<double>* const numbers = point == nullptr ? nullptr : coordinates_.RealsIn(*point);
       if (numbers != nullptr) platform::PrefetchToRead(numbers->begin());
-    }
-  }
-
-  // The base that all objects share stands behind their attributes.
-  static void PrefetchObject(const IFC::IfcEntity* entity) {
-    constexpr std::uintptr_t kLine = 64;
-    const auto base = reinterpret_cast<std::uintptr_t>(entity);
-    for (const std::uintptr_t line : {base, base - kLine, base - 2 * kLine}) {
-      platform::PrefetchToRead(reinterpret_cast<const void*>(line));
     }
   }
 
@@ -144,37 +147,37 @@ class PlaceCollector {
     }
   }
 
-  // Null where it cannot be told.
-  const Transform* PlaceOfProduct(IFC::IfcEntity& entity) {
+  // Nothing where it cannot be told.
+  std::optional<Transform> PlaceOfProduct(IFC::IfcEntity& entity) {
     IFC::IfcEntity* const placement =
         EntityCast<IFC::VirtualIfcProduct>(&entity)->getObjectPlacement();
-    if (placement == nullptr) return nullptr;
-    const auto& place = worlds_.Of(*placement);
-    return place ? &*place : nullptr;
+    if (placement == nullptr) return std::nullopt;
+    return worlds_.OfLeaf(*placement);
   }
 
-  std::uint32_t ClassIndexOf(const IFC::IfcEntity& entity) {
-    return classes_.Of(entity, [this](const ClassFacts* facts) {
+  std::uint32_t ClassIndexOf(const PlacedProduct& product) {
+    return classes_.Of(product, [this](const IFC::IfcEntity& entity) {
+      const ClassFacts* const facts = FindFacts(entity);
       places_.classes.push_back({facts == nullptr ? "" : facts->name, 0, 0});
       return static_cast<std::uint32_t>(places_.classes.size() - 1);
     });
   }
 
-  void AddCandidate(IFC::IfcEntity& entity, std::uint32_t input) {
-    const Transform* const place = PlaceOfProduct(entity);
-    if (place == nullptr) {
+  void AddCandidate(const PlacedProduct& product, std::uint32_t input) {
+    const auto place = PlaceOfProduct(*product.entity);
+    if (!place) {
       ++places_.withoutPlace;
       return;
     }
-    const std::uint32_t classIndex = ClassIndexOf(entity);
+    const std::uint32_t classIndex = ClassIndexOf(product);
     ++places_.classes[classIndex].products;
-    candidates_.push_back({&entity, place, input, classIndex});
+    candidates_.push_back({product.entity, *place, input, classIndex});
   }
 
   // A storey that stands nowhere, or at 0, has the height that it says.
   void AddStorey(IFC::IfcEntity& entity, std::uint32_t input) {
-    const Transform* const place = PlaceOfProduct(entity);
-    double height = place == nullptr ? 0.0 : place->origin[2];
+    const auto place = PlaceOfProduct(entity);
+    double height = place ? place->origin[2] : 0.0;
     if (height == 0.0) height = RealOf(entity, "Elevation");
     if (std::isfinite(height)) {
       places_.storeys.push_back({input, TextOf(entity, "Name"), height * metres_});
@@ -228,7 +231,7 @@ class PlaceCollector {
     return {candidate.input, candidate.classIndex,
             root == nullptr ? std::string() : std::string(root->getGlobalId()),
             name == nullptr ? WideString() : name->ToWide(),
-            Times(candidate.place->origin, metres_)};
+            Times(candidate.place.origin, metres_)};
   }
 
   std::optional<ProductBox> BoxOf(const Candidate& candidate) {
@@ -238,7 +241,7 @@ class PlaceCollector {
     if (own.isEmpty) return std::nullopt;
     // A product that leans is drawn by the box around it.
     constexpr double kUpright = 1.0 - 1e-6;
-    const Transform& place = *candidate.place;
+    const Transform& place = candidate.place;
     const bool isUpright = place.z[2] >= kUpright;
     Bounds bounds;
     if (isUpright) {
@@ -282,8 +285,8 @@ class PlaceCollector {
   double metres_;
   WorldPlaces worlds_;
   ShapeBoxes boxes_;
-  PerClass<Role> roles_;
-  PerClass<std::uint32_t> classes_;  // by index of ModelPlaces::classes
+  PerProductClass<Role> roles_;
+  PerProductClass<std::uint32_t> classes_;  // by index of ModelPlaces::classes
   NamedAttribute name_{"Name"};
   NamedAttribute shape_{"Representation"};
   NamedAttribute relative_{"RelativePlacement"};

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "merge/document.h"
@@ -19,10 +20,36 @@ struct PlacesWanted {
   Boxes boxes = Boxes::kOfDrawn;  // see DrawnProducts
 };
 
-// A product of an input. One that is not kept may have another object stand for it.
+// A product of an input. One that is not kept may have another object stand for it; one that is
+// stands in the model itself.
 struct PlacedProduct {
   IFC::IfcEntity* entity = nullptr;
+  const char16_t* className = nullptr;  // as the object gives it: one address for each class
   bool isKept = true;
+};
+
+// What is known of products by their class. No object is touched but the first of its class: they
+// lie all over the memory.
+template <class Value>
+class PerProductClass {
+ public:
+  // `find` takes that object.
+  template <class Find>
+  Value Of(const PlacedProduct& product, Find find) {
+    if (product.className == lastName_) [[likely]]
+      return lastValue_;
+    auto found = values_.find(product.className);
+    if (found == values_.end()) {
+      found = values_.emplace(product.className, find(*product.entity)).first;
+    }
+    lastName_ = product.className;
+    return lastValue_ = found->second;
+  }
+
+ private:
+  std::unordered_map<const char16_t*, Value> values_;
+  const char16_t* lastName_ = nullptr;
+  Value lastValue_{};
 };
 
 // An input that is folded into the model, or the model itself.

@@ -56,6 +56,7 @@ struct Corners {
 // One product as a drawing shows it, in metres.
 struct Outline {
   std::size_t product = 0;
+  std::size_t turn = 0;  // among those that are drawn
   Corners corners;
   double size = 0;  // of the area that it takes up
 };
@@ -100,18 +101,30 @@ double RoundLength(double most) {
   return power;
 }
 
+// What a pointer at a product is told: where it stands in the page, once it has been written.
+struct WrittenTitle {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
 struct DrawnModels {
   const std::vector<DrawnInput>& inputs;
   const ModelPlaces& places;
+  std::vector<std::size_t> drawn;    // positions of products
+  std::vector<WrittenTitle> titles;  // of these
 };
 
 class Drawing {
  public:
-  Drawing(const DrawnModels& models, View view, const std::vector<std::size_t>& drawn,
-          HtmlText& html)
-      : inputs_(models.inputs), places_(models.places), view_(view), html_(html) {
-    for (const std::size_t product : drawn) {
-      Outline outline{product, OutlineOf(places_.products[product], view), 0};
+  Drawing(DrawnModels& models, View view, HtmlText& html)
+      : inputs_(models.inputs),
+        places_(models.places),
+        titles_(models.titles),
+        view_(view),
+        html_(html) {
+    for (std::size_t turn = 0; turn < models.drawn.size(); ++turn) {
+      const std::size_t product = models.drawn[turn];
+      Outline outline{product, turn, OutlineOf(places_.products[product], view), 0};
       const std::uint32_t input = places_.products[product].input;
       Area area;
       for (const Point& corner : outline.corners) area.Add(corner);
@@ -184,7 +197,7 @@ class Drawing {
     std::stable_sort(outlines.begin(), outlines.end(),
                      [](const Outline& a, const Outline& b) { return a.size > b.size; });
     html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='");
-    html_.Number(input, 0).Raw("'>\n");
+    html_.Whole(input).Raw("'>\n");
     for (const Outline& outline : outlines) DrawOutline(outline);
     html_.Raw("</g>\n");
   }
@@ -214,10 +227,18 @@ class Drawing {
   }
 
   void DrawTitle(const Outline& outline, std::string_view element) {
-    const ProductPlace& product = places_.products[outline.product];
-    html_.Number(static_cast<double>(outline.product), 0).Raw("'><title>");
-    html_.Text(product.name).Raw("\n").Text(product.guid).Raw(OriginOf(product));
-    html_.Raw("</title></").Raw(element).Raw(">\n");
+    WrittenTitle& title = titles_[outline.turn];
+    if (title.end != 0) {
+      html_.Again(title.begin, title.end);
+    } else {
+      title.begin = html_.Size();
+      const ProductPlace& product = places_.products[outline.product];
+      html_.Whole(outline.product).Raw("'><title>");
+      html_.Text(product.name).Raw("\n").Text(product.guid).Raw(OriginOf(product));
+      html_.Raw("</title></");
+      title.end = html_.Size();
+    }
+    html_.Raw(element).Raw(">\n");
   }
 
   // Class and input, of which there are few.
@@ -249,7 +270,7 @@ class Drawing {
     constexpr double kOutside = 4;
     const Point low = At({area.low[0], area.high[1]});
     const Point high = At({area.high[0], area.low[1]});
-    html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='").Number(input, 0);
+    html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='").Whole(input);
     html_.Raw("'><rect class='reach' x='").Number(low[0] - kOutside, 1).Raw("' y='");
     html_.Number(low[1] - kOutside, 1).Raw("' width='");
     html_.Number(high[0] - low[0] + 2 * kOutside, 1).Raw("' height='");
@@ -314,6 +335,7 @@ class Drawing {
 
   const std::vector<DrawnInput>& inputs_;
   const ModelPlaces& places_;
+  std::vector<WrittenTitle>& titles_;
   View view_;
   HtmlText& html_;
   Area all_;
@@ -332,16 +354,15 @@ void AddLegend(const DrawnModels& models, HtmlText& html) {
   for (std::size_t i = 0; i < models.inputs.size(); ++i) {
     if (!models.inputs[i].isDrawn) continue;
     html.Raw("<li class='").Raw(ColourOf(i)).Raw("'><label><input type='checkbox' checked ");
-    html.Raw("disabled data-input='").Number(static_cast<double>(i), 0).Raw("'> ");
+    html.Raw("disabled data-input='").Whole(i).Raw("'> ");
     html.Raw("<span class='dot'></span>").Count(i + 1).Raw(" ");
     html.Name(ShortName(models.inputs[i].path)).Raw("</label></li>\n");
   }
   html.Raw("</ul>\n");
 }
 
-void AddFigure(const DrawnModels& models, View view, const std::vector<std::size_t>& drawn,
-               HtmlText& html) {
-  Drawing drawing(models, view, drawn, html);
+void AddFigure(DrawnModels& models, View view, HtmlText& html) {
+  Drawing drawing(models, view, html);
   html.Word("h3", view == View::kPlan ? "plan" : "elevation").Raw("\n<figure>\n");
   drawing.Draw();
   html.Raw("<figcaption>");
@@ -376,12 +397,12 @@ void AddDrawings(const std::vector<DrawnInput>& inputs, const ModelPlaces* place
     html.Word("p", "noPlaces", " class='soft'").Raw("\n</section>\n");
     return;
   }
-  const std::vector<std::size_t> drawn = DrawnProducts(*places);
-  const DrawnModels models{inputs, *places};
+  DrawnModels models{inputs, *places, DrawnProducts(*places), {}};
+  models.titles.resize(models.drawn.size());
   AddLegend(models, html);
-  AddCounts(*places, drawn.size(), html);
-  AddFigure(models, View::kPlan, drawn, html);
-  AddFigure(models, View::kElevation, drawn, html);
+  AddCounts(*places, models.drawn.size(), html);
+  AddFigure(models, View::kPlan, html);
+  AddFigure(models, View::kElevation, html);
   html.Raw("</section>\n");
 }
 

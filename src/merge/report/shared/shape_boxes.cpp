@@ -14,35 +14,17 @@ namespace {
 // Files that go in circles go no further.
 constexpr int kDeepest = 12;
 
-Triple TripleOf(const List<double>* numbers) {
-  Triple triple{};
-  if (numbers != nullptr) {
-    std::copy_n(numbers->begin(), std::min(numbers->size(), triple.size()), triple.begin());
-  }
-  return triple;
-}
-
 bool Says(const ModelText* text, std::string_view word) {
   if (text == nullptr) return false;
   return text->IsPlain() ? text->Plain() == word : text->Units() == Widen(word);
 }
 
 Bounds Centred(double width, double depth) {
-  Bounds bounds;
-  bounds.Add({-width / 2, -depth / 2, 0.0});
-  bounds.Add({width / 2, depth / 2, 0.0});
-  return bounds;
+  const Triple corner = {width / 2, depth / 2, 0.0};
+  return {Times(corner, -1.0), corner, false};
 }
 
 }  // namespace
-
-// Of an IfcCartesianPointList2D or 3D.
-void ShapeBoxes::AddPointList(const IFC::IfcEntity& list, Bounds& bounds) {
-  const auto* const points = coordList_.ValueIn<List<List<double>>>(list);
-  if (points == nullptr) return;
-  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): a list that begins nowhere has no members
-  for (const List<double>& point : *points) bounds.Add(TripleOf(&point));
-}
 
 Bounds ShapeBoxes::ParametersOf(const IFC::IfcEntity& profile) {
   const auto first = [&profile](auto& attributes) {
@@ -60,31 +42,11 @@ Bounds ShapeBoxes::ParametersOf(const IFC::IfcEntity& profile) {
   return width > 0.0 && depth > 0.0 ? Centred(width, depth) : Bounds{};
 }
 
-// Every point that the object leads to, whichever way. Right for what has all its points in one
-// system of coordinates.
-void ShapeBoxes::AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds) {
-  root.CollectAllChildren(waiting_);
-  while (!waiting_.IsEmpty()) {
-    const IFC::IfcEntity* const entity = waiting_.TakeBack().entity;
-    if (entity == nullptr) continue;
-    if (const List<double>* const numbers = coordinates_.RealsIn(*entity)) {
-      bounds.Add(TripleOf(numbers));
-    } else {
-      entity->CollectAllChildren(waiting_);
-    }
-  }
-}
-
 // In the plane of x and y.
 Bounds ShapeBoxes::BoundsOfProfile(const IFC::IfcEntity& profile) {
   Bounds bounds;
   if (const IFC::IfcEntity* const curve = outerCurve_.ReferenceIn(profile)) {
-    const IFC::IfcEntity* const points = points_.ReferenceIn(*curve);
-    if (points != nullptr) {
-      AddPointList(*points, bounds);
-    } else {
-      AddPointsBelow(*curve, bounds);
-    }
+    points_.AddCurve(*curve, bounds);
     return bounds;
   }
   const Bounds own = ParametersOf(profile);
@@ -102,10 +64,8 @@ Bounds ShapeBoxes::BoundsOfExtrusion(const IFC::IfcEntity& solid) {
   const Triple way = Times(DirectionOf(direction, {}), depth_.RealIn(solid));
   const Bounds base = BoundsOfProfile(*profile);
   if (base.isEmpty) return bounds;
-  for (const Triple& corner : base.Corners()) {
-    bounds.Add(place->Moved(corner));
-    bounds.Add(place->Moved(Plus(corner, way)));
-  }
+  bounds.Add(base, *place);
+  bounds.Add(Bounds{Plus(base.low, way), Plus(base.high, way), false}, *place);
   return bounds;
 }
 
@@ -113,9 +73,10 @@ Bounds ShapeBoxes::BoundsOfBox(const IFC::IfcEntity& box) {
   Bounds bounds;
   const IFC::IfcEntity* const corner = corner_.ReferenceIn(box);
   if (corner == nullptr) return bounds;
-  const Triple low = TripleOf(coordinates_.RealsIn(*corner));
+  const Triple low = points_.Of(corner);
   bounds.Add(low);
-  bounds.Add(Plus(low, {widths_[0].RealIn(box), depths_[0].RealIn(box), RealOf(box, "ZDim")}));
+  bounds.Add(
+      Plus(low, Triple{widths_[0].RealIn(box), depths_[0].RealIn(box), RealOf(box, "ZDim")}));
   return bounds;
 }
 
@@ -130,9 +91,7 @@ Transform ShapeBoxes::OperatorOf(const IFC::IfcEntity& target) {
     return told > 0.0 ? told : absent;
   };
   Transform place;
-  if (const IFC::IfcEntity* const origin = localOrigin_.ReferenceIn(target)) {
-    place.origin = TripleOf(coordinates_.RealsIn(*origin));
-  }
+  place.origin = points_.Of(localOrigin_.ReferenceIn(target));
   const double scale = factor(scale_, 1.0);
   const Triple x = DirectionOf(axis1_.ReferenceIn(target), place.x);
   const Triple z = DirectionOf(axis3_.ReferenceIn(target), place.z);
@@ -141,29 +100,6 @@ Transform ShapeBoxes::OperatorOf(const IFC::IfcEntity& target) {
   place.y = Times(y, factor(scale2_, scale));
   place.z = Times(z, factor(scale3_, scale));
   return place;
-}
-
-void Bounds::Add(const Triple& point) {
-  if (!std::isfinite(point[0] + point[1] + point[2])) return;
-  for (std::size_t i = 0; i < point.size(); ++i) {
-    low[i] = isEmpty ? point[i] : std::min(low[i], point[i]);
-    high[i] = isEmpty ? point[i] : std::max(high[i], point[i]);
-  }
-  isEmpty = false;
-}
-
-void Bounds::Add(const Bounds& other, const Transform& place) {
-  if (other.isEmpty) return;
-  for (const Triple& corner : other.Corners()) Add(place.Moved(corner));
-}
-
-std::array<Triple, 8> Bounds::Corners() const {
-  std::array<Triple, 8> corners;
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    corners[i] = {(i & 1) != 0 ? high[0] : low[0], (i & 2) != 0 ? high[1] : low[1],
-                  (i & 4) != 0 ? high[2] : low[2]};
-  }
-  return corners;
 }
 
 ShapeBoxes::Kind ShapeBoxes::KindOf(const IFC::IfcEntity& item) {
@@ -204,10 +140,10 @@ Bounds ShapeBoxes::OfItem(const IFC::IfcEntity& item, int depth) {
     case Kind::kExtrusion: return BoundsOfExtrusion(item);
     case Kind::kMesh:
       if (const IFC::IfcEntity* const points = coordinates_.ReferenceIn(item)) {
-        AddPointList(*points, bounds);
+        points_.AddPointList(*points, bounds);
       }
       break;
-    case Kind::kFaces: AddPointsBelow(item, bounds); break;
+    case Kind::kFaces: points_.AddFaces(item, bounds); break;
     case Kind::kBox: return BoundsOfBox(item);
     case Kind::kCut: return OfOperand(firstOperand_, item, depth);
     case Kind::kTree: return OfOperand(treeRoot_, item, depth);
@@ -242,7 +178,7 @@ Bounds ShapeBoxes::OfRepresentation(const IFC::IfcEntity& representation, int de
   const EntityList* const items = items_.ReferencesIn(representation);
   if (items == nullptr) return bounds;
   for (const IFC::IfcEntity* const item : *items) {
-    if (item != nullptr) bounds.Add(OfItem(*item, depth), Transform{});
+    if (item != nullptr) bounds.Add(OfItem(*item, depth));
   }
   return bounds;
 }
@@ -258,7 +194,7 @@ Bounds ShapeBoxes::Of(const IFC::IfcEntity& shape) {
     if (Says(identifier, "Axis") || Says(identifier, "Clearance")) continue;
     const Bounds bounds = OfRepresentation(*representation, 0);
     if (Says(identifier, "Body") && !bounds.isEmpty) return bounds;
-    others.Add(bounds, Transform{});
+    others.Add(bounds);
   }
   return others;
 }

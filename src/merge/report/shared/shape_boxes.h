@@ -10,20 +10,10 @@
 #include "merge/federation/per_class.h"
 #include "merge/federation/tree/transform.h"
 #include "merge/federation/tree/world_places.h"
+#include "merge/report/shared/bounds.h"
+#include "merge/report/shared/shape_points.h"
 
 namespace corvel {
-
-// From the lowest to the highest coordinates of some points.
-struct Bounds {
-  Triple low{};
-  Triple high{};
-  bool isEmpty = true;
-
-  void Add(const Triple& point);
-  // The corners of the other one, as they stand in `place`.
-  void Add(const Bounds& other, const Transform& place);
-  std::array<Triple, 8> Corners() const;
-};
 
 // Knows extrusions of profiles, meshes and faceted bodies, boxes, what is cut from such, and what
 // is mapped from elsewhere, which is looked at once however often it is used. A curved profile
@@ -40,7 +30,6 @@ class ShapeBoxes {
   Kind KindOf(const IFC::IfcEntity& item);
   Bounds OfRepresentation(const IFC::IfcEntity& representation, int depth);
   Bounds OfItem(const IFC::IfcEntity& item, int depth);
-  void AddPointsBelow(const IFC::IfcEntity& root, Bounds& bounds);
   Bounds BoundsOfProfile(const IFC::IfcEntity& profile);
   Bounds BoundsOfExtrusion(const IFC::IfcEntity& solid);
   Bounds OfMapped(const IFC::IfcEntity& item, int depth);
@@ -50,20 +39,18 @@ class ShapeBoxes {
   Bounds ParametersOf(const IFC::IfcEntity& profile);
   Transform OperatorOf(const IFC::IfcEntity& target);
   Bounds OfOperand(NamedAttribute& attribute, const IFC::IfcEntity& item, int depth);
-  void AddPointList(const IFC::IfcEntity& list, Bounds& bounds);
   Triple DirectionOf(const IFC::IfcEntity* direction, const Triple& absent);
 
   PerClass<Kind> kinds_;
   PlaceReader places_;
+  ShapePoints points_;
+  NamedAttribute coordinates_{"Coordinates"};  // of meshes: the list of their points
   NamedAttribute representations_{"Representations"};
   NamedAttribute identifier_{"RepresentationIdentifier"};
   NamedAttribute items_{"Items"};
   NamedAttribute firstOperand_{"FirstOperand"};
   NamedAttribute treeRoot_{"TreeRootExpression"};
-  NamedAttribute coordinates_{"Coordinates"};
-  NamedAttribute coordList_{"CoordList"};
   NamedAttribute outerCurve_{"OuterCurve"};
-  NamedAttribute points_{"Points"};
   NamedAttribute position_{"Position"};
   NamedAttribute sweptArea_{"SweptArea"};
   NamedAttribute extrudedDirection_{"ExtrudedDirection"};
@@ -88,7 +75,6 @@ class ShapeBoxes {
   NamedAttribute scale_{"Scale"};
   NamedAttribute scale2_{"Scale2"};
   NamedAttribute scale3_{"Scale3"};
-  IFC::ChildQueue waiting_;
   std::unordered_map<const IFC::IfcEntity*, Bounds> sources_;
 };
 

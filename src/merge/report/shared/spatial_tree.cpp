@@ -1,21 +1,18 @@
 #include "merge/report/shared/spatial_tree.h"
 
 #include <algorithm>
-#include <memory_resource>
+#include <cstdint>
 #include <unordered_map>
 
 #include "core/entity_cast.h"
+#include "core/open_table.h"
 #include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
 #include "merge/marking.h"
-#include "platform/prefetch.h"
 
 namespace corvel {
 
 namespace {
-
-// So many objects are asked for before they are needed.
-constexpr std::ptrdiff_t kAhead = 16;
 
 class TreeCollector {
  public:
@@ -53,8 +50,12 @@ class TreeCollector {
     parents_.push_back(0);
   }
 
-  bool IsSpatial(const IFC::IfcEntity& entity) {
-    return isElement_.IsTrueOf(entity) || isStructure_.IsTrueOf(entity);
+  bool IsSpatial(const PlacedProduct& product) {
+    return isSpatial_.Of(product, [](const IFC::IfcEntity& entity) {
+      const ClassFacts* const facts = FindFacts(entity);
+      return IsOrIsBelow(facts, "IfcSpatialElement") ||
+             IsOrIsBelow(facts, "IfcSpatialStructureElement");
+    });
   }
 
   // The object itself, or what stands for it.
@@ -64,19 +65,13 @@ class TreeCollector {
   }
 
   void CollectNodes() {
-    std::size_t count = 0;
-    for (const PlacedInput& input : inputs_) count += input.products.size();
-    owners_.reserve(count);
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
       const std::vector<PlacedProduct>& products = inputs_[i].products;
-      for (std::size_t at = 0; at < products.size(); ++at) {
-        if (at + std::size_t{kAhead} < products.size()) {
-          platform::PrefetchToRead(products[at + kAhead].entity);
-        }
-        IFC::IfcEntity* const there = InModel(products[at].entity);
+      for (const PlacedProduct& product : products) {
+        IFC::IfcEntity* const there = product.isKept ? product.entity : InModel(product.entity);
         if (there == nullptr) continue;
-        owners_.emplace(there, i);
-        if (!IsSpatial(*there)) continue;
+        Own(*there, i);
+        if (!IsSpatial(product)) continue;
         if (!index_.contains(there)) MakeNode(*there);
         std::vector<std::uint32_t>& inputs = nodes_[index_.at(there)].inputs;
         const std::uint32_t input = inputs_[i].input;
@@ -85,6 +80,34 @@ class TreeCollector {
         }
       }
     }
+  }
+
+  // Whose product an object is, by position of the input.
+  struct Owner {
+    const IFC::IfcEntity* product = nullptr;
+    std::size_t input = 0;
+
+    bool IsFree() const { return product == nullptr; }
+    std::size_t Hash() const { return HashOf(*product); }
+  };
+
+  // Objects lie some ten bytes apart at least.
+  static std::size_t HashOf(const IFC::IfcEntity& product) {
+    constexpr std::uint64_t kGolden = 0x9E3779B97F4A7C15u;
+    return static_cast<std::size_t>((reinterpret_cast<std::uintptr_t>(&product) >> 3) * kGolden >>
+                                    32);
+  }
+
+  // The first one counts.
+  void Own(const IFC::IfcEntity& product, std::size_t input) {
+    Owner& owner = owners_.Enter(HashOf(product),
+                                 [&](const Owner& known) { return known.product == &product; });
+    if (owner.IsFree()) owner = {&product, input};
+  }
+
+  const Owner* OwnerOf(const IFC::IfcEntity& product) const {
+    return owners_.Find(HashOf(product),
+                        [&](const Owner& known) { return known.product == &product; });
   }
 
   // Null for what is no node.
@@ -118,14 +141,18 @@ class TreeCollector {
     SpatialNode* const node = NodeOf(relation, "RelatingStructure");
     const EntityList* const elements = ReferencesOf(relation, "RelatedElements");
     if (node == nullptr || elements == nullptr) return;
-    IFC::IfcEntity* const* ahead = elements->begin();
     for (IFC::IfcEntity* const element : *elements) {
-      for (; ahead != elements->end() && ahead - &element < kAhead; ++ahead) {
-        platform::PrefetchToRead(*ahead);
-      }
-      const auto owner = owners_.find(InModel(element));
-      if (owner != owners_.end()) ++node->products[owner->second];
+      const Owner* const owner = OwnerOfElement(element);
+      if (owner != nullptr) ++node->products[owner->input];
     }
+  }
+
+  // Most elements are products that are kept: nothing of them is looked at.
+  const Owner* OwnerOfElement(IFC::IfcEntity* element) const {
+    if (element == nullptr) return nullptr;
+    if (const Owner* const owner = OwnerOf(*element)) return owner;
+    const IFC::IfcEntity* const there = InModel(element);
+    return there == nullptr || there == element ? nullptr : OwnerOf(*there);
   }
 
   // In a circle that nothing leads into; the first member is taken for its beginning.
@@ -144,15 +171,12 @@ class TreeCollector {
 
   const IFC::MainContainer& container_;
   const std::vector<PlacedInput>& inputs_;
-  ClassQuestion isElement_{"IfcSpatialElement"};
-  ClassQuestion isStructure_{"IfcSpatialStructureElement"};
+  PerProductClass<bool> isSpatial_;
   std::vector<SpatialNode> nodes_;
   std::vector<bool> hasParent_;
   std::vector<std::size_t> parents_;
   std::unordered_map<const IFC::IfcEntity*, std::size_t> index_;  // of nodes
-  std::pmr::monotonic_buffer_resource memory_;
-  std::pmr::unordered_map<const IFC::IfcEntity*, std::size_t> owners_{
-      &memory_};  // position of the input
+  OpenTable<Owner, 1024> owners_;
 };
 
 }  // namespace

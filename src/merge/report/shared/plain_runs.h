@@ -1,0 +1,58 @@
+// The runs of a text that stand in a report as they are: most of most texts.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "core/text.h"
+
+namespace corvel {
+
+// Which characters of ASCII need nothing done to them.
+class PlainCharacters {
+ public:
+  static constexpr std::size_t kAscii = 128;
+
+  // Those that can be seen, and the space, but for `others`.
+  explicit constexpr PlainCharacters(std::string_view others) {
+    for (std::size_t c = ' '; c < kAscii - 1; ++c) {
+      isPlain_[c] = others.find(static_cast<char>(c)) == std::string_view::npos;
+    }
+  }
+
+  constexpr bool operator()(char16_t unit) const { return unit < kAscii && isPlain_[unit]; }
+  constexpr bool operator()(char byte) const {
+    return (*this)(static_cast<char16_t>(static_cast<unsigned char>(byte)));
+  }
+  bool AreAll(std::string_view bytes) const {
+    return std::all_of(bytes.begin(), bytes.end(), *this);
+  }
+  // Puts the text behind `bytes`. `appendSpecial` has what begins with another character put there,
+  // and gives how many units of it that were.
+  template <class AppendSpecial>
+  void AppendText(WideView text, std::string& bytes, AppendSpecial appendSpecial) const {
+    text.remove_prefix(AppendRun(text, bytes));
+    while (!text.empty()) {
+      text.remove_prefix(appendSpecial(text, bytes));
+      text.remove_prefix(AppendRun(text, bytes));
+    }
+  }
+
+ private:
+  // Puts the run at the beginning of `text` behind `bytes`, and gives its length.
+  std::size_t AppendRun(WideView text, std::string& bytes) const {
+    const auto end = std::find_if_not(text.begin(), text.end(), *this);
+    const auto length = static_cast<std::size_t>(end - text.begin());
+    const std::size_t before = bytes.size();
+    bytes.resize(before + length);
+    std::transform(text.begin(), end, bytes.begin() + static_cast<std::ptrdiff_t>(before),
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    return length;
+  }
+
+  std::array<bool, kAscii> isPlain_{};
+};
+
+}  // namespace corvel
