@@ -48,9 +48,14 @@ std::int64_t BytesOf(const std::vector<WideString>& paths) {
 ModelRun::ModelRun(ModelOrder order, RunConsole& console)
     : order_(std::move(order)), console_(console) {
   if (order_.reports.empty() && !order_.isDryRun) return;
-  gatherer_.emplace(order_.command);
+  // What is carried is looked at by one thread.
+  gatherer_.emplace(order_.command, order_.choices.tolerant ? 1 : Threads());
   gatherer_->SetDryRun(order_.isDryRun);
   gatherer_->SetOutput(order_.output);
+}
+
+unsigned ModelRun::Threads() const {
+  return order_.choices.threads.value_or(platform::UsableCores());
 }
 
 ExitStatus ModelRun::Run() {
@@ -131,8 +136,7 @@ bool ModelRun::LoadScene() {
   for (std::size_t i = 0; i < order_.inputs.size() && ChoosesObjects(); ++i) {
     orders.push_back({order_.inputs[i], TextsForLists(order_.choices.lists, i)});
   }
-  const unsigned threads = order_.choices.threads.value_or(platform::UsableCores());
-  SceneLoading scenes(orders, order_.choices.tolerant, threads);
+  SceneLoading scenes(orders, order_.choices.tolerant, Threads());
   for (std::size_t i = 0; i < order_.inputs.size() && !console_.ShallEnd(); ++i) {
     LoadedModel& model = models_.emplace_back();
     model.path = order_.inputs[i];
@@ -263,7 +267,7 @@ void ModelRun::WriteReports() {
   if (!gatherer_) return;
   gatherer_->RunEnds(result_);
   for (const WideString& path : order_.reports) {
-    if (WriteReport(gatherer_->Report(), path, {})) continue;
+    if (WriteReport(gatherer_->Report(), path, {}, Threads())) continue;
     console_.Say(Printable(path) + u": the report could not be written");
     reportIsMissing_ = true;
   }

@@ -52,6 +52,7 @@ class ModelRun {
 
  private:
   bool ChoosesObjects() const { return order_.extracts || order_.inputs.size() > 1; }
+  unsigned Threads() const;
   bool PathsAreGood();
   bool InputsAreGood();
   LogPlace PlaceOfLog();

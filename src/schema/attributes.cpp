@@ -268,6 +268,11 @@ const ClassFacts* FindFacts(const IFC::IfcEntity& object) {
   return found;
 }
 
+const ClassFacts* SearchFacts(const IFC::IfcEntity& object) {
+  const ClassFacts* const carried = FindCarriedFacts(object);
+  return carried != nullptr ? carried : SearchReleases(object);
+}
+
 Attributes AttributesOf(IFC::IfcEntity& object) { return {object, FactsOf(object)}; }
 
 ConstAttributes AttributesOf(const IFC::IfcEntity& object) { return {object, FactsOf(object)}; }

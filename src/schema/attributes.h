@@ -409,6 +409,8 @@ using ConstAttributes = BasicAttributes<const IFC::IfcEntity>;
 
 // What the class of `object` is; null for an object of no generated class, as tests have them.
 const ClassFacts* FindFacts(const IFC::IfcEntity& object);
+// The same for any thread: remembers nothing, at the cost of a search by name in each release.
+const ClassFacts* SearchFacts(const IFC::IfcEntity& object);
 
 // The attributes of an object of a generated class. Throws std::logic_error for any other: a record
 // without attributes would be lost without a word.

@@ -44,6 +44,7 @@ class RecordDocument {
   }
 
   IfcDocument& operator*() { return document_; }
+  const IfcDocument& operator*() const { return document_; }
 
  private:
   static void Make(Parser& parser, const PlannedRecord& record) {

@@ -75,12 +75,14 @@ std::string BuildingOf(unsigned model, std::uint32_t walls, const char* unit) {
 class ShellOfMerge final : public MergeShell {
  public:
   // Borrows the scene.
-  ShellOfMerge(WideString output, const test::RecordedScene& scene)
-      : output_(std::move(output)), scene_(scene) {}
+  ShellOfMerge(WideString output, const test::RecordedScene& scene, unsigned threads)
+      : gatherer("merge", threads), output_(std::move(output)), scene_(scene) {
+    options.threads = threads;
+  }
 
   MergeOptions options;
   bool standsStill = true;
-  ReportGatherer gatherer{"merge"};
+  ReportGatherer gatherer;
   std::vector<std::string> calls;
   std::optional<std::size_t>
       askedBefore;  // questions to the scene, before the first model has its turn
@@ -167,8 +169,7 @@ class MarkingTogether : public test::ReadTest {
       scene.paths[projects.back()] = folder.Write(name, test::ModelFile(records));
       AddObjects(how, projects.back(), records, scene);
     }
-    ShellOfMerge shell(folder.Path("out.ifc"), scene);
-    shell.options.threads = threads;
+    ShellOfMerge shell(folder.Path("out.ifc"), scene, threads);
     shell.options.deleteOpenings = how.deleteOpenings;
     shell.options.ignoreUnits = how.ignoreUnits;
     shell.standsStill = how.standsStill;

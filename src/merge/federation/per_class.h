@@ -1,7 +1,8 @@
 // What is known of an object by its class alone, worked out once for each class.
 //
 // For steps that look at all objects of a model: most of them are of no interest, and that costs a
-// few instructions, since neighbours are mostly of one class.
+// few instructions, since neighbours are mostly of one class. Each serves one thread at a time, and
+// different ones different threads.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +41,7 @@ class PerClass {
   template <class Find>
   const Value& OfNewClass(const IFC::IfcEntity& entity, const std::type_info* dynamicClass,
                           Find find) {
-    const ClassFacts* const facts = FindFacts(entity);
+    const ClassFacts* const facts = SearchFacts(entity);
     auto found = values_.find(facts);
     if (found == values_.end()) found = values_.emplace(facts, find(facts)).first;
     // Records of many classes are carried by objects of one.

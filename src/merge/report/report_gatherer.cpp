@@ -58,7 +58,7 @@ DropReason ReasonOfStep(std::string_view step) {
 
 }  // namespace
 
-ReportGatherer::ReportGatherer(std::string command) {
+ReportGatherer::ReportGatherer(std::string command, unsigned threads) : threads_(threads) {
   report_.command = std::move(command);
   report_.startedAt = TimeOfReport();
 }
@@ -209,7 +209,7 @@ void ReportGatherer::ModelIsDone(const std::vector<IfcDocument*>& documents) {
     const std::size_t index = IndexOf(*document);
     placed.push_back({static_cast<std::uint32_t>(index), inputs_[index].fates.Placed()});
   }
-  report_.places = CollectPlaces(*documents.front(), placed);
+  report_.places = CollectPlaces(*documents.front(), placed, {.threads = threads_});
 }
 
 void ReportGatherer::CountFoldedRecords(const std::vector<IfcDocument*>& documents) {

@@ -16,8 +16,8 @@ namespace corvel {
 // where steps of federation are taken.
 class ReportGatherer final : public RunObserver {
  public:
-  // `command`: as the user calls it.
-  explicit ReportGatherer(std::string command);
+  // `command`: as the user calls it. `threads`: that may look at the result, see PlacesWanted.
+  explicit ReportGatherer(std::string command, unsigned threads = 1);
   ~ReportGatherer() override;
 
   // What others have to tell. Its text is told as it is.
@@ -62,6 +62,7 @@ class ReportGatherer final : public RunObserver {
   void EndStage();
 
   RunReport report_;
+  unsigned threads_;
   std::vector<Input> inputs_;  // as those of the report
   std::vector<IfcDocument*> folded_;
   bool isOnlyFolded_ = false;  // so that the sizes of the models tell what became of their records

@@ -1,10 +1,13 @@
 #include "merge/report/report_page.h"
 
+#include <utility>
+
 #include "merge/report/page_sections.h"
 #include "merge/report/report_json.h"
 #include "merge/report/shared/html_text.h"
 #include "merge/report/shared/page_frame.h"
 #include "merge/report/shared/page_texts.h"
+#include "platform/worker_pool.h"
 
 namespace corvel {
 
@@ -32,11 +35,30 @@ std::string TitleOf(const RunReport& report, const PageTexts& texts) {
   return html.Text(ShortName(path)).Raw(" \u00b7 corvel ").Text(report.command).Take();
 }
 
+// What programs read in the page: about as much work as all the rest.
+class JsonOfPage final : public platform::Job {
+ public:
+  explicit JsonOfPage(const RunReport& report) : report_(report) {}
+  std::string Take() { return std::move(json_); }
+
+ protected:
+  void Run() override { json_ = ReportAsJson(report_); }
+
+ private:
+  const RunReport& report_;
+  std::string json_;
+};
+
 }  // namespace
 
-std::string ReportAsPage(const RunReport& report, std::string_view language) {
+std::string ReportAsPage(const RunReport& report, std::string_view language, unsigned threads) {
   const PageTexts texts(language);
-  return FramedPage({TitleOf(report, texts), ContentOf(report, texts), ReportAsJson(report)}, texts,
+  JsonOfPage json(report);
+  platform::WorkerPool pool(threads);
+  pool.Submit(json);
+  std::string content = ContentOf(report, texts);
+  pool.Finish(json);
+  return FramedPage({TitleOf(report, texts), std::move(content), json.Take()}, texts,
                     language.empty());
 }
 

@@ -7,9 +7,11 @@
 
 namespace corvel {
 
-bool WriteReport(const RunReport& report, const WideString& path, std::string_view language) {
+bool WriteReport(const RunReport& report, const WideString& path, std::string_view language,
+                 unsigned threads) {
   const bool isPage = ReportFormOf(path) == ReportForm::kPage;
-  return WriteInOneStep(path, isPage ? ReportAsPage(report, language) : ReportAsJson(report));
+  return WriteInOneStep(path,
+                        isPage ? ReportAsPage(report, language, threads) : ReportAsJson(report));
 }
 
 }  // namespace corvel

@@ -8,8 +8,9 @@
 
 namespace corvel {
 
-// In the form that the name asks for. `language`: of a page, see report_page.h. False: it could not
-// be written.
-bool WriteReport(const RunReport& report, const WideString& path, std::string_view language);
+// In the form that the name asks for. `language`, `threads`: of a page, see report_page.h. False:
+// it could not be written.
+bool WriteReport(const RunReport& report, const WideString& path, std::string_view language,
+                 unsigned threads = 1);
 
 }  // namespace corvel

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <mutex>
 #include <new>
 #include <string>
 #include <utility>
@@ -35,7 +36,9 @@ bool AdmitsAll(const IFC::IfcEntity* /*entity*/) { return true; }
 // all classes.
 class CarriedFacts {
  public:
+  // For any thread. What is returned lives on.
   const ClassFacts& OfRecord(const CarriedRecord& record) {
+    const std::scoped_lock oneAtATime(mutex_);
     const std::size_t count = record.Arguments().size();
     const auto [known, isNew] =
         classes_.try_emplace(std::pair(Narrow(record.getClassName()), count));
@@ -66,6 +69,7 @@ class CarriedFacts {
     return attributes.data();
   }
 
+  std::mutex mutex_;
   ClassTest admitsAll_{AdmitsAll};
   TypeFacts anything_{.name = "ANYTHING",
                       .base = nullptr,

@@ -3,23 +3,20 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
-#include <numeric>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <span>
-#include <string>
+#include <string_view>
 
-#include "core/entity_cast.h"
-#include "core/root_interfaces.h"
 #include "merge/federation/attribute_values.h"
-#include "merge/federation/named_attribute.h"
 #include "merge/federation/prefetch_object.h"
 #include "merge/federation/tree/length_in_metres.h"
-#include "merge/federation/tree/world_places.h"
 #include "merge/report/shared/drawn_products.h"
-#include "merge/report/shared/shape_boxes.h"
+#include "merge/report/shared/product_looker.h"
 #include "merge/report/shared/spatial_tree.h"
-#include "platform/prefetch.h"
-#include "schema/interfaces/product.h"
+#include "platform/worker_pool.h"
+#include "schema/attributes.h"
 
 namespace corvel {
 
@@ -42,33 +39,59 @@ Role RoleOf(const ClassFacts* facts) {
   return Role::kDrawn;
 }
 
-// Of so many products the objects are asked for before they are needed: they lie anywhere in
-// memory.
-constexpr std::size_t kAtOnce = 32;
+// A part of the products, for one thread.
+class Slice final : public platform::Job {
+ public:
+  using Work = std::function<void(ProductLooker& looker, std::size_t begin, std::size_t end)>;
+
+  explicit Slice(double metres) : looker_(metres) {}
+
+  // For the next submission: the products from `begin` on.
+  void Take(const Work& work, std::size_t begin, std::size_t end) {
+    work_ = &work;
+    begin_ = begin;
+    end_ = end;
+  }
+
+ protected:
+  void Run() override { (*work_)(looker_, begin_, end_); }
+
+ private:
+  ProductLooker looker_;
+  const Work* work_ = nullptr;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+};
 
 class PlaceCollector {
  public:
   PlaceCollector(const IfcDocument& merged, const PlacesWanted& wanted)
       : merged_(merged),
         wanted_(wanted),
-        metres_(MetresPerLengthUnit(merged.getIfcUnitAssignment())) {}
+        metres_(MetresPerLengthUnit(merged.getIfcUnitAssignment())),
+        pool_(wanted.threads) {}
 
-  void Look(const PlacedInput& input) {
-    const std::vector<PlacedProduct>& products = input.products;
-    for (std::size_t begin = 0; begin < products.size(); begin += kAtOnce) {
-      const std::span few(products.data() + begin, std::min(kAtOnce, products.size() - begin));
-      Foresee(few);
-      for (const PlacedProduct& product : few) {
-        if (!product.isKept) continue;
-        const Role role = RoleOfProduct(product);
-        if (role == Role::kStorey) AddStorey(*product.entity, input.input);
-        if (role == Role::kDrawn) AddCandidate(product, input.input);
-      }
-    }
-  }
-
-  ModelPlaces Finish() {
-    AddProducts();
+  ModelPlaces Collect(const std::vector<PlacedInput>& inputs) {
+    for (const PlacedInput& input : inputs) Enlist(input);
+    MakeSlices();
+    transforms_.resize(products_.size());
+    InSlices(
+        products_.size(),
+        [this](ProductLooker& looker, std::size_t begin, std::size_t end) {
+          looker.Place(std::span(products_).subspan(begin, end - begin),
+                       std::span(transforms_).subspan(begin, end - begin));
+        },
+        [] {});
+    SortOut();
+    ThinOut();
+    const std::vector<bool> hasBox = WithBoxes();
+    InSlices(
+        listed_.size(),
+        [&](ProductLooker& looker, std::size_t begin, std::size_t end) {
+          Describe(looker, begin, end);
+          AddBoxes(looker, hasBox, begin, end);
+        },
+        [&] { places_.tree = CollectSpatialTree(merged_, inputs); });
     std::stable_sort(places_.storeys.begin(), places_.storeys.end(),
                      [](const auto& a, const auto& b) { return a.height < b.height; });
     places_.north = North();
@@ -76,188 +99,144 @@ class PlaceCollector {
   }
 
  private:
-  struct Candidate {
-    IFC::IfcEntity* entity = nullptr;
-    Transform place;
+  struct Origin {
     std::uint32_t input = 0;
-    std::uint32_t classIndex = 0;
+    std::uint32_t classId = 0;  // of names_
   };
 
-  Role RoleOfProduct(const PlacedProduct& product) {
-    return roles_.Of(product,
-                     [](const IFC::IfcEntity& entity) { return RoleOf(FindFacts(entity)); });
+  // A class is told of from the first product on that has a place.
+  struct ClassName {
+    const char* name = "";
+    Role role = Role::kDrawn;
+    std::optional<std::uint32_t> index{};  // of places_.classes
+  };
+
+  // What is drawn, and what is a storey.
+  void Enlist(const PlacedInput& input) {
+    for (const PlacedProduct& product : input.products) {
+      if (!product.isKept) continue;
+      const std::uint32_t classId = ids_.Of(product, [this](const IFC::IfcEntity& entity) {
+        const ClassFacts* const facts = FindFacts(entity);
+        names_.push_back({facts == nullptr ? "" : facts->name, RoleOf(facts)});
+        return static_cast<std::uint32_t>(names_.size() - 1);
+      });
+      if (names_[classId].role == Role::kNotDrawn) continue;
+      products_.push_back(product.entity);
+      origins_.push_back({input.input, classId});
+    }
   }
 
-  void Foresee(std::span<const PlacedProduct> products) {
-    foreseen_.clear();
-    const auto isSeen = [this](const PlacedProduct& product) {
-      return product.isKept && RoleOfProduct(product) != Role::kNotDrawn;
-    };
-    for (const PlacedProduct& product : products) {
-      if (isSeen(product)) PrefetchObject(product.entity);
+  void MakeSlices() {
+    // Some for each thread, since they take different times; fewer are not worth a thread.
+    constexpr std::size_t kForEachThread = 3;
+    constexpr std::size_t kLeastProducts = 200;
+    const std::size_t most = products_.size() / kLeastProducts + 1;
+    const std::size_t count =
+        pool_.Threads() == 1 ? 1 : std::min(pool_.Threads() * kForEachThread, most);
+    for (std::size_t i = 0; i < count; ++i) slices_.push_back(std::make_unique<Slice>(metres_));
+  }
+
+  // Gives all slices their parts of so many products; `meanwhile` is for this thread.
+  template <class Meanwhile>
+  void InSlices(std::size_t products, const Slice::Work& work, Meanwhile meanwhile) {
+    for (std::size_t i = 0; i < slices_.size(); ++i) {
+      slices_[i]->Take(work, products * i / slices_.size(), products * (i + 1) / slices_.size());
+      pool_.Submit(*slices_[i]);
     }
-    for (const PlacedProduct& product : products) {
-      if (!isSeen(product)) continue;
-      IFC::IfcEntity* const placement =
-          EntityCast<IFC::VirtualIfcProduct>(product.entity)->getObjectPlacement();
-      if (placement == nullptr) continue;
-      PrefetchObject(placement);
-      foreseen_.push_back(placement);
+    try {
+      meanwhile();
+      for (const auto& slice : slices_) pool_.Finish(*slice);
+    } catch (...) {
+      pool_.Drop();  // what they work on is about to go
+      throw;
     }
-    for (NamedAttribute* const next : {&relative_, &location_}) {
-      for (const IFC::IfcEntity*& at : foreseen_) {
-        at = at == nullptr ? nullptr : next->ReferenceIn(*at);
-        if (at != nullptr) PrefetchObject(at);
+  }
+
+  void SortOut() {
+    for (std::size_t i = 0; i < products_.size(); ++i) {
+      ClassName& name = names_[origins_[i].classId];
+      if (name.role == Role::kStorey) {
+        AddStorey(i);
+        continue;
       }
-    }
-    for (const IFC::IfcEntity* const point : foreseen_) {
-      const List<double>* const numbers = point == nullptr ? nullptr : coordinates_.RealsIn(*point);
-      if (numbers != nullptr) platform::PrefetchToRead(numbers->begin());
-    }
-  }
-
-  // Down to what shapes consist of.
-  void ForeseeShapes(std::span<const std::size_t> products) {
-    foreseen_.clear();
-    for (const std::size_t product : products) {
-      const IFC::IfcEntity* const shape = shape_.ReferenceIn(*candidates_[product].entity);
-      if (shape == nullptr) continue;
-      PrefetchObject(shape);
-      foreseen_.push_back(shape);
-    }
-    for (NamedAttribute* const next : {&representations_, &items_}) {
-      lists_.clear();
-      for (const IFC::IfcEntity* const at : foreseen_) {
-        const EntityList* const list = next->ReferencesIn(*at);
-        if (list == nullptr || list->size() == 0) continue;
-        platform::PrefetchToRead(list->begin());
-        lists_.push_back(list);
+      if (!transforms_[i]) {
+        ++places_.withoutPlace;
+        continue;
       }
-      foreseen_.clear();
-      for (const EntityList* const list : lists_) {
-        const IFC::IfcEntity* const first = *list->begin();
-        if (first == nullptr) continue;
-        PrefetchObject(first);
-        foreseen_.push_back(first);
+      if (!name.index) {
+        name.index = static_cast<std::uint32_t>(places_.classes.size());
+        places_.classes.push_back({name.name, 0, 0});
       }
+      ++places_.classes[*name.index].products;
+      listed_.push_back(i);
     }
-    for (const IFC::IfcEntity* const solid : foreseen_) {
-      const IFC::IfcEntity* const profile = sweptArea_.ReferenceIn(*solid);
-      if (profile != nullptr) PrefetchObject(profile);
-    }
-  }
-
-  // Nothing where it cannot be told.
-  std::optional<Transform> PlaceOfProduct(IFC::IfcEntity& entity) {
-    IFC::IfcEntity* const placement =
-        EntityCast<IFC::VirtualIfcProduct>(&entity)->getObjectPlacement();
-    if (placement == nullptr) return std::nullopt;
-    return worlds_.OfLeaf(*placement);
-  }
-
-  std::uint32_t ClassIndexOf(const PlacedProduct& product) {
-    return classes_.Of(product, [this](const IFC::IfcEntity& entity) {
-      const ClassFacts* const facts = FindFacts(entity);
-      places_.classes.push_back({facts == nullptr ? "" : facts->name, 0, 0});
-      return static_cast<std::uint32_t>(places_.classes.size() - 1);
-    });
-  }
-
-  void AddCandidate(const PlacedProduct& product, std::uint32_t input) {
-    const auto place = PlaceOfProduct(*product.entity);
-    if (!place) {
-      ++places_.withoutPlace;
-      return;
-    }
-    const std::uint32_t classIndex = ClassIndexOf(product);
-    ++places_.classes[classIndex].products;
-    candidates_.push_back({product.entity, *place, input, classIndex});
   }
 
   // A storey that stands nowhere, or at 0, has the height that it says.
-  void AddStorey(IFC::IfcEntity& entity, std::uint32_t input) {
-    const auto place = PlaceOfProduct(entity);
-    double height = place ? place->origin[2] : 0.0;
+  void AddStorey(std::size_t at) {
+    const IFC::IfcEntity& entity = *products_[at];
+    double height = transforms_[at] ? transforms_[at]->origin[2] : 0.0;
     if (height == 0.0) height = RealOf(entity, "Elevation");
     if (std::isfinite(height)) {
-      places_.storeys.push_back({input, TextOf(entity, "Name"), height * metres_});
+      places_.storeys.push_back({origins_[at].input, TextOf(entity, "Name"), height * metres_});
     }
   }
 
-  void AddProducts() {
-    const Thinning thinning(candidates_.size(), wanted_.most);
+  void ThinOut() {
+    const Thinning thinning(listed_.size(), wanted_.most);
     std::vector<std::size_t> seen(places_.classes.size(), 0);
-    std::erase_if(candidates_, [&](const Candidate& candidate) {
-      ClassOfPlaces& own = places_.classes[candidate.classIndex];
-      const bool isListed = thinning.Takes(seen[candidate.classIndex]++, own.products);
+    std::erase_if(listed_, [&](std::size_t product) {
+      const std::uint32_t index = *names_[origins_[product].classId].index;
+      ClassOfPlaces& own = places_.classes[index];
+      const bool isListed = thinning.Takes(seen[index]++, own.products);
       if (isListed) ++own.listed;
       return !isListed;
     });
-    places_.products.reserve(candidates_.size());
+    places_.products.resize(listed_.size());
+    for (std::size_t i = 0; i < listed_.size(); ++i) {
+      const Origin& origin = origins_[listed_[i]];
+      places_.products[i].input = origin.input;
+      places_.products[i].classIndex = *names_[origin.classId].index;
+    }
+  }
+
+  // Which of those that are listed.
+  std::vector<bool> WithBoxes() const {
+    std::vector<bool> hasBox(listed_.size(), wanted_.boxes == Boxes::kOfAll);
+    if (wanted_.boxes == Boxes::kOfDrawn) {
+      for (const std::size_t drawn : DrawnProducts(places_)) hasBox[drawn] = true;
+    }
+    return hasBox;
+  }
+
+  void Describe(ProductLooker& looker, std::size_t begin, std::size_t end) {
     constexpr std::size_t kAhead = 8;
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-      if (i + 2 * kAhead < candidates_.size()) PrefetchObject(candidates_[i + 2 * kAhead].entity);
-      if (i + kAhead < candidates_.size()) PrefetchTexts(*candidates_[i + kAhead].entity);
-      places_.products.push_back(PlaceFor(candidates_[i]));
-    }
-    AddBoxes(wanted_.boxes == Boxes::kOfAll ? AllProducts() : DrawnProducts(places_));
-  }
-
-  std::vector<std::size_t> AllProducts() const {
-    std::vector<std::size_t> all(candidates_.size());
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    return all;
-  }
-
-  void AddBoxes(std::span<const std::size_t> products) {
-    while (!products.empty()) {
-      const auto few = products.first(std::min(kAtOnce, products.size()));
-      ForeseeShapes(few);
-      for (const std::size_t i : few) places_.products[i].box = BoxOf(candidates_[i]);
-      products = products.subspan(few.size());
+    for (std::size_t i = begin; i < end; ++i) {
+      if (i + 2 * kAhead < end) PrefetchObject(products_[listed_[i + 2 * kAhead]]);
+      if (i + kAhead < end) looker.Foresee(*products_[listed_[i + kAhead]]);
+      looker.Describe(*products_[listed_[i]], *transforms_[listed_[i]], places_.products[i]);
     }
   }
 
-  void PrefetchTexts(IFC::IfcEntity& entity) {
-    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(&entity);
-    if (root != nullptr) platform::PrefetchToRead(root->getGlobalId());
-    const auto* const name = name_.ValueIn<ModelText>(entity);
-    if (name != nullptr && name->IsPlain()) platform::PrefetchToRead(name->Plain().data());
-  }
-
-  ProductPlace PlaceFor(const Candidate& candidate) {
-    const auto* const root = EntityCast<IFC::VirtualIfcRoot>(candidate.entity);
-    const auto* const name = name_.ValueIn<ModelText>(*candidate.entity);
-    return {candidate.input, candidate.classIndex,
-            root == nullptr ? std::string() : std::string(root->getGlobalId()),
-            name == nullptr ? WideString() : name->ToWide(),
-            Times(candidate.place.origin, metres_)};
-  }
-
-  std::optional<ProductBox> BoxOf(const Candidate& candidate) {
-    const IFC::IfcEntity* const shape = shape_.ReferenceIn(*candidate.entity);
-    if (shape == nullptr) return std::nullopt;
-    const Bounds own = boxes_.Of(*shape);
-    if (own.isEmpty) return std::nullopt;
-    // A product that leans is drawn by the box around it.
-    constexpr double kUpright = 1.0 - 1e-6;
-    const Transform& place = candidate.place;
-    const bool isUpright = place.z[2] >= kUpright;
-    Bounds bounds;
-    if (isUpright) {
-      bounds = own;
-    } else {
-      bounds.Add(own, place);
+  void AddBoxes(ProductLooker& looker, const std::vector<bool>& hasBox, std::size_t begin,
+                std::size_t end) {
+    constexpr std::size_t kAtOnce = 32;
+    std::vector<std::size_t> few;
+    std::vector<IFC::IfcEntity*> entities;
+    for (std::size_t i = begin; i < end;) {
+      few.clear();
+      entities.clear();
+      for (; i < end && few.size() < kAtOnce; ++i) {
+        if (!hasBox[i]) continue;
+        few.push_back(i);
+        entities.push_back(products_[listed_[i]]);
+      }
+      looker.ForeseeShapes(entities);
+      for (const std::size_t at : few) {
+        const std::size_t product = listed_[at];
+        places_.products[at].box = looker.BoxOf(*products_[product], *transforms_[product]);
+      }
     }
-    ProductBox box;
-    box.size = Times(Plus(bounds.high, Times(bounds.low, -1.0)), metres_);
-    const Triple centre = Times(Plus(bounds.low, bounds.high), 0.5);
-    box.centre = Times(isUpright ? place.Moved(centre) : centre, metres_);
-    if (isUpright) {
-      constexpr double kHalfTurn = 180.0;
-      box.degrees = std::atan2(place.x[1], place.x[0]) * kHalfTurn / std::numbers::pi;
-    }
-    return box;
   }
 
   // Of the first context that tells.
@@ -283,33 +262,22 @@ class PlaceCollector {
   const IfcDocument& merged_;
   PlacesWanted wanted_;
   double metres_;
-  WorldPlaces worlds_;
-  ShapeBoxes boxes_;
-  PerProductClass<Role> roles_;
-  PerProductClass<std::uint32_t> classes_;  // by index of ModelPlaces::classes
-  NamedAttribute name_{"Name"};
-  NamedAttribute shape_{"Representation"};
-  NamedAttribute relative_{"RelativePlacement"};
-  NamedAttribute location_{"Location"};
-  NamedAttribute coordinates_{"Coordinates"};
-  NamedAttribute representations_{"Representations"};
-  NamedAttribute items_{"Items"};
-  NamedAttribute sweptArea_{"SweptArea"};
-  std::vector<const EntityList*> lists_;
-  std::vector<const IFC::IfcEntity*> foreseen_;
-  std::vector<Candidate> candidates_;
+  PerProductClass<std::uint32_t> ids_;
+  std::vector<ClassName> names_;
+  std::vector<IFC::IfcEntity*> products_;             // storeys, and what is drawn
+  std::vector<Origin> origins_;                       // of these
+  std::vector<std::optional<Transform>> transforms_;  // likewise
+  std::vector<std::size_t> listed_;                   // positions of these, as in places_.products
   ModelPlaces places_;
+  std::vector<std::unique_ptr<Slice>> slices_;
+  platform::WorkerPool pool_;  // gone first
 };
 
 }  // namespace
 
 ModelPlaces CollectPlaces(const IfcDocument& merged, const std::vector<PlacedInput>& inputs,
                           const PlacesWanted& wanted) {
-  PlaceCollector collector(merged, wanted);
-  for (const PlacedInput& input : inputs) collector.Look(input);
-  ModelPlaces places = collector.Finish();
-  places.tree = CollectSpatialTree(merged, inputs);
-  return places;
+  return PlaceCollector(merged, wanted).Collect(inputs);
 }
 
 }  // namespace corvel

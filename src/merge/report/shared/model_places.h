@@ -18,6 +18,8 @@ struct PlacesWanted {
   // More products than this are thinned out, each class by the same share.
   std::size_t most = 100'000;
   Boxes boxes = Boxes::kOfDrawn;  // see DrawnProducts
+  // In all, that of the caller among them. More than one: nothing of the model is carried.
+  unsigned threads = 1;
 };
 
 // A product of an input. One that is not kept may have another object stand for it; one that is

@@ -75,8 +75,7 @@ Bounds ShapeBoxes::BoundsOfBox(const IFC::IfcEntity& box) {
   if (corner == nullptr) return bounds;
   const Triple low = points_.Of(corner);
   bounds.Add(low);
-  bounds.Add(
-      Plus(low, Triple{widths_[0].RealIn(box), depths_[0].RealIn(box), RealOf(box, "ZDim")}));
+  bounds.Add(Plus(low, Triple{widths_[0].RealIn(box), depths_[0].RealIn(box), zDim_.RealIn(box)}));
   return bounds;
 }
 

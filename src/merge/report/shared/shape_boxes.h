@@ -64,6 +64,7 @@ class ShapeBoxes {
       NamedAttribute{"Width"}, NamedAttribute{"BottomFlangeWidth"}, NamedAttribute{"HeadWidth"}};
   std::array<NamedAttribute, 4> depths_{NamedAttribute{"YDim"}, NamedAttribute{"OverallDepth"},
                                         NamedAttribute{"Depth"}, NamedAttribute{"OverallHeight"}};
+  NamedAttribute zDim_{"ZDim"};
   NamedAttribute source_{"MappingSource"};
   NamedAttribute target_{"MappingTarget"};
   NamedAttribute origin_{"MappingOrigin"};
