@@ -9,6 +9,7 @@
 #include "host/check/check_report.h"
 #include "host/check/report/check_page.h"
 #include "host/display_text.h"
+#include "host/reading_watch.h"
 #include "host/run_checks.h"
 #include "merge/report/shared/model_places.h"
 #include "merge/report/shared/report_file.h"
@@ -18,31 +19,14 @@ namespace corvel::host {
 
 namespace {
 
-// The readers take plain functions.
-RunConsole* watching = nullptr;
-ProgressView view;
-
-bool Tick(int value, int /*stageWeight*/, const WideString* /*text*/, bool /*exactMode*/,
-          int /*maximum*/) {
-  if (watching == nullptr) return true;
-  constexpr int kHundred = 100;
-  view.step = std::clamp(value, 0, kHundred);
-  return watching->Draw(view);
-}
-
 class CheckRun {
  public:
   CheckRun(const CheckRunOrder& order, RunConsole& console, const TextSink& output)
-      : order_(order), console_(console), output_(output) {
-    watching = &console;
+      : order_(order), console_(console), output_(output), watch_(console, u"Checking") {
     console.HoldBackBoxes();
-    view = {};
     MemoryReportOutput() = nullptr;  // standard output is for what is found
     Cancellation::OfProcess().ForgetAnswer();
   }
-  ~CheckRun() { watching = nullptr; }
-  CheckRun(const CheckRun&) = delete;
-  CheckRun& operator=(const CheckRun&) = delete;
 
   ExitStatus Run() {
     if (const auto trouble = TroubleWithWorkFolder(order_.workFolder)) {
@@ -120,11 +104,9 @@ class CheckRun {
   // False: the user cancelled.
   bool CheckOne(const WideString& path, CheckOrder order, std::vector<CheckedModel>& models) {
     const std::size_t files = order_.inputs.size() + order_.against.size();
-    view.overallText = u"Checking";
-    view.overall = static_cast<int>(done_++ * 100 / files);
-    view.stepText = path;
+    watch_.StepBegins(path, static_cast<int>(done_++ * 100 / files));
     order.workFolder = order_.workFolder;
-    order.progress = Tick;
+    order.progress = ReadingWatch::Tick;
     models.push_back(CheckModel(path, order));
     CheckedModel& model = models.back();
     model.path = WithShownPaths(model.path);
@@ -144,6 +126,7 @@ class CheckRun {
   const CheckRunOrder& order_;
   RunConsole& console_;
   const TextSink& output_;
+  ReadingWatch watch_;
   CheckReport report_;
   std::size_t done_ = 0;
   bool isReadable_ = true;

@@ -11,6 +11,7 @@
 #include "host/display_text.h"
 #include "host/header_look.h"
 #include "host/hearing.h"
+#include "host/reading_watch.h"
 #include "host/run_checks.h"
 #include "step/log/utilities.h"
 
@@ -20,36 +21,20 @@ namespace {
 
 constexpr int kReadingShare = 40;  // percent of the whole that one reading takes
 
-// The readers take plain functions.
-RunConsole* watching = nullptr;
-ProgressView view;
-int before = 0;
-
-bool Tick(int value, int /*stageWeight*/, const WideString* /*text*/, bool /*exactMode*/,
-          int /*maximum*/) {
-  if (watching == nullptr) return true;
-  view.step = value;
-  view.overall = before + value * kReadingShare / 100;
-  return watching->Draw(view);
-}
-
 class DiffRun {
  public:
   DiffRun(const DiffOrder& order, RunConsole& console, const TextSink& output)
-      : order_(order), console_(console), output_(output) {
-    watching = &console;
+      : order_(order),
+        console_(console),
+        output_(output),
+        watch_(console, u"Comparing", kReadingShare) {
     MemoryReportOutput() = nullptr;  // standard output is for what is found
-    view = {};
-    view.overallText = u"Comparing";
   }
-  ~DiffRun() { watching = nullptr; }
-  DiffRun(const DiffRun&) = delete;
-  DiffRun& operator=(const DiffRun&) = delete;
 
   ExitStatus Run() {
     if (!InputsAreGood()) return ExitStatus::kNothingWritten;
-    IfcDocument one(order_.ignoreEnumErrors, Hear, Tick);
-    IfcDocument other(order_.ignoreEnumErrors, Hear, Tick);
+    IfcDocument one(order_.ignoreEnumErrors, Hear, ReadingWatch::Tick);
+    IfcDocument other(order_.ignoreEnumErrors, Hear, ReadingWatch::Tick);
     if (!Read(one, order_.before, 0) || !Read(other, order_.after, kReadingShare)) return Unread();
     constexpr double kMillimetre = 1e-3;
     const Tolerance tolerance{order_.toleranceMm * kMillimetre};
@@ -79,8 +64,7 @@ class DiffRun {
   }
 
   bool Read(IfcDocument& document, const WideString& path, int startsAt) {
-    before = startsAt;
-    view.stepText = u"Reading " + path;
+    watch_.StepBegins(u"Reading " + path, startsAt);
     std::vector<WideString> told;
     const Hearing hearing(told);
     if (order_.tolerant) document.ReadTolerantly();
@@ -107,10 +91,10 @@ class DiffRun {
   }
 
   bool Draw(int percent) {
-    view.stepText = u"Comparing";
-    view.step = percent;
-    view.overall = 2 * kReadingShare + percent * (100 - 2 * kReadingShare) / 100;
-    return console_.Draw(view) || !console_.ShallEnd();
+    constexpr int kBothRead = 2 * kReadingShare;
+    watch_.StepBegins(u"Comparing", kBothRead);
+    return watch_.Draw(percent, kBothRead + percent * (100 - kBothRead) / 100) ||
+           !console_.ShallEnd();
   }
 
   ExitStatus Unread() {
@@ -122,6 +106,7 @@ class DiffRun {
   const DiffOrder& order_;
   RunConsole& console_;
   const TextSink& output_;
+  ReadingWatch watch_;
 };
 
 }  // namespace

@@ -7,7 +7,9 @@
 
 namespace corvel {
 
-// Numbers of objects, by a hash of their content. 8 bytes a slot, a quarter of which stays free.
+// Numbers of objects, by a hash of their content. 8 bytes a slot, a fifth of which stay free at
+// least: with millions of objects it is memory that counts here, and their number is known before,
+// so that the table neither grows, as OpenTable does, nor has the size of a power of two.
 class EqualTable {
  public:
   // There will be at most so many different ones.

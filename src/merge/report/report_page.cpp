@@ -23,7 +23,7 @@ std::string ContentOf(const RunReport& report, const PageTexts& texts) {
   AddSteps(report, html);
   AddTree(report, html);
   AddStages(report, html);
-  html.Raw("<footer>corvel " CORVEL_VERSION " \u00b7 ").Word("forPrograms").Raw("</footer>\n");
+  AddFooter(html);
   return html.Take();
 }
 

@@ -42,7 +42,7 @@ std::string MainOf(const CheckReport& report, const PageTexts& texts) {
   AddFactsOfModels(report, html);
   AddDrawingsOfModels(report, html);
   AddTreesOfModels(report, html);
-  html.Raw("<footer>corvel " CORVEL_VERSION " \u00b7 ").Word("forPrograms").Raw("</footer>\n");
+  AddFooter(html);
   return html.Take();
 }
 

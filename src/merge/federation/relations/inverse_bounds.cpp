@@ -13,7 +13,7 @@ constexpr std::uint16_t Only(SchemaNamespace release) {
 }
 
 constexpr std::uint16_t Since(SchemaNamespace release) {
-  return static_cast<std::uint16_t>(0x1FFu & ~(Only(release) - 1u));
+  return static_cast<std::uint16_t>(~(Only(release) - 1u));
 }
 
 constexpr std::uint16_t Until(SchemaNamespace release) {

@@ -1,9 +1,12 @@
 #include "merge/report/shared/page_frame.h"
 
-#include "merge/report/shared/html_text.h"
 #include "merge/report/shared/page_parts.h"
 
 namespace corvel {
+
+void AddFooter(HtmlText& html) {
+  html.Raw("<footer>corvel " CORVEL_VERSION " \u00b7 ").Word("forPrograms").Raw("</footer>\n");
+}
 
 // Each piece of the template up to a name in double braces, then what stands for the name: what is
 // put in is not looked at again, whatever names are in it.
