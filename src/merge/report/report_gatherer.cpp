@@ -77,6 +77,7 @@ void ReportGatherer::EndStage() {
 
 void ReportGatherer::StageBegins(RunStage stage, const WideString& path) {
   EndStage();
+  beingMarked_.reset();
   report_.stages.push_back({stage, WithShownPaths(path)});
 }
 
@@ -137,7 +138,8 @@ void ReportGatherer::ModelIsMarked(const IfcDocument& document, MarkingStep step
 }
 
 void ReportGatherer::ModelHasItsTurn(const IfcDocument& document) {
-  inputs_[IndexOf(document)].hadItsTurn = true;
+  beingMarked_ = IndexOf(document);
+  inputs_[*beingMarked_].hadItsTurn = true;
 }
 
 namespace {
@@ -276,7 +278,7 @@ void ReportGatherer::RunEnds(const RunResult& result) {
   for (std::size_t i = 0; i < inputs_.size(); ++i) {
     InputReport& told = report_.inputs[i];
     if (output.isKnown && told.takesPart) continue;
-    if (!inputs_[i].hadItsTurn) inputs_[i].fates.Forget();
+    if (!inputs_[i].hadItsTurn || beingMarked_ == i) inputs_[i].fates.Forget();
     told.records.leftOut = told.records.in;
     inputs_[i].fates.DropRest(DropReason::kModelLeftOut);
   }

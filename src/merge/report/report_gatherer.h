@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/shown_paths.h"
@@ -65,6 +66,8 @@ class ReportGatherer final : public RunObserver {
   unsigned threads_;
   std::vector<Input> inputs_;  // as those of the report
   std::vector<IfcDocument*> folded_;
+  // Whose turn it is to be marked. A marking that did not come to its end has chosen nothing.
+  std::optional<std::size_t> beingMarked_;
   bool isOnlyFolded_ = false;  // so that the sizes of the models tell what became of their records
   std::int64_t stageBegan_ = 0;
   bool hasEnded_ = false;
