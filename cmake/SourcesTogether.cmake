@@ -1,5 +1,7 @@
 # Compiles the sources of a layer several at a time: headers and templates cost more than what stands in
-# the sources. Builds for one change after the other don't, and find a forgotten include.
+# the sources. Builds for one change after the other don't, and find a forgotten include. Nor is the
+# reader compiled so: with others around it the compiler calls what it puts in place otherwise, and a
+# merge takes 3 % more instructions.
 option(CORVEL_SOURCES_TOGETHER "Compile the sources of layers several at a time" OFF)
 
 # To the compiler of a unit all its sources are headers.
