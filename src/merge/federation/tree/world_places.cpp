@@ -110,28 +110,30 @@ const std::optional<Transform>& WorldPlaces::Of(IFC::IfcEntity& placement) {
 }
 
 std::optional<Transform> WorldPlaces::OfLeaf(IFC::IfcEntity& placement) {
+  return Standing(placement, [this](IFC::IfcEntity& outer) -> const std::optional<Transform>& {
+    if (&outer != lastOuter_) {
+      lastOuterPlace_ = &Of(outer);
+      lastOuter_ = &outer;
+    }
+    return *lastOuterPlace_;
+  });
+}
+
+void WorldPlaces::Enter(IFC::IfcEntity& placement) {
+  known_[&placement] = Standing(
+      placement,
+      [this](IFC::IfcEntity& outer) -> const std::optional<Transform>& { return known_[&outer]; });
+}
+
+template <class PlaceOfOuter>
+std::optional<Transform> WorldPlaces::Standing(IFC::IfcEntity& placement,
+                                               PlaceOfOuter placeOfOuter) {
   if (!isLocal_.IsTrueOf(placement)) return std::nullopt;
   auto relative = reader_.Of(relative_.ReferenceIn(placement));
   IFC::IfcEntity* const outer = outer_.ReferenceIn(placement);
   if (!relative || outer == nullptr) return relative;
-  if (outer != lastOuter_) {
-    lastOuterPlace_ = &Of(*outer);
-    lastOuter_ = outer;
-  }
-  if (!*lastOuterPlace_) return std::nullopt;
-  return (*lastOuterPlace_)->Around(*relative);
-}
-
-void WorldPlaces::Enter(IFC::IfcEntity& placement) {
-  if (!isLocal_.IsTrueOf(placement)) return;
-  const auto relative = reader_.Of(relative_.ReferenceIn(placement));
-  const IFC::IfcEntity* const outer = outer_.ReferenceIn(placement);
-  if (!relative) return;
-  if (outer == nullptr) {
-    known_[&placement] = relative;
-  } else if (const auto& place = known_[outer]) {
-    known_[&placement] = place->Around(*relative);
-  }
+  const std::optional<Transform>& place = placeOfOuter(*outer);
+  return place ? std::optional(place->Around(*relative)) : std::nullopt;
 }
 
 }  // namespace corvel

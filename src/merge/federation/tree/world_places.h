@@ -50,6 +50,9 @@ class WorldPlaces {
 
  private:
   void Enter(IFC::IfcEntity& placement);
+  // Where it stands, given the place of what it stands on.
+  template <class PlaceOfOuter>
+  std::optional<Transform> Standing(IFC::IfcEntity& placement, PlaceOfOuter placeOfOuter);
 
   ClassQuestion isLocal_{"IfcLocalPlacement"};
   NamedAttribute outer_{"PlacementRelTo"};
