@@ -15,27 +15,17 @@ namespace {
 
 constexpr std::size_t kColours = 8;
 constexpr std::string_view kNarrowSpace = "\u202F";
-constexpr char16_t kReplacement = 0xFFFD;
-
-bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 // What a page may not have in it, escaped or not.
 bool IsForbidden(char16_t unit) {
   const bool isControl =
       (unit < 0x20 && unit != u'\n' && unit != u'\t') || (unit >= 0x7F && unit <= 0x9F);
-  return isControl || unit == 0xFFFE || unit == 0xFFFF || IsHighHalf(unit) || IsLowHalf(unit);
+  return isControl || unit == 0xFFFE || unit == 0xFFFF;
 }
 
 constexpr PlainCharacters kPlain("&<>\"'");
 
-// The first character of a text, which is not plain. Gives how many units it has.
-std::size_t AppendSpecial(WideView text, std::string& html) {
-  const char16_t unit = text.front();
-  if (IsHighHalf(unit) && text.size() > 1 && IsLowHalf(text[1])) {
-    AppendUtf8(text.substr(0, 2), html);
-    return 2;
-  }
+void AppendSpecial(char16_t unit, std::string& html) {
   switch (unit) {
     case u'&': html += "&amp;"; break;
     case u'<': html += "&lt;"; break;
@@ -43,11 +33,10 @@ std::size_t AppendSpecial(WideView text, std::string& html) {
     case u'"': html += "&quot;"; break;
     case u'\'': html += "&#39;"; break;
     default: {
-      const char16_t shown = IsForbidden(unit) ? kReplacement : unit;
+      const char16_t shown = IsForbidden(unit) ? kReplacementCharacter : unit;
       AppendUtf8(WideView(&shown, 1), html);
     }
   }
-  return 1;
 }
 
 }  // namespace

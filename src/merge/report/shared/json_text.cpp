@@ -11,12 +11,8 @@ namespace corvel {
 
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
 // The first two bytes of U+2028 and U+2029.
 constexpr std::string_view kLineSeparators = "\xE2\x80";
-
-bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 void AppendEscape(char16_t unit, std::string& bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
@@ -31,23 +27,15 @@ bool IsEscaped(char16_t unit) {
          unit == 0x2028 || unit == 0x2029;
 }
 
-// The first character of a text, which is not plain. Gives how many units it has.
-std::size_t AppendSpecial(WideView text, std::string& bytes) {
-  const char16_t unit = text.front();
-  if (IsHighHalf(unit) && text.size() > 1 && IsLowHalf(text[1])) {
-    AppendUtf8(text.substr(0, 2), bytes);
-    return 2;
-  }
+void AppendSpecial(char16_t unit, std::string& bytes) {
   if (unit == u'"' || unit == u'\\') {
     bytes += '\\';
     bytes += static_cast<char>(unit);
   } else if (IsEscaped(unit)) {
     AppendEscape(unit, bytes);
   } else {
-    const char16_t shown = IsHighHalf(unit) || IsLowHalf(unit) ? kReplacement : unit;
-    AppendUtf8(WideView(&shown, 1), bytes);
+    AppendUtf8(WideView(&unit, 1), bytes);
   }
-  return 1;
 }
 
 }  // namespace

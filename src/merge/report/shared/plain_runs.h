@@ -10,6 +10,9 @@
 
 namespace corvel {
 
+// Stands for what is no character.
+inline constexpr char16_t kReplacementCharacter = 0xFFFD;
+
 // Which characters of ASCII need nothing done to them.
 class PlainCharacters {
  public:
@@ -29,18 +32,28 @@ class PlainCharacters {
   bool AreAll(std::string_view bytes) const {
     return std::all_of(bytes.begin(), bytes.end(), *this);
   }
-  // Puts the text behind `bytes`. `appendSpecial` has what begins with another character put there,
-  // and gives how many units of it that were.
+  // Puts the text behind `bytes`, in UTF-8. `appendSpecial` puts each other character of one unit;
+  // instead of half a pair it is given U+FFFD.
   template <class AppendSpecial>
   void AppendText(WideView text, std::string& bytes, AppendSpecial appendSpecial) const {
     text.remove_prefix(AppendRun(text, bytes));
     while (!text.empty()) {
-      text.remove_prefix(appendSpecial(text, bytes));
+      const bool isPair = IsHighHalf(text[0]) && text.size() > 1 && IsLowHalf(text[1]);
+      if (isPair) {
+        AppendUtf8(text.substr(0, 2), bytes);
+      } else {
+        const bool isHalf = IsHighHalf(text[0]) || IsLowHalf(text[0]);
+        appendSpecial(isHalf ? kReplacementCharacter : text[0], bytes);
+      }
+      text.remove_prefix(isPair ? 2 : 1);
       text.remove_prefix(AppendRun(text, bytes));
     }
   }
 
  private:
+  static constexpr bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+  static constexpr bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
   // Puts the run at the beginning of `text` behind `bytes`, and gives its length.
   std::size_t AppendRun(WideView text, std::string& bytes) const {
     const auto end = std::find_if_not(text.begin(), text.end(), *this);
