@@ -139,11 +139,12 @@ class PlaceCollector {
   // Gives all slices their parts of so many products; `meanwhile` is for this thread.
   template <class Meanwhile>
   void InSlices(std::size_t products, const Slice::Work& work, Meanwhile meanwhile) {
-    for (std::size_t i = 0; i < slices_.size(); ++i) {
-      slices_[i]->Take(work, products * i / slices_.size(), products * (i + 1) / slices_.size());
-      pool_.Submit(*slices_[i]);
-    }
+    const std::size_t count = slices_.size();
     try {
+      for (std::size_t i = 0; i < count; ++i) {
+        slices_[i]->Take(work, products * i / count, products * (i + 1) / count);
+        pool_.Submit(*slices_[i]);
+      }
       meanwhile();
       for (const auto& slice : slices_) pool_.Finish(*slice);
     } catch (...) {

@@ -26,7 +26,7 @@ struct PlacesWanted {
 // stands in the model itself.
 struct PlacedProduct {
   IFC::IfcEntity* entity = nullptr;
-  const char16_t* className = nullptr;  // as the object gives it: one address for each class
+  const char16_t* className = nullptr;  // never null: the class has one address
   bool isKept = true;
 };
 
