@@ -7,8 +7,8 @@
 
 namespace corvel::host {
 
-// Draws how far the reading is. The readers take plain functions: there is one of these at a time,
-// and none that lives tells them to go on.
+// Draws how far the reading is. The readers take a plain function, so that there is one of these at
+// a time. Where there is none, Tick lets them go on and draws nothing.
 class ReadingWatch {
  public:
   // `overallText`: over the upper bar. `readingShare`: percent of the whole that one reading takes;
