@@ -3,6 +3,7 @@
 #include "core/reporting.h"
 #include "merge/report/write_report.h"
 #include "plugin/host_functions.h"
+#include "plugin/progress_window.h"
 #include "plugin/run_reports.h"
 #include "step/log/ifc_log.h"
 
@@ -23,14 +24,15 @@ ReportsHeard::ReportsHeard(ReportGatherer* gatherer) {
   if (gatherer == nullptr) return;
   // What is collected is one report with what is shown at its end, as it is in a box.
   SetReportEar([gatherer, isOpen = false](const WideString& text, int mode) mutable {
+    const WideString& file = ProgressWindow::Instance().CurrentFile();
     if (mode == kReportLog) {
-      if (!text.empty()) gatherer->AddMessage(text);
+      if (!text.empty()) gatherer->AddMessage(text, file);
       return;
     }
     if (isOpen) {
       gatherer->ContinueFailure(text);
     } else if (!text.empty()) {
-      gatherer->AddFailure(text);
+      gatherer->AddFailure(text, file);
     }
     isOpen = mode == kReportCollect && (isOpen || !text.empty());
   });

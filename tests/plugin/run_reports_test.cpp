@@ -32,7 +32,7 @@ class ReportTest : public testing::Test {
   }
 
   std::string BoxWith(const std::string& text) const {
-    return "message_box(\"Error\", \"" + text + "\nLog: " + ToUtf8(folder.Path("a_IFC_LOG.txt")) +
+    return R"(message_box("Error", ")" + text + "\nLog: " + ToUtf8(folder.Path("a_IFC_LOG.txt")) +
            "\", 16)";
   }
   // What is in the log behind the date line, without its margins of blanks.
@@ -194,6 +194,13 @@ TEST_F(ReportTest, ANewRunForgetsReportsPendingTextsAndCancels) {
   EXPECT_EQ((std::vector<std::string>{BoxWith("new")}), host.calls);
 }
 
+std::vector<WideString> TextsOf(const std::vector<ToldText>& told) {
+  std::vector<WideString> texts;
+  texts.reserve(told.size());
+  for (const ToldText& one : told) texts.push_back(one.text);
+  return texts;
+}
+
 TEST_F(ReportTest, WhatABoxShowsAtOnceIsOneFailureOfAReport) {
   ReportGatherer gatherer("merge");
   {
@@ -209,8 +216,28 @@ TEST_F(ReportTest, WhatABoxShowsAtOnceIsOneFailureOfAReport) {
   }
   EXPECT_EQ(
       (std::vector<WideString>{u"alone", u"first, last", u"in front, behind", u"alone again"}),
-      gatherer.Report().failures);
-  EXPECT_EQ((std::vector<WideString>{u"by the way"}), gatherer.Report().messages);
+      TextsOf(gatherer.Report().failures));
+  EXPECT_EQ((std::vector<WideString>{u"by the way"}), TextsOf(gatherer.Report().messages));
+}
+
+TEST_F(ReportTest, WhatGoesIntoAReportHasTheFileThatWasAtWork) {
+  ReportGatherer gatherer("merge");
+  {
+    const ReportsHeard heard(&gatherer);
+    ProgressWindow& progress = ProgressWindow::Instance();
+    progress.SetCurrentText(u"Reading");
+    progress.SetCurrentFile(u"a.ifc");
+    ShowError("", u"not readable", kReportShow);
+    ShowError("", u"by the way", kReportLog);
+    progress.SetCurrentText(u"Comparing");
+    ShowError("", u"of all", kReportShow);
+  }
+  const RunReport& report = gatherer.Report();
+  ASSERT_EQ(2u, report.failures.size());
+  ASSERT_EQ(1u, report.messages.size());
+  EXPECT_EQ(u"a.ifc", report.failures[0].file);
+  EXPECT_EQ(u"a.ifc", report.messages[0].file);
+  EXPECT_EQ(WideString(), report.failures[1].file);
 }
 
 TEST(ReportWithoutTexts, IsShownAllTheSame) {

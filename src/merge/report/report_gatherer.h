@@ -21,11 +21,15 @@ class ReportGatherer final : public RunObserver {
   explicit ReportGatherer(std::string command, unsigned threads = 1);
   ~ReportGatherer() override;
 
-  // What others have to tell. Its text is told as it is.
-  void AddFailure(WideView text) { report_.failures.push_back(WithShownPaths(text)); }
+  // What others have to tell. Its text is told as it is; `file` is what was at work, if anything.
+  void AddFailure(WideView text, WideView file = {}) {
+    report_.failures.push_back({WithShownPaths(text), WithShownPaths(file)});
+  }
   // The last failure goes on. There is one.
-  void ContinueFailure(WideView text) { report_.failures.back() += WithShownPaths(text); }
-  void AddMessage(WideView text) { report_.messages.push_back(WithShownPaths(text)); }
+  void ContinueFailure(WideView text) { report_.failures.back().text += WithShownPaths(text); }
+  void AddMessage(WideView text, WideView file = {}) {
+    report_.messages.push_back({WithShownPaths(text), WithShownPaths(file)});
+  }
   void SetDryRun(bool isDryRun) { report_.isDryRun = isDryRun; }
   // Before RunEnds, which looks how large the file is.
   void SetOutput(WideString path) { report_.output.path = std::move(path); }

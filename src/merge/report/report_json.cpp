@@ -26,10 +26,8 @@ class Writer {
     json_.Member("program", "corvel " CORVEL_VERSION);
     json_.Member("dryRun", report_.isDryRun);
     json_.Member("startedAt", report_.startedAt);
-    Line("failures");
-    json_.Texts(report_.failures);
-    Line("messages");
-    json_.Texts(report_.messages);
+    Told("failures", "failureFiles", report_.failures);
+    Told("messages", "messageFiles", report_.messages);
     Line("output");
     Output();
     Line("inputs");
@@ -57,15 +55,32 @@ class Writer {
     json_.Key(key);
   }
 
+  // The texts, and beside each the file that it is about.
+  void Told(std::string_view key, std::string_view filesKey, const std::vector<ToldText>& told) {
+    std::vector<WideString> texts;
+    texts.reserve(told.size());
+    for (const ToldText& one : told) texts.push_back(one.text);
+    Line(key);
+    json_.Texts(texts);
+    Line(filesKey);
+    json_.BeginArray();
+    for (const ToldText& one : told) TextOrNull(one.file);
+    json_.EndArray();
+  }
+
+  void TextOrNull(const WideString& text) {
+    if (text.empty()) {
+      json_.Null();
+    } else {
+      json_.Value(text);
+    }
+  }
+
   void Output() {
     const OutputReport& output = report_.output;
     json_.BeginObject();
     json_.Key("file");
-    if (output.path.empty()) {
-      json_.Null();
-    } else {
-      json_.Value(output.path);
-    }
+    TextOrNull(output.path);
     json_.Member("written", output.written);
     json_.Member("cancelled", output.cancelled);
     if (!output.keptAt.empty()) json_.Member("keptAt", output.keptAt);

@@ -12,6 +12,7 @@
 
 #include "core/text.h"
 #include "merge/report/shared/report_places.h"
+#include "merge/report/shared/told_text.h"
 #include "merge/run_observer.h"
 #include "merge/unit_comparison.h"
 
@@ -105,8 +106,8 @@ struct RunReport {
   std::string command;  // "merge"
   bool isDryRun = false;
   WideString startedAt;  // local time, "2026-11-22 14:05:09"
-  std::vector<WideString> failures;
-  std::vector<WideString> messages;  // what changes nothing but should be known
+  std::vector<ToldText> failures;
+  std::vector<ToldText> messages;  // what changes nothing but should be known
   std::vector<InputReport> inputs;
   std::vector<StepReport> steps;
   std::vector<StageReport> stages;

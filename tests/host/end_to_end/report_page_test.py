@@ -103,6 +103,10 @@ class Page(CorvelTest):
         shown, console = browser.dom(self.path('r.html'))
         self.assertEqual([], console)
         self.assertLess(shown.index('id="failures"'), shown.index('data-t="notWritten"'))
+        failures = re.search(r'<section id="failures">.*?</section>', shown, re.DOTALL)[0]
+        told = [re.sub(r'<[^>]*>', '', item) for item in re.findall(r'<li>.*?</li>', failures)]
+        self.assertEqual('b.ifc: Entity named: IFCNOSUCHCLASS not found.', told[0])
+        self.assertTrue(told[1].startswith('b.ifc: Unable to read'), told)
 
 
 @unittest.skipIf(browser.PROGRAM is None, 'there is no browser on this machine')

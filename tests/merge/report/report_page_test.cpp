@@ -18,8 +18,8 @@ RunReport FullReport() {
   RunReport report;
   report.command = "merge";
   report.startedAt = u"2026-11-22 14:05:09";
-  report.failures = {hostile};
-  report.messages = {hostile};
+  report.failures = {{hostile, u"/a/" + hostile}, {u"no room", u"/a/" + hostile}};
+  report.messages = {{hostile}};
   report.output.path = u"/" + hostile;
   report.output.keptAt = hostile;
   report.output.isKnown = true;
@@ -88,6 +88,23 @@ TEST(ReportPage, FailuresComeFirst) {
   EXPECT_LT(page.find("id='failures'"), page.find("class='chip"));
 }
 
+TEST(ReportPage, WhatWasToldNamesItsFileUnlessTheTextDoes) {
+  constexpr std::string_view kFile = "<b><bdi>a.ifc</bdi></b><span data-t='colon'>:</span> ";
+  RunReport report;
+  report.failures = {{u"no such class\n", u"/models/a.ifc"},
+                     {u"/models/a.ifc is cut short", u"/models/a.ifc"},
+                     {u"no memory"}};
+  report.messages = {{u"by the way", u"/models/a.ifc"}};
+  const std::string page = ReportAsPage(report, "en");
+  EXPECT_EQ(2u, Occurrences(page, kFile));
+  EXPECT_EQ(1u, Occurrences(page, "<li>" + std::string(kFile) + "<bdi>no such class</bdi></li>"));
+  EXPECT_EQ(1u, Occurrences(page, "<li><bdi>/models/a.ifc is cut short</bdi></li>"));
+  EXPECT_EQ(1u, Occurrences(page, "<li>" + std::string(kFile) + "<bdi>by the way</bdi></li>"));
+  const std::string json = ReportAsJson(report);
+  EXPECT_EQ(1u, Occurrences(json, "\"failureFiles\":[\"/models/a.ifc\",\"/models/a.ifc\",null]"));
+  EXPECT_EQ(1u, Occurrences(json, "\"messageFiles\":[\"/models/a.ifc\"]"));
+}
+
 TEST(ReportPage, AFlowIsDrawnWhereSomethingCameToTheResultAlone) {
   RunReport report = FullReport();
   const std::string page = ReportAsPage(report, "en");
@@ -147,7 +164,7 @@ TEST(ReportPage, WithALanguageItStaysInIt) {
 TEST(ReportPage, ARunThatEndedBeforeItReadAnythingHasAPageToo) {
   RunReport report;
   report.command = "merge";
-  report.failures = {u"no memory"};
+  report.failures = {{u"no memory"}};
   const std::string page = ReportAsPage(report, "en");
   EXPECT_NE(std::string::npos, page.find("<bdi>no memory</bdi>"));
   EXPECT_EQ(0u, Occurrences(page, "<svg"));

@@ -189,6 +189,13 @@ void AddSum(std::uint64_t count, std::string_view key, std::string_view colour, 
   EndSum(key, html);
 }
 
+// Each names its file by itself.
+std::vector<ToldText> ToldFailures(const CheckReport& report) {
+  std::vector<ToldText> told;
+  for (const WideString& failure : report.Failures()) told.push_back({failure});
+  return told;
+}
+
 void AddStatus(const CheckReport& report, HtmlText& html) {
   html.Raw("<p>");
   const bool isNew = report.comparison.has_value();
@@ -218,7 +225,7 @@ void AddCheckHead(const CheckReport& report, HtmlText& html) {
   }
   html.Raw("</h1>\n<p class='soft'>").Word("checkTitle").Raw(" \u00b7 ").Text(report.startedAt);
   html.Raw("</p>\n");
-  AddFailures(report.Failures(), html);
+  AddFailures(ToldFailures(report), html);
   AddStatus(report, html);
   const Totals totals = report.Counted();
   const bool isNew = report.comparison.has_value();
