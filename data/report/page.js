@@ -8,11 +8,23 @@
     Array.prototype.forEach.call(document.querySelectorAll(selector), action);
   }
 
+  // "-1234.5" as a language writes it.
+  function written(number, language) {
+    var parts = number.split('.');
+    if (parts[0].replace('-', '').length >= language.groupFrom) {
+      parts[0] = parts[0].replace(/\B(?=(\d{3})+$)/g, language.group);
+    }
+    return parts.join(language.decimal);
+  }
+
   function speak(language) {
     root.lang = language;
     each('[data-t]', function (place) {
       var text = texts[language].texts[place.getAttribute('data-t')];
       if (text !== undefined) place.textContent = text;
+    });
+    each('[data-n]', function (place) {
+      place.textContent = written(place.getAttribute('data-n'), texts[language]);
     });
   }
 

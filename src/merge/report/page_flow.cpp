@@ -153,9 +153,9 @@ class Flow {
     if (to.key.empty()) {
       html.Text(to.name);
     } else {
-      html.Text(html.Texts().Of(to.key));
+      html.Word(to.key);
     }
-    html.Raw(": ").Count(count).Raw("</title></path>\n");
+    html.Colon().Count(count).Raw("</title></path>\n");
   }
 
   // From a point, which the path is at already or goes to, to the other.

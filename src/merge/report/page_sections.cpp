@@ -56,7 +56,7 @@ void AddSums(const RunReport& report, HtmlText& html) {
     EndSum("made", html);
   }
   BeginSum(html);
-  html.Number(seconds, 2).Raw(" <span class='unit'>s</span>");
+  html.Decimal(seconds, 2).Raw(" <span class='unit'>s</span>");
   EndSum("time", html);
   html.Raw("</ul>\n");
 }
@@ -143,21 +143,15 @@ void AddConverted(std::size_t input, const RunReport& report, HtmlText& html) {
 
 // Most offsets are whole numbers, and large ones are to be seen as such.
 void AddMillimetres(double value, HtmlText& html) {
-  constexpr double kMost = 1e15;
-  if (value != std::trunc(value) || std::abs(value) >= kMost) {
-    html.Number(value, 1);
-    return;
-  }
-  if (value < 0) html.Raw("-");
-  html.Count(static_cast<std::size_t>(std::abs(value)));
+  html.Decimal(value, value == std::trunc(value) ? 0 : 1);
 }
 
 void AddSize(double bytes, HtmlText& html) {
   constexpr double kKilobyte = 1e3;
   if (bytes < kMegabyte) {
-    html.Number(bytes / kKilobyte, 1).Raw("\u00a0kB");
+    html.Decimal(bytes / kKilobyte, 1).Raw("\u00a0").Word("size.kB");
   } else {
-    html.Number(bytes / kMegabyte, 1).Raw("\u00a0MB");
+    html.Decimal(bytes / kMegabyte, 1).Raw("\u00a0").Word("size.MB");
   }
 }
 
@@ -319,9 +313,9 @@ void AddStages(const RunReport& report, HtmlText& html) {
     if (!stage.path.empty()) {
       html.Raw(" <span class='soft'>").Name(ShortName(stage.path)).Raw("</span>");
     }
-    html.Raw("</td><td>").Number(stage.seconds, 3).Raw("</td><td>");
-    html.Number(static_cast<double>(stage.memoryBytes) / kMegabyte, 1);
-    html.Raw("\u00a0MB</td></tr>\n");
+    html.Raw("</td><td>").Decimal(stage.seconds, 3).Raw("</td><td>");
+    AddSize(static_cast<double>(stage.memoryBytes), html);
+    html.Raw("</td></tr>\n");
   }
   html.Raw("</table></div>\n</section>\n");
 }

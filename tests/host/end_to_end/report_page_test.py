@@ -8,7 +8,7 @@ import unittest
 import zlib
 
 import browser
-from support import DONE, NOTHING_WRITTEN, CorvelTest, project, wall
+from support import DONE, NOTHING_WRITTEN, WITH_REPORTS, CorvelTest, project, wall
 
 # Whoever runs one of these as a script changes the title of the page.
 HOSTILE = ("</script><script>document.title=''stolen''</script>", "<img src=x onerror=document.title=''stolen''>",
@@ -66,6 +66,26 @@ class Page(CorvelTest):
         self.assertIn('<option value="fr" lang="fr">Fran\u00e7ais</option>', shown)
         found = re.search(r'<script type="application/json" id="report">\n(.*?)</script>', shown, re.DOTALL)
         self.assertEqual(json.loads(self.read('r.json')), json.loads(found[1]))
+
+    def test_numbers_and_hints_follow_the_language(self):
+        slab = [line.replace('IFCWALL', 'IFCSLAB') for line in wall(10, 'slab', 2)]
+        self.write('b.ifc', project(*wall(2, 'other', 1), *slab))
+        self.assert_ended(self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--report', 'r.html', '--hide',
+                                          '2:IfcWall', '--offset', '1=1234500,-12345.5,0'), WITH_REPORTS)
+        for language, dropped, *wanted in (
+                ('en', 'dropped', '1,234,500', '-12,345.5', '0.0'), ('de', 'entfallen', '1.234.500', '-12.345,5', '0,0'),
+                ('fr', 'écartés', '1\u202f234\u202f500', '-12\u202f345,5', '0,0'),
+                ('es', 'descartados', '1.234.500', '-12.345,5', '0,0'),
+                ('pl', 'odrzucone', '1\u00a0234\u00a0500', '-12\u00a0345,5', '0,0')):
+            shown, _ = browser.dom(self.path('r.html'), language)
+            told = dict(re.findall(r'data-n="([^"]*)">([^<]*)<', shown.replace('&nbsp;', '\u00a0')))
+            self.assertEqual(wanted[:2], [told['1234500'], told['-12345.5']])
+            # A number that is a point behind its first figures is one with a fraction in each of them.
+            self.assertEqual({wanted[2][1]}, {text[len(plain.split('.')[0])] for plain, text in told.items()
+                                              if re.match(r'\d{1,3}\.', plain)})
+            titles = re.findall(r'<path class="flow [^>]*><title>(.*?)</title>', shown)
+            titles = [html.unescape(re.sub(r'<[^>]*>', '', title)) for title in titles]
+            self.assertIn(f'b.ifc → {dropped}', [title.rstrip(': \u00a01') for title in titles])
 
     def test_on_a_telephone_a_language_that_there_is_not_becomes_english(self):
         self.assertIn('<h2 data-t="inputs">Inputs</h2>', self.look('it', 400))

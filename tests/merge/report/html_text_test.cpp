@@ -29,7 +29,7 @@ TEST(HtmlText, ANameTurnsNothingAroundItself) {
 TEST(HtmlText, CountsAreInGroupsOfThree) {
   EXPECT_EQ("0", HtmlText(kEnglish).Count(0).Take());
   EXPECT_EQ("999", HtmlText(kEnglish).Count(999).Take());
-  EXPECT_EQ("1\u202F000\u202F000", HtmlText(kEnglish).Count(1000000).Take());
+  EXPECT_EQ("<span data-n='1000000'>1,000,000</span>", HtmlText(kEnglish).Count(1000000).Take());
 }
 
 TEST(HtmlText, WhatHasBeenPutComesOnceMoreAsItStood) {
@@ -64,6 +64,27 @@ TEST(HtmlText, AWordNamesItsKeySoThatItsLanguageCanChange) {
             HtmlText(kEnglish).Word("h2", "inputs", " class='x'").Take());
   EXPECT_EQ("<span data-t='inputs'>Eingaben</span>",
             HtmlText(PageTexts("de")).Word("inputs").Take());
+}
+
+TEST(HtmlText, DecimalsAreThoseOfTheLanguage) {
+  const PageTexts german("de");
+  EXPECT_EQ("<span data-n='-1234.50'>-1.234,50</span>",
+            HtmlText(german).Decimal(-1234.5, 2).Take());
+  EXPECT_EQ("<tspan data-n='0.5'>0,5</tspan>", HtmlText(german).Decimal(0.5, 1, "tspan").Take());
+  EXPECT_EQ("-12", HtmlText(german).Decimal(-12, 0).Take());
+  EXPECT_EQ("1e-07", HtmlText(german).Plain("1e-07").Take());
+}
+
+TEST(PageTexts, NumbersAreWrittenAsTheirLanguageDoes) {
+  const auto shown = [](std::string_view language) {
+    const PageTexts texts(language);
+    return texts.Number("999") + " " + texts.Number("-1234.5") + " " + texts.Number("1234567.25");
+  };
+  EXPECT_EQ("999 -1,234.5 1,234,567.25", shown("en"));
+  EXPECT_EQ("999 -1.234,5 1.234.567,25", shown("de"));
+  EXPECT_EQ("999 -1\u202F234,5 1\u202F234\u202F567,25", shown("fr"));
+  EXPECT_EQ("999 -1234,5 1.234.567,25", shown("es"));
+  EXPECT_EQ("999 -1234,5 1\u00A0234\u00A0567,25", shown("pl"));
 }
 
 TEST(PageTexts, AnUnknownLanguageIsEnglish) {

@@ -56,6 +56,16 @@ std::size_t Occurrences(std::string_view text, std::string_view piece) {
   return count;
 }
 
+// What stands behind each of these beginnings, up to the end of the attribute.
+std::vector<std::string> Attributes(std::string_view page, std::string_view begin) {
+  std::vector<std::string> found;
+  for (std::size_t at = page.find(begin); at != std::string_view::npos; at = page.find(begin, at)) {
+    at += begin.size();
+    found.emplace_back(page.substr(at, page.find('\'', at) - at));
+  }
+  return found;
+}
+
 TEST(ReportPage, NoNameGetsOutOfItsPlace) {
   const std::string page = ReportAsPage(FullReport(), "en");
   EXPECT_EQ(3u, Occurrences(page, "<script"));
@@ -133,8 +143,25 @@ TEST(ReportPage, OffsetsAndSizesAreToldInWholeAndInGroups) {
   report.inputs[0].offsetMm = {-1000000, 0, 0.5};
   report.inputs[0].bytes = 123456;
   const std::string page = ReportAsPage(report, "en");
-  EXPECT_EQ(1u, Occurrences(page, "<dd>-1\u202F000\u202F000 \u00B7 0 \u00B7 0.5</dd>"));
-  EXPECT_EQ(1u, Occurrences(page, "<dd>123.5\u00A0kB</dd>"));
+  EXPECT_EQ(1u, Occurrences(page,
+                            "<dd><span data-n='-1000000'>-1,000,000</span> \u00B7 0 \u00B7 "
+                            "<span data-n='0.5'>0.5</span></dd>"));
+  EXPECT_EQ(1u, Occurrences(page,
+                            "<dd><span data-n='123.5'>123.5</span>\u00A0<span "
+                            "data-t='size.kB'>kB</span></dd>"));
+}
+
+TEST(ReportPage, NumbersAreThoseOfItsLanguageAndCoordinatesAreNot) {
+  RunReport report = FullReport();
+  report.inputs[0].offsetMm = {-1000000, 0, 0.5};
+  const std::string page = ReportAsPage(report, "de");
+  EXPECT_EQ(1u, Occurrences(page, "<span data-n='-1000000'>-1.000.000</span>"));
+  EXPECT_EQ(1u, Occurrences(page, "<span data-n='0.5'>0,5</span>"));
+  EXPECT_EQ(1u, Occurrences(page, "<tspan data-n='3.00'>3,00</tspan>\u00A0m</tspan></text>"));
+  EXPECT_EQ(1u, Occurrences(page, "<span data-n='3.00'>3,00</span> m \u00B7"));
+  const std::vector<std::string> paths = Attributes(page, "<path class='p' d='");
+  EXPECT_EQ(2u, paths.size());
+  EXPECT_EQ(Attributes(ReportAsPage(report, "en"), "<path class='p' d='"), paths);
 }
 
 TEST(ReportPage, EveryTextOfThePageIsThereInEachLanguage) {

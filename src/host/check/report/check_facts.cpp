@@ -65,13 +65,14 @@ void AddPlaceOnEarth(const Georeference& place, HtmlText& html) {
     constexpr std::array<std::string_view, 3> kNames = {"eastings", "northings", "height"};
     for (std::size_t i = 0; i < kNames.size(); ++i) {
       if (i != 0) html.Raw(" \u00b7 ");
-      html.Word(kNames[i]).Raw(" ").Text(NumberText(values[i]));
+      html.Word(kNames[i]).Raw(" ").Plain(Narrow(NumberText(values[i])));
     }
     if (values[3] != 1.0 || values[4] != 0.0) {
-      html.Raw(" \u00b7 ").Word("xAxis").Raw(" ").Text(NumberText(values[3]));
-      html.Raw(" ").Text(NumberText(values[4]));
+      html.Raw(" \u00b7 ").Word("xAxis").Raw(" ").Plain(Narrow(NumberText(values[3])));
+      html.Raw(" ").Plain(Narrow(NumberText(values[4])));
     }
-    if (values[5] != 1.0) html.Raw(" \u00b7 ").Word("scale").Raw(" ").Text(NumberText(values[5]));
+    if (values[5] != 1.0)
+      html.Raw(" \u00b7 ").Word("scale").Raw(" ").Plain(Narrow(NumberText(values[5])));
   } else {
     html.Word("span", "notStated", " class='soft'");
   }
@@ -79,7 +80,7 @@ void AddPlaceOnEarth(const Georeference& place, HtmlText& html) {
   AddFact("system", place.system, html);
   BeginFact("trueNorth", html);
   if (place.trueNorthDegrees) {
-    html.Text(NumberText(*place.trueNorthDegrees)).Raw("\u00b0 ").Word("clockwise");
+    html.Plain(Narrow(NumberText(*place.trueNorthDegrees))).Raw("\u00b0 ").Word("clockwise");
   } else {
     html.Word("span", "notStated", " class='soft'");
   }
@@ -90,7 +91,11 @@ void AddObjects(std::string_view key, const std::vector<SpatialFacts>& objects, 
   BeginFact(key, html);
   html.Count(objects.size());
   for (std::size_t i = 0; i < objects.size(); ++i) {
-    html.Raw(i == 0 ? ": " : ", ");
+    if (i == 0) {
+      html.Colon();
+    } else {
+      html.Raw(", ");
+    }
     const WideString& name = objects[i].name;
     html.Name(name.empty() ? u"#" + ToWide(objects[i].number) : name);
   }
@@ -105,8 +110,8 @@ void AddExtent(const Extent& extent, HtmlText& html) {
     constexpr std::array<std::string_view, 3> kAxes = {"x", "y", "z"};
     for (std::size_t axis = 0; axis < kAxes.size(); ++axis) {
       html.Raw(axis == 0 ? "" : "<br>").Raw(kAxes[axis]).Raw(" ");
-      html.Number(extent.least[axis], kLengthDigits).Raw(" \u2026 ");
-      html.Number(extent.most[axis], kLengthDigits).Raw("\u00a0m");
+      html.Decimal(extent.least[axis], kLengthDigits).Raw(" \u2026 ");
+      html.Decimal(extent.most[axis], kLengthDigits).Raw("\u00a0m");
     }
   }
   if (extent.nowhere != 0) {
@@ -117,7 +122,7 @@ void AddExtent(const Extent& extent, HtmlText& html) {
 
 void AddMetres(const std::optional<double>& metres, HtmlText& html) {
   html.Raw("<td>");
-  if (metres) html.Number(*metres, kLengthDigits);
+  if (metres) html.Decimal(*metres, kLengthDigits);
   html.Raw("</td>");
 }
 

@@ -14,7 +14,7 @@ namespace corvel {
 namespace {
 
 constexpr std::size_t kColours = 8;
-constexpr std::string_view kNarrowSpace = "\u202F";
+constexpr std::size_t kFirstGrouped = 1000;
 
 // What a page may not have in it, escaped or not.
 bool IsForbidden(char16_t unit) {
@@ -24,6 +24,14 @@ bool IsForbidden(char16_t unit) {
 }
 
 constexpr PlainCharacters kPlain("&<>\"'");
+
+// Small whole numbers, and what has more than digits and a point, such as an exponent.
+bool IsSameEverywhere(std::string_view number) {
+  const std::string_view digits = number.substr(number.starts_with('-') ? 1 : 0);
+  if (digits.find_first_not_of("0123456789.") != std::string_view::npos) return true;
+  constexpr std::size_t kMostUngrouped = 3;
+  return digits.size() <= kMostUngrouped && digits.find('.') == std::string_view::npos;
+}
 
 void AppendSpecial(char16_t unit, std::string& html) {
   switch (unit) {
@@ -65,13 +73,7 @@ HtmlText& HtmlText::Whole(std::size_t number) {
 }
 
 HtmlText& HtmlText::Count(std::size_t count) {
-  constexpr std::size_t kGroup = 3;
-  const std::string digits = std::to_string(count);
-  for (std::size_t i = 0; i < digits.size(); ++i) {
-    if (i != 0 && (digits.size() - i) % kGroup == 0) html_ += kNarrowSpace;
-    html_ += digits[i];
-  }
-  return *this;
+  return count < kFirstGrouped ? Whole(count) : Plain(std::to_string(count));
 }
 
 // Most are coordinates of drawings: small, and with one digit behind the point.
@@ -102,6 +104,16 @@ HtmlText& HtmlText::Number(double value, int digits) {
   const bool isZero = shown.find_first_not_of("-0.") == std::string_view::npos;
   if (isZero && shown.starts_with('-')) shown.remove_prefix(1);
   return Raw(shown);
+}
+
+HtmlText& HtmlText::Decimal(double value, int digits, std::string_view element) {
+  return Plain(HtmlText(texts_).Number(value, digits).Take(), element);
+}
+
+HtmlText& HtmlText::Plain(std::string_view number, std::string_view element) {
+  if (IsSameEverywhere(number)) return Text(number);
+  Raw("<").Raw(element).Raw(" data-n='").Raw(number).Raw("'>");
+  return Raw(texts_.Number(number)).Raw("</").Raw(element).Raw(">");
 }
 
 WideString ShortName(const WideString& path) {

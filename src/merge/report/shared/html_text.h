@@ -32,10 +32,16 @@ class HtmlText {
   HtmlText& Colon() { return Word("colon").Raw(" "); }
   // 1234567
   HtmlText& Whole(std::size_t number);
-  // 1 234 567
+  // 1,234,567, as the language writes it.
   HtmlText& Count(std::size_t count);
-  // With so many digits behind the point.
+  // With so many digits behind the point, whatever the language: for coordinates and styles.
   HtmlText& Number(double value, int digits);
+
+  // The same as the language writes it.
+  HtmlText& Decimal(double value, int digits, std::string_view element = "span");
+  // Likewise "-1234.5". Where languages differ it stands in an element, so that the page can
+  // change its language: not for attributes.
+  HtmlText& Plain(std::string_view number, std::string_view element = "span");
 
   // So many bytes more are to come.
   void Expect(std::size_t bytes) { html_.reserve(html_.size() + bytes); }

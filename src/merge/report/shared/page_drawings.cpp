@@ -278,7 +278,7 @@ class Drawing {
     const Point label = FreeLabel({low[0] - kOutside + 2, std::max(low[1] - kOutside - 3, 11.0)});
     html_.Raw("<text class='label' style='fill:var(--own);font-weight:700' x='");
     html_.Number(label[0], 1).Raw("' y='").Number(label[1], 1).Raw("'>");
-    html_.Count(input + std::size_t{1}).Raw("</text></g>\n");
+    html_.Whole(input + std::size_t{1}).Raw("</text></g>\n");
   }
 
   void DrawStoreys() {
@@ -289,7 +289,7 @@ class Drawing {
       html_.Raw("<line class='level' x1='").Number(kMargin / 2, 0).Raw("' x2='");
       html_.Number(kWidth - kStoreyColumn, 0).Raw("' y1='").Number(y, 1).Raw("' y2='");
       html_.Number(y, 1).Raw("'><title>").Text(storey.name).Raw(" ");
-      html_.Number(storey.height, 2).Raw(" m \u00b7 ");
+      html_.Decimal(storey.height, 2).Raw(" m \u00b7 ");
       html_.Text(ShortName(inputs_[storey.input].path)).Raw("</title></line>\n");
       if (lastLabel - y < kLeastLabels) continue;
       lastLabel = y;
@@ -301,7 +301,8 @@ class Drawing {
       html_.Raw(isClose ? "<text class='soft close' x='" : "<text class='soft' x='")
           .Number(kWidth - kStoreyColumn + 4, 0);
       html_.Raw("' y='").Number(y + 4, 1).Raw("'><tspan>").Text(name);
-      html_.Raw("</tspan> <tspan>").Number(storey.height, 2).Raw("\u00a0m</tspan></text>\n");
+      html_.Raw("</tspan> <tspan>").Decimal(storey.height, 2, "tspan");
+      html_.Raw("\u00a0m</tspan></text>\n");
     }
   }
 
@@ -313,11 +314,11 @@ class Drawing {
     html_.Raw("v4h").Number(length, 1).Raw("v-4'></path><text class='label' x='");
     html_.Number(kMargin / 2 + length + 6, 1).Raw("' y='").Number(y, 1).Raw("'>");
     if (metres >= 1000) {
-      html_.Number(metres / 1000, 0).Raw("\u00a0km");
+      html_.Decimal(metres / 1000, 0, "tspan").Raw("\u00a0km");
     } else if (metres >= 1) {
       html_.Number(metres, 0).Raw("\u00a0m");
     } else {
-      html_.Number(metres * 1000, metres < 1e-3 ? 6 : 0).Raw("\u00a0mm");
+      html_.Decimal(metres * 1000, metres < 1e-3 ? 6 : 0, "tspan").Raw("\u00a0mm");
     }
     html_.Raw("</text>\n");
   }

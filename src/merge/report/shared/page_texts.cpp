@@ -11,6 +11,27 @@ namespace corvel {
 
 namespace {
 
+// How a language writes numbers.
+struct NumberForm {
+  std::string_view language;
+  std::string_view decimal;
+  std::string_view group;  // between thousands
+  std::size_t groupFrom;   // so many digits in front of the fraction
+};
+
+constexpr NumberForm kNumberForms[] = {{"en", ".", ",", 4},
+                                       {"de", ",", ".", 4},
+                                       {"fr", ",", "\u202F", 4},
+                                       {"es", ",", ".", 5},
+                                       {"pl", ",", "\u00A0", 5}};
+
+const NumberForm& NumberFormOf(std::string_view code) {
+  const auto* const found =
+      std::find_if(std::begin(kNumberForms), std::end(kNumberForms),
+                   [code](const NumberForm& form) { return form.language == code; });
+  return found == std::end(kNumberForms) ? kNumberForms[0] : *found;
+}
+
 const PageLanguage& LanguageOf(std::string_view code) {
   const auto* const found =
       std::find_if(std::begin(kPageLanguages), std::end(kPageLanguages),
@@ -51,6 +72,23 @@ std::string_view PageTexts::Of(std::string_view key) const {
   return found == texts_.end() ? key : found->second;
 }
 
+std::string PageTexts::Number(std::string_view plain) const {
+  constexpr std::size_t kGroup = 3;
+  const NumberForm& form = NumberFormOf(language_);
+  std::string text;
+  if (plain.starts_with('-')) {
+    text += '-';
+    plain.remove_prefix(1);
+  }
+  const std::size_t whole = std::min(plain.find('.'), plain.size());
+  for (std::size_t i = 0; i < whole; ++i) {
+    if (i != 0 && whole >= form.groupFrom && (whole - i) % kGroup == 0) text += form.group;
+    text += plain[i];
+  }
+  if (whole == plain.size()) return text;
+  return text.append(form.decimal).append(plain.substr(whole + 1));
+}
+
 std::string PageTexts::AllAsJson() const {
   JsonText json;
   json.BeginObject();
@@ -59,6 +97,10 @@ std::string PageTexts::AllAsJson() const {
     json.NewLine();
     json.Key(language.code).BeginObject();
     json.Member("name", FromUtf8(texts.at("name")));
+    const NumberForm& form = NumberFormOf(language.code);
+    json.Member("decimal", FromUtf8(form.decimal));
+    json.Member("group", FromUtf8(form.group));
+    json.Member("groupFrom", form.groupFrom);
     json.Key("texts").BeginObject();
     for (const auto& [key, text] : texts) json.Member(key, FromUtf8(text));
     json.EndObject();

@@ -24,7 +24,12 @@ class PageTexts {
   // In UTF-8; the key itself where there is no such text.
   std::string_view Of(std::string_view key) const;
 
-  // All texts of all languages, for the script of the page: {"en": {"name", "texts": {}}, ...}.
+  bool Has(std::string_view key) const { return texts_.count(key) != 0; }
+  // "-1234.5" as the language writes it.
+  std::string Number(std::string_view plain) const;
+
+  // All texts of all languages, for the script of the page: {"en": {"name", "decimal", "group",
+  // "groupFrom", "texts": {}}, ...}.
   std::string AllAsJson() const;
 
  private:

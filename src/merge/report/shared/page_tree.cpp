@@ -45,7 +45,7 @@ class TreeSection {
   void AddLabel(const SpatialNode& node) {
     for (const std::uint32_t input : node.inputs) {
       html_.Raw("<span class='dot ").Raw(ColourOf(input)).Raw("' title='");
-      html_.Count(input + std::size_t{1}).Raw("'></span>");
+      html_.Whole(input + std::size_t{1}).Raw("'></span>");
     }
     html_.Raw(" ").Name(node.name.empty() ? WideString(u"\u2014") : node.name);
     html_.Raw(" <span class='soft'>").Text(node.className);
