@@ -23,17 +23,15 @@ constexpr bool IsRawByte(char16_t unit) { return unit >= 0xDC80 && unit <= 0xDCF
 
 // Each byte becomes one unit of the same value.
 inline WideString Widen(std::string_view bytes) {
-  WideString wide;
-  wide.reserve(bytes.size());
-  for (const char byte : bytes) wide.push_back(static_cast<unsigned char>(byte));
+  WideString wide(bytes.size(), u'\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) wide[i] = static_cast<unsigned char>(bytes[i]);
   return wide;
 }
 
 // The low byte of each unit; for text that is known to be ASCII, or bytes made wide.
 inline std::string Narrow(WideView text) {
-  std::string narrow;
-  narrow.reserve(text.size());
-  for (const char16_t unit : text) narrow.push_back(static_cast<char>(unit & 0xFF));
+  std::string narrow(text.size(), '\0');
+  for (std::size_t i = 0; i < text.size(); ++i) narrow[i] = static_cast<char>(text[i] & 0xFF);
   return narrow;
 }
 
