@@ -225,7 +225,14 @@ class BasicAttribute {
   // A reference that is given is never null; members of lists are not either after reading.
   template <class T>
   Given<T>* As() const {
-    return attribute_detail::Holds<T>(*facts_) && HasValue() ? &Stored<T>() : nullptr;
+    const bool isHeld = attribute_detail::Holds<T>(*facts_) &&
+                        !attribute_detail::IsMarkedAbsent(object_, *facts_) && !IsMisfit();
+    if (!isHeld) return nullptr;
+    Given<T>* const value = &Stored<T>();
+    if constexpr (std::is_same_v<T, IFC::IfcEntity*>) {
+      if (*value == nullptr) return nullptr;
+    }
+    return value;
   }
 
   // Calls `visitor` with the value as a reference to the type in which it is held, or not at all

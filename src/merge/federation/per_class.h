@@ -30,6 +30,14 @@ class PerClass {
     const std::type_info* const dynamicClass = &typeid(entity);
     if (dynamicClass == lastClass_) [[likely]]
       return *lastValue_;
+    return OfOtherClass(entity, dynamicClass, find);
+  }
+
+ private:
+  // Apart, so that what is asked most is put in place wherever it is asked.
+  template <class Find>
+  const Value& OfOtherClass(const IFC::IfcEntity& entity, const std::type_info* dynamicClass,
+                            Find find) {
     const std::ptrdiff_t* const known = memory_.Find(dynamicClass);
     if (known == nullptr) return OfNewClass(entity, dynamicClass, find);
     lastClass_ = dynamicClass;
@@ -37,7 +45,6 @@ class PerClass {
     return *lastValue_;
   }
 
- private:
   template <class Find>
   const Value& OfNewClass(const IFC::IfcEntity& entity, const std::type_info* dynamicClass,
                           Find find) {
