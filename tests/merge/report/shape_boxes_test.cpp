@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string>
+
 #include "merge/record_document.h"
 
 namespace corvel::test {
@@ -104,6 +107,38 @@ TEST(ShapeBoxes, ASurfaceModelIsAsLargeAsThePointsOfAllItsShells) {
             {9, 0, 1});
 }
 
+TEST(ShapeBoxes, CornersThatManyFacesShareCountWhicheverOrderTheyComeIn) {
+  std::mt19937 random(3);
+  for (const std::uint32_t count : {3u, 40u, 300u, 3000u}) {
+    Shape records = {{10, "IFCFACETEDBREP", "#11"}};
+    Bounds expected;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      // The last ones alone are far out.
+      const Triple point = {i % 7 + (i + 1 == count ? 90.0 : 0.0), i % 5 + 0.25,
+                            i + 2 == count ? -50.0 : i % 3};
+      expected.Add(point);
+      records.push_back({100000 + i, "IFCCARTESIANPOINT",
+                         "(" + std::to_string(point[0]) + "," + std::to_string(point[1]) + "," +
+                             std::to_string(point[2]) + ")"});
+    }
+    std::string faces;
+    const auto corner = [](std::uint32_t i) { return "#" + std::to_string(100000 + i); };
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const std::uint32_t face = 1000 + 3 * i;
+      const std::string name = "#" + std::to_string(face);
+      faces += (i == 0 ? "" : ",") + name;
+      records.push_back({face, "IFCFACE", "(#" + std::to_string(face + 1) + ")"});
+      records.push_back({face + 1, "IFCFACEOUTERBOUND", "#" + std::to_string(face + 2) + ",.T."});
+      records.push_back({face + 2, "IFCPOLYLOOP",
+                         "(" + corner(i) + "," +
+                             corner(static_cast<std::uint32_t>(random()) % count) + "," +
+                             corner((i + 1) % count) + ")"});
+    }
+    records.push_back({11, "IFCCLOSEDSHELL", "(" + faces + ")"});
+    ExpectBox(BoxOf(records), expected.low, expected.high);
+  }
+}
+
 TEST(ShapeBoxes, ABodyOfManyFacesIsAsLargeAsAllOfThem) {
   Shape records = {{10, "IFCFACETEDBREP", "#11"}};
   std::string faces;
@@ -120,6 +155,24 @@ TEST(ShapeBoxes, ABodyOfManyFacesIsAsLargeAsAllOfThem) {
   }
   records.push_back({11, "IFCCLOSEDSHELL", "(" + faces + ")"});
   ExpectBox(BoxOf(records), {0, -99, 7}, {99, 0, 7});
+}
+
+TEST(ShapePoints, CornersThatWereSeenInOneBodyCountInTheNextOne) {
+  RecordDocument document({{10, "IFCFACETEDBREP", "#11"},
+                           {11, "IFCCLOSEDSHELL", "(#12)"},
+                           {12, "IFCFACE", "(#13)"},
+                           {13, "IFCFACEOUTERBOUND", "#14,.T."},
+                           {14, "IFCPOLYLOOP", "(#15,#16,#15)"},
+                           {15, "IFCCARTESIANPOINT", "(0.,0.,0.)"},
+                           {16, "IFCCARTESIANPOINT", "(3.,-2.,1.)"}},
+                          SchemaNamespace::IFC4);
+  const IFC::IfcEntity* const body = (*document).mainContainer->GetEntityByOrginalNumber(10);
+  ShapePoints points;
+  for (int i = 0; i < 2; ++i) {
+    Bounds bounds;
+    points.AddFaces(*body, bounds);
+    ExpectBox(bounds, {0, -2, 0}, {3, 0, 1});
+  }
 }
 
 TEST(ShapeBoxes, ACurveThatIsAPartOfItselfHasAnEnd) {

@@ -8,23 +8,20 @@ namespace corvel {
 
 namespace {
 
-// Those that are no null; they will be read soon.
-template <class References>
-void Append(const References& references, std::vector<const IFC::IfcEntity*>& objects) {
-  for (const IFC::IfcEntity* const object : references) {
-    if (object == nullptr) continue;
-    PrefetchObject(object);
-    objects.push_back(object);
-  }
+// What is no null, and will be read soon.
+void Append(const IFC::IfcEntity* object, std::vector<const IFC::IfcEntity*>& objects) {
+  if (object == nullptr) return;
+  PrefetchObject(object);
+  objects.push_back(object);
 }
 
 }  // namespace
 
 Triple TripleOf(const List<double>* numbers) {
   Triple triple{};
-  if (numbers != nullptr) {
-    std::copy_n(numbers->begin(), std::min(numbers->size(), triple.size()), triple.begin());
-  }
+  if (numbers == nullptr) return triple;
+  if (numbers->size() >= triple.size()) return {(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+  std::copy(numbers->begin(), numbers->end(), triple.begin());
   return triple;
 }
 
@@ -50,7 +47,7 @@ void ShapePoints::AddPoints(const Objects& points, Bounds& bounds) {
 void ShapePoints::AddCurve(const IFC::IfcEntity& curve, Bounds& bounds) {
   if (const EntityList* const points = points_.ReferencesIn(curve)) {
     next_.clear();
-    Append(*points, next_);
+    for (const IFC::IfcEntity* const point : *points) Append(point, next_);
     AddPoints(next_, bounds);
   } else if (const IFC::IfcEntity* const list = points_.ReferenceIn(curve)) {
     AddPointList(*list, bounds);
@@ -73,6 +70,7 @@ void ShapePoints::AddFaces(const IFC::IfcEntity& body, Bounds& bounds) {
 void ShapePoints::AddShell(const IFC::IfcEntity& shell, Bounds& bounds) {
   const EntityList* const faces = faces_.ReferencesIn(shell);
   if (faces == nullptr) return;
+  corners_.Clear();
   constexpr std::size_t kAtOnce = 32;
   const std::span all(faces->begin(), faces->size());
   for (std::size_t begin = 0; begin < all.size(); begin += kAtOnce) {
@@ -84,20 +82,21 @@ void ShapePoints::AddShell(const IFC::IfcEntity& shell, Bounds& bounds) {
 // on their way while those of this one are read: they lie anywhere in memory.
 void ShapePoints::AddFew(std::span<IFC::IfcEntity* const> faces, Bounds& bounds) {
   level_.clear();
-  Append(faces, level_);
+  for (const IFC::IfcEntity* const face : faces) Append(face, level_);
   next_.clear();
   for (const IFC::IfcEntity* const face : level_) {
-    if (const EntityList* const edges = bounds_.ReferencesIn(*face)) Append(*edges, next_);
+    if (const EntityList* const edges = bounds_.ReferencesIn(*face)) {
+      for (const IFC::IfcEntity* const edge : *edges) Append(edge, next_);
+    }
   }
   level_.clear();
-  for (const IFC::IfcEntity* const edge : next_) {
-    IFC::IfcEntity* const loop = bound_.ReferenceIn(*edge);
-    Append(std::span(&loop, 1), level_);
-  }
+  for (const IFC::IfcEntity* const edge : next_) Append(bound_.ReferenceIn(*edge), level_);
   next_.clear();
   for (const IFC::IfcEntity* const loop : level_) {
     if (const EntityList* const points = polygon_.ReferencesIn(*loop)) {
-      Append(*points, next_);
+      for (const IFC::IfcEntity* const point : *points) {
+        if (corners_.IsNew(point)) Append(point, next_);
+      }
     } else {
       AddPointsBelow(*loop, bounds);
     }

@@ -1,6 +1,9 @@
 // The points that curves and bodies of faces have.
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <unordered_set>
 #include <vector>
@@ -11,6 +14,30 @@
 #include "merge/report/shared/bounds.h"
 
 namespace corvel {
+
+// The points of a body that were met last: each is a corner of several faces, and most of these are
+// neighbours in the file.
+class LatelySeen {
+ public:
+  void Clear() { objects_.fill(nullptr); }
+  // False for one that was seen. True for many a one that was seen long ago.
+  bool IsNew(const IFC::IfcEntity* object) {
+    // The fractional part of the golden ratio spreads addresses that are equally far from each
+    // other.
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
+    const auto spread =
+        static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(object)) * kSpread;
+    const IFC::IfcEntity*& last = objects_[spread >> kUnusedBits];
+    if (last == object) return false;
+    last = object;
+    return true;
+  }
+
+ private:
+  static constexpr int kBits = 8;
+  static constexpr int kUnusedBits = 64 - kBits;
+  std::array<const IFC::IfcEntity*, std::size_t{1} << kBits> objects_{};
+};
 
 // Takes the points as they stand: right for what has all of them in one system of coordinates.
 // Polygons, of which there are most, are gone through by their attributes; whatever else has points
@@ -45,6 +72,7 @@ class ShapePoints {
   NamedAttribute polygon_{"Polygon"};
   Objects level_;
   Objects next_;
+  LatelySeen corners_;
   IFC::ChildQueue waiting_;
   std::unordered_set<const IFC::IfcEntity*> seen_;
 };
