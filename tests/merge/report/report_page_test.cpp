@@ -197,6 +197,32 @@ TEST(ReportPage, ARunThatEndedBeforeItReadAnythingHasAPageToo) {
   EXPECT_EQ(0u, Occurrences(page, "<svg"));
 }
 
+TEST(ReportPage, OutlinesAlongTheAxesAreDrawnWithOneNumberALine) {
+  RunReport report = FullReport();
+  ModelPlaces& places = *report.places;
+  places.products = {{0, 0, "upright", u"n", {}, ProductBox{{5, 5, 1}, {10, 10, 2}, 0}},
+                     {0, 0, "turned", u"n", {}, ProductBox{{5, 5, 1}, {7, 7, 2}, 45}}};
+  places.storeys.clear();
+  const std::string page = ReportAsPage(report, "en");
+  const auto outlines = [&page](std::string_view guid) {
+    std::vector<std::string> found;
+    for (std::size_t at = page.find(guid); at != std::string::npos; at = page.find(guid, at + 1)) {
+      const std::size_t path = page.rfind(" d='", at);
+      if (path == std::string::npos) continue;
+      found.push_back(page.substr(path + 4, page.find('\'', path + 4) - path - 4));
+    }
+    return found;
+  };
+  // The plan is 10 metres in 640 - 2 * 26 units, and in the middle of 760 - 2 * 26 - 24.
+  const auto upright = outlines("\nupright");
+  ASSERT_EQ(2u, upright.size());
+  EXPECT_EQ("M74.0 614.0H662.0V26.0H74.0z", upright[0]);
+  const auto turned = outlines("\nturned");
+  ASSERT_EQ(2u, turned.size());
+  EXPECT_EQ("M368.0 611.0L659.0 320.0L368.0 29.0L77.0 320.0z", turned[0]);
+  EXPECT_EQ(std::string::npos, turned[1].find('L')) << turned[1];
+}
+
 TEST(ReportPage, MoreProductsThanABrowserDrawsAreThinnedOutByClassAndItIsSaid) {
   RunReport report = FullReport();
   ModelPlaces& places = *report.places;

@@ -8,6 +8,7 @@
 
 #include "merge/report/shared/plain_runs.h"
 #include "platform/file.h"
+#include "step/numbers/number_text.h"
 
 namespace corvel {
 
@@ -15,6 +16,7 @@ namespace {
 
 constexpr std::size_t kColours = 8;
 constexpr std::size_t kFirstGrouped = 1000;
+constexpr double kManyTenths = 1e6;  // coordinates of drawings are far below
 
 // What a page may not have in it, escaped or not.
 bool IsForbidden(char16_t unit) {
@@ -33,16 +35,16 @@ bool IsSameEverywhere(std::string_view number) {
   return digits.size() <= kMostUngrouped && digits.find('.') == std::string_view::npos;
 }
 
-void AppendSpecial(char16_t unit, std::string& html) {
+void AppendSpecial(char16_t unit, ByteText& html) {
   switch (unit) {
-    case u'&': html += "&amp;"; break;
-    case u'<': html += "&lt;"; break;
-    case u'>': html += "&gt;"; break;
-    case u'"': html += "&quot;"; break;
-    case u'\'': html += "&#39;"; break;
+    case u'&': return html.Append("&amp;");
+    case u'<': return html.Append("&lt;");
+    case u'>': return html.Append("&gt;");
+    case u'"': return html.Append("&quot;");
+    case u'\'': return html.Append("&#39;");
     default: {
       const char16_t shown = IsForbidden(unit) ? kReplacementCharacter : unit;
-      AppendUtf8(WideView(&shown, 1), html);
+      return html.Append(ToUtf8(WideView(&shown, 1)));
     }
   }
 }
@@ -67,9 +69,23 @@ HtmlText& HtmlText::Word(std::string_view element, std::string_view key,
 }
 
 HtmlText& HtmlText::Whole(std::size_t number) {
-  std::array<char, 24> digits;
-  return Raw(
-      {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr});
+  constexpr std::size_t kMostDigits = 20;
+  char* const room = html_.Room(kMostDigits);
+  html_.TookUpTo(std::to_chars(room, room + kMostDigits, number).ptr);
+  return *this;
+}
+
+HtmlText& HtmlText::Tenths(std::int32_t tenths) {
+  constexpr std::size_t kSignAndDecimal = 3;
+  char* at = html_.Room(kSignAndDecimal + kNumberRoom);
+  if (tenths < 0) *at++ = '-';
+  const auto value = static_cast<std::uint32_t>(tenths);
+  const std::uint32_t number = tenths < 0 ? 0U - value : value;
+  at = FormatUnsigned(number / 10, at);
+  *at++ = '.';
+  *at++ = static_cast<char>('0' + number % 10);
+  html_.TookUpTo(at);
+  return *this;
 }
 
 HtmlText& HtmlText::Count(std::size_t count) {
@@ -78,24 +94,8 @@ HtmlText& HtmlText::Count(std::size_t count) {
 
 // Most are coordinates of drawings: small, and with one digit behind the point.
 HtmlText& HtmlText::Number(double value, int digits) {
-  constexpr double kSmall = 1e6;
   if (!std::isfinite(value)) return Raw("0");
-  if (digits == 1 && std::abs(value) < kSmall) {
-    const long tenths = std::lround(value * 10);
-    std::array<char, 24> text;
-    char* const end = text.data() + text.size();
-    char* at = end;
-    auto number = static_cast<unsigned long>(std::abs(tenths));
-    *--at = static_cast<char>('0' + number % 10);
-    *--at = '.';
-    do {
-      number /= 10;
-      *--at = static_cast<char>('0' + number % 10);
-    } while (number >= 10);
-    if (tenths < 0) *--at = '-';
-    html_.append(at, end);
-    return *this;
-  }
+  if (digits == 1 && std::abs(value) < kManyTenths) return Tenths(InTenths(value));
   std::array<char, 400> text{};
   const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
                                      std::chars_format::fixed, digits);
@@ -114,6 +114,11 @@ HtmlText& HtmlText::Plain(std::string_view number, std::string_view element) {
   if (IsSameEverywhere(number)) return Text(number);
   Raw("<").Raw(element).Raw(" data-n='").Raw(number).Raw("'>");
   return Raw(texts_.Number(number)).Raw("</").Raw(element).Raw(">");
+}
+
+std::int32_t InTenths(double value) {
+  if (!(std::abs(value) < kManyTenths)) return 0;
+  return static_cast<std::int32_t>(value * 10 + (value < 0 ? -0.5 : 0.5));
 }
 
 WideString ShortName(const WideString& path) {

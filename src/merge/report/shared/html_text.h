@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "core/text.h"
+#include "merge/report/shared/byte_text.h"
 #include "merge/report/shared/page_texts.h"
 
 namespace corvel {
@@ -18,7 +20,7 @@ class HtmlText {
   explicit HtmlText(const PageTexts& texts) : texts_(texts) {}
 
   HtmlText& Raw(std::string_view html) {
-    html_ += html;
+    html_.Append(html);
     return *this;
   }
   HtmlText& Text(WideView text);
@@ -36,6 +38,8 @@ class HtmlText {
   HtmlText& Count(std::size_t count);
   // With so many digits behind the point, whatever the language: for coordinates and styles.
   HtmlText& Number(double value, int digits);
+  // The same of a number that is rounded already, to one digit: 123 is 12.3.
+  HtmlText& Tenths(std::int32_t tenths);
 
   // The same as the language writes it.
   HtmlText& Decimal(double value, int digits, std::string_view element = "span");
@@ -44,23 +48,25 @@ class HtmlText {
   HtmlText& Plain(std::string_view number, std::string_view element = "span");
 
   // So many bytes more are to come.
-  void Expect(std::size_t bytes) { html_.reserve(html_.size() + bytes); }
+  void Expect(std::size_t bytes) { html_.Expect(bytes); }
 
-  std::size_t Size() const { return html_.size(); }
+  std::size_t Size() const { return html_.Size(); }
   // What was put between these two sizes, once more.
   HtmlText& Again(std::size_t begin, std::size_t end) {
-    html_.append(html_, begin, end - begin);
+    html_.AppendAgain(begin, end);
     return *this;
   }
 
   const PageTexts& Texts() const { return texts_; }
-  std::string Take() { return std::move(html_); }
+  std::string Take() { return html_.Take(); }
 
  private:
   const PageTexts& texts_;
-  std::string html_;
+  ByteText html_;
 };
 
+// Of a coordinate, for Tenths. 0 where there is none.
+std::int32_t InTenths(double value);
 // The last part of the path.
 WideString ShortName(const WideString& path);
 // " i3": the colour of an input.

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "merge/report/shared/plain_runs.h"
+#include "step/numbers/number_text.h"
 
 namespace corvel {
 
@@ -14,10 +15,10 @@ namespace {
 // The first two bytes of U+2028 and U+2029.
 constexpr std::string_view kLineSeparators = "\xE2\x80";
 
-void AppendEscape(char16_t unit, std::string& bytes) {
+void AppendEscape(char16_t unit, ByteText& bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
-  bytes += "\\u";
-  for (int shift = 12; shift >= 0; shift -= 4) bytes += kDigits[(unit >> shift) & 0xF];
+  bytes.Append("\\u");
+  for (int shift = 12; shift >= 0; shift -= 4) bytes.Append(kDigits[(unit >> shift) & 0xF]);
 }
 
 constexpr PlainCharacters kPlain("\"\\<>&");
@@ -27,46 +28,31 @@ bool IsEscaped(char16_t unit) {
          unit == 0x2028 || unit == 0x2029;
 }
 
-void AppendSpecial(char16_t unit, std::string& bytes) {
+void AppendSpecial(char16_t unit, ByteText& bytes) {
   if (unit == u'"' || unit == u'\\') {
-    bytes += '\\';
-    bytes += static_cast<char>(unit);
+    bytes.Append('\\');
+    bytes.Append(static_cast<char>(unit));
   } else if (IsEscaped(unit)) {
     AppendEscape(unit, bytes);
   } else {
-    AppendUtf8(WideView(&unit, 1), bytes);
+    bytes.Append(ToUtf8(WideView(&unit, 1)));
   }
+}
+
+// As std::round, which is a call.
+double RoundedToWhole(double value) {
+  constexpr double kOnlyWholesFrom = 4503599627370496.0;
+  if (!(std::abs(value) < kOnlyWholesFrom)) return value;
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(value));
+  const double rest = value - whole;
+  return rest >= 0.5 ? whole + 1 : rest <= -0.5 ? whole - 1 : whole;
 }
 
 }  // namespace
 
-void JsonText::BeforeToken() {
-  if (needsComma_) text_ += ',';
-  if (newLine_) text_ += '\n';
-  needsComma_ = newLine_ = false;
-}
-
-void JsonText::Put(std::string_view token) {
-  BeforeToken();
-  text_ += token;
-  needsComma_ = true;
-}
-
-void JsonText::Begin(char bracket) {
-  BeforeToken();
-  text_ += bracket;
-}
-
-void JsonText::End(char bracket) {
-  needsComma_ = false;
-  BeforeToken();
-  text_ += bracket;
-  needsComma_ = true;
-}
-
 JsonText& JsonText::Key(std::string_view key) {
   Value(key);
-  text_ += ':';
+  text_.Append(':');
   needsComma_ = false;
   return *this;
 }
@@ -75,9 +61,9 @@ JsonText& JsonText::Key(std::string_view key) {
 bool JsonText::PutPlain(std::string_view text) {
   if (!kPlain.AreAll(text)) return false;
   BeforeToken();
-  text_ += '"';
-  text_ += text;
-  text_ += '"';
+  text_.Append('"');
+  text_.Append(text);
+  text_.Append('"');
   needsComma_ = true;
   return true;
 }
@@ -92,9 +78,9 @@ void JsonText::Utf8(std::string_view text) {
 
 void JsonText::Value(WideView text) {
   BeforeToken();
-  text_ += '"';
+  text_.Append('"');
   kPlain.AppendText(text, text_, AppendSpecial);
-  text_ += '"';
+  text_.Append('"');
   needsComma_ = true;
 }
 
@@ -109,32 +95,30 @@ void JsonText::Value(double value) {
 // is as near, so that these are its fewest. False for what an exponent makes shorter, and for what
 // is too large.
 bool JsonText::PutDecimal(double scaled, int digits) {
-  constexpr std::uint64_t kLargest = 1'000'000'000'000;
-  constexpr std::array<std::uint64_t, 7> kThousandths = {0, 0, 0, 1, 10, 100, 1000};
-  constexpr std::uint64_t kWholesWithoutExponent = 100'000;
-  if (!(std::abs(scaled) < static_cast<double>(kLargest))) return false;
-  auto number = static_cast<std::uint64_t>(std::abs(scaled));
+  constexpr double kTooLarge = 4e9;
+  constexpr std::uint32_t kWholesWithoutExponent = 100'000;
+  static constexpr std::array<std::uint32_t, 7> kThousandths = {0, 0, 0, 1, 10, 100, 1000};
+  static constexpr std::array<std::uint32_t, 7> kPowers = {1,      10,      100,      1000,
+                                                           10'000, 100'000, 1'000'000};
+  if (!(std::abs(scaled) < kTooLarge)) return false;
+  const auto number = static_cast<std::uint32_t>(std::abs(scaled));
   if (number != 0 && number < kThousandths[static_cast<std::size_t>(digits)]) return false;
-  std::array<char, 40> text;
-  char* const end = text.data() + text.size();
-  char* at = end;
-  for (int i = 0; i < digits; ++i, number /= 10) {
-    if (number % 10 != 0 || at != end) *--at = static_cast<char>('0' + number % 10);
+  const std::uint32_t power = kPowers[static_cast<std::size_t>(digits)];
+  const std::uint32_t whole = number / power;
+  const std::uint32_t decimals = number % power;
+  if (decimals == 0 && whole >= kWholesWithoutExponent) return false;
+  BeforeToken();
+  char* at = text_.Room(1 + std::size_t{2} * kNumberRoom);
+  if (scaled < 0.0) *at++ = '-';
+  at = FormatUnsigned(whole, at);
+  if (decimals != 0) {
+    char* const point = at;
+    // A digit in front keeps the zeros behind the point, which takes its place.
+    at = FormatUnsigned(power + decimals, at);
+    *point = '.';
+    while (at[-1] == '0') --at;
   }
-  if (at != end) {
-    *--at = '.';
-  } else if (number >= kWholesWithoutExponent) {
-    return false;
-  }
-  do {
-    *--at = static_cast<char>('0' + number % 10);
-    number /= 10;
-  } while (number != 0);
-  if (scaled < 0.0) *--at = '-';
-  if (newLine_) *--at = '\n';
-  if (needsComma_) *--at = ',';
-  text_.append(at, end);
-  newLine_ = false;
+  text_.TookUpTo(at);
   needsComma_ = true;
   return true;
 }
@@ -142,7 +126,7 @@ bool JsonText::PutDecimal(double scaled, int digits) {
 void JsonText::Rounded(double value, int digits) {
   constexpr std::array<double, 7> kPowers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
   const double factor = kPowers[static_cast<std::size_t>(digits)];
-  const double scaled = std::round(value * factor);
+  const double scaled = RoundedToWhole(value * factor);
   if (PutDecimal(scaled, digits)) return;
   const double rounded = scaled / factor;
   // Not the zero with a sign, and as it is where there is nothing to be rounded any more.
@@ -160,7 +144,7 @@ void JsonText::Made(std::string_view json) {
       AppendEscape(json[i + 2] == '\xA8' ? 0x2028 : 0x2029, text_);
       i += 2;
     } else {
-      text_ += c;
+      text_.Append(c);
     }
   }
   needsComma_ = true;

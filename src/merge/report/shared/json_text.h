@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/text.h"
+#include "merge/report/shared/byte_text.h"
 
 namespace corvel {
 
@@ -73,18 +74,34 @@ class JsonText {
   void Made(std::string_view json);
 
   // So many bytes more are to come.
-  void Expect(std::size_t bytes) { text_.reserve(text_.size() + bytes); }
-  std::string Take() { return std::move(text_); }
+  void Expect(std::size_t bytes) { text_.Expect(bytes); }
+  std::string Take() { return text_.Take(); }
 
  private:
   bool PutPlain(std::string_view text);
   bool PutDecimal(double scaled, int digits);
-  void Begin(char bracket);
-  void End(char bracket);
-  void Put(std::string_view token);
-  void BeforeToken();
+  void Begin(char bracket) {
+    BeforeToken();
+    text_.Append(bracket);
+  }
+  void End(char bracket) {
+    needsComma_ = false;
+    BeforeToken();
+    text_.Append(bracket);
+    needsComma_ = true;
+  }
+  void Put(std::string_view token) {
+    BeforeToken();
+    text_.Append(token);
+    needsComma_ = true;
+  }
+  void BeforeToken() {
+    if (needsComma_) text_.Append(',');
+    if (newLine_) text_.Append('\n');
+    needsComma_ = newLine_ = false;
+  }
 
-  std::string text_;
+  ByteText text_;
   bool needsComma_ = false;
   bool newLine_ = false;
 };

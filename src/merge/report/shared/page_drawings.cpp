@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <numbers>
 #include <string>
@@ -65,8 +66,8 @@ enum class View { kPlan, kElevation };
 
 Corners Footprint(const ProductBox& box) {
   const double angle = box.degrees * std::numbers::pi / 180;
-  const double cosine = std::cos(angle);
-  const double sine = std::sin(angle);
+  const double cosine = box.degrees == 0 ? 1 : std::cos(angle);
+  const double sine = box.degrees == 0 ? 0 : std::sin(angle);
   const Point along = {cosine * box.size[0] / 2, sine * box.size[0] / 2};
   const Point across = {-sine * box.size[1] / 2, cosine * box.size[1] / 2};
   Corners corners;
@@ -150,7 +151,7 @@ class Drawing {
     html_.Raw("<svg class='drawing' viewBox='0 0 ").Number(kWidth, 0).Raw(" ");
     html_.Number(height_, 0).Raw("' role='img'>\n");
     if (view_ == View::kElevation) DrawStoreys();
-    for (auto& [input, outlines] : outlines_) DrawInput(input, outlines);
+    for (const auto& [input, outlines] : outlines_) DrawInput(input, outlines);
     if (reach_.size() > 1) {
       for (const auto& [input, area] : reach_) DrawReach(input, area);
     }
@@ -188,17 +189,20 @@ class Drawing {
             offset_[1] + (all_.high[1] - point[1]) * scale_ * stretch_};
   }
 
-  void Put(const Point& point, int digits = 1) {
-    html_.Number(point[0], digits).Raw(" ").Number(point[1], digits);
-  }
-
   // Large ones first, so that small ones are not below them.
-  void DrawInput(std::uint32_t input, std::vector<Outline>& outlines) {
-    std::stable_sort(outlines.begin(), outlines.end(),
-                     [](const Outline& a, const Outline& b) { return a.size > b.size; });
+  void DrawInput(std::uint32_t input, const std::vector<Outline>& outlines) {
+    struct Drawn {
+      double size;
+      const Outline* outline;
+    };
+    std::vector<Drawn> bySize;
+    bySize.reserve(outlines.size());
+    for (const Outline& outline : outlines) bySize.push_back({outline.size, &outline});
+    std::stable_sort(bySize.begin(), bySize.end(),
+                     [](const Drawn& a, const Drawn& b) { return a.size > b.size; });
     html_.Raw("<g class='").Raw(ColourOf(input)).Raw("' data-input='");
     html_.Whole(input).Raw("'>\n");
-    for (const Outline& outline : outlines) DrawOutline(outline);
+    for (const Drawn& drawn : bySize) DrawOutline(*drawn.outline);
     html_.Raw("</g>\n");
   }
 
@@ -218,12 +222,26 @@ class Drawing {
       return;
     }
     html_.Raw("<path class='p' d='M");
-    for (std::size_t i = 0; i < corners.count; ++i) {
-      if (i != 0) html_.Raw("L");
-      Put(corners.points[i]);
-    }
+    DrawLines(corners);
     html_.Raw("z' data-p='");
     DrawTitle(outline, "path");
+  }
+
+  // Most outlines lie along the axes, and each line of these needs one number.
+  void DrawLines(const Corners& corners) {
+    std::array<std::int32_t, 2> last{};
+    for (std::size_t i = 0; i < corners.count; ++i) {
+      const std::array<std::int32_t, 2> next = {InTenths(corners.points[i][0]),
+                                                InTenths(corners.points[i][1])};
+      if (i != 0 && next[1] == last[1]) {
+        html_.Raw("H").Tenths(next[0]);
+      } else if (i != 0 && next[0] == last[0]) {
+        html_.Raw("V").Tenths(next[1]);
+      } else {
+        html_.Raw(i == 0 ? "" : "L").Tenths(next[0]).Raw(" ").Tenths(next[1]);
+      }
+      last = next;
+    }
   }
 
   void DrawTitle(const Outline& outline, std::string_view element) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/text.h"
+#include "merge/report/shared/byte_text.h"
 
 namespace corvel {
 
@@ -35,12 +36,12 @@ class PlainCharacters {
   // Puts the text behind `bytes`, in UTF-8. `appendSpecial` puts each other character of one unit;
   // instead of half a pair it is given U+FFFD.
   template <class AppendSpecial>
-  void AppendText(WideView text, std::string& bytes, AppendSpecial appendSpecial) const {
+  void AppendText(WideView text, ByteText& bytes, AppendSpecial appendSpecial) const {
     text.remove_prefix(AppendRun(text, bytes));
     while (!text.empty()) {
       const bool isPair = IsHighHalf(text[0]) && text.size() > 1 && IsLowHalf(text[1]);
       if (isPair) {
-        AppendUtf8(text.substr(0, 2), bytes);
+        bytes.Append(ToUtf8(text.substr(0, 2)));
       } else {
         const bool isHalf = IsHighHalf(text[0]) || IsLowHalf(text[0]);
         appendSpecial(isHalf ? kReplacementCharacter : text[0], bytes);
@@ -55,14 +56,15 @@ class PlainCharacters {
   static constexpr bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
   // Puts the run at the beginning of `text` behind `bytes`, and gives its length.
-  std::size_t AppendRun(WideView text, std::string& bytes) const {
-    const auto end = std::find_if_not(text.begin(), text.end(), *this);
-    const auto length = static_cast<std::size_t>(end - text.begin());
-    const std::size_t before = bytes.size();
-    bytes.resize(before + length);
-    std::transform(text.begin(), end, bytes.begin() + static_cast<std::ptrdiff_t>(before),
-                   [](char16_t unit) { return static_cast<char>(unit); });
-    return length;
+  std::size_t AppendRun(WideView text, ByteText& bytes) const {
+    char* const begin = bytes.Room(text.size());
+    char* at = begin;
+    for (const char16_t unit : text) {
+      if (!(*this)(unit)) break;
+      *at++ = static_cast<char>(unit);
+    }
+    bytes.TookUpTo(at);
+    return static_cast<std::size_t>(at - begin);
   }
 
   std::array<bool, kAscii> isPlain_{};
