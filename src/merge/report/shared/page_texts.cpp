@@ -12,24 +12,24 @@ namespace corvel {
 namespace {
 
 // How a language writes numbers.
-struct NumberForm {
+struct NumberMarks {
   std::string_view language;
   std::string_view decimal;
   std::string_view group;  // between thousands
   std::size_t groupFrom;   // so many digits in front of the fraction
 };
 
-constexpr NumberForm kNumberForms[] = {{"en", ".", ",", 4},
-                                       {"de", ",", ".", 4},
-                                       {"fr", ",", "\u202F", 4},
-                                       {"es", ",", ".", 5},
-                                       {"pl", ",", "\u00A0", 5}};
+constexpr NumberMarks kNumberMarks[] = {{"en", ".", ",", 4},
+                                        {"de", ",", ".", 4},
+                                        {"fr", ",", "\u202F", 4},
+                                        {"es", ",", ".", 5},
+                                        {"pl", ",", "\u00A0", 5}};
 
-const NumberForm& NumberFormOf(std::string_view code) {
+const NumberMarks& NumberMarksOf(std::string_view code) {
   const auto* const found =
-      std::find_if(std::begin(kNumberForms), std::end(kNumberForms),
-                   [code](const NumberForm& form) { return form.language == code; });
-  return found == std::end(kNumberForms) ? kNumberForms[0] : *found;
+      std::find_if(std::begin(kNumberMarks), std::end(kNumberMarks),
+                   [code](const NumberMarks& marks) { return marks.language == code; });
+  return found == std::end(kNumberMarks) ? kNumberMarks[0] : *found;
 }
 
 const PageLanguage& LanguageOf(std::string_view code) {
@@ -74,7 +74,7 @@ std::string_view PageTexts::Of(std::string_view key) const {
 
 std::string PageTexts::Number(std::string_view plain) const {
   constexpr std::size_t kGroup = 3;
-  const NumberForm& form = NumberFormOf(language_);
+  const NumberMarks& marks = NumberMarksOf(language_);
   std::string text;
   if (plain.starts_with('-')) {
     text += '-';
@@ -82,11 +82,11 @@ std::string PageTexts::Number(std::string_view plain) const {
   }
   const std::size_t whole = std::min(plain.find('.'), plain.size());
   for (std::size_t i = 0; i < whole; ++i) {
-    if (i != 0 && whole >= form.groupFrom && (whole - i) % kGroup == 0) text += form.group;
+    if (i != 0 && whole >= marks.groupFrom && (whole - i) % kGroup == 0) text += marks.group;
     text += plain[i];
   }
   if (whole == plain.size()) return text;
-  return text.append(form.decimal).append(plain.substr(whole + 1));
+  return text.append(marks.decimal).append(plain.substr(whole + 1));
 }
 
 std::string PageTexts::AllAsJson() const {
@@ -97,10 +97,10 @@ std::string PageTexts::AllAsJson() const {
     json.NewLine();
     json.Key(language.code).BeginObject();
     json.Member("name", FromUtf8(texts.at("name")));
-    const NumberForm& form = NumberFormOf(language.code);
-    json.Member("decimal", FromUtf8(form.decimal));
-    json.Member("group", FromUtf8(form.group));
-    json.Member("groupFrom", form.groupFrom);
+    const NumberMarks& marks = NumberMarksOf(language.code);
+    json.Member("decimal", FromUtf8(marks.decimal));
+    json.Member("group", FromUtf8(marks.group));
+    json.Member("groupFrom", marks.groupFrom);
     json.Key("texts").BeginObject();
     for (const auto& [key, text] : texts) json.Member(key, FromUtf8(text));
     json.EndObject();
