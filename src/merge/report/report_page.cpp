@@ -13,8 +13,7 @@ namespace corvel {
 
 namespace {
 
-std::string ContentOf(const RunReport& report, const PageTexts& texts) {
-  HtmlText html(texts);
+void AddSections(const RunReport& report, HtmlText& html) {
   AddHead(report, html);
   AddInputs(report, html);
   AddFlow(report, html);
@@ -23,8 +22,6 @@ std::string ContentOf(const RunReport& report, const PageTexts& texts) {
   AddSteps(report, html);
   AddTree(report, html);
   AddStages(report, html);
-  AddFooter(html);
-  return html.Take();
 }
 
 std::string TitleOf(const RunReport& report, const PageTexts& texts) {
@@ -56,10 +53,14 @@ std::string ReportAsPage(const RunReport& report, std::string_view language, uns
   JsonOfPage json(report);
   platform::WorkerPool pool(threads);
   pool.Submit(json);
-  std::string content = ContentOf(report, texts);
+  HtmlText html(texts);
+  BeginPage(
+      {TitleOf(report, texts), report.places ? &*report.places : nullptr, {}, language.empty()},
+      html);
+  AddSections(report, html);
   pool.Finish(json);
-  return FramedPage({TitleOf(report, texts), std::move(content), json.Take()}, texts,
-                    language.empty());
+  EndPage(json.Take(), html);
+  return html.Take();
 }
 
 }  // namespace corvel

@@ -26,24 +26,12 @@ std::optional<ModelPlaces> PlacesOf(const CheckReport& report) {
   return models.empty() ? std::nullopt : std::optional(AllPlaces(models));
 }
 
-void AddDrawingsOfModels(const CheckReport& report, HtmlText& html) {
+void AddDrawingsOfModels(const CheckReport& report, const ModelPlaces* places, HtmlText& html) {
   std::vector<DrawnInput> inputs;
   for (const CheckedModel& model : report.models) {
     inputs.push_back({model.path, model.places.has_value()});
   }
-  const std::optional<ModelPlaces> places = PlacesOf(report);
-  AddDrawings(inputs, places ? &*places : nullptr, html);
-}
-
-std::string MainOf(const CheckReport& report, const PageTexts& texts) {
-  HtmlText html(texts);
-  AddCheckHead(report, html);
-  AddFindings(report, html);
-  AddFactsOfModels(report, html);
-  AddDrawingsOfModels(report, html);
-  AddTreesOfModels(report, html);
-  AddFooter(html);
-  return html.Take();
+  AddDrawings(inputs, places, html);
 }
 
 std::string TitleOf(const CheckReport& report, const PageTexts& texts) {
@@ -100,9 +88,17 @@ std::string CheckReportAsPage(const CheckReport& report, std::string_view langua
   std::vector<PageLanguage> more(std::begin(kCheckLanguages), std::end(kCheckLanguages));
   for (const PageLanguage& one : kCheckLanguages) more.push_back({one.code, rules});
   const PageTexts texts(language, more);
-  return FramedPage(
-      {TitleOf(report, texts), MainOf(report, texts), CheckReportForPrograms(report), kCheckStyle},
-      texts, language.empty());
+  HtmlText html(texts);
+  const std::optional<ModelPlaces> places = PlacesOf(report);
+  const ModelPlaces* const drawn = places ? &*places : nullptr;
+  BeginPage({TitleOf(report, texts), drawn, kCheckStyle, language.empty()}, html);
+  AddCheckHead(report, html);
+  AddFindings(report, html);
+  AddFactsOfModels(report, html);
+  AddDrawingsOfModels(report, drawn, html);
+  AddTreesOfModels(report, html);
+  EndPage(CheckReportForPrograms(report), html);
+  return html.Take();
 }
 
 bool WriteCheckReport(const CheckReport& report, const WideString& path) {

@@ -4,10 +4,12 @@
 
 namespace corvel {
 
-// Apart, so that Append is little and put in place where it is called.
+// Apart, so that Append is little and put in place where it is called. The room is made in steps
+// that stay near the processor until they are used: whatever is expected beyond costs nothing.
 void ByteText::Enlarge(std::size_t bytes) {
   constexpr std::size_t kLeast = 64;
-  bytes_.resize(std::max({size_ + bytes, 2 * bytes_.size(), kLeast}));
+  constexpr std::size_t kMost = 16'384;
+  bytes_.resize(size_ + std::max(bytes, std::clamp(size_, kLeast, kMost)));
 }
 
 }  // namespace corvel

@@ -39,7 +39,7 @@ class ByteText {
   }
   // So many bytes more are to come.
   void Expect(std::size_t bytes) {
-    if (bytes_.size() - size_ < bytes) bytes_.resize(size_ + bytes);
+    if (bytes_.capacity() - size_ < bytes) bytes_.reserve(size_ + bytes);
   }
 
   std::size_t Size() const { return size_; }

@@ -144,10 +144,6 @@ class Drawing {
   }
 
   void Draw() {
-    constexpr std::size_t kBytesOfOutline = 200;
-    std::size_t count = 0;
-    for (const auto& [input, outlines] : outlines_) count += outlines.size();
-    html_.Expect(count * kBytesOfOutline);
     html_.Raw("<svg class='drawing' viewBox='0 0 ").Number(kWidth, 0).Raw(" ");
     html_.Number(height_, 0).Raw("' role='img'>\n");
     if (view_ == View::kElevation) DrawStoreys();

@@ -5,22 +5,21 @@
 #include <string_view>
 
 #include "merge/report/shared/html_text.h"
-#include "merge/report/shared/page_texts.h"
+#include "merge/report/shared/report_places.h"
 
 namespace corvel {
 
-struct PageContent {
-  std::string title;         // HTML, here and below
-  std::string main;          // the sections
-  std::string json;          // the report itself, as JsonText writes
-  std::string_view style{};  // CSS beside that of all pages
+struct PageHead {
+  std::string title;            // HTML
+  const ModelPlaces* places;    // that are drawn, or null: most of the page comes from them
+  std::string_view style = {};  // CSS beside that of all pages
+  // Its script puts it into the language that the reader's browser asks for.
+  bool followsReader = false;
 };
 
-// The last line of the sections.
-void AddFooter(HtmlText& html);
-
-// One page that needs nothing beside itself, in UTF-8. `followsReader`: its script puts it into the
-// language that the reader's browser asks for.
-std::string FramedPage(const PageContent& content, const PageTexts& texts, bool followsReader);
+// One page that needs nothing beside itself, in UTF-8: between the two come the sections. `json`:
+// the report itself, as JsonText writes.
+void BeginPage(const PageHead& head, HtmlText& html);
+void EndPage(std::string_view json, HtmlText& html);
 
 }  // namespace corvel
