@@ -6,6 +6,7 @@ on nothing that is kept is dropped, and so is what cannot exist, such as a relat
 with what it alone used.
 """
 
+import functools
 import re
 
 import schema_facts
@@ -14,6 +15,7 @@ from step_text import Absent, Reference
 _LEAST = re.compile(r'(?:LIST|SET|ARRAY|BAG) \[([1-9]\d*):')
 
 
+@functools.cache
 def _lives_on(release, name):
     """The places of mandatory lists of references that must have a member, one for each class of
     the line of ancestors whose record needs it. Only the class's own list counts, so there is one
@@ -54,6 +56,13 @@ def _reach(starts, neighbours, allowed):
     return reached
 
 
+@functools.cache
+def _needs(release, name):
+    """The places of mandatory references."""
+    return [place for place, (_, optional, kind) in enumerate(release.attributes_of(name))
+            if kind.name == schema_facts.REFERENCE and not optional]
+
+
 def _cannot_exist(release, record, gone):
     """Without a member of a list that must have one, or without a mandatory reference."""
     if not release.is_entity(record.name):
@@ -62,9 +71,8 @@ def _cannot_exist(release, record, gone):
     members = given.get(_lives_on(release, record.name))
     if isinstance(members, list) and all(_is_gone(member, gone) for member in members):
         return True
-    return any(kind.name == schema_facts.REFERENCE and not optional
-               and isinstance(given.get(place), Reference) and given[place].number in gone
-               for place, (_, optional, kind) in enumerate(release.attributes_of(record.name)))
+    return any(isinstance(given.get(place), Reference) and given[place].number in gone
+               for place in _needs(release, record.name))
 
 
 def _is_gone(member, gone):
