@@ -5,6 +5,7 @@ schema_facts.py and express_rules.py. Many models break some rule already when t
 counts are compared: what a merge breaks is what its inputs break, or the merge without any option.
 """
 
+import functools
 import re
 import sys
 from collections import Counter
@@ -48,12 +49,17 @@ class Classes:
         return found
 
 
+@functools.cache
+def classes_of(namespace):
+    return Classes(schema_facts.release(namespace))
+
+
 class Checker:
     def __init__(self, data):
         self.file = step_text.StepFile(data)
         identifier = self.file.header['FILESCHEMA'][0][0]
         self.namespace = schema_facts.choose_release(identifier)
-        self.classes = Classes(schema_facts.release(self.namespace))
+        self.classes = classes_of(self.namespace)
         self.records = {number: record for number, record in self.file.records.items()
                         if self.classes.release.is_entity(record.name)}
         self.by_class = {}
