@@ -52,7 +52,6 @@ ExitStatus RunModels(const CommandLine& line) {
                          line.reports};
   ModelRun run(order, console);
   const ExitStatus status = run.Run();
-  console.TellEnd(static_cast<int>(status));
   if (line.isDryRun) {
     const bool isTold =
         run.Report() == nullptr || run.Report()->inputs.empty() || Tell(DryRunText(*run.Report()));
@@ -215,7 +214,21 @@ ExitStatus Run(const UsageError& error) {
   return ExitStatus::kWrongUsage;
 }
 
+// As it is written, whether the rest is understood or not.
+bool AsksForProgressAsJson(const std::vector<WideString>& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == u"--progress=json") return true;
+    if (arguments[i] == u"json" && i != 0 && arguments[i - 1] == u"--progress") return true;
+  }
+  return false;
+}
+
 }  // namespace
+
+void TellEndToPrograms(const std::vector<WideString>& arguments, ExitStatus status) {
+  if (!AsksForProgressAsJson(arguments)) return;
+  RunConsole(RunConsole::StandardError(false, true)).TellEnd(static_cast<int>(status));
+}
 
 ExitStatus RunCommand(const std::vector<WideString>& arguments) {
   return std::visit([](const auto& order) { return Run(order); },

@@ -13,4 +13,8 @@ namespace corvel::host {
 // load the plug-in and catch interrupts. Throws what nobody foresees.
 ExitStatus RunCommand(const std::vector<WideString>& arguments);
 
+// The last line for programs that follow the progress (--progress json), however the command ended:
+// wrong usage and what RunCommand throws included. Nothing where they are not asked for.
+void TellEndToPrograms(const std::vector<WideString>& arguments, ExitStatus status);
+
 }  // namespace corvel::host

@@ -1,8 +1,9 @@
 """Wrong usage and help. The words of every error are held by the unit tests."""
 
+import json
 import unittest
 
-from support import DONE, WRONG_USAGE, CorvelTest
+from support import DONE, NOTHING_WRITTEN, WRONG_USAGE, CorvelTest, project, wall
 
 
 class Usage(CorvelTest):
@@ -35,6 +36,24 @@ class Usage(CorvelTest):
                 self.assert_ended(ended, WRONG_USAGE, out='')
                 self.assertTrue(ended.err.startswith(begin), ended.err)
                 self.assertRegex(ended.err, r"See 'corvel .*--help'\.\n$")
+
+    def test_programs_that_follow_the_progress_are_told_its_end(self):
+        self.write('a.ifc', project(*wall(2, 'g1')))
+        self.write('b.ifc', project(*wall(2, 'g2')))
+        merge = ('merge', 'a.ifc', 'b.ifc', '-o', 'o.ifc')
+        for words, status in ((merge, DONE), (('merge', 'a.ifc', 'b.ifc'), WRONG_USAGE),
+                              ((*merge, '--no-such-option'), WRONG_USAGE),
+                              (('merge', 'a.ifc', 'missing.ifc', '-o', 'o.ifc'), NOTHING_WRITTEN),
+                              (('info', 'a.ifc'), WRONG_USAGE), (('nothing',), WRONG_USAGE)):
+            for option in (('--progress', 'json'), ('--progress=json',)):
+                with self.subTest(words=words, option=option):
+                    ended = self.run_corvel(*words, *option)
+                    self.assert_ended(ended, status)
+                    lines = ended.err.splitlines()
+                    self.assertEqual({'event': 'end', 'status': status}, json.loads(lines[-1]))
+                    self.assertEqual(1, sum('"end"' in line for line in lines))
+        for words in (merge, ('merge', 'a.ifc', 'b.ifc'), (*merge, '--progress', 'yaml')):
+            self.assertNotIn('"end"', self.run_corvel(*words).err)
 
     def test_nothing_is_read_or_made(self):
         self.run_corvel('merge', 'a.ifc', 'b.ifc', '-o', 'out.ifc', '--wrong')
