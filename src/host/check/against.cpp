@@ -33,9 +33,12 @@ std::vector<FindingPlace> PlacesIn(const KnownPlaces::Sum& sum,
   std::vector<FindingPlace> first;
   first.reserve(places.size());
   for (const auto& [file, number] : places) {
-    const WideString where =
-        inputs.size() == 1 ? WideString() : u"in " + ShownFileName(inputs[file].path);
-    first.push_back({.number = number, .what = where});
+    FindingPlace& place = first.emplace_back();
+    place.number = number;
+    if (inputs.size() == 1) continue;
+    const WideString name = ShownFileName(inputs[file].path);
+    place.what = u"in " + name;
+    place.parts = {{PlacePart::Kind::kWord, u"said.in"}, {PlacePart::Kind::kText, name}};
   }
   return first;
 }

@@ -8,6 +8,7 @@
 
 #include "host/model_frame.h"
 #include "host/wrapped_text.h"
+#include "merge/report/shared/html_text.h"
 
 namespace corvel::host {
 
@@ -15,8 +16,21 @@ namespace {
 
 constexpr double kFarMetres = 1000.0;
 
+using Kind = PlacePart::Kind;
+
 WideString UnitText(const LengthUnit& unit) {
   return unit.name.empty() ? WideString(u"no length unit") : unit.name;
+}
+
+PlacePart UnitPart(const LengthUnit& unit) {
+  if (unit.name.empty()) return {Kind::kWord, u"said.noLengthUnit"};
+  return {Kind::kUnit, unit.name};
+}
+
+// "FOOT for METRE"
+FindingPlace Difference(const WideString& what, PlacePart here, PlacePart there) {
+  return {.what = what,
+          .parts = {std::move(here), {Kind::kWord, u"said.insteadOf"}, std::move(there)}};
 }
 
 // What the name of an SI unit of that type ends with behind its prefix; empty: a merge does not
@@ -49,7 +63,9 @@ void CompareOtherUnits(const ModelFacts& first, const ModelFacts& facts, Finding
     const UnitFacts* const here = LastSiUnit(facts.units, type);
     const UnitFacts* const there = LastSiUnit(first.units, type);
     if (here == nullptr || there == nullptr || here->name == there->name) continue;
-    findings.Add(RuleId::kOtherUnit, type, {.what = here->name + u" for " + there->name});
+    findings.Add(RuleId::kOtherUnit, type,
+                 Difference(here->name + u" for " + there->name, {Kind::kUnit, here->name},
+                            {Kind::kUnit, there->name}));
   }
 }
 
@@ -64,27 +80,53 @@ double Distance(const Extent& one, const Extent& other) {
   return std::sqrt(square);
 }
 
+// The names of a map conversion's values, in their order.
+const PlacePart kValueNames[MapConversion::kCount] = {
+    {Kind::kWord, u"eastings"},      {Kind::kWord, u"northings"},     {Kind::kWord, u"height"},
+    {Kind::kText, u"XAxisAbscissa"}, {Kind::kText, u"XAxisOrdinate"}, {Kind::kWord, u"scale"}};
+
+FindingPlace DifferenceOfPlaces(const std::optional<MapConversion>& here,
+                                const std::optional<MapConversion>& there) {
+  const PlacePart none{Kind::kWord, u"said.none"};
+  const PlacePart one{Kind::kWord, u"said.one"};
+  if (!here) return Difference(u"none for one", none, one);
+  if (!there) return Difference(u"one for none", one, none);
+  FindingPlace place{.what = DifferenceBetween(*there, *here)};
+  for (std::size_t i = 0; i < MapConversion::kCount; ++i) {
+    if (here->values[i] == there->values[i]) continue;
+    place.parts.push_back(kValueNames[i]);
+    place.parts.push_back({Kind::kNumber, Widen(FewestDigits(here->values[i]))});
+    place.parts.push_back({Kind::kWord, u"said.insteadOf"});
+    place.parts.push_back({Kind::kNumber, Widen(FewestDigits(there->values[i]))});
+  }
+  return place;
+}
+
 void CompareFrames(const ModelFacts& first, const ModelFacts& facts, Findings& findings) {
   if (facts.release != first.release) {
+    const WideString here = Widen(facts.release);
+    const WideString there = Widen(first.release);
     findings.Add(RuleId::kOtherRelease, {},
-                 {.what = Widen(facts.release) + u" for " + Widen(first.release)});
+                 Difference(here + u" for " + there, {Kind::kText, here}, {Kind::kText, there}));
   }
   if (Differ(first.lengthUnit, facts.lengthUnit)) {
     findings.Add(RuleId::kOtherUnit, {},
-                 {.what = UnitText(facts.lengthUnit) + u" for " + UnitText(first.lengthUnit)});
+                 Difference(UnitText(facts.lengthUnit) + u" for " + UnitText(first.lengthUnit),
+                            UnitPart(facts.lengthUnit), UnitPart(first.lengthUnit)));
   }
   CompareOtherUnits(first, facts, findings);
   const auto& here = facts.georeference.conversion;
   const auto& there = first.georeference.conversion;
-  if (here != there) {
-    const WideString what = !here    ? u"none for one"
-                            : !there ? u"one for none"
-                                     : DifferenceBetween(*there, *here);
-    findings.Add(RuleId::kOtherPlace, {}, {.what = what});
-  }
+  if (here != there) findings.Add(RuleId::kOtherPlace, {}, DifferenceOfPlaces(here, there));
   if (facts.extent.placed == 0 || first.extent.placed == 0) return;
   const double metres = Distance(first.extent, facts.extent);
-  if (metres > kFarMetres) findings.Add(RuleId::kFarApart, {}, {.what = MetresText(metres)});
+  if (metres > kFarMetres) {
+    const WideString what = MetresText(metres);  // "1234.500 m"
+    findings.Add(
+        RuleId::kFarApart, {},
+        {.what = what,
+         .parts = {{Kind::kNumber, what.substr(0, what.find(u' '))}, {Kind::kText, u"m"}}});
+  }
 }
 
 // Holders of all models so far, each GUID once, with the first that has it.

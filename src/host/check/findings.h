@@ -17,10 +17,24 @@
 
 namespace corvel::host {
 
+// A part of what is told of a place, for pages, which have words in several languages.
+struct PlacePart {
+  enum class Kind : std::uint8_t {
+    kWord,    // the key of a text
+    kText,    // the same in all languages
+    kNumber,  // "1234.5"
+    kUnit     // as LengthUnit and UnitFacts name it
+  };
+
+  Kind kind = Kind::kText;
+  WideString text{};
+};
+
 struct FindingPlace {
-  std::uint32_t number = 0;  // of a record; 0: none
-  std::uint64_t line = 0;    // 0: not known
-  WideString what{};         // a value, a GUID, other records; may be empty
+  std::uint32_t number = 0;        // of a record; 0: none
+  std::uint64_t line = 0;          // 0: not known
+  WideString what{};               // a value, a GUID, other records; may be empty
+  std::vector<PlacePart> parts{};  // of `what`, where it has words of ours in it
   std::int64_t offset = -1;  // into the file, from which the line is found; below 0: not known
   bool isNew = false;        // compared with other models: none of them has it
 };

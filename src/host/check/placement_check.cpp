@@ -24,14 +24,26 @@ void TellCircle(const IFC::IfcEntity& placement, Findings& findings) {
       [](const auto* one, const auto* other) { return one->marker < other->marker; });
   std::rotate(circle.begin(), least, circle.end());
   constexpr std::size_t kMostTold = 5;
-  WideString what = u"stands on";
+  FindingPlace place{.number = circle.front()->marker, .what = u"stands on"};
+  place.parts.push_back({PlacePart::Kind::kWord, u"said.standsOn"});
+  const auto add = [&place](const WideString& text) {
+    place.what += u" " + text;
+    place.parts.push_back({PlacePart::Kind::kText, text});
+  };
+  const auto addOn = [&place] {
+    place.what += u" on";
+    place.parts.push_back({PlacePart::Kind::kWord, u"said.on"});
+  };
   for (std::size_t i = 1; i < circle.size() && i < kMostTold; ++i) {
-    what += u" #" + ToWide(circle[i]->marker) + u" on";
+    add(u"#" + ToWide(circle[i]->marker));
+    addOn();
   }
-  if (circle.size() > kMostTold) what += u" ... on";
-  what += u" #" + ToWide(circle.front()->marker);
-  findings.Add(RuleId::kPlacementCircle, {},
-               {.number = circle.front()->marker, .what = std::move(what)});
+  if (circle.size() > kMostTold) {
+    add(u"...");
+    addOn();
+  }
+  add(u"#" + ToWide(circle.front()->marker));
+  findings.Add(RuleId::kPlacementCircle, {}, std::move(place));
 }
 
 }  // namespace

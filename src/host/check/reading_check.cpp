@@ -64,8 +64,12 @@ Finding FindingOf(const MisfitGroup& group) {
 Finding FindingOf(const SkippedPart& part) {
   Finding finding{.rule = RuleOfSkipped(part), .subject = part.section};
   finding.count = part.places;
-  const WideString what = part.record == 0 ? WideString() : u"behind #" + ToWide(part.record);
-  finding.places.push_back({.what = what, .offset = part.offset});
+  FindingPlace& place = finding.places.emplace_back();
+  place.offset = part.offset;
+  if (part.record == 0) return finding;
+  const WideString record = u"#" + ToWide(part.record);
+  place.what = u"behind " + record;
+  place.parts = {{PlacePart::Kind::kWord, u"said.behind"}, {PlacePart::Kind::kText, record}};
   return finding;
 }
 

@@ -50,7 +50,10 @@ void RelationCheck::Tell(RuleId rule, Entry entry, std::uint64_t count,
   const std::string subject =
       std::string(FindFacts(entity)->name) + " in " + std::string(bound.relation);
   findings.Add(rule, subject,
-               {.number = number, .what = Counted(count, u"relation", u"relations")});
+               {.number = number,
+                .what = Counted(count, u"relation", u"relations"),
+                .parts = {{PlacePart::Kind::kWord, u"said.relations"},
+                          {PlacePart::Kind::kNumber, Widen(std::to_string(count))}}});
 }
 
 void RelationCheck::Finish(const IFC::MainContainer& container, Findings& findings) {

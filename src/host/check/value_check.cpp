@@ -92,8 +92,12 @@ const IFC::IfcEntity* DoubledMember(const EntityList& list) {
   return least;
 }
 
-WideString CountText(std::size_t count) {
-  return Widen(std::to_string(count)) + (count == 1 ? u" member" : u" members");
+// So many members of a list.
+FindingPlace CountOf(std::size_t members, std::uint32_t record) {
+  const WideString count = Widen(std::to_string(members));
+  return {.number = record,
+          .what = count + (members == 1 ? u" member" : u" members"),
+          .parts = {{PlacePart::Kind::kWord, u"said.members"}, {PlacePart::Kind::kNumber, count}}};
 }
 
 }  // namespace
@@ -263,9 +267,11 @@ void ForEachList(const List<T>& held, const Bounds* bounds, Check& check) {
 void ValueCheck::CheckMembers(ConstAttribute attribute, Plan& plan, const Place& place) {
   const auto check = [&](const Bounds& bounds, std::size_t size) {
     if (size < bounds.least) {
-      place.Add(plan.few, RuleId::kFewMembers, plan.subject, CountText(size));
+      place.findings.Add(plan.few, RuleId::kFewMembers, plan.subject,
+                         CountOf(size, place.entity.marker));
     } else if (size > bounds.most) {
-      place.Add(plan.many, RuleId::kManyMembers, plan.subject, CountText(size));
+      place.findings.Add(plan.many, RuleId::kManyMembers, plan.subject,
+                         CountOf(size, place.entity.marker));
     }
   };
   attribute.Visit([&](const auto& value) { ForEachList(value, plan.bounds.data(), check); });

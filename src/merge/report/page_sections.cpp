@@ -7,6 +7,7 @@
 #include "merge/report/shared/page_drawings.h"
 #include "merge/report/shared/page_lists.h"
 #include "merge/report/shared/page_tree.h"
+#include "merge/report/shared/page_units.h"
 #include "merge/unit_texts.h"
 
 namespace corvel {
@@ -86,9 +87,13 @@ void AddUnitDifferences(const InputReport& input, HtmlText& html) {
   if (input.unitDifferences.empty()) return;
   html.Raw("<ul class='texts'>\n");
   for (const UnitComparison& row : input.unitDifferences) {
-    html.Raw("<li>").Text(WithoutDotsAndCommas(row.unitType)).Raw(": ");
-    html.Text(WithoutDotsAndCommas(row.otherLabel)).Raw(" ").Word("unitHere").Raw(", ");
-    html.Text(WithoutDotsAndCommas(row.unitLabel)).Raw(" ").Word("unitFirst").Raw("</li>\n");
+    html.Raw("<li>");
+    AddKindOfUnit(ToUtf8(WithoutDotsAndCommas(row.unitType)), html);
+    html.Colon();
+    AddUnit(WithoutDotsAndCommas(row.otherLabel), html);
+    html.Raw(" ").Word("unitHere").Raw(", ");
+    AddUnit(WithoutDotsAndCommas(row.unitLabel), html);
+    html.Raw(" ").Word("unitFirst").Raw("</li>\n");
   }
   html.Raw("</ul>\n");
 }
@@ -97,7 +102,7 @@ void AddUnitName(const WideString& name, HtmlText& html) {
   if (name.empty()) {
     html.Word("noUnit");
   } else {
-    html.Text(name);
+    AddUnit(name, html);
   }
 }
 

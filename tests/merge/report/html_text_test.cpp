@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "merge/report/shared/page_units.h"
+
 namespace corvel {
 namespace {
 
@@ -73,6 +75,41 @@ TEST(HtmlText, DecimalsAreThoseOfTheLanguage) {
   EXPECT_EQ("<tspan data-n='0.5'>0,5</tspan>", HtmlText(german).Decimal(0.5, 1, "tspan").Take());
   EXPECT_EQ("-12", HtmlText(german).Decimal(-12, 0).Take());
   EXPECT_EQ("1e-07", HtmlText(german).Plain("1e-07").Take());
+}
+
+TEST(HtmlText, TheFewestDigitsAreThoseThatPeopleRead) {
+  EXPECT_EQ("1000000", FewestDigits(1e6));
+  EXPECT_EQ("-0.3048", FewestDigits(-0.3048));
+  EXPECT_EQ("0", FewestDigits(0));
+  EXPECT_EQ("1e+300", FewestDigits(1e300));
+}
+
+TEST(PageUnits, TheyHaveWordsWhateverFilesCallThem) {
+  const PageTexts german("de");
+  const auto shown = [&german](WideView name) {
+    HtmlText html(german);
+    AddUnit(name, html);
+    return html.Take();
+  };
+  EXPECT_EQ("<span data-t='unit.MILLIMETRE'>Millimeter</span>", shown(u"MILLIMETRE"));
+  EXPECT_EQ("<span data-t='unit.SQUARE_FOOT'>Quadratfuß</span>", shown(u"square foot"));
+  EXPECT_EQ("<span data-t='unit.SQUARE_MILLIMETRE'>Quadratmillimeter</span>",
+            shown(u"MILLISQUARE_METRE"));
+  EXPECT_EQ("<span data-t='unit.FOOT'>Fuß</span> (<span data-n='0.3048'>0,3048</span>\u00A0m)",
+            shown(u"Foot (0.3048 m)"));
+  EXPECT_EQ(
+      "<span data-t='unit.KILOGRAM'>Kilogramm</span> \u00B7 "
+      "<span data-t='unit.METRE'>Meter</span><sup>-3</sup>",
+      shown(u"KILOGRAM METRE^-3"));
+  EXPECT_EQ("<bdi>&lt;b&gt; METRE^2</bdi>", shown(u"<b> METRE^2"));
+  EXPECT_EQ("<bdi>x</bdi> (&lt;b&gt;\u00A0m)", shown(u"x (<b> m)"));
+}
+
+TEST(PageUnits, KindsHaveWordsAndOthersStayWhatTheyAre) {
+  HtmlText html(kEnglish);
+  AddKindOfUnit("PLANEANGLEUNIT", html);
+  AddKindOfUnit("<KIND>", html);
+  EXPECT_EQ("<span data-t='kind.PLANEANGLEUNIT'>plane angle</span>&lt;KIND&gt;", html.Take());
 }
 
 TEST(PageTexts, NumbersAreWrittenAsTheirLanguageDoes) {

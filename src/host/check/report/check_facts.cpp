@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string>
 #include <vector>
 
 #include "host/check/report/check_sections.h"
-#include "host/wrapped_text.h"
 #include "merge/report/shared/page_lists.h"
 #include "merge/report/shared/page_tree.h"
+#include "merge/report/shared/page_units.h"
 
 namespace corvel::host {
 
@@ -45,15 +46,16 @@ WideString ExporterOf(const Exporter& exporter) {
   return text;
 }
 
-// "MILLIMETRE (length)"
+// "millimetre length".
 void AddUnits(const std::vector<UnitFacts>& units, HtmlText& html) {
   BeginFact("units", html, " class='across'");
   if (units.empty()) html.Word("span", "notStated", " class='soft'");
   for (std::size_t i = 0; i < units.size(); ++i) {
-    WideString type = Widen(units[i].type);
-    if (type.ends_with(u"UNIT")) type.erase(type.size() - 4);
-    if (i != 0) html.Raw(" \u00b7 ");
-    html.Name(units[i].name).Raw(" <span class='soft'>").Text(ToLowerAscii(type)).Raw("</span>");
+    if (i != 0) html.Raw(", ");
+    AddUnit(units[i].name, html);
+    html.Raw(" <span class='soft'>(");
+    AddKindOfUnit(units[i].type, html);
+    html.Raw(")</span>");
   }
   EndFact(html);
 }
@@ -65,14 +67,14 @@ void AddPlaceOnEarth(const Georeference& place, HtmlText& html) {
     constexpr std::array<std::string_view, 3> kNames = {"eastings", "northings", "height"};
     for (std::size_t i = 0; i < kNames.size(); ++i) {
       if (i != 0) html.Raw(" \u00b7 ");
-      html.Word(kNames[i]).Raw(" ").Plain(Narrow(NumberText(values[i])));
+      html.Word(kNames[i]).Raw(" ").Plain(FewestDigits(values[i]));
     }
     if (values[3] != 1.0 || values[4] != 0.0) {
-      html.Raw(" \u00b7 ").Word("xAxis").Raw(" ").Plain(Narrow(NumberText(values[3])));
-      html.Raw(" ").Plain(Narrow(NumberText(values[4])));
+      html.Raw(" \u00b7 ").Word("xAxis").Raw(" ").Plain(FewestDigits(values[3]));
+      html.Raw(" ").Plain(FewestDigits(values[4]));
     }
     if (values[5] != 1.0)
-      html.Raw(" \u00b7 ").Word("scale").Raw(" ").Plain(Narrow(NumberText(values[5])));
+      html.Raw(" \u00b7 ").Word("scale").Raw(" ").Plain(FewestDigits(values[5]));
   } else {
     html.Word("span", "notStated", " class='soft'");
   }
@@ -80,7 +82,10 @@ void AddPlaceOnEarth(const Georeference& place, HtmlText& html) {
   AddFact("system", place.system, html);
   BeginFact("trueNorth", html);
   if (place.trueNorthDegrees) {
-    html.Plain(Narrow(NumberText(*place.trueNorthDegrees))).Raw("\u00b0 ").Word("clockwise");
+    constexpr double kParts = 1e6;  // of a degree
+    html.Plain(FewestDigits(std::round(*place.trueNorthDegrees * kParts) / kParts + 0.0))
+        .Raw("\u00b0 ")
+        .Word("clockwise");
   } else {
     html.Word("span", "notStated", " class='soft'");
   }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/check/report/check_sections.h"
+#include "merge/report/shared/page_units.h"
 
 namespace corvel::host {
 
@@ -52,17 +53,51 @@ void AddState(const Told& told, HtmlText& html) {
   }
 }
 
+void AddPart(const PlacePart& part, HtmlText& html) {
+  switch (part.kind) {
+    case PlacePart::Kind::kWord: html.Word(Narrow(part.text)); return;
+    case PlacePart::Kind::kText: html.Name(part.text); return;
+    case PlacePart::Kind::kNumber: html.Plain(Narrow(part.text)); return;
+    case PlacePart::Kind::kUnit: AddUnit(part.text, html); return;
+  }
+}
+
+void AddWhat(const FindingPlace& place, HtmlText& html) {
+  if (place.what.empty()) return;
+  html.Raw("<span class='what'>");
+  if (place.parts.empty()) html.Name(place.what);
+  for (const PlacePart& part : place.parts) {
+    if (&part != &place.parts.front()) html.Raw(" ");
+    AddPart(part, html);
+  }
+  html.Raw("</span>");
+}
+
 void AddPlace(const FindingPlace& place, HtmlText& html) {
   html.Raw("<li>");
   if (place.number != 0) html.Raw("<code>#").Text(std::to_string(place.number)).Raw("</code> ");
   if (place.line != 0) html.Word("line").Raw(" ").Count(place.line).Raw(" ");
-  if (!place.what.empty()) html.Raw("<span class='what'>").Name(place.what).Raw("</span>");
+  AddWhat(place, html);
   html.Raw("</li>");
+}
+
+// Most are classes and their attributes.
+void AddNameOfSubject(const Finding& finding, HtmlText& html) {
+  if (finding.subject.empty()) {
+    html.Raw("\u2014");
+  } else if (finding.rule == RuleId::kOtherUnit) {
+    AddKindOfUnit(finding.subject, html);
+  } else if (finding.rule == RuleId::kHiddenRecords) {
+    html.Word(finding.subject == "text" ? "said.text" : "said.comment");
+  } else {
+    html.Text(finding.subject);
+  }
 }
 
 void AddSubject(const Told& told, HtmlText& html) {
   const Finding& finding = *told.finding;
-  html.Raw("<tr><td>").Text(finding.subject.empty() ? "\u2014" : finding.subject);
+  html.Raw("<tr><td>");
+  AddNameOfSubject(finding, html);
   AddState(told, html);
   html.Raw("</td><td>").Count(finding.count).Raw("</td><td class='name'><ul class='places'>");
   for (const FindingPlace& place : finding.places) {

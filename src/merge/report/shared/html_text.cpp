@@ -64,6 +64,7 @@ HtmlText& HtmlText::Name(WideView text) { return Raw("<bdi>").Text(text).Raw("</
 
 HtmlText& HtmlText::Word(std::string_view element, std::string_view key,
                          std::string_view attributes) {
+  if (!named_.contains(key)) named_.emplace(key);
   Raw("<").Raw(element).Raw(" data-t='").Raw(key).Raw("'").Raw(attributes).Raw(">");
   return Text(texts_.Of(key)).Raw("</").Raw(element).Raw(">");
 }
@@ -119,6 +120,18 @@ HtmlText& HtmlText::Plain(std::string_view number, std::string_view element) {
 std::int32_t InTenths(double value) {
   if (!(std::abs(value) < kManyTenths)) return 0;
   return static_cast<std::int32_t>(value * 10 + (value < 0 ? -0.5 : 0.5));
+}
+
+std::string FewestDigits(double value) {
+  constexpr double kSmall = 1e-9;
+  constexpr double kLarge = 1e15;
+  const double size = std::abs(value);
+  const bool isUsual = size == 0.0 || (size >= kSmall && size < kLarge);
+  std::array<char, 64> text;
+  char* const begin = text.data();
+  char* const end = begin + text.size();
+  return {begin, isUsual ? std::to_chars(begin, end, value, std::chars_format::fixed).ptr
+                         : std::to_chars(begin, end, value).ptr};
 }
 
 WideString ShortName(const WideString& path) {

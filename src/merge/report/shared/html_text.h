@@ -58,15 +58,21 @@ class HtmlText {
   }
 
   const PageTexts& Texts() const { return texts_; }
+  // The texts of the page that have been put.
+  const KeysOfTexts& Named() const { return named_; }
   std::string Take() { return html_.Take(); }
 
  private:
   const PageTexts& texts_;
   ByteText html_;
+  KeysOfTexts named_;
 };
 
 // Of a coordinate, for Tenths. 0 where there is none.
 std::int32_t InTenths(double value);
+// In the fewest digits that mean the number, and without an exponent unless it is very large or
+// very small: "1000000.5", for Plain.
+std::string FewestDigits(double value);
 // The last part of the path.
 WideString ShortName(const WideString& path);
 // " i3": the colour of an input.

@@ -58,7 +58,7 @@ void EndPage(std::string_view json, HtmlText& html) {
     if (name == "json") {
       html.Raw(json);
     } else if (name == "texts") {
-      html.Raw(html.Texts().AllAsJson());
+      html.Raw(html.Texts().AllAsJson(html.Named()));
     } else {
       html.Raw(kPageScript);
     }

@@ -32,6 +32,8 @@ const NumberMarks& NumberMarksOf(std::string_view code) {
   return found == std::end(kNumberMarks) ? kNumberMarks[0] : *found;
 }
 
+constexpr std::string_view kKeyOfFrame = "language";
+
 const PageLanguage& LanguageOf(std::string_view code) {
   const auto* const found =
       std::find_if(std::begin(kPageLanguages), std::end(kPageLanguages),
@@ -89,7 +91,7 @@ std::string PageTexts::Number(std::string_view plain) const {
   return text.append(marks.decimal).append(plain.substr(whole + 1));
 }
 
-std::string PageTexts::AllAsJson() const {
+std::string PageTexts::AllAsJson(const KeysOfTexts& keys) const {
   JsonText json;
   json.BeginObject();
   for (const PageLanguage& language : kPageLanguages) {
@@ -102,7 +104,9 @@ std::string PageTexts::AllAsJson() const {
     json.Member("group", FromUtf8(marks.group));
     json.Member("groupFrom", marks.groupFrom);
     json.Key("texts").BeginObject();
-    for (const auto& [key, text] : texts) json.Member(key, FromUtf8(text));
+    for (const auto& [key, text] : texts) {
+      if (key == kKeyOfFrame || keys.contains(key)) json.Member(key, FromUtf8(text));
+    }
     json.EndObject();
     json.EndObject();
   }

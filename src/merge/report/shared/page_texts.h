@@ -1,7 +1,9 @@
 // The texts of a page, in each of its languages.
 #pragma once
 
+#include <functional>
 #include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,6 +15,8 @@ struct PageLanguage {
   std::string_view code;  // "de"
   std::string_view texts;
 };
+
+using KeysOfTexts = std::set<std::string, std::less<>>;
 
 class PageTexts {
  public:
@@ -28,9 +32,9 @@ class PageTexts {
   // "-1234.5" as the language writes it.
   std::string Number(std::string_view plain) const;
 
-  // All texts of all languages, for the script of the page: {"en": {"name", "decimal", "group",
-  // "groupFrom", "texts": {}}, ...}.
-  std::string AllAsJson() const;
+  // The texts of these keys, and of the frame, in all languages, for the script of the page: {"en":
+  // {"name", "decimal", "group", "groupFrom", "texts": {}}, ...}.
+  std::string AllAsJson(const KeysOfTexts& keys) const;
 
  private:
   using Texts = std::map<std::string_view, std::string_view>;
