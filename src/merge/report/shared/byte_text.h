@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,10 +11,7 @@ namespace corvel {
 // A std::string asks more than the copying of so few bytes costs.
 class ByteText {
  public:
-  void Append(std::string_view bytes) {
-    std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
-    size_ += bytes.size();
-  }
+  void Append(std::string_view bytes) { size_ += bytes.copy(Room(bytes.size()), bytes.size()); }
   void Append(char byte) {
     *Room(1) = byte;
     ++size_;
@@ -34,8 +30,7 @@ class ByteText {
   // What stands between these two sizes, once more.
   void AppendAgain(std::size_t begin, std::size_t end) {
     char* const room = Room(end - begin);
-    std::memcpy(room, bytes_.data() + begin, end - begin);
-    size_ += end - begin;
+    size_ += std::string_view(bytes_).substr(begin, end - begin).copy(room, end - begin);
   }
   // So many bytes more are to come.
   void Expect(std::size_t bytes) {
