@@ -57,11 +57,10 @@ class Writer {
 
   // The texts, and beside each the file that it is about.
   void Told(std::string_view key, std::string_view filesKey, const std::vector<ToldText>& told) {
-    std::vector<WideString> texts;
-    texts.reserve(told.size());
-    for (const ToldText& one : told) texts.push_back(one.text);
     Line(key);
-    json_.Texts(texts);
+    json_.BeginArray();
+    for (const ToldText& one : told) json_.Value(one.text);
+    json_.EndArray();
     Line(filesKey);
     json_.BeginArray();
     for (const ToldText& one : told) TextOrNull(one.file);

@@ -46,7 +46,7 @@ WideString ExporterOf(const Exporter& exporter) {
   return text;
 }
 
-// "millimetre length".
+// "millimetre (length)"
 void AddUnits(const std::vector<UnitFacts>& units, HtmlText& html) {
   BeginFact("units", html, " class='across'");
   if (units.empty()) html.Word("span", "notStated", " class='soft'");

@@ -16,14 +16,13 @@ class ByteText {
     *Room(1) = byte;
     ++size_;
   }
-  // Where at least so many bytes can be written behind the end; Took says how many were. Good until
-  // the next call.
+  // Where at least so many bytes can be written behind the end; TookUpTo says how many were. Good
+  // until the next call.
   char* Room(std::size_t bytes) {
     if (bytes_.size() - size_ < bytes) [[unlikely]]
       Enlarge(bytes);
     return bytes_.data() + size_;
   }
-  void Took(std::size_t bytes) { size_ += bytes; }
   // `end`: behind what was written into the room.
   void TookUpTo(const char* end) { size_ = static_cast<std::size_t>(end - bytes_.data()); }
 

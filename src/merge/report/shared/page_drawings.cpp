@@ -66,8 +66,8 @@ enum class View { kPlan, kElevation };
 
 Corners Footprint(const ProductBox& box) {
   const double angle = box.degrees * std::numbers::pi / 180;
-  const double cosine = box.degrees == 0 ? 1 : std::cos(angle);
-  const double sine = box.degrees == 0 ? 0 : std::sin(angle);
+  const double cosine = std::cos(angle);
+  const double sine = std::sin(angle);
   const Point along = {cosine * box.size[0] / 2, sine * box.size[0] / 2};
   const Point across = {-sine * box.size[1] / 2, cosine * box.size[1] / 2};
   Corners corners;
